@@ -1,0 +1,39 @@
+# Options and compiler settings that every target shares.
+
+option(VELMORA_TESTS "Build the tests" ON)
+option(VELMORA_BENCH "Build the benchmarks" OFF)
+option(VELMORA_FUZZ "Build the fuzz targets (clang)" OFF)
+set(VELMORA_SANITIZE "" CACHE STRING "Sanitizers for every target, e.g. address,undefined")
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
+endif()
+
+find_program(VELMORA_CCACHE ccache)
+if(VELMORA_CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${VELMORA_CCACHE}")
+endif()
+
+add_library(velmora_flags INTERFACE)
+target_compile_options(velmora_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+    -Wcast-align -Wnull-dereference -Wformat=2 -fno-strict-aliasing)
+# g++ 12 reports false positives of these two in optimised standard library code.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(velmora_flags INTERFACE -Wno-restrict -Wno-null-dereference
+        -Wno-maybe-uninitialized -Wno-dangling-pointer)
+endif()
+if(VELMORA_SANITIZE)
+    target_compile_options(velmora_flags INTERFACE
+        -fsanitize=${VELMORA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(velmora_flags INTERFACE -fsanitize=${VELMORA_SANITIZE})
+endif()
+if(VELMORA_FUZZ)
+    target_compile_options(velmora_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()

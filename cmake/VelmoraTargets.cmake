@@ -1,0 +1,46 @@
+# How the storeys are made. Each function fixes what its kind of target may see, so that a forbidden
+# include or call fails to compile or to link.
+#
+#   velmora_program_library  a subsystem of the program: standard library, base, contracts, forms
+#   velmora_backend_library  a back-end: the same plus the system libraries it names
+#   velmora_test             a test executable, registered with ctest
+
+function(velmora_sources out)
+    file(GLOB found CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
+    set(${out} ${found} PARENT_SCOPE)
+endfunction()
+
+# Subsystems call one another through the one Velmora object, so they are object libraries that
+# src/CMakeLists.txt joins into velmora_program.
+function(velmora_program_library name)
+    velmora_sources(sources)
+    add_library(${name} OBJECT ${sources})
+    target_include_directories(${name} PUBLIC "${CMAKE_SOURCE_DIR}/src")
+    target_link_libraries(${name} PUBLIC velmora_base velmora_forms PRIVATE velmora_flags)
+endfunction()
+
+function(velmora_backend_library name)
+    velmora_sources(sources)
+    add_library(${name} STATIC ${sources})
+    target_include_directories(${name} PUBLIC "${CMAKE_SOURCE_DIR}/src")
+    target_link_libraries(${name} PUBLIC velmora_base PRIVATE velmora_flags ${ARGN})
+endfunction()
+
+# velmora_test(NAME name SOURCES ... LIBRARIES ... [LABELS ...] [TIMEOUT seconds])
+include(GoogleTest)
+function(velmora_test)
+    cmake_parse_arguments(arg "" "NAME;TIMEOUT" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+    add_executable(${arg_NAME} ${arg_SOURCES})
+    target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest_main
+        velmora_flags)
+    target_include_directories(${arg_NAME} PRIVATE "${CMAKE_SOURCE_DIR}/src" "${CMAKE_SOURCE_DIR}")
+    target_compile_definitions(${arg_NAME} PRIVATE
+        VELMORA_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data")
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 120)
+    endif()
+    # One ctest entry an executable: start-up of a process for each case would cost more than the
+    # cases; the run prints each case by name on failure.
+    add_test(NAME ${arg_NAME} COMMAND ${arg_NAME} --gtest_brief=1)
+    set_tests_properties(${arg_NAME} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}")
+endfunction()

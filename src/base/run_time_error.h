@@ -1,0 +1,64 @@
+#pragma once
+
+// The one exception type of the program, and the two ways in which a routine may treat it.
+//
+// A routine either passes over failures statement by statement (`passOver`) or jumps on the first
+// one to its own handler (an ordinary try/catch around its body). An error that reaches the border
+// of an event handler ends that handler and nothing else; the forms do that catching (see
+// platform/forms/control.h).
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace velmora {
+
+// Numbers of the run-time errors that the program or its services raise. They are the numbers of
+// the platform on which the program was designed, so that a trapped error keeps its meaning.
+enum class ErrorNumber : int {
+    InvalidCall = 5,
+    Overflow = 6,
+    SubscriptOutOfRange = 9,
+    DivisionByZero = 11,
+    TypeMismatch = 13,
+    FileNotFound = 53,
+    DeviceIo = 57,
+    FileExists = 58,
+    DiskFull = 61,
+    PermissionDenied = 70,
+    PathNotFound = 76,
+    InvalidPropertyValue = 380,
+    General = 440,
+};
+
+class RunTimeError : public std::runtime_error {
+public:
+    // `description` is what a message box shows; it is never empty.
+    RunTimeError(ErrorNumber number, std::u16string description);
+
+    ErrorNumber number() const noexcept { return number_; }
+    const std::u16string &description() const noexcept { return description_; }
+
+private:
+    ErrorNumber number_;
+    std::u16string description_;
+};
+
+// The description that the platform's designers gave to an error number, for errors that no
+// service describes better ("Overflow", "Type mismatch").
+std::u16string defaultDescription(ErrorNumber number);
+
+[[noreturn]] void raise(ErrorNumber number);
+
+// Runs one statement and drops its failure. Returns whether it went through.
+template <typename Statement> bool passOver(Statement &&statement) {
+    try {
+        std::forward<Statement>(statement)();
+        return true;
+    } catch (const RunTimeError &) {
+        return false;
+    }
+}
+
+} // namespace velmora

@@ -1,0 +1,46 @@
+#pragma once
+
+// The system's ANSI conversion. Nothing above the platform knows which code page is in force.
+//
+// By default text is UTF-8, with a legacy page (936, read as GB18030) for bytes that are no UTF-8;
+// writing is always UTF-8. The registry value "ACP" in "SYSTEM\CurrentControlSet\Control\Nls\
+// CodePage" overrides it: with 936, 932, 950, 1252 or 65001 that page alone is read and written.
+//
+// A file-name byte that is no text, and CR and LF inside a file name, live in memory as the unit
+// U+DC00 + byte. They are written as the three-byte form of that unit, and that form counts as
+// valid when read, so every file name survives list and settings.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velmora::platform {
+
+class AnsiText {
+public:
+    virtual ~AnsiText() = default;
+
+    // Text to the bytes of the page in force. A unit that the page cannot hold becomes "?".
+    virtual std::string encode(std::u16string_view text) const = 0;
+
+    // The number of bytes that `encode` gives.
+    virtual std::size_t byteCount(std::u16string_view text) const = 0;
+
+    // One text that stands alone (a registry value, a line of a list that is no path): valid in
+    // UTF-8 as a whole it is that, else the legacy page. Undecodable bytes give U+FFFD.
+    virtual std::u16string decode(std::string_view bytes) const = 0;
+
+    // One path text, decided by itself: valid UTF-8 (file-name units included) is that; else raw
+    // file-name bytes if it begins with "/"; else the legacy page.
+    virtual std::u16string decodePath(std::string_view bytes) const = 0;
+
+    // Texts that decide together, such as the lines of a lyric or the fields of a tag: the majority
+    // of those that hold a byte above 127 decides for all of them, a tie goes to UTF-8. What is
+    // left invalid gives U+FFFD. `fixedLength`: an incomplete character at the end of a text is
+    // dropped and does not count as invalid (fields of fixed size).
+    virtual std::vector<std::u16string> decodeTogether(const std::vector<std::string> &texts,
+                                                       bool fixedLength) const = 0;
+};
+
+} // namespace velmora::platform

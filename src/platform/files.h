@@ -1,0 +1,103 @@
+#pragma once
+
+// Files, folders and paths.
+//
+// Paths are the platform's own texts. A path with a drive letter or a leading "\\" separates at
+// "\", any other at "/", so that a list brought from another machine shows proper names. Where the
+// program composes a path it asks for `separator()`. A path goes to the operating system as its own
+// bytes. "*" and "?" are ordinary characters. An empty path never exists.
+//
+// Operations that fail raise RunTimeError with the system's own description, unless they say what
+// they answer instead.
+
+#include "base/geometry.h"
+
+#include <cstdint>
+#include <ctime>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velmora::platform {
+
+// What a directory search asks for.
+enum class SearchFor { Files, Folders };
+
+// Reads a text file line by line. A line ends at CR, CR LF or LF; a last line without an end counts.
+class LineReader {
+public:
+    virtual ~LineReader() = default;
+    virtual bool endOfFile() = 0;
+    // The next line's bytes without its end. Raises on a read error and at the end of the file.
+    virtual std::string readLine() = 0;
+};
+
+// The platform's object for whole files.
+class FileSystemObject {
+public:
+    virtual ~FileSystemObject() = default;
+    // CreateTextFile(path, True), Write, Close in one: the ANSI form of `text` is the whole content.
+    // An existing file is replaced only by a complete new one.
+    virtual void CreateTextFile(std::u16string_view path, std::u16string_view text) = 0;
+    // Unlinks the exact name: a link goes, never its target. A folder, a missing file and a file
+    // without any write bit raise.
+    virtual void DeleteFile(std::u16string_view path) = 0;
+    // Birth time where the file system keeps one, else modification time.
+    virtual std::time_t DateCreated(std::u16string_view path) = 0;
+};
+
+class FileSystem {
+public:
+    virtual ~FileSystem() = default;
+
+    // The separator for new paths: "/" here.
+    virtual char16_t separator() const = 0;
+    // The separator at which this path divides.
+    virtual char16_t separatorOf(std::u16string_view path) const = 0;
+
+    // A directory search for one path: the bare name as it is on disk, or empty. Compares without
+    // regard to case, an exact match first. Files: regular files, after links; dangling links, pipes
+    // and devices are not found. Folders: folders only. Never raises.
+    virtual std::u16string Dir(std::u16string_view path, SearchFor what = SearchFor::Files) = 0;
+
+    // All names of a folder, sorted by upper-cased name, without "." , ".." and names beginning with
+    // "."; a folder entered before in the same walk (device, inode) is empty. An unreadable folder
+    // is empty. `walk` is the identity of the walk, 0 for a single listing.
+    virtual std::vector<std::u16string> list(std::u16string_view folder, SearchFor what,
+                                             std::uint32_t walk = 0) = 0;
+
+    // Bytes; raises when the file is missing.
+    virtual std::int64_t FileLen(std::u16string_view path) = 0;
+
+    // "Open for input". Raises when it cannot be opened. Reading never blocks on a pipe or device:
+    // those are refused.
+    virtual std::unique_ptr<LineReader> openInput(std::u16string_view path) = 0;
+
+    // Reads `count` bytes at `offset`; fewer at the end of the file. Raises on errors.
+    virtual std::string readBytes(std::u16string_view path, std::int64_t offset,
+                                  std::size_t count) = 0;
+
+    // "Open for output, write, close": the whole new content at once. Written beside the old file
+    // and renamed over it, every byte count and flush checked, so a failure of any kind leaves the
+    // old file as it was and raises. Follows links and keeps the file's mode. Refuses a target that
+    // is no regular file or has no write bit. `durable` also syncs file and folder.
+    virtual void writeWhole(std::u16string_view path, std::string_view bytes, bool durable) = 0;
+
+    // `writeWhole`, keeping the present file under `path` + suffix first.
+    virtual void keepAs(std::u16string_view path, std::u16string_view keptPath) = 0;
+
+    // Renames without ever replacing. The same path is success without action. A new bare name with
+    // a separator or NUL, or "." or "..", raises before the disk is touched.
+    virtual void Name(std::u16string_view from, std::u16string_view to) = 0;
+
+    // The path with every blank, quote, "%", control and non-ASCII byte as %XX: a text that needs no
+    // quoting and is plain ASCII. At most capacity units, else empty. Only the media engine decodes
+    // it.
+    virtual std::u16string GetShortPathNameA(std::u16string_view path) = 0;
+
+    virtual std::unique_ptr<FileSystemObject> CreateFileSystemObject() = 0;
+};
+
+} // namespace velmora::platform
