@@ -38,9 +38,13 @@ std::u16string decimal(std::int64_t value);
 
 // "00": at least two digits.
 std::u16string format00(std::int64_t value);
-// "0.00": two decimals, point ".", half away from zero as the format routine rounds.
+// "0.00": two decimals, point ".", half away from zero as the format routine rounds (it looks at
+// 15 significant digits, so 2.675 gives "2.68"). No number at all (NaN) counts as 0.
 std::u16string format0_00(double value);
 // "###,###,####": groups of three by ",", and the empty text for 0.
 std::u16string formatGrouped(std::int64_t value);
+// The same pattern applied to a text: one that is a decimal number between blanks is rounded to a
+// whole number (half away from zero) and grouped; any other text comes back as it stands.
+std::u16string formatGrouped(std::u16string_view text);
 
 } // namespace velmora

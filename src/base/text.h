@@ -12,8 +12,8 @@ namespace velmora {
 
 inline constexpr char16_t crLf[] = u"\r\n";
 
-// Upper case one unit to one unit, without locale: units whose full mapping is longer (such as
-// U+00DF) and units with no single mapping stay. Covers the simple mappings of the basic plane.
+// Upper case one unit to one unit, without locale: the simple mappings of the basic plane. A unit
+// whose only upper case form is longer than one unit (such as U+00DF) stays.
 char16_t upperUnit(char16_t unit) noexcept;
 std::u16string upper(std::u16string_view text);
 
