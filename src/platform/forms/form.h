@@ -1,0 +1,191 @@
+#pragma once
+
+// A window's model, and the routing of raw input to its controls. The design of a form (generated
+// from its .form file) derives from Form and holds its controls as members; the form's code derives
+// from the design.
+
+#include "platform/forms/control.h"
+#include "platform/forms/font.h"
+#include "platform/forms/picture.h"
+
+#include <optional>
+
+namespace velmora::platform {
+class WindowSystem;
+class FormWindow;
+using HWND = std::uintptr_t;
+} // namespace velmora::platform
+
+namespace velmora::forms {
+
+enum class WindowState : std::uint8_t { Normal = 0, Minimised = 1 };
+
+enum class FormChange : std::uint8_t {
+    Place,
+    Visible,
+    Enabled,
+    Caption,
+    State,
+    Look, // ground picture, colours, key
+    Icon,
+    Topmost,
+    Pointer,
+};
+
+class Form : public Container {
+public:
+    Form(platform::WindowSystem &windows, const char *name);
+    ~Form() override;
+    Form(const Form &) = delete;
+    Form &operator=(const Form &) = delete;
+
+    Form &containerForm() noexcept override { return *this; }
+    Control *asControl() noexcept override { return nullptr; }
+    const char *name() const noexcept { return name_; }
+    platform::WindowSystem &windows() const noexcept { return windows_; }
+
+    // The form's number for the window operations; never 0, never reused in a run.
+    platform::HWND hWnd() const noexcept { return hWnd_; }
+
+    const std::u16string &caption() const noexcept { return caption_; }
+    void setCaption(std::u16string_view caption);
+
+    // Screen position and size. Float as the design has them; the window is placed at the nearest
+    // logical pixel.
+    Twips left() const noexcept { return place_.left; }
+    Twips top() const noexcept { return place_.top; }
+    Twips width() const noexcept { return place_.width; }
+    Twips height() const noexcept { return place_.height; }
+    const RectTwips &place() const noexcept { return place_; }
+    void setLeft(Twips left);
+    void setTop(Twips top);
+    void setWidth(Twips width);
+    void setHeight(Twips height);
+    void move(const RectTwips &place);
+
+    bool visible() const noexcept { return visible_; }
+    void show();
+    void hide();
+    void setVisible(bool visible);
+    bool enabled() const noexcept { return enabled_; }
+    void setEnabled(bool enabled);
+    WindowState windowState() const noexcept { return state_; }
+    void setWindowState(WindowState state);
+    std::int16_t mousePointer() const noexcept { return mousePointer_; }
+    void setMousePointer(std::int16_t pointer);
+
+    // The picture stretched over the whole window; without one the back colour.
+    Picture ground() const noexcept { return ground_; }
+    void setGround(Picture ground);
+    Colour backColor() const noexcept { return backColor_; }
+    void setBackColor(Colour colour);
+    const Font &font() const noexcept { return font_; }
+    void setFont(const Font &font) { font_ = font; }
+    Picture icon() const noexcept { return icon_; }
+    void setIcon(Picture icon);
+
+    // How the window appears outside: with an entry in the task bar, or without.
+    bool showInTaskbar() const noexcept { return showInTaskbar_; }
+    void setShowInTaskbar(bool show) noexcept { showInTaskbar_ = show; }
+    // Placed by the program alone, above panels and screen edges (the mini strip, the desktop line).
+    bool unmanaged() const noexcept { return unmanaged_; }
+    void setUnmanaged(bool unmanaged) noexcept { unmanaged_ = unmanaged; }
+    // Centred on the work area when first shown; otherwise at its place.
+    bool startCentred() const noexcept { return startCentred_; }
+    void setStartCentred(bool centred) noexcept { startCentred_ = centred; }
+
+    // Window styles written through the window operations (windows.h).
+    bool layered() const noexcept { return layered_; }
+    std::optional<Colour> windowKey() const noexcept { return key_; }
+    bool topmost() const noexcept { return topmost_; }
+    void setLayered(bool layered);
+    void setWindowKey(std::optional<Colour> key);
+    void setTopmost(bool topmost);
+    // Above all normal windows once, without staying there.
+    void raise();
+
+    // Asks QueryUnload; unless cancelled hides the form, raises Unload and reports true: the owner
+    // then lets it go.
+    bool unload();
+
+    // The extent of a text in a font (Form.TextWidth, TextHeight).
+    TextExtent textExtent(std::u16string_view text, const Font &font) const;
+
+    Control *activeControl() const noexcept { return active_; }
+    void setFocus(Control *control);
+
+    void refresh(); // repaints at once
+
+    FormEvents &on();
+    const FormEvents *events() const noexcept { return events_.get(); }
+
+    // --- the view's side --------------------------------------------------------------------
+
+    // Raw input in form coordinates. The form finds the control: the topmost that is shown and
+    // contains the point, labels and images and boxes only; a disabled one passes the event to its
+    // container. A control that took a press gets moves and the release until all buttons are up.
+    // Click follows the release when press and release lie in the same control; a double click is
+    // press, release, Click, DblClick, release. Nothing is delivered while the form is disabled.
+    void pointerPressed(PointTwips at, std::int16_t button, std::int16_t shift);
+    void pointerMoved(PointTwips at, std::int16_t buttons, std::int16_t shift);
+    void pointerReleased(PointTwips at, std::int16_t button, std::int16_t shift);
+    void pointerDoubleClicked(PointTwips at, std::int16_t button, std::int16_t shift);
+    void pointerLeft();
+    // A key goes to the active control if there is one, else to the form. True when the key code was
+    // not swallowed (a toolkit widget may then act on it).
+    bool keyPressed(std::int16_t keyCode, std::int16_t shift);
+    void keyReleased(std::int16_t keyCode, std::int16_t shift);
+    // The window manager's or session's wish to close this window.
+    void closeRequested();
+    // The window was moved, minimised or restored from outside.
+    void movedTo(Twips left, Twips top);
+    void stateChanged(WindowState state);
+
+    // What the pointer shows at a point: the control's pointer and icon, or the form's.
+    struct PointerLook {
+        std::int16_t pointer = pointerDefault;
+        MouseIcon icon = MouseIcon::None;
+    };
+    PointerLook pointerAt(PointTwips at) const;
+    // The control that would receive a press there, or null for the form.
+    Control *controlAt(PointTwips at) const;
+
+    // The window behind the form, made when first needed; null before.
+    platform::FormWindow *window() const noexcept { return window_.get(); }
+    platform::FormWindow &ensureWindow();
+
+private:
+    friend class Control;
+    void controlChanged(Control &control, Change what, const RectTwips &before);
+    void controlGone(Control &control);
+    void formChanged(FormChange what);
+    void placeChanged(const RectTwips &before);
+
+    platform::WindowSystem &windows_;
+    const char *name_;
+    platform::HWND hWnd_;
+    std::unique_ptr<platform::FormWindow> window_;
+    std::unique_ptr<FormEvents> events_;
+    std::u16string caption_;
+    RectTwips place_;
+    Font font_;
+    Colour backColor_ = 0;
+    std::optional<Colour> key_;
+    Control *active_ = nullptr;
+    Control *captured_ = nullptr;   // took the press that is going on
+    bool formCaptured_ = false;
+    std::int16_t heldButtons_ = 0;
+    std::int16_t mousePointer_ = pointerDefault;
+    Picture ground_ = Picture::None;
+    Picture icon_ = Picture::None;
+    WindowState state_ = WindowState::Normal;
+    bool visible_ = false;
+    bool enabled_ = true;
+    bool showInTaskbar_ = false;
+    bool unmanaged_ = false;
+    bool startCentred_ = false;
+    bool layered_ = false;
+    bool topmost_ = false;
+};
+
+} // namespace velmora::forms

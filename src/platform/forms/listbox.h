@@ -1,0 +1,99 @@
+#pragma once
+
+#include "platform/forms/control.h"
+#include "platform/forms/font.h"
+
+#include <deque>
+#include <unordered_map>
+
+namespace velmora::forms {
+
+// A list of text rows with selection, one current row and a top row. Rows count in 16 bits: a list
+// holds at most 32,767; one more raises Overflow.
+//
+// Reading a row out of range gives the empty text; writing or removing one raises. Writing a row's
+// selection true makes it the current row (and raises Click when it changes the selection of a
+// single-selection list by code); false does not. The current row is -1 until one is chosen. It
+// follows its row on insertion and removal above; if its row goes, the row now at that index is
+// current, unselected (-1 when none is left there).
+//
+// The index behind `find` lives here; nothing outside holds a second copy of the rows.
+class ListBox : public Control {
+public:
+    using Control::Control;
+    ~ListBox() override;
+    Kind kind() const noexcept override { return Kind::ListBox; }
+
+    std::int16_t listCount() const noexcept { return static_cast<std::int16_t>(rows_.size()); }
+    std::u16string list(std::int32_t row) const; // empty out of range
+    const std::u16string &row(std::int32_t row) const; // for views: row must be in range
+    void setList(std::int32_t row, std::u16string_view text);
+    void addItem(std::u16string_view text);
+    void addItem(std::u16string_view text, std::int32_t row); // row 0..listCount
+    void removeItem(std::int32_t row);
+    void clear();
+
+    // The lowest row whose text equals `text` exactly, or -1. Constant time on average; the index is
+    // built when first asked and kept from then on.
+    std::int16_t find(std::u16string_view text) const;
+
+    bool multiSelect() const noexcept { return multiSelect_; }
+    void setMultiSelect(bool multi) noexcept { multiSelect_ = multi; }
+    bool selected(std::int32_t row) const noexcept; // false out of range
+    void setSelected(std::int32_t row, bool selected);
+    std::int16_t selCount() const noexcept { return selCount_; }
+    // The lowest selected row, or -1.
+    std::int16_t firstSelected() const noexcept;
+    std::int16_t listIndex() const noexcept { return listIndex_; }
+    void setListIndex(std::int32_t row);
+
+    // 0 to max(0, rows - rows that fit); writing clamps.
+    std::int16_t topIndex() const noexcept { return topIndex_; }
+    void setTopIndex(std::int32_t row);
+    // Brings the row into view with the least scrolling.
+    void ensureVisible(std::int32_t row);
+
+    // Rows that fit at the design height. The row height is design height / that number.
+    std::int16_t designRows() const noexcept { return designRows_; }
+    void setDesignRows(std::int16_t rows);
+    Twips rowHeight() const noexcept;
+
+    const Font &font() const noexcept { return font_; }
+    void setFont(const Font &font);
+    Colour foreColor() const noexcept { return foreColor_; }
+    void setForeColor(Colour colour);
+    Colour backColor() const noexcept { return backColor_; }
+    void setBackColor(Colour colour);
+
+    // The view's roads for the user's input. `userClicked` applies the rules of simple or extended
+    // selection (click, Ctrl, Shift, drag) and raises Click. Both ignore rows that are not there.
+    void userClicked(std::int32_t row, std::int16_t shift, bool dragging);
+    void userMoved(std::int32_t row, std::int16_t shift); // arrow, page, home and end keys
+    // DblClick is raised on a row only.
+    void userDoubleClicked(std::int32_t row);
+    void userScrolled(std::int32_t topRow);
+
+private:
+    struct Index;
+    void rowsChanged();
+    void clampTop();
+
+    struct Row {
+        std::u16string text;
+        bool selected = false;
+    };
+    std::vector<Row> rows_;
+    mutable std::unique_ptr<Index> index_;
+    Font font_;
+    Colour foreColor_ = 0;
+    Colour backColor_ = 0x00FFFFFF;
+    Twips designHeight_ = 0;
+    std::int16_t designRows_ = 17;
+    std::int16_t selCount_ = 0;
+    std::int16_t listIndex_ = -1;
+    std::int16_t topIndex_ = 0;
+    std::int16_t anchor_ = -1;
+    bool multiSelect_ = false;
+};
+
+} // namespace velmora::forms

@@ -1,0 +1,73 @@
+#pragma once
+
+// Logical timers and the queue that runs them.
+//
+// Each timer is its own: while its handler runs, pumping or not, it does not fire again, and all
+// others do. Ticks that share a wake-up run in order of enabling, from a queue that a nested pump
+// goes on emptying. Timers with the same interval tick on one common grid, so they share wake-ups;
+// any stretch of one interval holds one tick. A late tick is not made up for: the next comes at the
+// next point of the grid. Timers of hidden forms run too.
+
+#include "platform/forms/control.h"
+
+#include <deque>
+#include <functional>
+#include <optional>
+
+namespace velmora::forms {
+
+class TimerQueue;
+
+class Timer : public Control {
+public:
+    Timer(Container &container, const char *name);
+    ~Timer() override;
+    Kind kind() const noexcept override { return Kind::Timer; }
+
+    std::int32_t interval() const noexcept { return intervalMs_; } // ms; 0 never ticks
+    void setInterval(std::int32_t intervalMs);
+    bool running() const noexcept { return running_; }
+    void setRunning(bool running); // the timer's Enabled property
+
+    // Set once by the form.
+    std::function<void()> onTimer;
+
+private:
+    friend class TimerQueue;
+    void schedule();
+
+    std::int32_t intervalMs_ = 0;
+    std::int64_t dueMs_ = 0;
+    std::uint64_t enabledAs_ = 0; // order of enabling
+    bool running_ = false;
+    bool inHandler_ = false;
+};
+
+class TimerQueue {
+public:
+    using Clock = std::function<std::int64_t()>; // steady ms
+
+    explicit TimerQueue(Clock clock);
+
+    // Called whenever the next due time may have become earlier; the back-end arms its wake-up.
+    std::function<void()> onEarlier;
+
+    // When the next tick is due (steady ms); absent when no timer runs.
+    std::optional<std::int64_t> nextDueMs() const;
+
+    // Runs every tick that is due now. Re-entrant: a pump inside a handler may call it again and
+    // goes on with the ticks that are still waiting.
+    void runDue();
+
+private:
+    friend class Timer;
+    void add(Timer &timer);
+    void remove(Timer &timer);
+
+    Clock clock_;
+    std::vector<Timer *> timers_;
+    std::deque<Timer *> waiting_;
+    std::uint64_t order_ = 0;
+};
+
+} // namespace velmora::forms

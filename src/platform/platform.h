@@ -1,0 +1,35 @@
+#pragma once
+
+// Everything the program is handed at its start. References outlive the program.
+
+namespace velmora::platform {
+
+class AnsiText;
+class Clock;
+class FileSystem;
+class Folders;
+class MediaControl;
+class Processes;
+class Registry;
+class Shell;
+class VersionRecords;
+class WaitableTimers;
+class WaveOut;
+class WindowSystem;
+
+struct Platform {
+    AnsiText &ansi;
+    Clock &clock;
+    FileSystem &files;
+    Folders &folders;
+    MediaControl &media;
+    Processes &processes;
+    Registry &registry;
+    Shell &shell;
+    VersionRecords &versions;
+    WaitableTimers &waitableTimers;
+    WaveOut &waveOut;
+    WindowSystem &windows;
+};
+
+} // namespace velmora::platform
