@@ -1,0 +1,109 @@
+#!/usr/bin/env bash
+# Plays the demonstration piece on a virtual display and keeps screenshots.
+#
+#   scripts/demo.sh BUILD_FOLDER
+#
+# Everything happens in build/demo: a home of its own for the player, a sound server with a null
+# sink, a display with a window manager. Ends by itself; status 0 when the player was seen playing
+# and ended in order.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+build=$1
+out=$PWD/build/demo
+rm -rf "$out"
+mkdir -p "$out/home" "$out/music"
+chmod 700 "$out/home"
+
+cleanup() {
+    local pid
+    for pid in "${player:-}" "${manager:-}" "${display_server:-}"; do
+        [ -n "$pid" ] && kill "$pid" 2>/dev/null || true
+    done
+    [ -n "${PULSE_SERVER:-}" ] && pactl exit 2>/dev/null || true
+    wait 2>/dev/null || true
+    rm -rf "${runtime:-}"
+}
+trap cleanup EXIT
+
+# wait_for SECONDS COMMAND...: until the command succeeds.
+wait_for() {
+    local until=$((SECONDS + $1))
+    shift
+    while ! "$@" >/dev/null 2>&1; do
+        [ "$SECONDS" -lt "$until" ] || return 1
+        sleep 0.05
+    done
+}
+
+# Sockets have short names only: the runtime folder lies in the temporary folder.
+runtime=$(mktemp -d)
+export XDG_RUNTIME_DIR=$runtime
+export HOME=$out/home XDG_CONFIG_HOME=$out/home/config XDG_DATA_HOME=$out/home/data
+export XDG_CACHE_HOME=$out/home/cache
+mkdir -p "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME"
+
+# A screen.
+exec 3>"$out/display"
+Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp >"$out/xvfb.log" 2>&1 &
+display_server=$!
+exec 3>&-
+wait_for 20 test -s "$out/display"
+DISPLAY=:$(cat "$out/display")
+export DISPLAY
+openbox >"$out/openbox.log" 2>&1 &
+manager=$!
+wait_for 20 xprop -root _NET_SUPPORTING_WM_CHECK
+xsetroot -gray 2>/dev/null || true
+# A calm desktop to look at, drawn here.
+convert -size 1280x800 gradient:'#33567a'-'#16233a' "$out/desktop.png" &&
+    display -window root "$out/desktop.png" 2>/dev/null || xsetroot -solid '#2a4464' || true
+
+# A sound server whose one sink is silent.
+export PULSE_SERVER=unix:$runtime/pulse/native
+mkdir -p "$runtime/pulse"
+pulseaudio -n --daemonize=yes --exit-idle-time=-1 --disallow-exit=no --log-target="file:$out/pulse.log" \
+    -L "module-null-sink sink_name=null1 rate=44100 channels=2" \
+    -L "module-native-protocol-unix socket=$runtime/pulse/native" || true
+wait_for 10 pactl info || echo "No sound server came up: the player plays silently." >&2
+
+# The piece, and the list that names it.
+"$build/tools/demo_piece/demo_piece" "$out/music/Harbour Lights.wav"
+list=$XDG_DATA_HOME/velmora/Program\ Files/Norvane软件/Velmora/List
+mkdir -p "$list"
+printf '%s\r\n' "$out/music/Harbour Lights.wav" >"$list/zkPlayList.m3u"
+
+"$build/src/velmora" 2>"$out/player.log" &
+player=$!
+seen() { xdotool search --onlyvisible --class velmora; }
+wait_for 20 seen || {
+    echo "The player's window did not come up:" >&2
+    cat "$out/player.log" >&2
+    exit 1
+}
+import -window root "$out/1-idle.png"
+window=$(xdotool search --onlyvisible --class velmora | head -n 1)
+xdotool windowfocus --sync "$window" || true
+# F6: the next track of the list, which is the piece.
+xdotool key --window "$window" F6
+# The window's title rolls once a medium is open.
+title_rolls() { xdotool getwindowname "$window" | grep -q 'Harbour'; }
+wait_for 20 title_rolls || {
+    echo "The piece did not start:" >&2
+    cat "$out/player.log" >&2
+    exit 1
+}
+sleep 3
+import -window root "$out/2-playing.png"
+# F8 hides the play list, the list button shows it; F3 pauses.
+xdotool key --window "$window" F3
+sleep 0.5
+import -window root "$out/3-paused.png"
+# Esc ends the program at once.
+xdotool key --window "$window" Escape
+status=0
+wait "$player" || status=$?
+player=
+echo "Screenshots:"
+ls -1 "$out"/*.png | grep -v desktop.png
+[ "$status" -eq 0 ] || echo "The player ended with status $status." >&2
+exit "$status"
