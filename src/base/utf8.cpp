@@ -1,41 +1,29 @@
+#include "base/utf8.h"
+
 #include "base/text.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
 namespace velmora {
 
-namespace {
-
-constexpr char16_t replacement = u'\xFFFD';
-
-bool isHigh(char16_t unit) noexcept { return (unit & 0xFC00) == 0xD800; }
-bool isLow(char16_t unit) noexcept { return (unit & 0xFC00) == 0xDC00; }
-bool isTail(unsigned char byte) noexcept { return (byte & 0xC0) == 0x80; }
-
-// Length of the ASCII run at the front.
-std::size_t asciiRun(const char *bytes, std::size_t size) noexcept {
+std::size_t asciiRun(std::string_view bytes) noexcept {
     std::size_t at = 0;
-    for (; at + 8 <= size; at += 8) {
+    for (; at + 8 <= bytes.size(); at += 8) {
         std::uint64_t eight = 0;
-        std::memcpy(&eight, bytes + at, 8);
+        std::memcpy(&eight, bytes.data() + at, 8);
         if ((eight & 0x8080808080808080U) != 0)
             break;
     }
-    while (at < size && static_cast<unsigned char>(bytes[at]) < 0x80)
+    while (at < bytes.size() && static_cast<unsigned char>(bytes[at]) < 0x80)
         ++at;
     return at;
 }
 
-// One sequence that begins with a byte above 127. `taken` is its length, or that of its maximal
-// well-formed beginning when it is no character; then the code point is U+FFFD.
-struct Sequence {
-    char32_t codePoint = replacement;
-    std::size_t taken = 1;
-};
-
-Sequence sequenceAt(const unsigned char *bytes, std::size_t size) noexcept {
-    const unsigned char lead = bytes[0];
+Utf8Sequence utf8SequenceAt(std::string_view bytes) noexcept {
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+    const unsigned char lead = byte(0);
     std::size_t length = 0;
     unsigned char low = 0x80; // limits of the second byte: no over-long forms, no surrogates
     unsigned char high = 0xBF;
@@ -52,43 +40,50 @@ Sequence sequenceAt(const unsigned char *bytes, std::size_t size) noexcept {
     } else {
         return {};
     }
-    if (size < 2 || bytes[1] < low || bytes[1] > high)
-        return {};
     char32_t codePoint = lead & (0x7FU >> length);
     for (std::size_t i = 1; i < length; ++i) {
-        if (i >= size || !isTail(bytes[i]))
-            return {replacement, i};
-        codePoint = codePoint << 6 | (bytes[i] & 0x3FU);
+        if (i == bytes.size())
+            return {0xFFFD, i, false, true};
+        if (byte(i) < low || byte(i) > high)
+            return {0xFFFD, i, false, false};
+        codePoint = codePoint << 6 | (byte(i) & 0x3FU);
+        low = 0x80;
+        high = 0xBF;
     }
-    return {codePoint, length};
+    return {codePoint, length, true, false};
 }
 
-} // namespace
+char *putUtf8(char32_t codePoint, char *out) noexcept {
+    if (codePoint < 0x80) {
+        *out++ = static_cast<char>(codePoint);
+        return out;
+    }
+    if (codePoint < 0x800) {
+        *out++ = static_cast<char>(0xC0 | codePoint >> 6);
+    } else if (codePoint < 0x10000) {
+        *out++ = static_cast<char>(0xE0 | codePoint >> 12);
+        *out++ = static_cast<char>(0x80 | (codePoint >> 6 & 0x3F));
+    } else {
+        *out++ = static_cast<char>(0xF0 | codePoint >> 18);
+        *out++ = static_cast<char>(0x80 | (codePoint >> 12 & 0x3F));
+        *out++ = static_cast<char>(0x80 | (codePoint >> 6 & 0x3F));
+    }
+    *out++ = static_cast<char>(0x80 | (codePoint & 0x3F));
+    return out;
+}
 
 std::string toUtf8(std::u16string_view text) {
     std::string result;
-    result.resize(text.size() * 3);
+    result.resize(text.size() * 3); // a pair takes four bytes for its two units
     char *out = result.data();
     for (std::size_t i = 0; i < text.size(); ++i) {
-        char16_t unit = text[i];
-        if (unit < 0x80) {
+        const char16_t unit = text[i];
+        if (unit < 0x80)
             *out++ = static_cast<char>(unit);
-        } else if (unit < 0x800) {
-            *out++ = static_cast<char>(0xC0 | unit >> 6);
-            *out++ = static_cast<char>(0x80 | (unit & 0x3F));
-        } else if (isHigh(unit) && i + 1 < text.size() && isLow(text[i + 1])) {
-            const char32_t codePoint = 0x10000U + ((unit & 0x3FFU) << 10 | (text[++i] & 0x3FFU));
-            *out++ = static_cast<char>(0xF0 | codePoint >> 18);
-            *out++ = static_cast<char>(0x80 | (codePoint >> 12 & 0x3F));
-            *out++ = static_cast<char>(0x80 | (codePoint >> 6 & 0x3F));
-            *out++ = static_cast<char>(0x80 | (codePoint & 0x3F));
-        } else {
-            if (isHigh(unit) || isLow(unit))
-                unit = replacement;
-            *out++ = static_cast<char>(0xE0 | unit >> 12);
-            *out++ = static_cast<char>(0x80 | (unit >> 6 & 0x3F));
-            *out++ = static_cast<char>(0x80 | (unit & 0x3F));
-        }
+        else if (isHighSurrogate(unit) && i + 1 < text.size() && isLowSurrogate(text[i + 1]))
+            out = putUtf8(pairCodePoint(unit, text[++i]), out);
+        else
+            out = putUtf8((unit & 0xF800) == 0xD800 ? 0xFFFD : unit, out);
     }
     result.resize(static_cast<std::size_t>(out - result.data()));
     return result;
@@ -96,25 +91,19 @@ std::string toUtf8(std::u16string_view text) {
 
 std::u16string fromUtf8(std::string_view bytes) {
     std::u16string result;
-    result.reserve(bytes.size());
-    std::size_t at = 0;
-    while (at < bytes.size()) {
-        const std::size_t run = asciiRun(bytes.data() + at, bytes.size() - at);
-        result.append(bytes.begin() + static_cast<std::ptrdiff_t>(at),
-                      bytes.begin() + static_cast<std::ptrdiff_t>(at + run));
-        at += run;
-        if (at == bytes.size())
+    result.resize(bytes.size()); // no form has more units than bytes
+    char16_t *out = result.data();
+    while (!bytes.empty()) {
+        const std::size_t run = asciiRun(bytes);
+        out = std::copy_n(bytes.data(), run, out);
+        bytes.remove_prefix(run);
+        if (bytes.empty())
             break;
-        const auto *rest = reinterpret_cast<const unsigned char *>(bytes.data() + at);
-        const Sequence sequence = sequenceAt(rest, bytes.size() - at);
-        if (sequence.codePoint >= 0x10000) {
-            result += static_cast<char16_t>(0xD7C0 + (sequence.codePoint >> 10));
-            result += static_cast<char16_t>(0xDC00 + (sequence.codePoint & 0x3FF));
-        } else {
-            result += static_cast<char16_t>(sequence.codePoint);
-        }
-        at += sequence.taken;
+        const Utf8Sequence sequence = utf8SequenceAt(bytes);
+        out = putUtf16(sequence.codePoint, out);
+        bytes.remove_prefix(sequence.taken);
     }
+    result.resize(static_cast<std::size_t>(out - result.data()));
     return result;
 }
 

@@ -3,8 +3,9 @@
 // The system's ANSI conversion. Nothing above the platform knows which code page is in force.
 //
 // By default text is UTF-8, with a legacy page (936, read as GB18030) for bytes that are no UTF-8;
-// writing is always UTF-8. The registry value "ACP" in "SYSTEM\CurrentControlSet\Control\Nls\
-// CodePage" overrides it: with 936, 932, 950, 1252 or 65001 that page alone is read and written.
+// writing is always UTF-8. The registry value "ACP" in the platform's own key
+// "SYSTEM\CurrentControlSet\Control\Nls\CodePage" overrides it: with 936, 932, 950, 1252 or 65001
+// that page alone is read and written.
 //
 // A file-name byte that is no text, and CR and LF inside a file name, live in memory as the unit
 // U+DC00 + byte. They are written as the three-byte form of that unit, and that form counts as

@@ -1,0 +1,28 @@
+#pragma once
+
+// Paths as texts: to and from the operating system's bytes, separators, parts.
+
+#include <string>
+#include <string_view>
+
+namespace velmora::platform {
+
+// The bytes of a name or path as the system knows it: UTF-8, and file-name units as their own byte.
+std::string pathBytes(std::u16string_view path);
+
+// The inverse. Bytes that are no UTF-8, and CR and LF, become file-name units.
+std::u16string pathFromBytes(std::string_view bytes);
+
+// "\" for a path with a drive letter or a leading "\\", else "/".
+char16_t pathSeparatorOf(std::u16string_view path) noexcept;
+
+// Behind and up to (including) the last separator of the path.
+std::u16string_view baseName(std::u16string_view path) noexcept;
+std::u16string_view folderPart(std::u16string_view path) noexcept;
+
+// Every blank, double quote, "%", control and non-ASCII byte as %XX.
+std::u16string shortPath(std::u16string_view path);
+// What a short path stands for; a "%" without two hexadecimal digits behind it stays.
+std::string shortPathBytes(std::u16string_view path);
+
+} // namespace velmora::platform
