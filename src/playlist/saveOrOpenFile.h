@@ -1,0 +1,67 @@
+#pragma once
+
+// The play list file, the probe of a save folder, and the small helpers around files and the shell.
+//
+// The list lives in the two list controls of playList_Form (`playList_Item`: names, `List1`: full
+// paths) and nowhere else; this module carries it to and from "zkPlayList.m3u" in the folder
+// `setControl::Path_List`. One full path a line, bare, each line ended by CR LF; nothing else.
+
+#include <string>
+#include <string_view>
+
+namespace velmora {
+
+class Velmora;
+
+// How much a save promises when it returns. Both are atomic: the file is the old one or the new one.
+enum class SaveKind {
+    Step,   // one of many within an operation; not waited for on the disk
+    Settled // the last of an operation: file and folder are synced
+};
+
+class saveOrOpenFile {
+public:
+    explicit saveOrOpenFile(Velmora &app);
+
+    // Writes the whole list. Always true: a save that fails leaves the old file as it was and says
+    // nothing. The first save behind a load that could not take every line keeps the old file as
+    // "zkPlayList.m3u.old" first; where that cannot be done nothing is written.
+    bool savePlayList(SaveKind kind = SaveKind::Settled);
+
+    // Replaces the list by the file's. False when there is no file (the list is not touched then).
+    // Handles pending events ahead of each line. A list that is full takes no further line.
+    bool loadPlayList();
+
+    // Whether a file can be made, written and deleted in the folder (no trailing separator). Makes
+    // "zkPlay.tmp" there for the moment. An empty folder never can.
+    bool canWriteFolder(std::u16string_view folder);
+
+    // Deletes the exact path. On failure false, and `lastDeleteError` is the system's description.
+    bool deleteFileChecked(std::u16string_view path);
+    std::u16string lastDeleteError;
+
+    // Whether the directory search finds a file by that path.
+    bool fileExists(std::u16string_view path);
+
+    // 1 to 222 units, not only blanks, none of \ / : * ? " < > |
+    static bool isValidFileName(std::u16string_view name) noexcept;
+
+    // Hands a path or address to the desktop. Always true.
+    bool shellOpen(std::u16string_view target);
+    // Opens the mail program with this address.
+    void mailTo(std::u16string_view address);
+    // Removes a file, makes a folder with its parents: hidden and not waited for, no result.
+    bool shellDel(std::u16string_view path);
+    bool shellMd(std::u16string_view path);
+
+private:
+    class Loading;
+    std::u16string playListPath() const;
+    bool keepOldFile(std::u16string_view path);
+
+    Velmora &app_;
+    // The play list file whose last load left lines behind; empty when there is none.
+    std::u16string partlyLoaded_;
+};
+
+} // namespace velmora
