@@ -1,0 +1,223 @@
+"""A private screen, sound server and home to measure programs in, and the measures themselves.
+
+Everything is started by this module and ended by `Session.close`; nothing of the user's is touched.
+"""
+
+import glob
+import os
+import shutil
+import signal
+import subprocess
+import tempfile
+import threading
+import time
+
+RATE = 44100
+CHUNK = 441 * 4  # 10 ms of 16-bit stereo
+
+
+def wait_for(condition, seconds=15.0, step=0.02):
+    """Polls until `condition` gives something true; None when the time is up."""
+    end = time.monotonic() + seconds
+    while time.monotonic() < end:
+        found = condition()
+        if found:
+            return found
+        time.sleep(step)
+    return None
+
+
+def quiet(*command, **options):
+    return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False,
+                          text=True, **options).stdout.strip()
+
+
+class Session:
+    def __init__(self, window_manager):
+        self.home = tempfile.mkdtemp(prefix="velmora-bench-")
+        self.runtime = tempfile.mkdtemp(prefix="vb")
+        self.env = dict(os.environ, HOME=self.home, XDG_RUNTIME_DIR=self.runtime,
+                        XDG_CONFIG_HOME=self.home + "/config", XDG_DATA_HOME=self.home + "/data",
+                        XDG_CACHE_HOME=self.home + "/cache", QT_XCB_GL_INTEGRATION="none",
+                        PULSE_SERVER=f"unix:{self.runtime}/native", LC_ALL="C.UTF-8")
+        self.env.pop("WAYLAND_DISPLAY", None)
+        for folder in ("config", "data", "cache"):
+            os.makedirs(f"{self.home}/{folder}")
+        self.children = []
+        self._display()
+        if window_manager:
+            self.spawn(["openbox"])
+            wait_for(lambda: "window id" in quiet("xprop", "-root", "_NET_SUPPORTING_WM_CHECK",
+                                                  env=self.env))
+        self._sound()
+
+    def _display(self):
+        reading, writing = os.pipe()
+        self.server = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x800x24", "-nolisten", "tcp"],
+            pass_fds=[writing], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        os.close(writing)
+        number = b""
+        while not number.endswith(b"\n"):
+            piece = os.read(reading, 16)
+            if not piece:
+                raise RuntimeError("no virtual display")
+            number += piece
+        os.close(reading)
+        self.env["DISPLAY"] = ":" + number.decode().strip()
+
+    def _sound(self):
+        self.pulse = subprocess.Popen(
+            ["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--log-level=error",
+             "-L", f"module-null-sink sink_name=null1 rate={RATE} channels=2",
+             "-L", f"module-native-protocol-unix socket={self.runtime}/native"],
+            env=self.env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        if not wait_for(lambda: "null1" in quiet("pactl", "list", "short", "sinks", env=self.env)):
+            raise RuntimeError("no sound server")
+
+    def spawn(self, command, **options):
+        child = subprocess.Popen(command, env=self.env, stdout=subprocess.DEVNULL,
+                                 stderr=subprocess.DEVNULL, start_new_session=True, **options)
+        self.children.append(child)
+        return child
+
+    def stop(self, child):
+        try:
+            os.killpg(child.pid, signal.SIGKILL)
+        except ProcessLookupError:
+            pass
+        child.wait()
+        if child in self.children:
+            self.children.remove(child)
+
+    def window(self, pid_or_class, seconds=15.0):
+        """The number of a visible window of the class."""
+        found = wait_for(lambda: quiet("xdotool", "search", "--onlyvisible", "--class",
+                                       pid_or_class, env=self.env), seconds)
+        return found.split()[-1] if found else None
+
+    def key(self, key, window=None):
+        if window:
+            quiet("xdotool", "windowfocus", "--sync", window, env=self.env)
+        quiet("xdotool", "key", key, env=self.env)
+
+    def close(self):
+        for child in list(self.children):
+            self.stop(child)
+        for child in (self.pulse, self.server):
+            child.kill()
+            child.wait()
+        shutil.rmtree(self.home, ignore_errors=True)
+        shutil.rmtree(self.runtime, ignore_errors=True)
+
+
+# --- measures of a process and its children ------------------------------------------------------
+
+def family(pid):
+    """The process and its descendants."""
+    found = [pid]
+    for task in glob.glob(f"/proc/{pid}/task/*/children"):
+        try:
+            with open(task) as file:
+                for child in file.read().split():
+                    found += family(int(child))
+        except OSError:
+            pass
+    return found
+
+
+def pss_mb(pid):
+    total = 0
+    for one in family(pid):
+        try:
+            with open(f"/proc/{one}/smaps_rollup") as file:
+                for line in file:
+                    if line.startswith("Pss:"):
+                        total += int(line.split()[1])
+        except OSError:
+            pass
+    return total / 1024
+
+
+def cpu_seconds(pid):
+    """Run time by the scheduler's own account, in nanoseconds, of all threads."""
+    total = 0
+    for one in family(pid):
+        for path in glob.glob(f"/proc/{one}/task/*/schedstat"):
+            try:
+                with open(path) as file:
+                    total += int(file.read().split()[0])
+            except OSError:
+                pass
+    return total / 1e9
+
+
+def wakeups(pid):
+    total = 0
+    for one in family(pid):
+        for path in glob.glob(f"/proc/{one}/task/*/status"):
+            try:
+                with open(path) as file:
+                    for line in file:
+                        if line.startswith("voluntary_ctxt_switches"):
+                            total += int(line.split()[1])
+            except OSError:
+                pass
+    return total
+
+
+def over(session, pid, seconds):
+    """CPU share, wake-ups a second and the X server's share (percent of a core) over a stretch."""
+    before = (cpu_seconds(pid), wakeups(pid), cpu_seconds(session.server.pid), time.monotonic())
+    time.sleep(seconds)
+    after = (cpu_seconds(pid), wakeups(pid), cpu_seconds(session.server.pid), time.monotonic())
+    span = after[3] - before[3]
+    return {"cpu": 100 * (after[0] - before[0]) / span, "wakeups": (after[1] - before[1]) / span,
+            "x": 100 * (after[2] - before[2]) / span}
+
+
+# --- what is heard --------------------------------------------------------------------------------
+
+class Recorder:
+    """Records the null sink's monitor; every 10 ms block with the time of its arrival."""
+
+    def __init__(self, session):
+        self.blocks = []
+        self.child = subprocess.Popen(
+            ["parec", "-d", "null1.monitor", "--latency-msec=10", "--format=s16le",
+             f"--rate={RATE}", "--channels=2"], env=session.env, stdout=subprocess.PIPE,
+            stderr=subprocess.DEVNULL)
+        self.thread = threading.Thread(target=self._read, daemon=True)
+        self.thread.start()
+        wait_for(lambda: len(self.blocks) > 200)  # the sink has settled: it renders ahead when idle
+
+    def _read(self):
+        while True:
+            block = self.child.stdout.read(CHUNK)
+            if len(block) < CHUNK:
+                return
+            self.blocks.append((time.monotonic(), block))
+
+    @staticmethod
+    def loud(block, floor=8):
+        return any(abs(int.from_bytes(block[i:i + 2], "little", signed=True)) > floor
+                   for i in range(0, len(block), 2))
+
+    def first(self, since, loud=True, seconds=10.0, run=1):
+        """Milliseconds from `since` to the first of `run` blocks in a row that are loud (or not)."""
+        def look():
+            count = 0
+            for at, block in self.blocks:
+                if at < since:
+                    continue
+                count = count + 1 if self.loud(block) == loud else 0
+                if count >= run:
+                    return 1000 * (at - since) - 10 * run
+            return None
+        found = wait_for(lambda: None if look() is None else (look(),), seconds)
+        return found[0] if found else None
+
+    def close(self):
+        self.child.kill()
+        self.child.wait()
+        self.thread.join()
