@@ -1,0 +1,20 @@
+#pragma once
+
+// A hidden form that holds the two popup menus.
+
+#include "playback/MenuForm.design.h"
+
+namespace velmora {
+
+class Velmora;
+
+class MenuForm : public MenuForm_Design {
+public:
+    explicit MenuForm(Velmora &app);
+    void load();
+
+private:
+    Velmora &app_;
+};
+
+} // namespace velmora
