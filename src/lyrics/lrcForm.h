@@ -48,6 +48,8 @@ private:
     void showLine();
 
     Velmora &app_;
+    bool isCentred_ = false; // the line was last shown centred, in this font
+    forms::Font centredFont_;
 };
 
 } // namespace velmora

@@ -11,6 +11,7 @@
 namespace velmora {
 
 class Velmora;
+struct StateControls;
 
 class Main : public Main_Design {
 public:
@@ -74,13 +75,14 @@ public:
     void choose_Channel(std::int16_t channel);
 
 private:
-    void setTransportHandlers();
-    void setWindowHandlers();
+    void setClickHandlers();
     void setBarHandlers();
     void setDragHandlers();
     void loadLastFile();
+    void takeChosenFile();
+    void selectNamesakes(const std::u16string &stem);
+    StateControls stateControls();
     void tick();
-    void showLyricLine();
     void keepScrollBars();
     void rollCaption();
     void startDrag(const forms::MouseEvent &event);

@@ -14,6 +14,9 @@ public:
     void load();
 
 private:
+    void mode_Click();
+    void about_Click();
+
     Velmora &app_;
 };
 

@@ -27,6 +27,8 @@ public:
     bool lettingGo = false;
 
 private:
+    void setScreenSize(std::int32_t newWidth, std::int32_t newHeight);
+
     Velmora &app_;
 };
 

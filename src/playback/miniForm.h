@@ -19,6 +19,9 @@ public:
     // Back to the main window; the play list comes along if it was open.
     void mini_Button_Click();
 
+    // The stopped look; a part of Main's `stop_Sub`.
+    void show_Stopped();
+
 private:
     Velmora &app_;
 };

@@ -117,7 +117,7 @@ private:
     void openFile(std::u16string path, std::int16_t &result);
     void embedVideo(std::u16string_view device, std::u16string &command);
     void hookVideoWindow();
-    void readTitle(std::u16string_view stem, bool opened);
+    void readTitle();
     void fadeIn();
     void restoreChannel();
     void afterEnd();

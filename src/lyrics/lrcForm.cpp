@@ -1,0 +1,79 @@
+#include "lyrics/lrcForm.h"
+
+#include "base/run_time_error.h"
+#include "base/text.h"
+#include "platform/windows.h"
+#include "playback/display.h"
+#include "playback/player.h"
+#include "ui/formSet.h"
+#include "velmora.h"
+
+namespace velmora {
+
+lrcForm::lrcForm(Velmora &app) : lrcForm_Design(app.platform().windows), app_(app) {}
+
+void lrcForm::load() {
+    lrc_Text.setCaption(u"");
+    passOver([this] { app_.formSet().set_ColourKey(*this); });
+    passOver([this] { app_.formSet().keep_Topmost(); });
+    Timer1.onTimer = [this] { tick(); };
+    // The window stays for the whole run.
+    on().QueryUnload = [](bool &cancel) { cancel = true; };
+}
+
+std::int16_t lrcForm::ListIndex(std::u16string_view text) const {
+    for (std::int16_t row = 0; row < List1.listCount(); ++row) {
+        if (contains(List1.row(row), text)) {
+            return row;
+        }
+    }
+    return -1;
+}
+
+void lrcForm::tick() {
+    lineIndex = ListIndex(app_.player().get_PositionMMSS());
+    if (lineIndex != -1) {
+        const std::u16string line = List1.list(lineIndex);
+        const std::size_t label = line.rfind(u']');
+        nowLrcLine = label == std::u16string::npos ? line : line.substr(label + 1);
+    }
+    passOver([this] { showLine(); });
+}
+
+void lrcForm::showLine() {
+    if (isCentred_ && lrc_Text.caption() == nowLrcLine && lrc_Text.font() == centredFont_ &&
+        lrc_Text.place() == RectTwips{0, 0, width(), lrc_Text.height()}) {
+        return; // Nothing would come out differently, so nothing is fitted and drawn again.
+    }
+    lrc_Text.setCaption(nowLrcLine);
+    isCentred_ = lrc_Text.width() <= width();
+    if (isCentred_) {
+        centredFont_ = lrc_Text.font();
+        lrc_Text.setAlignment(forms::Alignment::Centre);
+        lrc_Text.move({0, 0, width(), lrc_Text.height()});
+        return;
+    }
+    if (nowLrcLine != lrcShownLine) {
+        lrc_Text.setAlignment(forms::Alignment::Left);
+        lrc_Text.setLeft(0);
+        lrcShownLine = nowLrcLine;
+    }
+    rollLabel(lrc_Text, width(), desktopMarquee);
+}
+
+void lrcForm::position() {
+    velmora::formSet &rules = app_.formSet();
+    rules.read_Tray_Area();
+    const Twips high = lrc_Text.height();
+    // The task bar's height counts in pixels here, as it always has.
+    const auto floor = static_cast<Twips>(
+        (rules.work_Area.bottom - rules.work_Area.top) * rules.twips_Per_Pixel -
+        rules.tray_Height);
+    move({0, floor - high, windows().screenWidth(), high});
+    lrc_Text.move({0, 0, width(), high});
+    hide();
+    show();
+    rules.set_Topmost(hWnd(), true);
+}
+
+} // namespace velmora

@@ -1,0 +1,248 @@
+// The main window: its handlers, the list of the start, and the buttons that open other windows.
+
+#include "playback/Main.h"
+
+#include "base/run_time_error.h"
+#include "base/text.h"
+#include "lyrics/doLrcForm.h"
+#include "lyrics/lrcForm.h"
+#include "network/search_Lrc_Internet_Form.h"
+#include "network/search_Song_Internet_Form.h"
+#include "platform/windows.h"
+#include "playback/VideoScreen_Form.h"
+#include "playback/check_SoundDriver_Form.h"
+#include "playback/miniForm.h"
+#include "playback/player.h"
+#include "playback/startLoad_Form.h"
+#include "playlist/playInfo_Form.h"
+#include "playlist/playList_Form.h"
+#include "playlist/saveOrOpenFile.h"
+#include "settings/Language.h"
+#include "settings/setControl.h"
+#include "ui/aboutForm.h"
+#include "ui/formSet.h"
+#include "velmora.h"
+
+namespace velmora {
+
+namespace {
+
+constexpr std::int16_t yes = -1;
+
+} // namespace
+
+Main::Main(Velmora &app) : Main_Design(app.platform().windows), app_(app) {}
+
+void Main::load() {
+    passOver([this] { app_.formSet().set_ColourKey(*this); });
+    setClickHandlers();
+    setBarHandlers();
+    setDragHandlers();
+    on().KeyDown = [this](forms::KeyEvent &key) {
+        app_.formSet().form_KeyDown(key.keyCode, key.shift, u"main");
+    };
+    // The window is never unloaded: a wish to close it ends the program.
+    on().QueryUnload = [this](bool &cancel) {
+        cancel = true;
+        closeButton_Click();
+    };
+    Timer1.onTimer = [this] { tick(); };
+    Timer2.onTimer = [this] { rollCaption(); };
+}
+
+void Main::setClickHandlers() {
+    struct Row {
+        forms::Control &control;
+        void (Main::*handler)();
+    };
+    const Row rows[] = {
+        {playButton, &Main::playButton_Click},
+        {pauseButton, &Main::pauseButton_Click},
+        {stopButton, &Main::stopButton_Click},
+        {nextButton, &Main::nextButton_Click},
+        {upButton, &Main::upButton_Click},
+        {Volume_ICO, &Main::Volume_ICO_Click},
+        {closeButton, &Main::closeButton_Click},
+        {minimizeButton, &Main::minimizeButton_Click},
+        {mini_Button, &Main::mini_Button_Click},
+        {playListButton, &Main::playListButton_Click},
+        {song_GoTo_List, &Main::song_GoTo_List_Click},
+        {videoScreen_Button, &Main::videoScreen_Button_Click},
+        {playInfo, &Main::playInfo_Click},
+        {desktop_Lrc, &Main::desktop_Lrc_Click},
+        {do_Lrc, &Main::do_Lrc_Click},
+        {search_Lrc_Internet, &Main::search_Lrc_Internet_Click},
+        {search_Song_Internet, &Main::search_Song_Internet_Click},
+        {check_SoundDriver, &Main::check_SoundDriver_Click},
+        {playSet_Button, &Main::playSet_Button_Click},
+        {CopyRight_ICO, &Main::about_Click},
+        {link, &Main::link_Click},
+    };
+    for (const Row &row : rows) {
+        row.control.on().Click = [this, handler = row.handler] { (this->*handler)(); };
+    }
+}
+
+// --- start ----------------------------------------------------------------------------------------
+
+void Main::main_Load() {
+    passOver([this] {
+        if (app_.saveOrOpenFile().loadPlayList()) {
+            loadLastFile();
+        }
+    });
+    Timer1.setRunning(true);
+    setEnabled(true);
+}
+
+void Main::loadLastFile() {
+    if (app_.playList_Form().playList_Item.listCount() == 0 ||
+        app_.setControl().get_IsAutoPlay() != 0) {
+        return;
+    }
+    const std::u16string path = app_.setControl().get_LastPlayFile();
+    velmora::player &player = app_.player();
+    if (path.empty()) {
+        stop_Sub();
+    } else if (!app_.saveOrOpenFile().fileExists(path)) {
+        player.close_Sub(0);
+    } else {
+        player.open_File(path);
+        player.play_Sub();
+        // The row that the opening selected.
+        player.nowPlay_Index =
+            static_cast<std::int16_t>(app_.playList_Form().playList_Item.listIndex() + 1);
+    }
+}
+
+// --- windows --------------------------------------------------------------------------------------
+
+void Main::closeButton_Click() { app_.startLoad_Form().unload(); }
+
+void Main::minimizeButton_Click() {
+    app_.playList_Form().hide();
+    app_.formSet().dock_PlayList(false);
+    playList_Shown = 0;
+    setWindowState(forms::WindowState::Minimised);
+}
+
+void Main::mini_Button_Click() {
+    hide();
+    app_.playList_Form().hide();
+    app_.miniForm().show();
+    app_.miniForm().setTop(0);
+    app_.formSet().keep_Topmost();
+}
+
+void Main::playListButton_Click() {
+    velmora::playList_Form &list = app_.playList_Form();
+    if (list.visible()) {
+        app_.formSet().dock_PlayList(false);
+        list.hide();
+        playList_Shown = 0;
+    } else {
+        list.show();
+        app_.formSet().dock_PlayList(true);
+        playList_Shown = yes;
+    }
+}
+
+void Main::song_GoTo_List_Click() {
+    app_.player().selectEntryOfFile(app_.player().nowPlay_File);
+    if (!app_.playList_Form().visible()) {
+        playListButton_Click();
+    }
+}
+
+void Main::videoScreen_Button_Click() {
+    velmora::VideoScreen_Form &video = app_.VideoScreen_Form();
+    video.setVisible(!video.visible());
+}
+
+void Main::playInfo_Click() {
+    velmora::playInfo_Form &info = app_.playInfo_Form();
+    if (app_.player().get_Length() == 0 ||
+        (!app_.lrcForm().Timer1.running() && !info.visible())) {
+        windows().MsgBox(app_.Language().msg_No_Track_Info, platform::MsgBoxButtons::Ok,
+                         platform::MsgBoxIcon::Exclamation, app_.Language().msg_Error);
+        info.hide();
+    } else {
+        info.setVisible(!info.visible());
+    }
+}
+
+void Main::desktop_Lrc_Click() {
+    velmora::lrcForm &lyric = app_.lrcForm();
+    if (app_.player().get_Length() == 0 ||
+        (!lyric.Timer1.running() && !app_.playInfo_Form().visible())) {
+        windows().MsgBox(app_.Language().msg_No_Track_Desktop_Lrc, platform::MsgBoxButtons::Ok,
+                         platform::MsgBoxIcon::Exclamation, app_.Language().msg_Error);
+        return;
+    }
+    if (!lyric.hasLrc) {
+        return;
+    }
+    lyric.lrc_Text.setVisible(!lyric.lrc_Text.visible());
+    lyric.position();
+    lyric.desktopLrcOn = lyric.lrc_Text.visible();
+}
+
+void Main::do_Lrc_Click() { app_.doLrcForm().setVisible(!app_.doLrcForm().visible()); }
+
+void Main::search_Lrc_Internet_Click() {
+    velmora::search_Lrc_Internet_Form &form = app_.search_Lrc_Internet_Form();
+    form.setVisible(!form.visible());
+}
+
+void Main::search_Song_Internet_Click() {
+    velmora::search_Song_Internet_Form &form = app_.search_Song_Internet_Form();
+    form.setVisible(!form.visible());
+}
+
+void Main::check_SoundDriver_Click() { app_.check_SoundDriver_Form().show(); }
+
+void Main::playSet_Button_Click() {
+    app_.formSet().open_PlaySet();
+    app_.playList_Form().setEnabled(false);
+    setEnabled(false);
+}
+
+void Main::about_Click() {
+    app_.playList_Form().setEnabled(false);
+    setEnabled(false);
+    app_.aboutForm().show_For(u"main");
+}
+
+void Main::link_Click() { app_.saveOrOpenFile().shellOpen(link.caption()); }
+
+void Main::get_Focus() {
+    hide();
+    show();
+}
+
+void Main::Flash_Window() {
+    // Counted anew at each call, so the stop at two never comes: one flash a call.
+    std::int16_t count = 0;
+    if (flash_Request != 0 && count < 2) {
+        windows().FlashWindow(hWnd(), true);
+        ++count;
+    }
+}
+
+void Main::meActiveControl_Enabled(bool flag) {
+    forms::Control *const controls[] = {
+        &playButton,          &pauseButton,        &upButton,
+        &nextButton,          &stopButton,         &openFile_Button,
+        &load_Played_BG,      &Volume_Set_BG,      &Volume_ICO,
+        &mini_Button,         &AudioSource_H,      &AudioSource_L,
+        &AudioSource_R,       &song_GoTo_List,     &do_Lrc,
+        &check_SoundDriver,   &desktop_Lrc,        &playInfo,
+        &playSet_Button,      &playListButton,     &search_Lrc_Internet,
+        &search_Song_Internet,
+    };
+    for (forms::Control *control : controls) {
+        control->setEnabled(flag);
+    }
+}
+
+} // namespace velmora

@@ -1,0 +1,187 @@
+// The transport of the main window, its bars and its channel images.
+
+#include "playback/Main.h"
+
+#include "base/numbers.h"
+#include "base/run_time_error.h"
+#include "lyrics/lrcForm.h"
+#include "platform/windows.h"
+#include "playback/VideoScreen_Form.h"
+#include "playback/display.h"
+#include "playback/miniForm.h"
+#include "playback/player.h"
+#include "playlist/Search.h"
+#include "playlist/playList_Form.h"
+#include "playlist/saveOrOpenFile.h"
+#include "settings/Language.h"
+#include "settings/setControl.h"
+#include "velmora.h"
+
+#include <algorithm>
+
+namespace velmora {
+
+namespace {
+
+constexpr Twips deadEnd = 30; // of the volume bar
+constexpr std::int16_t playRandom = 1;
+
+} // namespace
+
+// --- transport ------------------------------------------------------------------------------------
+
+void Main::playButton_Click() {
+    velmora::player &player = app_.player();
+    const bool inUse = app_.lrcForm().Timer1.running();
+    if (!inUse && app_.saveOrOpenFile().fileExists(player.nowPlay_File)) {
+        stopButton_Click();
+        player.open_File(player.nowPlay_File);
+    }
+    player.play_Sub();
+}
+
+void Main::pauseButton_Click() { app_.player().pause_Sub(); }
+
+void Main::stopButton_Click() {
+    stop_Sub();
+    app_.player().close_Sub(0);
+}
+
+void Main::nextButton_Click() {
+    app_.player().next_Sub(app_.setControl().PlayMode == playRandom ? directionRandom
+                                                                   : directionNext);
+}
+
+void Main::upButton_Click() {
+    app_.player().next_Sub(app_.setControl().PlayMode == playRandom ? directionRandom
+                                                                   : directionPrevious);
+}
+
+void Main::take_Chosen_File(std::u16string path) {
+    chosen_File = std::move(path);
+    passOver([this] {
+        if (!chosen_File.empty()) {
+            takeChosenFile();
+        }
+    });
+    app_.playList_Form().setEnabled(true);
+    setEnabled(true);
+    chosen_File.clear();
+}
+
+void Main::takeChosenFile() {
+    velmora::player &player = app_.player();
+    forms::ListBox &names = app_.playList_Form().playList_Item;
+    const std::u16string stem = player.getFileStem(chosen_File);
+    if (app_.Search().isInPlayList(chosen_File)) {
+        if (!stem.empty()) {
+            selectNamesakes(stem);
+        }
+        return;
+    }
+    if (player.get_PlayStatus() == statusPlaying) {
+        player.close_Sub(0);
+    }
+    if (!stem.empty()) {
+        names.addItem(stem);
+        app_.playList_Form().List1.addItem(chosen_File);
+        // One beyond the new row, as the row has been counted already.
+        player.nowPlay_Index = addInt16(names.listCount(), 1);
+        player.open_File(chosen_File);
+        player.play_Sub();
+    } else {
+        windows().MsgBox(app_.Language().msg_Bad_Path, platform::MsgBoxButtons::Ok,
+                         platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
+    }
+    if (player.get_Length() == 0) {
+        stop_Sub();
+    }
+    app_.saveOrOpenFile().savePlayList();
+}
+
+void Main::selectNamesakes(const std::u16string &stem) {
+    forms::ListBox &names = app_.playList_Form().playList_Item;
+    for (std::int32_t row = 0; row < names.listCount(); ++row) {
+        names.setSelected(row, false);
+    }
+    for (std::int32_t row = 0; row < names.listCount(); ++row) {
+        if (names.row(row) == stem) {
+            names.setSelected(row, true);
+            names.ensureVisible(row);
+        }
+    }
+}
+
+void Main::stop_Sub() {
+    setCaption(title.caption());
+    showStopped(app_, stateControls(), lrc_Text);
+    app_.miniForm().show_Stopped();
+    app_.lrcForm().nowLrcLine.clear();
+    app_.lrcForm().lrc_Text.setCaption(u"");
+}
+
+// --- bars and channel -----------------------------------------------------------------------------
+
+void Main::setBarHandlers() {
+    load_Played_BG.on().MouseUp = [this](const forms::MouseEvent &event) {
+        load_Played_BG_MouseUp(event.x);
+    };
+    Volume_Set_BG.on().MouseUp = [this](const forms::MouseEvent &event) {
+        Volume_Set_BG_MouseUp(event.x);
+    };
+    AudioSource_H.on().Click = [this] { choose_Channel(1); };
+    AudioSource_L.on().Click = [this] { choose_Channel(2); };
+    AudioSource_R.on().Click = [this] { choose_Channel(0); };
+}
+
+void Main::load_Played_BG_MouseUp(Twips x) {
+    if (x >= load_Played_BG.width()) {
+        return;
+    }
+    load_Played_BG.setMousePointer(forms::pointerHourglass);
+    setMousePointer(forms::pointerHourglass);
+    playInfo_Show.setCaption(app_.Language().msg_Seeking);
+    centreLabel(playInfo_Show, nameBox.width());
+    app_.player().seek_ByBar(PlayerWindow::Main, std::max(x, 0.0F));
+    if (app_.lrcForm().hasLrc) {
+        app_.lrcForm().nowLrcLine = app_.lrcForm().lrcWaitText;
+    }
+    load_Played_BG.setMousePointer(forms::pointerCustom);
+    setMousePointer(forms::pointerDefault);
+}
+
+void Main::Volume_Set_BG_MouseUp(Twips x) {
+    if (x > Volume_Set_BG.width() - deadEnd) {
+        return;
+    }
+    x = std::max(x, 0.0F);
+    app_.player().set_Volume(
+        roundToInt32(static_cast<double>(x) / Volume_Set_BG.width() * 1000));
+    Volume_Set.setWidth(x);
+    const Twips share = Volume_Set.width() / Volume_Set_BG.width();
+    app_.miniForm().Volume_Set.setWidth(share * app_.miniForm().Volume_Set_BG.width());
+    app_.VideoScreen_Form().Volume_Set.setWidth(share *
+                                                app_.VideoScreen_Form().Volume_Set_BG.width());
+}
+
+void Main::Volume_ICO_Click() {
+    app_.player().set_Volume(0);
+    Volume_Set.setWidth(0);
+    app_.miniForm().Volume_Set.setWidth(0);
+    app_.VideoScreen_Form().Volume_Set.setWidth(0);
+}
+
+void Main::choose_Channel(std::int16_t channel) {
+    if (app_.player().set_AudioSource(channel) == 0) {
+        return;
+    }
+    AudioSource_H.setVisible(channel == 0);
+    AudioSource_L.setVisible(channel == 1);
+    AudioSource_R.setVisible(channel == 2);
+    velmora::VideoScreen_Form &video = app_.VideoScreen_Form();
+    video.AudioSource_H.setVisible(channel == 0);
+    video.AudioSource_L.setVisible(channel == 1);
+    video.AudioSource_R.setVisible(channel == 2);
+}
+
+} // namespace velmora

@@ -1,0 +1,65 @@
+#pragma once
+
+// What the ticks of the player windows have in common: rolling a text that is wider than its box,
+// and showing state, times and title.
+
+#include "platform/forms/controls.h"
+#include "playback/player.h"
+
+#include <string>
+#include <string_view>
+
+namespace velmora {
+
+class Velmora;
+
+// How far a tick moves a text that rolls, and how far it may leave its box (twips).
+struct MarqueeMeasure {
+    Twips step = 0;
+    Twips margin = 0;
+};
+inline constexpr MarqueeMeasure lyricMarquee{50, 200};
+inline constexpr MarqueeMeasure titleMarquee{30, 200};
+inline constexpr MarqueeMeasure desktopMarquee{150, 1000};
+
+struct MarqueeState {
+    Twips left = 0;
+    bool movingRight = false;
+    friend bool operator==(const MarqueeState &, const MarqueeState &) = default;
+};
+
+// One tick of a text `textWidth` wide in a box `boxWidth` wide: left until its end is `margin` beyond
+// the box's right edge, then right until its beginning is `margin` inside, and so on.
+MarqueeState marqueeStep(MarqueeState now, Twips textWidth, Twips boxWidth,
+                         const MarqueeMeasure &measure) noexcept;
+
+// The same on a label. Its tag is the direction: "1" right, anything else left; written only when
+// the direction turns ("1" and "2").
+void rollLabel(forms::Label &label, Twips boxWidth, const MarqueeMeasure &measure);
+
+// Half the box less half the label.
+void centreLabel(forms::Label &label, Twips boxWidth);
+
+// Shows the current lyric line: rolls it when it is wider than the box, a new line (told by
+// `shownLine`) starting at the left edge; centres it otherwise.
+void showLyricLine(Velmora &app, forms::Label &label, Twips boxWidth, std::u16string &shownLine);
+
+// The controls in which a window shows state, times and title.
+struct StateControls {
+    PlayerWindow window;
+    forms::Control &playButton;
+    forms::Control &pauseButton;
+    forms::Label &play_Time;
+    forms::Label &playInfo_Show;
+    forms::Control &nameBox;
+    forms::Control &load_Played;
+};
+
+// Asks for the state and shows it. Asking may start the next track; any answer but "playing" is
+// asked for a second time, and one that is then neither paused nor idle brings the stopped look.
+void showState(Velmora &app, const StateControls &controls);
+
+// The stopped look of one window.
+void showStopped(Velmora &app, const StateControls &controls, forms::Label &lrc_Text);
+
+} // namespace velmora

@@ -1,0 +1,210 @@
+#include "ui/formSet.h"
+
+#include "base/numbers.h"
+#include "base/run_time_error.h"
+#include "base/text.h"
+#include "lyrics/lrcForm.h"
+#include "playback/Main.h"
+#include "playback/MenuForm.h"
+#include "playback/miniForm.h"
+#include "playback/startLoad_Form.h"
+#include "playlist/playList_Form.h"
+#include "settings/playSetForm.h"
+#include "settings/setControl.h"
+#include "velmora.h"
+
+namespace velmora {
+
+namespace {
+
+constexpr std::uint32_t trayMessage = 2025;
+constexpr std::int32_t leftButtonUp = 0x202;
+constexpr std::int32_t rightButtonUp = 0x205;
+constexpr std::size_t tipLength = 64;
+
+std::u16string_view cutTip(std::u16string_view text) {
+    if (text.size() <= tipLength) {
+        return text;
+    }
+    const char16_t last = text[tipLength - 1];
+    const bool insidePair = last >= 0xD800 && last <= 0xDBFF;
+    return text.substr(0, insidePair ? tipLength - 1 : tipLength);
+}
+
+} // namespace
+
+formSet::formSet(Velmora &app) : app_(app) {}
+
+// --- shape and order ------------------------------------------------------------------------------
+
+void formSet::set_ColourKey(forms::Form &form) {
+    platform::WindowSystem &windows = app_.platform().windows;
+    const std::int32_t style = windows.GetWindowLongA(form.hWnd(), platform::GWL_EXSTYLE);
+    windows.SetWindowLongA(form.hWnd(), platform::GWL_EXSTYLE, style | platform::WS_EX_LAYERED);
+    windows.SetLayeredWindowAttributes(form.hWnd(), keyColour, 0, platform::LWA_COLORKEY);
+}
+
+std::int32_t formSet::set_Topmost(platform::HWND window, bool flag) {
+    return app_.platform().windows.SetWindowPos(
+        window, flag ? platform::HWND_TOPMOST : platform::HWND_NOTOPMOST, 0, 0, 0, 0,
+        platform::SWP_NOSIZE | platform::SWP_NOMOVE);
+}
+
+void formSet::keep_Topmost() {
+    set_Topmost(app_.miniForm().hWnd(), true);
+    set_Topmost(app_.lrcForm().hWnd(), true);
+}
+
+// --- dragging -------------------------------------------------------------------------------------
+
+PointTwips formSet::pointer_On(const forms::Form &form, const forms::MouseEvent &event) {
+    PointPixels pointer;
+    if (!app_.platform().windows.GetCursorPos(pointer)) {
+        return {event.x, event.y};
+    }
+    return {static_cast<Twips>(pointer.x) * twipsPerPixel - form.left(),
+            static_cast<Twips>(pointer.y) * twipsPerPixel - form.top()};
+}
+
+void formSet::start_Drag(const forms::Form &form, const forms::MouseEvent &event) {
+    if (event.button != forms::leftButton) {
+        return;
+    }
+    const PointTwips at = pointer_On(form, event);
+    drag_X = roundToInt32(at.x);
+    drag_Y = roundToInt32(at.y);
+}
+
+PointTwips formSet::drag_Offset(const forms::Form &form, const forms::MouseEvent &event) {
+    const PointTwips at = pointer_On(form, event);
+    return {at.x - static_cast<Twips>(drag_X), at.y - static_cast<Twips>(drag_Y)};
+}
+
+void formSet::make_Draggable(forms::Form &form, forms::ControlEvents &events) {
+    events.MouseDown = [this, &form](const forms::MouseEvent &event) { start_Drag(form, event); };
+    events.MouseMove = [this, &form](const forms::MouseEvent &event) {
+        if ((event.button & forms::leftButton) != 0) {
+            const PointTwips offset = drag_Offset(form, event);
+            form.move({form.left() + offset.x, form.top() + offset.y, form.width(), form.height()});
+        }
+    };
+}
+
+// --- docking --------------------------------------------------------------------------------------
+
+bool formSet::read_Tray_Area() {
+    platform::WindowSystem &windows = app_.platform().windows;
+    twips_Per_Pixel = 4995 / 333;
+    const bool done = windows.SystemParametersInfoA(platform::SPI_GETWORKAREA, work_Area);
+    windows.GetWindowRect(windows.FindWindowA(u"Shell_TrayWnd"), tray_Rect);
+    tray_Height = tray_Rect.bottom - tray_Rect.top;
+    return done;
+}
+
+void formSet::dock_PlayList(bool flag) {
+    passOver([&] {
+        read_Tray_Area();
+        if (!read_Tray_Area()) {
+            return;
+        }
+        velmora::Main &main = app_.Main();
+        saved_Top = roundToInt32(main.top());
+        if (flag) {
+            velmora::playList_Form &list = app_.playList_Form();
+            main.setLeft(main.left() - main.width() / 2);
+            list.setTop(main.top());
+            list.setLeft(main.left() + main.width());
+        } else {
+            const auto right = static_cast<Twips>(twips_Per_Pixel * work_Area.right);
+            main.setLeft((right - main.width()) / 2);
+            main.setTop(static_cast<Twips>(saved_Top));
+        }
+    });
+}
+
+// --- tray -----------------------------------------------------------------------------------------
+
+void formSet::tray_Add(velmora::Main &main) {
+    platform::WindowSystem &windows = app_.platform().windows;
+    old_WndProc = windows.hookWindowProc(
+        main.hWnd(), [this](platform::HWND window, std::uint32_t message, std::int32_t wParam,
+                            std::int32_t lParam) {
+            return tray_WndProc(window, message, wParam, lParam);
+        });
+    tray_Data.window = main.hWnd();
+    tray_Data.id = 0;
+    tray_Data.flags = platform::NIF_MESSAGE | platform::NIF_ICON;
+    tray_Data.callbackMessage = trayMessage;
+    tray_Data.icon = main.icon();
+    windows.Shell_NotifyIconA(platform::NIM_ADD, tray_Data);
+}
+
+void formSet::tray_Tip(std::u16string_view text) {
+    tray_Data.tip = cutTip(text);
+    tray_Data.flags = platform::NIF_TIP;
+    app_.platform().windows.Shell_NotifyIconA(platform::NIM_MODIFY, tray_Data);
+}
+
+void formSet::tray_Remove() {
+    tray_Data.flags = 0;
+    app_.platform().windows.Shell_NotifyIconA(platform::NIM_DELETE, tray_Data);
+    app_.platform().windows.unhookWindowProc(tray_Data.window, old_WndProc);
+}
+
+std::int32_t formSet::tray_WndProc(platform::HWND window, std::uint32_t message,
+                                   std::int32_t wParam, std::int32_t lParam) {
+    std::int32_t result = 0;
+    passOver([&] {
+        if (message != trayMessage) {
+            result = app_.platform().windows.CallWindowProcA(old_WndProc, window, message, wParam,
+                                                             lParam);
+        } else if (app_.startLoad_Form().visible()) {
+            return; // The start is still running.
+        } else if (lParam == leftButtonUp) {
+            trayClicked();
+        } else if (lParam == rightButtonUp) {
+            app_.platform().windows.PopupMenu(app_.MenuForm(), app_.MenuForm().menu);
+        }
+    });
+    return result;
+}
+
+void formSet::trayClicked() {
+    velmora::Main &main = app_.Main();
+    if (main.windowState() == forms::WindowState::Minimised) {
+        main.setWindowState(forms::WindowState::Normal);
+    } else if (main.visible()) {
+        // Comes forward without staying on top.
+        set_Topmost(main.hWnd(), true);
+        set_Topmost(main.hWnd(), false);
+    } else if (app_.miniForm().visible()) {
+        main.show();
+        app_.miniForm().hide();
+    }
+}
+
+// --- settings -------------------------------------------------------------------------------------
+
+// Each value is read once for each of its tests, as every getter reads the store anew.
+void formSet::open_PlaySet() {
+    velmora::setControl &settings = app_.setControl();
+    velmora::playSetForm &form = app_.playSetForm();
+    if (settings.get_AutoUpdate() == 1) {
+        form.autoUpdate.setValue(1);
+    } else if (settings.get_AutoUpdate() == 0) {
+        form.autoUpdate.setValue(0);
+    }
+    if (settings.get_IsAutoPlay() == 0) {
+        form.isAutoPlay.setValue(1);
+    } else if (settings.get_IsAutoPlay() == 1) {
+        form.isAutoPlay.setValue(0);
+    }
+    if (settings.get_VideoInterface() == 0) {
+        form.openVideo_Interface.setValue(0);
+    } else if (settings.get_VideoInterface() == 1) {
+        form.openVideo_Interface.setValue(1);
+    }
+    form.show();
+}
+
+} // namespace velmora

@@ -1,0 +1,114 @@
+// The key table that the main window and the play list share.
+
+#include "ui/formSet.h"
+
+#include "base/text.h"
+#include "playback/Main.h"
+#include "playback/VideoScreen_Form.h"
+#include "playback/player.h"
+#include "playback/startLoad_Form.h"
+#include "playlist/playList_Form.h"
+#include "ui/aboutForm.h"
+#include "velmora.h"
+
+namespace velmora {
+
+namespace {
+
+enum class From : std::uint8_t { Main, List, Both };
+enum class With : std::uint8_t { Anything, Ctrl };
+
+constexpr std::int16_t keyEscape = 27;
+constexpr std::int16_t keyA = 65;
+constexpr std::int16_t keyS = 83;
+constexpr std::int16_t keyF2 = 113;
+constexpr std::int16_t keyF3 = 114;
+constexpr std::int16_t keyF4 = 115;
+constexpr std::int16_t keyF5 = 116;
+constexpr std::int16_t keyF6 = 117;
+constexpr std::int16_t keyF8 = 119;
+constexpr std::int16_t keyF11 = 122;
+constexpr std::int16_t keyF12 = 123;
+
+using Work = void (*)(Velmora &, std::u16string_view formName);
+
+void selectAll(Velmora &app, std::u16string_view) {
+    velmora::playList_Form &list = app.playList_Form();
+    list.controlEnabled(false);
+    for (std::int32_t row = 0; row < list.playList_Item.listCount(); ++row) {
+        list.playList_Item.setSelected(row, true);
+        app.platform().windows.DoEvents();
+    }
+    list.controlEnabled(true);
+}
+
+void showAbout(Velmora &app, std::u16string_view formName) {
+    app.playList_Form().setEnabled(false);
+    app.Main().setEnabled(false);
+    app.aboutForm().show_For(formName);
+}
+
+void hideList(Velmora &app, std::u16string_view) {
+    app.playList_Form().hide();
+    app.Main().playList_Shown = 0;
+    app.Main().get_Focus();
+}
+
+void toggleVideo(Velmora &app, std::u16string_view) {
+    if (!app.Main().videoScreen_Button.visible()) {
+        return;
+    }
+    app.Main().videoScreen_Button_Click();
+    if (app.VideoScreen_Form().visible()) {
+        app.formSet().set_Topmost(app.VideoScreen_Form().hWnd(), true);
+    }
+}
+
+} // namespace
+
+struct formSet::Key {
+    From from;
+    std::int16_t code;
+    With with;
+    Work work;
+};
+
+// Every row is tested, in this order; a key may match more than one.
+void formSet::form_KeyDown(std::int16_t keyCode, std::int16_t shift, std::u16string_view formName) {
+    static constexpr Key keys[] = {
+        {From::Main, keyF2, With::Anything,
+         [](Velmora &app, std::u16string_view) { app.Main().playButton_Click(); }},
+        {From::List, keyA, With::Ctrl, selectAll},
+        {From::Both, keyEscape, With::Anything,
+         [](Velmora &app, std::u16string_view) { app.startLoad_Form().unload(); }},
+        {From::Both, keyF12, With::Anything, showAbout},
+        {From::Both, keyS, With::Ctrl,
+         [](Velmora &app, std::u16string_view) { app.Main().playSet_Button_Click(); }},
+        {From::Both, keyF8, With::Anything, hideList},
+        {From::Both, keyF11, With::Anything, toggleVideo},
+        {From::Both, keyF6, With::Anything,
+         [](Velmora &app, std::u16string_view) { app.player().next_Sub(directionNext); }},
+        {From::Both, keyF5, With::Anything,
+         [](Velmora &app, std::u16string_view) { app.player().next_Sub(directionPrevious); }},
+        {From::Both, keyF4, With::Anything,
+         [](Velmora &app, std::u16string_view) {
+             app.player().close_Sub(0);
+             app.Main().stop_Sub();
+         }},
+        {From::Both, keyF3, With::Anything,
+         [](Velmora &app, std::u16string_view) { app.player().pause_Sub(); }},
+    };
+    const bool fromMain = equalsIgnoringCase(formName, u"main");
+    const bool fromList = equalsIgnoringCase(formName, u"playlist_Form");
+    for (const Key &key : keys) {
+        const bool here = key.from == From::Main   ? fromMain
+                          : key.from == From::List ? fromList
+                                                   : fromMain || fromList;
+        const bool held = key.with == With::Anything || (shift & forms::ctrlMask) != 0;
+        if (here && key.code == keyCode && held) {
+            key.work(app_, formName);
+        }
+    }
+}
+
+} // namespace velmora
