@@ -5,8 +5,8 @@
 // an unchanged value costs nothing and draws nothing.
 //
 // A control is a member of its form and lives exactly as long. Positions are twips relative to the
-// container. Hidden and disabled are the control's own flags; whether it can be seen or clicked also
-// depends on its containers (`isShown`, `isLive`).
+// container. Hidden and disabled are the control's own flags; whether it can be seen or clicked
+// also depends on its containers (`isShown`, `isLive`).
 
 #include "base/geometry.h"
 #include "platform/forms/events.h"
@@ -53,7 +53,8 @@ enum class Change : std::uint8_t {
     Scroll,    // list box: top row
 };
 
-// Mouse pointers by their numbers: 0 the default arrow, 11 the hourglass, 99 the control's own icon.
+// Mouse pointers by their numbers: 0 the default arrow, 11 the hourglass, 99 the control's own
+// icon.
 inline constexpr std::int16_t pointerDefault = 0;
 inline constexpr std::int16_t pointerHourglass = 11;
 inline constexpr std::int16_t pointerCustom = 99;

@@ -11,9 +11,9 @@ namespace velmora::forms {
 
 enum class Alignment : std::uint8_t { Left = 0, Right = 1, Centre = 2 };
 
-// A line or block of text; never takes the focus. With `autoSize`, writing a caption (even the same)
-// or the font fits the width to the text and keeps Left; a width written afterwards holds until the
-// next caption or font. Not auto-sized labels clip, or wrap when `wordWrap` is set.
+// A line or block of text; never takes the focus. With `autoSize`, writing a caption (even the
+// same) or the font fits the width to the text and keeps Left; a width written afterwards holds
+// until the next caption or font. Not auto-sized labels clip, or wrap when `wordWrap` is set.
 class Label : public Control {
 public:
     using Control::Control;

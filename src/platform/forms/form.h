@@ -8,6 +8,7 @@
 #include "platform/forms/font.h"
 #include "platform/forms/picture.h"
 
+#include <functional>
 #include <optional>
 
 namespace velmora::platform {
@@ -87,7 +88,8 @@ public:
     // How the window appears outside: with an entry in the task bar, or without.
     bool showInTaskbar() const noexcept { return showInTaskbar_; }
     void setShowInTaskbar(bool show) noexcept { showInTaskbar_ = show; }
-    // Placed by the program alone, above panels and screen edges (the mini strip, the desktop line).
+    // Placed by the program alone, above panels and screen edges (the mini strip, the desktop
+    // line).
     bool unmanaged() const noexcept { return unmanaged_; }
     void setUnmanaged(bool unmanaged) noexcept { unmanaged_ = unmanaged; }
     // Centred on the work area when first shown; otherwise at its place.
@@ -131,8 +133,8 @@ public:
     void pointerReleased(PointTwips at, std::int16_t button, std::int16_t shift);
     void pointerDoubleClicked(PointTwips at, std::int16_t button, std::int16_t shift);
     void pointerLeft();
-    // A key goes to the active control if there is one, else to the form. True when the key code was
-    // not swallowed (a toolkit widget may then act on it).
+    // A key goes to the active control if there is one, else to the form. True when the key code
+    // was not swallowed (a toolkit widget may then act on it).
     bool keyPressed(std::int16_t keyCode, std::int16_t shift);
     void keyReleased(std::int16_t keyCode, std::int16_t shift);
     // The window manager's or session's wish to close this window.
@@ -156,6 +158,10 @@ public:
 
 private:
     friend class Control;
+    Control *takerAt(PointTwips at) const;
+    Control *keyTarget() const;
+    void deliver(std::function<void(const MouseEvent &)> ControlEvents::*which, Control *target,
+                 PointTwips at, std::int16_t button, std::int16_t shift);
     void controlChanged(Control &control, Change what, const RectTwips &before);
     void controlGone(Control &control);
     void formChanged(FormChange what);
@@ -172,8 +178,9 @@ private:
     Colour backColor_ = 0;
     std::optional<Colour> key_;
     Control *active_ = nullptr;
-    Control *captured_ = nullptr;   // took the press that is going on
+    Control *captured_ = nullptr; // took the press that is going on
     bool formCaptured_ = false;
+    bool clickSpent_ = false; // the press going on is the second of a double click
     std::int16_t heldButtons_ = 0;
     std::int16_t mousePointer_ = pointerDefault;
     Picture ground_ = Picture::None;

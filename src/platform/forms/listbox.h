@@ -3,8 +3,7 @@
 #include "platform/forms/control.h"
 #include "platform/forms/font.h"
 
-#include <deque>
-#include <unordered_map>
+#include <memory>
 
 namespace velmora::forms {
 
@@ -20,21 +19,22 @@ namespace velmora::forms {
 // The index behind `find` lives here; nothing outside holds a second copy of the rows.
 class ListBox : public Control {
 public:
-    using Control::Control;
+    ListBox(Container &container, const char *name);
     ~ListBox() override;
     Kind kind() const noexcept override { return Kind::ListBox; }
 
     std::int16_t listCount() const noexcept { return static_cast<std::int16_t>(rows_.size()); }
-    std::u16string list(std::int32_t row) const; // empty out of range
-    const std::u16string &row(std::int32_t row) const; // for views: row must be in range
+    const std::u16string &list(std::int32_t row) const noexcept; // the empty text out of range
     void setList(std::int32_t row, std::u16string_view text);
     void addItem(std::u16string_view text);
     void addItem(std::u16string_view text, std::int32_t row); // row 0..listCount
     void removeItem(std::int32_t row);
     void clear();
 
-    // The lowest row whose text equals `text` exactly, or -1. Constant time on average; the index is
-    // built when first asked and kept from then on.
+    // Whether some row's text equals `text` exactly. Constant time on average; the index is built
+    // when first asked and kept from then on.
+    bool contains(std::u16string_view text) const;
+    // The lowest row whose text equals `text` exactly, or -1. Constant time when there is none.
     std::int16_t find(std::u16string_view text) const;
 
     bool multiSelect() const noexcept { return multiSelect_; }
@@ -74,14 +74,21 @@ public:
     void userScrolled(std::int32_t topRow);
 
 private:
-    struct Index;
-    void rowsChanged();
-    void clampTop();
+    class Index;
 
+    // The text lies on the heap, so that the index can point at it whatever happens to the rows.
     struct Row {
-        std::u16string text;
+        std::unique_ptr<std::u16string> text;
         bool selected = false;
     };
+
+    bool has(std::int32_t row) const noexcept { return row >= 0 && row < listCount(); }
+    void mark(std::int32_t row, bool selected) noexcept;
+    void markOnly(std::int32_t first, std::int32_t last) noexcept;
+    void choose(std::int32_t row, std::int16_t shift, bool extend);
+    void clampTop() noexcept;
+    void raiseClick();
+
     std::vector<Row> rows_;
     mutable std::unique_ptr<Index> index_;
     Font font_;

@@ -8,8 +8,8 @@ namespace velmora::forms {
 // form's design, in order.
 class Menu : public Control {
 public:
-    Menu(Container &form, const char *name);           // a popup
-    Menu(Menu &parent, const char *name);              // an entry
+    Menu(Container &form, const char *name); // a popup
+    Menu(Menu &parent, const char *name);    // an entry
     Kind kind() const noexcept override { return Kind::Menu; }
 
     const std::u16string &caption() const noexcept { return caption_; }

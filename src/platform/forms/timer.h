@@ -61,12 +61,23 @@ public:
 
 private:
     friend class Timer;
+
+    // The handlers that are running, innermost first; they live on the stack of `run`.
+    struct Running {
+        Timer *timer; // null once the handler has ended the timer's life
+        Running *outer;
+    };
+
     void add(Timer &timer);
     void remove(Timer &timer);
+    void forget(Timer &timer); // at the end of its life
+    void collectDue();
+    void run(Timer &timer);
 
     Clock clock_;
     std::vector<Timer *> timers_;
     std::deque<Timer *> waiting_;
+    Running *running_ = nullptr;
     std::uint64_t order_ = 0;
 };
 

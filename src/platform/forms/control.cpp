@@ -1,0 +1,124 @@
+#include "platform/forms/control.h"
+
+#include "platform/forms/form.h"
+#include "platform/windows.h"
+
+#include <algorithm>
+
+namespace velmora::forms {
+
+Control::Control(Container &container, const char *name)
+    : container_(&container), form_(&container.containerForm()), name_(name) {
+    container.controls_.push_back(this);
+}
+
+Control::~Control() {
+    std::erase(container_->controls_, this);
+    form_->controlGone(*this);
+}
+
+void Control::setLeft(Twips left) { move({left, place_.top, place_.width, place_.height}); }
+void Control::setTop(Twips top) { move({place_.left, top, place_.width, place_.height}); }
+void Control::setWidth(Twips width) { move({place_.left, place_.top, width, place_.height}); }
+void Control::setHeight(Twips height) { move({place_.left, place_.top, place_.width, height}); }
+
+void Control::move(const RectTwips &place) {
+    if (place == place_) {
+        return;
+    }
+    const RectTwips before = placeInForm();
+    place_ = place;
+    placeChanged(before);
+}
+
+RectTwips Control::placeInForm() const noexcept {
+    RectTwips place = place_;
+    for (const Control *outer = container_->asControl(); outer != nullptr;
+         outer = outer->container_->asControl()) {
+        place.left += outer->place_.left;
+        place.top += outer->place_.top;
+    }
+    return place;
+}
+
+void Control::setVisible(bool visible) {
+    if (visible == visible_) {
+        return;
+    }
+    visible_ = visible;
+    changed(Change::Visible);
+}
+
+void Control::setEnabled(bool enabled) {
+    if (enabled == enabled_) {
+        return;
+    }
+    enabled_ = enabled;
+    changed(Change::Enabled);
+}
+
+bool Control::isShown() const noexcept {
+    const Control *outer = container_->asControl();
+    return visible_ && (outer == nullptr || outer->isShown());
+}
+
+bool Control::isLive() const noexcept {
+    const Control *outer = container_->asControl();
+    return enabled_ && (outer == nullptr ? form_->enabled() : outer->isLive());
+}
+
+void Control::setToolTip(std::u16string_view text) {
+    if (toolTip_ == text) {
+        return;
+    }
+    toolTip_ = text;
+    changed(Change::ToolTip);
+}
+
+void Control::setMousePointer(std::int16_t pointer) {
+    if (mousePointer_ == pointer) {
+        return;
+    }
+    mousePointer_ = pointer;
+    changed(Change::Pointer);
+}
+
+void Control::setMouseIcon(MouseIcon icon) {
+    if (mouseIcon_ == icon) {
+        return;
+    }
+    mouseIcon_ = icon;
+    changed(Change::Pointer);
+}
+
+void Control::zOrder(std::int16_t position) {
+    auto &order = container_->controls_;
+    const bool front = position == 0;
+    if (order.empty() || (front ? order.back() : order.front()) == this) {
+        return;
+    }
+    std::erase(order, this);
+    order.insert(front ? order.end() : order.begin(), this);
+    changed(Change::Order);
+}
+
+void Control::refresh() {
+    if (platform::FormWindow *window = form_->window()) {
+        window->refresh(this);
+    }
+}
+
+ControlEvents &Control::on() {
+    if (!events_) {
+        events_ = std::make_unique<ControlEvents>();
+    }
+    return *events_;
+}
+
+void Control::changed(Change what) { form_->controlChanged(*this, what, placeInForm()); }
+
+void Control::placeChanged(const RectTwips &before) {
+    form_->controlChanged(*this, Change::Place, before);
+}
+
+} // namespace velmora::forms

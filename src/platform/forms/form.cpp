@@ -1,0 +1,227 @@
+#include "platform/forms/form.h"
+
+#include "platform/forms/dispatch.h"
+#include "platform/windows.h"
+
+namespace velmora::forms {
+
+Form::Form(platform::WindowSystem &windows, const char *name)
+    : windows_(windows), name_(name), hWnd_(windows.formMade(*this)) {}
+
+Form::~Form() {
+    window_.reset();
+    windows_.formGone(*this);
+}
+
+void Form::setCaption(std::u16string_view caption) {
+    if (caption_ == caption) {
+        return;
+    }
+    caption_ = caption;
+    formChanged(FormChange::Caption);
+}
+
+void Form::setLeft(Twips left) { move({left, place_.top, place_.width, place_.height}); }
+void Form::setTop(Twips top) { move({place_.left, top, place_.width, place_.height}); }
+void Form::setWidth(Twips width) { move({place_.left, place_.top, width, place_.height}); }
+void Form::setHeight(Twips height) { move({place_.left, place_.top, place_.width, height}); }
+
+void Form::move(const RectTwips &place) {
+    if (place == place_) {
+        return;
+    }
+    const RectTwips before = place_;
+    place_ = place;
+    placeChanged(before);
+}
+
+void Form::show() { setVisible(true); }
+void Form::hide() { setVisible(false); }
+
+void Form::setVisible(bool visible) {
+    if (visible == visible_) {
+        return;
+    }
+    if (visible) {
+        ensureWindow();
+    }
+    visible_ = visible;
+    formChanged(FormChange::Visible);
+}
+
+void Form::setEnabled(bool enabled) {
+    if (enabled == enabled_) {
+        return;
+    }
+    enabled_ = enabled;
+    formChanged(FormChange::Enabled);
+}
+
+void Form::setWindowState(WindowState state) {
+    if (state == state_) {
+        return;
+    }
+    state_ = state;
+    formChanged(FormChange::State);
+}
+
+void Form::setMousePointer(std::int16_t pointer) {
+    if (pointer == mousePointer_) {
+        return;
+    }
+    mousePointer_ = pointer;
+    formChanged(FormChange::Pointer);
+}
+
+void Form::setGround(Picture ground) {
+    if (ground == ground_) {
+        return;
+    }
+    ground_ = ground;
+    formChanged(FormChange::Look);
+}
+
+void Form::setBackColor(Colour colour) {
+    if (colour == backColor_) {
+        return;
+    }
+    backColor_ = colour;
+    formChanged(FormChange::Look);
+}
+
+void Form::setIcon(Picture icon) {
+    if (icon == icon_) {
+        return;
+    }
+    icon_ = icon;
+    formChanged(FormChange::Icon);
+}
+
+void Form::setLayered(bool layered) {
+    if (layered == layered_) {
+        return;
+    }
+    layered_ = layered;
+    formChanged(FormChange::Look);
+}
+
+void Form::setWindowKey(std::optional<Colour> key) {
+    if (key == key_) {
+        return;
+    }
+    key_ = key;
+    formChanged(FormChange::Look);
+}
+
+void Form::setTopmost(bool topmost) {
+    if (topmost == topmost_) {
+        return;
+    }
+    topmost_ = topmost;
+    formChanged(FormChange::Topmost);
+}
+
+void Form::raise() {
+    if (window_ && visible_) {
+        window_->raise();
+    }
+}
+
+bool Form::unload() {
+    bool cancel = false;
+    if (events_) {
+        raiseEvent(events_->QueryUnload, cancel);
+    }
+    if (cancel) {
+        return false;
+    }
+    hide();
+    if (events_) {
+        raiseEvent(events_->Unload);
+    }
+    return true;
+}
+
+TextExtent Form::textExtent(std::u16string_view text, const Font &font) const {
+    return windows_.textExtent(text, font);
+}
+
+void Form::setFocus(Control *control) {
+    active_ = control;
+    if (window_) {
+        window_->focus(control);
+    }
+}
+
+void Form::refresh() {
+    if (window_) {
+        window_->refresh(nullptr);
+    }
+}
+
+FormEvents &Form::on() {
+    if (!events_) {
+        events_ = std::make_unique<FormEvents>();
+    }
+    return *events_;
+}
+
+void Form::movedTo(Twips left, Twips top) {
+    place_.left = left;
+    place_.top = top;
+}
+
+void Form::stateChanged(WindowState state) { state_ = state; }
+
+void Form::closeRequested() {
+    bool cancel = false;
+    if (events_) {
+        raiseEvent(events_->QueryUnload, cancel);
+    }
+    if (!cancel) {
+        hide();
+    }
+}
+
+platform::FormWindow &Form::ensureWindow() {
+    if (!window_) {
+        window_ = windows_.makeWindow(*this);
+    }
+    return *window_;
+}
+
+void Form::controlChanged(Control &control, Change what, const RectTwips &before) {
+    if (window_) {
+        window_->controlChanged(control, what, before);
+    }
+}
+
+void Form::controlGone(Control &control) {
+    if (active_ == &control) {
+        active_ = nullptr;
+    }
+    if (captured_ == &control) {
+        captured_ = nullptr;
+    }
+    if (window_) {
+        window_->controlGone(control);
+    }
+}
+
+void Form::formChanged(FormChange what) {
+    if (window_) {
+        window_->formChanged(what, place_);
+    }
+}
+
+void Form::placeChanged(const RectTwips &before) {
+    if (window_) {
+        window_->formChanged(FormChange::Place, before);
+    }
+    const bool resized = before.width != place_.width || before.height != place_.height;
+    if (resized && events_) {
+        raiseEvent(events_->Resize);
+    }
+}
+
+} // namespace velmora::forms
