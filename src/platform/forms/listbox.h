@@ -25,6 +25,8 @@ public:
 
     std::int16_t listCount() const noexcept { return static_cast<std::int16_t>(rows_.size()); }
     const std::u16string &list(std::int32_t row) const noexcept; // the empty text out of range
+    // The same for rows that the caller knows to be there.
+    const std::u16string &row(std::int32_t row) const noexcept { return list(row); }
     void setList(std::int32_t row, std::u16string_view text);
     void addItem(std::u16string_view text);
     void addItem(std::u16string_view text, std::int32_t row); // row 0..listCount
