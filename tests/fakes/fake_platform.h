@@ -1,0 +1,35 @@
+#pragma once
+
+// One of each fake, and the bundle that the program takes.
+
+#include "platform/platform.h"
+#include "tests/fakes/fake_ansi.h"
+#include "tests/fakes/fake_files.h"
+#include "tests/fakes/fake_media.h"
+#include "tests/fakes/fake_registry.h"
+#include "tests/fakes/fake_system.h"
+#include "tests/fakes/fake_windows.h"
+
+namespace velmora::fakes {
+
+struct FakePlatform {
+    FakeAnsi ansi;
+    FakeClock clock;
+    FakeFiles files{ansi};
+    FakeFolders folders;
+    FakeMedia media;
+    FakeProcesses processes;
+    FakeRegistry registry{ansi};
+    FakeShell shell{&files};
+    FakeVersionRecords versions{ansi};
+    FakeWaitableTimers waitableTimers{clock};
+    FakeWaveOut waveOut;
+    FakeWindows windows{clock};
+
+    platform::Platform bundle() {
+        return {ansi,     clock, files,    folders,        media,   processes,
+                registry, shell, versions, waitableTimers, waveOut, windows};
+    }
+};
+
+} // namespace velmora::fakes
