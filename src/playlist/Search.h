@@ -17,8 +17,8 @@ public:
     std::u16string getFolderPart(std::u16string_view path) const;
 
     // The text behind the last "." of the whole path in upper case; empty without a ".". Counts the
-    // units to keep by the length in bytes of the code page, so an extension that is not plain ASCII
-    // keeps its point.
+    // units to keep by the length in bytes of the code page, so an extension that is not plain
+    // ASCII keeps its point.
     std::u16string getExtension(std::u16string_view path) const;
 
     // Whether the extension is one of the twenty that folders and drops let in.

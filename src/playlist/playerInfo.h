@@ -15,9 +15,9 @@ class playerInfo {
 public:
     explicit playerInfo(Velmora &app);
 
-    // Fills the six boxes from the tag in the last 128 bytes. True when a tag was read, and when the
-    // file does not exist (the boxes stay then); false when the file is too short, has no tag or
-    // cannot be read. The boxes of an untagged file keep the text they had.
+    // Fills the six boxes from the tag in the last 128 bytes. True when a tag was read, and when
+    // the file does not exist (the boxes stay then); false when the file is too short, has no tag
+    // or cannot be read. The boxes of an untagged file keep the text they had.
     bool readId3v1(std::u16string_view path);
 
     // Builds the table of genre names; once, at start-up.

@@ -13,7 +13,8 @@ namespace velmora {
 
 class Velmora;
 
-// How much a save promises when it returns. Both are atomic: the file is the old one or the new one.
+// How much a save promises when it returns. Both are atomic: the file is the old one or the new
+// one.
 enum class SaveKind {
     Step,   // one of many within an operation; not waited for on the disk
     Settled // the last of an operation: file and folder are synced
