@@ -11,6 +11,8 @@ import subprocess
 import sys
 import time
 
+# The screen, the sound server and the measures are the tests' own.
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "../../tests/desktop"))
 from session import Recorder, Session, over, pss_mb, quiet, wait_for
 
 QUICK = "--quick" in sys.argv

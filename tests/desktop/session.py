@@ -1,4 +1,4 @@
-"""A private screen, sound server and home to measure programs in, and the measures themselves.
+"""A private screen, sound server and home to run programs in, and what can be measured of them.
 
 Everything is started by this module and ended by `Session.close`; nothing of the user's is touched.
 """
@@ -33,7 +33,7 @@ def quiet(*command, **options):
 
 
 class Session:
-    def __init__(self, window_manager):
+    def __init__(self, window_manager, sound=True):
         self.home = tempfile.mkdtemp(prefix="velmora-bench-")
         self.runtime = tempfile.mkdtemp(prefix="vb")
         self.env = dict(os.environ, HOME=self.home, XDG_RUNTIME_DIR=self.runtime,
@@ -49,7 +49,9 @@ class Session:
             self.spawn(["openbox"])
             wait_for(lambda: "window id" in quiet("xprop", "-root", "_NET_SUPPORTING_WM_CHECK",
                                                   env=self.env))
-        self._sound()
+        self.pulse = None
+        if sound:
+            self.start_sound()
 
     def _display(self):
         reading, writing = os.pipe()
@@ -66,7 +68,7 @@ class Session:
         os.close(reading)
         self.env["DISPLAY"] = ":" + number.decode().strip()
 
-    def _sound(self):
+    def start_sound(self):
         self.pulse = subprocess.Popen(
             ["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--log-level=error",
              "-L", f"module-null-sink sink_name=null1 rate={RATE} channels=2",
@@ -105,8 +107,9 @@ class Session:
         for child in list(self.children):
             self.stop(child)
         for child in (self.pulse, self.server):
-            child.kill()
-            child.wait()
+            if child:
+                child.kill()
+                child.wait()
         shutil.rmtree(self.home, ignore_errors=True)
         shutil.rmtree(self.runtime, ignore_errors=True)
 
