@@ -18,9 +18,9 @@ enum class Channel { Stereo, Left, Right };
 
 // What the open command asked for.
 struct OpenRequest {
-    std::string path;     // the file's own bytes
-    std::string type;     // "MPEGVideo", "MPEGVideo2", "Waveaudio", "Sequencer", "AVIVideo"
-    bool styleChild = false;       // "style child" was given
+    std::string path;        // the file's own bytes
+    std::string type;        // "MPEGVideo", "MPEGVideo2", "Waveaudio", "Sequencer", "AVIVideo"
+    bool styleChild = false; // "style child" was given
     std::uintptr_t parentWindow = 0; // the window after "parent", 0 if none
 };
 
@@ -29,9 +29,9 @@ public:
     virtual ~Device() = default;
 
     // Each answers false when it cannot be done; nothing has changed then.
-    virtual bool play() = 0;  // at the end: from the beginning
+    virtual bool play() = 0; // at the end: from the beginning
     virtual bool pause() = 0;
-    virtual bool seek(std::int32_t ms) = 0; // 0..lengthMs(), else false; leaves Paused
+    virtual bool seek(std::int32_t ms) = 0;         // 0..lengthMs(), else false; leaves Paused
     virtual bool setVolume(std::int32_t level) = 0; // 0..1000, linear in amplitude
     virtual bool setChannel(Channel channel) = 0;
     virtual bool putWindow(std::int32_t x, std::int32_t y, std::int32_t width,

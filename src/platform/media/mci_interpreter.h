@@ -1,0 +1,56 @@
+#pragma once
+
+// The command interpreter: media commands in, one open device behind them.
+
+#include "platform/media.h"
+#include "platform/media/device.h"
+#include "platform/media/mci_command.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace velmora::platform::media {
+
+// Commands, answers and errors are those of platform/media.h; the error numbers are those of
+// mci_errors.h.
+//
+// What "open" does beyond the text: the path must lead to a regular file (nothing else is ever
+// opened), and the devices are asked in turn, the sound device first unless the file begins like
+// something for the picture device. The device type takes no part in the choice. The first device
+// that opens the file has it.
+class MciInterpreter : public MediaControl {
+public:
+    // Either opener may be null: a player without that kind of device.
+    MciInterpreter(std::unique_ptr<DeviceOpener> sound, std::unique_ptr<DeviceOpener> picture);
+    ~MciInterpreter() override;
+
+    MciAnswer mciSendStringA(std::u16string_view command, int returnSize) override;
+
+private:
+    struct Result {
+        MciError error = MciError::None;
+        std::u16string text;
+    };
+
+    MciError open(const OpenCommand &command, const std::u16string &alias);
+    std::unique_ptr<Device> openWithSomeDevice(const OpenRequest &request);
+    bool isOpenAs(const std::u16string &alias) const;
+
+    Result act(const CloseCommand &command);
+    Result act(const PlayCommand &command);
+    Result act(const PauseCommand &command);
+    Result act(const SeekCommand &command);
+    Result act(const SetTimeFormatCommand &command);
+    Result act(const SetVolumeCommand &command);
+    Result act(const SetChannelCommand &command);
+    Result act(const StatusCommand &command);
+    Result act(const PutCommand &command);
+
+    std::unique_ptr<DeviceOpener> sound_;
+    std::unique_ptr<DeviceOpener> picture_;
+    std::u16string alias_; // of the open device
+    std::unique_ptr<Device> device_;
+};
+
+} // namespace velmora::platform::media
