@@ -34,8 +34,8 @@ namespace velmora {
 
 namespace {
 
-// A form that comes into being on its first touch. The slot is filled before `load` runs, so a touch
-// from inside finds the form that is being loaded.
+// A form that comes into being on its first touch. The slot is filled before `load` runs, so a
+// touch from inside finds the form that is being loaded.
 template <typename Form> class FormSlot {
 public:
     Form &touch(Velmora &app) {
@@ -141,9 +141,7 @@ velmora::search_Lrc_Internet_Form &Velmora::search_Lrc_Internet_Form() {
 velmora::search_Song_Internet_Form &Velmora::search_Song_Internet_Form() {
     return forms_->search_Song_Internet_Form_.touch(*this);
 }
-velmora::startLoad_Form &Velmora::startLoad_Form() {
-    return forms_->startLoad_Form_.touch(*this);
-}
+velmora::startLoad_Form &Velmora::startLoad_Form() { return forms_->startLoad_Form_.touch(*this); }
 velmora::VideoScreen_Form &Velmora::VideoScreen_Form() {
     return forms_->VideoScreen_Form_.touch(*this);
 }

@@ -23,7 +23,7 @@ void lrcForm::load() {
 
 std::int16_t lrcForm::ListIndex(std::u16string_view text) const {
     for (std::int16_t row = 0; row < List1.listCount(); ++row) {
-        if (contains(List1.row(row), text)) {
+        if (contains(List1.list(row), text)) {
             return row;
         }
     }
@@ -67,8 +67,7 @@ void lrcForm::position() {
     const Twips high = lrc_Text.height();
     // The task bar's height counts in pixels here, as it always has.
     const auto floor = static_cast<Twips>(
-        (rules.work_Area.bottom - rules.work_Area.top) * rules.twips_Per_Pixel -
-        rules.tray_Height);
+        (rules.work_Area.bottom - rules.work_Area.top) * rules.twips_Per_Pixel - rules.tray_Height);
     move({0, floor - high, windows().screenWidth(), high});
     lrc_Text.move({0, 0, width(), high});
     hide();

@@ -83,7 +83,8 @@ void Main::setClickHandlers() {
     }
 }
 
-// --- start ----------------------------------------------------------------------------------------
+// --- start
+// ----------------------------------------------------------------------------------------
 
 void Main::main_Load() {
     passOver([this] {
@@ -115,7 +116,8 @@ void Main::loadLastFile() {
     }
 }
 
-// --- windows --------------------------------------------------------------------------------------
+// --- windows
+// --------------------------------------------------------------------------------------
 
 void Main::closeButton_Click() { app_.startLoad_Form().unload(); }
 
@@ -161,8 +163,7 @@ void Main::videoScreen_Button_Click() {
 
 void Main::playInfo_Click() {
     velmora::playInfo_Form &info = app_.playInfo_Form();
-    if (app_.player().get_Length() == 0 ||
-        (!app_.lrcForm().Timer1.running() && !info.visible())) {
+    if (app_.player().get_Length() == 0 || (!app_.lrcForm().Timer1.running() && !info.visible())) {
         windows().MsgBox(app_.Language().msg_No_Track_Info, platform::MsgBoxButtons::Ok,
                          platform::MsgBoxIcon::Exclamation, app_.Language().msg_Error);
         info.hide();
@@ -231,13 +232,13 @@ void Main::Flash_Window() {
 
 void Main::meActiveControl_Enabled(bool flag) {
     forms::Control *const controls[] = {
-        &playButton,          &pauseButton,        &upButton,
-        &nextButton,          &stopButton,         &openFile_Button,
-        &load_Played_BG,      &Volume_Set_BG,      &Volume_ICO,
-        &mini_Button,         &AudioSource_H,      &AudioSource_L,
-        &AudioSource_R,       &song_GoTo_List,     &do_Lrc,
-        &check_SoundDriver,   &desktop_Lrc,        &playInfo,
-        &playSet_Button,      &playListButton,     &search_Lrc_Internet,
+        &playButton,           &pauseButton,    &upButton,
+        &nextButton,           &stopButton,     &openFile_Button,
+        &load_Played_BG,       &Volume_Set_BG,  &Volume_ICO,
+        &mini_Button,          &AudioSource_H,  &AudioSource_L,
+        &AudioSource_R,        &song_GoTo_List, &do_Lrc,
+        &check_SoundDriver,    &desktop_Lrc,    &playInfo,
+        &playSet_Button,       &playListButton, &search_Lrc_Internet,
         &search_Song_Internet,
     };
     for (forms::Control *control : controls) {

@@ -18,7 +18,8 @@ public:
     explicit Main(Velmora &app);
     void load();
 
-    // --- what other windows read and write --------------------------------------------------------
+    // --- what other windows read and write
+    // --------------------------------------------------------
     std::u16string Vesion;           // major.minor.revision of the program
     std::int16_t flash_Request = 0;  // Flash_Window acts while set; nothing clears it
     std::int16_t playList_Shown = 0; // the play list was open when last shown or hidden by a button
@@ -28,11 +29,13 @@ public:
     std::int16_t rotation_Count = 0;
     std::u16string chosen_File; // the file picked last, while it is being taken in
 
-    // --- start ------------------------------------------------------------------------------------
-    // The play list, the last file, then the tick.
+    // --- start
+    // ------------------------------------------------------------------------------------ The play
+    // list, the last file, then the tick.
     void main_Load();
 
-    // --- transport --------------------------------------------------------------------------------
+    // --- transport
+    // --------------------------------------------------------------------------------
     void playButton_Click();
     void pauseButton_Click();
     void stopButton_Click();
@@ -44,8 +47,9 @@ public:
     // The stopped look of all windows; sends no command to the engine.
     void stop_Sub();
 
-    // --- windows ----------------------------------------------------------------------------------
-    // Ends the program.
+    // --- windows
+    // ---------------------------------------------------------------------------------- Ends the
+    // program.
     void closeButton_Click();
     void minimizeButton_Click();
     void mini_Button_Click();
@@ -67,7 +71,8 @@ public:
     // Enables or disables every button and bar.
     void meActiveControl_Enabled(bool flag);
 
-    // --- bars and channel ---------------------------------------------------------------------------
+    // --- bars and channel
+    // ---------------------------------------------------------------------------
     void load_Played_BG_MouseUp(Twips x);
     void Volume_Set_BG_MouseUp(Twips x);
     void Volume_ICO_Click();

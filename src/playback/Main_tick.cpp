@@ -19,11 +19,10 @@ namespace velmora {
 
 namespace {
 
-// Shows the scroll bar of a list window while it has more rows than fit (`fits`), and keeps the thumb
-// at the list's place, counted with `capacity`, unless the user holds it.
-template <typename Window>
-void keepScrollBar(Window &window, const forms::ListBox &list, std::int16_t fits,
-                   std::int16_t capacity) {
+// Shows the scroll bar of a list window while it has more rows than fit (`fits`), and keeps the
+// thumb at the list's place, counted with `capacity`, unless the user holds it.
+template <typename Window> void keepScrollBar(Window &window, const forms::ListBox &list,
+                                              std::int16_t fits, std::int16_t capacity) {
     const bool needed = list.listCount() > fits;
     window.P1.setVisible(needed);
     window.P2.setVisible(needed);
@@ -106,7 +105,8 @@ void Main::rollCaption() {
     windows().setAppTitle(rotation_Text);
 }
 
-// --- dragging -------------------------------------------------------------------------------------
+// --- dragging
+// -------------------------------------------------------------------------------------
 
 void Main::setDragHandlers() {
     forms::ControlEvents *const areas[] = {&on(), &title.on(), &title_ICO.on()};

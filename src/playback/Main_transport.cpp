@@ -28,7 +28,8 @@ constexpr std::int16_t playRandom = 1;
 
 } // namespace
 
-// --- transport ------------------------------------------------------------------------------------
+// --- transport
+// ------------------------------------------------------------------------------------
 
 void Main::playButton_Click() {
     velmora::player &player = app_.player();
@@ -49,12 +50,12 @@ void Main::stopButton_Click() {
 
 void Main::nextButton_Click() {
     app_.player().next_Sub(app_.setControl().PlayMode == playRandom ? directionRandom
-                                                                   : directionNext);
+                                                                    : directionNext);
 }
 
 void Main::upButton_Click() {
     app_.player().next_Sub(app_.setControl().PlayMode == playRandom ? directionRandom
-                                                                   : directionPrevious);
+                                                                    : directionPrevious);
 }
 
 void Main::take_Chosen_File(std::u16string path) {
@@ -105,7 +106,7 @@ void Main::selectNamesakes(const std::u16string &stem) {
         names.setSelected(row, false);
     }
     for (std::int32_t row = 0; row < names.listCount(); ++row) {
-        if (names.row(row) == stem) {
+        if (names.list(row) == stem) {
             names.setSelected(row, true);
             names.ensureVisible(row);
         }
@@ -120,7 +121,8 @@ void Main::stop_Sub() {
     app_.lrcForm().lrc_Text.setCaption(u"");
 }
 
-// --- bars and channel -----------------------------------------------------------------------------
+// --- bars and channel
+// -----------------------------------------------------------------------------
 
 void Main::setBarHandlers() {
     load_Played_BG.on().MouseUp = [this](const forms::MouseEvent &event) {
@@ -155,8 +157,7 @@ void Main::Volume_Set_BG_MouseUp(Twips x) {
         return;
     }
     x = std::max(x, 0.0F);
-    app_.player().set_Volume(
-        roundToInt32(static_cast<double>(x) / Volume_Set_BG.width() * 1000));
+    app_.player().set_Volume(roundToInt32(static_cast<double>(x) / Volume_Set_BG.width() * 1000));
     Volume_Set.setWidth(x);
     const Twips share = Volume_Set.width() / Volume_Set_BG.width();
     app_.miniForm().Volume_Set.setWidth(share * app_.miniForm().Volume_Set_BG.width());

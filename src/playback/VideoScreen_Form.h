@@ -1,8 +1,8 @@
 #pragma once
 
 // The window in which the engine draws the picture of a video, with a control strip below. It is
-// let go at every open and close of a medium and made anew when next touched, so everything that must
-// outlive it lies in Main and in the player.
+// let go at every open and close of a medium and made anew when next touched, so everything that
+// must outlive it lies in Main and in the player.
 
 #include "playback/VideoScreen_Form.design.h"
 

@@ -72,8 +72,7 @@ void showState(Velmora &app, const StateControls &controls) {
     controls.play_Time.setCaption(player.get_PositionText() + u" - " + player.get_LengthText());
     controls.playInfo_Show.setCaption(player.nowPlay_Title);
     passOver([&] {
-        controls.load_Played.setWidth(
-            static_cast<Twips>(player.get_PlayedWidth(controls.window)));
+        controls.load_Played.setWidth(static_cast<Twips>(player.get_PlayedWidth(controls.window)));
     });
     if (controls.playInfo_Show.width() > controls.nameBox.width()) {
         rollLabel(controls.playInfo_Show, controls.nameBox.width(), titleMarquee);

@@ -28,8 +28,8 @@ struct MarqueeState {
     friend bool operator==(const MarqueeState &, const MarqueeState &) = default;
 };
 
-// One tick of a text `textWidth` wide in a box `boxWidth` wide: left until its end is `margin` beyond
-// the box's right edge, then right until its beginning is `margin` inside, and so on.
+// One tick of a text `textWidth` wide in a box `boxWidth` wide: left until its end is `margin`
+// beyond the box's right edge, then right until its beginning is `margin` inside, and so on.
 MarqueeState marqueeStep(MarqueeState now, Twips textWidth, Twips boxWidth,
                          const MarqueeMeasure &measure) noexcept;
 

@@ -5,8 +5,8 @@
 //
 // One medium is open at a time, under the alias NOWMUSIC. Times are milliseconds, volume is 0 to
 // 1000, a channel is 0 stereo, 1 left, 2 right. Results of type int16 are the platform's booleans:
-// -1 done, 0 not. An engine that refuses is never reported to the user: it shows through `get_Length`
-// being 0 and through `get_PlayStatus`.
+// -1 done, 0 not. An engine that refuses is never reported to the user: it shows through
+// `get_Length` being 0 and through `get_PlayStatus`.
 
 #include "base/geometry.h"
 #include "playback/random.h"
@@ -37,7 +37,8 @@ class player {
 public:
     explicit player(Velmora &app);
 
-    // --- the playing state; nothing in the program holds a second copy ----------------------------
+    // --- the playing state; nothing in the program holds a second copy
+    // ----------------------------
     std::u16string nowPlay_File;    // full path of the medium last opened; stays after a stop
     std::u16string nowPlay_Title;   // what the windows show for it
     std::int16_t nowPlay_Index = 0; // its track number in the play list, from 1
@@ -53,9 +54,10 @@ public:
     // The buffer of `get_PositionMMSS`.
     std::u16string pos_MMSS;
 
-    // --- opening and closing ----------------------------------------------------------------------
-    // Opens a file with the device that its extension selects. A missing file leaves everything as it
-    // is, the open medium included. An error inside ends the routine with the result so far.
+    // --- opening and closing
+    // ---------------------------------------------------------------------- Opens a file with the
+    // device that its extension selects. A missing file leaves everything as it is, the open medium
+    // included. An error inside ends the routine with the result so far.
     std::int16_t open_File(std::u16string path);
     // Mode 0 also resets what the windows keep for an open medium; any other mode only closes.
     // -1 when the engine had something to close.
@@ -63,9 +65,10 @@ public:
     // "Sequencer", "Waveaudio", "MPEGVideo2", "RealPlayer" or "MPEGVideo" for a short path.
     std::u16string get_DeviceType(std::u16string_view shortPath) const;
 
-    // --- playing ----------------------------------------------------------------------------------
-    // Plays from the present position with a fade-in to the volume that Main's bar shows, handling
-    // events meanwhile; then puts the channel back. With nothing open: stop_Sub of Main, result 0.
+    // --- playing
+    // ---------------------------------------------------------------------------------- Plays from
+    // the present position with a fade-in to the volume that Main's bar shows, handling events
+    // meanwhile; then puts the channel back. With nothing open: stop_Sub of Main, result 0.
     std::int16_t play_Sub();
     std::int16_t pause_Sub();
     std::int16_t seek_To(std::int32_t ms);
@@ -78,7 +81,8 @@ public:
     // mode says. See the status numbers above.
     std::int32_t get_PlayStatus();
 
-    // --- times ------------------------------------------------------------------------------------
+    // --- times
+    // ------------------------------------------------------------------------------------
     std::int32_t get_Length();         // 0 with nothing open
     std::u16string get_LengthText();   // HH:MM:SS
     std::u16string get_PositionText(); // HH:MM:SS
@@ -87,14 +91,16 @@ public:
     std::u16string get_PositionMMSS();
     std::u16string get_LrcTimeTag(); // [mm:ss.cc], the lyric editor's stamp
 
-    // --- seek bars --------------------------------------------------------------------------------
-    // Width (twips) of the fill for the present position; the whole background at position 0.
+    // --- seek bars
+    // -------------------------------------------------------------------------------- Width
+    // (twips) of the fill for the present position; the whole background at position 0.
     std::int32_t get_PlayedWidth(PlayerWindow window);
     // Seeks to where the bar was clicked; `x` in twips from its left edge. Not the inverse of
     // `get_PlayedWidth`.
     void seek_ByBar(PlayerWindow window, Twips x);
 
-    // --- video ------------------------------------------------------------------------------------
+    // --- video
+    // ------------------------------------------------------------------------------------
     std::int32_t get_VideoHwnd();
     // Puts the picture (pixels inside its control) and shows the video window. Acts only while that
     // window has its default size or more; otherwise, and when the engine refuses, lets it go.
@@ -103,8 +109,9 @@ public:
     // The picture control's inner size goes into `put_VideoWindow`.
     std::int16_t put_VideoWindowWhole();
 
-    // --- files and the list -------------------------------------------------------------------------
-    // The file name without folder and extension; empty when the last "." stands in a folder's name.
+    // --- files and the list
+    // ------------------------------------------------------------------------- The file name
+    // without folder and extension; empty when the last "." stands in a folder's name.
     std::u16string getFileStem(std::u16string_view path) const;
     // Fills the four labels of playInfo_Form.
     void show_FileInfo(std::u16string_view path);

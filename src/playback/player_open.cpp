@@ -37,12 +37,24 @@ struct DeviceRow {
 
 // The entry ".WM" holds a point, so a file of extension WM never meets it.
 constexpr std::array<DeviceRow, 18> deviceTable{{
-    {u"MID", u"Sequencer"},     {u"RMI", u"Sequencer"},    {u"IDI", u"Sequencer"},
-    {u"WAV", u"Waveaudio"},     {u"ASX", u"MPEGVideo2"},   {u"IVF", u"MPEGVideo2"},
-    {u"LSF", u"MPEGVideo2"},    {u"LSX", u"MPEGVideo2"},   {u"P2V", u"MPEGVideo2"},
-    {u"WAX", u"MPEGVideo2"},    {u"WVX", u"MPEGVideo2"},   {u".WM", u"MPEGVideo2"},
-    {u"WMX", u"MPEGVideo2"},    {u"WMP", u"MPEGVideo2"},   {u"RM", u"RealPlayer"},
-    {u"RAM", u"RealPlayer"},    {u"RA", u"RealPlayer"},    {u"RMVB", u"RealPlayer"},
+    {u"MID", u"Sequencer"},
+    {u"RMI", u"Sequencer"},
+    {u"IDI", u"Sequencer"},
+    {u"WAV", u"Waveaudio"},
+    {u"ASX", u"MPEGVideo2"},
+    {u"IVF", u"MPEGVideo2"},
+    {u"LSF", u"MPEGVideo2"},
+    {u"LSX", u"MPEGVideo2"},
+    {u"P2V", u"MPEGVideo2"},
+    {u"WAX", u"MPEGVideo2"},
+    {u"WVX", u"MPEGVideo2"},
+    {u".WM", u"MPEGVideo2"},
+    {u"WMX", u"MPEGVideo2"},
+    {u"WMP", u"MPEGVideo2"},
+    {u"RM", u"RealPlayer"},
+    {u"RAM", u"RealPlayer"},
+    {u"RA", u"RealPlayer"},
+    {u"RMVB", u"RealPlayer"},
 }};
 
 std::u16string_view nameOf(std::u16string_view path, char16_t separator) {
@@ -123,10 +135,10 @@ void player::readTitle() {
     velmora::playInfo_Form &info = app_.playInfo_Form();
     bool tagged = app_.playerInfo().readId3v1(nowPlay_File);
     if (tagged) {
-        tagged = !(tag.playInfo_AlbumText.text().empty() && tag.playInfo_ArtistText.text().empty() &&
-                   tag.playInfo_CommentText.text().empty() &&
-                   tag.playInfo_GenreText.text().empty() && tag.playInfo_TitleText.text().empty() &&
-                   tag.playInfo_YearText.text().empty());
+        tagged =
+            !(tag.playInfo_AlbumText.text().empty() && tag.playInfo_ArtistText.text().empty() &&
+              tag.playInfo_CommentText.text().empty() && tag.playInfo_GenreText.text().empty() &&
+              tag.playInfo_TitleText.text().empty() && tag.playInfo_YearText.text().empty());
     }
     info.anotherInfo_Button.setEnabled(tagged);
     if (tagged) {
@@ -187,10 +199,9 @@ void player::show_FileInfo(std::u16string_view path) {
     info.playName.setCaption(std::u16string(texts.msg_Track_Name) + getFileStem(path));
     info.playPath.setCaption(std::u16string(texts.msg_Directory) +
                              app_.Search().getFolderPart(path));
-    info.playFile_Size.setCaption(std::u16string(texts.msg_File_Size) +
-                                  formatGrouped(files.FileLen(path)) + u" bytes" + u"   " +
-                                  std::u16string(texts.msg_Format) +
-                                  app_.Search().getExtension(path));
+    info.playFile_Size.setCaption(
+        std::u16string(texts.msg_File_Size) + formatGrouped(files.FileLen(path)) + u" bytes" +
+        u"   " + std::u16string(texts.msg_Format) + app_.Search().getExtension(path));
     const std::time_t created = files.CreateFileSystemObject()->DateCreated(path);
     platform::Clock &clock = app_.platform().clock;
     info.playFile_DateCreated.setCaption(std::u16string(texts.msg_Created) +
@@ -207,7 +218,7 @@ void player::selectEntryOfFile(std::u16string_view path) {
     const forms::ListBox &paths = window.List1;
     for (std::int32_t row = 0; row < names.listCount(); ++row) {
         names.setSelected(row, false);
-        if (row < paths.listCount() && paths.row(row) == path) {
+        if (row < paths.listCount() && paths.list(row) == path) {
             names.setSelected(row, true);
             names.ensureVisible(row);
         }

@@ -104,8 +104,8 @@ std::int32_t player::volumeTarget() {
     return roundToInt32(main.Volume_Set.width() / whole * 1000);
 }
 
-// Both widths are read anew in each round, so a user who moves the bar meanwhile is followed. Events
-// run here: another open or seek may, and this fade then goes on against that medium.
+// Both widths are read anew in each round, so a user who moves the bar meanwhile is followed.
+// Events run here: another open or seek may, and this fade then goes on against that medium.
 void player::fadeIn() {
     std::int32_t target = volumeTarget();
     for (std::int32_t counter = 0; counter <= target; ++counter) {

@@ -104,8 +104,7 @@ std::int32_t player::get_PlayedWidth(PlayerWindow window) {
     if (std::trunc(at) <= 0) {
         return roundToInt32(bar.background.width());
     }
-    const double usable = bar.background.width() -
-                          2.0 * (bar.fill.left() - bar.background.left());
+    const double usable = bar.background.width() - 2.0 * (bar.fill.left() - bar.background.left());
     const std::int32_t length = get_Length();
     if (length == 0) {
         raise(ErrorNumber::DivisionByZero);

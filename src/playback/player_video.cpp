@@ -62,9 +62,8 @@ std::int16_t player::put_VideoWindow(std::int32_t left, std::int32_t top, std::i
         const bool largeEnough =
             window.width() >= static_cast<Twips>(VideoScreen_Form::defaultWidth) &&
             window.height() >= static_cast<Twips>(VideoScreen_Form::defaultHeight);
-        if (!largeEnough ||
-            !send(u"put NOWMUSIC window at " + decimal(left) + u" " + decimal(top) + u" " +
-                  decimal(width) + u" " + decimal(height))) {
+        if (!largeEnough || !send(u"put NOWMUSIC window at " + decimal(left) + u" " + decimal(top) +
+                                  u" " + decimal(width) + u" " + decimal(height))) {
             app_.unloadVideoScreen();
             return;
         }

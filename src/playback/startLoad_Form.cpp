@@ -110,11 +110,11 @@ void startLoad_Form::initialise() {
     passOver([this] { app_.setControl().load_Language(); });
 }
 
-// --- one instance -----------------------------------------------------------------------------------
+// --- one instance
+// -----------------------------------------------------------------------------------
 
 std::u16string startLoad_Form::restart_Marker_Path() const {
-    return app_.system_SpecialFolder().get_Special_Folder(folderTemporary) +
-           u"RestartZkPlayer.tmp";
+    return app_.system_SpecialFolder().get_Special_Folder(folderTemporary) + u"RestartZkPlayer.tmp";
 }
 
 std::int16_t startLoad_Form::restart_Marker(bool write) {
@@ -145,18 +145,18 @@ void startLoad_Form::checkInstances() {
 bool startLoad_Form::alreadyRunning() {
     bool running = false;
     passOver([&] {
-        running = countInstances() >= instancesThatRefuse ||
-                  app_.platform().processes.previousInstance();
+        running =
+            countInstances() >= instancesThatRefuse || app_.platform().processes.previousInstance();
     });
     return running;
 }
 
-// Counts processes by the internal name of their program file, so a renamed copy counts as well. The
-// query's text is the service's own matter and is sent as it always was.
+// Counts processes by the internal name of their program file, so a renamed copy counts as well.
+// The query's text is the service's own matter and is sent as it always was.
 std::int32_t startLoad_Form::countInstances() {
     std::int32_t count = 0;
-    for (const std::u16string &path : app_.platform().processes.ExecQuery(
-             u"Select * Form Win32_Process", queryFlags)) {
+    for (const std::u16string &path :
+         app_.platform().processes.ExecQuery(u"Select * Form Win32_Process", queryFlags)) {
         if (path.empty() || !app_.saveOrOpenFile().fileExists(path)) {
             continue;
         }
@@ -171,7 +171,8 @@ std::int32_t startLoad_Form::countInstances() {
     return count;
 }
 
-// --- the rest of the sequence -----------------------------------------------------------------------
+// --- the rest of the sequence
+// -----------------------------------------------------------------------
 
 void startLoad_Form::prepareTray() {
     app_.formSet().tray_Add(app_.Main());

@@ -1,7 +1,8 @@
 #pragma once
 
 // The splash window: runs the start sequence, and lives hidden until the program ends. Unloading it
-// is the one way to end the program: the medium is closed, the tray icon removed, the process ended.
+// is the one way to end the program: the medium is closed, the tray icon removed, the process
+// ended.
 
 #include "playback/startLoad_Form.design.h"
 

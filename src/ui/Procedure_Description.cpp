@@ -71,9 +71,9 @@ constexpr std::array<Wording, 11> driverWords{{{0, u"未知驱动程序"},
 constexpr std::array<Wording, 3> fontWords{
     {{1, u"光栅字体"}, {2, u"矢量字体"}, {3, u"TrueType字体"}}};
 
-template <std::size_t Count>
-std::u16string wordsFor(std::uint32_t value, const std::array<Wording, Count> &table,
-                        std::u16string_view otherwise) {
+template <std::size_t Count> std::u16string wordsFor(std::uint32_t value,
+                                                     const std::array<Wording, Count> &table,
+                                                     std::u16string_view otherwise) {
     for (const Wording &row : table) {
         if (row.value == value) {
             return std::u16string(row.words);
@@ -169,23 +169,21 @@ void Procedure_Description::readStrings(std::string_view record) {
     if (!language || language->size() < 4) {
         return;
     }
-    const std::u16string block = u"\\StringFileInfo\\" + hex4(halfAt(*language, 0)) +
-                                 hex4(halfAt(*language, 2));
+    const std::u16string block =
+        u"\\StringFileInfo\\" + hex4(halfAt(*language, 0)) + hex4(halfAt(*language, 2));
     struct Row {
         std::u16string_view name;
         std::u16string &text;
     };
     const Row rows[] = {
-        {u"\\FileDescription", ver_FileDescription},
-        {u"\\ProductName", ver_ProductName},
-        {u"\\OriginalFilename", ver_OriginalFilename},
-        {u"\\InternalName", ver_InternalName},
-        {u"\\CompanyName", ver_CompanyName},
-        {u"\\LegalCopyright", ver_LegalCopyright},
+        {u"\\FileDescription", ver_FileDescription},   {u"\\ProductName", ver_ProductName},
+        {u"\\OriginalFilename", ver_OriginalFilename}, {u"\\InternalName", ver_InternalName},
+        {u"\\CompanyName", ver_CompanyName},           {u"\\LegalCopyright", ver_LegalCopyright},
     };
     for (const Row &row : rows) {
         passOver([&] {
-            if (const auto bytes = versions.VerQueryValueA(record, block + std::u16string(row.name))) {
+            if (const auto bytes =
+                    versions.VerQueryValueA(record, block + std::u16string(row.name))) {
                 row.text = untilNul(app_.platform().ansi.decode(*bytes));
             }
         });

@@ -35,7 +35,8 @@ std::u16string_view cutTip(std::u16string_view text) {
 
 formSet::formSet(Velmora &app) : app_(app) {}
 
-// --- shape and order ------------------------------------------------------------------------------
+// --- shape and order
+// ------------------------------------------------------------------------------
 
 void formSet::set_ColourKey(forms::Form &form) {
     platform::WindowSystem &windows = app_.platform().windows;
@@ -55,7 +56,8 @@ void formSet::keep_Topmost() {
     set_Topmost(app_.lrcForm().hWnd(), true);
 }
 
-// --- dragging -------------------------------------------------------------------------------------
+// --- dragging
+// -------------------------------------------------------------------------------------
 
 PointTwips formSet::pointer_On(const forms::Form &form, const forms::MouseEvent &event) {
     PointPixels pointer;
@@ -90,7 +92,8 @@ void formSet::make_Draggable(forms::Form &form, forms::ControlEvents &events) {
     };
 }
 
-// --- docking --------------------------------------------------------------------------------------
+// --- docking
+// --------------------------------------------------------------------------------------
 
 bool formSet::read_Tray_Area() {
     platform::WindowSystem &windows = app_.platform().windows;
@@ -122,13 +125,14 @@ void formSet::dock_PlayList(bool flag) {
     });
 }
 
-// --- tray -----------------------------------------------------------------------------------------
+// --- tray
+// -----------------------------------------------------------------------------------------
 
 void formSet::tray_Add(velmora::Main &main) {
     platform::WindowSystem &windows = app_.platform().windows;
-    old_WndProc = windows.hookWindowProc(
-        main.hWnd(), [this](platform::HWND window, std::uint32_t message, std::int32_t wParam,
-                            std::int32_t lParam) {
+    old_WndProc =
+        windows.hookWindowProc(main.hWnd(), [this](platform::HWND window, std::uint32_t message,
+                                                   std::int32_t wParam, std::int32_t lParam) {
             return tray_WndProc(window, message, wParam, lParam);
         });
     tray_Data.window = main.hWnd();
@@ -183,7 +187,8 @@ void formSet::trayClicked() {
     }
 }
 
-// --- settings -------------------------------------------------------------------------------------
+// --- settings
+// -------------------------------------------------------------------------------------
 
 // Each value is read once for each of its tests, as every getter reads the store anew.
 void formSet::open_PlaySet() {

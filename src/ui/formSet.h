@@ -29,16 +29,18 @@ public:
     std::int32_t drag_Y = 0;
     std::int32_t wait_Ms = 0; // the sleep between two steps of the mini window's slide
 
-    // --- shape and order --------------------------------------------------------------------------
-    // Makes the key colour of the form a hole.
+    // --- shape and order
+    // -------------------------------------------------------------------------- Makes the key
+    // colour of the form a hole.
     void set_ColourKey(forms::Form &form);
     std::int32_t set_Topmost(platform::HWND window, bool flag);
     // Keeps the mini window and the desktop lyric on top.
     void keep_Topmost();
 
-    // --- dragging ---------------------------------------------------------------------------------
-    // X and Y of a drag are the pointer's place on the screen less the form's place at that moment:
-    // the coordinates that come with an event lag behind a window that is being moved.
+    // --- dragging
+    // --------------------------------------------------------------------------------- X and Y of
+    // a drag are the pointer's place on the screen less the form's place at that moment: the
+    // coordinates that come with an event lag behind a window that is being moved.
     PointTwips pointer_On(const forms::Form &form, const forms::MouseEvent &event);
     void start_Drag(const forms::Form &form, const forms::MouseEvent &event);
     // How far the form has to move (twips), while the left button is down.
@@ -46,21 +48,24 @@ public:
     // The handlers of a form that is dragged alone, on the form itself or on one of its controls.
     void make_Draggable(forms::Form &form, forms::ControlEvents &events);
 
-    // --- docking ------------------------------------------------------------------------------------
+    // --- docking
+    // ------------------------------------------------------------------------------------
     bool read_Tray_Area();
     // True: Main moves left by half its width and the list stands at its right side. False: Main is
     // centred horizontally.
     void dock_PlayList(bool flag);
 
-    // --- tray -----------------------------------------------------------------------------------------
+    // --- tray
+    // -----------------------------------------------------------------------------------------
     void tray_Add(velmora::Main &main);
     void tray_Tip(std::u16string_view text);
     void tray_Remove();
     std::int32_t tray_WndProc(platform::HWND window, std::uint32_t message, std::int32_t wParam,
                               std::int32_t lParam);
 
-    // --- settings and keys --------------------------------------------------------------------------
-    // Fills the settings window from the stored settings and shows it.
+    // --- settings and keys
+    // -------------------------------------------------------------------------- Fills the settings
+    // window from the stored settings and shows it.
     void open_PlaySet();
     // The key routine of Main ("main") and of the play list ("playlist_Form").
     void form_KeyDown(std::int16_t keyCode, std::int16_t shift, std::u16string_view formName);

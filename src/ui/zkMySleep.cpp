@@ -44,8 +44,7 @@ void zkMySleep::close() noexcept {
 }
 
 std::u16string zkMySleep::timerName() const {
-    const auto seconds =
-        static_cast<std::int64_t>(app_.platform().clock.secondsSinceMidnight());
+    const auto seconds = static_cast<std::int64_t>(app_.platform().clock.secondsSinceMidnight());
     return app_.platform().processes.applicationStem() + u"Timer" + format00(seconds / 60 % 60) +
            format00(seconds % 60);
 }
