@@ -26,11 +26,13 @@ namespace velmora::platform {
 enum class SearchFor { Files, Folders };
 
 // Reads a text file line by line. A line ends at CR, CR LF or LF; a last line without an end counts.
+// A bare LF is taken here alone, because every text tool of this system writes it.
 class LineReader {
 public:
     virtual ~LineReader() = default;
     virtual bool endOfFile() = 0;
-    // The next line's bytes without its end. Raises on a read error and at the end of the file.
+    // The next line's bytes without its end. Raises on a read error, on a line of more than 32 MB,
+    // and at the end of the file. After a raised error the reader is at its end.
     virtual std::string readLine() = 0;
 };
 
@@ -85,16 +87,17 @@ public:
     // is no regular file or has no write bit. `durable` also syncs file and folder.
     virtual void writeWhole(std::u16string_view path, std::string_view bytes, bool durable) = 0;
 
-    // `writeWhole`, keeping the present file under `path` + suffix first.
+    // Keeps the present file as a copy under another path, replacing what lies there. Raises as
+    // `writeWhole` does, and when there is no present file.
     virtual void keepAs(std::u16string_view path, std::u16string_view keptPath) = 0;
 
-    // Renames without ever replacing. The same path is success without action. A new bare name with
-    // a separator or NUL, or "." or "..", raises before the disk is touched.
+    // Renames within a folder, without ever replacing. The same path is success without action. A
+    // new bare name with a separator or NUL, or "." or "..", raises before the disk is touched: so
+    // does a new path in another folder, since only such a name leads there.
     virtual void Name(std::u16string_view from, std::u16string_view to) = 0;
 
     // The path with every blank, quote, "%", control and non-ASCII byte as %XX: a text that needs no
-    // quoting and is plain ASCII. At most capacity units, else empty. Only the media engine decodes
-    // it.
+    // quoting and is plain ASCII, of any length. Only the media engine decodes it.
     virtual std::u16string GetShortPathNameA(std::u16string_view path) = 0;
 
     virtual std::unique_ptr<FileSystemObject> CreateFileSystemObject() = 0;

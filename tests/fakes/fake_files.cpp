@@ -225,15 +225,15 @@ public:
            std::optional<std::size_t> failAt)
         : files_(files), path_(std::move(path)), bytes_(std::move(bytes)), failAt_(failAt) {}
 
-    bool endOfFile() override { return at_ >= bytes_.size() && failAt_ != line_; }
+    bool endOfFile() override { return failed_ || (at_ >= bytes_.size() && failAt_ != line_); }
 
     std::string readLine() override {
         if (files_.beforeLine)
             files_.beforeLine(path_, line_);
-        if (failAt_ == line_)
+        if (failAt_ == line_ || at_ >= bytes_.size())
+            failed_ = true;
+        if (failed_)
             fail(ErrorNumber::DeviceIo, u"Input/output error");
-        if (at_ >= bytes_.size())
-            fail(ErrorNumber::DeviceIo, u"Input past end of file");
         ++line_;
         const std::size_t end = std::min(bytes_.find_first_of("\r\n", at_), bytes_.size());
         std::string text = bytes_.substr(at_, end - at_);
@@ -248,6 +248,7 @@ private:
     std::optional<std::size_t> failAt_;
     std::size_t at_ = 0;
     std::size_t line_ = 0;
+    bool failed_ = false;
 };
 
 std::unique_ptr<platform::LineReader> FakeFiles::openInput(std::u16string_view path) {
@@ -318,8 +319,8 @@ void FakeFiles::Name(std::u16string_view from, std::u16string_view to) {
     if (from == to)
         return;
     const std::u16string_view name = platform::baseName(to);
-    if (name.empty() || name == u"." || name == u".." ||
-        contains(name, std::u16string_view(u"\0", 1)))
+    if (platform::folderPart(from) != platform::folderPart(to) || name.empty() || name == u"." ||
+        name == u".." || contains(name, std::u16string_view(u"\0", 1)))
         fail(ErrorNumber::InvalidCall, u"Invalid argument");
     if (!find(from))
         missing();

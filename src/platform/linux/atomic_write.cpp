@@ -1,0 +1,129 @@
+#include "platform/linux/atomic_write.h"
+
+#include "platform/linux/errors.h"
+#include "platform/linux/open_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+
+namespace velmora::platform {
+
+namespace {
+
+constexpr mode_t anyWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
+
+std::string folderOf(const std::string &path) {
+    const std::size_t last = path.rfind('/');
+    if (last == std::string::npos)
+        return ".";
+    return last == 0 ? "/" : path.substr(0, last);
+}
+
+mode_t modeOfNewFiles() {
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return 0666 & ~mask;
+}
+
+} // namespace
+
+std::string afterLinks(std::string path) {
+    constexpr int mostLinks = 40;
+    for (int links = 0; links < mostLinks; ++links) {
+        char buffer[PATH_MAX];
+        const ssize_t size = ::readlink(path.c_str(), buffer, sizeof buffer);
+        if (size < 0)
+            return path; // no link: this is it (a missing file too)
+        std::string next(buffer, static_cast<std::size_t>(size));
+        if (next.empty() || next.front() != '/') {
+            const std::string folder = folderOf(path);
+            next = (folder == "/" ? "" : folder) + "/" + next;
+        }
+        path = std::move(next);
+    }
+    raiseSystemError(ELOOP);
+}
+
+AtomicFile::AtomicFile(const std::string &path) : target_(afterLinks(path)) {
+    struct ::stat info {};
+    const bool exists = ::lstat(target_.c_str(), &info) == 0;
+    if (!exists && errno != ENOENT)
+        raiseSystemError(errno);
+    if (exists) {
+        if (!S_ISREG(info.st_mode))
+            raiseSystemError(S_ISDIR(info.st_mode) ? EISDIR : ESPIPE);
+        if ((info.st_mode & anyWriteBit) == 0)
+            raiseSystemError(EACCES);
+        const Descriptor probe(
+            ::open(target_.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
+        if (!probe)
+            raiseSystemError(errno);
+    }
+    createBeside(folderOf(target_));
+    try {
+        if (exists)
+            copyOwnership(target_);
+        const mode_t mode = exists ? info.st_mode & 07777 : modeOfNewFiles();
+        if (::fchmod(file_.number(), mode) != 0)
+            raiseSystemError(errno);
+    } catch (...) {
+        ::unlink(temporary_.c_str());
+        throw;
+    }
+}
+
+AtomicFile::~AtomicFile() {
+    if (!temporary_.empty())
+        ::unlink(temporary_.c_str());
+}
+
+void AtomicFile::createBeside(const std::string &folder) {
+    // Short, since the target's name may be as long as names can be.
+    std::string name = (folder == "/" ? "" : folder) + "/.velmora-XXXXXX";
+    file_ = Descriptor(::mkostemp(name.data(), O_CLOEXEC));
+    if (!file_)
+        raiseSystemError(errno);
+    temporary_ = std::move(name);
+    folder_ = Descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+// A file of another user, written by root, stays that user's. Where that is not allowed the new
+// file is the writer's, as with any program.
+void AtomicFile::copyOwnership(const std::string &target) {
+    struct ::stat info {};
+    if (::stat(target.c_str(), &info) == 0 &&
+        (info.st_uid != ::geteuid() || info.st_gid != ::getegid())) {
+        const int ignored = ::fchown(file_.number(), info.st_uid, info.st_gid);
+        static_cast<void>(ignored);
+    }
+}
+
+void AtomicFile::write(std::string_view bytes) {
+    if (!writeAll(file_.number(), bytes))
+        raiseSystemError(errno);
+    written_ += bytes.size();
+}
+
+void AtomicFile::commit(bool durable) {
+    struct ::stat info {};
+    if (::fstat(file_.number(), &info) != 0)
+        raiseSystemError(errno);
+    if (info.st_size < 0 || static_cast<std::size_t>(info.st_size) != written_)
+        raiseSystemError(EIO);
+    if (durable && ::fsync(file_.number()) != 0)
+        raiseSystemError(errno);
+    if (file_.close() != 0) // a network file system reports the last write here
+        raiseSystemError(errno);
+    if (::rename(temporary_.c_str(), target_.c_str()) != 0)
+        raiseSystemError(errno);
+    temporary_.clear();
+    // The content is in place: a folder that cannot be synced is no failure of the write.
+    if (durable && folder_)
+        ::fsync(folder_.number());
+}
+
+} // namespace velmora::platform

@@ -1,0 +1,44 @@
+#pragma once
+
+// Replaces a file by a complete new one, or not at all.
+
+#include "platform/linux/descriptor.h"
+
+#include <string>
+#include <string_view>
+
+namespace velmora::platform {
+
+// The new content of a file, written beside it under a passing name and put in its place at the
+// end. Destroyed before `commit` it leaves nothing behind. Every operation raises RunTimeError.
+class AtomicFile {
+public:
+    // Follows links. Refuses a target that is no regular file, has no write bit (whoever asks), or
+    // cannot be opened for writing. The new file gets the old one's mode.
+    explicit AtomicFile(const std::string &path);
+    ~AtomicFile();
+    AtomicFile(const AtomicFile &) = delete;
+    AtomicFile &operator=(const AtomicFile &) = delete;
+
+    void write(std::string_view bytes);
+
+    // Checks that every byte arrived and renames over the target. `durable` also waits until file
+    // and folder are on the disk.
+    void commit(bool durable);
+
+private:
+    void createBeside(const std::string &folder);
+    void copyOwnership(const std::string &target);
+
+    std::string target_;
+    std::string temporary_; // empty once there is none
+    Descriptor folder_;
+    Descriptor file_;
+    std::size_t written_ = 0;
+};
+
+// Where a path leads after links in its last part, also when nothing lies there yet. Raises on a
+// loop of links.
+std::string afterLinks(std::string path);
+
+} // namespace velmora::platform

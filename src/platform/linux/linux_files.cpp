@@ -1,0 +1,167 @@
+#include "platform/linux/linux_files.h"
+
+#include "platform/linux/atomic_write.h"
+#include "platform/linux/errors.h"
+#include "platform/linux/line_reader.h"
+#include "platform/linux/open_file.h"
+#include "platform/linux/text/path_text.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdio>
+
+namespace velmora::platform {
+
+namespace {
+
+struct OpenRegular {
+    Descriptor file;
+    struct ::stat info {};
+};
+
+OpenRegular openOrRaise(std::u16string_view path) {
+    OpenRegular result;
+    result.file = openRegular(systemPathOrRaise(path), result.info);
+    if (!result.file)
+        raiseSystemError(errno);
+    return result;
+}
+
+class LinuxFileObject : public FileSystemObject {
+public:
+    explicit LinuxFileObject(const AnsiText &ansi) : ansi_(ansi) {}
+
+    void CreateTextFile(std::u16string_view path, std::u16string_view text) override {
+        AtomicFile file(systemPathOrRaise(path));
+        file.write(ansi_.encode(text));
+        file.commit(false);
+    }
+
+    void DeleteFile(std::u16string_view path) override { deleteFile(path); }
+
+    std::time_t DateCreated(std::u16string_view path) override {
+        struct ::statx info {};
+        if (::statx(AT_FDCWD, systemPathOrRaise(path).c_str(), 0, STATX_BTIME | STATX_MTIME,
+                    &info) != 0)
+            raiseSystemError(errno);
+        const bool hasBirth = (info.stx_mask & STATX_BTIME) != 0;
+        return static_cast<std::time_t>(hasBirth ? info.stx_btime.tv_sec : info.stx_mtime.tv_sec);
+    }
+
+private:
+    const AnsiText &ansi_;
+};
+
+// The way of file systems that cannot rename without replacing: a second name, then the first goes.
+void linkAndUnlink(const std::string &from, const std::string &to) {
+    if (::linkat(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), 0) != 0)
+        raiseSystemError(errno);
+    if (::unlink(from.c_str()) != 0) {
+        const int error = errno;
+        ::unlink(to.c_str());
+        raiseSystemError(error);
+    }
+}
+
+} // namespace
+
+char16_t LinuxFiles::separatorOf(std::u16string_view path) const { return pathSeparatorOf(path); }
+
+std::u16string LinuxFiles::Dir(std::u16string_view path, SearchFor what) {
+    return findName(path, what);
+}
+
+std::vector<std::u16string> LinuxFiles::list(std::u16string_view folder, SearchFor what,
+                                             std::uint32_t walk) {
+    return walks_.list(folder, what, walk);
+}
+
+std::int64_t LinuxFiles::FileLen(std::u16string_view path) {
+    struct ::stat info {};
+    if (::stat(systemPathOrRaise(path).c_str(), &info) != 0)
+        raiseSystemError(errno);
+    if (!S_ISREG(info.st_mode))
+        raiseSystemError(S_ISDIR(info.st_mode) ? EISDIR : ESPIPE);
+    return info.st_size;
+}
+
+std::unique_ptr<LineReader> LinuxFiles::openInput(std::u16string_view path) {
+    return std::make_unique<FileLineReader>(openOrRaise(path).file);
+}
+
+std::string LinuxFiles::readBytes(std::u16string_view path, std::int64_t offset,
+                                  std::size_t count) {
+    const OpenRegular open = openOrRaise(path);
+    auto bytes = readAt(open.file.number(), offset, count);
+    if (!bytes)
+        raiseSystemError(errno);
+    return *std::move(bytes);
+}
+
+void LinuxFiles::writeWhole(std::u16string_view path, std::string_view bytes, bool durable) {
+    AtomicFile file(systemPathOrRaise(path));
+    file.write(bytes);
+    file.commit(durable);
+}
+
+void LinuxFiles::keepAs(std::u16string_view path, std::u16string_view keptPath) {
+    constexpr std::size_t step = std::size_t{1} << 20;
+    const OpenRegular source = openOrRaise(path);
+    AtomicFile kept(systemPathOrRaise(keptPath));
+    for (std::int64_t at = 0;;) {
+        const auto bytes = readAt(source.file.number(), at, step);
+        if (!bytes)
+            raiseSystemError(errno);
+        if (bytes->empty())
+            break;
+        kept.write(*bytes);
+        at += static_cast<std::int64_t>(bytes->size());
+    }
+    kept.commit(true);
+}
+
+void LinuxFiles::Name(std::u16string_view from, std::u16string_view to) {
+    renameWithoutReplacing(from, to);
+}
+
+std::u16string LinuxFiles::GetShortPathNameA(std::u16string_view path) { return shortPath(path); }
+
+std::unique_ptr<FileSystemObject> LinuxFiles::CreateFileSystemObject() {
+    return std::make_unique<LinuxFileObject>(ansi_);
+}
+
+void renameWithoutReplacing(std::u16string_view from, std::u16string_view to) {
+    if (from == to)
+        return;
+    // Another folder means that the new name itself held a separator.
+    const std::u16string_view name = baseName(to);
+    if (folderPart(from) != folderPart(to) || name.empty() || name == u"." || name == u".." ||
+        name.find(u'\0') != std::u16string_view::npos)
+        raiseSystemError(EINVAL);
+    const std::string source = systemPathOrRaise(from);
+    const std::string target = pathBytes(to);
+    if (::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0)
+        return;
+    if (errno == EINVAL || errno == ENOSYS)
+        linkAndUnlink(source, target);
+    else
+        raiseSystemError(errno);
+}
+
+void deleteFile(std::u16string_view path) {
+    const std::string bytes = systemPathOrRaise(path);
+    struct ::stat info {};
+    if (::lstat(bytes.c_str(), &info) != 0)
+        raiseSystemError(errno);
+    if (S_ISDIR(info.st_mode))
+        raiseSystemError(EISDIR);
+    // By the bits alone: root could, and must not either.
+    if (S_ISREG(info.st_mode) && (info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0)
+        raiseSystemError(EACCES);
+    if (::unlink(bytes.c_str()) != 0)
+        raiseSystemError(errno);
+}
+
+} // namespace velmora::platform

@@ -1,0 +1,40 @@
+#pragma once
+
+// The file system (contract: platform/files.h).
+
+#include "platform/ansi.h"
+#include "platform/files.h"
+#include "platform/linux/directory.h"
+
+namespace velmora::platform {
+
+class LinuxFiles : public FileSystem {
+public:
+    // `ansi` encodes what `CreateTextFile` writes.
+    explicit LinuxFiles(const AnsiText &ansi) : ansi_(ansi) {}
+
+    char16_t separator() const override { return u'/'; }
+    char16_t separatorOf(std::u16string_view path) const override;
+    std::u16string Dir(std::u16string_view path, SearchFor what) override;
+    std::vector<std::u16string> list(std::u16string_view folder, SearchFor what,
+                                     std::uint32_t walk) override;
+    std::int64_t FileLen(std::u16string_view path) override;
+    std::unique_ptr<LineReader> openInput(std::u16string_view path) override;
+    std::string readBytes(std::u16string_view path, std::int64_t offset,
+                          std::size_t count) override;
+    void writeWhole(std::u16string_view path, std::string_view bytes, bool durable) override;
+    void keepAs(std::u16string_view path, std::u16string_view keptPath) override;
+    void Name(std::u16string_view from, std::u16string_view to) override;
+    std::u16string GetShortPathNameA(std::u16string_view path) override;
+    std::unique_ptr<FileSystemObject> CreateFileSystemObject() override;
+
+private:
+    const AnsiText &ansi_;
+    FolderWalks walks_;
+};
+
+// The operations behind `Name` and `DeleteFile`; they raise.
+void renameWithoutReplacing(std::u16string_view from, std::u16string_view to);
+void deleteFile(std::u16string_view path);
+
+} // namespace velmora::platform
