@@ -5,6 +5,8 @@
 #   velmora_backend_library  a back-end: the same plus the system libraries it names
 #   velmora_test             a test executable, registered with ctest
 
+include(VelmoraForms)
+
 function(velmora_sources out)
     file(GLOB found CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
     set(${out} ${found} PARENT_SCOPE)
@@ -17,6 +19,7 @@ function(velmora_program_library name)
     add_library(${name} OBJECT ${sources})
     target_include_directories(${name} PUBLIC "${CMAKE_SOURCE_DIR}/src")
     target_link_libraries(${name} PUBLIC velmora_base velmora_forms PRIVATE velmora_flags)
+    velmora_form_designs(${name})
 endfunction()
 
 function(velmora_backend_library name)

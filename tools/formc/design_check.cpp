@@ -1,0 +1,125 @@
+#include "design_parts.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+namespace velmora::formc {
+
+namespace {
+
+constexpr std::array<std::string_view, 83> keywords{
+    "alignas",   "alignof",   "and",       "asm",          "auto",        "bitand",   "bitor",
+    "bool",      "break",     "case",      "catch",        "char",        "class",    "compl",
+    "concept",   "const",     "consteval", "constexpr",    "constinit",   "continue", "co_await",
+    "co_return", "co_yield",  "decltype",  "default",      "delete",      "do",       "double",
+    "else",      "enum",      "explicit",  "export",       "extern",      "false",    "float",
+    "for",       "friend",    "goto",      "if",           "inline",      "int",      "long",
+    "mutable",   "namespace", "new",       "noexcept",     "not",         "nullptr",  "operator",
+    "or",        "private",   "protected", "public",       "register",    "requires", "return",
+    "short",     "signed",    "sizeof",    "static",       "static_cast", "struct",   "switch",
+    "template",  "this",      "throw",     "thread_local", "true",        "try",      "typedef",
+    "typeid",    "typename",  "union",     "unsigned",     "using",       "virtual",  "void",
+    "volatile",  "wchar_t",   "while",     "xor",          "const_cast",  "forms"};
+
+bool isIdentifier(std::string_view name) {
+    if (name.empty() || std::isdigit(static_cast<unsigned char>(name.front())) != 0)
+        return false;
+    return std::ranges::all_of(name, [](char unit) {
+        return unit == '_' || std::isalnum(static_cast<unsigned char>(unit)) != 0;
+    });
+}
+
+class Checker {
+public:
+    explicit Checker(Design &design) : design_(design) {}
+
+    void run() {
+        checkName(design_.form);
+        checkRequired(design_.form);
+        checkNames();
+        for (const Thing *thing : design_.all()) {
+            checkName(*thing);
+            checkRequired(*thing);
+        }
+        checkInside(design_.form);
+    }
+
+private:
+    void fault(int line, std::string text) { design_.faults.push_back({line, std::move(text)}); }
+
+    void checkName(const Thing &thing) {
+        if (thing.name.empty())
+            return; // reported where it was read
+        if (!isIdentifier(thing.name))
+            fault(thing.line, "'" + thing.name + "' is no name");
+        else if (std::ranges::find(keywords, thing.name) != keywords.end())
+            fault(thing.line, "'" + thing.name + "' is a word of the language");
+    }
+
+    void checkNames() {
+        std::map<std::string_view, int> lines{{design_.form.name, design_.form.line}};
+        for (const Thing *thing : design_.all()) {
+            const auto [first, isNew] = lines.try_emplace(thing->name, thing->line);
+            if (!isNew && !thing->name.empty())
+                fault(thing->line, "the name '" + thing->name + "' stands on line " +
+                                       std::to_string(first->second) + " already");
+        }
+    }
+
+    void checkRequired(const Thing &thing) {
+        const KindSet kind = thing.kind->bit;
+        if ((kind & (kinds::boxed | kinds::form)) != 0 && !thing.has("size"))
+            fault(thing.line, "'" + thing.name + "' has no size");
+        if ((kind & kinds::boxed) != 0 && !thing.has("at"))
+            fault(thing.line, "'" + thing.name + "' has no place ('at')");
+        if ((kind & kinds::line) != 0 && !thing.has("ends"))
+            fault(thing.line, "'" + thing.name + "' has no ends");
+        if (thing.has("opaque") && thing.has("transparent"))
+            fault(thing.line, "'" + thing.name + "' is both opaque and transparent");
+        if (kind == kinds::form && thing.has("pointer") && thing.find("pointer")->word == "hand")
+            fault(thing.line, "a form has no hand pointer");
+        if (thing.has("separator") && !thing.children.empty())
+            fault(thing.line, "the separator '" + thing.name + "' has entries");
+    }
+
+    // The numbers of a well-formed setting; null when it is missing or malformed.
+    static const std::vector<double> *numbers(const Thing &thing, std::string_view property,
+                                              std::size_t count) {
+        const Setting *setting = thing.find(property);
+        return setting != nullptr && setting->numbers.size() == count ? &setting->numbers : nullptr;
+    }
+
+    void checkInside(const Thing &container) {
+        const auto *size = numbers(container, "size", 2);
+        for (const Thing &child : container.children) {
+            if (size != nullptr)
+                checkChild(container, child, (*size)[0], (*size)[1]);
+            checkInside(child);
+        }
+    }
+
+    void checkChild(const Thing &container, const Thing &child, double width, double height) {
+        const auto outside = [&](double left, double top, double right, double bottom) {
+            if (left < 0 || top < 0 || right > width || bottom > height)
+                fault(child.line, "'" + child.name + "' lies outside '" + container.name + "'");
+        };
+        if (const auto *ends = numbers(child, "ends", 4)) {
+            const auto &e = *ends;
+            outside(std::min(e[0], e[2]), std::min(e[1], e[3]), std::max(e[0], e[2]),
+                    std::max(e[1], e[3]));
+        }
+        const auto *at = numbers(child, "at", 2);
+        const auto *size = numbers(child, "size", 2);
+        if (at != nullptr && size != nullptr)
+            outside((*at)[0], (*at)[1], (*at)[0] + (*size)[0], (*at)[1] + (*size)[1]);
+    }
+
+    Design &design_;
+};
+
+} // namespace
+
+void checkDesign(Design &design) { Checker(design).run(); }
+
+} // namespace velmora::formc

@@ -1,0 +1,96 @@
+// Compiles a form's design into source text.
+//
+//   velmora_formc DESIGN.form --folder FOLDER --skin SKIN_FOLDER [--header FILE --source FILE]
+//
+// FOLDER is the design's folder below src. Without outputs it only checks. A file is written only
+// when its text has changed. All faults are reported, one a line as file:line: fault, and the exit
+// status is 1; 2 means that the command line was wrong.
+
+#include "design.h"
+#include "design_code.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <sstream>
+
+using namespace velmora::formc;
+
+namespace {
+
+using Options = std::map<std::string, std::string, std::less<>>;
+
+std::string readFile(const std::string &path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in)
+        throw std::runtime_error(path + ":1: cannot be read");
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void writeIfChanged(const std::string &path, const std::string &text) {
+    if (path.empty())
+        return;
+    if (std::ifstream in(path, std::ios::binary); in) {
+        std::ostringstream present;
+        present << in.rdbuf();
+        if (present.str() == text)
+            return;
+    }
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    std::ofstream out(path, std::ios::binary);
+    out << text;
+    if (!out.flush())
+        throw std::runtime_error(path + ":1: cannot be written");
+}
+
+bool parseArguments(int count, char **values, Options &options) {
+    for (int i = 1; i < count; ++i) {
+        const std::string argument = values[i];
+        if (!argument.starts_with("--")) {
+            options["design"] = argument;
+        } else if (argument == "--folder" || argument == "--skin" || argument == "--header" ||
+                   argument == "--source") {
+            if (++i == count)
+                return false;
+            options[argument.substr(2)] = values[i];
+        } else {
+            return false;
+        }
+    }
+    return options.contains("design") && options.contains("skin");
+}
+
+int compile(Options &options) {
+    const std::string &file = options["design"];
+    Design design = parseDesign(readFile(file), readSkin(options["skin"]));
+    if (design.form.name != std::filesystem::path(file).stem().string())
+        design.faults.push_back({design.form.line, "the form must have the name of its file"});
+    for (const Fault &fault : design.faults)
+        std::cerr << file << ':' << fault.line << ": " << fault.text << '\n';
+    if (!design.faults.empty())
+        return 1;
+    const Code code = writeCode(design, options["folder"]);
+    writeIfChanged(options["header"], code.header);
+    writeIfChanged(options["source"], code.source);
+    return 0;
+}
+
+} // namespace
+
+int main(int count, char **values) {
+    Options options;
+    if (!parseArguments(count, values, options)) {
+        std::cerr << "usage: velmora_formc DESIGN.form --folder FOLDER --skin SKIN_FOLDER "
+                     "[--header FILE --source FILE]\n";
+        return 2;
+    }
+    try {
+        return compile(options);
+    } catch (const std::exception &error) {
+        std::cerr << error.what() << '\n';
+        return 1;
+    }
+}
