@@ -15,6 +15,7 @@
 #include "playback/startLoad_Form.h"
 #include "playlist/Search.h"
 #include "playlist/another_PlayInfo_Form.h"
+#include "playlist/copyFile.h"
 #include "playlist/listControl_Form.h"
 #include "playlist/playInfo_Form.h"
 #include "playlist/playList_Form.h"
@@ -28,6 +29,7 @@
 #include "ui/Procedure_Description.h"
 #include "ui/aboutForm.h"
 #include "ui/formSet.h"
+#include "ui/myCommondialog.h"
 #include "ui/system_SpecialFolder.h"
 
 namespace velmora {
@@ -56,13 +58,15 @@ private:
 
 struct Velmora::Modules {
     explicit Modules(Velmora &app)
-        : formSet_(app), Language_(app), Language_Set_(app), player_(app), playerInfo_(app),
-          Procedure_Description_(app), saveOrOpenFile_(app), Search_(app), setControl_(app),
-          skinSet_(app), system_SpecialFolder_(app) {}
+        : copyFile_(app), formSet_(app), Language_(app), Language_Set_(app), myCommondialog_(app),
+          player_(app), playerInfo_(app), Procedure_Description_(app), saveOrOpenFile_(app),
+          Search_(app), setControl_(app), skinSet_(app), system_SpecialFolder_(app) {}
 
+    velmora::copyFile copyFile_;
     velmora::formSet formSet_;
     velmora::Language Language_;
     velmora::Language_Set Language_Set_;
+    velmora::myCommondialog myCommondialog_;
     velmora::player player_;
     velmora::playerInfo playerInfo_;
     velmora::Procedure_Description Procedure_Description_;
@@ -101,9 +105,11 @@ Velmora::~Velmora() = default;
 
 void Velmora::start() { startLoad_Form().startLoad(); }
 
+velmora::copyFile &Velmora::copyFile() noexcept { return modules_->copyFile_; }
 velmora::formSet &Velmora::formSet() noexcept { return modules_->formSet_; }
 velmora::Language &Velmora::Language() noexcept { return modules_->Language_; }
 velmora::Language_Set &Velmora::Language_Set() noexcept { return modules_->Language_Set_; }
+velmora::myCommondialog &Velmora::myCommondialog() noexcept { return modules_->myCommondialog_; }
 velmora::player &Velmora::player() noexcept { return modules_->player_; }
 velmora::playerInfo &Velmora::playerInfo() noexcept { return modules_->playerInfo_; }
 velmora::Procedure_Description &Velmora::Procedure_Description() noexcept {

@@ -14,9 +14,11 @@
 namespace velmora {
 
 // Modules.
+class copyFile;
 class formSet;
 class Language;
 class Language_Set;
+class myCommondialog;
 class player;
 class playerInfo;
 class Procedure_Description;
@@ -58,9 +60,11 @@ public:
 
     const platform::Platform &platform() const noexcept { return platform_; }
 
+    velmora::copyFile &copyFile() noexcept;
     velmora::formSet &formSet() noexcept;
     velmora::Language &Language() noexcept;
     velmora::Language_Set &Language_Set() noexcept;
+    velmora::myCommondialog &myCommondialog() noexcept;
     velmora::player &player() noexcept;
     velmora::playerInfo &playerInfo() noexcept;
     velmora::Procedure_Description &Procedure_Description() noexcept;
@@ -90,8 +94,8 @@ public:
 
     // Whether the video window exists now, without touching it.
     bool videoScreenLoaded() const noexcept;
-    // Lets the video window go; the next touch makes a fresh one. The old one's model lives on until
-    // no handler is active, so a handler of the window itself may call this.
+    // Lets the video window go; the next touch makes a fresh one. The old one's model lives on
+    // until no handler is active, so a handler of the window itself may call this.
     void unloadVideoScreen();
 
 private:

@@ -6,6 +6,7 @@ namespace velmora::platform {
 
 class AnsiText;
 class Clock;
+class Dialogs;
 class FileSystem;
 class Folders;
 class MediaControl;
@@ -20,6 +21,7 @@ class WindowSystem;
 struct Platform {
     AnsiText &ansi;
     Clock &clock;
+    Dialogs &dialogs;
     FileSystem &files;
     Folders &folders;
     MediaControl &media;

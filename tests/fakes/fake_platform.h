@@ -4,6 +4,7 @@
 
 #include "platform/platform.h"
 #include "tests/fakes/fake_ansi.h"
+#include "tests/fakes/fake_dialogs.h"
 #include "tests/fakes/fake_files.h"
 #include "tests/fakes/fake_media.h"
 #include "tests/fakes/fake_registry.h"
@@ -15,6 +16,7 @@ namespace velmora::fakes {
 struct FakePlatform {
     FakeAnsi ansi;
     FakeClock clock;
+    FakeDialogs dialogs;
     FakeFiles files{ansi};
     FakeFolders folders;
     FakeMedia media;
@@ -27,7 +29,7 @@ struct FakePlatform {
     FakeWindows windows{clock};
 
     platform::Platform bundle() {
-        return {ansi,     clock, files,    folders,        media,   processes,
+        return {ansi,     clock, dialogs,  files,          folders, media,  processes,
                 registry, shell, versions, waitableTimers, waveOut, windows};
     }
 };

@@ -1,0 +1,61 @@
+#pragma once
+
+// The common dialogs as a script: each call takes the next scripted answer of its kind. A dialog
+// that nobody expected fails the test, and so does a script that was never used.
+
+#include "platform/dialogs.h"
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velmora::fakes {
+
+class FakeDialogs : public platform::Dialogs {
+public:
+    ~FakeDialogs() override;
+
+    // Absent: cancel.
+    void expectFolder(std::optional<std::u16string> answer) {
+        folders_.push_back(std::move(answer));
+    }
+    void expectOpen(std::optional<std::u16string> path) { opens_.push_back(std::move(path)); }
+    void expectSave(std::optional<std::u16string> path) { saves_.push_back(std::move(path)); }
+    void expectColour(std::optional<Colour> colour) { colours_.push_back(colour); }
+    // What the user makes of the record; the answer is ChooseFontA's.
+    void expectFont(std::function<std::int32_t(platform::CHOOSEFONT &)> user) {
+        fonts_.push_back(std::move(user));
+    }
+    struct Copy {
+        std::int32_t answer = 0;
+        bool aborted = false;
+    };
+    void expectCopy(Copy copy) { copies_.push_back(copy); }
+
+    // --- what was asked ---
+    std::vector<platform::BROWSEINFO> browses;
+    std::vector<platform::OPENFILENAME> files;
+    std::vector<platform::CHOOSECOLOR> colourRecords;
+    std::vector<platform::CHOOSEFONT> fontRecords;
+    std::vector<platform::SHFILEOPSTRUCT> operations;
+
+    std::optional<std::u16string> SHBrowseForFolderA(const platform::BROWSEINFO &record) override;
+    bool ChooseColorA(platform::CHOOSECOLOR &record) override;
+    bool GetOpenFileNameA(platform::OPENFILENAME &record) override;
+    bool GetSaveFileNameA(platform::OPENFILENAME &record) override;
+    std::int32_t ChooseFontA(platform::CHOOSEFONT &record) override;
+    std::int32_t SHFileOperationA(platform::SHFILEOPSTRUCT &operation) override;
+
+private:
+    bool fileDialog(std::deque<std::optional<std::u16string>> &script,
+                    platform::OPENFILENAME &record);
+
+    std::deque<std::optional<std::u16string>> folders_, opens_, saves_;
+    std::deque<std::optional<Colour>> colours_;
+    std::deque<std::function<std::int32_t(platform::CHOOSEFONT &)>> fonts_;
+    std::deque<Copy> copies_;
+};
+
+} // namespace velmora::fakes
