@@ -190,6 +190,8 @@ platform::FormWindow &Form::ensureWindow() {
     return *window_;
 }
 
+void Form::dropWindow() noexcept { window_.reset(); }
+
 void Form::controlChanged(Control &control, Change what, const RectTwips &before) {
     if (window_) {
         window_->controlChanged(control, what, before);

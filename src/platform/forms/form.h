@@ -156,6 +156,11 @@ public:
     platform::FormWindow *window() const noexcept { return window_.get(); }
     platform::FormWindow &ensureWindow();
 
+protected:
+    // Lets the window behind the form go, for the end of a design's life: its controls end next, and
+    // the window must not be told of each.
+    void dropWindow() noexcept;
+
 private:
     friend class Control;
     Control *takerAt(PointTwips at) const;
