@@ -1,0 +1,100 @@
+#pragma once
+
+// One SQLite file that holds the registry, and its statements. It is opened at the first statement
+// and again after `close`.
+//
+// A damaged file is kept aside under another name, told once on standard error, and a fresh one
+// made. Where the file cannot be opened, locked or made, statements say so and nothing else
+// happens: the next one tries again.
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace velmora::platform {
+
+class SqliteDatabase;
+
+// One run of a statement. Made by `SqliteDatabase::prepare`; reset at the end of its life.
+class SqliteStatement {
+public:
+    SqliteStatement(SqliteStatement &&other) noexcept;
+    SqliteStatement(const SqliteStatement &) = delete;
+    ~SqliteStatement();
+
+    SqliteStatement &bind(std::int64_t value);
+    SqliteStatement &bind(std::string_view text); // must outlive the run
+
+    // Steps once. True: a row is there. False: done, or failed; see `failure`.
+    bool row();
+    // Runs to the end. True when nothing failed.
+    bool run();
+    // The engine's result code where the statement failed, else 0.
+    int failure() const noexcept { return failure_; }
+
+    std::int64_t integer(int column) const;
+    bool isInteger(int column) const;
+    std::string bytes(int column) const;
+
+private:
+    friend class SqliteDatabase;
+    SqliteStatement(SqliteDatabase &database, sqlite3_stmt *statement, int failure) noexcept
+        : database_(&database), statement_(statement), failure_(failure) {}
+
+    SqliteDatabase *database_;
+    sqlite3_stmt *statement_; // null where the database could not be opened
+    int failure_;
+    int bound_ = 0;
+};
+
+class SqliteDatabase {
+public:
+    // `path` is the file's own bytes. Nothing is touched yet.
+    explicit SqliteDatabase(std::string path);
+    ~SqliteDatabase();
+    SqliteDatabase(const SqliteDatabase &) = delete;
+    SqliteDatabase &operator=(const SqliteDatabase &) = delete;
+
+    enum class Query { FindKey, AddKey, HasSubKeys, DeleteKey, DeleteValues, Read, Write, Count };
+    SqliteStatement prepare(Query query);
+
+    // A transaction of several statements: false where it cannot begin (`failure` tells why) or
+    // end. One that is not committed is rolled back by `rollBack`.
+    bool begin();
+    bool commit();
+    void rollBack();
+    int failure() const noexcept { return failure_; }
+
+    // Moves everything into the one file and closes it.
+    void close() noexcept;
+
+private:
+    friend class SqliteStatement;
+
+    bool open();
+    int openOnce();
+    int configure(bool fresh);
+    bool execute(const char *sql);
+    void noteFailure(int code) noexcept;
+    void keepAside();
+    void resetPatience() noexcept { patienceLeftMs_ = patienceMs; }
+    static int waitForLock(void *self, int attempt);
+
+    // How long all waiting for another process's lock may take until a statement succeeds again.
+    static constexpr int patienceMs = 200;
+
+    std::string path_;
+    sqlite3 *handle_ = nullptr;
+    sqlite3_stmt *statements_[static_cast<int>(Query::Count)] = {};
+    int failure_ = 0;
+    int patienceLeftMs_ = patienceMs;
+    bool damaged_ = false;
+    bool complained_ = false;
+};
+
+} // namespace velmora::platform
