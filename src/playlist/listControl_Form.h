@@ -5,6 +5,7 @@
 #include "playlist/listControl_Form.design.h"
 
 #include <cstdint>
+#include <string>
 
 namespace velmora {
 
@@ -16,11 +17,17 @@ public:
     void load();
 
     std::int16_t listMode = 0; // 1 search, 2 rename
+    // What the user entered; emptied before each use.
+    std::u16string listControl_Result;
 
+    void OK_Click();
     // Gives the windows behind back and hides this one.
     void close_Box();
+    void clear_Box();
 
 private:
+    void setHandlers();
+
     Velmora &app_;
 };
 

@@ -6,7 +6,13 @@
 
 #include "playlist/playList_Form.design.h"
 
+#include "base/run_time_error.h"
+
 #include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace velmora {
 
@@ -26,10 +32,79 @@ public:
     // Reads the play list file again.
     void afresh_Load_Click();
 
+    // Hides the window and docks.
     void close_Click();
 
+    // --- playing ---------------------------------------------------------------------------
+    // Plays the current row.
+    void playThis();
+    // The row under a point of the list; row 0 for a point below the last row.
+    std::int32_t rowAtPoint(Twips x, Twips y) const;
+
+    // --- adding ----------------------------------------------------------------------------
+    void addFile_Click();
+    void addDir_Click();
+    // Files and folders dropped on the list at a height.
+    void filesDropped(const std::vector<std::u16string> &paths, Twips y);
+
+    // --- removing --------------------------------------------------------------------------
+    void delIndx_Click();
+    void delAll_Click();
+    // Mode 0: from the list; mode 1: from the disk too, with a report; `all`: every row first.
+    void delOne(std::int16_t mode, bool all);
+
+    // --- renaming, searching, copying --------------------------------------------------------
+    void Alter_Click();
+    void alter_Jieguo(); // the input box said OK
+    void Search_Click();
+    void search_Jieguo(); // the input box said OK
+    void to_Folder();
+    void open_Folder();
+
 private:
+    // What `body` raised, if anything.
+    template <typename Body> static std::optional<RunTimeError> trapped(Body &&body) {
+        try {
+            body();
+            return std::nullopt;
+        } catch (const RunTimeError &error) {
+            return error;
+        }
+    }
+    void showError(const std::optional<RunTimeError> &error, std::u16string_view title);
+    void showProgress(std::u16string_view text, std::u16string_view title);
+    void hideProgress();
+    void comeForward();
+    void setHandlers();
+    void setScrollHandlers();
+    void setDragHandlers();
+
+    void takeFile(const std::u16string &path);
+    void deselectAll();
+    void selectNamesakes(const std::u16string &stem, bool containing, bool pumping);
+    void append(const std::u16string &path);
+    std::vector<std::u16string> walkFolders(const std::u16string &first,
+                                            std::optional<RunTimeError> &pending);
+    void addFilesOf(const std::u16string &folder, std::optional<RunTimeError> &pending);
+    void addDroppedFolder(const std::u16string &folder);
+    void dropOne(const std::u16string &path, Twips y);
+    bool isFolderChoice(std::u16string_view folder) const;
+
+    bool removeLowest(std::int16_t mode, std::u16string &report, bool last);
+    void writeDeleteReport(const std::u16string &report);
+    void askInBox(std::int16_t mode, std::u16string_view title, std::u16string_view prompt,
+                  std::u16string_view text);
+
     Velmora &app_;
+    std::uint32_t walk_ = 0; // identity of the folder walk going on
+
+    // Alive from the start of a search or renaming to its end.
+    std::u16string findText_;
+    std::u16string alterRest_;   // the name behind its first "."
+    std::u16string alterPrefix_; // the name up to and including its first "."
+    std::u16string alterFolder_; // with the trailing separator
+    std::u16string alterTail_;   // the last four units of the path
+    std::u16string alterNew_;
 };
 
 } // namespace velmora

@@ -332,7 +332,8 @@ void ListBox::userMoved(std::int32_t row, std::int16_t shift) {
 }
 
 void ListBox::userDoubleClicked(std::int32_t row) {
-    if (isLive() && has(row) && events() != nullptr) {
+    const bool wanted = has(row) || rows_.empty();
+    if (isLive() && wanted && events() != nullptr) {
         raiseEvent(events()->DblClick);
     }
 }

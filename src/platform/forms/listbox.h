@@ -71,7 +71,7 @@ public:
     // selection (click, Ctrl, Shift, drag) and raises Click. Both ignore rows that are not there.
     void userClicked(std::int32_t row, std::int16_t shift, bool dragging);
     void userMoved(std::int32_t row, std::int16_t shift); // arrow, page, home and end keys
-    // DblClick is raised on a row only.
+    // DblClick is raised on a row, or on a list without rows.
     void userDoubleClicked(std::int32_t row);
     void userScrolled(std::int32_t topRow);
 

@@ -1,0 +1,157 @@
+// Renaming, searching, copying to a folder, opening a track's folder.
+
+#include "base/text.h"
+#include "platform/files.h"
+#include "platform/windows.h"
+#include "playback/Main.h"
+#include "playback/player.h"
+#include "playlist/Search.h"
+#include "playlist/copyFile.h"
+#include "playlist/listControl_Form.h"
+#include "playlist/playList_Form.h"
+#include "playlist/saveOrOpenFile.h"
+#include "settings/Language.h"
+#include "ui/formSet.h"
+#include "ui/myCommondialog.h"
+#include "velmora.h"
+
+namespace velmora {
+
+namespace {
+
+constexpr std::int16_t modeSearch = 1;
+constexpr std::int16_t modeRename = 2;
+constexpr std::ptrdiff_t restLength = 100;
+constexpr std::ptrdiff_t tailLength = 4;
+constexpr std::int32_t playing = 3;
+
+std::u16string trimmed(const std::u16string &text) { return std::u16string(trim(text)); }
+
+} // namespace
+
+// The box is not modal in the window system's sense: the windows behind it are disabled by hand.
+void playList_Form::askInBox(std::int16_t mode, std::u16string_view title,
+                             std::u16string_view prompt, std::u16string_view text) {
+    velmora::listControl_Form &box = app_.listControl_Form();
+    box.title.setCaption(title);
+    box.showText.setCaption(prompt);
+    box.jieGuo.setText(text);
+    box.listMode = mode;
+    box.show();
+    setEnabled(false);
+    app_.Main().setEnabled(false);
+}
+
+void playList_Form::Alter_Click() {
+    const std::int16_t row = playList_Item.listIndex();
+    if (row < 0) {
+        return;
+    }
+    const std::u16string name = playList_Item.list(row);
+    const std::u16string path = List1.list(row);
+    const std::size_t point = name.find(u'.');
+    const std::size_t prefix = point == std::u16string::npos ? 0 : point + 1;
+    alterRest_ = leftPart(std::u16string_view(name).substr(prefix), restLength);
+    alterPrefix_ = name.substr(0, prefix);
+    alterFolder_ = app_.Search().getFolderPart(path);
+    // Four units whatever the extension: a longer one loses its point.
+    alterTail_ = rightPart(path, tailLength);
+    app_.listControl_Form().listControl_Result.clear();
+    setEnabled(false);
+    askInBox(modeRename, app_.Language().msg_Rename_Title, app_.Language().msg_Rename_Prompt,
+             trim(alterRest_));
+}
+
+void playList_Form::alter_Jieguo() {
+    alterNew_ = app_.listControl_Form().listControl_Result;
+    if (alterNew_.empty()) {
+        return;
+    }
+    const auto error = trapped([this] {
+        const std::int16_t row = playList_Item.listIndex();
+        const bool wasPlaying = app_.player().get_PlayStatus() == playing;
+        app_.player().close_Sub(0);
+        const std::u16string renamed =
+            trimmed(alterFolder_) + trimmed(alterNew_) + trimmed(alterTail_);
+        app_.platform().files.Name(List1.list(row), renamed);
+        List1.setList(row, renamed);
+        // The prefix is kept for the display only; the file does without it.
+        playList_Item.setList(row, trimmed(alterPrefix_) + trimmed(alterNew_));
+        if (wasPlaying) {
+            app_.player().open_File(renamed);
+            app_.player().play_Sub();
+        }
+    });
+    app_.saveOrOpenFile().savePlayList();
+    showError(error, app_.Language().msg_Error);
+}
+
+void playList_Form::Search_Click() {
+    app_.listControl_Form().listControl_Result.clear();
+    askInBox(modeSearch, app_.Language().msg_Find_Title, app_.Language().msg_Find_Prompt, u"");
+}
+
+// With case, anywhere in the name; every hit is selected and the list stays where it is.
+void playList_Form::search_Jieguo() {
+    findText_ = app_.listControl_Form().listControl_Result;
+    if (findText_.empty()) {
+        return;
+    }
+    for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
+        playList_Item.setSelected(row, false);
+        if (contains(playList_Item.list(row), findText_)) {
+            playList_Item.setSelected(row, true);
+        }
+    }
+}
+
+void playList_Form::to_Folder() {
+    if (playList_Item.listCount() == 0) {
+        return;
+    }
+    if (playList_Item.selCount() == 0) {
+        windows().MsgBox(app_.Language().msg_Select_One_File, platform::MsgBoxButtons::Ok,
+                         platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
+        return;
+    }
+    const auto error = trapped([this] {
+        controlEnabled(false);
+        app_.Main().song_GoTo_List.setEnabled(false);
+        waitAdd.setVisible(true);
+        showProgress(u"", u"CopyFile Loading...");
+        const std::u16string folder =
+            app_.myCommondialog().browse_Folder(hWnd(), app_.Language().msg_Select_Folder);
+        if (!isFolderChoice(folder)) {
+            return;
+        }
+        for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
+            if (!playList_Item.selected(row)) {
+                continue;
+            }
+            const std::u16string path = List1.list(row);
+            showProgress(u"From：" + path, u"CopyFile To：" + folder);
+            app_.copyFile().copyOneFile(path, folder);
+        }
+    });
+    controlEnabled(true);
+    app_.Main().song_GoTo_List.setEnabled(true);
+    comeForward();
+    hideProgress();
+    showError(error, app_.Main().title.caption());
+}
+
+void playList_Form::open_Folder() {
+    if (playList_Item.listCount() == 0) {
+        return;
+    }
+    if (playList_Item.selCount() != 1) {
+        windows().MsgBox(app_.Language().msg_One_Dir_Only, platform::MsgBoxButtons::Ok,
+                         platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
+        return;
+    }
+    // The current row, which need not be the selected one.
+    app_.saveOrOpenFile().shellOpen(
+        app_.Search().getFolderPart(List1.list(playList_Item.listIndex())));
+}
+
+} // namespace velmora
