@@ -84,7 +84,8 @@ public:
     // "Open for output, write, close": the whole new content at once. Written beside the old file
     // and renamed over it, every byte count and flush checked, so a failure of any kind leaves the
     // old file as it was and raises. Follows links and keeps the file's mode. Refuses a target that
-    // is no regular file or has no write bit. `durable` also syncs file and folder.
+    // is no regular file or has no write bit, and any target directly below the root: that is where
+    // an empty folder leads. `durable` also syncs file and folder.
     virtual void writeWhole(std::u16string_view path, std::string_view bytes, bool durable) = 0;
 
     // Keeps the present file as a copy under another path, replacing what lies there. Raises as

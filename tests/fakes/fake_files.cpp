@@ -273,6 +273,8 @@ std::string FakeFiles::readBytes(std::u16string_view path, std::int64_t offset,
 }
 
 void FakeFiles::checkFolderWritable(std::u16string_view path) const {
+    if (parentOf(path) == u"/") // where an empty folder leads
+        refused();
     const Entry *folder = find(parentOf(path));
     if (!folder || folder->kind != Kind::Folder)
         fail(ErrorNumber::PathNotFound, u"No such file or directory");

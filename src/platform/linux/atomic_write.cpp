@@ -49,6 +49,10 @@ std::string afterLinks(std::string path) {
 }
 
 AtomicFile::AtomicFile(const std::string &path) : target_(afterLinks(path)) {
+    // Directly below the root lie the files of a folder that is empty or unknown: never written,
+    // whoever asks.
+    if (folderOf(target_) == "/")
+        raiseSystemError(EACCES);
     struct ::stat info {};
     const bool exists = ::lstat(target_.c_str(), &info) == 0;
     if (!exists && errno != ENOENT)

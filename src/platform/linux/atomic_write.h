@@ -14,7 +14,8 @@ namespace velmora::platform {
 class AtomicFile {
 public:
     // Follows links. Refuses a target that is no regular file, has no write bit (whoever asks), or
-    // cannot be opened for writing. The new file gets the old one's mode.
+    // cannot be opened for writing, and any file directly below the root, which is where the name of
+    // an empty folder leads. The new file gets the old one's mode.
     explicit AtomicFile(const std::string &path);
     ~AtomicFile();
     AtomicFile(const AtomicFile &) = delete;

@@ -1,0 +1,44 @@
+#include "platform/linux/linux.h"
+
+#include "platform/linux/linux_clock.h"
+#include "platform/linux/linux_files.h"
+#include "platform/linux/linux_folders.h"
+#include "platform/linux/linux_processes.h"
+#include "platform/linux/linux_shell.h"
+#include "platform/linux/linux_timers.h"
+#include "platform/linux/linux_versions.h"
+#include "platform/linux/text/ansi_conversion.h"
+
+namespace velmora::platform {
+
+std::unique_ptr<AnsiText> makeAnsiText(std::function<std::u16string()> activePage) {
+    return std::make_unique<AnsiConversion>(std::move(activePage));
+}
+
+std::unique_ptr<FileSystem> makeFileSystem(const AnsiText &ansi) {
+    return std::make_unique<LinuxFiles>(ansi);
+}
+
+std::unique_ptr<Folders> makeFolders(const HomeFolders &homes) {
+    return std::make_unique<LinuxFolders>(homes);
+}
+
+std::unique_ptr<Processes> makeProcesses(const HomeFolders &homes,
+                                         std::function<void()> beforeEnd) {
+    return std::make_unique<LinuxProcesses>(homes, std::move(beforeEnd));
+}
+
+std::unique_ptr<VersionRecords> makeVersionRecords(const AnsiText &ansi) {
+    return std::make_unique<LinuxVersionRecords>(ansi);
+}
+
+std::unique_ptr<Shell> makeShell() { return std::make_unique<LinuxShell>(ownExecutable()); }
+
+std::unique_ptr<Clock> makeClock() { return std::make_unique<LinuxClock>(); }
+
+std::unique_ptr<WaitableTimers>
+makeWaitableTimers(std::function<std::uint32_t(std::chrono::steady_clock::time_point due)> wait) {
+    return std::make_unique<LinuxWaitableTimers>(std::move(wait));
+}
+
+} // namespace velmora::platform

@@ -1,0 +1,40 @@
+#pragma once
+
+// What the start of the program makes of this back-end. Each object stands alone; references given
+// to one must outlive it.
+
+#include "platform/ansi.h"
+#include "platform/files.h"
+#include "platform/linux/home_folders.h"
+#include "platform/system.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace velmora::platform {
+
+// `activePage` answers the registry's override of the code page, empty for none. It is asked once,
+// at the first text that is not plain ASCII.
+std::unique_ptr<AnsiText> makeAnsiText(std::function<std::u16string()> activePage);
+
+std::unique_ptr<FileSystem> makeFileSystem(const AnsiText &ansi);
+
+std::unique_ptr<Folders> makeFolders(const HomeFolders &homes);
+
+// `beforeEnd` runs in `Processes::end`: it writes what is still owed to the disk.
+std::unique_ptr<Processes> makeProcesses(const HomeFolders &homes, std::function<void()> beforeEnd);
+
+std::unique_ptr<VersionRecords> makeVersionRecords(const AnsiText &ansi);
+
+std::unique_ptr<Shell> makeShell();
+
+std::unique_ptr<Clock> makeClock();
+
+// `wait` runs the event loop until the time given (never, at the greatest time point) or until an
+// input or a timer tick came: 0 when the time is reached, else 1.
+std::unique_ptr<WaitableTimers>
+makeWaitableTimers(std::function<std::uint32_t(std::chrono::steady_clock::time_point due)> wait);
+
+} // namespace velmora::platform

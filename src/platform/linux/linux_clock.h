@@ -1,0 +1,33 @@
+#pragma once
+
+// Clock (contract: platform/system.h).
+
+#include "platform/system.h"
+
+#include <clocale>
+
+namespace velmora::platform {
+
+class LinuxClock : public Clock {
+public:
+    // Date and time forms come from the locale that the environment names; the process's own
+    // locale does not matter.
+    LinuxClock() = default;
+    ~LinuxClock() override;
+    LinuxClock(const LinuxClock &) = delete;
+    LinuxClock &operator=(const LinuxClock &) = delete;
+
+    std::int64_t steadyMs() override;
+    std::time_t now() override;
+    double secondsSinceMidnight() override;
+    std::u16string shortDate(std::time_t when) override;
+    std::u16string shortTime(std::time_t when) override;
+
+private:
+    std::u16string format(std::time_t when, bool date);
+
+    bool localeKnown_ = false;
+    ::locale_t locale_ = nullptr; // null: the C locale, ISO forms
+};
+
+} // namespace velmora::platform

@@ -1,0 +1,26 @@
+#pragma once
+
+// Special folders (contract: platform/system.h).
+
+#include "platform/linux/home_folders.h"
+#include "platform/system.h"
+
+namespace velmora::platform {
+
+class LinuxFolders : public Folders {
+public:
+    explicit LinuxFolders(HomeFolders homes) : homes_(std::move(homes)) {}
+
+    std::optional<std::u16string> SHGetSpecialFolder(std::int32_t number) override;
+    std::u16string GetWindowsDirectoryA() override { return u"/usr"; }
+    std::u16string GetSystemDirectoryA() override;
+    std::u16string GetTempPathA() override;
+    std::u16string rootPart(std::u16string_view path) override;
+
+private:
+    std::string userFolder(std::string_view name, const char *otherwise) const;
+
+    HomeFolders homes_;
+};
+
+} // namespace velmora::platform
