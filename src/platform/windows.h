@@ -7,6 +7,7 @@
 #include "platform/forms/control.h"
 #include "platform/forms/font.h"
 #include "platform/forms/form.h"
+#include "platform/forms/surface.h"
 
 #include <cstdint>
 #include <functional>
@@ -39,6 +40,8 @@ public:
     virtual void focus(forms::Control *control) = 0;
     // The native window of a picture box (see PictureBox::hWnd).
     virtual std::uintptr_t pictureWindow(forms::PictureBox &box) = 0;
+    // Device pixels of a logical pixel. When it changes the window calls Form::scaleChanged.
+    virtual double scaleFactor() const { return 1.0; }
 };
 
 // --- window operations by their platform names ---------------------------------------------------
@@ -97,6 +100,14 @@ public:
 
     // --- text --------------------------------------------------------------------------------
     virtual forms::TextExtent textExtent(std::u16string_view text, const forms::Font &font) = 0;
+
+    // --- pictures ------------------------------------------------------------------------------
+    // A picture drawn over the whole of a new surface of that many pixels; what it leaves open is
+    // black. For controls that compose their look pixel by pixel.
+    virtual forms::Surface pictureSurface(forms::Picture picture, int width, int height) {
+        (void)picture;
+        return {width, height};
+    }
 
     // --- window operations --------------------------------------------------------------------
     // An unknown window makes each of them fail (0 or false).

@@ -55,6 +55,7 @@ void Control::setEnabled(bool enabled) {
     }
     enabled_ = enabled;
     changed(Change::Enabled);
+    enabledChanged();
 }
 
 bool Control::isShown() const noexcept {

@@ -122,6 +122,8 @@ public:
 
 protected:
     void changed(Change what);
+    // The own flag is another now.
+    virtual void enabledChanged() {}
     void placeChanged(const RectTwips &before);
 
 private:
@@ -138,6 +140,25 @@ private:
     MouseIcon mouseIcon_ = MouseIcon::None;
     bool visible_ = true;
     bool enabled_ = true;
+};
+
+// Tells whether a control or form still lives, for code that goes on after a handler. Lives on the
+// stack alone.
+class Watch {
+public:
+    explicit Watch(const Control &control) noexcept;
+    explicit Watch(Form &form) noexcept;
+    ~Watch();
+    Watch(const Watch &) = delete;
+    Watch &operator=(const Watch &) = delete;
+    explicit operator bool() const noexcept { return !gone_; }
+
+private:
+    friend class Form;
+    Form *form_; // null once the form is gone
+    const Control *control_;
+    Watch *outer_;
+    bool gone_ = false;
 };
 
 // What holds controls: a form, a frame, a picture box. Order is from back to front.

@@ -1,6 +1,7 @@
 #include "platform/forms/form.h"
 
 #include "platform/forms/dispatch.h"
+#include "platform/forms/user_control.h"
 #include "platform/windows.h"
 
 namespace velmora::forms {
@@ -9,8 +10,27 @@ Form::Form(platform::WindowSystem &windows, const char *name)
     : windows_(windows), name_(name), hWnd_(windows.formMade(*this)) {}
 
 Form::~Form() {
+    for (Watch *watch = watches_; watch != nullptr; watch = watch->outer_) {
+        watch->gone_ = true;
+        watch->form_ = nullptr;
+    }
     window_.reset();
     windows_.formGone(*this);
+}
+
+Watch::Watch(const Control &control) noexcept
+    : form_(&control.form()), control_(&control), outer_(form_->watches_) {
+    form_->watches_ = this;
+}
+
+Watch::Watch(Form &form) noexcept : form_(&form), control_(nullptr), outer_(form.watches_) {
+    form_->watches_ = this;
+}
+
+Watch::~Watch() {
+    if (form_ != nullptr) {
+        form_->watches_ = outer_;
+    }
 }
 
 void Form::setCaption(std::u16string_view caption) {
@@ -186,9 +206,28 @@ void Form::closeRequested() {
 platform::FormWindow &Form::ensureWindow() {
     if (!window_) {
         window_ = windows_.makeWindow(*this);
+        if (window_->scaleFactor() != 1.0) {
+            scaleChanged();
+        }
     }
     return *window_;
 }
+
+namespace {
+
+void tellScale(const Container &container) {
+    for (Control *control : container.controls()) {
+        if (control->kind() == Kind::Custom) {
+            static_cast<UserControl *>(control)->scaleChanged();
+        } else if (const auto *inner = dynamic_cast<const Container *>(control)) {
+            tellScale(*inner);
+        }
+    }
+}
+
+} // namespace
+
+void Form::scaleChanged() { tellScale(*this); }
 
 void Form::dropWindow() noexcept { window_.reset(); }
 
@@ -204,6 +243,9 @@ void Form::controlGone(Control &control) {
     }
     if (captured_ == &control) {
         captured_ = nullptr;
+    }
+    for (Watch *watch = watches_; watch != nullptr; watch = watch->outer_) {
+        watch->gone_ = watch->gone_ || watch->control_ == &control;
     }
     if (window_) {
         window_->controlGone(control);

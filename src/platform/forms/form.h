@@ -143,6 +143,9 @@ public:
     void movedTo(Twips left, Twips top);
     void stateChanged(WindowState state);
 
+    // The device pixels of a logical pixel are others now.
+    void scaleChanged();
+
     // What the pointer shows at a point: the control's pointer and icon, or the form's.
     struct PointerLook {
         std::int16_t pointer = pointerDefault;
@@ -157,12 +160,13 @@ public:
     platform::FormWindow &ensureWindow();
 
 protected:
-    // Lets the window behind the form go, for the end of a design's life: its controls end next, and
-    // the window must not be told of each.
+    // Lets the window behind the form go, for the end of a design's life: its controls end next,
+    // and the window must not be told of each.
     void dropWindow() noexcept;
 
 private:
     friend class Control;
+    friend class Watch;
     Control *takerAt(PointTwips at) const;
     Control *keyTarget() const;
     void deliver(std::function<void(const MouseEvent &)> ControlEvents::*which, Control *target,
@@ -182,6 +186,7 @@ private:
     Font font_;
     Colour backColor_ = 0;
     std::optional<Colour> key_;
+    Watch *watches_ = nullptr; // innermost first
     Control *active_ = nullptr;
     Control *captured_ = nullptr; // took the press that is going on
     bool formCaptured_ = false;
