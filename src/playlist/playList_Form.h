@@ -71,8 +71,8 @@ private:
             return error;
         }
     }
-    void showError(const std::optional<RunTimeError> &error, std::u16string_view title);
-    void showProgress(std::u16string_view text, std::u16string_view title);
+    void showError(const std::optional<RunTimeError> &error, std::u16string_view heading);
+    void showProgress(std::u16string_view text, std::u16string_view heading);
     void hideProgress();
     void comeForward();
     void setHandlers();
@@ -92,7 +92,7 @@ private:
 
     bool removeLowest(std::int16_t mode, std::u16string &report, bool last);
     void writeDeleteReport(const std::u16string &report);
-    void askInBox(std::int16_t mode, std::u16string_view title, std::u16string_view prompt,
+    void askInBox(std::int16_t mode, std::u16string_view heading, std::u16string_view prompt,
                   std::u16string_view text);
 
     Velmora &app_;

@@ -28,16 +28,17 @@ constexpr std::u16string_view subfoldersQuestion =
 
 } // namespace
 
-void playList_Form::showError(const std::optional<RunTimeError> &error, std::u16string_view title) {
+void playList_Form::showError(const std::optional<RunTimeError> &error,
+                              std::u16string_view heading) {
     if (error) {
         windows().MsgBox(error->description(), platform::MsgBoxButtons::Ok,
-                         platform::MsgBoxIcon::Critical, title);
+                         platform::MsgBoxIcon::Critical, heading);
     }
 }
 
-void playList_Form::showProgress(std::u16string_view text, std::u16string_view title) {
+void playList_Form::showProgress(std::u16string_view text, std::u16string_view heading) {
     waitAdd_Show.setCaption(text);
-    waitAdd_Title.setCaption(title);
+    waitAdd_Title.setCaption(heading);
     waitAdd.refresh();
 }
 

@@ -30,10 +30,10 @@ std::u16string trimmed(const std::u16string &text) { return std::u16string(trim(
 } // namespace
 
 // The box is not modal in the window system's sense: the windows behind it are disabled by hand.
-void playList_Form::askInBox(std::int16_t mode, std::u16string_view title,
+void playList_Form::askInBox(std::int16_t mode, std::u16string_view heading,
                              std::u16string_view prompt, std::u16string_view text) {
     velmora::listControl_Form &box = app_.listControl_Form();
-    box.title.setCaption(title);
+    box.title.setCaption(heading);
     box.showText.setCaption(prompt);
     box.jieGuo.setText(text);
     box.listMode = mode;

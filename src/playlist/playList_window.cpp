@@ -24,7 +24,7 @@ void playList_Form::playThis() {
 std::int32_t playList_Form::rowAtPoint(Twips /*x*/, Twips y) const {
     const std::int32_t height = roundToInt32(playList_Item.rowHeight());
     if (height == 0) {
-        raise(ErrorNumber::DivisionByZero);
+        velmora::raise(ErrorNumber::DivisionByZero);
     }
     const std::int32_t row = playList_Item.topIndex() + roundToInt32(y) / height;
     return row < playList_Item.listCount() ? row : 0;
