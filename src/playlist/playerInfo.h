@@ -29,9 +29,11 @@ public:
 
 private:
     bool readTag(std::u16string_view path);
+    void showTexts(std::string_view tag);
+    void showGenre(unsigned char code);
 
     Velmora &app_;
-    std::u16string genreTable_; // names joined by "|"
+    std::u16string_view genreTable_; // names joined by "|"; empty until built
 };
 
 } // namespace velmora

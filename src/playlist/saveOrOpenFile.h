@@ -56,9 +56,12 @@ public:
     bool shellMd(std::u16string_view path);
 
 private:
-    class Loading;
     std::u16string playListPath() const;
+    std::string wholeList() const;
     bool keepOldFile(std::u16string_view path);
+    bool readLines(const std::u16string &path);
+    bool takeLine(std::string_view line);
+    void showLoading(std::string_view line, std::string_view pathBytes, const std::u16string &path);
 
     Velmora &app_;
     // The play list file whose last load left lines behind; empty when there is none.

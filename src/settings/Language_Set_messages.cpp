@@ -3,8 +3,6 @@
 #include "settings/Language.h"
 #include "settings/language_common.h"
 #include "settings/language_tables.h"
-#include "settings/setControl.h"
-#include "velmora.h"
 
 namespace velmora {
 
@@ -237,9 +235,7 @@ template <> std::span<const Row<Language>> rowsOf<Language>() { return messageRo
 } // namespace texts
 
 void Language_Set::language_Messages() {
-    const std::int32_t index = app_.setControl().Language_Index;
-    if (texts::isLanguage(index))
-        texts::put(app_.Language(), texts::rowsOf<velmora::Language>(), index);
+    texts::putIn<velmora::Language>(app_, &Velmora::Language);
 }
 
 } // namespace velmora

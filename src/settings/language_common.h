@@ -9,8 +9,8 @@ namespace velmora::texts {
 inline constexpr Texts product = everywhere(u"Velmora 2011");
 inline constexpr Texts welcome{u"欢迎使用Velmora", u"Welcome to Velmora", u"Bienvenue dans Velmora",
                                u"Velmoraへようこそ"};
-inline constexpr Texts copyrightLine{u"版权所有 © 2011 Norvane", u"Copyright © 2011 Norvane",
-                                     u"Copyright © 2011 Norvane", u"Copyright © 2011 Norvane"};
+inline constexpr Texts copyrightLine{u"版权所有 (C) 2011 Norvane", u"Copyright (C) 2011 Norvane",
+                                     u"Copyright (C) 2011 Norvane", u"Copyright (C) 2011 Norvane"};
 
 inline constexpr Texts exit{u"退出(Esc)", u"Exit(ESC)", u"Quitter (Esc)", u"終了(Esc)"};
 inline constexpr Texts play{u"播放(F2)", u"Play(F2)", u"Lecture (F2)", u"再生(F2)"};
@@ -50,5 +50,9 @@ inline constexpr Texts reloadList{u"重新加载列表", u"Reload the list", u"R
                                   u"リストを再読み込み"};
 inline constexpr Texts findTracks{u"查找曲目", u"FindTracks", u"Rechercher", u"曲を検索"};
 inline constexpr Texts changeTrack{u"修改曲目", u"ChangeTrack", u"Renommer", u"曲名を変更"};
+
+inline constexpr Texts okay{u"确定", u"OK", u"OK", u"OK"};
+inline constexpr Texts cancel{u"取消", u"Cancel", u"Annuler", u"キャンセル"};
+inline constexpr Texts help{u"帮助", u"Help", u"Aide", u"ヘルプ"};
 
 } // namespace velmora::texts

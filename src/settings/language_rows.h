@@ -4,6 +4,8 @@
 // compiler makes from the member's address, and the four texts. Nothing is looked up or parsed when
 // the program runs, and the texts stay where the compiler put them.
 
+#include "settings/members.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -33,34 +35,23 @@ template <typename Owner> struct Row {
     Texts texts;
 };
 
-template <auto Member> struct OwnerOf;
-template <typename Value, typename Owner, Value Owner::*Member> struct OwnerOf<Member> {
-    using type = Owner;
-};
-template <auto Member> using Owner = typename OwnerOf<Member>::type;
-
 // The properties that follow the language.
 template <auto Member>
-inline constexpr auto caption = +[](Owner<Member> &form, std::u16string_view text) {
+inline constexpr auto caption = +[](OwnerOf<Member> &form, std::u16string_view text) {
     (form.*Member).setCaption(text);
 };
 template <auto Member>
-inline constexpr auto toolTip = +[](Owner<Member> &form, std::u16string_view text) {
+inline constexpr auto toolTip = +[](OwnerOf<Member> &form, std::u16string_view text) {
     (form.*Member).setToolTip(text);
 };
+template <auto Member>
+inline constexpr auto boxText = +[](OwnerOf<Member> &form, std::u16string_view text) {
+    (form.*Member).setText(text);
+};
 template <auto Member> inline constexpr auto
-    boxText = +[](Owner<Member> &form, std::u16string_view text) { (form.*Member).setText(text); };
-template <auto Member> inline constexpr auto
-    field = +[](Owner<Member> &owner, std::u16string_view text) { owner.*Member = text; };
+    field = +[](OwnerOf<Member> &owner, std::u16string_view text) { owner.*Member = text; };
 template <typename Form> inline constexpr auto
     formCaption = +[](Form &form, std::u16string_view text) { form.setCaption(text); };
-
-// Puts one column. The index is one that `isLanguage`.
-template <typename Owner>
-void put(Owner &owner, std::span<const Row<Owner>> rows, std::int32_t index) {
-    for (const Row<Owner> &row : rows)
-        row.put(owner, textOf(row.texts, index));
-}
 
 // --- checks at compile time ----------------------------------------------------------------------
 

@@ -23,15 +23,14 @@ class setControl {
 public:
     explicit setControl(Velmora &app);
 
-    // --- the settings in memory
-    // -------------------------------------------------------------------
+    // --- the settings in memory ---
     std::int16_t AutoUpadate = 0;    // 1: look for a new version at start
     std::int16_t isAutoPlay = 0;     // inverted: 0 means that tracks follow each other
     std::int16_t PlayMode = 0;       // 0 in order, 1 random, 2 repeat the track
     std::int16_t VideoInterface = 0; // 1: video plays in the program's own window
     std::int16_t Language = 0;       // the language chosen in the settings window
-    std::int32_t Language_Index =
-        0; // the language in force: 0 Chinese, 1 English, 2 French, 3 Japanese
+    // The language in force: 0 Chinese, 1 English, 2 French, 3 Japanese.
+    std::int32_t Language_Index = 0;
 
     // Folders, without a trailing separator.
     std::u16string Path_App;
@@ -55,19 +54,17 @@ public:
     Colour Lrc_ForeColor = 0;
     Colour Lrc_BackColor = 0;
 
-    // --- start
-    // ------------------------------------------------------------------------------------ Folders,
-    // the identity record and the keys; every failure inside is passed over.
+    // --- start ---
+    // Folders, the identity record and the keys; every failure inside is passed over.
     void init_PlaySet();
     // The three folder settings into their variables and the boxes of playSetForm.
     void load_Save_Paths();
     // Makes the six folders; always true.
     bool make_Folders();
 
-    // --- general settings
-    // --------------------------------------------------------------------------- Writes the
-    // general values from memory and the folders from the boxes of playSetForm, then makes the
-    // folders.
+    // --- general settings ---
+    // Writes the general values from memory and the folders from the boxes of playSetForm, then
+    // makes the folders.
     bool save_PlaySet();
     // Deletes the user's settings; true when the key went.
     bool delete_PlaySet();
@@ -83,15 +80,13 @@ public:
     // `Language_Index` from the registry, from `Language` on failure; then all texts.
     void load_Language();
 
-    // --- lyric fonts
-    // ------------------------------------------------------------------------------ Sets are named
-    // "Desktop" and "Other".
+    // --- lyric fonts ---
+    // Sets are named "Desktop" and "Other".
     bool save_Lrc_Font(std::u16string_view set);
     // False, with the previews dressed as its rules say, when any value is missing.
     bool load_Lrc_Font(std::u16string_view set);
 
-    // --- the rest
-    // -----------------------------------------------------------------------------------
+    // --- the rest ---
     void save_LastPlayFile(std::u16string_view path);
     std::u16string get_LastPlayFile(); // empty on failure
     // `state` is a text that reads as true or false ("True", "0", "2"); another one is not stored.
@@ -102,33 +97,34 @@ public:
     // or something fails (with its message); otherwise the program ends.
     void restoreDefaults();
 
-    // --- hosts
-    // --------------------------------------------------------------------------------------
+    // --- hosts ---
     // Scheme, host and port without a trailing "/", read anew at each call; empty when not set.
-    std::u16string host_LrcSearch();
-    std::u16string host_LrcSiteA();
-    std::u16string host_LrcSiteB();
-    std::u16string host_SongSearch();
-    std::u16string host_Maker();
+    std::u16string get_LrcSearchHost();
+    std::u16string get_LrcSiteAHost();
+    std::u16string get_LrcSiteBHost();
+    std::u16string get_SongSearchHost();
+    std::u16string get_MakerHost();
 
 private:
-    enum class StringBytes { Exact, WithTerminator };
-
     void getProvider();
-    std::optional<std::u16string> readString(std::u16string_view key, std::u16string_view name);
+    std::u16string readString(std::u16string_view key, std::u16string_view name);
     std::int32_t readNumber(std::u16string_view name);
-    std::u16string readFolder(std::u16string_view name, const std::u16string &otherwise);
-    std::u16string readHost(std::u16string_view name);
-    std::uint32_t readDword(std::u16string_view name);
+    std::int32_t readDword(std::u16string_view name);
+    std::int32_t getNumber(std::u16string_view name);
+    std::u16string getFolder(std::u16string_view name, const std::u16string &otherwise);
+    std::u16string getHost(std::u16string_view name);
     void openKey(std::u16string_view key);
     void closeKey();
-    void writeText(std::u16string_view name, std::u16string_view text,
-                   StringBytes bytes = StringBytes::Exact);
+    void writeText(std::u16string_view name, std::u16string_view text, std::uint32_t byteCount);
+    void writeText(std::u16string_view name, std::u16string_view text);
     void writeDword(std::u16string_view name, std::uint32_t value);
-    void loadLrcFont(std::u16string_view set);
-    void dressPreviewsAfresh(std::u16string_view set);
+    void fixFolders();
     void writeIdentity();
+    void writePlaySet();
+    void readLrcFont(std::u16string_view set);
+    void dressPreviews();
     std::u16string programToRestart();
+    bool restartProgram(std::u16string_view program);
 
     Velmora &app_;
     platform::RegistryHandle hKey_Settings_ = 0;         // shared by all writers

@@ -1,0 +1,81 @@
+#include "playlist/saveOrOpenFile.h"
+
+#include "base/run_time_error.h"
+#include "base/text.h"
+#include "platform/files.h"
+#include "platform/system.h"
+#include "playback/Main.h"
+#include "playlist/playList_Form.h"
+#include "velmora.h"
+
+namespace velmora {
+
+namespace {
+
+constexpr std::int32_t showNormal = 1;
+
+std::u16string quoted(std::u16string_view path) {
+    return std::u16string(u"\"").append(path).append(u"\"");
+}
+
+} // namespace
+
+saveOrOpenFile::saveOrOpenFile(Velmora &app) : app_(app) {}
+
+bool saveOrOpenFile::canWriteFolder(std::u16string_view folder) {
+    if (folder.empty())
+        return false;
+    const std::u16string probe =
+        std::u16string(folder) + app_.platform().files.separator() + u"zkPlay.tmp";
+    std::unique_ptr<platform::FileSystemObject> object;
+    // A failure stays pending whatever succeeds behind it.
+    bool isFine = passOver([&] { object = app_.platform().files.CreateFileSystemObject(); });
+    if (!object)
+        return false;
+    isFine &= passOver([&] { object->CreateTextFile(probe, app_.Main().title.caption()); });
+    isFine &= passOver([&] { object->DeleteFile(probe); });
+    return isFine;
+}
+
+bool saveOrOpenFile::deleteFileChecked(std::u16string_view path) {
+    try {
+        app_.platform().files.CreateFileSystemObject()->DeleteFile(path);
+        return true;
+    } catch (const RunTimeError &error) {
+        lastDeleteError = error.description();
+        return false;
+    }
+}
+
+bool saveOrOpenFile::fileExists(std::u16string_view path) {
+    return !app_.platform().files.Dir(path).empty();
+}
+
+bool saveOrOpenFile::isValidFileName(std::u16string_view name) noexcept {
+    constexpr std::size_t longest = 222;
+    constexpr std::u16string_view forbidden = u"\\/:*?\"<>|";
+    return name.size() <= longest && !trim(name).empty() &&
+           name.find_first_of(forbidden) == std::u16string_view::npos;
+}
+
+bool saveOrOpenFile::shellOpen(std::u16string_view target) {
+    app_.platform().shell.ShellExecuteA(app_.playList_Form().hWnd(), u"open", target, showNormal);
+    return true;
+}
+
+void saveOrOpenFile::mailTo(std::u16string_view address) {
+    app_.platform().shell.ShellExecuteA(0, u"", std::u16string(u"mailto:").append(address),
+                                        showNormal);
+}
+
+bool saveOrOpenFile::shellDel(std::u16string_view path) {
+    app_.platform().shell.Shell_(u"cmd /c del " + quoted(path));
+    return true;
+}
+
+bool saveOrOpenFile::shellMd(std::u16string_view path) {
+    app_.platform().shell.Shell_(u"cmd /c md " + quoted(path));
+    return true;
+}
+
+} // namespace velmora

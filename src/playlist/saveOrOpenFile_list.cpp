@@ -1,0 +1,157 @@
+// The play list file.
+
+#include "base/run_time_error.h"
+#include "base/text.h"
+#include "platform/ansi.h"
+#include "platform/files.h"
+#include "platform/windows.h"
+#include "playback/player.h"
+#include "playlist/playList_Form.h"
+#include "playlist/saveOrOpenFile.h"
+#include "settings/Language.h"
+#include "settings/setControl.h"
+#include "velmora.h"
+
+namespace velmora {
+
+namespace {
+
+// Rows are encoded in portions of about this many units: few calls, and never two copies of a long
+// list at once.
+constexpr std::size_t portionUnits = 16 * 1024;
+
+// A line as it was read. Blanks and quotes are single bytes in every code page, so the line is
+// taken apart ahead of decoding: what decides how a path is decoded is the path.
+std::string_view withoutQuotes(std::string_view line) {
+    if (!line.empty() && line.front() == '"')
+        line.remove_prefix(1);
+    if (!line.empty() && line.back() == '"')
+        line.remove_suffix(1);
+    return line;
+}
+
+std::string_view trimmed(std::string_view line) {
+    const std::size_t first = line.find_first_not_of(' ');
+    if (first == std::string_view::npos)
+        return {};
+    return line.substr(first, line.find_last_not_of(' ') - first + 1);
+}
+
+} // namespace
+
+std::u16string saveOrOpenFile::playListPath() const {
+    const std::u16string &folder = app_.setControl().Path_List;
+    // Without a folder there is no file; the root of the system is not meant.
+    if (folder.empty())
+        return {};
+    return folder + app_.platform().files.separator() + u"zkPlayList.m3u";
+}
+
+// --- saving --------------------------------------------------------------------------------------
+
+bool saveOrOpenFile::savePlayList(SaveKind kind) {
+    const std::u16string path = playListPath();
+    if (!path.empty() && keepOldFile(path))
+        passOver([&] {
+            app_.platform().files.writeWhole(path, wholeList(), kind == SaveKind::Settled);
+        });
+    return true;
+}
+
+std::string saveOrOpenFile::wholeList() const {
+    const forms::ListBox &list = app_.playList_Form().List1;
+    const platform::AnsiText &ansi = app_.platform().ansi;
+    std::string bytes;
+    std::u16string portion;
+    portion.reserve(portionUnits + 1024);
+    const std::int32_t rows = list.listCount();
+    for (std::int32_t row = 0; row < rows; ++row) {
+        portion += list.row(row);
+        portion += crLf;
+        if (portion.size() >= portionUnits || row + 1 == rows) {
+            bytes += ansi.encode(portion);
+            portion.clear();
+        }
+    }
+    return bytes;
+}
+
+// What a load could not take exists in the old file alone: it is put aside before the list as it
+// stands goes over it.
+bool saveOrOpenFile::keepOldFile(std::u16string_view path) {
+    if (partlyLoaded_.empty() || partlyLoaded_ != path)
+        return true;
+    if (fileExists(path) &&
+        !passOver([&] { app_.platform().files.keepAs(path, std::u16string(path) + u".old"); }))
+        return false;
+    partlyLoaded_.clear();
+    return true;
+}
+
+// --- loading -------------------------------------------------------------------------------------
+
+bool saveOrOpenFile::loadPlayList() {
+    platform::WindowSystem &windows = app_.platform().windows;
+    passOver([&] { windows.DoEvents(); });
+    const std::u16string path = playListPath();
+    if (!fileExists(path))
+        return false;
+
+    velmora::playList_Form &form = app_.playList_Form();
+    form.playList_Item.clear();
+    form.List1.clear();
+    passOver([&] { form.controlEnabled(false); });
+    form.waitAdd.setVisible(true);
+    partlyLoaded_ = readLines(path) ? std::u16string() : path;
+    form.waitAdd.setVisible(false);
+    passOver([&] { form.controlEnabled(true); });
+    return true;
+}
+
+// Whether every line was taken.
+bool saveOrOpenFile::readLines(const std::u16string &path) {
+    platform::WindowSystem &windows = app_.platform().windows;
+    try {
+        const auto reader = app_.platform().files.openInput(path);
+        while (!reader->endOfFile()) {
+            passOver([&] { windows.DoEvents(); });
+            const std::string line = reader->readLine();
+            if (!trimmed(line).empty() && !takeLine(withoutQuotes(line)))
+                return false;
+        }
+        return true;
+    } catch (const RunTimeError &) {
+        return false;
+    }
+}
+
+// False when the list is full.
+bool saveOrOpenFile::takeLine(std::string_view line) {
+    velmora::playList_Form &form = app_.playList_Form();
+    const std::string_view bytes = trimmed(line);
+    const std::u16string path = app_.platform().ansi.decodePath(bytes);
+    showLoading(line, bytes, path);
+    if (form.List1.find(path) >= 0)
+        return true;
+    return passOver([&] { form.playList_Item.addItem(app_.player().getFileStem(path)); }) &&
+           passOver([&] { form.List1.addItem(path); });
+}
+
+// Shows the line with the blanks that its path has lost.
+void saveOrOpenFile::showLoading(std::string_view line, std::string_view pathBytes,
+                                 const std::u16string &path) {
+    velmora::playList_Form &form = app_.playList_Form();
+    if (pathBytes.size() == line.size()) {
+        form.waitAdd_Show.setCaption(path);
+    } else {
+        const auto before =
+            pathBytes.empty() ? 0 : static_cast<std::size_t>(pathBytes.data() - line.data());
+        const std::size_t behind = line.size() - pathBytes.size() - before;
+        form.waitAdd_Show.setCaption(std::u16string(before, u' ') + path +
+                                     std::u16string(behind, u' '));
+    }
+    form.waitAdd_Title.setCaption(app_.Language().msg_Loading_Tracks);
+    form.waitAdd.refresh();
+}
+
+} // namespace velmora
