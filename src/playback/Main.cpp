@@ -61,6 +61,7 @@ void Main::setClickHandlers() {
         {stopButton, &Main::stopButton_Click},
         {nextButton, &Main::nextButton_Click},
         {upButton, &Main::upButton_Click},
+        {openFile_Button, &Main::openFile_Button_Click},
         {Volume_ICO, &Main::Volume_ICO_Click},
         {closeButton, &Main::closeButton_Click},
         {minimizeButton, &Main::minimizeButton_Click},

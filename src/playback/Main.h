@@ -41,6 +41,8 @@ public:
     void stopButton_Click();
     void nextButton_Click();
     void upButton_Click();
+    // One file by the dialog; what follows is take_Chosen_File.
+    void openFile_Button_Click();
     // What follows once a file was picked: selects it when the list has it, else appends and plays
     // it. An empty path changes nothing. Gives both windows back in the end.
     void take_Chosen_File(std::u16string path);

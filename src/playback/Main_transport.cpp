@@ -15,6 +15,7 @@
 #include "playlist/saveOrOpenFile.h"
 #include "settings/Language.h"
 #include "settings/setControl.h"
+#include "ui/myCommondialog.h"
 #include "velmora.h"
 
 #include <algorithm>
@@ -56,6 +57,14 @@ void Main::nextButton_Click() {
 void Main::upButton_Click() {
     app_.player().next_Sub(app_.setControl().PlayMode == playRandom ? directionRandom
                                                                     : directionPrevious);
+}
+
+void Main::openFile_Button_Click() {
+    app_.playList_Form().setEnabled(false);
+    setEnabled(false);
+    take_Chosen_File(app_.myCommondialog().file_Dialog(hWnd(), dialogOpen,
+                                                       app_.Language().msg_AddMedia_Title, u"",
+                                                       app_.Language().msg_Media_Filter, u"", u""));
 }
 
 void Main::take_Chosen_File(std::u16string path) {

@@ -37,6 +37,7 @@ void playList_Form::afresh_Load_Click() { app_.saveOrOpenFile().loadPlayList(); 
 
 void playList_Form::close_Click() {
     hide();
+    app_.Main().playList_Shown = 0;
     app_.formSet().dock_PlayList(false);
 }
 

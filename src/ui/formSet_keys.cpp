@@ -16,9 +16,11 @@ namespace velmora {
 namespace {
 
 enum class From : std::uint8_t { Main, List, Both };
-enum class With : std::uint8_t { Anything, Ctrl };
+enum class With : std::uint8_t { Anything, Ctrl, ShiftAlone };
 
+constexpr std::int16_t keyEnter = 13;
 constexpr std::int16_t keyEscape = 27;
+constexpr std::int16_t keyDelete = 46;
 constexpr std::int16_t keyA = 65;
 constexpr std::int16_t keyS = 83;
 constexpr std::int16_t keyF2 = 113;
@@ -26,7 +28,10 @@ constexpr std::int16_t keyF3 = 114;
 constexpr std::int16_t keyF4 = 115;
 constexpr std::int16_t keyF5 = 116;
 constexpr std::int16_t keyF6 = 117;
+constexpr std::int16_t keyF7 = 118;
 constexpr std::int16_t keyF8 = 119;
+constexpr std::int16_t keyF9 = 120;
+constexpr std::int16_t keyF10 = 121;
 constexpr std::int16_t keyF11 = 122;
 constexpr std::int16_t keyF12 = 123;
 
@@ -76,9 +81,22 @@ struct formSet::Key {
 // Every row is tested, in this order; a key may match more than one.
 void formSet::form_KeyDown(std::int16_t keyCode, std::int16_t shift, std::u16string_view formName) {
     static constexpr Key keys[] = {
+        {From::Main, keyF7, With::Anything,
+         [](Velmora &app, std::u16string_view) { app.Main().openFile_Button_Click(); }},
         {From::Main, keyF2, With::Anything,
          [](Velmora &app, std::u16string_view) { app.Main().playButton_Click(); }},
+        // With Shift both of these match: the disk first, and the second asks its question again.
+        {From::List, keyDelete, With::ShiftAlone,
+         [](Velmora &app, std::u16string_view) { app.playList_Form().delOne(1, false); }},
+        {From::List, keyDelete, With::Anything,
+         [](Velmora &app, std::u16string_view) { app.playList_Form().delOne(0, false); }},
         {From::List, keyA, With::Ctrl, selectAll},
+        {From::List, keyF7, With::Anything,
+         [](Velmora &app, std::u16string_view) { app.playList_Form().addFile_Click(); }},
+        {From::List, keyEnter, With::Anything,
+         [](Velmora &app, std::u16string_view) { app.playList_Form().playThis(); }},
+        {From::List, keyF2, With::Anything,
+         [](Velmora &app, std::u16string_view) { app.playList_Form().playThis(); }},
         {From::Both, keyEscape, With::Anything,
          [](Velmora &app, std::u16string_view) { app.startLoad_Form().unload(); }},
         {From::Both, keyF12, With::Anything, showAbout},
@@ -97,6 +115,10 @@ void formSet::form_KeyDown(std::int16_t keyCode, std::int16_t shift, std::u16str
          }},
         {From::Both, keyF3, With::Anything,
          [](Velmora &app, std::u16string_view) { app.player().pause_Sub(); }},
+        {From::Both, keyF10, With::Anything,
+         [](Velmora &app, std::u16string_view) { app.playList_Form().to_Folder(); }},
+        {From::Both, keyF9, With::Anything,
+         [](Velmora &app, std::u16string_view) { app.playList_Form().open_Folder(); }},
     };
     const bool fromMain = equalsIgnoringCase(formName, u"main");
     const bool fromList = equalsIgnoringCase(formName, u"playlist_Form");
@@ -104,7 +126,9 @@ void formSet::form_KeyDown(std::int16_t keyCode, std::int16_t shift, std::u16str
         const bool here = key.from == From::Main   ? fromMain
                           : key.from == From::List ? fromList
                                                    : fromMain || fromList;
-        const bool held = key.with == With::Anything || (shift & forms::ctrlMask) != 0;
+        const bool held =
+            key.with == With::Anything ||
+            (key.with == With::Ctrl ? (shift & forms::ctrlMask) != 0 : shift == forms::shiftMask);
         if (here && key.code == keyCode && held) {
             key.work(app_, formName);
         }

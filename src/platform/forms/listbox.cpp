@@ -1,160 +1,25 @@
+// Selection, current row, scrolling and the user's input of a list box.
+
 #include "platform/forms/listbox.h"
 
 #include "platform/forms/dispatch.h"
 
 #include <algorithm>
-#include <limits>
-#include <unordered_map>
 
 namespace velmora::forms {
 
 namespace {
 
-constexpr std::size_t mostRows = std::numeric_limits<std::int16_t>::max();
-
 std::int16_t narrow(std::int64_t row) noexcept { return static_cast<std::int16_t>(row); }
 
 } // namespace
-
-// How often each text occurs. The views point into the rows' own texts.
-class ListBox::Index {
-public:
-    explicit Index(const std::vector<Row> &rows) {
-        counts_.reserve(rows.size());
-        for (const Row &row : rows) {
-            add(*row.text);
-        }
-    }
-
-    void add(const std::u16string &text) {
-        std::vector<const std::u16string *> &places = counts_[text];
-        places.push_back(&text);
-    }
-
-    // Called while the text is still there.
-    void remove(const std::u16string &text) {
-        const auto found = counts_.find(text);
-        std::vector<const std::u16string *> places = std::move(found->second);
-        // The key may be a view of the very text that goes.
-        counts_.erase(found);
-        std::erase(places, &text);
-        if (!places.empty()) {
-            const std::u16string_view key = *places.front();
-            counts_.emplace(key, std::move(places));
-        }
-    }
-
-    bool contains(std::u16string_view text) const { return counts_.contains(text); }
-
-private:
-    std::unordered_map<std::u16string_view, std::vector<const std::u16string *>> counts_;
-};
-
-ListBox::ListBox(Container &container, const char *name) : Control(container, name) {}
-
-ListBox::~ListBox() = default;
-
-const std::u16string &ListBox::list(std::int32_t row) const noexcept {
-    static const std::u16string empty;
-    return has(row) ? *rows_[static_cast<std::size_t>(row)].text : empty;
-}
-
-void ListBox::setList(std::int32_t row, std::u16string_view text) {
-    if (!has(row)) {
-        raise(ErrorNumber::InvalidCall);
-    }
-    std::unique_ptr<std::u16string> &held = rows_[static_cast<std::size_t>(row)].text;
-    if (*held == text) {
-        return;
-    }
-    auto fresh = std::make_unique<std::u16string>(text);
-    if (index_) {
-        index_->add(*fresh);
-        index_->remove(*held);
-    }
-    held = std::move(fresh);
-    changed(Change::Rows);
-}
-
-void ListBox::addItem(std::u16string_view text) { addItem(text, listCount()); }
-
-void ListBox::addItem(std::u16string_view text, std::int32_t row) {
-    if (row < 0 || row > listCount()) {
-        raise(ErrorNumber::InvalidCall);
-    }
-    if (rows_.size() >= mostRows) {
-        raise(ErrorNumber::Overflow);
-    }
-    const auto place = rows_.begin() + row;
-    const Row &added = *rows_.insert(place, Row{std::make_unique<std::u16string>(text), false});
-    if (index_) {
-        index_->add(*added.text);
-    }
-    if (listIndex_ >= row) {
-        ++listIndex_;
-    }
-    if (anchor_ >= row) {
-        ++anchor_;
-    }
-    changed(Change::Rows);
-}
-
-void ListBox::removeItem(std::int32_t row) {
-    if (!has(row)) {
-        raise(ErrorNumber::InvalidCall);
-    }
-    mark(row, false);
-    if (index_) {
-        index_->remove(*rows_[static_cast<std::size_t>(row)].text);
-    }
-    rows_.erase(rows_.begin() + row);
-    if (listIndex_ > row) {
-        --listIndex_;
-    } else if (listIndex_ >= listCount()) {
-        listIndex_ = -1;
-    }
-    if (anchor_ > row || anchor_ >= listCount()) {
-        --anchor_;
-    }
-    clampTop();
-    changed(Change::Rows);
-}
-
-void ListBox::clear() {
-    listIndex_ = -1;
-    anchor_ = -1;
-    selCount_ = 0;
-    topIndex_ = 0;
-    if (rows_.empty()) {
-        return;
-    }
-    index_.reset();
-    rows_.clear();
-    changed(Change::Rows);
-}
-
-bool ListBox::contains(std::u16string_view text) const {
-    if (!index_) {
-        index_ = std::make_unique<Index>(rows_);
-    }
-    return index_->contains(text);
-}
-
-std::int16_t ListBox::find(std::u16string_view text) const {
-    if (!contains(text)) {
-        return -1;
-    }
-    const auto found = std::find_if(rows_.begin(), rows_.end(),
-                                    [text](const Row &row) { return *row.text == text; });
-    return narrow(found - rows_.begin());
-}
 
 bool ListBox::selected(std::int32_t row) const noexcept {
     return has(row) && rows_[static_cast<std::size_t>(row)].selected;
 }
 
 void ListBox::mark(std::int32_t row, bool selected) noexcept {
-    bool &flag = rows_[static_cast<std::size_t>(row)].selected;
+    bool &flag = at(row).selected;
     if (flag != selected) {
         flag = selected;
         selCount_ = narrow(selCount_ + (selected ? 1 : -1));
@@ -171,7 +36,7 @@ void ListBox::setSelected(std::int32_t row, bool selected) {
     if (!has(row)) {
         raise(ErrorNumber::InvalidCall);
     }
-    const bool isNew = rows_[static_cast<std::size_t>(row)].selected != selected;
+    const bool isNew = at(row).selected != selected;
     const bool moves = selected && listIndex_ != row;
     if (!isNew && !moves) {
         return;
@@ -183,6 +48,7 @@ void ListBox::setSelected(std::int32_t row, bool selected) {
     }
     if (selected) {
         listIndex_ = narrow(row);
+        anchor_ = listIndex_;
     }
     changed(Change::Selection);
     if (selected && !multiSelect_) {
@@ -207,6 +73,7 @@ void ListBox::setListIndex(std::int32_t row) {
         return;
     }
     listIndex_ = narrow(row);
+    anchor_ = listIndex_;
     if (!multiSelect_) {
         markOnly(row, row);
     }
@@ -242,7 +109,7 @@ void ListBox::ensureVisible(std::int32_t row) {
 }
 
 void ListBox::setDesignRows(std::int16_t rows) {
-    if (rows < 1 || rows == designRows_) {
+    if (rows < 1 || (rows == designRows_ && designHeight_ == height())) {
         return;
     }
     designRows_ = rows;
@@ -284,41 +151,70 @@ void ListBox::raiseClick() {
     }
 }
 
-void ListBox::choose(std::int32_t row, std::int16_t shift, bool extend) {
-    const bool ctrl = (shift & ctrlMask) != 0;
-    if (!multiSelect_) {
-        markOnly(row, row);
-    } else if (extend) {
-        const std::int32_t from = anchor_ < 0 ? row : anchor_;
-        if (!ctrl) {
-            markOnly(std::min(from, row), std::max(from, row));
-        } else {
-            for (std::int32_t i = std::min(from, row); i <= std::max(from, row); ++i) {
-                mark(i, true);
-            }
-        }
-    } else if (ctrl) {
-        mark(row, !selected(row));
-    } else {
-        markOnly(row, row);
+void ListBox::extendTo(std::int32_t row, bool keepOthers) {
+    if (anchor_ < 0) {
+        anchor_ = narrow(listIndex_ >= 0 ? listIndex_ : row);
     }
-    if (!extend || anchor_ < 0) {
-        anchor_ = narrow(row);
+    const std::int32_t first = std::min<std::int32_t>(anchor_, row);
+    const std::int32_t last = std::max<std::int32_t>(anchor_, row);
+    if (!keepOthers) {
+        markOnly(first, last);
+        return;
     }
+    for (std::int32_t i = first; i <= last; ++i) {
+        mark(i, true);
+    }
+}
+
+// A drag that began with Ctrl gives each row it covers the state of the pressed one, and each row it
+// has left the state from before.
+void ListBox::dragTo(std::int32_t row) {
+    if (beforeDrag_.empty()) {
+        extendTo(row, false);
+        return;
+    }
+    const bool state = selected(anchor_);
+    const std::int32_t first = std::min<std::int32_t>(anchor_, row);
+    const std::int32_t last = std::max<std::int32_t>(anchor_, row);
+    for (std::int32_t i = 0; i < listCount(); ++i) {
+        mark(i, i >= first && i <= last ? state : beforeDrag_[static_cast<std::size_t>(i)]);
+    }
+}
+
+// The end of every choice by the user.
+void ListBox::chosen(std::int32_t row) {
     listIndex_ = narrow(row);
     changed(Change::Selection);
+    ensureVisible(row);
+    raiseClick();
 }
 
 void ListBox::userClicked(std::int32_t row, std::int16_t shift, bool dragging) {
-    if (!isLive() || !has(row)) {
+    if (!isLive() || !has(row) || (dragging && row == listIndex_)) {
         return;
     }
-    if (dragging && row == listIndex_) {
-        return;
+    const bool ctrl = (shift & ctrlMask) != 0;
+    if (!multiSelect_) {
+        markOnly(row, row);
+    } else if (dragging) {
+        dragTo(row);
+    } else if ((shift & shiftMask) != 0) {
+        beforeDrag_.clear();
+        extendTo(row, ctrl);
+    } else {
+        beforeDrag_.clear();
+        anchor_ = narrow(row);
+        if (ctrl) {
+            mark(row, !selected(row));
+            beforeDrag_.reserve(rows_.size());
+            for (const Row &one : rows_) {
+                beforeDrag_.push_back(one.selected);
+            }
+        } else {
+            markOnly(row, row);
+        }
     }
-    choose(row, shift, dragging || (shift & shiftMask) != 0);
-    ensureVisible(row);
-    raiseClick();
+    chosen(row);
 }
 
 void ListBox::userMoved(std::int32_t row, std::int16_t shift) {
@@ -326,9 +222,19 @@ void ListBox::userMoved(std::int32_t row, std::int16_t shift) {
         return;
     }
     row = std::clamp<std::int32_t>(row, 0, listCount() - 1);
-    choose(row, static_cast<std::int16_t>(shift & shiftMask), (shift & shiftMask) != 0);
-    ensureVisible(row);
-    raiseClick();
+    beforeDrag_.clear();
+    if (multiSelect_ && (shift & shiftMask) != 0) {
+        extendTo(row, (shift & ctrlMask) != 0);
+    } else if (multiSelect_ && (shift & ctrlMask) != 0) {
+        listIndex_ = narrow(row);
+        changed(Change::Selection);
+        ensureVisible(row);
+        return;
+    } else {
+        markOnly(row, row);
+        anchor_ = narrow(row);
+    }
+    chosen(row);
 }
 
 void ListBox::userDoubleClicked(std::int32_t row) {

@@ -14,7 +14,7 @@ namespace velmora::forms {
 // selection true makes it the current row (and raises Click when it changes the selection of a
 // single-selection list by code); false does not. The current row is -1 until one is chosen. It
 // follows its row on insertion and removal above; if its row goes, the row now at that index is
-// current, unselected (-1 when none is left there).
+// current, and is not selected by that (-1 when none is left there).
 //
 // The index behind `find` lives here; nothing outside holds a second copy of the rows.
 class ListBox : public Control {
@@ -33,11 +33,10 @@ public:
     void removeItem(std::int32_t row);
     void clear();
 
-    // Whether some row's text equals `text` exactly. Constant time on average; the index is built
-    // when first asked and kept from then on.
-    bool contains(std::u16string_view text) const;
-    // The lowest row whose text equals `text` exactly, or -1. Constant time when there is none.
+    // The lowest row whose text equals `text` exactly, or -1. The time hardly grows with the list;
+    // the index is built when first asked and kept from then on.
     std::int16_t find(std::u16string_view text) const;
+    bool contains(std::u16string_view text) const { return find(text) >= 0; }
 
     bool multiSelect() const noexcept { return multiSelect_; }
     void setMultiSelect(bool multi) noexcept { multiSelect_ = multi; }
@@ -67,10 +66,16 @@ public:
     Colour backColor() const noexcept { return backColor_; }
     void setBackColor(Colour colour);
 
-    // The view's roads for the user's input. `userClicked` applies the rules of simple or extended
-    // selection (click, Ctrl, Shift, drag) and raises Click. Both ignore rows that are not there.
+    // The view's roads for the user's input; a disabled list ignores them, and so do they rows that
+    // are not there. `userClicked` is a press of the left button, or (`dragging`) its move to another
+    // row while held. A simple list selects that row alone. An extended one: alone selects it alone,
+    // Ctrl turns it, Shift selects from the anchor to it, Ctrl and Shift add that stretch; a drag
+    // goes from the anchor to the row, with Ctrl in the state that the press gave, and leaves alone
+    // what it no longer covers. The anchor is the last row chosen without Shift. Raises Click.
     void userClicked(std::int32_t row, std::int16_t shift, bool dragging);
-    void userMoved(std::int32_t row, std::int16_t shift); // arrow, page, home and end keys
+    // Arrow, page, home and end keys; a row beyond the ends counts as the end. Shift selects from the
+    // anchor; Ctrl moves the current row of an extended list alone, and raises nothing.
+    void userMoved(std::int32_t row, std::int16_t shift);
     // DblClick is raised on a row, or on a list without rows.
     void userDoubleClicked(std::int32_t row);
     void userScrolled(std::int32_t topRow);
@@ -78,21 +83,31 @@ public:
 private:
     class Index;
 
-    // The text lies on the heap, so that the index can point at it whatever happens to the rows.
+    // The label orders the rows: it grows from row to row, and stays when rows before it come and
+    // go. That lets the index remember a row without being told of every shift.
     struct Row {
-        std::unique_ptr<std::u16string> text;
+        std::unique_ptr<std::u16string> text; // a text handed out stays where it is
+        std::int64_t label = 0;
         bool selected = false;
     };
 
     bool has(std::int32_t row) const noexcept { return row >= 0 && row < listCount(); }
+    Row &at(std::int32_t row) noexcept { return rows_[static_cast<std::size_t>(row)]; }
+    std::int64_t labelFor(std::int32_t row);
+    void relabel() noexcept;
+    std::int32_t rowOf(std::int64_t label) const noexcept;
     void mark(std::int32_t row, bool selected) noexcept;
     void markOnly(std::int32_t first, std::int32_t last) noexcept;
-    void choose(std::int32_t row, std::int16_t shift, bool extend);
+    void extendTo(std::int32_t row, bool keepOthers);
+    void dragTo(std::int32_t row);
+    void chosen(std::int32_t row);
     void clampTop() noexcept;
     void raiseClick();
 
     std::vector<Row> rows_;
     mutable std::unique_ptr<Index> index_;
+    std::int64_t lastLabel_ = 0;     // of the row added last
+    std::vector<bool> beforeDrag_;   // the selection at a press with Ctrl; else empty
     Font font_;
     Colour foreColor_ = 0;
     Colour backColor_ = 0x00FFFFFF;
