@@ -1,0 +1,212 @@
+// The tick of the lyric: the line by the text of the clock, and the desktop line.
+
+#include "tests/unit/program_fixture.h"
+
+#include "lyrics/lrcForm.h"
+
+namespace velmora {
+namespace {
+
+class Lyric : public ProgramFixture {
+protected:
+    Lyric() { app.lrcForm().move({0, 0, 19200, 600}); }
+    lrcForm &form() { return app.lrcForm(); }
+    void lines(std::initializer_list<const char16_t *> texts) {
+        form().List1.clear();
+        for (const char16_t *text : texts) {
+            form().List1.addItem(text);
+        }
+    }
+    // One tick at this position.
+    std::u16string at(std::u16string_view ms) {
+        media.answerAlways(u"status NOWMUSIC position", {0, std::u16string(ms)});
+        form().Timer1.onTimer();
+        return form().nowLrcLine;
+    }
+};
+
+TEST_F(Lyric, OfTheSameSecondIsTheHigherLine) {
+    lines({u"[00:05.10]A", u"[00:05.90]B"});
+    EXPECT_EQ(at(u"5000"), u"A");
+    EXPECT_EQ(at(u"5400"), u"A");
+    EXPECT_EQ(at(u"5900"), u"A");
+}
+
+TEST_F(Lyric, WithSeveralLabelsIsShownAtEach) {
+    lines({u"[00:05.10][00:20.00]A", u"[00:10.00]B"});
+    EXPECT_EQ(at(u"5000"), u"A");
+    EXPECT_EQ(at(u"10000"), u"B");
+    EXPECT_EQ(at(u"20000"), u"A");
+}
+
+TEST_F(Lyric, IsFoundByATimeInItsWords) {
+    lines({u"[00:30.00]see you at 00:45"});
+    EXPECT_EQ(at(u"30000"), u"see you at 00:45");
+    form().nowLrcLine = u"between";
+    EXPECT_EQ(at(u"45000"), u"see you at 00:45");
+}
+
+TEST_F(Lyric, StaysBetweenTwoLabels) {
+    lines({u"[00:05.00]A", u"[00:10.00]B"});
+    at(u"5000");
+    EXPECT_EQ(at(u"9000"), u"A");
+    EXPECT_EQ(form().lineIndex, -1);
+}
+
+TEST_F(Lyric, AfterASeekBetweenLabelsKeepsTheWaitingText) {
+    lines({u"[01:05.00]A", u"[01:20.00]B"});
+    form().nowLrcLine = u"Music...";
+    EXPECT_EQ(at(u"70000"), u"Music...");
+    EXPECT_EQ(at(u"80000"), u"B");
+}
+
+TEST_F(Lyric, ComesUpToHalfASecondEarly) {
+    lines({u"[00:06.00]A"});
+    EXPECT_EQ(at(u"5500"), u"A"); // 5.5 goes to the even 6
+}
+
+TEST_F(Lyric, OfALabelWithoutWordsBlanksTheDisplay) {
+    lines({u"[00:01.00]A", u"[00:02.00]"});
+    at(u"1000");
+    EXPECT_EQ(at(u"2000"), u"");
+}
+
+TEST_F(Lyric, OfALineWithoutABracketIsTheWholeLine) {
+    lines({u"at 00:03 plain"});
+    EXPECT_EQ(at(u"3000"), u"at 00:03 plain");
+}
+
+TEST_F(Lyric, RestsFromTheTenthMinuteOn) {
+    lines({u"[09:59.00]A", u"[10:00.00]B"});
+    EXPECT_EQ(at(u"599000"), u"A");
+    EXPECT_EQ(at(u"600000"), u"A");
+    EXPECT_EQ(at(u"601000"), u"A");
+}
+
+TEST_F(Lyric, OfADeviceThatAnswersNothingIsLookedForAt0) {
+    lines({u"[00:00.00]intro"});
+    EXPECT_EQ(at(u""), u"intro");
+}
+
+TEST_F(Lyric, AsksTheDeviceOnceATick) {
+    lines({u"[00:01.00]A"});
+    media.clearCommands();
+    form().Timer1.onTimer();
+    EXPECT_EQ(media.texts(), Texts{u"status NOWMUSIC position"});
+}
+
+TEST_F(Lyric, IsSearchedFromTheTopAsPlainText) {
+    lines({u"[ar:x]", u"[00:01.00]A", u"[00:01.00]B"});
+    EXPECT_EQ(form().ListIndex(u"00:01"), 1);
+    EXPECT_EQ(form().ListIndex(u"00:09"), -1);
+    EXPECT_EQ(form().ListIndex(u"AR:"), -1) << "upper and lower case differ";
+}
+
+// --- the desktop line -----------------------------------------------------------------------------------
+
+class DesktopLine : public Lyric {
+protected:
+    void showLine(std::u16string line) {
+        form().nowLrcLine = std::move(line);
+        form().Timer1.onTimer();
+    }
+    static std::u16string wideLine(std::size_t units = 400) {
+        return std::u16string(units, u'w');
+    }
+};
+
+TEST_F(DesktopLine, ThatFitsIsCentredOverTheFormsWidth) {
+    showLine(u"short");
+    EXPECT_EQ(form().lrc_Text.caption(), u"short");
+    EXPECT_EQ(form().lrc_Text.alignment(), forms::Alignment::Centre);
+    EXPECT_EQ(form().lrc_Text.left(), 0);
+    EXPECT_EQ(form().lrc_Text.top(), 0);
+    EXPECT_EQ(form().lrc_Text.width(), form().width());
+}
+
+TEST_F(DesktopLine, ThatIsTooWideRollsInStepsOf150) {
+    showLine(wideLine());
+    EXPECT_EQ(form().lrc_Text.alignment(), forms::Alignment::Left);
+    EXPECT_EQ(form().lrc_Text.left(), -150);
+    showLine(wideLine());
+    EXPECT_EQ(form().lrc_Text.left(), -300);
+    EXPECT_EQ(form().lrcShownLine, wideLine());
+}
+
+TEST_F(DesktopLine, ThatIsNewRestartsAtTheLeftEdgeWithTheOldDirection) {
+    showLine(wideLine());
+    form().lrc_Text.setTag(u"1");
+    showLine(wideLine(410));
+    EXPECT_EQ(form().lrc_Text.left(), 150);
+    EXPECT_EQ(form().lrc_Text.tag(), u"1");
+}
+
+TEST_F(DesktopLine, TurnsAtMarginsOf1000) {
+    showLine(wideLine());
+    auto &label = form().lrc_Text;
+    const Twips turn = -(label.width() - form().width()) - 1000;
+    label.setLeft(turn + 151);
+    showLine(wideLine());
+    EXPECT_NE(label.tag(), u"1");
+    showLine(wideLine());
+    EXPECT_EQ(label.tag(), u"1");
+    label.setLeft(851);
+    showLine(wideLine());
+    EXPECT_EQ(label.tag(), u"2");
+}
+
+TEST_F(DesktopLine, ThatStandsStillIsNotDrawnAgain) {
+    form().show();
+    showLine(u"short");
+    auto *window = fakes::FakeWindows::windowOf(form());
+    const int paints = window->paints;
+    showLine(u"short");
+    showLine(u"short");
+    EXPECT_EQ(window->paints, paints);
+}
+
+TEST_F(DesktopLine, InANewFontIsFittedAnew) {
+    const std::u16string line(100, u'w');
+    showLine(line);
+    EXPECT_EQ(form().lrc_Text.alignment(), forms::Alignment::Centre);
+    forms::Font large = form().lrc_Text.font();
+    large.setSize(72);
+    form().lrc_Text.setFont(large);
+    showLine(line);
+    EXPECT_EQ(form().lrc_Text.alignment(), forms::Alignment::Left);
+}
+
+TEST_F(DesktopLine, HasNoTextWhenLoaded) { EXPECT_EQ(form().lrc_Text.caption(), u""); }
+
+TEST_F(DesktopLine, LiesAcrossTheScreenAboveTheTaskBarWhoseHeightCountsInPixels) {
+    windows.workArea = {0, 20, 1280, 760};
+    windows.taskBar = {0, 760, 1280, 800};
+    form().lrc_Text.setHeight(555);
+    form().position();
+    EXPECT_EQ(form().place(), (RectTwips{0, 740 * 15 - 40 - 555, 1280 * 15, 555}));
+    EXPECT_EQ(form().lrc_Text.place(), (RectTwips{0, 0, 1280 * 15, 555}));
+    EXPECT_TRUE(form().visible());
+    EXPECT_TRUE(form().topmost());
+}
+
+TEST_F(DesktopLine, IsHiddenAndShownAgainWhenItIsPlaced) {
+    form().position();
+    windows.shown.clear();
+    form().position();
+    EXPECT_EQ(windows.shown, std::vector<std::string>{"lrcForm"});
+}
+
+TEST_F(DesktopLine, HasTheKeyColourAndStaysOnTopFromItsLoading) {
+    EXPECT_TRUE(form().layered());
+    EXPECT_EQ(form().windowKey(), keyColour);
+    EXPECT_TRUE(form().topmost());
+}
+
+TEST_F(DesktopLine, IsNeverUnloaded) {
+    form().show();
+    form().closeRequested();
+    EXPECT_TRUE(form().visible());
+}
+
+} // namespace
+} // namespace velmora
