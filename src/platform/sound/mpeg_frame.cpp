@@ -1,0 +1,241 @@
+#include "platform/sound/mpeg_frame.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <vector>
+
+namespace velmora::platform::sound {
+
+namespace {
+
+constexpr int bitrates[2][3][16] = {
+    {{0, 32, 64, 96, 128, 160, 192, 224, 256, 288, 320, 352, 384, 416, 448, -1},
+     {0, 32, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 384, -1},
+     {0, 32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, -1}},
+    {{0, 32, 48, 56, 64, 80, 96, 112, 128, 144, 160, 176, 192, 224, 256, -1},
+     {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160, -1},
+     {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160, -1}}};
+constexpr int rates[3] = {44100, 48000, 32000};
+
+// Enough for the longest chain that is asked for, behind the junk.
+constexpr std::size_t chainBytes = 16384;
+constexpr std::int64_t countLimit = std::int64_t{1} << 29;
+
+std::uint32_t bigEndian(std::span<const std::uint8_t> bytes) {
+    return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 |
+           std::uint32_t{bytes[2]} << 8 | bytes[3];
+}
+
+// A window on a source that moves forward with large reads.
+class Window {
+public:
+    explicit Window(const ByteSource &source) : source_(source), bytes_(262144) {}
+
+    // At least four bytes at the place, as many as are at hand; empty at the end.
+    std::span<const std::uint8_t> at(std::int64_t offset) {
+        if (offset < start_ || offset + 4 > start_ + static_cast<std::int64_t>(filled_)) {
+            start_ = offset;
+            filled_ = source_.read(offset, bytes_);
+        }
+        const auto skip = static_cast<std::size_t>(offset - start_);
+        if (filled_ < skip + 4)
+            return {};
+        return std::span<const std::uint8_t>(bytes_).subspan(skip, filled_ - skip);
+    }
+
+private:
+    const ByteSource &source_;
+    std::vector<std::uint8_t> bytes_;
+    std::int64_t start_ = 0;
+    std::size_t filled_ = 0;
+};
+
+// The distance to the next header alike: the size of a free format frame, which no field tells.
+int freeFormatSize(std::span<const std::uint8_t> bytes, const MpegFrame &first) {
+    const std::size_t limit =
+        std::min<std::size_t>(bytes.size() - std::min<std::size_t>(bytes.size(), 4), 6000);
+    for (std::size_t at = 24; at < limit; ++at) {
+        const auto next = parseMpegFrame(bytes.subspan(at));
+        if (next && next->alike(first))
+            return static_cast<int>(at) - (first.padded ? 1 : 0);
+    }
+    return 0;
+}
+
+struct Chain {
+    int headers = 0;
+    bool reachesEnd = false; // the last header's frame ends at or beyond the end of the file
+};
+
+Chain followChain(std::span<const std::uint8_t> bytes, bool bytesAreAll, int wanted) {
+    Chain chain;
+    const auto first = parseMpegFrame(bytes);
+    if (!first)
+        return chain;
+    const int freeSize = first->size == 0 ? freeFormatSize(bytes, *first) : 0;
+    if (first->size == 0 && freeSize == 0)
+        return chain;
+    std::size_t at = 0;
+    while (chain.headers < wanted) {
+        if (at + 4 > bytes.size()) {
+            chain.reachesEnd = bytesAreAll;
+            break;
+        }
+        const auto frame = parseMpegFrame(bytes.subspan(at));
+        if (!frame || !frame->alike(*first)) {
+            // A tag may follow the last frame.
+            chain.reachesEnd = bytesAreAll && bytes.size() - at >= 3 &&
+                               std::memcmp(bytes.data() + at, "TAG", 3) == 0;
+            break;
+        }
+        ++chain.headers;
+        at += static_cast<std::size_t>(frame->size != 0 ? frame->size
+                                                        : freeSize + (frame->padded ? 1 : 0));
+    }
+    return chain;
+}
+
+bool chainHolds(std::span<const std::uint8_t> bytes, bool bytesAreAll, bool atOnce) {
+    const int wanted = atOnce ? 3 : 4;
+    const Chain chain = followChain(bytes, bytesAreAll, wanted);
+    return chain.headers >= wanted || (atOnce && chain.headers >= 2 && chain.reachesEnd);
+}
+
+} // namespace
+
+std::optional<MpegFrame> parseMpegFrame(std::span<const std::uint8_t> bytes) {
+    if (bytes.size() < 4 || bytes[0] != 0xFF || (bytes[1] & 0xE0) != 0xE0)
+        return std::nullopt;
+    const int versionBits = bytes[1] >> 3 & 3;
+    const int layerBits = bytes[1] >> 1 & 3;
+    const int bitrateIndex = bytes[2] >> 4;
+    const int rateIndex = bytes[2] >> 2 & 3;
+    const int emphasis = bytes[3] & 3;
+    if (versionBits == 1 || layerBits == 0 || bitrateIndex == 15 || rateIndex == 3 || emphasis == 2)
+        return std::nullopt;
+    MpegFrame frame;
+    frame.version = versionBits == 3 ? 1 : versionBits == 2 ? 2 : 3;
+    frame.layer = 4 - layerBits;
+    // Version 2.5 exists for layer III alone; elsewhere the pattern is chance.
+    if (frame.version == 3 && frame.layer != 3)
+        return std::nullopt;
+    frame.rate = rates[rateIndex] >> (frame.version - 1);
+    frame.channels = bytes[3] >> 6 == 3 ? 1 : 2;
+    frame.padded = (bytes[2] & 2) != 0;
+    const bool low = frame.version != 1;
+    frame.samples = frame.layer == 1 ? 384 : frame.layer == 3 && low ? 576 : 1152;
+    const int bitrate = bitrates[low ? 1 : 0][frame.layer - 1][bitrateIndex] * 1000;
+    const int padding = frame.padded ? 1 : 0;
+    if (bitrate == 0)
+        frame.size = 0;
+    else if (frame.layer == 1)
+        frame.size = (12 * bitrate / frame.rate + padding) * 4;
+    else
+        frame.size = frame.samples / 8 * bitrate / frame.rate + padding;
+    return frame;
+}
+
+std::optional<std::int64_t> findMpegStream(const ByteSource &source, std::int64_t from,
+                                           std::int64_t junk) {
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(junk) + chainBytes);
+    bytes.resize(source.read(from, bytes));
+    const bool all = from + static_cast<std::int64_t>(bytes.size()) >= source.size();
+    const std::span<const std::uint8_t> window(bytes);
+    for (std::size_t at = 0; at < window.size() && static_cast<std::int64_t>(at) <= junk; ++at) {
+        if (window[at] != 0xFF)
+            continue;
+        if (chainHolds(window.subspan(at), all, at == 0))
+            return from + static_cast<std::int64_t>(at);
+    }
+    return std::nullopt;
+}
+
+std::optional<MpegSeekHeader> readMpegSeekHeader(const ByteSource &source, std::int64_t start) {
+    std::array<std::uint8_t, 64> bytes{};
+    const std::size_t got = source.read(start, bytes);
+    const auto frame = parseMpegFrame(std::span(bytes).first(got));
+    if (!frame || frame->layer != 3)
+        return std::nullopt;
+    const std::size_t side =
+        frame->version == 1 ? (frame->channels == 1 ? 17 : 32) : (frame->channels == 1 ? 9 : 17);
+    MpegSeekHeader header;
+    const std::size_t xing = 4 + side;
+    if (got >= xing + 16 && (std::memcmp(bytes.data() + xing, "Xing", 4) == 0 ||
+                             std::memcmp(bytes.data() + xing, "Info", 4) == 0)) {
+        const std::uint32_t fields = bigEndian(std::span(bytes).subspan(xing + 4));
+        std::size_t at = xing + 8;
+        if ((fields & 1) != 0) {
+            header.frames = bigEndian(std::span(bytes).subspan(at));
+            at += 4;
+        }
+        if ((fields & 2) != 0)
+            header.bytes = bigEndian(std::span(bytes).subspan(at));
+        return header;
+    }
+    constexpr std::size_t vbri = 36;
+    if (got >= vbri + 18 && std::memcmp(bytes.data() + vbri, "VBRI", 4) == 0) {
+        header.bytes = bigEndian(std::span(bytes).subspan(vbri + 10));
+        header.frames = bigEndian(std::span(bytes).subspan(vbri + 14));
+        return header;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::int64_t> countMpegFrames(const ByteSource &source, std::int64_t start) {
+    const std::int64_t end = endBeforeTags(source);
+    Window window(source);
+    const auto first = parseMpegFrame(window.at(start));
+    if (!first || first->size == 0)
+        return std::nullopt;
+    std::int64_t frames = 0;
+    std::int64_t at = start;
+    while (at < end) {
+        if (at - start > countLimit)
+            return frames + (end - at) * frames / (at - start);
+        const auto bytes = window.at(at);
+        if (bytes.empty())
+            break;
+        const auto frame = parseMpegFrame(bytes);
+        if (frame && frame->alike(*first)) {
+            // The last frame counts only whole: a decoder drops what is cut.
+            if (at + frame->size > end)
+                break;
+            ++frames;
+            at += frame->size;
+            continue;
+        }
+        const auto again = std::find(bytes.begin() + 1, bytes.end(), std::uint8_t{0xFF});
+        at += again - bytes.begin();
+    }
+    return frames;
+}
+
+std::int64_t id3v2Size(const ByteSource &source, std::int64_t offset) {
+    std::array<std::uint8_t, 10> head{};
+    if (source.read(offset, head) < head.size() || std::memcmp(head.data(), "ID3", 3) != 0 ||
+        head[3] == 0xFF || head[4] == 0xFF ||
+        std::any_of(head.begin() + 6, head.end(), [](std::uint8_t b) { return b >= 0x80; }))
+        return 0;
+    const std::int64_t body = std::int64_t{head[6]} << 21 | head[7] << 14 | head[8] << 7 | head[9];
+    return 10 + body + ((head[5] & 0x10) != 0 ? 10 : 0);
+}
+
+std::int64_t endBeforeTags(const ByteSource &source) {
+    std::int64_t end = source.size();
+    std::array<std::uint8_t, 32> tag{};
+    if (end >= 128 && source.read(end - 128, std::span(tag).first(3)) == 3 &&
+        std::memcmp(tag.data(), "TAG", 3) == 0)
+        end -= 128;
+    if (end >= 32 && source.read(end - 32, tag) == 32 &&
+        std::memcmp(tag.data(), "APETAGEX", 8) == 0) {
+        const std::int64_t size =
+            tag[12] | tag[13] << 8 | tag[14] << 16 | std::int64_t{tag[15]} << 24;
+        const std::int64_t whole = size + ((tag[23] & 0x80) != 0 ? 32 : 0);
+        if (whole >= 32 && whole <= end)
+            end -= whole;
+    }
+    return end;
+}
+
+} // namespace velmora::platform::sound

@@ -1,0 +1,45 @@
+#pragma once
+
+// One question to the sound server: which devices are there. Asked over the server's own protocol
+// where it listens on this machine, so that nothing has to be loaded for it; through libpulse where
+// it is elsewhere.
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velmora::platform::sound {
+
+struct SinkDescription {
+    std::string name;        // the server's key
+    std::string description; // UTF-8, for people
+    int channels = 0;
+    std::uint16_t vendorId = 0;
+    std::uint16_t productId = 0;
+};
+
+struct ServerDescription {
+    std::string version; // "16.1"
+    std::string defaultSink;
+    std::vector<SinkDescription> sinks;
+};
+
+// No value: no server answered within the limit. `server` is an address as PULSE_SERVER has it;
+// empty: the user's own.
+std::optional<ServerDescription> queryServer(const std::string &server,
+                                             const std::string &pulseLibrary,
+                                             std::chrono::milliseconds limit);
+
+// The two ways.
+std::optional<ServerDescription> queryBySocket(const std::string &path,
+                                               std::chrono::steady_clock::time_point until);
+std::optional<ServerDescription> queryByLibrary(const std::string &server,
+                                                const std::string &pulseLibrary,
+                                                std::chrono::steady_clock::time_point until);
+
+// The identification numbers stand as hexadecimal text; anything else is 0.
+std::uint16_t parseHexId(const std::string &text);
+
+} // namespace velmora::platform::sound

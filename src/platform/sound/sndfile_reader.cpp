@@ -1,0 +1,87 @@
+#include "platform/sound/flac_length.h"
+#include "platform/sound/reader.h"
+
+#include <algorithm>
+
+namespace velmora::platform::sound {
+
+namespace {
+
+sf_count_t fileSize(void *cursor) { return static_cast<ByteCursor *>(cursor)->source->size(); }
+
+sf_count_t seekBytes(sf_count_t offset, int whence, void *cursor) {
+    return static_cast<ByteCursor *>(cursor)->seek(offset, whence);
+}
+
+sf_count_t readBytes(void *out, sf_count_t count, void *cursor) {
+    return static_cast<sf_count_t>(
+        static_cast<ByteCursor *>(cursor)->read(out, static_cast<std::size_t>(count)));
+}
+
+sf_count_t writeBytes(const void *, sf_count_t, void *) { return 0; }
+
+sf_count_t tellBytes(void *cursor) { return static_cast<ByteCursor *>(cursor)->position; }
+
+class SndfileReader final : public Reader {
+public:
+    SndfileReader(std::unique_ptr<ByteSource> source, std::shared_ptr<const SndfileTable> library)
+        : library_(std::move(library)), source_(std::move(source)) {
+        cursor_.source = source_.get();
+    }
+
+    ~SndfileReader() override {
+        if (file_)
+            library_->sf_close(file_);
+    }
+
+    bool open() {
+        SF_VIRTUAL_IO io{fileSize, seekBytes, readBytes, writeBytes, tellBytes};
+        file_ = library_->sf_open_virtual(&io, SFM_READ, &info_, &cursor_);
+        if (!file_ || info_.channels < 1 || info_.channels > maxChannels ||
+            info_.samplerate < minRate || info_.samplerate > maxRate)
+            return false;
+        if ((info_.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_FLAC) {
+            if (const auto present = flacSamplesPresent(*source_))
+                info_.frames = info_.frames <= 0 ? *present : std::min(info_.frames, *present);
+        }
+        return info_.frames > 0 && info_.frames < SF_COUNT_MAX;
+    }
+
+    int rate() const override { return info_.samplerate; }
+    int channels() const override { return info_.channels; }
+    std::int64_t frames() const override { return info_.frames; }
+
+    bool seek(std::int64_t frame) override {
+        position_ = frame;
+        return frame >= info_.frames || library_->sf_seek(file_, frame, SEEK_SET) == frame;
+    }
+
+    std::size_t read(float *out, std::size_t frameCount) override {
+        const auto left = static_cast<std::size_t>(std::max<std::int64_t>(frames() - position_, 0));
+        const auto wanted = static_cast<sf_count_t>(std::min(frameCount, left));
+        const sf_count_t got =
+            std::max<sf_count_t>(wanted > 0 ? library_->sf_readf_float(file_, out, wanted) : 0, 0);
+        position_ += got;
+        return static_cast<std::size_t>(got);
+    }
+
+private:
+    std::shared_ptr<const SndfileTable> library_;
+    std::unique_ptr<ByteSource> source_;
+    ByteCursor cursor_;
+    SNDFILE *file_ = nullptr;
+    SF_INFO info_{};
+    std::int64_t position_ = 0;
+};
+
+} // namespace
+
+std::unique_ptr<Reader> openSndfileReader(std::unique_ptr<ByteSource> source,
+                                          std::shared_ptr<const SndfileTable> library) {
+    if (!library)
+        return nullptr;
+    auto reader = std::make_unique<SndfileReader>(std::move(source), std::move(library));
+    return reader->open() ? std::move(reader) : nullptr;
+}
+
+} // namespace velmora::platform::sound

@@ -1,0 +1,37 @@
+#pragma once
+
+// The sound back-end: the device for media without pictures and the wave output devices.
+
+#include "platform/media.h"
+#include "platform/media/device.h"
+#include "platform/sound/library_tables.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace velmora::platform::sound {
+
+// The places where distributions put a General MIDI sound font, the best liked first.
+std::vector<std::string> defaultSoundFonts();
+
+struct SoundOptions {
+    std::string applicationName = "Velmora"; // UTF-8, shown by the desktop's mixer
+    std::string iconName = "velmora";
+    // Address of the sound server; empty: the user's own, as libpulse finds it.
+    std::string server = {};
+    // For MIDI: the first that can be loaded. None: media of this kind fail to open.
+    std::vector<std::string> soundFonts = defaultSoundFonts();
+    LibraryNames libraries = {};
+};
+
+// Opens wav, aiff, au, flac, ogg, opus, MPEG audio and MIDI by their content; anything else, a
+// missing library and "Sequencer" for what is no MIDI give null. Nothing is loaded before the first
+// open. Devices must be gone before the opener is destroyed.
+std::unique_ptr<media::DeviceOpener> makeSoundOpener(SoundOptions options = {});
+
+// Asks the sound server anew with each call, keeps nothing running and loads no library unless the
+// server is not on this machine. `server` as above.
+std::unique_ptr<WaveOut> makePulseWaveOut(std::string server = {}, LibraryNames libraries = {});
+
+} // namespace velmora::platform::sound

@@ -1,0 +1,137 @@
+#include "platform/sound/sound_device.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace velmora::platform::sound {
+
+using media::Mode;
+
+SoundDevice::SoundDevice(std::unique_ptr<Reader> reader, OutputEngine &engine)
+    : engine_(engine), control_(std::make_shared<VoiceControl>()), rate_(reader->rate()),
+      frames_(reader->frames()), lengthMs_(msOf(frames_)) {
+    engine_.add(std::make_unique<Voice>(control_, std::move(reader)));
+}
+
+SoundDevice::~SoundDevice() {
+    control_->change([](VoiceWish &wish) {
+        wish.closed = true;
+        wish.playing = false;
+        ++wish.transport;
+    });
+    engine_.wake();
+}
+
+bool SoundDevice::play() {
+    noteEnd();
+    if (mode_ == Mode::Playing)
+        return true;
+    moveTo(true, standing_ >= frames_ ? 0 : standing_);
+    mode_ = Mode::Playing;
+    return true;
+}
+
+bool SoundDevice::pause() {
+    noteEnd();
+    // What has stopped at its end stays so: paused is what goes on from where it is.
+    if (mode_ == Mode::Playing) {
+        const std::int64_t frame = heardFrame();
+        lastMs_ = std::max(lastMs_, msOf(frame));
+        moveTo(false, frame);
+        mode_ = Mode::Paused;
+    }
+    return true;
+}
+
+bool SoundDevice::seek(std::int32_t ms) {
+    if (ms < 0 || ms > lengthMs_)
+        return false;
+    const std::int64_t frame = (std::int64_t{ms} * rate_ + 500) / 1000;
+    moveTo(false, ms == lengthMs_ ? frames_ : std::min(frame, frames_));
+    lastMs_ = ms;
+    mode_ = Mode::Paused;
+    return true;
+}
+
+bool SoundDevice::setVolume(std::int32_t level) {
+    if (level < 0 || level > 1000)
+        return false;
+    volume_ = level;
+    mix();
+    return true;
+}
+
+bool SoundDevice::setChannel(media::Channel channel) {
+    channel_ = channel;
+    mix();
+    return true;
+}
+
+bool SoundDevice::putWindow(std::int32_t, std::int32_t, std::int32_t, std::int32_t) {
+    return false;
+}
+
+Mode SoundDevice::mode() {
+    noteEnd();
+    return mode_;
+}
+
+std::int32_t SoundDevice::positionMs() {
+    noteEnd();
+    if (mode_ == Mode::Playing)
+        lastMs_ = std::max(lastMs_, msOf(heardFrame()));
+    return lastMs_;
+}
+
+void SoundDevice::noteEnd() {
+    if (mode_ != Mode::Playing)
+        return;
+    const VoiceReport report = control_->report();
+    if (report.transport != transport_ || !report.ended)
+        return;
+    mode_ = Mode::Stopped;
+    standing_ = frames_;
+    lastMs_ = lengthMs_;
+}
+
+void SoundDevice::moveTo(bool playing, std::int64_t frame) {
+    ++transport_;
+    standing_ = frame;
+    if (playing && mode_ == Mode::Stopped)
+        lastMs_ = msOf(frame);
+    control_->change([&](VoiceWish &wish) {
+        wish.transport = transport_;
+        wish.playing = playing;
+        wish.frame = frame;
+    });
+    engine_.wake();
+}
+
+void SoundDevice::mix() {
+    const GainMatrix gain = gainMatrix(volume_, channel_);
+    control_->change([&](VoiceWish &wish) {
+        ++wish.mix;
+        wish.gain = gain;
+    });
+    engine_.wake();
+}
+
+// While playing: extrapolated from what the output thread last told.
+std::int64_t SoundDevice::heardFrame() const {
+    const VoiceReport report = control_->report();
+    if (report.transport != transport_)
+        return standing_;
+    std::int64_t frame = report.frame;
+    if (report.advancing)
+        frame += std::max<std::int64_t>(framesOfTime(Clock::now() - report.time, rate_), 0);
+    return std::clamp<std::int64_t>(frame, 0, frames_);
+}
+
+std::int32_t SoundDevice::msOf(std::int64_t frame) const {
+    // In parts: a file may claim more frames than can be multiplied.
+    const std::int64_t ms = frame / rate_ * 1000 + frame % rate_ * 1000 / rate_;
+    return static_cast<std::int32_t>(
+        std::min<std::int64_t>(ms, std::numeric_limits<std::int32_t>::max()));
+}
+
+} // namespace velmora::platform::sound
