@@ -52,7 +52,7 @@ public:
     void setCaption(std::u16string_view caption);
 
     // Screen position and size. Float as the design has them; the window is placed at the nearest
-    // logical pixel.
+    // logical pixel. Sizes below 0 count as 0; what is no number raises. A new size raises Resize.
     Twips left() const noexcept { return place_.left; }
     Twips top() const noexcept { return place_.top; }
     Twips width() const noexcept { return place_.width; }
@@ -65,7 +65,7 @@ public:
     void move(const RectTwips &place);
 
     bool visible() const noexcept { return visible_; }
-    void show();
+    void show(); // a form that is shown already comes to the front
     void hide();
     void setVisible(bool visible);
     bool enabled() const noexcept { return enabled_; }
@@ -92,9 +92,11 @@ public:
     // line).
     bool unmanaged() const noexcept { return unmanaged_; }
     void setUnmanaged(bool unmanaged) noexcept { unmanaged_ = unmanaged; }
-    // Centred on the work area when first shown; otherwise at its place.
+    // Setting it places the form in the middle of the work area at once (of the screen where that
+    // cannot be told); a design does so when the form is loaded, so what the program places later
+    // counts from there.
     bool startCentred() const noexcept { return startCentred_; }
-    void setStartCentred(bool centred) noexcept { startCentred_ = centred; }
+    void setStartCentred(bool centred);
 
     // Window styles written through the window operations (windows.h).
     bool layered() const noexcept { return layered_; }
@@ -113,7 +115,9 @@ public:
     // The extent of a text in a font (Form.TextWidth, TextHeight).
     TextExtent textExtent(std::u16string_view text, const Font &font) const;
 
+    // The control that has the focus; a disabled one keeps it. Null: the form itself.
     Control *activeControl() const noexcept { return active_; }
+    // Nothing for a control that is hidden or disabled.
     void setFocus(Control *control);
 
     void refresh(); // repaints at once
@@ -123,26 +127,49 @@ public:
 
     // --- the view's side --------------------------------------------------------------------
 
-    // Raw input in form coordinates. The form finds the control: the topmost that is shown and
-    // contains the point, labels and images and boxes only; a disabled one passes the event to its
-    // container. A control that took a press gets moves and the release until all buttons are up.
-    // Click follows the release when press and release lie in the same control; a double click is
-    // press, release, Click, DblClick, release. Nothing is delivered while the form is disabled.
+    // Raw input in form coordinates: the pointer's screen position less the form's place here. The
+    // form finds the control: the topmost that is shown and contains the point; clicks go through
+    // shapes and lines; a disabled control passes the event to its container. Nothing is delivered
+    // while the form is disabled. Any handler may end the life of any control, of the form, too.
+    //
+    // A control that took a press gets moves and the release until all buttons are up, hidden or
+    // not; disabled meanwhile it gets the release alone. Click follows the left button's release
+    // when press and release lie in the same control and that is still enabled. A double click is
+    // press, release, Click, DblClick, release; where nobody listens to DblClick the second press
+    // is a press like the first. Lists, check boxes and options report Click and DblClick by their
+    // own roads (`userClicked` ...), not from here.
+    //
+    // A control of the program's own (Kind::Custom) is told once, by a move outside, that the
+    // pointer has left it: for another control, the window's outside, or after a press that ended
+    // outside.
     void pointerPressed(PointTwips at, std::int16_t button, std::int16_t shift);
+    // `buttons` is the mask of those held. None held ends a press whose release was lost.
     void pointerMoved(PointTwips at, std::int16_t buttons, std::int16_t shift);
     void pointerReleased(PointTwips at, std::int16_t button, std::int16_t shift);
     void pointerDoubleClicked(PointTwips at, std::int16_t button, std::int16_t shift);
     void pointerLeft();
-    // A key goes to the active control if there is one, else to the form. True when the key code
-    // was not swallowed (a toolkit widget may then act on it).
+    // No button is held any more, though no release came (another window took it): the press that
+    // was going on ends without a release and without a click.
+    void pointerLost();
+    // A key goes to the active control if there is one, else to the form. A held key is one press:
+    // the view passes on the first event alone and keeps repeats for text boxes and list
+    // navigation. A disabled active control keeps the focus and gets nothing; a hidden one has lost
+    // it to the first control that can take it. A panel (picture box or frame) lying over the
+    // active control takes its keys. True when the key was not swallowed: a toolkit widget may then
+    // act on it.
     bool keyPressed(std::int16_t keyCode, std::int16_t shift);
     void keyReleased(std::int16_t keyCode, std::int16_t shift);
-    // The window manager's or session's wish to close this window.
+    // Tab and Shift+Tab: to the next control that can take the focus, in the order of the design,
+    // round and round.
+    void focusNext(bool backwards);
+    // The user's click gave a toolkit widget the focus. Not for what the toolkit does by itself
+    // when a widget is disabled or hidden.
+    void focusTaken(Control *control) noexcept { active_ = control; }
+    // The window manager's wish to close this window: `unload`. Dropped while the form is disabled.
     void closeRequested();
     // The window was moved, minimised or restored from outside.
     void movedTo(Twips left, Twips top);
     void stateChanged(WindowState state);
-
     // The device pixels of a logical pixel are others now.
     void scaleChanged();
 
@@ -167,10 +194,15 @@ protected:
 private:
     friend class Control;
     friend class Watch;
+    enum class PointerEvent : std::uint8_t { Down, Move, Up };
     Control *takerAt(PointTwips at) const;
     Control *keyTarget() const;
-    void deliver(std::function<void(const MouseEvent &)> ControlEvents::*which, Control *target,
-                 PointTwips at, std::int16_t button, std::int16_t shift);
+    void focusInside(Control &control);
+    void deliver(PointerEvent what, Control *target, PointTwips at, std::int16_t button,
+                 std::int16_t shift);
+    void hoverAt(Control *control, PointTwips at, std::int16_t shift);
+    void leaveHovered(PointTwips at, std::int16_t shift);
+    void clickOn(Control *target);
     void controlChanged(Control &control, Change what, const RectTwips &before);
     void controlGone(Control &control);
     void formChanged(FormChange what);
@@ -189,6 +221,8 @@ private:
     Watch *watches_ = nullptr; // innermost first
     Control *active_ = nullptr;
     Control *captured_ = nullptr; // took the press that is going on
+    Control *hovered_ = nullptr;  // the control of the program's own that the pointer is over
+    bool leavePending_ = false;   // it left while the form was disabled
     bool formCaptured_ = false;
     bool clickSpent_ = false; // the press going on is the second of a double click
     std::int16_t heldButtons_ = 0;

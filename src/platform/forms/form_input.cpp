@@ -2,6 +2,7 @@
 
 #include "platform/forms/dispatch.h"
 #include "platform/forms/form.h"
+#include "platform/forms/user_control.h"
 
 #include <algorithm>
 
@@ -9,18 +10,33 @@ namespace velmora::forms {
 
 namespace {
 
+// A place outside every control, for a leave that has no position.
+constexpr PointTwips nowhere{-twipsPerPixel, -twipsPerPixel};
+
 bool takesPointer(Kind kind) noexcept {
     return kind != Kind::Shape && kind != Kind::Line && kind != Kind::Timer && kind != Kind::Menu;
 }
 
-bool takesFocus(Kind kind) noexcept {
+// What a click gives the focus, and what has it first. The program's own controls get it by Tab.
+bool clickFocuses(Kind kind) noexcept {
     return kind == Kind::ListBox || kind == Kind::TextBox || kind == Kind::CheckBox ||
-           kind == Kind::OptionButton || kind == Kind::Custom;
+           kind == Kind::OptionButton;
 }
 
 // Lists, check boxes and options raise their clicks themselves, by the user* roads.
 bool clicksByItself(Kind kind) noexcept {
     return kind == Kind::ListBox || kind == Kind::CheckBox || kind == Kind::OptionButton;
+}
+
+UserControl *asCustom(Control *control) noexcept {
+    return control != nullptr && control->kind() == Kind::Custom
+               ? static_cast<UserControl *>(control)
+               : nullptr;
+}
+
+bool tabFocuses(Control &control) noexcept {
+    const UserControl *custom = asCustom(&control);
+    return custom != nullptr ? custom->takesFocus() : clickFocuses(control.kind());
 }
 
 const Container *asContainer(const Control &control) noexcept {
@@ -30,6 +46,11 @@ const Container *asContainer(const Control &control) noexcept {
 bool inside(const RectTwips &place, PointTwips at) noexcept {
     return at.x >= place.left && at.y >= place.top && at.x < place.left + place.width &&
            at.y < place.top + place.height;
+}
+
+bool overlap(const RectTwips &a, const RectTwips &b) noexcept {
+    return a.left < b.left + b.width && b.left < a.left + a.width && a.top < b.top + b.height &&
+           b.top < a.top + a.height;
 }
 
 // `at` counts in the container's coordinates.
@@ -50,49 +71,111 @@ Control *topmostAt(const Container &container, PointTwips at) {
     return nullptr;
 }
 
-Control *firstFocusable(const Container &container) {
-    for (Control *control : container.controls()) {
-        if (!control->visible() || !control->enabled()) {
-            continue;
-        }
-        if (takesFocus(control->kind())) {
-            return control;
-        }
-        if (const Container *inner = asContainer(*control)) {
-            if (Control *found = firstFocusable(*inner)) {
-                return found;
+// A panel above the control or above what holds it; null when the control lies free.
+Control *panelOver(Control &control) {
+    for (Control *part = &control; part != nullptr; part = part->container().asControl()) {
+        const std::vector<Control *> &order = part->container().controls();
+        for (auto it = std::find(order.begin(), order.end(), part) + 1; it != order.end(); ++it) {
+            const Kind kind = (*it)->kind();
+            if ((kind == Kind::PictureBox || kind == Kind::Frame) && (*it)->visible() &&
+                overlap((*it)->placeInForm(), control.placeInForm())) {
+                return *it;
             }
         }
     }
     return nullptr;
 }
 
+// The controls that can take the focus now, in order.
+template <typename Takes>
+void collectFocusable(const Container &container, Takes takes, std::vector<Control *> &into) {
+    for (Control *control : container.controls()) {
+        if (!control->visible() || !control->enabled()) {
+            continue;
+        }
+        if (takes(*control) && panelOver(*control) == nullptr) {
+            into.push_back(control);
+        }
+        if (const Container *inner = asContainer(*control)) {
+            collectFocusable(*inner, takes, into);
+        }
+    }
+}
+
+// Which handler stands for an event; null when there is none.
+template <typename Handler>
+const Handler *handlerOf(const ControlEvents *events, Handler ControlEvents::*which) {
+    return events != nullptr ? &(events->*which) : nullptr;
+}
+
+template <typename Handler, typename... Arguments>
+void raiseIfSet(const Handler *handler, Arguments &&...arguments) {
+    if (handler != nullptr) {
+        raiseEvent(*handler, std::forward<Arguments>(arguments)...);
+    }
+}
+
 } // namespace
 
-Control *Form::controlAt(PointTwips at) const { return topmostAt(*this, at); }
+Control *Form::controlAt(PointTwips at) const { return takerAt(at); }
 
-// A disabled control passes what it gets to its container.
 Control *Form::takerAt(PointTwips at) const {
-    Control *control = controlAt(at);
-    while (control != nullptr && !control->isLive()) {
-        control = control->container().asControl();
+    Control *control = topmostAt(*this, at);
+    for (Control *outer = control; outer != nullptr; outer = outer->container().asControl()) {
+        if (!outer->enabled()) {
+            control = outer->container().asControl();
+        }
     }
     return control;
 }
 
-void Form::deliver(std::function<void(const MouseEvent &)> ControlEvents::*which, Control *target,
-                   PointTwips at, std::int16_t button, std::int16_t shift) {
+void Form::deliver(PointerEvent what, Control *target, PointTwips at, std::int16_t button,
+                   std::int16_t shift) {
     MouseEvent event{button, shift, at.x, at.y};
-    const ControlEvents *events = events_.get();
     if (target != nullptr) {
         const RectTwips place = target->placeInForm();
         event.x -= place.left;
         event.y -= place.top;
-        events = target->events();
     }
-    if (events != nullptr) {
-        raiseEvent(events->*which, event);
+    if (UserControl *custom = asCustom(target)) {
+        switch (what) {
+        case PointerEvent::Down:
+            return custom->mouseDown(event);
+        case PointerEvent::Move:
+            return custom->mouseMove(event);
+        case PointerEvent::Up:
+            return custom->mouseUp(event);
+        }
     }
+    static constexpr std::array handlers{&ControlEvents::MouseDown, &ControlEvents::MouseMove,
+                                         &ControlEvents::MouseUp};
+    raiseIfSet(handlerOf(target != nullptr ? target->events() : events_.get(),
+                         handlers[static_cast<std::size_t>(what)]),
+               event);
+}
+
+// The pointer is over this control now, no button held.
+void Form::hoverAt(Control *control, PointTwips at, std::int16_t shift) {
+    if (hovered_ != nullptr && hovered_ != control) {
+        const Watch watch(*this);
+        leaveHovered(at, shift);
+        if (!watch) {
+            return;
+        }
+    }
+    leavePending_ = false;
+}
+
+void Form::leaveHovered(PointTwips at, std::int16_t shift) {
+    Control *const left = std::exchange(hovered_, nullptr);
+    if (left == nullptr || !left->isLive()) {
+        return;
+    }
+    const RectTwips place = left->placeInForm();
+    // Something may lie over it where the pointer is now.
+    const PointTwips outside =
+        inside(place, at) ? PointTwips{place.left + nowhere.x, place.top + nowhere.y} : at;
+    deliver(PointerEvent::Move, left, outside, 0, shift);
 }
 
 void Form::pointerPressed(PointTwips at, std::int16_t button, std::int16_t shift) {
@@ -105,22 +188,38 @@ void Form::pointerPressed(PointTwips at, std::int16_t button, std::int16_t shift
         clickSpent_ = false;
     }
     heldButtons_ = static_cast<std::int16_t>(heldButtons_ | button);
-    if (captured_ != nullptr && takesFocus(captured_->kind()) &&
-        captured_->kind() != Kind::Custom) {
+    if (captured_ != nullptr && clickFocuses(captured_->kind())) {
         active_ = captured_;
     }
-    deliver(&ControlEvents::MouseDown, captured_, at, button, shift);
+    if (captured_ != nullptr ? captured_->isLive() : formCaptured_) {
+        deliver(PointerEvent::Down, captured_, at, button, shift);
+    }
 }
 
 void Form::pointerMoved(PointTwips at, std::int16_t buttons, std::int16_t shift) {
     if (!enabled_) {
+        leavePending_ = hovered_ != nullptr && takerAt(at) != hovered_;
         return;
     }
-    Control *target = heldButtons_ != 0 ? captured_ : takerAt(at);
-    if (heldButtons_ != 0 && target == nullptr && !formCaptured_) {
-        return; // the control that took the press is gone
+    if (buttons == 0) {
+        heldButtons_ = 0; // a box or menu may have taken the release
     }
-    deliver(&ControlEvents::MouseMove, target, at, buttons, shift);
+    if (heldButtons_ != 0) {
+        // The control that took the press may be gone, or disabled.
+        if (captured_ != nullptr ? captured_->isLive() : formCaptured_) {
+            deliver(PointerEvent::Move, captured_, at, buttons, shift);
+        }
+        return;
+    }
+    const Watch watch(*this);
+    hoverAt(takerAt(at), at, shift);
+    if (!watch || !enabled_) {
+        return;
+    }
+    // The handler of the leave may have changed what lies here.
+    Control *const target = takerAt(at);
+    hovered_ = asCustom(target);
+    deliver(PointerEvent::Move, target, at, buttons, shift);
 }
 
 void Form::pointerReleased(PointTwips at, std::int16_t button, std::int16_t shift) {
@@ -132,15 +231,33 @@ void Form::pointerReleased(PointTwips at, std::int16_t button, std::int16_t shif
     if (!enabled_ || (target == nullptr && !formCaptured_)) {
         return;
     }
-    const bool click = button == leftButton && !clickSpent_ && target != nullptr &&
-                       !clicksByItself(target->kind()) && inside(target->placeInForm(), at);
-    deliver(&ControlEvents::MouseUp, target, at, button, shift);
-    // The release's own handler may have disabled, hidden or ended what was pressed.
-    if (click && captured_ == target && target->isLive() && target->events() != nullptr) {
-        raiseEvent(target->events()->Click);
-    } else if (button == leftButton && target == nullptr && !clickSpent_ && enabled_ && events_) {
-        raiseEvent(events_->Click);
+    const bool within = takerAt(at) == target && inside({0, 0, width(), height()}, at);
+    const bool click = within && button == leftButton && !clickSpent_ &&
+                       (target == nullptr || !clicksByItself(target->kind()));
+    const bool leaves = heldButtons_ == 0 && !within && asCustom(target) != nullptr;
+    const Watch formWatch(*this);
+    std::optional<Watch> watch;
+    if (target != nullptr) {
+        watch.emplace(*target);
     }
+    const auto alive = [&] { return formWatch && (!watch || *watch); };
+    deliver(PointerEvent::Up, target, at, button, shift);
+    if (click && alive() && enabled_ && (target == nullptr || target->isLive())) {
+        clickOn(target);
+    }
+    if (leaves && alive() && enabled_) {
+        hovered_ = target;
+        leaveHovered(at, shift);
+    }
+}
+
+void Form::clickOn(Control *target) {
+    if (UserControl *custom = asCustom(target)) {
+        custom->click();
+        return;
+    }
+    raiseIfSet(
+        handlerOf(target != nullptr ? target->events() : events_.get(), &ControlEvents::Click));
 }
 
 void Form::pointerDoubleClicked(PointTwips at, std::int16_t button, std::int16_t shift) {
@@ -148,9 +265,10 @@ void Form::pointerDoubleClicked(PointTwips at, std::int16_t button, std::int16_t
         return;
     }
     Control *const target = takerAt(at);
-    const ControlEvents *events = target != nullptr ? target->events() : events_.get();
-    const bool wanted = events != nullptr && events->DblClick && button == leftButton &&
-                        (target == nullptr || !clicksByItself(target->kind()));
+    const auto *handler =
+        handlerOf(target != nullptr ? target->events() : events_.get(), &ControlEvents::DblClick);
+    const bool wanted = handler != nullptr && *handler && button == leftButton &&
+                        heldButtons_ == 0 && (target == nullptr || !clicksByItself(target->kind()));
     if (!wanted) {
         // Nobody tells it from a click: two quick presses are two presses.
         pointerPressed(at, button, shift);
@@ -159,36 +277,58 @@ void Form::pointerDoubleClicked(PointTwips at, std::int16_t button, std::int16_t
     captured_ = target;
     formCaptured_ = target == nullptr;
     clickSpent_ = true;
-    heldButtons_ = static_cast<std::int16_t>(heldButtons_ | button);
-    raiseEvent(events->DblClick);
+    heldButtons_ = button;
+    raiseEvent(*handler);
+}
+
+void Form::pointerLost() {
+    heldButtons_ = 0;
+    captured_ = nullptr;
+    formCaptured_ = false;
+    clickSpent_ = false;
 }
 
 void Form::pointerLeft() {
-    if (enabled_ && heldButtons_ == 0) {
-        captured_ = nullptr;
-        formCaptured_ = false;
+    if (!enabled_) {
+        leavePending_ = hovered_ != nullptr;
+    } else if (heldButtons_ == 0) {
+        leaveHovered(nowhere, 0);
     }
 }
 
-// The active control, or the first that can take the focus when none was chosen yet.
-Control *Form::keyTarget() const { return active_ != nullptr ? active_ : firstFocusable(*this); }
+// The active control; the first that can take the focus when none was chosen or it is hidden.
+Control *Form::keyTarget() const {
+    if (active_ != nullptr && active_->isShown()) {
+        return active_;
+    }
+    std::vector<Control *> order;
+    collectFocusable(
+        *this, [](Control &control) { return clickFocuses(control.kind()); }, order);
+    return order.empty() ? nullptr : order.front();
+}
 
 bool Form::keyPressed(std::int16_t keyCode, std::int16_t shift) {
     if (!enabled_) {
         return false;
     }
     KeyEvent event{keyCode, shift};
-    const ControlEvents *events = events_.get();
-    if (Control *target = keyTarget()) {
-        if (!target->isLive()) {
-            return false;
-        }
-        events = target->events();
+    Control *target = keyTarget();
+    Control *const panel = target != nullptr ? panelOver(*target) : nullptr;
+    if (panel != nullptr) {
+        target = panel;
     }
-    if (events != nullptr) {
-        raiseEvent(events->KeyDown, event);
+    if (target != nullptr && !target->isLive()) {
+        return false;
     }
-    return event.keyCode != 0;
+    const Watch watch(*this);
+    if (UserControl *custom = asCustom(target)) {
+        custom->keyDown(event);
+    } else {
+        raiseIfSet(handlerOf(target != nullptr ? target->events() : events_.get(),
+                             &ControlEvents::KeyDown),
+                   event);
+    }
+    return event.keyCode != 0 && panel == nullptr && static_cast<bool>(watch);
 }
 
 void Form::keyReleased(std::int16_t keyCode, std::int16_t shift) {
@@ -196,20 +336,33 @@ void Form::keyReleased(std::int16_t keyCode, std::int16_t shift) {
         return;
     }
     KeyEvent event{keyCode, shift};
-    const ControlEvents *events = events_.get();
-    if (Control *target = keyTarget()) {
-        if (!target->isLive()) {
-            return;
-        }
-        events = target->events();
+    Control *target = keyTarget();
+    if (Control *panel = target != nullptr ? panelOver(*target) : nullptr) {
+        target = panel;
     }
-    if (events != nullptr) {
-        raiseEvent(events->KeyUp, event);
+    if (target == nullptr || target->isLive()) {
+        raiseIfSet(
+            handlerOf(target != nullptr ? target->events() : events_.get(), &ControlEvents::KeyUp),
+            event);
     }
 }
 
+void Form::focusNext(bool backwards) {
+    std::vector<Control *> order;
+    collectFocusable(*this, tabFocuses, order);
+    if (!enabled_ || order.empty()) {
+        return;
+    }
+    if (backwards) {
+        std::reverse(order.begin(), order.end());
+    }
+    const auto present = std::find(order.begin(), order.end(), active_);
+    const bool wraps = present == order.end() || present + 1 == order.end();
+    setFocus(wraps ? order.front() : *(present + 1));
+}
+
 Form::PointerLook Form::pointerAt(PointTwips at) const {
-    const Control *control = controlAt(at);
+    const Control *control = topmostAt(*this, at);
     if (control == nullptr || control->mousePointer() == pointerDefault || !control->isLive()) {
         return {mousePointer_, MouseIcon::None};
     }
