@@ -71,7 +71,7 @@ constexpr std::array propertyTable{
     PropertyRow{"checked", Shape::Flag, menu, "setChecked(true)"},
     PropertyRow{"taskbar", Shape::Flag, form, "setShowInTaskbar(true)"},
     PropertyRow{"unmanaged", Shape::Flag, form, "setUnmanaged(true)"},
-    PropertyRow{"centred", Shape::Flag, form, "setStartCentred(true)"},
+    PropertyRow{"centred", Shape::Flag, form, "setStartCentred(true)", Phase::Late},
     PropertyRow{"value", Shape::Whole, checkBox, "setValue", Phase::Look, 0, 2},
     PropertyRow{"value", Shape::Whole, optionButton, "setValue", Phase::Look, 0, 1},
     PropertyRow{"interval", Shape::Whole, timer, "setInterval", Phase::Look, 0, maxInterval},

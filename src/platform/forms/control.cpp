@@ -1,11 +1,22 @@
 #include "platform/forms/control.h"
 
+#include "base/run_time_error.h"
 #include "platform/forms/form.h"
 #include "platform/windows.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace velmora::forms {
+
+RectTwips checkedPlace(const RectTwips &place) {
+    for (const Twips number : {place.left, place.top, place.width, place.height}) {
+        if (!std::isfinite(number)) {
+            raise(ErrorNumber::InvalidPropertyValue);
+        }
+    }
+    return {place.left, place.top, std::max(place.width, 0.0F), std::max(place.height, 0.0F)};
+}
 
 Control::Control(Container &container, const char *name)
     : container_(&container), form_(&container.containerForm()), name_(name) {
@@ -22,7 +33,8 @@ void Control::setTop(Twips top) { move({place_.left, top, place_.width, place_.h
 void Control::setWidth(Twips width) { move({place_.left, place_.top, width, place_.height}); }
 void Control::setHeight(Twips height) { move({place_.left, place_.top, place_.width, height}); }
 
-void Control::move(const RectTwips &place) {
+void Control::move(const RectTwips &wanted) {
+    const RectTwips place = checkedPlace(wanted);
     if (place == place_) {
         return;
     }
@@ -116,7 +128,11 @@ ControlEvents &Control::on() {
     return *events_;
 }
 
-void Control::changed(Change what) { form_->controlChanged(*this, what, placeInForm()); }
+void Control::changed(Change what) {
+    if (form_->window() != nullptr) {
+        form_->controlChanged(*this, what, placeInForm());
+    }
+}
 
 void Control::placeChanged(const RectTwips &before) {
     form_->controlChanged(*this, Change::Place, before);

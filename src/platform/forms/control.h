@@ -5,8 +5,9 @@
 // an unchanged value costs nothing and draws nothing.
 //
 // A control is a member of its form and lives exactly as long. Positions are twips relative to the
-// container. Hidden and disabled are the control's own flags; whether it can be seen or clicked
-// also depends on its containers (`isShown`, `isLive`).
+// container; a size below 0 counts as 0, and what is no number raises. Hidden and disabled are the
+// control's own flags; whether it can be seen or clicked also depends on its containers (`isShown`,
+// `isLive`).
 
 #include "base/geometry.h"
 #include "platform/forms/events.h"
@@ -61,6 +62,10 @@ inline constexpr std::int16_t pointerCustom = 99;
 
 // The mouse icons there are: none, or the one hand cursor of the program.
 enum class MouseIcon : std::uint8_t { None, Hand };
+
+// A place as a control or form takes it: sizes below 0 become 0; raises InvalidPropertyValue where
+// one of the numbers is none.
+RectTwips checkedPlace(const RectTwips &place);
 
 class Control {
 public:

@@ -46,7 +46,8 @@ void Form::setTop(Twips top) { move({place_.left, top, place_.width, place_.heig
 void Form::setWidth(Twips width) { move({place_.left, place_.top, width, place_.height}); }
 void Form::setHeight(Twips height) { move({place_.left, place_.top, place_.width, height}); }
 
-void Form::move(const RectTwips &place) {
+void Form::move(const RectTwips &wanted) {
+    const RectTwips place = checkedPlace(wanted);
     if (place == place_) {
         return;
     }
@@ -55,7 +56,32 @@ void Form::move(const RectTwips &place) {
     placeChanged(before);
 }
 
-void Form::show() { setVisible(true); }
+void Form::setStartCentred(bool centred) {
+    startCentred_ = centred;
+    if (!centred) {
+        return;
+    }
+    RectPixels area;
+    RectTwips place = place_;
+    if (windows_.SystemParametersInfoA(platform::SPI_GETWORKAREA, area)) {
+        place.left = static_cast<Twips>(area.left + area.right) * twipsPerPixel / 2;
+        place.top = static_cast<Twips>(area.top + area.bottom) * twipsPerPixel / 2;
+    } else {
+        place.left = windows_.screenWidth() / 2;
+        place.top = windows_.screenHeight() / 2;
+    }
+    place.left -= place.width / 2;
+    place.top -= place.height / 2;
+    move(place);
+}
+
+void Form::show() {
+    if (visible_) {
+        raise();
+    } else {
+        setVisible(true);
+    }
+}
 void Form::hide() { setVisible(false); }
 
 void Form::setVisible(bool visible) {
@@ -67,6 +93,9 @@ void Form::setVisible(bool visible) {
     }
     visible_ = visible;
     formChanged(FormChange::Visible);
+    if (visible && active_ == nullptr) {
+        setFocus(keyTarget());
+    }
 }
 
 void Form::setEnabled(bool enabled) {
@@ -75,6 +104,10 @@ void Form::setEnabled(bool enabled) {
     }
     enabled_ = enabled;
     formChanged(FormChange::Enabled);
+    if (enabled && leavePending_) {
+        leavePending_ = false;
+        leaveHovered({-twipsPerPixel, -twipsPerPixel}, 0);
+    }
 }
 
 void Form::setWindowState(WindowState state) {
@@ -148,12 +181,13 @@ void Form::raise() {
 }
 
 bool Form::unload() {
+    const Watch watch(*this);
     bool cancel = false;
     if (events_) {
         raiseEvent(events_->QueryUnload, cancel);
     }
-    if (cancel) {
-        return false;
+    if (cancel || !watch) {
+        return !cancel;
     }
     hide();
     if (events_) {
@@ -167,6 +201,9 @@ TextExtent Form::textExtent(std::u16string_view text, const Font &font) const {
 }
 
 void Form::setFocus(Control *control) {
+    if (control == active_ || (control != nullptr && !(control->isShown() && control->isLive()))) {
+        return;
+    }
     active_ = control;
     if (window_) {
         window_->focus(control);
@@ -194,12 +231,8 @@ void Form::movedTo(Twips left, Twips top) {
 void Form::stateChanged(WindowState state) { state_ = state; }
 
 void Form::closeRequested() {
-    bool cancel = false;
-    if (events_) {
-        raiseEvent(events_->QueryUnload, cancel);
-    }
-    if (!cancel) {
-        hide();
+    if (enabled_) {
+        unload();
     }
 }
 
@@ -232,8 +265,25 @@ void Form::scaleChanged() { tellScale(*this); }
 void Form::dropWindow() noexcept { window_.reset(); }
 
 void Form::controlChanged(Control &control, Change what, const RectTwips &before) {
-    if (window_) {
-        window_->controlChanged(control, what, before);
+    if (!window_) {
+        return;
+    }
+    window_->controlChanged(control, what, before);
+    if (what == Change::Enabled) {
+        focusInside(control);
+    }
+}
+
+// A control disabled and enabled again gets back the focus that it had, and so does what is in it.
+void Form::focusInside(Control &control) {
+    if (active_ == nullptr || !active_->isLive() || !active_->isShown()) {
+        return;
+    }
+    for (const Control *inner = active_; inner != nullptr; inner = inner->container().asControl()) {
+        if (inner == &control) {
+            window_->focus(active_);
+            return;
+        }
     }
 }
 
@@ -243,6 +293,9 @@ void Form::controlGone(Control &control) {
     }
     if (captured_ == &control) {
         captured_ = nullptr;
+    }
+    if (hovered_ == &control) {
+        hovered_ = nullptr;
     }
     for (Watch *watch = watches_; watch != nullptr; watch = watch->outer_) {
         watch->gone_ = watch->gone_ || watch->control_ == &control;

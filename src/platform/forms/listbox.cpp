@@ -166,8 +166,8 @@ void ListBox::extendTo(std::int32_t row, bool keepOthers) {
     }
 }
 
-// A drag that began with Ctrl gives each row it covers the state of the pressed one, and each row it
-// has left the state from before.
+// A drag that began with Ctrl gives each row it covers the state of the pressed one, and each row
+// it has left the state from before.
 void ListBox::dragTo(std::int32_t row) {
     if (beforeDrag_.empty()) {
         extendTo(row, false);

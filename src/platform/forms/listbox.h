@@ -67,14 +67,15 @@ public:
     void setBackColor(Colour colour);
 
     // The view's roads for the user's input; a disabled list ignores them, and so do they rows that
-    // are not there. `userClicked` is a press of the left button, or (`dragging`) its move to another
-    // row while held. A simple list selects that row alone. An extended one: alone selects it alone,
-    // Ctrl turns it, Shift selects from the anchor to it, Ctrl and Shift add that stretch; a drag
-    // goes from the anchor to the row, with Ctrl in the state that the press gave, and leaves alone
-    // what it no longer covers. The anchor is the last row chosen without Shift. Raises Click.
+    // are not there. `userClicked` is a press of the left button, or (`dragging`) its move to
+    // another row while held. A simple list selects that row alone. An extended one: alone selects
+    // it alone, Ctrl turns it, Shift selects from the anchor to it, Ctrl and Shift add that
+    // stretch; a drag goes from the anchor to the row, with Ctrl in the state that the press gave,
+    // and leaves alone what it no longer covers. The anchor is the last row chosen without Shift.
+    // Raises Click.
     void userClicked(std::int32_t row, std::int16_t shift, bool dragging);
-    // Arrow, page, home and end keys; a row beyond the ends counts as the end. Shift selects from the
-    // anchor; Ctrl moves the current row of an extended list alone, and raises nothing.
+    // Arrow, page, home and end keys; a row beyond the ends counts as the end. Shift selects from
+    // the anchor; Ctrl moves the current row of an extended list alone, and raises nothing.
     void userMoved(std::int32_t row, std::int16_t shift);
     // DblClick is raised on a row, or on a list without rows.
     void userDoubleClicked(std::int32_t row);
@@ -106,8 +107,8 @@ private:
 
     std::vector<Row> rows_;
     mutable std::unique_ptr<Index> index_;
-    std::int64_t lastLabel_ = 0;     // of the row added last
-    std::vector<bool> beforeDrag_;   // the selection at a press with Ctrl; else empty
+    std::int64_t lastLabel_ = 0;   // of the row added last
+    std::vector<bool> beforeDrag_; // the selection at a press with Ctrl; else empty
     Font font_;
     Colour foreColor_ = 0;
     Colour backColor_ = 0x00FFFFFF;
