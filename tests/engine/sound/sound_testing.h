@@ -1,0 +1,98 @@
+#pragma once
+
+// What the tests of the sound device share.
+
+#include "platform/sound/reader.h"
+
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace velmora::testing {
+
+using Bytes = std::vector<std::uint8_t>;
+
+inline std::string media(const std::string &name) {
+    return std::string(VELMORA_SOUND_MEDIA) + "/" + name;
+}
+
+inline Bytes readFile(const std::string &path) {
+    std::ifstream file(path, std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(file), {});
+}
+
+// A folder that goes with everything in it.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "velmora-sound-XXXXXX").string();
+        path_ = mkdtemp(pattern.data()) ? pattern : "";
+    }
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder &) = delete;
+    TemporaryFolder &operator=(const TemporaryFolder &) = delete;
+
+    std::string path(const std::string &name) const { return path_ + "/" + name; }
+    std::string write(const std::string &name, const Bytes &bytes) const {
+        std::ofstream file(path(name), std::ios::binary);
+        file.write(reinterpret_cast<const char *>(bytes.data()),
+                   static_cast<std::streamsize>(bytes.size()));
+        return path(name);
+    }
+
+private:
+    std::string path_;
+};
+
+// The frequency of a sine, from its upward crossings of zero; 0 when there are too few.
+inline double frequencyOf(const std::vector<float> &samples, double rate) {
+    double first = -1;
+    double last = -1;
+    int crossings = 0;
+    for (std::size_t i = 1; i < samples.size(); ++i) {
+        if (samples[i - 1] < 0 && samples[i] >= 0) {
+            const double part = samples[i - 1] / (double{samples[i - 1]} - samples[i]);
+            last = static_cast<double>(i) - 1 + part;
+            if (crossings++ == 0)
+                first = last;
+        }
+    }
+    return crossings < 3 ? 0 : (crossings - 1) * rate / (last - first);
+}
+
+// The place in seconds, in the rising sine of the media, of the middle of these samples.
+inline double placeInChirp(const std::vector<float> &samples, double rate) {
+    return (frequencyOf(samples, rate) - 300) / 200;
+}
+
+inline double rms(const std::vector<float> &samples) {
+    double sum = 0;
+    for (const float sample : samples)
+        sum += double{sample} * sample;
+    return samples.empty() ? 0 : std::sqrt(sum / static_cast<double>(samples.size()));
+}
+
+// The part of a frequency in a signal, as an amplitude.
+inline double amplitudeAt(const std::vector<float> &samples, double frequency, double rate) {
+    double real = 0;
+    double imaginary = 0;
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        // A window keeps neighbouring tones out.
+        const double window =
+            1 - std::cos(2 * M_PI * static_cast<double>(i) / static_cast<double>(samples.size()));
+        const double angle = 2 * M_PI * frequency * static_cast<double>(i) / rate;
+        real += window * samples[i] * std::cos(angle);
+        imaginary += window * samples[i] * std::sin(angle);
+    }
+    return 2 * std::hypot(real, imaginary) / static_cast<double>(samples.size());
+}
+
+} // namespace velmora::testing
