@@ -64,9 +64,10 @@ public:
     // --- the contract ---
     char16_t separator() const override { return u'/'; }
     char16_t separatorOf(std::u16string_view path) const override;
-    std::u16string Dir(std::u16string_view path, platform::SearchFor what) override;
+    std::u16string Dir(std::u16string_view path,
+                       platform::SearchFor what = platform::SearchFor::Files) override;
     std::vector<std::u16string> list(std::u16string_view folder, platform::SearchFor what,
-                                     std::uint32_t walk) override;
+                                     std::uint32_t walk = 0) override;
     std::int64_t FileLen(std::u16string_view path) override;
     std::unique_ptr<platform::LineReader> openInput(std::u16string_view path) override;
     std::string readBytes(std::u16string_view path, std::int64_t offset,

@@ -1,0 +1,225 @@
+#include "platform/linux/text/ansi_conversion.h"
+
+#include "tests/fakes/fake_ansi.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+
+namespace velmora::platform {
+namespace {
+
+using fakes::FakeAnsi;
+using List = std::vector<std::u16string>;
+using namespace std::string_literals;
+
+// In page 936; as UTF-8 the second has no valid part.
+const std::string gbk = "\xD6\xD0\xB9\xFA";  // 中国
+const std::string gbk2 = "\xD6\xD0\xD6\xD0"; // 中中
+
+// --- the normal state: UTF-8 with page 936 behind it
+// -----------------------------------------------
+
+TEST(Ansi, writesUtf8) {
+    const FakeAnsi ansi;
+    EXPECT_EQ(ansi.encode(u"中国 é 😀"), "中国 é 😀");
+    EXPECT_EQ(ansi.encode(u""), "");
+    EXPECT_EQ(ansi.encode(u"a\0b"s), "a\0b"s);
+}
+
+TEST(Ansi, readsUtf8AsSuchAndAnythingElseInTheLegacyPage) {
+    const FakeAnsi ansi;
+    EXPECT_EQ(ansi.decode("中国"), u"中国");
+    EXPECT_EQ(ansi.decode(gbk), u"中国");
+    EXPECT_EQ(ansi.decode("plain"), u"plain");
+    EXPECT_EQ(ansi.decode(""), u"");
+    EXPECT_EQ(ansi.decode("a\0b"s), u"a\0b"s);
+    // One bad byte in UTF-8 sends the whole text to the legacy page.
+    EXPECT_EQ(ansi.decode("\xD6\xD0 \xC3\xA9"), u"中 \u8305");
+}
+
+TEST(Ansi, countsTheBytesThatItWrites) {
+    for (const int page : {0, 936, 932, 950, 1252, 65001}) {
+        const FakeAnsi ansi(page);
+        for (const std::u16string &text :
+             {u""s, u"abc"s, u"中国é"s, u"😀"s, u"\xD83D"s, u"a\xDCFF\xDC0A"s, u"\xDE00x"s})
+            EXPECT_EQ(ansi.byteCount(text), ansi.encode(text).size()) << page;
+    }
+}
+
+TEST(Ansi, writesAHalfSurrogateAsAQuestionMark) {
+    const FakeAnsi ansi;
+    EXPECT_EQ(ansi.encode(u"a\xD83Dz"), "a?z");
+    EXPECT_EQ(ansi.encode(u"\xDE00"), "?");
+    EXPECT_EQ(ansi.encode(u"\xD83D"), "?");
+}
+
+TEST(Ansi, recognisesNoByteOrderMark) {
+    const FakeAnsi ansi;
+    EXPECT_EQ(ansi.decode("\xEF\xBB\xBFx"), u"\uFEFFx");
+}
+
+// --- file-name units
+// ------------------------------------------------------------------------------
+
+TEST(Ansi, writesFileNameUnitsInTheirThreeByteFormAndReadsThemBack) {
+    const FakeAnsi ansi;
+    const std::u16string name = u"/m/\xDC80\xDCFF\xDC0A\xDC0D\xDCC4中.mp3";
+    const std::string bytes = ansi.encode(name);
+    EXPECT_EQ(bytes, "/m/\xED\xB2\x80\xED\xB3\xBF\xED\xB0\x8A\xED\xB0\x8D\xED\xB3\x84中.mp3");
+    EXPECT_EQ(ansi.decode(bytes), name);
+    EXPECT_EQ(ansi.decodePath(bytes), name);
+}
+
+TEST(Ansi, takesNoOtherSurrogateFormForValid) {
+    const FakeAnsi ansi(65001);
+    EXPECT_EQ(ansi.decode("\xED\xA0\x80"), u"\uFFFD\uFFFD\uFFFD"); // a high half
+    EXPECT_EQ(ansi.decode("\xED\xB0\x80"), u"\uFFFD\uFFFD\uFFFD"); // U+DC00
+    EXPECT_EQ(ansi.decode("\xED\xB1\x81"), u"\uFFFD\uFFFD\uFFFD"); // U+DC41, a plain letter
+    EXPECT_EQ(ansi.decode("\xED\xB4\x80"), u"\uFFFD\uFFFD\uFFFD"); // U+DD00
+}
+
+TEST(AnsiPath, isDecidedByItself) {
+    const FakeAnsi ansi;
+    EXPECT_EQ(ansi.decodePath("/音乐/é.mp3"), u"/音乐/é.mp3");
+    EXPECT_EQ(ansi.decodePath("/m/\xD6\xD0.mp3"), u"/m/\xDCD6\xDCD0.mp3"); // raw bytes of a name
+    EXPECT_EQ(ansi.decodePath("C:\\m\\\xD6\xD0.mp3"), u"C:\\m\\中.mp3");   // another machine's list
+    EXPECT_EQ(ansi.decodePath("\xD6\xD0.mp3"), u"中.mp3");
+    EXPECT_EQ(ansi.decodePath("/plain.mp3"), u"/plain.mp3");
+    EXPECT_EQ(ansi.decodePath(""), u"");
+}
+
+TEST(AnsiPath, keepsValidPartsOfARawName) {
+    const FakeAnsi ansi;
+    EXPECT_EQ(ansi.decodePath("/中/\xFF.mp3"), u"/中/\xDCFF.mp3");
+}
+
+// --- texts that decide together
+// -------------------------------------------------------------------
+
+TEST(AnsiTogether, followsTheMajorityOfTheTextsWithHighBytes) {
+    const FakeAnsi ansi;
+    EXPECT_EQ(ansi.decodeTogether({"ascii", "中", "国", gbk2}, false),
+              (List{u"ascii", u"中", u"国", u"\uFFFD\uFFFD\uFFFD\uFFFD"}));
+    EXPECT_EQ(ansi.decodeTogether({"ascii", "ascii", gbk, gbk, "\xC3\xA9"}, false),
+              (List{u"ascii", u"ascii", u"中国", u"中国", u"\u8305"}));
+}
+
+TEST(AnsiTogether, goesToUtf8OnATie) {
+    const FakeAnsi ansi;
+    EXPECT_EQ(ansi.decodeTogether({"é", "\xD6\xD0"}, false), (List{u"é", u"\uFFFD\uFFFD"}));
+}
+
+TEST(AnsiTogether, handlesNothingAndAsciiAlone) {
+    const FakeAnsi ansi;
+    EXPECT_EQ(ansi.decodeTogether({}, false), List{});
+    EXPECT_EQ(ansi.decodeTogether({"", "a"}, false), (List{u"", u"a"}));
+}
+
+TEST(AnsiTogether, dropsAnIncompleteCharacterAtTheEndOfAFixedField) {
+    const FakeAnsi ansi;
+    const std::string cutUtf8 = "中国"s.substr(0, 5);
+    EXPECT_EQ(ansi.decodeTogether({cutUtf8}, true), (List{u"中"}));
+    EXPECT_EQ(ansi.decodeTogether({cutUtf8 + "z"}, true).front().substr(0, 1), u"涓"); // no UTF-8
+    EXPECT_EQ(ansi.decodeTogether({gbk + "\xD6"}, true), (List{u"中国"}));
+    EXPECT_EQ(ansi.decodeTogether({gbk + "\xD6"}, false), (List{u"中国\uFFFD"}));
+}
+
+TEST(AnsiTogether, doesNotCountTheIncompleteCharacterAgainstUtf8) {
+    const FakeAnsi ansi;
+    const std::string cut = "日本語"s.substr(0, 8);
+    EXPECT_EQ(ansi.decodeTogether({cut, "\xD6\xD0."}, true), (List{u"日本", u"\uFFFD\uFFFD."}));
+    EXPECT_EQ(ansi.decodeTogether({"x\xED\xB2"}, true), (List{u"x"})); // a file-name unit cut short
+}
+
+// --- the override
+// ---------------------------------------------------------------------------------
+
+TEST(AnsiOverride, readsAndWritesOnePageAlone) {
+    EXPECT_EQ(FakeAnsi(936).encode(u"中国"), gbk);
+    EXPECT_EQ(FakeAnsi(936).decode(gbk), u"中国");
+    EXPECT_EQ(FakeAnsi(936).decode("é"), u"\u8305"); // valid UTF-8 is not looked for
+    EXPECT_EQ(FakeAnsi(932).encode(u"日本"), "\x93\xFA\x96\x7B");
+    EXPECT_EQ(FakeAnsi(932).decode("\x93\xFA\x96\x7B\xB1"), u"日本\uFF71");
+    EXPECT_EQ(FakeAnsi(950).encode(u"中國"), "\xA4\xA4\xB0\xEA");
+    EXPECT_EQ(FakeAnsi(950).decode("\xA4\xA4\xB0\xEA"), u"中國");
+    EXPECT_EQ(FakeAnsi(1252).encode(u"é€"), "\xE9\x80");
+    EXPECT_EQ(FakeAnsi(1252).decode("\xE9\x80"), u"é€");
+    EXPECT_EQ(FakeAnsi(65001).encode(u"中"), "中");
+    EXPECT_EQ(FakeAnsi(65001).decode(gbk2), u"\uFFFD\uFFFD\uFFFD\uFFFD");
+}
+
+TEST(AnsiOverride, decidesForTextsTogetherToo) {
+    EXPECT_EQ(FakeAnsi(936).decodeTogether({"é", gbk}, false), (List{u"\u8305", u"中国"}));
+    EXPECT_EQ(FakeAnsi(65001).decodeTogether({gbk2, "é"}, false),
+              (List{u"\uFFFD\uFFFD\uFFFD\uFFFD", u"é"}));
+    EXPECT_EQ(FakeAnsi(1252).decodeTogether({"\xE9", "\xE8"}, false), (List{u"é", u"è"}));
+}
+
+TEST(AnsiOverride, writesAQuestionMarkForEachUnitThatThePageLacks) {
+    EXPECT_EQ(FakeAnsi(936).encode(u"aéñb"), "a\xA8\xA6?b"); // 936 has é, not ñ
+    EXPECT_EQ(FakeAnsi(936).encode(u"😀"), "??");
+    EXPECT_EQ(FakeAnsi(1252).encode(u"中x"), "?x");
+}
+
+TEST(AnsiOverride, keepsNamesInTheFileNameUnits) {
+    for (const int page : {936, 932, 950, 1252, 65001}) {
+        const FakeAnsi ansi(page);
+        const std::string bytes = ansi.encode(u"/m/\xDC0A.mp3");
+        EXPECT_EQ(bytes, "/m/\xED\xB0\x8A.mp3") << page;
+        if (page != 932 && page != 1252) { // there these bytes are characters
+            EXPECT_EQ(ansi.decodePath(bytes), u"/m/\xDC0A.mp3") << page;
+        }
+    }
+    EXPECT_EQ(FakeAnsi(936).decodePath("/m/\xD6\xD0.mp3"), u"/m/中.mp3");
+    EXPECT_EQ(FakeAnsi(65001).decodePath("/m/\xD6\xD0.mp3"), u"/m/\xDCD6\xDCD0.mp3");
+}
+
+TEST(AnsiOverride, isAskedOnceAndOnlyWhenATextIsNotAscii) {
+    int asked = 0;
+    const AnsiConversion ansi([&] {
+        ++asked;
+        return u" 1252 "s;
+    });
+    EXPECT_EQ(ansi.encode(u"abc"), "abc");
+    EXPECT_EQ(ansi.decode("abc"), u"abc");
+    EXPECT_EQ(ansi.byteCount(u"abc"), 3U);
+    EXPECT_EQ(asked, 0);
+    EXPECT_EQ(ansi.encode(u"é"), "\xE9");
+    EXPECT_EQ(ansi.decode("\xE9"), u"é");
+    EXPECT_EQ(asked, 1);
+}
+
+TEST(AnsiOverride, isPassedOverWhenItNamesNoKnownPage) {
+    for (const char16_t *page : {u"", u"0", u"1251", u"936x", u"GBK", u"99999999999"}) {
+        const AnsiConversion ansi([page] { return std::u16string(page); });
+        EXPECT_EQ(ansi.encode(u"中"), "中");
+        EXPECT_EQ(ansi.decode(gbk), u"中国");
+    }
+}
+
+TEST(AnsiOverride, mayConvertTextWhileItIsAsked) {
+    const AnsiConversion *inside = nullptr;
+    const AnsiConversion ansi([&] { return inside->encode(u"é") == "é" ? u"936"s : u""s; });
+    inside = &ansi;
+    EXPECT_EQ(ansi.encode(u"中"), "\xD6\xD0");
+}
+
+// --- cost
+// -----------------------------------------------------------------------------------------
+
+TEST(AnsiCost, thirtyTwoThousandPathsDecodeInAFewMilliseconds) {
+    const FakeAnsi ansi;
+    const std::string path = "/home/user/Music/Artist Name/An Album of Some Length/01 - 曲目.mp3";
+    const auto begin = std::chrono::steady_clock::now();
+    std::size_t units = 0;
+    for (int i = 0; i < 32767; ++i)
+        units += ansi.decodePath(path).size();
+    const auto spent = std::chrono::steady_clock::now() - begin;
+    EXPECT_EQ(units, 32767U * 64U);
+    EXPECT_LT(spent, std::chrono::milliseconds(200));
+}
+
+} // namespace
+} // namespace velmora::platform
