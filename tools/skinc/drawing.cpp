@@ -89,7 +89,10 @@ private:
                 source_.fail(element.line, "<" + element.name + "> has no " + name);
             return attribute->value;
         };
-        source_.allow(element, Source::geometryOf(element.name));
+        const auto geometry = Source::geometryOf(element.name);
+        if (geometry.empty())
+            source_.fail(element.line, "<" + element.name + "> is not part of a drawing");
+        source_.allow(element, geometry);
         if (element.name == "path")
             return parsePathData(needed("d"));
         if (element.name == "rect") {
@@ -103,9 +106,7 @@ private:
             return ellipse({number("cx"), number("cy")}, number("rx"), number("ry"));
         if (element.name == "line")
             return polyline({number("x1"), number("y1"), number("x2"), number("y2")}, false);
-        if (element.name == "polyline" || element.name == "polygon")
-            return polyline(parseNumbers(needed("points")), element.name == "polygon");
-        source_.fail(element.line, "<" + element.name + "> is not part of a drawing");
+        return polyline(parseNumbers(needed("points")), element.name == "polygon");
     }
 
     void add(const Path &path, const Style &style, int line) {

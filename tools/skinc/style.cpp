@@ -82,8 +82,6 @@ std::span<const std::string_view> Source::geometryOf(std::string_view element) {
         return ofLine;
     if (element == "polyline" || element == "polygon")
         return ofPolygon;
-    if (element == "svg")
-        return ofRoot;
     return {};
 }
 
@@ -121,8 +119,10 @@ void Source::addGradient(const XmlElement &element) {
 }
 
 Style Source::styled(const Style &outer, const XmlElement &element) const {
-    if (element.name == "g" || element.name == "svg")
-        allow(element, geometryOf(element.name));
+    if (element.name == "svg")
+        allow(element, ofRoot);
+    else if (element.name == "g")
+        allow(element, {});
     Style style = outer;
     const auto choose = [&](const XmlAttribute &attribute,
                             std::initializer_list<std::string_view> names) {

@@ -46,6 +46,7 @@ struct Source {
 
     // Fails for an attribute that is neither a presentation attribute nor among `geometry`.
     void allow(const XmlElement &element, std::span<const std::string_view> geometry) const;
+    // What places a shape; empty for an element that is no shape.
     static std::span<const std::string_view> geometryOf(std::string_view element);
 
     void addGradient(const XmlElement &element);
