@@ -14,7 +14,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace velmora::testing {
+namespace velmora::tests {
 
 namespace {
 
@@ -248,4 +248,4 @@ std::size_t MonitorRecorder::waitForSilence(float threshold, int ms, std::size_t
     return found;
 }
 
-} // namespace velmora::testing
+} // namespace velmora::tests

@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-namespace velmora::testing {
+namespace velmora::tests {
 
 struct PulseServerOptions {
     int rate = 44100;
@@ -109,4 +109,4 @@ private:
     std::thread reader_;
 };
 
-} // namespace velmora::testing
+} // namespace velmora::tests

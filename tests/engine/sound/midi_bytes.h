@@ -6,7 +6,7 @@
 
 #include <initializer_list>
 
-namespace velmora::testing {
+namespace velmora::tests {
 
 inline void append(Bytes &to, std::initializer_list<int> bytes) {
     for (const int byte : bytes)
@@ -75,4 +75,4 @@ inline Bytes riffMidi(const Bytes &midi) {
     return file;
 }
 
-} // namespace velmora::testing
+} // namespace velmora::tests

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace velmora::testing {
+namespace velmora::tests {
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -95,4 +95,4 @@ inline double amplitudeAt(const std::vector<float> &samples, double frequency, d
     return 2 * std::hypot(real, imaginary) / static_cast<double>(samples.size());
 }
 
-} // namespace velmora::testing
+} // namespace velmora::tests
