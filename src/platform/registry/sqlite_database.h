@@ -79,13 +79,14 @@ private:
     bool open();
     int openOnce();
     int configure(bool fresh);
+    int checkTables();
+    std::optional<std::string> answerOf(const char *text, int &failure);
     bool execute(const char *sql);
-    void noteFailure(int code) noexcept;
+    void noteResult(int code, bool locks) noexcept;
     void keepAside();
-    void resetPatience() noexcept { patienceLeftMs_ = patienceMs; }
     static int waitForLock(void *self, int attempt);
 
-    // How long all waiting for another process's lock may take until a statement succeeds again.
+    // How long all waiting for another process's lock may take until a lock is had again.
     static constexpr int patienceMs = 200;
 
     std::string path_;
