@@ -69,7 +69,8 @@ void showState(Velmora &app, const StateControls &controls) {
     }
     controls.playButton.setVisible(false);
     controls.pauseButton.setVisible(true);
-    controls.play_Time.setCaption(player.get_PositionText() + u" - " + player.get_LengthText());
+    const std::u16string position = player.get_PositionText();
+    controls.play_Time.setCaption(position + u" - " + player.get_LengthText());
     controls.playInfo_Show.setCaption(player.nowPlay_Title);
     passOver([&] {
         controls.load_Played.setWidth(static_cast<Twips>(player.get_PlayedWidth(controls.window)));

@@ -74,6 +74,7 @@ protected:
     // A machine on which the start sequence has nothing to complain of.
     void prepareMachine() {
         fake.waveOut.addDevice();
+        files.addFolder(fake.folders.temporary);
         files.addFile(programPath);
         fake.versions.addProgram(programPath, u"zkPlayer");
         fake.processes.executables = {programPath};

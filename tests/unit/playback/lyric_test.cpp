@@ -166,7 +166,7 @@ TEST_F(DesktopLine, ThatStandsStillIsNotDrawnAgain) {
 }
 
 TEST_F(DesktopLine, InANewFontIsFittedAnew) {
-    const std::u16string line(100, u'w');
+    const std::u16string line(30, u'w');
     showLine(line);
     EXPECT_EQ(form().lrc_Text.alignment(), forms::Alignment::Centre);
     forms::Font large = form().lrc_Text.font();

@@ -59,7 +59,9 @@ TEST_F(Version, GivesTheSixStrings) {
 }
 
 TEST_F(Version, LeavesAStringEmptyThatTheRecordLacks) {
-    fake.versions.addRecord(path, {.productName = u"Velmora"});
+    fakes::FakeVersionRecords::Strings strings;
+    strings.productName = u"Velmora";
+    fake.versions.addRecord(path, strings);
     record().read_File_Version(path);
     EXPECT_EQ(record().ver_ProductName, u"Velmora");
     EXPECT_EQ(record().ver_InternalName, u"");
