@@ -162,6 +162,7 @@ void FakeWindows::runIdleWork() {
 }
 
 forms::TextExtent FakeWindows::textExtent(std::u16string_view text, const forms::Font &font) {
+    ++measures;
     double units = 0;
     for (const char16_t unit : text) {
         units += unit > 0x2E7F ? 2 : 1;
@@ -170,6 +171,19 @@ forms::TextExtent FakeWindows::textExtent(std::u16string_view text, const forms:
     const double pixels = std::ceil(units * 8 * scale);
     return {static_cast<Twips>(pixels) * twipsPerPixel,
             static_cast<Twips>(std::ceil(15 * scale)) * twipsPerPixel};
+}
+
+forms::Surface FakeWindows::pictureSurface(forms::Picture picture, int width, int height) {
+    forms::Surface surface(width, height);
+    for (int y = 0; y < surface.height(); ++y) {
+        for (int x = 0; x < surface.width(); ++x) {
+            surface.setPixel(x, y,
+                             forms::Surface::black | static_cast<std::uint32_t>(picture) << 16U |
+                                 static_cast<std::uint32_t>(x & 0xFF) << 8U |
+                                 static_cast<std::uint32_t>(y & 0xFF));
+        }
+    }
+    return surface;
 }
 
 std::int32_t FakeWindows::GetWindowLongA(platform::HWND window, std::int32_t index) {

@@ -94,6 +94,7 @@ public:
     // --- what was asked --------------------------------------------------------------------------
     int pumps = 0;
     int refreshes = 0;
+    int measures = 0; // of texts
     std::vector<Box> boxes;
     struct TrayCall {
         std::uint32_t operation;
@@ -127,6 +128,8 @@ public:
     // 120 twips a unit and 15 twips a point in height at 9 points, in proportion at other sizes; a
     // unit above U+2E7F is twice as wide.
     forms::TextExtent textExtent(std::u16string_view text, const forms::Font &font) override;
+    // Each pixel tells its picture and place: 0xFF, the picture's number, x, y.
+    forms::Surface pictureSurface(forms::Picture picture, int width, int height) override;
     std::int32_t GetWindowLongA(platform::HWND window, std::int32_t index) override;
     std::int32_t SetWindowLongA(platform::HWND window, std::int32_t index,
                                 std::int32_t value) override;

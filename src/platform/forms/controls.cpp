@@ -23,7 +23,7 @@ template <typename Value, typename New> bool differs(Value &held, const New &val
 
 void Label::setCaption(std::u16string_view caption) {
     const bool isNew = differs(caption_, caption);
-    fit();
+    fit(isNew);
     if (isNew) {
         changed(Change::Look);
     }
@@ -31,18 +31,20 @@ void Label::setCaption(std::u16string_view caption) {
 
 void Label::setFont(const Font &font) {
     const bool isNew = differs(font_, font);
-    fit();
+    fit(isNew);
     if (isNew) {
         changed(Change::Look);
     }
 }
 
-void Label::fit() {
+void Label::fit(bool measureAnew) {
     if (!autoSize_) {
         return;
     }
-    const TextExtent extent = form().textExtent(caption_, font_);
-    move({left(), top(), extent.width, extent.height});
+    if (measureAnew) {
+        fitted_ = form().textExtent(caption_, font_);
+    }
+    move({left(), top(), fitted_.width, fitted_.height});
 }
 
 void Label::setForeColor(Colour colour) {
@@ -70,8 +72,9 @@ void Label::setAlignment(Alignment alignment) {
 }
 
 void Label::setAutoSize(bool autoSize) {
-    autoSize_ = autoSize;
-    fit();
+    if (differs(autoSize_, autoSize)) {
+        fit(true);
+    }
 }
 
 void Label::setWordWrap(bool wordWrap) {

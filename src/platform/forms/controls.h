@@ -12,8 +12,9 @@ namespace velmora::forms {
 enum class Alignment : std::uint8_t { Left = 0, Right = 1, Centre = 2 };
 
 // A line or block of text; never takes the focus. With `autoSize`, writing a caption (even the
-// same) or the font fits the width to the text and keeps Left; a width written afterwards holds
-// until the next caption or font. Not auto-sized labels clip, or wrap when `wordWrap` is set.
+// same) or the font fits width and height to the text and keeps Left and Top; a size written
+// afterwards holds until the next caption or font. The same caption on a label that fits costs
+// nothing. Not auto-sized labels clip, or wrap when `wordWrap` is set.
 class Label : public Control {
 public:
     using Control::Control;
@@ -42,9 +43,10 @@ public:
     std::u16string accessibleName() const override;
 
 private:
-    void fit();
+    void fit(bool measureAnew);
 
     std::u16string caption_;
+    TextExtent fitted_; // of the caption in the font, while auto-sized
     Font font_;
     Colour foreColor_ = 0;
     Colour backColor_ = 0x00FFFFFF;

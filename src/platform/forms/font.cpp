@@ -4,7 +4,8 @@
 
 namespace velmora::forms {
 
-Font::Font(std::u16string_view name, float sizePoints, bool bold) : name_(name), size_(sizePoints) {
+Font::Font(std::u16string_view name, float sizePoints, bool bold) : name_(name) {
+    setSize(sizePoints);
     setBold(bold);
 }
 

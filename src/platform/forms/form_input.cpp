@@ -201,8 +201,8 @@ void Form::pointerMoved(PointTwips at, std::int16_t buttons, std::int16_t shift)
         leavePending_ = hovered_ != nullptr && takerAt(at) != hovered_;
         return;
     }
-    if (buttons == 0) {
-        heldButtons_ = 0; // a box or menu may have taken the release
+    if (buttons == 0 && heldButtons_ != 0) {
+        pointerLost(); // a box or menu took the release
     }
     if (heldButtons_ != 0) {
         // The control that took the press may be gone, or disabled.
@@ -283,6 +283,10 @@ void Form::pointerDoubleClicked(PointTwips at, std::int16_t button, std::int16_t
 
 void Form::pointerLost() {
     heldButtons_ = 0;
+    // The pointer may be anywhere now; the next move or leave tells a button that held the press.
+    if (asCustom(captured_) != nullptr) {
+        hovered_ = captured_;
+    }
     captured_ = nullptr;
     formCaptured_ = false;
     clickSpent_ = false;

@@ -7,8 +7,17 @@ namespace velmora::forms {
 
 Menu::Menu(Container &form, const char *name) : Control(form, name) {}
 
-Menu::Menu(Menu &parent, const char *name) : Control(parent.form(), name) {
+Menu::Menu(Menu &parent, const char *name) : Control(parent.form(), name), parent_(&parent) {
     parent.entries_.push_back(this);
+}
+
+Menu::~Menu() {
+    if (parent_ != nullptr) {
+        std::erase(parent_->entries_, this);
+    }
+    for (Menu *entry : entries_) {
+        entry->parent_ = nullptr;
+    }
 }
 
 void Menu::setCaption(std::u16string_view caption) {
@@ -20,7 +29,7 @@ void Menu::setCaption(std::u16string_view caption) {
 }
 
 void Menu::choose() {
-    if (enabled() && !separator_ && events() != nullptr) {
+    if (enabled() && visible() && !separator_ && events() != nullptr) {
         raiseEvent(events()->Click);
     }
 }

@@ -10,6 +10,7 @@ class Menu : public Control {
 public:
     Menu(Container &form, const char *name); // a popup
     Menu(Menu &parent, const char *name);    // an entry
+    ~Menu() override;
     Kind kind() const noexcept override { return Kind::Menu; }
 
     const std::u16string &caption() const noexcept { return caption_; }
@@ -21,12 +22,13 @@ public:
     const std::vector<Menu *> &entries() const noexcept { return entries_; }
     std::u16string accessibleName() const override { return caption_; }
 
-    // The view's road: raises Click when the entry is enabled.
+    // The view's road: raises Click when the entry is enabled, shown and no separator.
     void choose();
 
 private:
     std::u16string caption_;
     std::vector<Menu *> entries_;
+    Menu *parent_ = nullptr; // null for a popup, and once the popup is gone
     bool separator_ = false;
     bool checked_ = false;
 };

@@ -1,0 +1,335 @@
+#include "tests/unit/forms/form_fixture.h"
+
+namespace velmora::forms {
+
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+class LabelTest : public FormFixture {
+protected:
+    Label label{form, "label"};
+
+    LabelTest() { label.move({300, 60, 900, 225}); }
+
+    Twips widthOf(std::u16string_view text) { return form.textExtent(text, label.font()).width; }
+};
+
+TEST_F(LabelTest, KeepsItsWidthWithoutAutoSize) {
+    label.setCaption(u"a text much longer than the label");
+    EXPECT_EQ(label.width(), 900);
+}
+
+TEST_F(LabelTest, AutoSizeFitsTheWidthToTheCaptionAndKeepsLeft) {
+    label.setAutoSize(true);
+    label.setCaption(u"four");
+    EXPECT_EQ(label.width(), widthOf(u"four"));
+    EXPECT_EQ(label.left(), 300);
+    EXPECT_EQ(label.top(), 60);
+}
+
+TEST_F(LabelTest, AutoSizeFitsTheHeightToTheFont) {
+    label.setAutoSize(true);
+    label.setFont(Font(u"Arial", 36));
+    EXPECT_EQ(label.height(), form.textExtent(u"", label.font()).height);
+}
+
+TEST_F(LabelTest, AnAutoSizedEmptyCaptionHasNoWidth) {
+    label.setAutoSize(true);
+    EXPECT_EQ(label.width(), 0);
+}
+
+TEST_F(LabelTest, AutoSizeFitsWhenTheFontChanges) {
+    label.setCaption(u"four");
+    label.setAutoSize(true);
+    label.setFont(Font(u"Arial", 18));
+    EXPECT_EQ(label.width(), widthOf(u"four"));
+}
+
+TEST_F(LabelTest, AWidthWrittenAfterwardsHoldsUntilTheNextCaption) {
+    label.setAutoSize(true);
+    label.setCaption(u"four");
+    label.setWidth(3000);
+    EXPECT_EQ(label.width(), 3000);
+    label.setCaption(u"four"); // even the same
+    EXPECT_EQ(label.width(), widthOf(u"four"));
+}
+
+TEST_F(LabelTest, TheSameCaptionOnALabelThatFitsDrawsNothing) {
+    label.setAutoSize(true);
+    label.setCaption(u"four");
+    auto &window = shown();
+    windows.measures = 0;
+    label.setCaption(u"four");
+    EXPECT_THAT(window.told, IsEmpty());
+    EXPECT_EQ(windows.measures, 0);
+}
+
+TEST_F(LabelTest, UnchangedLooksDrawNothing) {
+    auto &window = shown();
+    label.setFont(label.font());
+    label.setForeColor(label.foreColor());
+    label.setBackColor(label.backColor());
+    label.setTransparent(label.transparent());
+    label.setAlignment(label.alignment());
+    label.setWordWrap(label.wordWrap());
+    label.setRim(label.rim());
+    EXPECT_THAT(window.told, IsEmpty());
+}
+
+TEST_F(LabelTest, EachLookIsToldOnce) {
+    auto &window = shown();
+    label.setCaption(u"x");
+    label.setFont(Font(u"Arial", 20));
+    label.setForeColor(1);
+    label.setBackColor(2);
+    label.setTransparent(false);
+    label.setAlignment(Alignment::Centre);
+    label.setWordWrap(true);
+    label.setRim(true);
+    EXPECT_THAT(window.told, SizeIs(8));
+    for (const auto &told : window.told) {
+        EXPECT_EQ(told.change, Change::Look);
+    }
+}
+
+using OptionTest = FormFixture;
+
+TEST_F(OptionTest, SettingOneTrueClearsTheOthersOfItsContainer) {
+    Frame left{form, "left"};
+    Frame right{form, "right"};
+    OptionButton a{left, "a"};
+    OptionButton b{left, "b"};
+    OptionButton other{right, "other"};
+    other.setValue(true);
+    a.setValue(true);
+    b.setValue(true);
+    EXPECT_FALSE(a.value());
+    EXPECT_TRUE(b.value());
+    EXPECT_TRUE(other.value());
+}
+
+TEST_F(OptionTest, SettingOneFalseLeavesTheOthers) {
+    OptionButton a{form, "a"};
+    OptionButton b{form, "b"};
+    a.setValue(true);
+    a.setValue(false);
+    EXPECT_FALSE(a.value());
+    EXPECT_FALSE(b.value());
+}
+
+TEST_F(OptionTest, CodeRaisesNoClickAndTheUserDoes) {
+    OptionButton a{form, "a"};
+    OptionButton b{form, "b"};
+    Log log;
+    logEvents(a.on(), "a", log);
+    logEvents(b.on(), "b", log);
+    a.setValue(true);
+    EXPECT_THAT(log, IsEmpty());
+    b.userChose();
+    EXPECT_EQ(log, Log{"b click"});
+    EXPECT_FALSE(a.value());
+    b.userChose(); // chosen already
+    EXPECT_EQ(log, Log{"b click"});
+}
+
+TEST_F(OptionTest, ADisabledOneCannotBeChosen) {
+    OptionButton a{form, "a"};
+    a.setEnabled(false);
+    a.userChose();
+    EXPECT_FALSE(a.value());
+}
+
+using CheckTest = FormFixture;
+
+TEST_F(CheckTest, TheUserTogglesBetween0And1AndRaisesClick) {
+    CheckBox box{form, "box"};
+    Log log;
+    logEvents(box.on(), "box", log);
+    box.userToggled();
+    EXPECT_EQ(box.value(), 1);
+    box.userToggled();
+    EXPECT_EQ(box.value(), 0);
+    EXPECT_EQ(log, (Log{"box click", "box click"}));
+}
+
+TEST_F(CheckTest, TheUserTurnsAGreyBoxOff) {
+    CheckBox box{form, "box"};
+    box.setValue(2);
+    box.userToggled();
+    EXPECT_EQ(box.value(), 0);
+}
+
+TEST_F(CheckTest, CodeRaisesNoClick) {
+    CheckBox box{form, "box"};
+    Log log;
+    logEvents(box.on(), "box", log);
+    box.setValue(1);
+    EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(CheckTest, AValueOutside0To2Raises) {
+    CheckBox box{form, "box"};
+    EXPECT_EQ(errorOf([&] { box.setValue(3); }), invalidValue);
+    EXPECT_EQ(errorOf([&] { box.setValue(-1); }), invalidValue);
+    EXPECT_EQ(box.value(), 0);
+}
+
+TEST_F(CheckTest, AClickQueuedForADisabledBoxIsDropped) {
+    CheckBox box{form, "box"};
+    form.setEnabled(false);
+    box.userToggled();
+    EXPECT_EQ(box.value(), 0);
+}
+
+class TextTest : public FormFixture {
+protected:
+    TextBox box{form, "box"};
+    int changes = 0;
+
+    TextTest() {
+        box.on().Change = [this] { ++changes; };
+    }
+};
+
+TEST_F(TextTest, CodeRaisesNoChange) {
+    box.setText(u"new");
+    EXPECT_EQ(box.text(), u"new");
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(TextTest, TheUsersEditIsStoredBeforeChangeIsRaised) {
+    std::u16string seen;
+    box.on().Change = [&] { seen = box.text(); };
+    box.userEdited(u"typed");
+    EXPECT_EQ(seen, u"typed");
+}
+
+TEST_F(TextTest, AnEditThatChangesNothingRaisesNothing) {
+    box.setText(u"same");
+    box.userEdited(u"same");
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(TextTest, ALockedOrDisabledBoxTakesNoEdit) {
+    box.setText(u"kept");
+    box.setLocked(true);
+    box.userEdited(u"typed");
+    box.setLocked(false);
+    box.setEnabled(false);
+    box.userEdited(u"typed");
+    EXPECT_EQ(box.text(), u"kept");
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(TextTest, CodeWritesIntoALockedBox) {
+    box.setLocked(true);
+    box.setText(u"code");
+    EXPECT_EQ(box.text(), u"code");
+}
+
+using LineTest = FormFixture;
+
+TEST_F(LineTest, KeepsItsEndsAndLiesAroundThem) {
+    Line line{form, "line"};
+    line.setEnds(300, 450, 150, 150);
+    EXPECT_EQ(line.x1(), 300);
+    EXPECT_EQ(line.y2(), 150);
+    EXPECT_EQ(line.place(), (RectTwips{150, 150, 165, 315})); // one pixel more on each side
+}
+
+TEST_F(LineTest, OneEndCanBeMovedAlone) {
+    Line line{form, "line"};
+    line.setEnds(10, 20, 30, 40);
+    line.setX2(60);
+    line.setY1(5);
+    EXPECT_EQ(line.x1(), 10);
+    EXPECT_EQ(line.y1(), 5);
+    EXPECT_EQ(line.x2(), 60);
+    EXPECT_EQ(line.y2(), 40);
+}
+
+TEST_F(LineTest, TurningItInItsOwnRectangleRepaints) {
+    Line line{form, "line"};
+    line.setEnds(0, 0, 150, 150);
+    auto &window = shown();
+    line.setEnds(0, 150, 150, 0);
+    ASSERT_THAT(window.told, SizeIs(1));
+    EXPECT_EQ(window.told[0].change, Change::Look);
+    line.setEnds(0, 150, 150, 0);
+    EXPECT_THAT(window.told, SizeIs(1));
+}
+
+using PictureBoxTest = FormFixture;
+
+TEST_F(PictureBoxTest, ItsNativeWindowIsMadeWhileTheFormIsHidden) {
+    PictureBox box{form, "box"};
+    EXPECT_EQ(form.window(), nullptr);
+    EXPECT_NE(box.hWnd(), 0U);
+    EXPECT_FALSE(form.visible());
+}
+
+TEST_F(PictureBoxTest, ItsInnerSizeIsItsSize) {
+    PictureBox box{form, "box"};
+    box.move({1, 2, 300, 200});
+    EXPECT_EQ(box.scaleWidth(), 300);
+    EXPECT_EQ(box.scaleHeight(), 200);
+}
+
+using PictureTest = FormFixture;
+
+TEST_F(PictureTest, TheSamePictureDrawsNothing) {
+    Image image{form, "image"};
+    Shape shape{form, "shape"};
+    image.setPicture(Picture::play);
+    shape.setPicture(Picture::bar_fill);
+    auto &window = shown();
+    image.setPicture(Picture::play);
+    shape.setPicture(Picture::bar_fill);
+    shape.setFillColor(shape.fillColor());
+    EXPECT_THAT(window.told, IsEmpty());
+    image.setPicture(Picture::pause);
+    EXPECT_THAT(window.told, SizeIs(1));
+}
+
+using MenuTest = FormFixture;
+
+TEST_F(MenuTest, EntriesStandInOrder) {
+    Menu menu{form, "menu"};
+    Menu first{menu, "first"};
+    Menu second{menu, "second"};
+    EXPECT_THAT(menu.entries(), ::testing::ElementsAre(&first, &second));
+    EXPECT_EQ(&first.form(), &form);
+}
+
+TEST_F(MenuTest, AnEntryThatEndsLeavesItsMenu) {
+    Menu menu{form, "menu"};
+    { Menu brief{menu, "brief"}; }
+    EXPECT_THAT(menu.entries(), IsEmpty());
+}
+
+TEST_F(MenuTest, ChoosingRaisesClick) {
+    Menu menu{form, "menu"};
+    Menu entry{menu, "entry"};
+    int clicks = 0;
+    entry.on().Click = [&] { ++clicks; };
+    entry.choose();
+    EXPECT_EQ(clicks, 1);
+}
+
+TEST_F(MenuTest, WhatIsDisabledHiddenOrASeparatorCannotBeChosen) {
+    Menu menu{form, "menu"};
+    Menu entry{menu, "entry"};
+    int clicks = 0;
+    entry.on().Click = [&] { ++clicks; };
+    entry.setEnabled(false);
+    entry.choose();
+    entry.setEnabled(true);
+    entry.setVisible(false);
+    entry.choose();
+    entry.setVisible(true);
+    entry.setSeparator(true);
+    entry.choose();
+    EXPECT_EQ(clicks, 0);
+}
+
+} // namespace velmora::forms

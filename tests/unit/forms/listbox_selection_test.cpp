@@ -1,0 +1,334 @@
+#include "tests/unit/forms/form_fixture.h"
+
+namespace velmora::forms {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class SelectionTest : public FormFixture {
+protected:
+    ListBox list{form, "list"};
+    Log log;
+
+    SelectionTest() {
+        for (const char16_t *text : {u"0", u"1", u"2", u"3", u"4", u"5", u"6", u"7"}) {
+            list.addItem(text);
+        }
+        logEvents(list.on(), "list", log);
+    }
+
+    std::vector<int> chosen() const {
+        std::vector<int> rows;
+        for (int row = 0; row < list.listCount(); ++row) {
+            if (list.selected(row)) {
+                rows.push_back(row);
+            }
+        }
+        EXPECT_EQ(list.selCount(), static_cast<int>(rows.size()));
+        return rows;
+    }
+    int clicks() const {
+        return static_cast<int>(std::count(log.begin(), log.end(), "list click"));
+    }
+    void userClick(int row, std::int16_t shift = 0) { list.userClicked(row, shift, false); }
+    void userDrag(int row, std::int16_t shift = 0) { list.userClicked(row, shift, true); }
+};
+
+// --- by code
+// ---------------------------------------------------------------------------------------
+
+TEST_F(SelectionTest, WritingASelectionTrueMakesTheRowCurrentAndFalseDoesNot) {
+    list.setMultiSelect(true);
+    list.setSelected(3, true);
+    EXPECT_EQ(list.listIndex(), 3);
+    list.setSelected(5, false);
+    list.setSelected(3, false);
+    EXPECT_EQ(list.listIndex(), 3);
+    EXPECT_THAT(chosen(), IsEmpty());
+}
+
+TEST_F(SelectionTest, ASimpleListHoldsOneSelection) {
+    list.setSelected(1, true);
+    list.setSelected(4, true);
+    EXPECT_THAT(chosen(), ElementsAre(4));
+}
+
+TEST_F(SelectionTest, SelectingByCodeRaisesClickInASimpleListWhenItChangesSomething) {
+    list.setSelected(1, true);
+    EXPECT_EQ(clicks(), 1);
+    list.setSelected(1, true);
+    EXPECT_EQ(clicks(), 1);
+    list.setSelected(1, false);
+    EXPECT_EQ(clicks(), 1);
+}
+
+TEST_F(SelectionTest, SelectingByCodeRaisesNoClickInAnExtendedList) {
+    list.setMultiSelect(true);
+    list.setSelected(1, true);
+    EXPECT_EQ(clicks(), 0);
+}
+
+TEST_F(SelectionTest, WritingTheCurrentRowOfASimpleListSelectsItAndRaisesClick) {
+    list.setListIndex(2);
+    EXPECT_THAT(chosen(), ElementsAre(2));
+    EXPECT_EQ(clicks(), 1);
+    list.setListIndex(2);
+    EXPECT_EQ(clicks(), 1);
+}
+
+TEST_F(SelectionTest, WritingNoCurrentRowDeselectsASimpleListWithoutAClick) {
+    list.setListIndex(2);
+    list.setListIndex(-1);
+    EXPECT_THAT(chosen(), IsEmpty());
+    EXPECT_EQ(clicks(), 1);
+}
+
+TEST_F(SelectionTest, WritingTheCurrentRowOfAnExtendedListSelectsNothing) {
+    list.setMultiSelect(true);
+    list.setListIndex(2);
+    EXPECT_EQ(list.listIndex(), 2);
+    EXPECT_THAT(chosen(), IsEmpty());
+}
+
+TEST_F(SelectionTest, SelectingARowThatIsNotThereRaises) {
+    EXPECT_EQ(errorOf([&] { list.setSelected(8, true); }), invalidCall);
+    EXPECT_EQ(errorOf([&] { list.setSelected(-1, false); }), invalidCall);
+    EXPECT_EQ(errorOf([&] { list.setListIndex(8); }), invalidValue);
+    EXPECT_EQ(errorOf([&] { list.setListIndex(-2); }), invalidValue);
+}
+
+TEST_F(SelectionTest, SelectingByCodeLeavesTheTopRow) {
+    for (int i = 0; i < 40; ++i) {
+        list.addItem(u"more");
+    }
+    list.setSelected(40, true);
+    EXPECT_EQ(list.topIndex(), 0);
+}
+
+TEST_F(SelectionTest, AnUnchangedSelectionDrawsNothing) {
+    list.setMultiSelect(true);
+    list.setSelected(1, true);
+    auto &window = shown();
+    list.setSelected(1, true);
+    list.setSelected(2, false);
+    list.setListIndex(1);
+    EXPECT_THAT(window.told, IsEmpty());
+}
+
+// --- by the user
+// ---------------------------------------------------------------------------------------
+
+TEST_F(SelectionTest, AClickSelectsItsRowAlone) {
+    list.setMultiSelect(true);
+    userClick(1);
+    userClick(4);
+    EXPECT_THAT(chosen(), ElementsAre(4));
+    EXPECT_EQ(list.listIndex(), 4);
+    EXPECT_EQ(clicks(), 2);
+}
+
+TEST_F(SelectionTest, AClickOnTheSelectedRowIsStillAClick) {
+    userClick(4);
+    userClick(4);
+    EXPECT_EQ(clicks(), 2);
+}
+
+TEST_F(SelectionTest, CtrlTurnsOneRowAndKeepsTheOthers) {
+    list.setMultiSelect(true);
+    userClick(1);
+    userClick(3, ctrlMask);
+    userClick(5, ctrlMask);
+    EXPECT_THAT(chosen(), ElementsAre(1, 3, 5));
+    userClick(3, ctrlMask);
+    EXPECT_THAT(chosen(), ElementsAre(1, 5));
+    EXPECT_EQ(list.listIndex(), 3);
+}
+
+TEST_F(SelectionTest, ShiftSelectsFromTheAnchorBothWays) {
+    list.setMultiSelect(true);
+    userClick(3);
+    userClick(6, shiftMask);
+    EXPECT_THAT(chosen(), ElementsAre(3, 4, 5, 6));
+    userClick(1, shiftMask);
+    EXPECT_THAT(chosen(), ElementsAre(1, 2, 3));
+    EXPECT_EQ(list.listIndex(), 1);
+}
+
+TEST_F(SelectionTest, ShiftStartsAtTheRowThatCodeSelected) {
+    list.setMultiSelect(true);
+    list.setSelected(2, true);
+    userClick(4, shiftMask);
+    EXPECT_THAT(chosen(), ElementsAre(2, 3, 4));
+}
+
+TEST_F(SelectionTest, ShiftWithoutAnAnchorSelectsTheRowAlone) {
+    list.setMultiSelect(true);
+    userClick(4, shiftMask);
+    EXPECT_THAT(chosen(), ElementsAre(4));
+    userClick(6, shiftMask);
+    EXPECT_THAT(chosen(), ElementsAre(4, 5, 6));
+}
+
+TEST_F(SelectionTest, CtrlAndShiftAddAStretch) {
+    list.setMultiSelect(true);
+    userClick(0);
+    userClick(3, ctrlMask);
+    userClick(5, static_cast<std::int16_t>(ctrlMask | shiftMask));
+    EXPECT_THAT(chosen(), ElementsAre(0, 3, 4, 5));
+}
+
+TEST_F(SelectionTest, TheAnchorFollowsItsRow) {
+    list.setMultiSelect(true);
+    userClick(3);
+    list.addItem(u"above", 0);
+    userClick(6, shiftMask);
+    EXPECT_THAT(chosen(), ElementsAre(4, 5, 6));
+}
+
+TEST_F(SelectionTest, ADragSelectsFromThePressedRow) {
+    list.setMultiSelect(true);
+    userClick(2);
+    userDrag(3);
+    userDrag(4);
+    EXPECT_THAT(chosen(), ElementsAre(2, 3, 4));
+    userDrag(1);
+    EXPECT_THAT(chosen(), ElementsAre(1, 2));
+}
+
+TEST_F(SelectionTest, ADragThatStaysOnItsRowRaisesNothing) {
+    list.setMultiSelect(true);
+    userClick(2);
+    userDrag(2);
+    EXPECT_EQ(clicks(), 1);
+    userDrag(3);
+    EXPECT_EQ(clicks(), 2);
+}
+
+TEST_F(SelectionTest, ADragWithCtrlAddsAndGivesBackWhatItLeaves) {
+    list.setMultiSelect(true);
+    userClick(5);
+    userClick(1, ctrlMask);
+    userDrag(3, ctrlMask);
+    EXPECT_THAT(chosen(), ElementsAre(1, 2, 3, 5));
+    userDrag(6, ctrlMask);
+    EXPECT_THAT(chosen(), ElementsAre(1, 2, 3, 4, 5, 6));
+    userDrag(2, ctrlMask);
+    EXPECT_THAT(chosen(), ElementsAre(1, 2, 5));
+}
+
+TEST_F(SelectionTest, ADragWithCtrlFromASelectedRowTakesAway) {
+    list.setMultiSelect(true);
+    userClick(1);
+    userClick(4, shiftMask);
+    userClick(2, ctrlMask);
+    userDrag(3, ctrlMask);
+    EXPECT_THAT(chosen(), ElementsAre(1, 4));
+}
+
+TEST_F(SelectionTest, ADragInASimpleListMovesTheSelection) {
+    userClick(2);
+    userDrag(5);
+    EXPECT_THAT(chosen(), ElementsAre(5));
+}
+
+TEST_F(SelectionTest, ModifiersMeanNothingInASimpleList) {
+    userClick(2);
+    userClick(5, ctrlMask);
+    userClick(5, ctrlMask);
+    EXPECT_THAT(chosen(), ElementsAre(5));
+    userClick(1, shiftMask);
+    EXPECT_THAT(chosen(), ElementsAre(1));
+}
+
+TEST_F(SelectionTest, AClickWhereNoRowIsDoesNothing) {
+    userClick(2);
+    userClick(8);
+    userClick(-1);
+    EXPECT_THAT(chosen(), ElementsAre(2));
+    EXPECT_EQ(clicks(), 1);
+}
+
+TEST_F(SelectionTest, AClickQueuedForADisabledListIsDropped) {
+    list.setEnabled(false);
+    userClick(2);
+    list.userMoved(2, 0);
+    list.userDoubleClicked(2);
+    list.userScrolled(2);
+    EXPECT_THAT(log, IsEmpty());
+    EXPECT_THAT(chosen(), IsEmpty());
+}
+
+TEST_F(SelectionTest, KeysSelectAloneAndShiftExtends) {
+    list.setMultiSelect(true);
+    list.userMoved(2, 0);
+    list.userMoved(3, shiftMask);
+    list.userMoved(4, shiftMask);
+    EXPECT_THAT(chosen(), ElementsAre(2, 3, 4));
+    list.userMoved(5, 0);
+    EXPECT_THAT(chosen(), ElementsAre(5));
+    EXPECT_EQ(clicks(), 4);
+}
+
+TEST_F(SelectionTest, KeysWithCtrlMoveTheCurrentRowAlone) {
+    list.setMultiSelect(true);
+    userClick(2);
+    list.userMoved(5, ctrlMask);
+    EXPECT_EQ(list.listIndex(), 5);
+    EXPECT_THAT(chosen(), ElementsAre(2));
+    EXPECT_EQ(clicks(), 1);
+}
+
+TEST_F(SelectionTest, KeysBeyondTheEndsStopAtThem) {
+    list.userMoved(100, 0);
+    EXPECT_EQ(list.listIndex(), 7);
+    list.userMoved(-3, 0);
+    EXPECT_EQ(list.listIndex(), 0);
+}
+
+TEST_F(SelectionTest, KeysInAnEmptyListDoNothing) {
+    list.clear();
+    log.clear();
+    list.userMoved(0, 0);
+    EXPECT_EQ(list.listIndex(), -1);
+    EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(SelectionTest, TheUsersChoiceComesIntoView) {
+    for (int i = 0; i < 40; ++i) {
+        list.addItem(u"more");
+    }
+    list.userMoved(30, 0);
+    EXPECT_EQ(list.topIndex(), 14);
+    list.userMoved(2, 0);
+    EXPECT_EQ(list.topIndex(), 2);
+}
+
+TEST_F(SelectionTest, ADoubleClickIsRaisedOnARow) {
+    list.userDoubleClicked(3);
+    EXPECT_EQ(log, Log{"list double"});
+    list.userDoubleClicked(8);
+    list.userDoubleClicked(-1);
+    EXPECT_EQ(log, Log{"list double"});
+}
+
+TEST_F(SelectionTest, ADoubleClickIsRaisedOnAListWithoutRows) {
+    list.clear();
+    list.userDoubleClicked(-1);
+    EXPECT_EQ(log, Log{"list double"});
+}
+
+TEST_F(SelectionTest, TheClickHandlerSeesTheNewSelection) {
+    int seen = -1;
+    list.on().Click = [&] { seen = list.listIndex(); };
+    userClick(6);
+    EXPECT_EQ(seen, 6);
+}
+
+TEST_F(SelectionTest, TheClickHandlerMayEmptyTheList) {
+    list.on().Click = [&] { list.clear(); };
+    userClick(6);
+    EXPECT_EQ(list.listCount(), 0);
+    EXPECT_EQ(list.listIndex(), -1);
+}
+
+} // namespace velmora::forms
