@@ -19,13 +19,13 @@ quiet="-nostdin -hide_banner -loglevel error -y"
 chirp="aevalsrc=0.5*sin(2*PI*(300*t+100*t*t)):s=44100:d=10.123"
 
 ffmpeg $quiet -f lavfi -i "$chirp" -c:a pcm_s16le mono.wav
-ffmpeg $quiet -i mono.wav -ac 2 -c:a pcm_s16le chirp.wav
+ffmpeg $quiet -i mono.wav -af "pan=stereo|c0=c0|c1=c0" -c:a pcm_s16le chirp.wav
 # Left 440 Hz, right 1000 Hz, both at half scale.
 ffmpeg $quiet -f lavfi -i "aevalsrc=0.5*sin(2*PI*440*t)|0.5*sin(2*PI*1000*t):s=44100:d=30" \
     -c:a pcm_s16le sides.wav
 # A steady tone that crosses no seam: for listening to clicks, levels and silence.
-ffmpeg $quiet -f lavfi -i "aevalsrc=0.5*sin(2*PI*500*t):s=44100:d=60" -ac 2 -c:a pcm_s16le tone.wav
-ffmpeg $quiet -f lavfi -i "aevalsrc=0.5*sin(2*PI*500*t):s=44100:d=1.5" -ac 2 -c:a pcm_s16le short.wav
+ffmpeg $quiet -f lavfi -i "aevalsrc=0.5*sin(2*PI*500*t):s=44100:d=60" -af "pan=stereo|c0=c0|c1=c0" -c:a pcm_s16le tone.wav
+ffmpeg $quiet -f lavfi -i "aevalsrc=0.5*sin(2*PI*500*t):s=44100:d=1.5" -af "pan=stereo|c0=c0|c1=c0" -c:a pcm_s16le short.wav
 # Five quiet and five busy seconds: no mean bit rate tells its length.
 ffmpeg $quiet -f lavfi -i "aevalsrc=if(lt(t\,5)\,0.1*sin(2*PI*440*t)\,0.8*(random(0)-0.5)):s=44100:d=10" \
     -ac 2 -c:a pcm_s16le uneven.wav
@@ -65,7 +65,6 @@ ffmpeg $quiet -i chirp.wav chirp.aiff
 ffmpeg $quiet -i chirp.wav chirp.au
 ffmpeg $quiet -i chirp.wav chirp.caf
 ffmpeg $quiet -i chirp.wav -c:a flac chirp.flac
-ffmpeg $quiet -i chirp.wav -c:a flac flac.ogg
 ffmpeg $quiet -i chirp.wav -c:a libvorbis -q:a 5 chirp.ogg
 ffmpeg $quiet -i chirp.wav -c:a libopus -b:a 96k chirp.opus
 

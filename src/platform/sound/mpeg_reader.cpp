@@ -49,6 +49,9 @@ public:
             rate > maxRate)
             return false;
         rate_ = static_cast<int>(rate);
+        // A frame may lean on bytes of many small frames ahead of it, so decoding begins that far
+        // in front of a seek's target; else a quiet piece of low bit rate would begin silent.
+        lib.mpg123_param(handle_, MPG123_PREFRAMES, rate_ < 32000 ? 100 : 20, 0);
         // A stream that changes its form on the way is turned into the form it began with.
         lib.mpg123_format_none(handle_);
         lib.mpg123_format(handle_, rate, channels_ == 1 ? MPG123_MONO : MPG123_STEREO,
