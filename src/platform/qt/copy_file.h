@@ -1,0 +1,19 @@
+#pragma once
+
+// The system's copy of one file, with its question and its progress.
+
+#include "platform/qt/qt_windows.h"
+
+#include <string_view>
+
+namespace velmora::platform::qt {
+
+enum class CopyOutcome { Done, Cancelled, Failed };
+
+// Copies `source` into `folder` under its own name: into a temporary file there, renamed when it is
+// complete, with the source's time stamp and mode. Asks before it overwrites; an error is told in a
+// box of its own. Nothing half done stays behind. Handles events between the pieces.
+CopyOutcome copyIntoFolder(QtWindowSystem &windows, std::u16string_view source,
+                           std::u16string_view folder);
+
+} // namespace velmora::platform::qt

@@ -1,0 +1,230 @@
+#include "platform/qt/fonts.h"
+
+#include "platform/qt/text_convert.h"
+
+#include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QRawFont>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace velmora::platform::qt {
+
+namespace {
+
+constexpr std::size_t keptTexts = 96;
+constexpr std::size_t keptFaces = 48;
+constexpr double dotsPerPoint = 96.0 / 72.0;
+
+// Faces with the measures of Arial, best first.
+constexpr const char *latinFaces[] = {"Arial",       "Liberation Sans", "Arimo",
+                                      "Nimbus Sans", "Helvetica",       "DejaVu Sans"};
+// Faces that hold Chinese and Japanese, best first.
+constexpr const char *chineseFaces[] = {"Noto Sans CJK SC",    "Source Han Sans SC",
+                                        "Source Han Sans CN",  "WenQuanYi Micro Hei",
+                                        "Droid Sans Fallback", "WenQuanYi Zen Hei"};
+// Names of the design that stand for "the system's Chinese face" wherever they are not installed.
+constexpr std::u16string_view designedChinese[] = {u"微软雅黑", u"宋体",   u"新宋体",
+                                                   u"黑体",     u"SimSun", u"Microsoft YaHei"};
+
+template <std::size_t n> QString firstInstalled(const char *const (&names)[n]) {
+    for (const char *name : names)
+        if (QFontDatabase::hasFamily(QLatin1String(name)))
+            return QLatin1String(name);
+    return {};
+}
+
+bool isIdeographic(char32_t c) {
+    return (c >= 0x2E80 && c <= 0xA4CF) || (c >= 0xAC00 && c <= 0xD7AF) ||
+           (c >= 0xF900 && c <= 0xFAFF) || (c >= 0xFE30 && c <= 0xFE4F) ||
+           (c >= 0xFF00 && c <= 0xFFEF) || (c >= 0x20000 && c <= 0x3FFFF);
+}
+
+// The stretches of `text` that the Chinese face draws.
+QList<QTextLayout::FormatRange> ideographicRanges(const QString &text, const QFont &font) {
+    QList<QTextLayout::FormatRange> ranges;
+    for (qsizetype i = 0; i < text.size();) {
+        char32_t c = text.at(i).unicode();
+        int units = 1;
+        if (text.at(i).isHighSurrogate() && i + 1 < text.size()) {
+            c = QChar::surrogateToUcs4(text.at(i), text.at(i + 1));
+            units = 2;
+        }
+        if (isIdeographic(c)) {
+            if (!ranges.isEmpty() && ranges.last().start + ranges.last().length == i) {
+                ranges.last().length += units;
+            } else {
+                QTextLayout::FormatRange range;
+                range.start = static_cast<int>(i);
+                range.length = units;
+                range.format.setFont(font);
+                ranges.append(range);
+            }
+        }
+        i += units;
+    }
+    return ranges;
+}
+
+QString withLineSeparators(std::u16string_view text) {
+    QString shown = toShown(text);
+    shown.replace(QLatin1String("\r\n"), QString(QChar::LineSeparator));
+    shown.replace(QLatin1Char('\n'), QChar::LineSeparator);
+    shown.replace(QLatin1Char('\r'), QChar::LineSeparator);
+    shown.replace(QLatin1Char('\t'), QLatin1Char(' '));
+    return shown;
+}
+
+} // namespace
+
+const QString &Fonts::latinFamily() {
+    if (latin_.isEmpty())
+        latin_ = firstInstalled(latinFaces);
+    return latin_;
+}
+
+const QString &Fonts::chineseFamily() {
+    if (chinese_.isEmpty())
+        chinese_ = firstInstalled(chineseFaces);
+    return chinese_;
+}
+
+QStringList Fonts::familiesFor(std::u16string_view name) {
+    QStringList families;
+    const QString asked = toQString(name);
+    const bool designed = std::find(std::begin(designedChinese), std::end(designedChinese), name) !=
+                              std::end(designedChinese) ||
+                          name == u"Arial";
+    if (!designed && QFontDatabase::hasFamily(asked))
+        families << asked;
+    families << latinFamily() << chineseFamily();
+    families.removeAll(QString());
+    return families;
+}
+
+const Fonts::Face &Fonts::face(const forms::Font &font) {
+    for (auto it = faces_.begin(); it != faces_.end(); ++it) {
+        if (it->asked == font) {
+            faces_.splice(faces_.begin(), faces_, it);
+            return faces_.front();
+        }
+    }
+    if (faces_.size() >= keptFaces)
+        faces_.pop_back();
+    Face face;
+    face.asked = font;
+    face.font.setFamilies(familiesFor(font.name()));
+    face.font.setPointSizeF(font.size());
+    face.font.setWeight(font.bold() ? QFont::Bold : QFont::Normal);
+    face.font.setItalic(font.italic());
+    face.font.setUnderline(font.underline());
+    face.font.setStrikeOut(font.strikethrough());
+    // Upright hinting only: advances stay in proportion, whatever the density.
+    face.font.setHintingPreference(QFont::PreferVerticalHinting);
+    face.chinese = face.font;
+    face.chinese.setWeight(QFont::Normal);
+    if (!chineseFamily().isEmpty())
+        face.chinese.setFamilies({chineseFamily()});
+    faces_.push_front(std::move(face));
+    return faces_.front();
+}
+
+QFont Fonts::toolkitFont(const forms::Font &font) {
+    QFont toolkit = face(font).font;
+    // A widget lays out its own text: it must not pull in the Chinese face's bold.
+    return toolkit;
+}
+
+QFont Fonts::plainFont(double points, bool bold) {
+    return face(forms::Font(u"Arial", static_cast<float>(points), bold)).font;
+}
+
+std::shared_ptr<ShapedText> Fonts::layOut(std::u16string_view text, const Face &face,
+                                          double wrapWidth) {
+    auto shaped = std::make_shared<ShapedText>();
+    const QString shown = withLineSeparators(text);
+    QTextLayout &layout = shaped->layout;
+    layout.setText(shown);
+    layout.setFont(face.font);
+    layout.setCacheEnabled(true);
+    QTextOption option;
+    option.setWrapMode(wrapWidth < 0 ? QTextOption::ManualWrap
+                                     : QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    const bool bold = face.asked.bold();
+    const auto chinese =
+        bold ? ideographicRanges(shown, face.chinese) : QList<QTextLayout::FormatRange>();
+    if (!chinese.isEmpty())
+        layout.setFormats(chinese);
+
+    const QFontMetricsF metrics(face.font);
+    const double lineHeight = std::ceil(metrics.ascent()) + std::ceil(metrics.descent());
+    shaped->em = face.asked.size() * dotsPerPoint;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(wrapWidth < 0 ? 1e6 : std::max(wrapWidth, 1.0));
+        // One base line for all faces of a line, so that rows of mixed scripts do not jump.
+        line.setPosition({0, shaped->height + std::ceil(metrics.ascent()) - line.ascent()});
+        ShapedText::Line entry;
+        entry.index = line.lineNumber();
+        entry.width = line.naturalTextWidth();
+        entry.top = shaped->height;
+        shaped->lines.push_back(std::move(entry));
+        shaped->width = std::max(shaped->width, shaped->lines.back().width);
+        shaped->height += lineHeight;
+    }
+    layout.endLayout();
+    for (ShapedText::Line &line : shaped->lines) {
+        const QTextLine laid = layout.lineAt(line.index);
+        for (const auto &range : chinese) {
+            const int from = std::max(range.start, laid.textStart());
+            const int to =
+                std::min(range.start + range.length, laid.textStart() + laid.textLength());
+            if (from < to)
+                for (const QGlyphRun &run : laid.glyphRuns(from, to - from))
+                    if (run.rawFont().weight() < QFont::DemiBold)
+                        line.heavier.push_back(run);
+        }
+    }
+    if (shaped->lines.empty())
+        shaped->height = lineHeight;
+    return shaped;
+}
+
+std::shared_ptr<const ShapedText> Fonts::shape(std::u16string_view text, const forms::Font &font,
+                                               double wrapWidth) {
+    const Face &found = face(font);
+    std::u16string key(text);
+    key.push_back(u'\0');
+    // What tells fonts apart, in as few units as will do.
+    key.append(font.name());
+    key.push_back(u'\0');
+    key.push_back(static_cast<char16_t>(std::lround(font.size() * 20)));
+    key.push_back(static_cast<char16_t>((font.bold() ? 1 : 0) | (font.italic() ? 2 : 0) |
+                                        (font.underline() ? 4 : 0) |
+                                        (font.strikethrough() ? 8 : 0)));
+    key.push_back(static_cast<char16_t>(wrapWidth < 0 ? 0xFFFF : std::lround(wrapWidth)));
+    if (const auto at = index_.find(key); at != index_.end()) {
+        kept_.splice(kept_.begin(), kept_, at->second);
+        return kept_.front().text;
+    }
+    while (kept_.size() >= keptTexts) {
+        index_.erase(kept_.back().key);
+        kept_.pop_back();
+    }
+    kept_.push_front({std::move(key), layOut(text, found, wrapWidth)});
+    index_.emplace(kept_.front().key, kept_.begin());
+    return kept_.front().text;
+}
+
+forms::TextExtent Fonts::extent(std::u16string_view text, const forms::Font &font) {
+    const auto shaped = shape(text, font);
+    // Sums of advances in binary fractions: a hair above a whole pixel is that pixel.
+    constexpr double hair = 1.0 / 64;
+    return {static_cast<Twips>(std::ceil(shaped->width - hair)) * twipsPerPixel,
+            static_cast<Twips>(shaped->height) * twipsPerPixel};
+}
+
+} // namespace velmora::platform::qt

@@ -1,0 +1,79 @@
+#pragma once
+
+// Which installed face draws a font that the program asks for by its designed name, and how text in
+// it is laid out. One place, because every further face costs memory: Chinese text is always drawn
+// from the one regular face; its bold is made from that.
+
+#include "platform/forms/font.h"
+
+#include <QFont>
+#include <QGlyphRun>
+#include <QTextLayout>
+
+#include <list>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace velmora::platform::qt {
+
+// A text laid out in lines, in logical pixels.
+struct ShapedText {
+    struct Line {
+        int index = 0;
+        double width = 0; // without trailing blanks of a wrapped line
+        double top = 0;
+        std::vector<QGlyphRun> heavier; // to be drawn bolder than their face is
+    };
+    QTextLayout layout;
+    std::vector<Line> lines;
+    double width = 0;
+    double height = 0;
+    double em = 0; // the font's size in logical pixels
+};
+
+class Fonts {
+public:
+    Fonts() = default;
+    Fonts(const Fonts &) = delete;
+    Fonts &operator=(const Fonts &) = delete;
+
+    // The toolkit's font for a designed one. Advances do not depend on the screen's density.
+    QFont toolkitFont(const forms::Font &font);
+    // The font of menus, boxes, tips.
+    QFont plainFont(double points, bool bold = false);
+
+    // Kept for the texts last drawn. `wrapWidth` below 0: lines end at line breaks only.
+    std::shared_ptr<const ShapedText> shape(std::u16string_view text, const forms::Font &font,
+                                            double wrapWidth = -1);
+
+    // The advance rounded up to whole logical pixels and the line height, in twips.
+    forms::TextExtent extent(std::u16string_view text, const forms::Font &font);
+
+private:
+    struct Face {
+        forms::Font asked;
+        QFont font;
+        QFont chinese; // the same in the Chinese face's regular weight
+    };
+    const Face &face(const forms::Font &font);
+    const QString &latinFamily();
+    const QString &chineseFamily();
+    QStringList familiesFor(std::u16string_view name);
+    std::shared_ptr<ShapedText> layOut(std::u16string_view text, const Face &face,
+                                       double wrapWidth);
+
+    struct Kept {
+        std::u16string key;
+        std::shared_ptr<const ShapedText> text;
+    };
+    std::list<Face> faces_;
+    std::list<Kept> kept_; // latest first
+    std::unordered_map<std::u16string_view, std::list<Kept>::iterator> index_;
+    QString latin_;
+    QString chinese_;
+};
+
+} // namespace velmora::platform::qt

@@ -1,0 +1,36 @@
+#pragma once
+
+// A widget that paints a part of a form: all of it, or one control with what it contains.
+
+#include "platform/forms/control.h"
+
+#include <QWidget>
+
+#include <functional>
+
+namespace velmora::platform::qt {
+
+class Scene;
+
+class Layer : public QWidget {
+public:
+    // Events are offered to `input` first; true: taken.
+    using Input = std::function<bool(QWidget &, QEvent &)>;
+    // `root` null: the whole form. The widget stands in the form at its position in the window.
+    Layer(Scene &scene, const forms::Control *root, Input input, QWidget *parent,
+          Qt::WindowFlags flags = {});
+
+    const forms::Control *root() const noexcept { return root_; }
+
+protected:
+    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    Scene &scene_;
+    const forms::Control *root_;
+    Input input_;
+};
+
+} // namespace velmora::platform::qt

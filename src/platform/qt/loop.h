@@ -1,0 +1,77 @@
+#pragma once
+
+// The one message loop: the timers' wake-up, the pump, and the moment at which no handler is
+// active any more.
+
+#include "platform/forms/timer.h"
+
+#include <QTimer>
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <functional>
+
+namespace velmora::platform::qt {
+
+class Loop {
+public:
+    // The application object must exist.
+    Loop();
+    ~Loop();
+    Loop(const Loop &) = delete;
+    Loop &operator=(const Loop &) = delete;
+
+    forms::TimerQueue &timers() noexcept { return timers_; }
+
+    // Runs until `quit`; answers its status.
+    int run();
+    void quit(int status);
+    // Whether `run` has been entered: before that the start sequence is at work.
+    bool running() const noexcept { return running_; }
+
+    // See WindowSystem::DoEvents. Within 1 ms of the last it returns at once.
+    void pump();
+    // Handles events until `due` or until something was handled, whichever is first; true: `due`.
+    bool waitUntil(std::chrono::steady_clock::time_point due);
+    // Handles what the window system sends about our windows, but neither input nor timers, until
+    // `done` or the limit.
+    void settle(const std::function<bool()> &done, std::chrono::milliseconds limit);
+
+    // Runs `work` when no handler is active, ahead of the next event.
+    void whenIdle(std::function<void()> work);
+
+    // Runs `work` in one of the next rounds of the loop, once the start sequence is over.
+    void soon(std::function<void()> work);
+
+    // Every call into the program is wrapped in one of these.
+    class Handler {
+    public:
+        explicit Handler(Loop &loop) noexcept : loop_(loop) { ++loop_.depth_; }
+        ~Handler() { loop_.leave(); }
+        Handler(const Handler &) = delete;
+        Handler &operator=(const Handler &) = delete;
+
+    private:
+        Loop &loop_;
+    };
+
+    // Sets the wake-up for the next tick; to be called ahead of a nested loop.
+    void arm();
+
+private:
+    void leave() noexcept;
+    void tick();
+
+    forms::TimerQueue timers_;
+    QTimer wakeUp_;
+    QTimer waitEnd_;
+    std::deque<std::function<void()>> idle_;
+    std::deque<std::function<void()>> soon_; // until `run`
+    std::chrono::steady_clock::time_point lastPump_;
+    int depth_ = 1; // the start sequence counts as a handler, until `run`
+    bool running_ = false;
+    bool ticksHeld_ = false;
+};
+
+} // namespace velmora::platform::qt

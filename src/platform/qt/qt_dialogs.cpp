@@ -1,0 +1,161 @@
+#include "platform/qt/qt_dialogs.h"
+
+#include "base/text.h"
+#include "platform/qt/copy_file.h"
+#include "platform/qt/dialog_filters.h"
+#include "platform/qt/text_convert.h"
+
+#include <QColorDialog>
+#include <QFile>
+#include <QFileDialog>
+#include <QFontDialog>
+#include <QFontInfo>
+
+#include <algorithm>
+#include <cmath>
+
+namespace velmora::platform {
+
+namespace {
+
+constexpr int boldWeight = 700;
+constexpr int regularWeight = 400;
+constexpr int tenths = 10;
+
+// The toolkit's path names keep bytes that are no text as they were; the program's texts hold them
+// as units of their own. Both meet in the bytes.
+std::u16string toPath(const AnsiText &ansi, const QString &path) {
+    const QByteArray bytes = QFile::encodeName(path);
+    return ansi.decodePath({bytes.constData(), static_cast<std::size_t>(bytes.size())});
+}
+
+Colour toColour(const QColor &colour) {
+    return static_cast<Colour>(colour.red()) | static_cast<Colour>(colour.green()) << 8 |
+           static_cast<Colour>(colour.blue()) << 16;
+}
+
+class QtDialogs : public Dialogs {
+public:
+    QtDialogs(QtWindowSystem &windows, const AnsiText &ansi) : windows_(windows), ansi_(ansi) {}
+
+    std::optional<std::u16string> SHBrowseForFolderA(const BROWSEINFO &record) override {
+        QFileDialog dialog;
+        dialog.setWindowTitle(qt::toShown(record.title));
+        dialog.setFileMode(QFileDialog::Directory);
+        dialog.setOption(QFileDialog::ShowDirsOnly, (record.flags & BIF_RETURNONLYFSDIRS) != 0);
+        return chosenFile(dialog);
+    }
+
+    bool ChooseColorA(CHOOSECOLOR &record) override {
+        QColorDialog dialog(qt::toQColor(record.result));
+        for (int i = 0; i < 16 && i < QColorDialog::customCount(); ++i) {
+            const std::size_t at = static_cast<std::size_t>(i) * 4;
+            QColorDialog::setCustomColor(i, QColor(record.customColours[at],
+                                                   record.customColours[at + 1],
+                                                   record.customColours[at + 2]));
+        }
+        if (!runs(dialog)) {
+            return false;
+        }
+        record.result = toColour(dialog.selectedColor());
+        return true;
+    }
+
+    bool GetOpenFileNameA(OPENFILENAME &record) override {
+        QFileDialog dialog;
+        dialog.setAcceptMode(QFileDialog::AcceptOpen);
+        dialog.setFileMode(QFileDialog::ExistingFile);
+        return fileName(dialog, record);
+    }
+
+    bool GetSaveFileNameA(OPENFILENAME &record) override {
+        QFileDialog dialog;
+        dialog.setAcceptMode(QFileDialog::AcceptSave);
+        dialog.setFileMode(QFileDialog::AnyFile);
+        dialog.setOption(QFileDialog::DontConfirmOverwrite,
+                         (record.flags & OFN_OVERWRITEPROMPT) == 0);
+        return fileName(dialog, record);
+    }
+
+    std::int32_t ChooseFontA(CHOOSEFONT &record) override {
+        const std::u16string name =
+            ansi_.decode(std::string_view(record.logFont.faceName)
+                             .substr(0, record.logFont.faceName.find('\0')));
+        QFont font(qt::toQString(name));
+        font.setPointSizeF(std::max(1.0, static_cast<double>(record.pointSize) / tenths));
+        font.setBold(record.logFont.weight >= boldWeight);
+        font.setItalic(record.logFont.italic);
+        font.setUnderline(record.logFont.underline);
+        QFontDialog dialog(font);
+        if (!runs(dialog)) {
+            return 0;
+        }
+        const QFont chosen = dialog.selectedFont();
+        record.logFont.weight = chosen.bold() ? boldWeight : regularWeight;
+        record.logFont.italic = chosen.italic();
+        record.logFont.underline = chosen.underline();
+        // Where the dialog knows only the substitute of the font, the name that was asked for
+        // stays.
+        if (chosen.family() != font.family() && chosen.family() != QFontInfo(font).family()) {
+            record.logFont.faceName = ansi_.encode(qt::fromQString(chosen.family()));
+        }
+        record.pointSize = static_cast<std::int32_t>(std::lround(chosen.pointSizeF() * tenths));
+        return 1;
+    }
+
+    std::int32_t SHFileOperationA(SHFILEOPSTRUCT &operation) override {
+        if (operation.function != FO_COPY) {
+            return 1;
+        }
+        windows_.beforeNestedLoop();
+        const auto outcome =
+            qt::copyIntoFolder(windows_, untilNul(operation.from), untilNul(operation.to));
+        operation.anyOperationsAborted = outcome == qt::CopyOutcome::Cancelled;
+        return outcome == qt::CopyOutcome::Failed ? 1 : 0;
+    }
+
+private:
+    bool runs(QDialog &dialog) {
+        dialog.setWindowModality(Qt::ApplicationModal);
+        windows_.beforeNestedLoop();
+        return dialog.exec() == QDialog::Accepted;
+    }
+
+    std::optional<std::u16string> chosenFile(QFileDialog &dialog) {
+        if (!runs(dialog) || dialog.selectedFiles().isEmpty()) {
+            return std::nullopt;
+        }
+        return toPath(ansi_, dialog.selectedFiles().front());
+    }
+
+    bool fileName(QFileDialog &dialog, OPENFILENAME &record) {
+        dialog.setWindowTitle(qt::toShown(record.title));
+        dialog.setNameFilters(qt::nameFilters(record.filter));
+        if (!record.initialDirectory.empty()) {
+            dialog.setDirectory(qt::toQString(record.initialDirectory));
+        }
+        if (!record.defaultExtension.empty()) {
+            dialog.setDefaultSuffix(qt::toQString(record.defaultExtension));
+        }
+        const std::u16string_view proposed = untilNul(record.file);
+        if (!proposed.empty()) {
+            dialog.selectFile(qt::toQString(proposed));
+        }
+        const auto chosen = chosenFile(dialog);
+        if (chosen) {
+            record.file = *chosen + std::u16string(1, u'\0');
+        }
+        return chosen.has_value();
+    }
+
+    QtWindowSystem &windows_;
+    const AnsiText &ansi_;
+};
+
+} // namespace
+
+std::unique_ptr<Dialogs> makeQtDialogs(QtWindowSystem &windows, const AnsiText &ansi) {
+    return std::make_unique<QtDialogs>(windows, ansi);
+}
+
+} // namespace velmora::platform

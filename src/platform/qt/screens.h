@@ -1,0 +1,25 @@
+#pragma once
+
+// Screen measures in the program's coordinates: logical pixels, origin at the primary monitor's top
+// left.
+
+#include "base/geometry.h"
+
+#include <QPointF>
+#include <QRect>
+
+namespace velmora::platform::qt::screens {
+
+// The primary monitor in the toolkit's coordinates.
+QRect primary();
+// The part of it that panels leave free, in the toolkit's coordinates.
+QRect freeOfPanels();
+
+RectPixels workArea();
+// The strip at the bottom that the work area leaves free; of zero height if there is none.
+RectPixels taskBar();
+
+QPointF toProgram(QPointF toolkit);
+QPoint toToolkit(QPoint program);
+
+} // namespace velmora::platform::qt::screens

@@ -1,0 +1,128 @@
+#include "platform/qt/text_painter.h"
+
+#include <QPainterPath>
+#include <QRawFont>
+
+#include <algorithm>
+#include <cmath>
+
+namespace velmora::platform::qt {
+
+namespace {
+
+constexpr std::size_t keptPictures = 3;
+constexpr QRgb rimColour = 0xE60A0C10;
+constexpr double largeEm = 24; // from here on glyphs are widened by their outline
+constexpr double boldShare = 1.0 / 20;
+
+double rimWidth(double em) { return std::clamp(em / 14, 1.25, 4.0); }
+
+QPainterPath outlineOf(const QGlyphRun &run) {
+    QPainterPath path;
+    path.setFillRule(Qt::WindingFill);
+    const QRawFont font = run.rawFont();
+    const QList<quint32> glyphs = run.glyphIndexes();
+    const QList<QPointF> places = run.positions();
+    for (qsizetype i = 0; i < glyphs.size(); ++i)
+        path.addPath(font.pathForGlyph(glyphs.at(i)).translated(places.at(i)));
+    return path;
+}
+
+QPen roundPen(const QColor &colour, double width) {
+    return {colour, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin};
+}
+
+double startOf(const TextLook &look, const QRectF &box, double width) {
+    switch (look.alignment) {
+    case forms::Alignment::Right:
+        return box.right() - width;
+    case forms::Alignment::Centre:
+        return box.left() + (box.width() - width) / 2;
+    case forms::Alignment::Left:
+        break;
+    }
+    return box.left();
+}
+
+} // namespace
+
+void TextPainter::draw(QPainter &painter, const QRectF &box, std::u16string_view text,
+                       const TextLook &look) {
+    if (text.empty() || box.isEmpty())
+        return;
+    const auto shaped = fonts_.shape(text, *look.font, look.wrap ? box.width() : -1);
+    const double top =
+        look.middle ? box.top() + std::floor((box.height() - shaped->height) / 2) : box.top();
+    const bool clips = shaped->width > box.width() + 1 || shaped->height > box.height() + 1;
+    if (clips) {
+        painter.save();
+        painter.setClipRect(box, Qt::IntersectClip);
+    }
+    for (const ShapedText::Line &line : shaped->lines) {
+        const QPointF at(startOf(look, box, line.width), top);
+        if (look.rim)
+            drawRimmed(painter, shaped, line, at, look.colour);
+        else
+            drawPlain(painter, *shaped, line, at, look.colour);
+    }
+    if (clips)
+        painter.restore();
+}
+
+void TextPainter::drawPlain(QPainter &painter, const ShapedText &shaped,
+                            const ShapedText::Line &line, QPointF at, const QColor &colour) {
+    painter.setPen(colour);
+    // QTextLine places itself at its own position within the layout.
+    shaped.layout.lineAt(line.index).draw(&painter, at);
+    if (line.heavier.empty())
+        return;
+    if (shaped.em < largeEm) {
+        const QPointF aside(std::max(0.5, shaped.em * boldShare), 0);
+        for (const QGlyphRun &run : line.heavier)
+            painter.drawGlyphRun(at + aside, run);
+        return;
+    }
+    painter.setBrush(Qt::NoBrush);
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (const QGlyphRun &run : line.heavier)
+        painter.strokePath(outlineOf(run).translated(at), roundPen(colour, shaped.em * boldShare));
+}
+
+void TextPainter::drawRimmed(QPainter &painter, const std::shared_ptr<const ShapedText> &shaped,
+                             const ShapedText::Line &line, QPointF at, const QColor &colour) {
+    const double density = painter.device()->devicePixelRatioF();
+    const double margin = std::ceil(rimWidth(shaped->em)) + 1;
+    auto found = std::find_if(pictures_.begin(), pictures_.end(), [&](const Picture &picture) {
+        return picture.text == shaped && picture.line == line.index &&
+               picture.colour == colour.rgba() && picture.density == density;
+    });
+    if (found == pictures_.end()) {
+        const double lineHeight = shaped->height / static_cast<double>(shaped->lines.size());
+        QImage image(static_cast<int>(std::ceil((line.width + 2 * margin) * density)),
+                     static_cast<int>(std::ceil((lineHeight + 2 * margin) * density)),
+                     QImage::Format_ARGB32_Premultiplied);
+        if (image.isNull())
+            return;
+        image.setDevicePixelRatio(density);
+        image.fill(Qt::transparent);
+        QPainter inner(&image);
+        inner.setRenderHint(QPainter::Antialiasing);
+        const QPointF origin(margin, margin - line.top);
+        QPainterPath outline;
+        outline.setFillRule(Qt::WindingFill);
+        for (const QGlyphRun &run : shaped->layout.lineAt(line.index).glyphRuns())
+            outline.addPath(outlineOf(run).translated(origin));
+        const double heavier = line.heavier.empty() ? 0 : shaped->em * boldShare;
+        inner.strokePath(outline,
+                         roundPen(QColor::fromRgba(rimColour), 2 * rimWidth(shaped->em) + heavier));
+        drawPlain(inner, *shaped, line, origin, colour);
+        inner.end();
+        if (pictures_.size() >= keptPictures)
+            pictures_.pop_back();
+        pictures_.push_front({shaped, line.index, colour.rgba(), density, std::move(image)});
+        found = pictures_.begin();
+    }
+    painter.drawImage(at + QPointF(-margin, line.top - margin), found->image);
+}
+
+} // namespace velmora::platform::qt

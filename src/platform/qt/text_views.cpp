@@ -1,0 +1,124 @@
+#include "platform/qt/text_views.h"
+
+#include "platform/qt/fonts.h"
+#include "platform/qt/look.h"
+#include "platform/qt/loop.h"
+#include "platform/qt/text_convert.h"
+
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QSignalBlocker>
+
+namespace velmora::platform::qt {
+
+namespace {
+
+QPalette paletteFor(const forms::TextBox &box, QPalette palette) {
+    palette.setColor(QPalette::Text, toQColor(box.foreColor()));
+    palette.setColor(QPalette::Base, toQColor(box.backColor()));
+    palette.setColor(QPalette::Disabled, QPalette::Text, QColor::fromRgba(look::dimmed));
+    palette.setColor(QPalette::Disabled, QPalette::Base, toQColor(box.backColor()));
+    return palette;
+}
+
+template <typename Edit> class TextChild : public ChildView {
+public:
+    TextChild(forms::TextBox &box, const ViewTools &tools, Edit *edit)
+        : ChildView(edit), box_(box), tools_(tools), edit_(edit) {}
+
+    void changed(forms::Change what) override {
+        if (what == forms::Change::Text)
+            showText();
+        else if (what == forms::Change::Look)
+            showLook();
+    }
+
+protected:
+    void begin() {
+        showLook();
+        showText();
+    }
+    virtual QString shown() const = 0;
+    virtual QString modelOf(const QString &shownText) const = 0;
+    virtual QString present() const = 0;
+    virtual void replace(const QString &text) = 0;
+
+    void edited() {
+        const Loop::Handler handler(tools_.loop);
+        box_.userEdited(fromQString(modelOf(present())));
+    }
+
+    forms::TextBox &box_;
+    ViewTools tools_;
+    Edit *edit_;
+
+private:
+    void showText() {
+        edit_->setReadOnly(box_.locked());
+        const QString text = shown();
+        if (present() == text)
+            return;
+        const QSignalBlocker quiet(edit_);
+        replace(text);
+    }
+
+    void showLook() {
+        edit_->setFont(tools_.fonts.toolkitFont(box_.font()));
+        edit_->setPalette(paletteFor(box_, edit_->palette()));
+    }
+};
+
+class LineChild : public TextChild<QLineEdit> {
+public:
+    LineChild(forms::TextBox &box, const ViewTools &tools, QWidget *parent)
+        : TextChild(box, tools, new QLineEdit(parent)) {
+        edit_->setFrame(true);
+        QObject::connect(edit_, &QLineEdit::textEdited, edit_, [this] { edited(); });
+        begin();
+    }
+
+private:
+    QString shown() const override { return toQString(box_.text()); }
+    QString modelOf(const QString &text) const override { return text; }
+    QString present() const override { return edit_->text(); }
+    void replace(const QString &text) override {
+        edit_->setText(text);
+        edit_->setCursorPosition(0);
+    }
+};
+
+class BlockChild : public TextChild<QPlainTextEdit> {
+public:
+    BlockChild(forms::TextBox &box, const ViewTools &tools, QWidget *parent)
+        : TextChild(box, tools, new QPlainTextEdit(parent)) {
+        edit_->setTabChangesFocus(true);
+        edit_->setFrameShape(QFrame::StyledPanel);
+        edit_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        QObject::connect(edit_, &QPlainTextEdit::textChanged, edit_, [this] { edited(); });
+        begin();
+    }
+
+private:
+    QString shown() const override {
+        QString text = toQString(box_.text());
+        text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+        text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+        return text;
+    }
+    QString modelOf(const QString &text) const override {
+        return QString(text).replace(QLatin1Char('\n'), QLatin1String("\r\n"));
+    }
+    QString present() const override { return edit_->toPlainText(); }
+    void replace(const QString &text) override { edit_->setPlainText(text); }
+};
+
+} // namespace
+
+std::unique_ptr<ChildView> makeTextView(forms::TextBox &box, const ViewTools &tools,
+                                        QWidget *parent) {
+    if (box.multiLine())
+        return std::make_unique<BlockChild>(box, tools, parent);
+    return std::make_unique<LineChild>(box, tools, parent);
+}
+
+} // namespace velmora::platform::qt

@@ -1,0 +1,95 @@
+#pragma once
+
+// What the windows need of the X server beyond the toolkit: window states ahead of mapping, shapes,
+// attention, the compositor's presence, key symbols. Everything is asked on the toolkit's own
+// connection. Windows are device pixels here.
+
+#include <QAbstractNativeEventFilter>
+#include <QRect>
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <map>
+#include <span>
+#include <vector>
+
+namespace velmora::platform::qt {
+
+class X11 : public QAbstractNativeEventFilter {
+public:
+    enum Atom : std::uint8_t {
+        NetWmState,
+        SkipTaskbar,
+        SkipPager,
+        Above,
+        FullScreen,
+        DemandsAttention,
+        CompositorSelection,
+        AtomCount
+    };
+
+    // The application object must exist.
+    X11();
+    ~X11() override;
+    X11(const X11 &) = delete;
+    X11 &operator=(const X11 &) = delete;
+
+    xcb_connection_t *connection() const noexcept { return connection_; }
+    xcb_window_t root() const noexcept { return screen_->root; }
+    void flush() { xcb_flush(connection_); }
+
+    // Whether a compositor draws the screen now; `onCompositor` follows each change.
+    bool composited() const noexcept { return composited_; }
+    std::function<void()> onCompositor;
+
+    // The server is a guest of another window system: it sees the pointer over our windows only.
+    bool isGuest() const noexcept { return guest_; }
+
+    // States of a window that is not mapped; the window manager reads them when it appears. States
+    // that others set stay.
+    void setStatesBeforeMap(xcb_window_t window, std::initializer_list<Atom> states);
+    // Asks the window manager to change a state of a mapped window.
+    void requestState(xcb_window_t window, bool on, Atom state);
+    bool hasState(xcb_window_t window, Atom state);
+
+    // The window consists of these rectangles (rows from top to bottom), for drawing and for
+    // clicks. None at all: nothing of it is there. `clearShape` makes it whole again.
+    void setShape(xcb_window_t window, std::span<const xcb_rectangle_t> rows);
+    void clearShape(xcb_window_t window);
+
+    // All symbols of a key, level by level, group by group.
+    std::vector<xcb_keysym_t> keySymbols(xcb_keycode_t key);
+
+    // A clear window that feels the pointer and shows nothing; `entered` is called when the pointer
+    // comes over it.
+    xcb_window_t makeSensor(const QRect &place, std::function<void()> entered);
+    void placeSensor(xcb_window_t sensor, const QRect &place);
+    void destroySensor(xcb_window_t sensor);
+
+    // Calls `covered` when another window comes to lie over `window`.
+    void watchCovered(xcb_window_t window, std::function<void()> covered);
+    void forget(xcb_window_t window);
+
+    bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
+
+private:
+    void internAtoms();
+    bool readComposited();
+    std::vector<xcb_atom_t> readStates(xcb_window_t window);
+    xcb_visualid_t clearVisual() const;
+    bool hasExtension(const char *name, std::uint8_t &firstEvent);
+
+    xcb_connection_t *connection_;
+    xcb_screen_t *screen_ = nullptr;
+    xcb_atom_t atoms_[AtomCount] = {};
+    std::map<xcb_window_t, std::function<void()>> sensors_;
+    std::map<xcb_window_t, std::function<void()>> covered_;
+    std::uint8_t fixesEvent_ = 0;
+    bool composited_ = false;
+    bool guest_ = false;
+};
+
+} // namespace velmora::platform::qt
