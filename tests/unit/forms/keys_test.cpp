@@ -1,0 +1,179 @@
+#include "tests/unit/forms/form_fixture.h"
+
+namespace velmora::forms {
+
+using ::testing::IsEmpty;
+
+class KeysTest : public FormFixture {
+protected:
+    ListBox list{form, "list"};
+    TextBox text{form, "text"};
+    Log log;
+
+    KeysTest() {
+        list.move({0, 0, 1000, 1000});
+        text.move({0, 1200, 1000, 300});
+        logEvents(form.on(), "form", log);
+        logEvents(list.on(), "list", log);
+        logEvents(text.on(), "text", log);
+    }
+};
+
+TEST_F(KeysTest, AKeyGoesToTheActiveControl) {
+    form.setFocus(&text);
+    EXPECT_TRUE(form.keyPressed(65, 0));
+    form.keyReleased(65, 0);
+    EXPECT_EQ(log, (Log{"text key", "text keyup"}));
+}
+
+TEST_F(KeysTest, AFormWithoutFocusableControlsGetsItsKeys) {
+    list.setVisible(false);
+    text.setVisible(false);
+    form.keyPressed(65, 0);
+    form.keyReleased(65, 0);
+    EXPECT_EQ(log, (Log{"form key", "form keyup"}));
+}
+
+TEST_F(KeysTest, TheFirstControlHasTheFocusWhenTheFormIsShown) {
+    form.show();
+    EXPECT_EQ(form.activeControl(), &list);
+    EXPECT_EQ(fakes::FakeWindows::windowOf(form)->focused, &list);
+}
+
+TEST_F(KeysTest, AHandlerSwallowsAKeyBySettingItsCodeToZero) {
+    list.on().KeyDown = [](KeyEvent &event) { event.keyCode = 0; };
+    EXPECT_FALSE(form.keyPressed(65, 0));
+}
+
+TEST_F(KeysTest, TheKeyCarriesCodeAndShift) {
+    KeyEvent seen;
+    list.on().KeyDown = [&](KeyEvent &event) { seen = event; };
+    form.keyPressed(117, ctrlMask);
+    EXPECT_EQ(seen.keyCode, 117);
+    EXPECT_EQ(seen.shift, ctrlMask);
+}
+
+TEST_F(KeysTest, APressGivesTheFocus) {
+    press(10, 1210);
+    EXPECT_EQ(form.activeControl(), &text);
+    release(10, 1210);
+    press(2500, 2500); // the form
+    EXPECT_EQ(form.activeControl(), &text);
+}
+
+TEST_F(KeysTest, AKeyForADisabledControlIsDropped) {
+    form.setFocus(&list);
+    list.setEnabled(false);
+    EXPECT_FALSE(form.keyPressed(46, 0));
+    form.keyReleased(46, 0);
+    EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(KeysTest, AControlDisabledAndEnabledAgainGetsBackTheFocus) {
+    auto &window = shown();
+    form.setFocus(&list);
+    list.setEnabled(false);
+    EXPECT_EQ(form.activeControl(), &list);
+    window.focused = nullptr; // what a toolkit does
+    list.setEnabled(true);
+    EXPECT_EQ(window.focused, &list);
+    EXPECT_TRUE(form.keyPressed(46, 0));
+    EXPECT_EQ(log, Log{"list key"});
+}
+
+TEST_F(KeysTest, EnablingAnotherControlMovesNoFocus) {
+    auto &window = shown();
+    form.setFocus(&list);
+    window.focused = nullptr;
+    text.setEnabled(false);
+    text.setEnabled(true);
+    EXPECT_EQ(window.focused, nullptr);
+}
+
+TEST_F(KeysTest, TheFocusComesBackThroughAnEnabledContainer) {
+    Frame frame(form, "frame");
+    TextBox inner(frame, "inner");
+    auto &window = shown();
+    form.setFocus(&inner);
+    frame.setEnabled(false);
+    window.focused = nullptr;
+    frame.setEnabled(true);
+    EXPECT_EQ(window.focused, &inner);
+}
+
+TEST_F(KeysTest, AHiddenControlLosesTheFocusToTheFirst) {
+    form.setFocus(&text);
+    text.setVisible(false);
+    form.keyPressed(65, 0);
+    EXPECT_EQ(log, Log{"list key"});
+}
+
+TEST_F(KeysTest, HiddenAndDisabledControlsTakeNoFocus) {
+    form.setFocus(&list);
+    text.setVisible(false);
+    form.setFocus(&text);
+    EXPECT_EQ(form.activeControl(), &list);
+    text.setVisible(true);
+    text.setEnabled(false);
+    form.setFocus(&text);
+    EXPECT_EQ(form.activeControl(), &list);
+}
+
+TEST_F(KeysTest, APanelOverTheListTakesItsKeys) {
+    PictureBox panel(form, "panel");
+    panel.move({100, 100, 500, 500});
+    logEvents(panel.on(), "panel", log);
+    form.setFocus(&list);
+    EXPECT_FALSE(form.keyPressed(46, 0)); // the toolkit's list must not act either
+    form.keyReleased(46, 0);
+    EXPECT_EQ(log, (Log{"panel key", "panel keyup"}));
+    panel.setVisible(false);
+    EXPECT_TRUE(form.keyPressed(46, 0));
+    EXPECT_EQ(log.back(), "list key");
+}
+
+TEST_F(KeysTest, APanelBesideOrBehindTheListTakesNothing) {
+    PictureBox panel(form, "panel");
+    panel.move({1500, 0, 500, 500});
+    form.setFocus(&list);
+    EXPECT_TRUE(form.keyPressed(46, 0));
+    panel.move({0, 0, 500, 500});
+    panel.zOrder(1);
+    EXPECT_TRUE(form.keyPressed(46, 0));
+}
+
+TEST_F(KeysTest, APanelOverTheContainerTakesTheKeysOfWhatItHolds) {
+    Frame frame(form, "frame");
+    frame.move({1500, 0, 1000, 1000});
+    TextBox inner(frame, "inner");
+    inner.move({0, 0, 300, 300});
+    PictureBox panel(form, "panel");
+    panel.move({1600, 100, 100, 100});
+    form.setFocus(&inner);
+    EXPECT_FALSE(form.keyPressed(46, 0));
+}
+
+TEST_F(KeysTest, TabGoesRoundInTheOrderOfTheDesign) {
+    CheckBox check(form, "check");
+    check.setEnabled(false);
+    OptionButton option(form, "option");
+    form.show();
+    std::vector<Control *> order;
+    for (int i = 0; i < 3; ++i) {
+        form.focusNext(false);
+        order.push_back(form.activeControl());
+    }
+    EXPECT_EQ(order, (std::vector<Control *>{&text, &option, &list}));
+    form.focusNext(true);
+    EXPECT_EQ(form.activeControl(), &option);
+}
+
+TEST_F(KeysTest, TheViewReportsAFocusThatTheUserGaveWithoutAnEcho) {
+    auto &window = shown();
+    window.focused = nullptr;
+    form.focusTaken(&text);
+    EXPECT_EQ(form.activeControl(), &text);
+    EXPECT_EQ(window.focused, nullptr);
+}
+
+} // namespace velmora::forms
