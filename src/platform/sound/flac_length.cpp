@@ -1,5 +1,7 @@
 #include "platform/sound/flac_length.h"
 
+#include "platform/sound/mpeg_frame.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -102,9 +104,10 @@ std::optional<std::int64_t> flacSamplesPresent(const ByteSource &source) {
     const std::int64_t block = streamBlockSize(source);
     if (block == 0)
         return std::nullopt;
+    const std::int64_t end = endBeforeTags(source);
     for (std::int64_t tail = 131072;; tail *= 8) {
-        const std::int64_t start = std::max<std::int64_t>(source.size() - tail, 0);
-        std::vector<std::uint8_t> bytes(static_cast<std::size_t>(source.size() - start));
+        const std::int64_t start = std::max<std::int64_t>(end - tail, 0);
+        std::vector<std::uint8_t> bytes(static_cast<std::size_t>(end - start));
         bytes.resize(source.read(start, bytes));
         for (std::size_t at = bytes.size(); at-- > 0;) {
             const Bytes rest = Bytes(bytes).subspan(at);

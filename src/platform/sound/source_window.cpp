@@ -13,7 +13,9 @@ constexpr std::int64_t decodeStep = 2048; // frames
 
 SourceWindow::SourceWindow(std::unique_ptr<Reader> reader, int capacityMs)
     : reader_(std::move(reader)), mix_(reader_->channels()),
-      capacity_(std::max(std::int64_t{reader_->rate()} * capacityMs / 1000, decodeStep * 4)),
+      // Decoding runs up to a step ahead of what is asked for.
+      capacity_(std::max(std::int64_t{reader_->rate()} * capacityMs / 1000, decodeStep * 4) +
+                decodeStep),
       length_(reader_->frames()) {}
 
 void SourceWindow::seek(std::int64_t frame) {
