@@ -1,0 +1,82 @@
+// Makes the platform and hands it to the program. The only file that knows both sides.
+
+#include "playback/Main.h"
+#include "base/run_time_error.h"
+#include "platform/linux/home_folders.h"
+#include "platform/linux/linux.h"
+#include "platform/media/mci_interpreter.h"
+#include "platform/picture/picture.h"
+#include "platform/qt/qt_dialogs.h"
+#include "platform/qt/qt_windows.h"
+#include "platform/registry/sqlite_registry.h"
+#include "platform/sound/sound.h"
+#include "velmora.h"
+
+#include <chrono>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using namespace velmora;
+
+void note(std::string_view line) {
+    std::fprintf(stderr, "velmora: %.*s\n", static_cast<int>(line.size()), line.data());
+}
+
+// The page that the user put in force, if any: "ACP" as on the design's own platform.
+std::u16string activePage(platform::Registry &registry) {
+    std::u16string page;
+    passOver([&] {
+        const auto provider = registry.GetObject(u"StdRegProv");
+        page = provider
+                   ->GetStringValue(platform::HKEY_LOCAL_MACHINE,
+                                    u"SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage", u"ACP")
+                   .value_or(std::u16string());
+    });
+    return page;
+}
+
+int play() {
+    platform::QtOptions windowOptions;
+    windowOptions.note = note;
+    platform::AnsiText *text = nullptr;
+    windowOptions.decodePath = [&text](std::string_view bytes) { return text->decodePath(bytes); };
+    const auto windows = platform::QtWindowSystem::make(windowOptions);
+    if (windows == nullptr) {
+        return 1; // it has said why
+    }
+
+    const platform::HomeFolders homes = platform::homeFolders();
+    platform::SqliteRegistry *settings = nullptr;
+    const auto ansi = platform::makeAnsiText([&settings] { return activePage(*settings); });
+    text = ansi.get();
+    platform::SqliteRegistry registry(homes.registryFile(), *ansi);
+    settings = &registry;
+    const auto clock = platform::makeClock();
+    const auto files = platform::makeFileSystem(*ansi);
+    const auto folders = platform::makeFolders(homes);
+    platform::media::MciInterpreter media(platform::sound::makeSoundOpener(),
+                                          platform::makePictureOpener());
+    const auto processes = platform::makeProcesses(homes, [&registry] { registry.flush(); });
+    const auto shell = platform::makeShell();
+    const auto versions = platform::makeVersionRecords(*ansi);
+    const auto waitableTimers =
+        platform::makeWaitableTimers([&windows](std::chrono::steady_clock::time_point due) {
+            return windows->waitForEvents(due);
+        });
+    const auto waveOut = platform::sound::makePulseWaveOut();
+    const auto dialogs = platform::makeQtDialogs(*windows, *ansi);
+
+    Velmora program({*ansi, *clock, *dialogs, *files, *folders, media, *processes, registry, *shell,
+                     *versions, *waitableTimers, *waveOut, *windows});
+    // The session's end is the close button.
+    windows->onSessionEnd = [&program] { program.Main().closeButton_Click(); };
+    program.start();
+    return windows->run();
+}
+
+} // namespace
+
+int main() { return play(); }
