@@ -102,7 +102,8 @@ TEST_F(Lyric, IsSearchedFromTheTopAsPlainText) {
     EXPECT_EQ(form().ListIndex(u"AR:"), -1) << "upper and lower case differ";
 }
 
-// --- the desktop line -----------------------------------------------------------------------------------
+// --- the desktop line
+// -----------------------------------------------------------------------------------
 
 class DesktopLine : public Lyric {
 protected:
@@ -110,9 +111,7 @@ protected:
         form().nowLrcLine = std::move(line);
         form().Timer1.onTimer();
     }
-    static std::u16string wideLine(std::size_t units = 400) {
-        return std::u16string(units, u'w');
-    }
+    static std::u16string wideLine(std::size_t units = 400) { return std::u16string(units, u'w'); }
 };
 
 TEST_F(DesktopLine, ThatFitsIsCentredOverTheFormsWidth) {

@@ -1,6 +1,6 @@
-// The main window's bars, channel images, drag and the buttons that open other windows.
+// The main window's drag, and the buttons that open other windows.
 
-#include "tests/unit/program_fixture.h"
+#include "tests/unit/playback/main_window_fixture.h"
 
 #include "lyrics/doLrcForm.h"
 #include "lyrics/lrcForm.h"
@@ -19,184 +19,15 @@ namespace {
 
 using Positioning = fakes::FakeWindows::Positioning;
 
-class MainWindow : public ProgramFixture {
-protected:
-    MainWindow() {
-        speak(1);
-        setVolumeBar(0);
-        addRow(u"/m/a.mp3");
-    }
-    Main &main() { return app.Main(); }
-    static void click(forms::Control &control) { control.on().Click(); }
-    static void release(forms::Control &control, Twips x,
-                        std::int16_t button = forms::leftButton) {
-        control.on().MouseUp({button, 0, x, 5});
-    }
-    void play() {
-        openAndPlay(u"/m/a.mp3");
-        media.clearCommands();
-    }
-};
-
-// --- the seek bar -----------------------------------------------------------------------------------------
-
-TEST_F(MainWindow, SeekBarSeeksWhereItIsReleased) {
-    play();
-    main().load_Played_BG.setWidth(1060);
-    release(main().load_Played_BG, 500);
-    EXPECT_EQ(media.actions().front(), u"seek NOWMUSIC to 30000");
-    EXPECT_EQ(media.mode(), u"playing");
-}
-
-TEST_F(MainWindow, SeekBarIgnoresItsRightEdge) {
-    play();
-    release(main().load_Played_BG, main().load_Played_BG.width());
-    release(main().load_Played_BG, main().load_Played_BG.width() + 100);
-    EXPECT_TRUE(media.commands().empty());
-}
-
-TEST_F(MainWindow, SeekBarTakesAReleaseLeftOfItAsItsBeginning) {
-    play();
-    media.advance(5000);
-    release(main().load_Played_BG, -400);
-    EXPECT_EQ(media.actions().front(), u"seek NOWMUSIC to 0");
-}
-
-TEST_F(MainWindow, SeekBarShowsThatItSeeksWithABusyPointer) {
-    play();
-    main().load_Played_BG.setWidth(1060);
-    std::u16string shown;
-    std::int16_t pointer = 0;
-    std::int16_t formPointer = 0;
-    windows.atNextPump([&] {
-        shown = main().playInfo_Show.caption();
-        pointer = main().load_Played_BG.mousePointer();
-        formPointer = main().mousePointer();
-    });
-    release(main().load_Played_BG, 500);
-    EXPECT_EQ(shown, app.Language().msg_Seeking);
-    EXPECT_EQ(pointer, 11);
-    EXPECT_EQ(formPointer, 11);
-    EXPECT_EQ(main().load_Played_BG.mousePointer(), 99);
-    EXPECT_EQ(main().mousePointer(), 0);
-    EXPECT_EQ(main().playInfo_Show.left(),
-              main().nameBox.width() / 2 - main().playInfo_Show.width() / 2);
-}
-
-TEST_F(MainWindow, SeekBarPutsTheWaitingTextOnlyWithALyric) {
-    play();
-    app.lrcForm().lrcWaitText = u"Music...";
-    app.lrcForm().nowLrcLine = u"line";
-    app.lrcForm().Timer1.setRunning(false);
-    release(main().load_Played_BG, 10);
-    EXPECT_EQ(app.lrcForm().nowLrcLine, u"line");
-    app.lrcForm().hasLrc = true;
-    release(main().load_Played_BG, 10);
-    EXPECT_EQ(app.lrcForm().nowLrcLine, u"Music...");
-}
-
-TEST_F(MainWindow, SeekBarWithNothingOpenShowsTheTextUntilTheNextTick) {
-    release(main().load_Played_BG, 500);
-    EXPECT_EQ(main().playInfo_Show.caption(), app.Language().msg_Seeking);
-    tickMain();
-    EXPECT_EQ(main().playInfo_Show.caption(), app.Language().msg_Welcome);
-}
-
-// --- the volume bar ---------------------------------------------------------------------------------------
-
-TEST_F(MainWindow, VolumeBarSetsTheLevelAndAllThreeFills) {
-    play();
-    main().Volume_Set_BG.setWidth(1000);
-    app.miniForm().Volume_Set_BG.setWidth(400);
-    app.VideoScreen_Form().Volume_Set_BG.setWidth(1600);
-    release(main().Volume_Set_BG, 250);
-    EXPECT_EQ(media.texts(), Texts{u"setaudio NOWMUSIC volume to 250"});
-    EXPECT_EQ(main().Volume_Set.width(), 250);
-    EXPECT_EQ(app.miniForm().Volume_Set.width(), 100);
-    EXPECT_EQ(app.VideoScreen_Form().Volume_Set.width(), 400);
-}
-
-TEST_F(MainWindow, VolumeBarIsDeadInItsLast30Twips) {
-    play();
-    main().Volume_Set_BG.setWidth(1000);
-    release(main().Volume_Set_BG, 971);
-    EXPECT_TRUE(media.commands().empty());
-    EXPECT_EQ(main().Volume_Set.width(), 0);
-    release(main().Volume_Set_BG, 970);
-    EXPECT_EQ(media.volume(), 970);
-}
-
-TEST_F(MainWindow, VolumeBarTakesAReleaseLeftOfItAsSilence) {
-    play();
-    main().Volume_Set.setWidth(300);
-    release(main().Volume_Set_BG, -50);
-    EXPECT_EQ(media.volume(), 0);
-    EXPECT_EQ(main().Volume_Set.width(), 0);
-}
-
-TEST_F(MainWindow, VolumeBarKeepsItsLevelWithNothingOpen) {
-    main().Volume_Set_BG.setWidth(1000);
-    release(main().Volume_Set_BG, 300);
-    EXPECT_EQ(main().Volume_Set.width(), 300);
-}
-
-TEST_F(MainWindow, MuteHasNoMemory) {
-    main().Volume_Set.setWidth(700);
-    app.miniForm().Volume_Set.setWidth(100);
-    app.VideoScreen_Form().Volume_Set.setWidth(100);
-    play();
-    click(main().Volume_ICO);
-    EXPECT_EQ(media.texts(), Texts{u"setaudio NOWMUSIC volume to 0"});
-    EXPECT_EQ(main().Volume_Set.width(), 0);
-    EXPECT_EQ(app.miniForm().Volume_Set.width(), 0);
-    EXPECT_EQ(app.VideoScreen_Form().Volume_Set.width(), 0);
-    click(main().Volume_ICO);
-    EXPECT_EQ(main().Volume_Set.width(), 0);
-    app.player().play_Sub();
-    EXPECT_EQ(media.volume(), 0);
-}
-
-// --- the channel --------------------------------------------------------------------------------------------
-
-TEST_F(MainWindow, ChannelCyclesStereoLeftRight) {
-    play();
-    const auto shown = [&] {
-        return std::vector<bool>{main().AudioSource_H.visible(), main().AudioSource_L.visible(),
-                                 main().AudioSource_R.visible()};
-    };
-    const auto shownInVideo = [&] {
-        auto &video = app.VideoScreen_Form();
-        return std::vector<bool>{video.AudioSource_H.visible(), video.AudioSource_L.visible(),
-                                 video.AudioSource_R.visible()};
-    };
-    click(main().AudioSource_H);
-    EXPECT_EQ(media.source(), u"left");
-    EXPECT_EQ(shown(), (std::vector<bool>{false, true, false}));
-    EXPECT_EQ(shownInVideo(), shown());
-    click(main().AudioSource_L);
-    EXPECT_EQ(media.source(), u"right");
-    EXPECT_EQ(shown(), (std::vector<bool>{false, false, true}));
-    click(main().AudioSource_R);
-    EXPECT_EQ(media.source(), u"stereo");
-    EXPECT_EQ(shown(), (std::vector<bool>{true, false, false}));
-}
-
-TEST_F(MainWindow, ChannelStaysWithNothingOpen) {
-    click(main().AudioSource_H);
-    EXPECT_EQ(media.texts(), Texts{u"setaudio  NOWMUSIC source to left"});
-    EXPECT_TRUE(main().AudioSource_H.visible());
-    EXPECT_FALSE(main().AudioSource_L.visible());
-}
-
-// --- dragging -----------------------------------------------------------------------------------------------
+// --- dragging
+// -----------------------------------------------------------------------------------------------
 
 TEST_F(MainWindow, DragMovesBothWindowsByTheSame) {
     auto &list = app.playList_Form();
     main().move({1500, 1500, main().width(), main().height()});
     list.move({9000, 1500, list.width(), list.height()});
-    for (forms::ControlEvents *area :
-         {static_cast<forms::ControlEvents *>(&main().on()), &main().title.on(),
-          &main().title_ICO.on()}) {
+    for (forms::ControlEvents *area : {static_cast<forms::ControlEvents *>(&main().on()),
+                                       &main().title.on(), &main().title_ICO.on()}) {
         const auto mainBefore = main().place();
         const auto listBefore = list.place();
         windows.cursor = {120, 110};
@@ -221,11 +52,10 @@ TEST_F(MainWindow, DragKeepsBothOnTopForItsTimeAndTheSmallWindowsAfterwards) {
               (std::vector<Positioning>{{"Main", -1, 3}, {"playList_Form", -1, 3}}));
     windows.positionings.clear();
     main().on().MouseUp({forms::leftButton, 0, 1, 1});
-    EXPECT_EQ(windows.positionings,
-              (std::vector<Positioning>{{"Main", -2, 3},
-                                        {"playList_Form", -2, 3},
-                                        {"miniForm", -1, 3},
-                                        {"lrcForm", -1, 3}}));
+    EXPECT_EQ(
+        windows.positionings,
+        (std::vector<Positioning>{
+            {"Main", -2, 3}, {"playList_Form", -2, 3}, {"miniForm", -1, 3}, {"lrcForm", -1, 3}}));
 }
 
 TEST_F(MainWindow, DragIsForTheLeftButtonAlone) {
@@ -267,7 +97,8 @@ TEST_F(MainWindow, DoubleClickOnTheFormNeedsPlayEnabledAndOnTheTitleDoesNot) {
     EXPECT_TRUE(app.miniForm().visible());
 }
 
-// --- other windows --------------------------------------------------------------------------------------------
+// --- other windows
+// --------------------------------------------------------------------------------------------
 
 TEST_F(MainWindow, ListButtonShowsAndDocksThenHidesAndCentres) {
     main().move({6000, 3000, 7200, 3240});
@@ -338,8 +169,8 @@ TEST_F(MainWindow, VideoButtonTogglesTheVideoWindow) {
 
 TEST_F(MainWindow, TrackInformationNeedsAnOpenTrack) {
     app.playInfo_Form().show();
-    windows.expectMsgBox(boxOf(app.Language().msg_No_Track_Info,
-                               platform::MsgBoxIcon::Exclamation, app.Language().msg_Error),
+    windows.expectMsgBox(boxOf(app.Language().msg_No_Track_Info, platform::MsgBoxIcon::Exclamation,
+                               app.Language().msg_Error),
                          platform::MsgBoxResult::Ok);
     click(main().playInfo);
     EXPECT_FALSE(app.playInfo_Form().visible());
@@ -359,8 +190,8 @@ TEST_F(MainWindow, TrackInformationOfAnUnusedMediumCanBeClosedButNotOpened) {
     app.playInfo_Form().show();
     click(main().playInfo);
     EXPECT_FALSE(app.playInfo_Form().visible());
-    windows.expectMsgBox(boxOf(app.Language().msg_No_Track_Info,
-                               platform::MsgBoxIcon::Exclamation, app.Language().msg_Error),
+    windows.expectMsgBox(boxOf(app.Language().msg_No_Track_Info, platform::MsgBoxIcon::Exclamation,
+                               app.Language().msg_Error),
                          platform::MsgBoxResult::Ok);
     click(main().playInfo);
 }
@@ -460,17 +291,14 @@ TEST_F(MainWindow, FlashesOnceACallWhileRequestedForEver) {
 
 TEST_F(MainWindow, EveryButtonAndBarCanBeDisabledAtOnce) {
     const std::vector<forms::Control *> controls = {
-        &main().playButton,        &main().pauseButton,
-        &main().upButton,          &main().nextButton,
-        &main().stopButton,        &main().openFile_Button,
-        &main().load_Played_BG,    &main().Volume_Set_BG,
-        &main().Volume_ICO,        &main().mini_Button,
-        &main().AudioSource_H,     &main().AudioSource_L,
-        &main().AudioSource_R,     &main().song_GoTo_List,
-        &main().do_Lrc,            &main().check_SoundDriver,
-        &main().desktop_Lrc,       &main().playInfo,
-        &main().playSet_Button,    &main().playListButton,
-        &main().search_Lrc_Internet, &main().search_Song_Internet,
+        &main().playButton,           &main().pauseButton,    &main().upButton,
+        &main().nextButton,           &main().stopButton,     &main().openFile_Button,
+        &main().load_Played_BG,       &main().Volume_Set_BG,  &main().Volume_ICO,
+        &main().mini_Button,          &main().AudioSource_H,  &main().AudioSource_L,
+        &main().AudioSource_R,        &main().song_GoTo_List, &main().do_Lrc,
+        &main().check_SoundDriver,    &main().desktop_Lrc,    &main().playInfo,
+        &main().playSet_Button,       &main().playListButton, &main().search_Lrc_Internet,
+        &main().search_Song_Internet,
     };
     main().meActiveControl_Enabled(false);
     for (const forms::Control *control : controls) {
@@ -482,19 +310,6 @@ TEST_F(MainWindow, EveryButtonAndBarCanBeDisabledAtOnce) {
     for (const forms::Control *control : controls) {
         EXPECT_TRUE(control->enabled()) << control->name();
     }
-}
-
-TEST_F(MainWindow, IsClickedThroughItsRealGeometry) {
-    play();
-    const auto at = [](const forms::Control &control) {
-        const RectTwips place = control.placeInForm();
-        return PointTwips{place.left + place.width / 2, place.top + place.height / 2};
-    };
-    main().pauseButton.setVisible(true);
-    main().playButton.setVisible(false);
-    main().pointerPressed(at(main().pauseButton), forms::leftButton, 0);
-    main().pointerReleased(at(main().pauseButton), forms::leftButton, 0);
-    EXPECT_EQ(media.mode(), u"paused");
 }
 
 } // namespace

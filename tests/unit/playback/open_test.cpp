@@ -20,8 +20,8 @@ TEST_F(Opening, SendsCloseOpenAndTimeFormatInThisOrder) {
     addTrack(u"/music/a.mp3");
     EXPECT_EQ(app.player().open_File(u"/music/a.mp3"), -1);
     EXPECT_EQ(media.actions(),
-              (Texts{closeCommand,
-                     u"open /music/a.mp3 type MPEGVideo alias NOWMUSIC style child ", timeFormat}));
+              (Texts{closeCommand, u"open /music/a.mp3 type MPEGVideo alias NOWMUSIC style child ",
+                     timeFormat}));
 }
 
 TEST_F(Opening, PassesNoBufferForCommandsWithoutAnAnswer) {
@@ -114,7 +114,8 @@ TEST_F(Opening, TellsTheTitleInTheTrayTip) {
     EXPECT_EQ(tip.data.tip, app.Main().title.caption() + u"\r\n" + u"a");
 }
 
-// --- a refused open ---------------------------------------------------------------------------------
+// --- a refused open
+// ---------------------------------------------------------------------------------
 
 TEST_F(Opening, ThatTheEngineRefusesClosesTheOldMediumAndKeepsTheOldTitle) {
     openAndPlay(addTrack(u"/music/a.mp3"));
@@ -166,7 +167,8 @@ TEST_F(Opening, EndsWithTheResultReachedWhenAnErrorIsRaisedAfterTheEngineOpened)
     EXPECT_EQ(app.player().nowPlay_File, u"/music/a.mp3");
 }
 
-// --- the RealPlayer family --------------------------------------------------------------------------
+// --- the RealPlayer family
+// --------------------------------------------------------------------------
 
 class OpeningRealPlayerKind : public ProgramFixture,
                               public ::testing::WithParamInterface<const char16_t *> {};
@@ -195,7 +197,8 @@ TEST_F(Opening, OfARealPlayerFileThenPlayBringsTheStoppedLook) {
     EXPECT_FALSE(app.lrcForm().Timer1.running());
 }
 
-// --- the device by the extension --------------------------------------------------------------------
+// --- the device by the extension
+// --------------------------------------------------------------------
 
 struct DeviceCase {
     const char16_t *path;
@@ -224,17 +227,16 @@ INSTANTIATE_TEST_SUITE_P(
         DeviceCase{u"/m/a.wma", u"MPEGVideo"}, DeviceCase{u"/m/a.avi", u"MPEGVideo"},
         DeviceCase{u"/m/a.mpg", u"MPEGVideo"}));
 
-INSTANTIATE_TEST_SUITE_P(EdgeCases, DeviceByExtension,
-                         ::testing::Values(DeviceCase{u"/m/a.wm", u"MPEGVideo"},
-                                           DeviceCase{u"/m/a.x.wm", u"MPEGVideo"},
-                                           DeviceCase{u"/m/a.midi", u"MPEGVideo"},
-                                           DeviceCase{u"/m/a.wave", u"MPEGVideo"},
-                                           DeviceCase{u"/m/plain", u"MPEGVideo"},
-                                           DeviceCase{u"/m/ends.", u"MPEGVideo"},
-                                           DeviceCase{u"/m.rm/plain", u"MPEGVideo"},
-                                           DeviceCase{u"", u"MPEGVideo"}));
+INSTANTIATE_TEST_SUITE_P(
+    EdgeCases, DeviceByExtension,
+    ::testing::Values(DeviceCase{u"/m/a.wm", u"MPEGVideo"}, DeviceCase{u"/m/a.x.wm", u"MPEGVideo"},
+                      DeviceCase{u"/m/a.midi", u"MPEGVideo"},
+                      DeviceCase{u"/m/a.wave", u"MPEGVideo"}, DeviceCase{u"/m/plain", u"MPEGVideo"},
+                      DeviceCase{u"/m/ends.", u"MPEGVideo"},
+                      DeviceCase{u"/m.rm/plain", u"MPEGVideo"}, DeviceCase{u"", u"MPEGVideo"}));
 
-// --- closing ----------------------------------------------------------------------------------------
+// --- closing
+// ----------------------------------------------------------------------------------------
 
 using Closing = ProgramFixture;
 

@@ -9,7 +9,9 @@
 namespace velmora {
 namespace {
 
-std::u16string volume(std::int32_t level) { return u"setaudio NOWMUSIC volume to " + decimal(level); }
+std::u16string volume(std::int32_t level) {
+    return u"setaudio NOWMUSIC volume to " + decimal(level);
+}
 
 class Playing : public ProgramFixture {
 protected:
@@ -118,8 +120,7 @@ TEST_F(Playing, WithNothingOpenBringsTheStoppedLookAndAnswers0) {
     app.Main().play_Time.setCaption(u"x");
     media.clearCommands();
     EXPECT_EQ(app.player().play_Sub(), 0);
-    EXPECT_EQ(media.texts(),
-              (Texts{volume(0), u"play NOWMUSIC", u"status NOWMUSIC length"}));
+    EXPECT_EQ(media.texts(), (Texts{volume(0), u"play NOWMUSIC", u"status NOWMUSIC length"}));
     EXPECT_EQ(app.Main().play_Time.caption(), u"00:00:00 - 00:00:00");
     EXPECT_FALSE(app.lrcForm().Timer1.running());
 }
@@ -151,7 +152,8 @@ TEST_F(Playing, EndsAtOnceOnABarWithoutWidth) {
     EXPECT_EQ(media.actions(), (Texts{volume(0), u"play NOWMUSIC"}));
 }
 
-// --- the channel --------------------------------------------------------------------------------------
+// --- the channel
+// --------------------------------------------------------------------------------------
 
 struct ChannelCase {
     std::int16_t channel;
@@ -172,11 +174,10 @@ TEST_P(Channel, IsPutBackByThePictureThatShowsInMain) {
     EXPECT_EQ(app.VideoScreen_Form().AudioSource_R.visible(), GetParam().channel == 2);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Channels, Channel,
-    ::testing::Values(ChannelCase{0, u"setaudio  NOWMUSIC source to stereo"},
-                      ChannelCase{1, u"setaudio  NOWMUSIC source to left"},
-                      ChannelCase{2, u"setaudio  NOWMUSIC source to right"}));
+INSTANTIATE_TEST_SUITE_P(Channels, Channel,
+                         ::testing::Values(ChannelCase{0, u"setaudio  NOWMUSIC source to stereo"},
+                                           ChannelCase{1, u"setaudio  NOWMUSIC source to left"},
+                                           ChannelCase{2, u"setaudio  NOWMUSIC source to right"}));
 
 TEST_F(Playing, SurvivesAChannelAcrossTwoTracks) {
     app.Main().choose_Channel(2);
@@ -184,7 +185,8 @@ TEST_F(Playing, SurvivesAChannelAcrossTwoTracks) {
     EXPECT_EQ(media.source(), u"right");
 }
 
-// --- answers of the wrappers --------------------------------------------------------------------------
+// --- answers of the wrappers
+// --------------------------------------------------------------------------
 
 TEST_F(Playing, WrappersAnswerMinusOneOnSuccess) {
     EXPECT_EQ(app.player().set_Volume(500), -1);
@@ -201,7 +203,8 @@ TEST_F(Playing, WrappersAnswer0WithNothingOpen) {
     EXPECT_EQ(app.player().seek_To(1000), 0);
 }
 
-// --- seeking ------------------------------------------------------------------------------------------
+// --- seeking
+// ------------------------------------------------------------------------------------------
 
 TEST_F(Playing, ASeekRepeatsTheWholePlaySequence) {
     app.player().seek_To(30'000);
@@ -225,7 +228,8 @@ TEST_F(Playing, ASeekThatTheEngineRefusesPlaysNothing) {
     EXPECT_EQ(media.texts(), (Texts{u"seek NOWMUSIC to 60001", u"seek NOWMUSIC to -1"}));
 }
 
-// --- re-entry -----------------------------------------------------------------------------------------
+// --- re-entry
+// -----------------------------------------------------------------------------------------
 
 TEST_F(Playing, ASecondSeekRunsWithinTheFirstOnesFade) {
     setVolumeBar(12);
@@ -277,8 +281,7 @@ TEST_F(Playing, NothingIsSentOnceTheProgramEndedInsideTheFade) {
     setVolumeBar(12);
     windows.atNextPump([&] { app.Main().closeButton_Click(); });
     expectEnd([&] { app.player().play_Sub(); });
-    EXPECT_EQ(media.actions(),
-              (Texts{volume(0), u"play NOWMUSIC", volume(0), u"close NOWMUSIC"}));
+    EXPECT_EQ(media.actions(), (Texts{volume(0), u"play NOWMUSIC", volume(0), u"close NOWMUSIC"}));
 }
 
 } // namespace

@@ -1,49 +1,17 @@
-// The start sequence: its order, its texts, its messages.
+// The start sequence: its order, its texts, what stands afterwards.
 
-#include "tests/unit/program_fixture.h"
+#include "tests/unit/playback/start_fixture.h"
 
 #include "lyrics/lrcForm.h"
 #include "playback/MenuForm.h"
-#include "playback/VideoScreen_Form.h"
-#include "playback/miniForm.h"
-#include "playback/startLoad_Form.h"
 #include "settings/playSetForm.h"
 #include "ui/formSet.h"
 
 namespace velmora {
 namespace {
 
-constexpr auto playSetKey = u"SOFTWARE\\Norvane\\zkPlayer\\playSet";
-constexpr auto parametersKey = u"SOFTWARE\\Norvane\\zkPlayer\\playParameters";
-constexpr auto identityKey = u"SOFTWARE\\Norvane\\zkPlayer\\Vesion";
-constexpr auto markerPath = u"/run/user/1000/velmora/RestartZkPlayer.tmp";
-
-class Start : public ProgramFixture {
-protected:
-    Start() { prepareMachine(); }
-    startLoad_Form &splash() { return app.startLoad_Form(); }
-    std::u16string appTitle() { return app.Main().title.caption(); }
-    void set(std::u16string_view name, std::u16string_view value) {
-        fake.registry.setText(playSetKey, name, value);
-    }
-    // The list file of the next start, and the file that was played last.
-    void savedList(std::initializer_list<std::u16string_view> paths) {
-        std::string bytes;
-        for (const auto path : paths) {
-            bytes += toUtf8(path) + "\r\n";
-        }
-        files.addFile(listPath(), bytes);
-    }
-    static std::u16string listPath() {
-        return u"/home/user/.local/share/velmora/Program Files/Norvane软件/Velmora/List/"
-               u"zkPlayList.m3u";
-    }
-    void lastPlayed(std::u16string_view path) {
-        fake.registry.setText(parametersKey, u"lastPlayFileName", path);
-    }
-};
-
-// --- the texts ----------------------------------------------------------------------------------------
+// --- the texts
+// ----------------------------------------------------------------------------------------
 
 // Notes what the splash says each time it is painted, and what had been done by then.
 struct Said {
@@ -142,7 +110,8 @@ TEST_F(SayingStart, DoesEachStagesWorkBehindItsText) {
     EXPECT_EQ(said[4].soundQueries, 1);
 }
 
-// --- what stands afterwards -----------------------------------------------------------------------------
+// --- what stands afterwards
+// -----------------------------------------------------------------------------
 
 TEST_F(Start, HidesTheSplashAndShowsMain) {
     app.start();
@@ -217,11 +186,9 @@ TEST_F(Start, ClearsTheAutoOpenBoxOnAFreshMachine) {
     EXPECT_EQ(app.playSetForm().desktopLrc_AutoOpen.value(), 0);
 }
 
-void storeFont(fakes::FakeRegistry &registry, const std::u16string &set,
-               std::u16string_view name) {
-    for (const char16_t *field :
-         {u"Lrc_Bold", u"Lrc_Charset", u"Lrc_Italic", u"Lrc_Strikethrough", u"Lrc_Underline",
-          u"Lrc_ForeColor", u"Lrc_BackColor"}) {
+void storeFont(fakes::FakeRegistry &registry, const std::u16string &set, std::u16string_view name) {
+    for (const char16_t *field : {u"Lrc_Bold", u"Lrc_Charset", u"Lrc_Italic", u"Lrc_Strikethrough",
+                                  u"Lrc_Underline", u"Lrc_ForeColor", u"Lrc_BackColor"}) {
         registry.setNumber(playSetKey, set + u"_" + field, 0);
     }
     registry.setNumber(playSetKey, set + u"_Lrc_Weight", 400);
@@ -246,128 +213,18 @@ TEST_F(Start, LeavesTheDesignedFontsOnAFreshMachine) {
     EXPECT_EQ(app.Main().lrc_Text.font(), other);
 }
 
-// --- one instance -----------------------------------------------------------------------------------------
-
-class StartingTwice : public Start {
-protected:
-    void expectRefusal() {
-        speak(0);
-        windows.expectMsgBox(boxOf(app.Language().msg_Already_Running,
-                                   platform::MsgBoxIcon::Exclamation, u"Velmora 2011"),
-                             platform::MsgBoxResult::Ok);
-        expectEnd([&] { app.start(); });
-    }
-};
-
-TEST_F(StartingTwice, AsksTheProcessServiceWithItsOwnWords) {
-    app.start();
-    EXPECT_EQ(fake.processes.queries, Texts{u"Select * Form Win32_Process"});
-    EXPECT_EQ(fake.processes.queryFlags, std::vector<std::int32_t>{48});
-}
-
-TEST_F(StartingTwice, IsRefusedWhenTwoProcessesHaveTheInternalName) {
-    fake.processes.executables = {programPath, programPath};
-    expectRefusal();
-}
-
-TEST_F(StartingTwice, IsRefusedForARenamedCopyByItsInternalNameInAnyCase) {
-    files.addFile(u"/tmp/other name");
-    fake.versions.addProgram(u"/tmp/other name", u"ZKPLAYER");
-    fake.processes.executables = {programPath, u"/tmp/other name"};
-    expectRefusal();
-}
-
-TEST_F(StartingTwice, IsRefusedByThePlatformsOwnTest) {
-    fake.processes.otherInstance = true;
-    expectRefusal();
-}
-
-TEST_F(StartingTwice, HasMadeFoldersAndIdentityBeforeItIsRefused) {
-    fake.processes.executables = {programPath, programPath};
-    expectRefusal();
-    EXPECT_EQ(fake.shell.commandLines.size(), 6U);
-    EXPECT_TRUE(fake.registry.hasKey(identityKey));
-    EXPECT_TRUE(fake.registry.hasKey(playSetKey));
-    EXPECT_TRUE(fake.registry.hasKey(parametersKey));
-}
-
-TEST_F(StartingTwice, WhenRefusedAddsNoTrayIconAndShowsNoMain) {
-    fake.processes.executables = {programPath, programPath};
-    expectRefusal();
-    for (const auto &call : windows.trayCalls) {
-        EXPECT_NE(call.operation, platform::NIM_ADD);
-    }
-    EXPECT_FALSE(app.Main().visible());
-    EXPECT_EQ(media.texts(), Texts{u"close NOWMUSIC"});
-}
-
-TEST_F(StartingTwice, CountsOnlyFilesThatExistAndHaveTheName) {
-    files.addFile(u"/bin/sh");
-    fake.versions.addProgram(u"/bin/sh", u"zkPlayer2");
-    fake.versions.addProgram(u"/gone", u"zkPlayer");
-    fake.processes.executables = {u"", u"/gone", u"/bin/sh", programPath};
-    app.start();
-    EXPECT_TRUE(app.Main().visible());
-}
-
-TEST_F(StartingTwice, StopsCountingAtTwo) {
-    files.addFile(u"/bin/third");
-    fake.processes.executables = {programPath, programPath, u"/bin/third"};
-    expectRefusal();
-    for (const auto &path : fake.versions.asked) {
-        EXPECT_NE(path, u"/bin/third");
-    }
-}
-
-TEST_F(StartingTwice, IsNotRefusedWhenTheServiceFails) {
-    fake.processes.queryFails = true;
-    fake.processes.otherInstance = true;
-    app.start();
-    EXPECT_TRUE(app.Main().visible());
-}
-
-TEST_F(StartingTwice, IsExpectedWhenTheMarkerLiesThere) {
-    files.addFile(markerPath, "Velmora 2011");
-    fake.processes.executables = {programPath, programPath};
-    fake.processes.otherInstance = true;
-    app.start();
-    EXPECT_TRUE(app.Main().visible());
-    EXPECT_TRUE(fake.processes.queries.empty());
-    EXPECT_FALSE(files.hasFile(markerPath));
-}
-
-TEST_F(StartingTwice, IsExpectedEvenWhenTheMarkerCannotBeDeleted) {
-    files.addFile(markerPath);
-    files.setReadOnly(markerPath);
-    fake.processes.executables = {programPath, programPath};
-    app.start();
-    EXPECT_TRUE(app.Main().visible());
-}
-
-TEST_F(Start, TheMarkerHoldsTheTitleAndIsTakenAway) {
-    EXPECT_EQ(splash().restart_Marker(true), -1);
-    EXPECT_EQ(files.contents(markerPath), "Velmora 2011");
-    EXPECT_EQ(splash().restart_Marker(false), -1);
-    EXPECT_FALSE(files.hasFile(markerPath));
-    EXPECT_EQ(splash().restart_Marker(false), 0) << "there is none to delete";
-}
-
-TEST_F(Start, TheMarkerThatCannotBeWrittenAnswers0) {
-    files.failNext("CreateTextFile");
-    EXPECT_EQ(splash().restart_Marker(true), 0);
-}
-
-// --- sound card, safe mode ----------------------------------------------------------------------------------
+// --- sound card, safe mode
+// ----------------------------------------------------------------------------------
 
 TEST_F(Start, WithoutASoundCardSaysSoAndGoesOnWithoutItsControls) {
     fake.waveOut.devices.clear();
     speak(0);
-    windows.expectMsgBox(boxOf(app.Language().msg_No_Sound_Card, platform::MsgBoxIcon::Critical,
-                               u"Velmora 2011"),
-                         platform::MsgBoxResult::Ok, [&] {
-                             EXPECT_EQ(splash().showText.caption(), u"检测系统声卡...");
-                             EXPECT_TRUE(splash().visible());
-                         });
+    windows.expectMsgBox(
+        boxOf(app.Language().msg_No_Sound_Card, platform::MsgBoxIcon::Critical, u"Velmora 2011"),
+        platform::MsgBoxResult::Ok, [&] {
+            EXPECT_EQ(splash().showText.caption(), u"检测系统声卡...");
+            EXPECT_TRUE(splash().visible());
+        });
     app.start();
     EXPECT_FALSE(app.Main().check_SoundDriver.visible());
     EXPECT_FALSE(app.MenuForm().check_SoundDriver.enabled());
@@ -383,10 +240,9 @@ TEST_F(Start, WithASoundCardKeepsItsControls) {
 TEST_F(Start, InSafeModeSaysSoAndGoesOn) {
     fake.processes.bootMode = 1;
     speak(0);
-    windows.expectMsgBox(boxOf(app.Language().msg_Safe_Mode, platform::MsgBoxIcon::Exclamation,
-                               u"Velmora 2011"),
-                         platform::MsgBoxResult::Ok,
-                         [&] { EXPECT_FALSE(app.Main().enabled()); });
+    windows.expectMsgBox(
+        boxOf(app.Language().msg_Safe_Mode, platform::MsgBoxIcon::Exclamation, u"Velmora 2011"),
+        platform::MsgBoxResult::Ok, [&] { EXPECT_FALSE(app.Main().enabled()); });
     app.start();
     EXPECT_TRUE(app.Main().visible());
 }
@@ -394,9 +250,9 @@ TEST_F(Start, InSafeModeSaysSoAndGoesOn) {
 TEST_F(Start, InSafeModeWithNetworkSaysSo) {
     fake.processes.bootMode = 2;
     speak(0);
-    windows.expectMsgBox(boxOf(app.Language().msg_Safe_Mode, platform::MsgBoxIcon::Exclamation,
-                               u"Velmora 2011"),
-                         platform::MsgBoxResult::Ok);
+    windows.expectMsgBox(
+        boxOf(app.Language().msg_Safe_Mode, platform::MsgBoxIcon::Exclamation, u"Velmora 2011"),
+        platform::MsgBoxResult::Ok);
     app.start();
 }
 
@@ -406,7 +262,8 @@ TEST_F(Start, InAnyOtherModeSaysNothing) {
     EXPECT_TRUE(windows.boxes.empty());
 }
 
-// --- play mode and welcome ------------------------------------------------------------------------------------
+// --- play mode and welcome
+// ------------------------------------------------------------------------------------
 
 TEST_F(Start, TakesTheStoredSettings) {
     set(u"PlayMode", u"1");
@@ -444,181 +301,6 @@ TEST_F(Start, HidesTheNewsHintWhenThePageOpensByItself) {
     set(u"AutoShowWelcome", u"1");
     app.start();
     EXPECT_FALSE(app.Main().welcome.visible());
-}
-
-// --- list and last file ---------------------------------------------------------------------------------------
-
-TEST_F(Start, WithoutAListIsIdle) {
-    app.start();
-    EXPECT_FALSE(media.isOpen());
-    EXPECT_EQ(rows(), 0);
-    EXPECT_TRUE(app.Main().Timer1.running());
-}
-
-TEST_F(Start, ResumesTheLastFileOfTheList) {
-    addTrack(u"/m/b.mp3");
-    savedList({u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"});
-    lastPlayed(u"/m/b.mp3");
-    app.start();
-    EXPECT_EQ(media.openPath(), u"/m/b.mp3");
-    EXPECT_EQ(media.mode(), u"playing");
-    EXPECT_EQ(app.player().nowPlay_Index, 2);
-    EXPECT_EQ(app.player().nowPlay_Title, u"〖2/3〗 b");
-}
-
-TEST_F(Start, ResumesALastFileThatIsNotInTheListWithIndex0) {
-    addTrack(u"/m/other.mp3");
-    savedList({u"/m/a.mp3"});
-    lastPlayed(u"/m/other.mp3");
-    app.start();
-    EXPECT_EQ(media.openPath(), u"/m/other.mp3");
-    EXPECT_EQ(app.player().nowPlay_Index, 0);
-}
-
-TEST_F(Start, PlaysNothingWithAutoPlayOff) {
-    addTrack(u"/m/a.mp3");
-    savedList({u"/m/a.mp3"});
-    lastPlayed(u"/m/a.mp3");
-    set(u"isAutoPlay", u"1");
-    app.start();
-    EXPECT_TRUE(media.actions().empty());
-    EXPECT_EQ(rows(), 1);
-}
-
-TEST_F(Start, PlaysNothingFromAnEmptyList) {
-    addTrack(u"/m/a.mp3");
-    savedList({});
-    lastPlayed(u"/m/a.mp3");
-    app.start();
-    EXPECT_TRUE(media.actions().empty());
-}
-
-TEST_F(Start, PlaysNothingWithoutAListFile) {
-    addTrack(u"/m/a.mp3");
-    lastPlayed(u"/m/a.mp3");
-    app.start();
-    EXPECT_TRUE(media.actions().empty());
-}
-
-TEST_F(Start, WithoutALastFileBringsTheStoppedLook) {
-    savedList({u"/m/a.mp3"});
-    app.start();
-    EXPECT_TRUE(media.actions().empty());
-    EXPECT_EQ(app.Main().play_Time.caption(), u"00:00:00 - 00:00:00");
-}
-
-TEST_F(Start, WithALastFileThatIsGoneClosesAndStaysIdleWithoutAMessage) {
-    savedList({u"/m/a.mp3"});
-    lastPlayed(u"/missing disk/b.mp3");
-    app.start();
-    EXPECT_EQ(media.actions(), Texts{u"close NOWMUSIC"});
-    EXPECT_TRUE(windows.boxes.empty());
-    EXPECT_EQ(rows(), 1);
-}
-
-TEST_F(Start, RunsThePumpsOfListAndFadeWithinTheSequence) {
-    addTrack(u"/m/a.mp3");
-    savedList({u"/m/a.mp3"});
-    lastPlayed(u"/m/a.mp3");
-    bool splashUp = false;
-    bool mainEnabled = true;
-    windows.atNextPump([&] {
-        splashUp = splash().visible();
-        mainEnabled = app.Main().enabled();
-    });
-    app.start();
-    EXPECT_TRUE(splashUp);
-    EXPECT_FALSE(mainEnabled);
-    EXPECT_GT(windows.pumps, 2);
-}
-
-TEST_F(Start, RunsNoTickOfMainBeforeItsEnd) {
-    addTrack(u"/m/a.mp3");
-    savedList({u"/m/a.mp3"});
-    lastPlayed(u"/m/a.mp3");
-    app.start(); // the fade takes more than one tick's time
-    EXPECT_EQ(app.Main().play_Time.caption(), u"00:00:00 - 00:00:00");
-    windows.advance(100);
-    EXPECT_EQ(app.Main().play_Time.caption(), u"00:00:00 - 00:01:00");
-}
-
-TEST_F(Start, GoesOnWhenTheRegistryIsNotThere) {
-    fake.registry.setProviderMissing(true);
-    fake.registry.failWrites(platform::ERROR_ACCESS_DENIED);
-    app.start();
-    EXPECT_TRUE(app.Main().visible());
-    EXPECT_TRUE(app.Main().Timer1.running());
-}
-
-TEST_F(Start, LeavesTwoProgramsIndependent) {
-    app.start();
-    fakes::FakePlatform other;
-    Velmora second(other.bundle());
-    second.Main().setCaption(u"second");
-    EXPECT_NE(app.Main().caption(), u"second");
-}
-
-// --- the end --------------------------------------------------------------------------------------------------
-
-class End : public Start {
-protected:
-    End() {
-        addTrack(u"/m/a.mp3");
-        savedList({u"/m/a.mp3"});
-        lastPlayed(u"/m/a.mp3");
-        app.start();
-        media.clearCommands();
-        windows.trayCalls.clear();
-        files.clearChanges();
-        fake.registry.clearLog();
-    }
-};
-
-TEST_F(End, ClosesTheMediumBareThenTheTrayThenTheProcess) {
-    expectEnd([&] { app.Main().closeButton.on().Click(); });
-    EXPECT_EQ(media.texts(), Texts{u"close NOWMUSIC"});
-    ASSERT_EQ(windows.trayCalls.size(), 1U);
-    EXPECT_EQ(windows.trayCalls[0].operation, platform::NIM_DELETE);
-    EXPECT_FALSE(windows.hooked(app.Main().hWnd()));
-}
-
-TEST_F(End, SavesNothing) {
-    expectEnd([&] { app.Main().closeButton_Click(); });
-    EXPECT_TRUE(files.changes().empty());
-    EXPECT_TRUE(fake.registry.log().empty());
-}
-
-TEST_F(End, ComesByEachOfItsRoads) {
-    const std::function<void()> roads[] = {
-        [&] { app.Main().closeButton.on().Click(); },
-        [&] { app.Main().closeRequested(); },
-        [&] { app.miniForm().close.on().Click(); },
-        [&] { app.miniForm().closeRequested(); },
-        [&] { app.MenuForm().close.choose(); },
-        [&] { app.formSet().form_KeyDown(27, 0, u"main"); },
-        [&] { app.startLoad_Form().unload(); },
-    };
-    for (const auto &road : roads) {
-        fake.processes.endStatuses.clear();
-        expectEnd(road);
-    }
-}
-
-TEST_F(End, WithNothingOpenIsTheSame) {
-    app.player().close_Sub(0);
-    expectEnd([&] { app.Main().closeButton_Click(); });
-}
-
-TEST_F(End, IsNotCaughtOnTheWayThroughATick) {
-    app.Main().Timer2.onTimer = [&] { app.Main().closeButton_Click(); };
-    EXPECT_THROW(windows.advance(300), fakes::ProcessEnded);
-}
-
-TEST_F(End, LeavesNothingToRunInAListThatWasBeingRead) {
-    windows.atNextPump([&] { app.Main().closeButton_Click(); });
-    files.clearChanges();
-    expectEnd([&] { app.playList_Form().afresh_Load_Click(); });
-    EXPECT_TRUE(files.changes().empty());
 }
 
 } // namespace

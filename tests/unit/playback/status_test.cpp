@@ -36,8 +36,8 @@ TEST_F(Status, IsPlayingByTheBeginningInEnglishOrChinese) {
 }
 
 TEST_F(Status, IsOtherForAnyTextThatIsNeither) {
-    for (const char16_t *text : {u"paused", u"seeking", u"not ready", u"", u"Playing", u"play",
-                                 u"stop", u"播", u"暂停"}) {
+    for (const char16_t *text :
+         {u"paused", u"seeking", u"not ready", u"", u"Playing", u"play", u"stop", u"播", u"暂停"}) {
         answer(text);
         EXPECT_EQ(app.player().get_PlayStatus(), 2);
     }
@@ -135,7 +135,8 @@ TEST_F(Status, OfAnEndFollowedByAFailingTrackTriesNoFurtherOne) {
     EXPECT_EQ(app.player().nowPlay_Index, 2);
 }
 
-// --- the order of tracks ----------------------------------------------------------------------------
+// --- the order of tracks
+// ----------------------------------------------------------------------------
 
 using Order = Status;
 
@@ -279,7 +280,8 @@ TEST_F(Order, RandomIsReseededFromTheClockAtEachCall) {
     EXPECT_EQ(at(1000), first);
 }
 
-// --- the end of a track inside a pump ---------------------------------------------------------------
+// --- the end of a track inside a pump
+// ---------------------------------------------------------------
 
 TEST_F(Order, ATrackThatEndsInsideAFadeIsFollowedFromWithinThePump) {
     setVolumeBar(12);

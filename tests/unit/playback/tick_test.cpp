@@ -26,13 +26,13 @@ protected:
     Main &main() { return app.Main(); }
     // A text that is wider than the box by this many units.
     static std::u16string wide(const forms::Control &box, int units = 4) {
-        return std::u16string(static_cast<std::size_t>(box.width() / 100) +
-                                  static_cast<std::size_t>(units),
-                              u'w');
+        return std::u16string(
+            static_cast<std::size_t>(box.width() / 100) + static_cast<std::size_t>(units), u'w');
     }
 };
 
-// --- with nothing open ------------------------------------------------------------------------------
+// --- with nothing open
+// ------------------------------------------------------------------------------
 
 TEST_F(Tick, WithNothingOpenSetsTheStoppedLook) {
     main().playInfo_Show.setCaption(u"x");
@@ -44,8 +44,8 @@ TEST_F(Tick, WithNothingOpenSetsTheStoppedLook) {
 
 TEST_F(Tick, WithNothingOpenAsksLengthThenModeTwice) {
     tickMain();
-    EXPECT_EQ(media.texts(), (Texts{u"status NOWMUSIC length", u"status NOWMUSIC mode",
-                                    u"status NOWMUSIC mode"}));
+    EXPECT_EQ(media.texts(),
+              (Texts{u"status NOWMUSIC length", u"status NOWMUSIC mode", u"status NOWMUSIC mode"}));
 }
 
 TEST_F(Tick, ThatChangesNothingDrawsNothing) {
@@ -70,7 +70,8 @@ TEST_F(Tick, ThatChangesNothingWhilePausedDrawsNothing) {
     EXPECT_EQ(window->paints, paints);
 }
 
-// --- playing ------------------------------------------------------------------------------------------
+// --- playing
+// ------------------------------------------------------------------------------------------
 
 TEST_F(Tick, WhilePlayingShowsStateTimesAndTitle) {
     play();
@@ -88,10 +89,9 @@ TEST_F(Tick, WhilePlayingAsksInThisOrder) {
     play();
     media.advance(10'000);
     tickMain();
-    EXPECT_EQ(media.texts(),
-              (Texts{u"status NOWMUSIC length", u"status NOWMUSIC mode",
-                     u"status NOWMUSIC position", u"status NOWMUSIC length",
-                     u"status NOWMUSIC position", u"status NOWMUSIC length"}));
+    EXPECT_EQ(media.texts(), (Texts{u"status NOWMUSIC length", u"status NOWMUSIC mode",
+                                    u"status NOWMUSIC position", u"status NOWMUSIC length",
+                                    u"status NOWMUSIC position", u"status NOWMUSIC length"}));
 }
 
 TEST_F(Tick, AtPosition0FillsTheWholeBar) {
@@ -124,7 +124,8 @@ TEST_F(Tick, WhilePausedAsksTheModeTwice) {
     EXPECT_EQ(media.count(u"status NOWMUSIC mode"), 2U);
 }
 
-// --- the end of a track -------------------------------------------------------------------------------
+// --- the end of a track
+// -------------------------------------------------------------------------------
 
 TEST_F(Tick, AtATracksEndStartsTheNextAndShowsTheStoppedLookForOneTick) {
     play();
@@ -171,7 +172,8 @@ TEST_F(Tick, RunsByItsTimerEvery70Milliseconds) {
 
 TEST_F(Tick, IsOffAtDesign) { EXPECT_FALSE(main().Timer1.running()); }
 
-// --- the lyric line -----------------------------------------------------------------------------------
+// --- the lyric line
+// -----------------------------------------------------------------------------------
 
 TEST_F(Tick, CentresALineThatFits) {
     play();
@@ -243,7 +245,8 @@ TEST_F(Tick, TheSameWideLineGoesOnWhereItWas) {
     EXPECT_EQ(main().lrc_Text.left(), -150);
 }
 
-// --- the title ----------------------------------------------------------------------------------------
+// --- the title
+// ----------------------------------------------------------------------------------------
 
 TEST_F(Tick, RollsAWideTitleInStepsOf30AndDoesNotRestartItForANewOne) {
     play();
@@ -288,7 +291,8 @@ TEST_F(Tick, CentresATitleThatFits) {
               main().nameBox.width() / 2 - main().playInfo_Show.width() / 2);
 }
 
-// --- scroll bars --------------------------------------------------------------------------------------
+// --- scroll bars
+// --------------------------------------------------------------------------------------
 
 template <typename Window> void expectBar(Window &window, bool visible) {
     EXPECT_EQ(window.P1.visible(), visible);
@@ -418,28 +422,8 @@ TEST_F(Tick, AloneWritesWhetherTheLyricEditorIsOpen) {
     EXPECT_EQ(app.player().isDoLrc_Open, 0);
 }
 
-// --- the pure step --------------------------------------------------------------------------------------
-
-TEST(MarqueeStep, MovesLeftAndTurnsWhenTheEndIsTheMarginBeyond) {
-    EXPECT_EQ(marqueeStep({0, false}, 1000, 800, lyricMarquee), (MarqueeState{-50, false}));
-    EXPECT_EQ(marqueeStep({-349, false}, 1000, 800, lyricMarquee), (MarqueeState{-399, false}));
-    EXPECT_EQ(marqueeStep({-350, false}, 1000, 800, lyricMarquee), (MarqueeState{-400, true}));
-}
-
-TEST(MarqueeStep, MovesRightAndTurnsAtTheMargin) {
-    EXPECT_EQ(marqueeStep({100, true}, 1000, 800, lyricMarquee), (MarqueeState{150, true}));
-    EXPECT_EQ(marqueeStep({149, true}, 1000, 800, lyricMarquee), (MarqueeState{199, true}));
-    EXPECT_EQ(marqueeStep({150, true}, 1000, 800, lyricMarquee), (MarqueeState{200, false}));
-}
-
-TEST(MarqueeStep, OfTheDesktopLineIs150WithAMarginOf1000) {
-    EXPECT_EQ(marqueeStep({0, false}, 9000, 8000, desktopMarquee), (MarqueeState{-150, false}));
-    EXPECT_EQ(marqueeStep({-1850, false}, 9000, 8000, desktopMarquee),
-              (MarqueeState{-2000, true}));
-    EXPECT_EQ(marqueeStep({850, true}, 9000, 8000, desktopMarquee), (MarqueeState{1000, false}));
-}
-
-// --- the rolling caption --------------------------------------------------------------------------------
+// --- the rolling caption
+// --------------------------------------------------------------------------------
 
 class Caption : public Tick {
 protected:

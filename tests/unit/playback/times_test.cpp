@@ -24,8 +24,8 @@ protected:
 TEST_F(Times, AreAskedWithABufferOf80) {
     app.player().get_Length();
     app.player().get_PositionText();
-    EXPECT_EQ(media.commands(), (std::vector<fakes::FakeMedia::Command>{{lengthQuery, 80},
-                                                                         {positionQuery, 80}}));
+    EXPECT_EQ(media.commands(),
+              (std::vector<fakes::FakeMedia::Command>{{lengthQuery, 80}, {positionQuery, 80}}));
 }
 
 TEST_F(Times, OfNothingOpenAre0) {
@@ -47,9 +47,9 @@ TEST_F(Times, TakeTheLeadingNumberOfAnAnswer) {
 
 TEST_F(Times, AreCutToHoursMinutesAndSeconds) {
     const std::pair<const char16_t *, const char16_t *> rows[] = {
-        {u"221000", u"00:03:41"},   {u"999", u"00:00:00"},      {u"1999", u"00:00:01"},
-        {u"59999", u"00:00:59"},    {u"60000", u"00:01:00"},    {u"3599999", u"00:59:59"},
-        {u"3600000", u"01:00:00"},  {u"3723000", u"01:02:03"},  {u"360000000", u"100:00:00"},
+        {u"221000", u"00:03:41"},  {u"999", u"00:00:00"},     {u"1999", u"00:00:01"},
+        {u"59999", u"00:00:59"},   {u"60000", u"00:01:00"},   {u"3599999", u"00:59:59"},
+        {u"3600000", u"01:00:00"}, {u"3723000", u"01:02:03"}, {u"360000000", u"100:00:00"},
     };
     for (const auto &[ms, text] : rows) {
         length(ms);
@@ -111,7 +111,8 @@ TEST_F(Times, ForTheLyricStopGrowingAt32767Units) {
     EXPECT_EQ(app.player().pos_MMSS.size(), 32767U);
 }
 
-// --- seek bars ----------------------------------------------------------------------------------------
+// --- seek bars
+// ----------------------------------------------------------------------------------------
 
 class SeekBar : public Times {
 protected:

@@ -23,7 +23,8 @@ protected:
     Main &main() { return app.Main(); }
 };
 
-// --- play ---------------------------------------------------------------------------------------------
+// --- play
+// ---------------------------------------------------------------------------------------------
 
 TEST_F(Transport, PlayReopensAStoppedFile) {
     openAndPlay(u"/m/a.mp3");
@@ -45,11 +46,11 @@ TEST_F(Transport, PlayResumesAPausedMediumWithAFadeIn) {
     click(main().pauseButton);
     media.clearCommands();
     click(main().playButton);
-    EXPECT_EQ(media.actions(),
-              (Texts{u"setaudio NOWMUSIC volume to 0", u"play NOWMUSIC",
-                     u"setaudio NOWMUSIC volume to 0", u"setaudio NOWMUSIC volume to 6",
-                     u"setaudio NOWMUSIC volume to 7", u"setaudio NOWMUSIC volume to 8",
-                     u"setaudio  NOWMUSIC source to stereo"}));
+    EXPECT_EQ(
+        media.actions(),
+        (Texts{u"setaudio NOWMUSIC volume to 0", u"play NOWMUSIC", u"setaudio NOWMUSIC volume to 0",
+               u"setaudio NOWMUSIC volume to 6", u"setaudio NOWMUSIC volume to 7",
+               u"setaudio NOWMUSIC volume to 8", u"setaudio  NOWMUSIC source to stereo"}));
     EXPECT_EQ(media.positionMs(), 3000);
 }
 
@@ -79,7 +80,8 @@ TEST_F(Transport, PlayStartsATrackAgainThatEndedWithoutAutoPlay) {
     EXPECT_EQ(media.positionMs(), 0);
 }
 
-// --- the others -----------------------------------------------------------------------------------------
+// --- the others
+// -----------------------------------------------------------------------------------------
 
 TEST_F(Transport, PauseSendsOneCommand) {
     openAndPlay(u"/m/a.mp3");
@@ -126,7 +128,8 @@ TEST_F(Transport, NextAndPreviousDrawInRandomModeButNeverTheLastRow) {
     }
 }
 
-// --- the stopped look -----------------------------------------------------------------------------------
+// --- the stopped look
+// -----------------------------------------------------------------------------------
 
 TEST_F(Transport, TheStoppedLookIsTheSameSixSettingsOnBothWindows) {
     main().setCaption(u"rolling");
@@ -160,8 +163,7 @@ TEST_F(Transport, TheStoppedLookIsTheSameSixSettingsOnBothWindows) {
     EXPECT_EQ(mini.caption(), main().title.caption());
     EXPECT_EQ(mini.lrc_Text.caption(), u"");
     EXPECT_EQ(mini.playInfo_Show.caption(), u"Welcome to Velmora");
-    EXPECT_EQ(mini.playInfo_Show.left(),
-              mini.nameBox.width() / 2 - mini.playInfo_Show.width() / 2);
+    EXPECT_EQ(mini.playInfo_Show.left(), mini.nameBox.width() / 2 - mini.playInfo_Show.width() / 2);
     EXPECT_EQ(mini.play_Time.caption(), u"00:00:00 - 00:00:00");
     EXPECT_EQ(mini.load_Played.width(), 15);
     EXPECT_TRUE(mini.playButton.visible());
@@ -170,7 +172,8 @@ TEST_F(Transport, TheStoppedLookIsTheSameSixSettingsOnBothWindows) {
     EXPECT_EQ(app.lrcForm().lrc_Text.caption(), u"");
 }
 
-// --- a file that was picked -----------------------------------------------------------------------------
+// --- a file that was picked
+// -----------------------------------------------------------------------------
 
 TEST_F(Transport, APickedFileIsAppendedPlayedAndSaved) {
     addTrack(u"/m/new.mp3");

@@ -35,10 +35,10 @@ protected:
 
 TEST_F(OwnWindow, IsNamedAsTheParentInTheOpenCommand) {
     app.player().open_File(u"/m/film.avi");
-    EXPECT_EQ(openCommand(), u"open /m/film.avi type MPEGVideo alias NOWMUSIC parent " +
-                                 decimal(static_cast<std::int64_t>(
-                                     app.VideoScreen_Form().videoScreen.hWnd())) +
-                                 u" style CHILD ");
+    EXPECT_EQ(openCommand(),
+              u"open /m/film.avi type MPEGVideo alias NOWMUSIC parent " +
+                  decimal(static_cast<std::int64_t>(app.VideoScreen_Form().videoScreen.hWnd())) +
+                  u" style CHILD ");
 }
 
 TEST_F(OwnWindow, IsNamedForAnMp3AsWell) {
@@ -110,7 +110,8 @@ TEST_F(OwnWindow, OfARealPlayerFileIsNotAsked) {
     EXPECT_EQ(media.texts(), Texts{u"close NOWMUSIC"});
 }
 
-// --- put --------------------------------------------------------------------------------------------
+// --- put
+// --------------------------------------------------------------------------------------------
 
 TEST_F(OwnWindow, PutSendsTheRectangleAsDecimals) {
     app.player().open_File(u"/m/film.avi");
@@ -160,7 +161,8 @@ TEST_F(OwnWindow, ClosedByTheUserIsOnlyHiddenAndTheSoundGoesOn) {
     EXPECT_TRUE(media.commands().empty());
 }
 
-// --- letting go -------------------------------------------------------------------------------------
+// --- letting go
+// -------------------------------------------------------------------------------------
 
 TEST_F(OwnWindow, MayBeLetGoByAHandlerOfItsOwn) {
     auto &window = app.VideoScreen_Form();

@@ -24,12 +24,13 @@ protected:
     playList_Form &list() { return app.playList_Form(); }
 };
 
-// --- shape and order ----------------------------------------------------------------------------------
+// --- shape and order
+// ----------------------------------------------------------------------------------
 
 TEST_F(Windows, HaveTheKeyColourFromTheirLoading) {
-    const forms::Form *const forms[] = {&app.Main(), &app.miniForm(), &app.startLoad_Form(),
-                                        &app.lrcForm(), &app.aboutForm(),
-                                        &app.check_SoundDriver_Form()};
+    const forms::Form *const forms[] = {&app.Main(),           &app.miniForm(),
+                                        &app.startLoad_Form(), &app.lrcForm(),
+                                        &app.aboutForm(),      &app.check_SoundDriver_Form()};
     for (const forms::Form *form : forms) {
         EXPECT_TRUE(form->layered()) << form->name();
         EXPECT_EQ(form->windowKey(), keyColour) << form->name();
@@ -55,7 +56,8 @@ TEST_F(Windows, OfMiniAndLyricAreOnTopFromTheirLoading) {
     EXPECT_TRUE(app.lrcForm().topmost());
 }
 
-// --- dragging -----------------------------------------------------------------------------------------
+// --- dragging
+// -----------------------------------------------------------------------------------------
 
 TEST_F(Windows, AreDraggedByThePointersPlaceOnTheScreen) {
     auto &form = app.check_SoundDriver_Form();
@@ -107,7 +109,8 @@ TEST_F(Windows, MayBeDraggedOffTheScreen) {
     EXPECT_EQ(form.top(), -410 * 15);
 }
 
-// --- docking ------------------------------------------------------------------------------------------
+// --- docking
+// ------------------------------------------------------------------------------------------
 
 TEST_F(Windows, ReadWorkAreaAndTaskBarInPixels) {
     windows.workArea = {1, 2, 1001, 702};
@@ -160,7 +163,8 @@ TEST_F(Windows, DockOffANarrowScreenWithoutAClamp) {
     EXPECT_EQ(list().left(), 3600);
 }
 
-// --- tray ---------------------------------------------------------------------------------------------
+// --- tray
+// ---------------------------------------------------------------------------------------------
 
 class Tray : public Windows {
 protected:
@@ -172,9 +176,7 @@ protected:
         rules().tray_Add(main());
         app.startLoad_Form();
     }
-    std::int32_t event(std::int32_t what) {
-        return windows.send(main().hWnd(), message, 0, what);
-    }
+    std::int32_t event(std::int32_t what) { return windows.send(main().hWnd(), message, 0, what); }
 };
 
 TEST_F(Tray, IconIsAddedForMainWithItsMessageAndPicture) {
@@ -270,7 +272,8 @@ TEST_F(Tray, OtherEventsAndMessagesDoNothing) {
     EXPECT_FALSE(main().visible());
 }
 
-// --- the settings window --------------------------------------------------------------------------------
+// --- the settings window
+// --------------------------------------------------------------------------------
 
 TEST_F(Windows, OfTheSettingsShowsTheStoredValuesWithAutoPlayInverted) {
     const auto key = u"SOFTWARE\\Norvane\\zkPlayer\\playSet";
@@ -292,7 +295,8 @@ TEST_F(Windows, OfTheSettingsShowsTheStoredValuesWithAutoPlayInverted) {
     EXPECT_EQ(form.openVideo_Interface.value(), 0);
 }
 
-// --- the about window -----------------------------------------------------------------------------------
+// --- the about window
+// -----------------------------------------------------------------------------------
 
 TEST_F(Windows, OfAboutGivesItsOpenerBackOnClosing) {
     for (const char16_t *caller : {u"main", u"playlist_Form", u"MAIN"}) {

@@ -124,8 +124,7 @@ TEST_F(Keys, CtrlASelectsEveryRowFromTheListAloneAndPumpsForEach) {
     EXPECT_LT(app.playList_Form().playList_Item.selCount(), 3);
     const int pumps = windows.pumps;
     bool enabledMeanwhile = true;
-    windows.atNextPump(
-        [&] { enabledMeanwhile = app.playList_Form().playList_Item.enabled(); });
+    windows.atNextPump([&] { enabledMeanwhile = app.playList_Form().playList_Item.enabled(); });
     press(65, fromList, forms::ctrlMask);
     EXPECT_EQ(app.playList_Form().playList_Item.selCount(), 3);
     EXPECT_EQ(windows.pumps - pumps, 3);
@@ -152,7 +151,8 @@ TEST_F(Keys, OfMainsWindowReachTheTable) {
     EXPECT_EQ(media.mode(), u"paused");
 }
 
-// --- menus ----------------------------------------------------------------------------------------------
+// --- menus
+// ----------------------------------------------------------------------------------------------
 
 class MenuEntries : public Keys {
 protected:

@@ -16,8 +16,8 @@ protected:
 };
 
 TEST_F(SpecialFolder, OfTheShellsNumbersComesFromTheShell) {
-    for (const int number : {0, 2, 5, 6, 7, 8, 9, 11, 19, 20, 21, 22, 23, 24, 25, 26, 27, 32, 33,
-                             34, 38}) {
+    for (const int number :
+         {0, 2, 5, 6, 7, 8, 9, 11, 19, 20, 21, 22, 23, 24, 25, 26, 27, 32, 33, 34, 38}) {
         fake.folders.special[number] = u"/folder/" + decimal(number);
         EXPECT_EQ(folder(number), u"/folder/" + decimal(number) + u"/");
     }

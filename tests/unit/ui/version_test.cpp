@@ -34,10 +34,10 @@ protected:
     }
     Texts all() {
         auto &r = record();
-        return {r.ver_FileDescription, r.ver_ProductName,  r.ver_OriginalFilename,
-                r.ver_InternalName,    r.ver_CompanyName,  r.ver_LegalCopyright,
-                r.ver_StrucVersion,    r.ver_FileVersion,  r.ver_ProductVersion,
-                r.ver_Flags,           r.ver_OS,           r.ver_FileType,
+        return {r.ver_FileDescription, r.ver_ProductName, r.ver_OriginalFilename,
+                r.ver_InternalName,    r.ver_CompanyName, r.ver_LegalCopyright,
+                r.ver_StrucVersion,    r.ver_FileVersion, r.ver_ProductVersion,
+                r.ver_Flags,           r.ver_OS,          r.ver_FileType,
                 r.ver_FileSubtype};
     }
 };

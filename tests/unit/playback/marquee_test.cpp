@@ -1,0 +1,29 @@
+// One step of a rolling text.
+
+#include "playback/display.h"
+
+#include <gtest/gtest.h>
+
+namespace velmora {
+namespace {
+
+TEST(MarqueeStep, MovesLeftAndTurnsWhenTheEndIsTheMarginBeyond) {
+    EXPECT_EQ(marqueeStep({0, false}, 1000, 800, lyricMarquee), (MarqueeState{-50, false}));
+    EXPECT_EQ(marqueeStep({-349, false}, 1000, 800, lyricMarquee), (MarqueeState{-399, false}));
+    EXPECT_EQ(marqueeStep({-350, false}, 1000, 800, lyricMarquee), (MarqueeState{-400, true}));
+}
+
+TEST(MarqueeStep, MovesRightAndTurnsAtTheMargin) {
+    EXPECT_EQ(marqueeStep({100, true}, 1000, 800, lyricMarquee), (MarqueeState{150, true}));
+    EXPECT_EQ(marqueeStep({149, true}, 1000, 800, lyricMarquee), (MarqueeState{199, true}));
+    EXPECT_EQ(marqueeStep({150, true}, 1000, 800, lyricMarquee), (MarqueeState{200, false}));
+}
+
+TEST(MarqueeStep, OfTheDesktopLineIs150WithAMarginOf1000) {
+    EXPECT_EQ(marqueeStep({0, false}, 9000, 8000, desktopMarquee), (MarqueeState{-150, false}));
+    EXPECT_EQ(marqueeStep({-1850, false}, 9000, 8000, desktopMarquee), (MarqueeState{-2000, true}));
+    EXPECT_EQ(marqueeStep({850, true}, 9000, 8000, desktopMarquee), (MarqueeState{1000, false}));
+}
+
+} // namespace
+} // namespace velmora
