@@ -20,8 +20,6 @@ Qt::WindowFlags flagsOf(const forms::Form &form) {
     Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint;
     if (form.unmanaged())
         flags |= Qt::BypassWindowManagerHint;
-    if (form.topmost())
-        flags |= Qt::WindowStaysOnTopHint;
     return flags;
 }
 
@@ -73,6 +71,8 @@ void QtFormWindow::setStatesBeforeMap() {
         return;
     if (!form_.showInTaskbar())
         hub_.x11.setStatesBeforeMap(nativeWindow(), {X11::SkipTaskbar, X11::SkipPager});
+    if (form_.topmost())
+        hub_.x11.setStatesBeforeMap(nativeWindow(), {X11::Above});
     fullScreen_ = isFullScreen();
     if (fullScreen_)
         hub_.x11.setStatesBeforeMap(nativeWindow(), {X11::FullScreen});
@@ -96,6 +96,8 @@ void QtFormWindow::show() {
     if (form_.windowState() == forms::WindowState::Minimised)
         top_->setWindowState(top_->windowState() | Qt::WindowMinimized);
     top_->show();
+    if (!form_.unmanaged())
+        top_->activateWindow();
     hub_.moveToFront(*this);
     shownOnce_ = true;
     if (first)
@@ -183,13 +185,12 @@ void QtFormWindow::moved() {
 }
 
 void QtFormWindow::applyTopmost() {
-    if (QWindow *handle = top_->windowHandle()) {
-        // Without re-creating the native window, hence without a blink.
-        handle->setFlag(Qt::WindowStaysOnTopHint, form_.topmost());
-        top_->overrideWindowFlags(flagsOf(form_));
-    }
     if (!top_->isVisible())
         return;
+    // Asked of the window manager directly: the toolkit's own way makes a new native window at the
+    // next showing, which would blink.
+    if (!form_.unmanaged())
+        hub_.x11.requestState(nativeWindow(), form_.topmost(), X11::Above);
     top_->raise();
     hub_.x11.flush();
     if (!form_.unmanaged())

@@ -1,0 +1,126 @@
+#include "tests/desktop/qt/desk.h"
+
+#include "base/text.h"
+
+#include <cmath>
+#include <cstdlib>
+
+namespace velmora::tests {
+
+namespace {
+
+std::unique_ptr<Desk> theDesk;
+
+// One toolkit application lasts as long as the program: nobody could make a second one.
+class DeskEnvironment : public testing::Environment {
+public:
+    void SetUp() override { theDesk = std::make_unique<Desk>(); }
+    void TearDown() override { theDesk.reset(); }
+};
+
+[[maybe_unused]] testing::Environment *const environment =
+    testing::AddGlobalTestEnvironment(new DeskEnvironment);
+
+} // namespace
+
+Desk &desk() { return *theDesk; }
+
+Desk::Desk() {
+    if (!session.running()) {
+        ADD_FAILURE() << "no private screen: Xvfb, openbox, xprop and xdotool are needed";
+        std::exit(1);
+    }
+    session.exportToEnvironment();
+    screen = std::make_unique<XScreen>(session.display());
+    platform::QtOptions options;
+    options.note = [this](std::string_view line) { notes.emplace_back(line); };
+    windows = platform::QtWindowSystem::make(options);
+    if (windows == nullptr) {
+        ADD_FAILURE() << "no window system";
+        std::exit(1);
+    }
+}
+
+Desk::~Desk() { windows.reset(); }
+
+bool Desk::pump(const std::function<bool()> &condition, int limitMs) {
+    using std::chrono::steady_clock;
+    const auto end = steady_clock::now() + std::chrono::milliseconds(limitMs);
+    while (!condition()) {
+        if (steady_clock::now() >= end)
+            return false;
+        windows->waitForEvents(steady_clock::now() + std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+void Desk::pumpFor(int ms) {
+    pump([] { return false; }, ms);
+}
+
+void Desk::tool(const std::vector<std::string> &words) {
+    std::vector<std::string> command = {"xdotool"};
+    command.insert(command.end(), words.begin(), words.end());
+    session.run(command);
+    pumpFor(15);
+}
+
+void Desk::movePointer(int x, int y) {
+    tool({"mousemove", std::to_string(x), std::to_string(y)});
+}
+
+void Desk::click(int x, int y, int button) {
+    movePointer(x, y);
+    tool({"click", std::to_string(button)});
+}
+
+void Desk::key(const std::string &name) { tool({"key", name}); }
+
+xcb_window_t nativeOf(const forms::Form &form) {
+    const auto *window = static_cast<const platform::qt::QtFormWindow *>(form.window());
+    return window != nullptr ? window->nativeWindow() : xcb_window_t{0};
+}
+
+TestForm::TestForm(const char *name) : forms::Form(*desk().windows, name) {
+    setCaption(u"Test form");
+    setBackColor(0x00352A23);
+    move({3000, 2250, 4500, 3000}); // 200,150 size 300x200
+}
+
+TestForm::~TestForm() {
+    hide();
+    dropWindow();
+}
+
+bool TestForm::isOnScreen() const {
+    const auto geometry = desk().screen->geometry(nativeOf(*this));
+    return geometry && geometry->mapped;
+}
+
+void TestForm::appear() {
+    show();
+    ASSERT_TRUE(desk().pump([this] { return isOnScreen(); })) << "the window did not appear";
+    const auto *window = static_cast<platform::qt::QtFormWindow *>(this->window());
+    ASSERT_TRUE(desk().pump([&] { return window->top()->windowHandle() != nullptr; }));
+    desk().pumpFor(60);
+}
+
+int TestForm::screenX(int x) const {
+    return static_cast<int>(std::lround(left() / twipsPerPixel)) + x;
+}
+
+int TestForm::screenY(int y) const {
+    return static_cast<int>(std::lround(top() / twipsPerPixel)) + y;
+}
+
+std::uint32_t TestForm::pixel(int x, int y) const {
+    return desk().screen->pixel(screenX(x), screenY(y));
+}
+
+void DeskTest::SetUp() { desk().movePointer(1270, 790); }
+
+void DeskTest::TearDown() { desk().pumpFor(20); }
+
+std::u16string u16(const std::string &ascii) { return fromUtf8(ascii); }
+
+} // namespace velmora::tests

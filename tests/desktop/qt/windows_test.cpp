@@ -1,0 +1,320 @@
+// A form's window as the window manager and the screen have it.
+
+#include "tests/desktop/qt/desk.h"
+
+#include <algorithm>
+
+namespace velmora::tests {
+namespace {
+
+using platform::HWND_NOTOPMOST;
+using platform::HWND_TOPMOST;
+
+constexpr std::uint32_t stay = platform::SWP_NOMOVE | platform::SWP_NOSIZE;
+
+class WindowTest : public DeskTest {
+protected:
+    bool hasState(const forms::Form &form, const char *state) {
+        const auto all = desk().screen->atoms(nativeOf(form), "_NET_WM_STATE");
+        return std::find(all.begin(), all.end(), state) != all.end();
+    }
+    XScreen::Geometry place(const forms::Form &form) {
+        return desk().screen->geometry(nativeOf(form)).value_or(XScreen::Geometry{});
+    }
+};
+
+TEST_F(WindowTest, StandsExactlyAtItsPlaceWhenFirstShown) {
+    TestForm form;
+    form.move({3015, 2265, 4500, 3000});
+    form.appear();
+    const auto at = place(form);
+    EXPECT_EQ(at.x, 201);
+    EXPECT_EQ(at.y, 151);
+    EXPECT_EQ(at.width, 300);
+    EXPECT_EQ(at.height, 200);
+}
+
+TEST_F(WindowTest, IsPlacedAtTheNearestPixel) {
+    TestForm form;
+    form.move({3008, 2257, 4500, 3000});
+    form.appear();
+    EXPECT_EQ(place(form).x, 201);
+    EXPECT_EQ(place(form).y, 150);
+    EXPECT_FLOAT_EQ(form.left(), 3008);
+}
+
+TEST_F(WindowTest, FollowsEveryMoveOfItsForm) {
+    TestForm form;
+    form.appear();
+    for (int step = 0; step < 40; ++step)
+        form.setLeft(form.left() + 45);
+    EXPECT_TRUE(desk().pump([&] { return place(form).x == 320; }));
+    desk().pumpFor(80);
+    EXPECT_FLOAT_EQ(form.left(), 4800) << "late reports of earlier places are not moves";
+    EXPECT_EQ(place(form).x, 320);
+}
+
+TEST_F(WindowTest, ComesBackToAPlaceThatItLeftAMomentAgo) {
+    TestForm form;
+    form.appear();
+    for (int round = 0; round < 10; ++round) {
+        form.setLeft(4500);
+        form.setLeft(3000);
+    }
+    desk().pumpFor(150);
+    EXPECT_EQ(place(form).x, 200);
+    EXPECT_FLOAT_EQ(form.left(), 3000);
+}
+
+TEST_F(WindowTest, MayStandBeyondTheEdgeOfTheScreen) {
+    TestForm form;
+    form.appear();
+    form.move({-3000, -1500, 4500, 3000});
+    EXPECT_TRUE(desk().pump([&] { return place(form).x == -200 && place(form).y == -100; }));
+    desk().pumpFor(50);
+    EXPECT_FLOAT_EQ(form.left(), -3000);
+}
+
+TEST_F(WindowTest, TellsItsFormWhenSomebodyElseMovesIt) {
+    TestForm form;
+    form.appear();
+    desk().tool({"windowmove", std::to_string(nativeOf(form)), "412", "333"});
+    EXPECT_TRUE(desk().pump([&] { return form.left() == 412 * 15; }));
+    EXPECT_FLOAT_EQ(form.top(), 333 * 15);
+}
+
+TEST_F(WindowTest, FollowsTheSizeOfItsForm) {
+    TestForm form;
+    form.appear();
+    form.setWidth(6000);
+    form.setHeight(1500);
+    EXPECT_TRUE(
+        desk().pump([&] { return place(form).width == 400 && place(form).height == 100; }));
+}
+
+TEST_F(WindowTest, StartsCentredOnTheWorkAreaWhenSoDesigned) {
+    TestForm form;
+    form.setStartCentred(true);
+    form.appear();
+    EXPECT_EQ(place(form).x, (1280 - 300) / 2);
+    EXPECT_EQ(place(form).y, (800 - 200) / 2);
+    EXPECT_FLOAT_EQ(form.left(), 490 * 15);
+    EXPECT_FLOAT_EQ(form.top(), 300 * 15);
+}
+
+TEST_F(WindowTest, HasNoFrameNoParentAndTheProgramsClass) {
+    TestForm form;
+    form.appear();
+    const auto *window = static_cast<platform::qt::QtFormWindow *>(form.window());
+    EXPECT_FALSE(desk().screen->hasProperty(nativeOf(form), "WM_TRANSIENT_FOR"));
+    EXPECT_NE(desk().screen->text(nativeOf(form), "WM_CLASS").find("velmora"), std::string::npos);
+    const std::string extents = desk().session.run(
+        {"xprop", "-id", std::to_string(window->nativeWindow()), "_NET_FRAME_EXTENTS"});
+    EXPECT_NE(extents.find("0, 0, 0, 0"), std::string::npos) << extents;
+}
+
+TEST_F(WindowTest, StaysOutOfTheTaskBarUnlessDesignedForIt) {
+    TestForm form;
+    form.appear();
+    EXPECT_TRUE(hasState(form, "_NET_WM_STATE_SKIP_TASKBAR"));
+    form.hide();
+    ASSERT_TRUE(desk().pump([&] { return !form.isOnScreen(); }));
+    form.appear();
+    EXPECT_TRUE(hasState(form, "_NET_WM_STATE_SKIP_TASKBAR")) << "after the second showing, too";
+
+    TestForm entry("Entry");
+    entry.setShowInTaskbar(true);
+    entry.appear();
+    EXPECT_FALSE(hasState(entry, "_NET_WM_STATE_SKIP_TASKBAR"));
+}
+
+TEST_F(WindowTest, ShowsItsCaptionToTheWindowManager) {
+    TestForm form;
+    form.setCaption(u"灯火 【one】");
+    form.appear();
+    EXPECT_EQ(desk().screen->text(nativeOf(form), "_NET_WM_NAME"), "灯火 【one】");
+    form.setCaption(u"two");
+    EXPECT_TRUE(desk().pump(
+        [&] { return desk().screen->text(nativeOf(form), "_NET_WM_NAME") == "two"; }));
+}
+
+TEST_F(WindowTest, HasTheIconOfItsFormInTheTaskBar) {
+    TestForm form;
+    form.setShowInTaskbar(true);
+    form.setIcon(forms::Picture::app_icon);
+    form.appear();
+    EXPECT_TRUE(desk().screen->hasProperty(nativeOf(form), "_NET_WM_ICON"));
+}
+
+TEST_F(WindowTest, TakesTheWindowManagersCloseForARequest) {
+    TestForm form;
+    int asked = 0;
+    form.on().QueryUnload = [&](bool &cancel) {
+        ++asked;
+        cancel = true;
+    };
+    form.appear();
+    desk().screen->askToClose(nativeOf(form));
+    EXPECT_TRUE(desk().pump([&] { return asked == 1; }));
+    desk().pumpFor(50);
+    EXPECT_TRUE(form.isOnScreen());
+    EXPECT_TRUE(form.visible());
+}
+
+TEST_F(WindowTest, MinimisesAndRestoresWithItsForm) {
+    TestForm form;
+    form.setShowInTaskbar(true);
+    form.appear();
+    form.setWindowState(forms::WindowState::Minimised);
+    EXPECT_TRUE(desk().pump([&] { return !form.isOnScreen(); }));
+    form.setWindowState(forms::WindowState::Normal);
+    EXPECT_TRUE(desk().pump([&] { return form.isOnScreen(); }));
+    EXPECT_EQ(form.windowState(), forms::WindowState::Normal);
+}
+
+TEST_F(WindowTest, TellsItsFormWhenItIsMinimisedFromOutside) {
+    TestForm form;
+    form.setShowInTaskbar(true);
+    form.appear();
+    desk().tool({"windowminimize", std::to_string(nativeOf(form))});
+    EXPECT_TRUE(
+        desk().pump([&] { return form.windowState() == forms::WindowState::Minimised; }));
+    desk().tool({"windowactivate", std::to_string(nativeOf(form))});
+    EXPECT_TRUE(desk().pump([&] { return form.windowState() == forms::WindowState::Normal; }));
+}
+
+TEST_F(WindowTest, BecomesTopmostWithoutANewNativeWindow) {
+    TestForm form;
+    form.appear();
+    const xcb_window_t before = nativeOf(form);
+    desk().windows->SetWindowPos(form.hWnd(), HWND_TOPMOST, 0, 0, 0, 0, stay);
+    EXPECT_TRUE(desk().pump([&] { return hasState(form, "_NET_WM_STATE_ABOVE"); }));
+    EXPECT_EQ(nativeOf(form), before);
+    form.hide();
+    ASSERT_TRUE(desk().pump([&] { return !form.isOnScreen(); }));
+    form.appear();
+    EXPECT_EQ(nativeOf(form), before) << "hiding and showing keeps it, too";
+    EXPECT_TRUE(hasState(form, "_NET_WM_STATE_ABOVE"));
+}
+
+TEST_F(WindowTest, NoLongerTopmostIsAboveAllOtherNormalWindows) {
+    TestForm form;
+    form.appear();
+    TestForm other("Other");
+    other.move({3300, 2400, 4500, 3000});
+    other.appear();
+    ASSERT_TRUE(desk().screen->isAbove(nativeOf(other), nativeOf(form)));
+    desk().windows->SetWindowPos(form.hWnd(), HWND_TOPMOST, 0, 0, 0, 0, stay);
+    desk().windows->SetWindowPos(form.hWnd(), HWND_NOTOPMOST, 0, 0, 0, 0, stay);
+    EXPECT_TRUE(
+        desk().pump([&] { return desk().screen->isAbove(nativeOf(form), nativeOf(other)); }));
+    EXPECT_TRUE(desk().pump([&] { return !hasState(form, "_NET_WM_STATE_ABOVE"); }));
+}
+
+TEST_F(WindowTest, NotTopmostDoesNothingToANormalWindow) {
+    TestForm form;
+    form.appear();
+    TestForm other("Other");
+    other.move({3300, 2400, 4500, 3000});
+    other.appear();
+    desk().windows->SetWindowPos(form.hWnd(), HWND_NOTOPMOST, 0, 0, 0, 0, stay);
+    desk().pumpFor(100);
+    EXPECT_TRUE(desk().screen->isAbove(nativeOf(other), nativeOf(form)));
+}
+
+TEST_F(WindowTest, HiddenAndShownWithinOneEventIsRaisedWithoutBeingUnmapped) {
+    TestForm form;
+    form.appear();
+    TestForm other("Other");
+    other.move({3300, 2400, 4500, 3000});
+    other.appear();
+    const xcb_window_t native = nativeOf(form);
+    const std::uint32_t watch = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(desk().screen->connection(), native, XCB_CW_EVENT_MASK, &watch);
+    form.hide();
+    form.show();
+    EXPECT_TRUE(desk().pump([&] { return desk().screen->isAbove(native, nativeOf(other)); }));
+    EXPECT_TRUE(desk().pump([&] { return desk().screen->focused() == native; }));
+    bool unmapped = false;
+    while (xcb_generic_event_t *event = xcb_poll_for_event(desk().screen->connection())) {
+        unmapped = unmapped || (event->response_type & 0x7F) == XCB_UNMAP_NOTIFY;
+        free(event);
+    }
+    EXPECT_FALSE(unmapped);
+}
+
+TEST_F(WindowTest, UnmanagedStandsAboveTheOthersAndTakesNoFocus) {
+    TestForm form;
+    form.appear();
+    TestForm strip("Strip");
+    strip.setUnmanaged(true);
+    strip.setTopmost(true);
+    strip.move({3300, -150, 4500, 600});
+    strip.appear();
+    EXPECT_TRUE(place(strip).unmanaged);
+    EXPECT_EQ(place(strip).y, -10);
+    EXPECT_NE(desk().screen->focused(), nativeOf(strip));
+    form.raise();
+    desk().pumpFor(250);
+    EXPECT_TRUE(desk().screen->isAbove(nativeOf(strip), nativeOf(form)));
+}
+
+TEST_F(WindowTest, FlashAsksForAttentionOnlyWhileTheWindowIsNotActive) {
+    TestForm form;
+    form.setShowInTaskbar(true);
+    form.appear();
+    ASSERT_TRUE(desk().pump([&] { return desk().screen->focused() == nativeOf(form); }));
+    desk().windows->FlashWindow(form.hWnd(), true);
+    desk().pumpFor(60);
+    EXPECT_FALSE(hasState(form, "_NET_WM_STATE_DEMANDS_ATTENTION"));
+    TestForm other("Other");
+    other.appear();
+    ASSERT_TRUE(desk().pump([&] { return desk().screen->focused() == nativeOf(other); }));
+    desk().windows->FlashWindow(form.hWnd(), true);
+    EXPECT_TRUE(desk().pump([&] { return hasState(form, "_NET_WM_STATE_DEMANDS_ATTENTION"); }));
+}
+
+TEST_F(WindowTest, AsLargeAsTheScreenIsFullScreenAndComesBackToItsSize) {
+    TestForm form;
+    form.appear();
+    form.move({0, 0, desk().windows->screenWidth(), desk().windows->screenHeight()});
+    EXPECT_TRUE(desk().pump([&] { return hasState(form, "_NET_WM_STATE_FULLSCREEN"); }));
+    EXPECT_TRUE(desk().pump([&] { return place(form).width == 1280 && place(form).x == 0; }));
+    form.move({1500, 1500, 4500, 3000});
+    EXPECT_TRUE(desk().pump([&] {
+        return !hasState(form, "_NET_WM_STATE_FULLSCREEN") && place(form).width == 300 &&
+               place(form).height == 200 && place(form).x == 100;
+    })) << place(form).width << "x" << place(form).height << " at " << place(form).x;
+    EXPECT_FLOAT_EQ(form.left(), 1500);
+}
+
+TEST_F(WindowTest, WindowOperationsOnAnUnknownWindowFail) {
+    RectPixels rect;
+    EXPECT_EQ(desk().windows->SetWindowPos(4711, HWND_TOPMOST, 0, 0, 0, 0, stay), 0);
+    EXPECT_FALSE(desk().windows->GetWindowRect(4711, rect));
+    EXPECT_FALSE(desk().windows->FlashWindow(4711, true));
+    EXPECT_FALSE(
+        desk().windows->SetLayeredWindowAttributes(4711, keyColour, 0, platform::LWA_COLORKEY));
+    EXPECT_EQ(desk().windows->GetWindowLongA(4711, platform::GWL_EXSTYLE), 0);
+}
+
+TEST_F(WindowTest, TellsScreenWorkAreaTaskBarAndPointer) {
+    RectPixels area;
+    ASSERT_TRUE(desk().windows->SystemParametersInfoA(platform::SPI_GETWORKAREA, area));
+    EXPECT_EQ(area, (RectPixels{0, 0, 1280, 800}));
+    EXPECT_FALSE(desk().windows->SystemParametersInfoA(47, area));
+    const auto bar = desk().windows->FindWindowA(u"Shell_TrayWnd");
+    ASSERT_NE(bar, platform::HWND{0});
+    EXPECT_EQ(desk().windows->FindWindowA(u"Another"), platform::HWND{0});
+    ASSERT_TRUE(desk().windows->GetWindowRect(bar, area));
+    EXPECT_EQ(area.bottom - area.top, 0) << "no panel, no strip";
+    EXPECT_FLOAT_EQ(desk().windows->screenWidth(), 1280 * 15);
+    EXPECT_FLOAT_EQ(desk().windows->screenHeight(), 800 * 15);
+    desk().movePointer(321, 123);
+    PointPixels at;
+    ASSERT_TRUE(desk().windows->GetCursorPos(at));
+    EXPECT_EQ(at, (PointPixels{321, 123}));
+}
+
+} // namespace
+} // namespace velmora::tests
