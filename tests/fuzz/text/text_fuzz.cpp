@@ -1,0 +1,48 @@
+// Text from outside: every conversion answers, names survive, what is valid comes back the same.
+
+#include "base/numbers.h"
+#include "base/text.h"
+#include "platform/linux/text/ansi_conversion.h"
+#include "platform/linux/text/path_text.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+using namespace velmora;
+using namespace velmora::platform;
+
+void require(bool holds) {
+    if (!holds)
+        std::abort();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    if (size == 0)
+        return 0;
+    const char16_t *pages[] = {u"", u"936", u"932", u"950", u"1252", u"65001"};
+    const AnsiConversion ansi([&] { return std::u16string(pages[data[0] % 6]); });
+    const std::string bytes(reinterpret_cast<const char *>(data) + 1, size - 1);
+
+    require(pathBytes(pathFromBytes(bytes)) == bytes);
+    require(shortPathBytes(shortPath(pathFromBytes(bytes))) == bytes);
+
+    const std::u16string text = ansi.decode(bytes);
+    require(ansi.byteCount(text) == ansi.encode(text).size());
+    const std::u16string path = ansi.decodePath(bytes);
+    if (data[0] % 6 == 0) // what was read from a list is written so that it reads the same
+        require(ansi.decodePath(ansi.encode(path)) == path);
+    require(ansi.decodeTogether({bytes, bytes}, (data[0] & 8) != 0).size() == 2);
+
+    const std::u16string plain = fromUtf8(bytes);
+    require(fromUtf8(toUtf8(plain)) == plain);
+    leadingInt32(plain);
+    strictInt32(plain);
+    require(upper(upper(plain)) == upper(plain));
+    return 0;
+}
