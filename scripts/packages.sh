@@ -9,7 +9,7 @@ packages_build="g++ cmake ninja-build ccache pkg-config qt6-base-dev libmpv-dev 
  libxcb-shape0-dev"
 
 # A screen, a window manager and a sound server for machines that have none.
-packages_headless="xvfb openbox xdotool x11-utils x11-xserver-utils imagemagick pulseaudio
+packages_headless="x11-xserver-utils xvfb openbox xdotool x11-utils x11-xserver-utils imagemagick pulseaudio
  pulseaudio-utils xauth"
 
 packages_test="libgtest-dev libgmock-dev clang clang-format clang-tidy libclang-rt-14-dev picom wmctrl

@@ -32,7 +32,10 @@ def design(name):
             words = line.split("#")[0].split() if '"' not in line else line.split()
             if not words:
                 continue
-            if words[0][0].isupper():
+            if words[0] == "form":
+                control = "form"
+                places[control] = [0, 0, 0, 0]
+            elif words[0][0].isupper():
                 control = words[1] if len(line) - len(line.lstrip()) == 0 else None
                 if control:
                     places[control] = [0, 0, 0, 0]
@@ -44,6 +47,7 @@ def design(name):
 
 
 MAIN = design("src/playback/Main.form")
+SPLASH = design("src/playback/startLoad_Form.form")
 
 
 def stairs(path, seconds, level=0.5, base=200, step=100):
@@ -76,14 +80,29 @@ class Player:
         self.errors = open(session.home + "/errors.log", "ab")
         self.child = subprocess.Popen([PROGRAM], env=session.env, stderr=self.errors,
                                       stdout=subprocess.DEVNULL, start_new_session=True)
+        self.errors.close()
         session.children.append(self.child)
 
     def window(self, seconds=20):
-        """The main window: the one whose title tells it."""
+        """The main window: the one of its design's size (the splash has the same title)."""
+        wanted = tuple(int(side) for side in MAIN["form"][2:4])
+
         def look():
             for number in quiet("xdotool", "search", "--onlyvisible", "--class", "velmora",
                                 env=self.session.env).split():
-                if TITLE in self.title(number) and self.size(number)[1] < 500:
+                if self.size(number) == wanted:
+                    return number
+            return None
+        return wait_for(look, seconds)
+
+    def box(self, seconds=15):
+        """A message box: a visible window that is neither the splash nor the main window."""
+        others = [tuple(int(side) for side in form["form"][2:4]) for form in (MAIN, SPLASH)]
+        def look():
+            for number in quiet("xdotool", "search", "--onlyvisible", "--pid", str(self.child.pid),
+                                env=self.session.env).split():
+                width, height = self.size(number)
+                if (width, height) not in others and width > 100 and height > 60:
                     return number
             return None
         return wait_for(look, seconds)
@@ -138,6 +157,11 @@ class PlayerTest(unittest.TestCase):
                 if file.read(15) == b"SQLite format 3":
                     return f"{folder}/{name}"
         return None
+
+    @staticmethod
+    def begins(path, beginning):
+        with open(path, "rb") as file:
+            return file.read(len(beginning)) == beginning
 
     def start(self):
         player = Player(self.session)
@@ -234,7 +258,7 @@ class Playing(PlayerTest):
         self.addCleanup(recorder.close)
         self.session.key("F6", window)
         self.assertAlmostEqual(self.now_playing(recorder), 500, delta=10)
-        self.assert_title(player, window, "- b")
+        self.assert_title(player, window, "〗 b")
         loud = [at for at, block in recorder.blocks if Recorder.loud(block)]
         gaps = [after - before for before, after in zip(loud, loud[1:])]
         self.assertLess(max(gaps), 2.0, "the gap between two tracks")
@@ -267,18 +291,11 @@ class Lasting(PlayerTest):
     def test_a_second_start_refuses_with_a_message(self):
         _, _ = self.start()
         second = Player(self.session)
-        box = wait_for(lambda: [number for number in
-                                quiet("xdotool", "search", "--onlyvisible", "--pid",
-                                      str(second.child.pid), env=self.session.env).split()
-                                if self.is_box(second, number)], 15)
+        box = second.box()
         self.assertTrue(box, "no message comes up")
-        self.session.key("Return", box[0])
+        self.assertEqual(second.title(box), TITLE)
+        self.session.key("Return", box)
         self.assertTrue(second.ended(), "the second instance does not end")
-
-    @staticmethod
-    def is_box(player, number):
-        width, height = player.size(number)
-        return TITLE in player.title(number) and 100 < width and 60 < height
 
     def test_a_second_start_with_the_restart_marker_comes_up(self):
         first, window = self.start()
@@ -305,7 +322,7 @@ class Lasting(PlayerTest):
                 os.remove(registry + suffix)
         player, window = self.start()
         kept = [name for name in os.listdir(folder)
-                if b"no registry at all" in open(f"{folder}/{name}", "rb").read(200)]
+                if self.begins(f"{folder}/{name}", b"this is no registry at all")]
         self.assertTrue(kept, "the damaged file is not kept")
         with open(self.session.home + "/errors.log") as log:
             self.assertEqual(len(log.read().strip().splitlines()), 1)
@@ -329,12 +346,10 @@ class WithoutSound(PlayerTest):
 
     def test_the_message_comes_and_the_player_goes_on(self):
         player = Player(self.session)
-        box = wait_for(lambda: [number for number in
-                                quiet("xdotool", "search", "--onlyvisible", "--pid",
-                                      str(player.child.pid), env=self.session.env).split()
-                                if player.title(number) == TITLE], 15)
+        box = player.box()
         self.assertTrue(box, "no message comes up")
-        self.session.key("Return", box[0])
+        self.assertEqual(player.title(box), TITLE)
+        self.session.key("Return", box)
         self.assertTrue(player.window(), "the player does not come up without a sound device")
 
 
