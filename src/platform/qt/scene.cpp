@@ -229,20 +229,18 @@ void Scene::controlChanged(forms::Control &control, forms::Change what, const Re
     }
 }
 
+// The control is in its destructor: nothing virtual of it may be asked any more.
 void Scene::controlGone(forms::Control &control) {
     if (owedFocus_ == &control)
         owedFocus_ = nullptr;
+    if (top_ != nullptr)
+        top_->update();
     const auto found = own_.find(&control);
-    if (found == own_.end()) {
-        if (top_ != nullptr && isPainted(control))
-            top_->update();
+    if (found == own_.end())
         return;
-    }
-    QWidget *widget = found->second.widget;
-    found->second.view.reset();
-    if (!found->second.view && widget != nullptr && found->second.layer)
-        delete widget;
-    own_.erase(&control);
+    const QPointer<QWidget> widget = found->second.widget;
+    own_.erase(found); // a view takes its widget along
+    delete widget.data();
 }
 
 // Marks what shows of the control at `place` to be painted.
