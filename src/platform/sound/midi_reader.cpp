@@ -2,7 +2,9 @@
 #include "platform/sound/reader.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstring>
 
 namespace velmora::platform::sound {
 
@@ -13,6 +15,14 @@ constexpr int midiRate = 44100;
 constexpr double synthGain = 0.5;
 // A longer piece has no place in the milliseconds that the program counts.
 constexpr double maxSeconds = 2147483.0;
+
+// The library's loaders complain on standard error of what is none.
+bool isSoundFont(const std::string &path) {
+    std::uint8_t head[12];
+    const auto file = FileSource::open(path);
+    return file && file->read(0, head) == sizeof head && std::memcmp(head, "RIFF", 4) == 0 &&
+           std::memcmp(head + 8, "sfbk", 4) == 0;
+}
 
 class MidiReader final : public Reader {
 public:
@@ -42,8 +52,7 @@ public:
             return false;
         const bool loaded =
             std::any_of(soundFonts.begin(), soundFonts.end(), [&](const std::string &font) {
-                return FileSource::open(font) &&
-                       lib.fluid_synth_sfload(synth_, font.c_str(), 1) >= 0;
+                return isSoundFont(font) && lib.fluid_synth_sfload(synth_, font.c_str(), 1) >= 0;
             });
         frames_ = std::llround(std::min(file_.seconds(), maxSeconds) * midiRate);
         return loaded && frames_ > 0 && seek(0);
@@ -56,7 +65,7 @@ public:
     // Everything but the notes is played at once up to the target, so that instruments and
     // controllers stand as they would.
     bool seek(std::int64_t frame) override {
-        library_->fluid_synth_system_reset(synth_);
+        silence();
         events_ = MidiFile::Events(file_);
         for (next_ = events_.next(); next_ && frameOf(*next_) < frame; next_ = events_.next()) {
             const int kind = next_->status & 0xF0;
@@ -88,6 +97,18 @@ public:
 private:
     std::int64_t frameOf(const MidiEvent &event) const {
         return std::llround(std::min(event.seconds, maxSeconds) * midiRate);
+    }
+
+    // A reset alone lets what sounds die away over the next tenth of a second.
+    void silence() {
+        constexpr int allSoundOff = 120;
+        constexpr int blockFrames = 64; // that the synthesizer renders at a time
+        for (int channel = 0; channel < 16; ++channel)
+            library_->fluid_synth_cc(synth_, channel, allSoundOff, 0);
+        std::array<float, 2 * blockFrames> dropped;
+        library_->fluid_synth_write_float(synth_, blockFrames, dropped.data(), 0, 2, dropped.data(),
+                                          1, 2);
+        library_->fluid_synth_system_reset(synth_);
     }
 
     void send(const MidiEvent &event) {

@@ -1,4 +1,5 @@
 #include "platform/sound/flac_length.h"
+#include "platform/sound/ogg_length.h"
 #include "platform/sound/reader.h"
 
 #include <algorithm>
@@ -40,10 +41,7 @@ public:
         if (!file_ || info_.channels < 1 || info_.channels > maxChannels ||
             info_.samplerate < minRate || info_.samplerate > maxRate)
             return false;
-        if ((info_.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_FLAC) {
-            if (const auto present = flacSamplesPresent(*source_))
-                info_.frames = info_.frames <= 0 ? *present : std::min(info_.frames, *present);
-        }
+        correctLength();
         return info_.frames > 0 && info_.frames < SF_COUNT_MAX;
     }
 
@@ -66,6 +64,18 @@ public:
     }
 
 private:
+    // A cut file claims its whole length (FLAC) or does not know it (Ogg).
+    void correctLength() {
+        const int form = info_.format & SF_FORMAT_TYPEMASK;
+        std::optional<std::int64_t> present;
+        if (form == SF_FORMAT_FLAC)
+            present = flacSamplesPresent(*source_);
+        else if (form == SF_FORMAT_OGG && info_.frames == SF_COUNT_MAX)
+            present = oggSamplesPresent(*source_);
+        if (present)
+            info_.frames = info_.frames <= 0 ? *present : std::min(info_.frames, *present);
+    }
+
     std::shared_ptr<const SndfileTable> library_;
     std::unique_ptr<ByteSource> source_;
     ByteCursor cursor_;

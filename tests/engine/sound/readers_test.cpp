@@ -54,7 +54,7 @@ std::ostream &operator<<(std::ostream &out, const Case &test) { return out << te
 class RisingSine : public testing::TestWithParam<Case> {};
 
 TEST_P(RisingSine, HasItsExactLength) {
-    const auto reader = open(media(GetParam().file));
+    const auto reader = open(mediaFile(GetParam().file));
     ASSERT_TRUE(reader);
     EXPECT_EQ(reader->rate(), GetParam().rate);
     EXPECT_EQ(reader->channels(), GetParam().channels);
@@ -62,13 +62,13 @@ TEST_P(RisingSine, HasItsExactLength) {
 }
 
 TEST_P(RisingSine, DecodesToTheEndAndNoFurther) {
-    const auto reader = open(media(GetParam().file));
+    const auto reader = open(mediaFile(GetParam().file));
     ASSERT_TRUE(reader);
     EXPECT_EQ(decodeAll(*reader), reader->frames());
 }
 
 TEST_P(RisingSine, SeeksToTheExactPlace) {
-    const auto reader = open(media(GetParam().file));
+    const auto reader = open(mediaFile(GetParam().file));
     ASSERT_TRUE(reader);
     const int rate = reader->rate();
     const auto piece = static_cast<std::size_t>(rate / 10);
@@ -81,8 +81,8 @@ TEST_P(RisingSine, SeeksToTheExactPlace) {
 }
 
 TEST_P(RisingSine, ReadsOnFromASeekAsWithoutIt) {
-    const auto whole = open(media(GetParam().file));
-    const auto part = open(media(GetParam().file));
+    const auto whole = open(mediaFile(GetParam().file));
+    const auto part = open(mediaFile(GetParam().file));
     ASSERT_TRUE(whole && part);
     const std::int64_t target = whole->rate() * 4 + 77;
     readChannel(*whole, static_cast<std::size_t>(target));
@@ -98,7 +98,7 @@ TEST_P(RisingSine, ReadsOnFromASeekAsWithoutIt) {
 }
 
 TEST_P(RisingSine, BeginsAgainAfterItsEnd) {
-    const auto reader = open(media(GetParam().file));
+    const auto reader = open(mediaFile(GetParam().file));
     ASSERT_TRUE(reader);
     ASSERT_TRUE(reader->seek(reader->frames()));
     EXPECT_TRUE(readChannel(*reader, 100).empty());
@@ -109,7 +109,7 @@ TEST_P(RisingSine, BeginsAgainAfterItsEnd) {
 }
 
 TEST_P(RisingSine, HasItsAmplitude) {
-    const auto reader = open(media(GetParam().file));
+    const auto reader = open(mediaFile(GetParam().file));
     ASSERT_TRUE(reader);
     ASSERT_TRUE(reader->seek(reader->rate() * 2));
     const double expected = 0.5 / std::sqrt(2.0);
@@ -147,7 +147,7 @@ INSTANTIATE_TEST_SUITE_P(Others, RisingSine,
 
 TEST(Readers, AnUnevenVariableRateIsExactWithItsHeaderAndWithout) {
     for (const char *name : {"vbr_uneven.mp3", "vbr_bare.mp3"}) {
-        const auto reader = open(media(name));
+        const auto reader = open(mediaFile(name));
         ASSERT_TRUE(reader) << name;
         EXPECT_NEAR(lengthMs(*reader), 10000, 50) << name;
         EXPECT_EQ(decodeAll(*reader), reader->frames()) << name;
@@ -165,7 +165,7 @@ TEST(Readers, ContentDecidesWhateverTheExtensionSays) {
                        {"chirp.flac", "d", 44100},
                        {"rate_96000.wav", "e.avi", 96000}};
     for (const auto &test : cases) {
-        const auto reader = open(folder.write(test.name, readFile(media(test.content))));
+        const auto reader = open(folder.write(test.name, readFile(mediaFile(test.content))));
         ASSERT_TRUE(reader) << test.content;
         EXPECT_EQ(reader->rate(), test.rate);
     }
@@ -175,20 +175,20 @@ TEST(Readers, SoundWithPicturesAndSoundOfOtherKindsIsLeftAlone) {
     for (const char *name :
          {"film.mp4", "film.avi", "film.mpg", "film.ts", "film.flv", "film.wmv", "film.ogv",
           "film.mkv", "sound.wma", "sound.m4a", "sound.aac", "sound.tta"})
-        EXPECT_FALSE(open(media(name))) << name;
+        EXPECT_FALSE(open(mediaFile(name))) << name;
 }
 
 TEST(Readers, TheDurationThatSoxCountsIsTheSame) {
     // An opinion from outside on the same files.
     for (const char *name : {"chirp.wav", "chirp.flac", "chirp.aiff", "chirp.ogg", "u8.wav"}) {
-        const std::string command = "soxi -D '" + media(name) + "' 2>/dev/null";
+        const std::string command = "soxi -D '" + mediaFile(name) + "' 2>/dev/null";
         FILE *pipe = popen(command.c_str(), "r");
         ASSERT_NE(pipe, nullptr);
         char text[64] = {};
         const bool any = fgets(text, sizeof text, pipe) != nullptr;
         pclose(pipe);
         ASSERT_TRUE(any) << name;
-        const auto reader = open(media(name));
+        const auto reader = open(mediaFile(name));
         ASSERT_TRUE(reader) << name;
         EXPECT_NEAR(lengthMs(*reader), std::atof(text) * 1000, 2) << name;
     }
@@ -198,23 +198,23 @@ TEST(Readers, AMissingLibraryLeavesItsKindUnplayableAndNoOther) {
     LibraryNames names;
     names.mpg123 = "libthere-is-no-such-thing.so.0";
     DecoderLibraries without(names);
-    EXPECT_FALSE(openReader(media("cbr.mp3"), without, {}, false));
-    EXPECT_TRUE(openReader(media("chirp.wav"), without, {}, false));
+    EXPECT_FALSE(openReader(mediaFile("cbr.mp3"), without, {}, false));
+    EXPECT_TRUE(openReader(mediaFile("chirp.wav"), without, {}, false));
     names = {};
     names.sndfile = "libthere-is-no-such-thing.so.0";
     DecoderLibraries other(names);
-    EXPECT_TRUE(openReader(media("cbr.mp3"), other, {}, false));
-    EXPECT_FALSE(openReader(media("chirp.wav"), other, {}, false));
+    EXPECT_TRUE(openReader(mediaFile("cbr.mp3"), other, {}, false));
+    EXPECT_FALSE(openReader(mediaFile("chirp.wav"), other, {}, false));
     // A library of another kind lacks the functions.
     names.sndfile = "libm.so.6";
     DecoderLibraries wrong(names);
-    EXPECT_FALSE(openReader(media("chirp.wav"), wrong, {}, false));
+    EXPECT_FALSE(openReader(mediaFile("chirp.wav"), wrong, {}, false));
 }
 
 TEST(Readers, NothingIsWrittenToStandardError) {
     testing::internal::CaptureStderr();
     for (const char *name : {"cbr.mp3", "vbr_bare.mp3", "chirp.ogg", "film.mp4", "sound.aac"}) {
-        if (const auto reader = open(media(name)))
+        if (const auto reader = open(mediaFile(name)))
             decodeAll(*reader);
     }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");

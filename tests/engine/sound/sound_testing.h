@@ -16,7 +16,7 @@ namespace velmora::tests {
 
 using Bytes = std::vector<std::uint8_t>;
 
-inline std::string media(const std::string &name) {
+inline std::string mediaFile(const std::string &name) {
     return std::string(VELMORA_SOUND_MEDIA) + "/" + name;
 }
 

@@ -1,0 +1,17 @@
+#pragma once
+
+// How much of an Ogg file is there. A whole one tells its length by its last page; one that was cut
+// short has none that is marked as the last.
+
+#include "platform/sound/byte_source.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace velmora::platform::sound {
+
+// The number of samples (in each channel) up to the end of the last whole page of the first stream,
+// Vorbis or Opus. No value when there is no such page.
+std::optional<std::int64_t> oggSamplesPresent(const ByteSource &source);
+
+} // namespace velmora::platform::sound
