@@ -147,11 +147,10 @@ void Form::deliver(PointerEvent what, Control *target, PointTwips at, std::int16
             return custom->mouseUp(event);
         }
     }
-    static constexpr std::array handlers{&ControlEvents::MouseDown, &ControlEvents::MouseMove,
-                                         &ControlEvents::MouseUp};
-    raiseIfSet(handlerOf(target != nullptr ? target->events() : events_.get(),
-                         handlers[static_cast<std::size_t>(what)]),
-               event);
+    const auto handler = what == PointerEvent::Down   ? &ControlEvents::MouseDown
+                         : what == PointerEvent::Move ? &ControlEvents::MouseMove
+                                                      : &ControlEvents::MouseUp;
+    raiseIfSet(handlerOf(target != nullptr ? target->events() : events_.get(), handler), event);
 }
 
 // The pointer is over this control now, no button held.
