@@ -2,7 +2,8 @@
 //
 // Shows every window through the real view on the display of the environment, filled as in use, and
 // keeps a picture of each: FOLDER/<window>.png. The rest of the platform is the one in memory. The
-// density is the toolkit's (QT_SCALE_FACTOR). The exit status is 1 when a window did not appear.
+// density is the toolkit's (QT_SCALE_FACTOR). The exit status is 1 when a window did not appear
+// whole.
 
 #include "base/text.h"
 #include "lyrics/doLrcForm.h"
@@ -10,6 +11,7 @@
 #include "network/search_Lrc_Internet_Form.h"
 #include "network/search_Song_Internet_Form.h"
 #include "network/welcomeForm.h"
+#include "platform/qt/picture_painter.h"
 #include "platform/qt/qt_windows.h"
 #include "playback/Main.h"
 #include "playback/VideoScreen_Form.h"
@@ -34,8 +36,10 @@
 #include <QElapsedTimer>
 #include <QWidget>
 
+#include <cmath>
 #include <cstdlib>
 #include <iostream>
+#include <set>
 
 using namespace velmora;
 
@@ -260,13 +264,40 @@ private:
             if (widget != nullptr && widget->isVisible() && clock.elapsed() > 120)
                 break;
         }
-        const bool good =
-            widget != nullptr &&
-            widget->grab().save(folder_ + "/" + QString::fromStdString(name) + ".png");
+        const QImage image = widget == nullptr ? QImage() : widget->grab().toImage();
+        const bool good = isWhole(form, image) &&
+                          image.save(folder_ + "/" + QString::fromStdString(name) + ".png");
         if (!good)
-            std::cerr << name << " did not appear\n";
+            std::cerr << name << " did not appear as it should\n";
         form.hide();
         return good;
+    }
+
+    // The picture has the window's size at its density, holes where the skin cuts them, and more on
+    // it than a ground.
+    static bool isWhole(const forms::Form &form, const QImage &image) {
+        if (image.isNull())
+            return false;
+        const double density = image.devicePixelRatio();
+        const auto expected = [&](Twips length) {
+            return std::abs(density * static_cast<double>(length / twipsPerPixel));
+        };
+        if (std::abs(image.width() - expected(form.width())) > 1 ||
+            std::abs(image.height() - expected(form.height())) > 1)
+            return false;
+        const bool cut =
+            platform::qt::pictureIsKeyed(form.ground()) || form.backColor() == keyColour;
+        const int right = image.width() - 1;
+        const int bottom = image.height() - 1;
+        for (const QPoint corner : {QPoint(0, bottom), QPoint(right, bottom)})
+            if ((qAlpha(image.pixel(corner)) == 0) != cut)
+                return false;
+        std::set<QRgb> colours;
+        for (int y = 0; y < image.height(); y += 3)
+            for (int x = 0; x < image.width(); x += 3)
+                colours.insert(image.pixel(x, y));
+        constexpr std::size_t fewColours = 20;
+        return colours.size() > fewColours;
     }
 
     static QWidget *widgetOf(const forms::Form &form) {
