@@ -101,7 +101,7 @@ private:
         if (row == nullptr || formFont == nullptr || thing.has("font"))
             return;
         const std::string font = fontName(formFont->font);
-        out_ << "    " << target << "setFont(" << font << ");\n";
+        out_ << "    " << target << row->call << '(' << font << ");\n";
     }
 
     void place(const Thing &thing, const std::string &target) {

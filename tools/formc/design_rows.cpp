@@ -44,6 +44,7 @@ constexpr std::array propertyTable{
     PropertyRow{"size", Shape::Extent, form | boxed, "", Phase::Place},
     PropertyRow{"ends", Shape::Ends, line, "setEnds", Phase::Place},
     PropertyRow{"font", Shape::Font, lettered, "setFont"},
+    PropertyRow{"font", Shape::Font, progress, "setCaptionFont"},
     PropertyRow{"caption", Shape::Text, captioned, "setCaption"},
     PropertyRow{"text", Shape::Text, textBox, "setText"},
     PropertyRow{"tip", Shape::Text, controls, "setToolTip"},

@@ -137,9 +137,10 @@ TEST(DesignCode, AControlWithoutAFontHasTheForms) {
     const std::string source =
         codeOf("form F\n    size 900 900\n    font \"Arial\" 8\nLabel a\n    at 0 0\n"
                "    size 9 9\nLabel b\n    at 0 0\n    size 9 9\n    font \"Arial\" 8 bold\n"
-               "Image c\n    at 0 0\n    size 9 9\n")
+               "Image c\n    at 0 0\n    size 9 9\nzkProgress d\n    at 0 0\n    size 9 9\n")
             .source;
     EXPECT_THAT(source, HasSubstr("a.setFont(font1);"));
+    EXPECT_THAT(source, HasSubstr("d.setCaptionFont(font1);"));
     EXPECT_THAT(source, HasSubstr("b.setFont(font2);"));
     EXPECT_THAT(source, Not(HasSubstr("c.setFont")));
     EXPECT_THAT(source,
