@@ -7,6 +7,7 @@
 #include "lyrics/lrcForm.h"
 #include "platform/windows.h"
 #include "playback/VideoScreen_Form.h"
+#include "playback/bars.h"
 #include "playback/display.h"
 #include "playback/miniForm.h"
 #include "playback/player.h"
@@ -18,13 +19,10 @@
 #include "ui/myCommondialog.h"
 #include "velmora.h"
 
-#include <algorithm>
-
 namespace velmora {
 
 namespace {
 
-constexpr Twips deadEnd = 30; // of the volume bar
 constexpr std::int16_t playRandom = 1;
 
 } // namespace
@@ -146,40 +144,12 @@ void Main::setBarHandlers() {
 }
 
 void Main::load_Played_BG_MouseUp(Twips x) {
-    if (x >= load_Played_BG.width()) {
-        return;
-    }
-    load_Played_BG.setMousePointer(forms::pointerHourglass);
-    setMousePointer(forms::pointerHourglass);
-    playInfo_Show.setCaption(app_.Language().msg_Seeking);
-    centreLabel(playInfo_Show, nameBox.width());
-    app_.player().seek_ByBar(PlayerWindow::Main, std::max(x, 0.0F));
-    if (app_.lrcForm().hasLrc) {
-        app_.lrcForm().nowLrcLine = app_.lrcForm().lrcWaitText;
-    }
-    load_Played_BG.setMousePointer(forms::pointerCustom);
-    setMousePointer(forms::pointerDefault);
+    seekByRelease(app_, {PlayerWindow::Main, *this, load_Played_BG, playInfo_Show, nameBox}, x);
 }
 
-void Main::Volume_Set_BG_MouseUp(Twips x) {
-    if (x > Volume_Set_BG.width() - deadEnd) {
-        return;
-    }
-    x = std::max(x, 0.0F);
-    app_.player().set_Volume(roundToInt32(static_cast<double>(x) / Volume_Set_BG.width() * 1000));
-    Volume_Set.setWidth(x);
-    const Twips share = Volume_Set.width() / Volume_Set_BG.width();
-    app_.miniForm().Volume_Set.setWidth(share * app_.miniForm().Volume_Set_BG.width());
-    app_.VideoScreen_Form().Volume_Set.setWidth(share *
-                                                app_.VideoScreen_Form().Volume_Set_BG.width());
-}
+void Main::Volume_Set_BG_MouseUp(Twips x) { setVolumeByRelease(app_, PlayerWindow::Main, x); }
 
-void Main::Volume_ICO_Click() {
-    app_.player().set_Volume(0);
-    Volume_Set.setWidth(0);
-    app_.miniForm().Volume_Set.setWidth(0);
-    app_.VideoScreen_Form().Volume_Set.setWidth(0);
-}
+void Main::Volume_ICO_Click() { mute(app_); }
 
 void Main::choose_Channel(std::int16_t channel) {
     if (app_.player().set_AudioSource(channel) == 0) {

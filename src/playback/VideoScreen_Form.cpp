@@ -1,13 +1,31 @@
 #include "playback/VideoScreen_Form.h"
 
+#include "base/run_time_error.h"
+#include "lyrics/lrcForm.h"
+#include "platform/system.h"
+#include "platform/windows.h"
+#include "playback/Main.h"
+#include "playback/MenuForm.h"
+#include "playback/bars.h"
+#include "playback/display.h"
+#include "playlist/saveOrOpenFile.h"
 #include "settings/Language_Set.h"
+#include "ui/formSet.h"
 #include "velmora.h"
 
 namespace velmora {
 
 namespace {
 
-constexpr Twips belowTitle = 10;
+constexpr std::int16_t keyEnter = 13;
+constexpr std::int16_t keyEscape = 27;
+constexpr std::int16_t keySpace = 32;
+constexpr std::int16_t keyF2 = 113;
+constexpr std::int16_t keyF3 = 114;
+constexpr std::int16_t keyF4 = 115;
+constexpr std::int16_t keyF5 = 116;
+constexpr std::int16_t keyF6 = 117;
+constexpr std::int16_t keyF11 = 122;
 
 } // namespace
 
@@ -15,26 +33,140 @@ VideoScreen_Form::VideoScreen_Form(Velmora &app)
     : VideoScreen_Form_Design(app.platform().windows), app_(app) {}
 
 void VideoScreen_Form::load() {
-    close.on().Click = [this] { close_Click(); };
+    setClickHandlers();
+    setBarHandlers();
+    setDragHandlers();
+    on().KeyDown = [this](forms::KeyEvent &key) { keyDown(key); };
     on().QueryUnload = [this](bool &cancel) {
         if (!lettingGo) {
             cancel = true;
             close_Click();
         }
     };
+    Timer1.onTimer = [this] { tick(); };
     app_.Language_Set().language_VideoScreen_Form();
-    setScreenSize(defaultWidth, defaultHeight);
+    // A window made anew for the next track comes back in the mode of the one before.
+    if (app_.player().isFullScreen == 0) {
+        setScreenSize_Default();
+    } else {
+        setFullScreen(true);
+    }
 }
 
-void VideoScreen_Form::setScreenSize(std::int32_t newWidth, std::int32_t newHeight) {
-    const auto whole = static_cast<Twips>(newWidth);
-    const auto high = static_cast<Twips>(newHeight);
-    const Twips titleEnd = title_ICO.top() + title_ICO.height();
-    move({left(), top(), whole, high});
-    videoScreen.move(
-        {0, titleEnd + belowTitle, whole, high - titleEnd - videoScreen_Control.height()});
+void VideoScreen_Form::setClickHandlers() {
+    playButton.on().Click = [this] { playButton_Click(); };
+    pauseButton.on().Click = [this] { app_.Main().pauseButton_Click(); };
+    stopButton.on().Click = [this] { app_.Main().stopButton_Click(); };
+    nextButton.on().Click = [this] { app_.Main().nextButton_Click(); };
+    upButton.on().Click = [this] { app_.Main().upButton_Click(); };
+    AudioSource_H.on().Click = [this] { app_.Main().choose_Channel(1); };
+    AudioSource_L.on().Click = [this] { app_.Main().choose_Channel(2); };
+    AudioSource_R.on().Click = [this] { app_.Main().choose_Channel(0); };
+    fullScreen_Button.on().Click = [this] { fullScreen_Button_Click(); };
+    fullScreen_imgButton.on().Click = [this] { fullScreen_Button_Click(); };
+    close.on().Click = [this] { close_Click(); };
+    videoScreen.on().DblClick = [this] { fullScreen_Button_Click(); };
+    videoScreen_Control.on().DblClick = [this] { fullScreen_Button_Click(); };
+}
+
+void VideoScreen_Form::setBarHandlers() {
+    load_Played_BG.on().MouseUp = [this](const forms::MouseEvent &event) {
+        seekByRelease(
+            app_, {PlayerWindow::VideoScreen_Form, *this, load_Played_BG, playInfo_Show, nameBox},
+            event.x);
+    };
+    Volume_Set_BG.on().MouseUp = [this](const forms::MouseEvent &event) {
+        setVolumeByRelease(app_, PlayerWindow::VideoScreen_Form, event.x);
+    };
+    Volume_ICO.on().Click = [this] { mute(app_); };
+}
+
+void VideoScreen_Form::setDragHandlers() {
+    forms::ControlEvents *const areas[] = {&on(), &title.on(), &title_ICO.on()};
+    for (forms::ControlEvents *area : areas) {
+        app_.formSet().make_Draggable(*this, *area);
+        area->MouseUp = [this](const forms::MouseEvent &event) {
+            if (event.button == forms::rightButton && playButton.enabled()) {
+                windows().PopupMenu(*this, app_.MenuForm().menu);
+            }
+        };
+    }
+}
+
+void VideoScreen_Form::playButton_Click() {
+    velmora::player &player = app_.player();
+    if (!app_.lrcForm().Timer1.running() && app_.saveOrOpenFile().fileExists(player.nowPlay_File)) {
+        player.open_File(player.nowPlay_File);
+    }
+    player.play_Sub();
 }
 
 void VideoScreen_Form::close_Click() { hide(); }
+
+// --- keys
+// -----------------------------------------------------------------------------------------
+
+void VideoScreen_Form::keyDown(const forms::KeyEvent &key) {
+    struct Row {
+        std::int16_t code;
+        void (*work)(VideoScreen_Form &form, Velmora &app);
+    };
+    static constexpr Row rows[] = {
+        {keyEscape,
+         [](VideoScreen_Form &form, Velmora &app) {
+             app.player().isFullScreen == 0 ? form.hide() : form.setScreenSize_Default();
+         }},
+        {keyEnter,
+         [](VideoScreen_Form &form, Velmora &app) {
+             app.player().isFullScreen == 0 ? form.setFullScreen(false)
+                                            : form.setScreenSize_Default();
+         }},
+        {keyF11, [](VideoScreen_Form &form, Velmora &) { form.hide(); }},
+        {keyF6, [](VideoScreen_Form &, Velmora &app) { app.player().next_Sub(directionNext); }},
+        {keyF5, [](VideoScreen_Form &, Velmora &app) { app.player().next_Sub(directionPrevious); }},
+        {keyF4,
+         [](VideoScreen_Form &, Velmora &app) {
+             app.player().close_Sub(0);
+             app.Main().stop_Sub();
+         }},
+        {keyF3, [](VideoScreen_Form &, Velmora &app) { app.player().pause_Sub(); }},
+        {keyF2, [](VideoScreen_Form &, Velmora &app) { app.player().play_Sub(); }},
+        {keySpace, [](VideoScreen_Form &form, Velmora &) { form.spaceKey(); }},
+    };
+    for (const Row &row : rows) {
+        if (row.code == key.keyCode) {
+            row.work(*this, app_);
+        }
+    }
+}
+
+void VideoScreen_Form::spaceKey() {
+    const std::int32_t status = app_.player().get_PlayStatus();
+    if (status == statusOther) {
+        app_.player().play_Sub();
+    } else if (status == statusPlaying) {
+        app_.player().pause_Sub();
+    }
+}
+
+// --- the tick
+// -------------------------------------------------------------------------------------
+
+void VideoScreen_Form::tick() {
+    passOver([this] {
+        platform::Clock &clock = app_.platform().clock;
+        const std::time_t now = clock.now();
+        nowTime.setCaption(clock.shortDate(now) + u" " + clock.shortTime(now));
+    });
+    passOver([this] {
+        if (app_.player().get_Length() == 0) {
+            app_.Main().stop_Sub();
+        }
+    });
+    passOver([this] {
+        showState(app_, {PlayerWindow::VideoScreen_Form, playButton, pauseButton, play_Time,
+                         playInfo_Show, nameBox, load_Played});
+    });
+}
 
 } // namespace velmora

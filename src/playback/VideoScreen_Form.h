@@ -20,6 +20,15 @@ public:
     explicit VideoScreen_Form(Velmora &app);
     void load();
 
+    // Sizes (twips) with `keep`: no command goes to the engine, whose picture keeps its size until
+    // the next put. Without it the picture stands still meanwhile and is put and played anew.
+    void setScreenSize(std::int32_t newWidth, std::int32_t newHeight, bool keep);
+    void setScreenSize_Default();
+    void setFullScreen(bool keep);
+    void fullScreen_Button_Click();
+    // Places the title's label and its box.
+    void set_Str_ControlVideo_Place();
+
     // Hides the window; the sound goes on.
     void close_Click();
 
@@ -27,7 +36,19 @@ public:
     bool lettingGo = false;
 
 private:
-    void setScreenSize(std::int32_t newWidth, std::int32_t newHeight);
+    void setClickHandlers();
+    void setBarHandlers();
+    void setDragHandlers();
+    void playButton_Click();
+    void keyDown(const forms::KeyEvent &key);
+    void spaceKey();
+    void showTitleRow(bool visible);
+    void layOut(bool fullScreen, bool keep);
+    void layTransport();
+    void layVolume();
+    void layStrip();
+    void putAndPlay();
+    void tick();
 
     Velmora &app_;
 };
