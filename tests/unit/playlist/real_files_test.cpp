@@ -1,0 +1,257 @@
+// The play list file on a real disk.
+
+#include "platform/linux/linux_files.h"
+#include "playlist/saveOrOpenFile.h"
+#include "tests/unit/linux/temp_folder.h"
+#include "tests/unit/program_fixture.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace velmora {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr char listName[] = "zkPlayList.m3u";
+constexpr char oldName[] = "zkPlayList.m3u.old";
+
+class TheListOnDisk : public testing::Test {
+protected:
+    TempFolder folder;
+    fakes::FakePlatform fake;
+    platform::LinuxFiles disk{fake.ansi};
+    Velmora app{platform()};
+
+    void SetUp() override { app.setControl().Path_List = folder.text(); }
+
+    // The platform in memory but for the disk.
+    platform::Platform platform() {
+        const platform::Platform all = fake.bundle();
+        return {.ansi = all.ansi,
+                .clock = all.clock,
+                .dialogs = all.dialogs,
+                .files = disk,
+                .folders = all.folders,
+                .media = all.media,
+                .processes = all.processes,
+                .registry = all.registry,
+                .shell = all.shell,
+                .versions = all.versions,
+                .waitableTimers = all.waitableTimers,
+                .waveOut = all.waveOut,
+                .windows = all.windows};
+    }
+
+    bool load() { return app.saveOrOpenFile().loadPlayList(); }
+    bool save(SaveKind kind = SaveKind::Settled) { return app.saveOrOpenFile().savePlayList(kind); }
+    std::int16_t rows() { return app.playList_Form().List1.listCount(); }
+    void add(std::u16string_view path) {
+        app.playList_Form().playList_Item.addItem(app.player().getFileStem(path));
+        app.playList_Form().List1.addItem(path);
+    }
+    Texts paths() {
+        Texts texts;
+        for (std::int32_t row = 0; row < rows(); ++row)
+            texts.push_back(app.playList_Form().List1.list(row));
+        return texts;
+    }
+};
+
+TEST_F(TheListOnDisk, IsSavedAndReadBack) {
+    add(u"/m/a.mp3");
+    add(u"/音乐/晚霞.mp3");
+    EXPECT_TRUE(save());
+    EXPECT_EQ(folder.read(listName), "/m/a.mp3\r\n/音乐/晚霞.mp3\r\n");
+    EXPECT_TRUE(load());
+    EXPECT_THAT(paths(), ElementsAre(u"/m/a.mp3", u"/音乐/晚霞.mp3"));
+}
+
+TEST_F(TheListOnDisk, LeavesNothingElseInItsFolder) {
+    add(u"/m/a.mp3");
+    save();
+    save(SaveKind::Step);
+    load();
+    EXPECT_THAT(folder.names(), ElementsAre(listName));
+}
+
+TEST_F(TheListOnDisk, IsReadWithAnyLineEnds) {
+    folder.write(listName, "/m/a.mp3\r/m/b.mp3\n\"/m/c.mp3\"\r\n\r\n  /m/d.mp3");
+    EXPECT_TRUE(load());
+    EXPECT_THAT(paths(), ElementsAre(u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"));
+}
+
+TEST_F(TheListOnDisk, MissingIsNone) { EXPECT_FALSE(load()); }
+
+TEST_F(TheListOnDisk, AsAFolderAPipeALoopOrADanglingLinkIsNoneAndReturnsAtOnce) {
+    folder.makeFolder(listName);
+    EXPECT_FALSE(load());
+    std::filesystem::remove(folder.bytes(listName));
+    folder.pipe(listName);
+    EXPECT_FALSE(load());
+    std::filesystem::remove(folder.bytes(listName));
+    folder.link(listName, listName);
+    EXPECT_FALSE(load());
+    std::filesystem::remove(folder.bytes(listName));
+    folder.link(listName, "/nowhere/at/all");
+    EXPECT_FALSE(load());
+}
+
+TEST_F(TheListOnDisk, AsAnEndlessDeviceIsNone) {
+    folder.link(listName, "/dev/zero");
+    EXPECT_FALSE(load());
+}
+
+TEST_F(TheListOnDisk, IsNotWrittenOverAFolderAPipeOrADevice) {
+    add(u"/m/a.mp3");
+    folder.makeFolder(listName);
+    EXPECT_TRUE(save());
+    EXPECT_TRUE(std::filesystem::is_directory(folder.bytes(listName)));
+    std::filesystem::remove(folder.bytes(listName));
+    folder.pipe(listName);
+    EXPECT_TRUE(save());
+    EXPECT_TRUE(std::filesystem::is_fifo(folder.bytes(listName)));
+    std::filesystem::remove(folder.bytes(listName));
+    folder.link(listName, "/dev/full");
+    EXPECT_TRUE(save());
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.bytes(listName)));
+    EXPECT_THAT(folder.names(), ElementsAre(listName));
+}
+
+TEST_F(TheListOnDisk, IsWrittenThroughALink) {
+    folder.makeFolder("elsewhere");
+    folder.write("elsewhere/list", "/m/old.mp3\r\n");
+    folder.link(listName, "elsewhere/list");
+    add(u"/m/a.mp3");
+    save();
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.bytes(listName)));
+    EXPECT_EQ(folder.read("elsewhere/list"), "/m/a.mp3\r\n");
+}
+
+TEST_F(TheListOnDisk, KeepsItsMode) {
+    folder.write(listName, "");
+    folder.mode(listName, 0640);
+    add(u"/m/a.mp3");
+    save();
+    EXPECT_EQ(folder.mode(listName), 0640U);
+}
+
+TEST_F(TheListOnDisk, WithoutAWriteBitStays) {
+    folder.write(listName, "/m/old.mp3\r\n");
+    folder.mode(listName, 0444);
+    add(u"/m/a.mp3");
+    EXPECT_TRUE(save());
+    EXPECT_EQ(folder.read(listName), "/m/old.mp3\r\n");
+    EXPECT_THAT(folder.names(), ElementsAre(listName));
+}
+
+TEST_F(TheListOnDisk, WithoutReadPermissionEmptiesTheListAndIsKept) {
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "the superuser may read everything";
+    folder.write(listName, "/m/secret.mp3\r\n");
+    folder.mode(listName, 0200);
+    EXPECT_TRUE(load());
+    EXPECT_EQ(rows(), 0);
+    save();
+    EXPECT_TRUE(folder.exists(oldName));
+}
+
+// Ends the process's right to write beyond some bytes, as a full disk does.
+class WriteLimit {
+public:
+    explicit WriteLimit(::rlim_t bytes) {
+        ::getrlimit(RLIMIT_FSIZE, &before_);
+        handler_ = ::signal(SIGXFSZ, SIG_IGN);
+        ::rlimit limit = before_;
+        limit.rlim_cur = bytes;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~WriteLimit() {
+        ::setrlimit(RLIMIT_FSIZE, &before_);
+        ::signal(SIGXFSZ, handler_);
+    }
+    WriteLimit(const WriteLimit &) = delete;
+    WriteLimit &operator=(const WriteLimit &) = delete;
+
+private:
+    ::rlimit before_{};
+    void (*handler_)(int) = SIG_DFL;
+};
+
+TEST_F(TheListOnDisk, StaysWholeWhereverAWriteIsCutShort) {
+    const std::string before = "/m/old.mp3\r\n";
+    add(u"/m/a.mp3");
+    add(u"/m/晚霞.mp3");
+    for (::rlim_t bytes = 0; bytes < 25; ++bytes) {
+        folder.write(listName, before);
+        {
+            const WriteLimit limit(bytes);
+            EXPECT_TRUE(save());
+        }
+        EXPECT_EQ(folder.read(listName), before) << bytes;
+        EXPECT_THAT(folder.names(), ElementsAre(listName)) << bytes;
+    }
+    save();
+    EXPECT_EQ(folder.read(listName), "/m/a.mp3\r\n/m/晚霞.mp3\r\n");
+}
+
+TEST_F(TheListOnDisk, OfBinaryBytesDoesNoHarm) {
+    std::string bytes;
+    std::uint32_t state = 1;
+    for (int i = 0; i < 200'000; ++i) {
+        state = state * 1664525U + 1013904223U;
+        bytes += static_cast<char>(state >> 24U);
+    }
+    folder.write(listName, bytes);
+    EXPECT_TRUE(load());
+    EXPECT_GT(rows(), 0);
+    save();
+    const Texts before = paths();
+    EXPECT_TRUE(load());
+    // Lines of quotes and blanks alone do not come back; the paths that files can have do.
+    EXPECT_LE(rows(), static_cast<std::int16_t>(before.size()));
+}
+
+TEST_F(TheListOnDisk, OfTwoHundredMegabytesWithoutALineEndIsLeftAloneAndKept) {
+    folder.write(listName, "/m/a.mp3\r\n");
+    std::filesystem::resize_file(folder.bytes(listName), 200U << 20U);
+    EXPECT_TRUE(load());
+    EXPECT_THAT(paths(), ElementsAre(u"/m/a.mp3"));
+    save(SaveKind::Step);
+    EXPECT_EQ(std::filesystem::file_size(folder.bytes(oldName)), 200U << 20U);
+    EXPECT_EQ(folder.read(listName), "/m/a.mp3\r\n");
+}
+
+TEST_F(TheListOnDisk, OfAMillionLinesFillsTheListAndIsKept) {
+    std::string bytes;
+    for (int row = 0; row < 1'000'000; ++row)
+        bytes += "/m/" + std::to_string(row) + "\n";
+    folder.write(listName, bytes);
+    EXPECT_TRUE(load());
+    EXPECT_EQ(rows(), 32'767);
+    save(SaveKind::Step);
+    EXPECT_TRUE(folder.read(oldName) == bytes);
+}
+
+TEST_F(TheListOnDisk, TheProbeOfAFolderLeavesNothing) {
+    EXPECT_TRUE(app.saveOrOpenFile().canWriteFolder(folder.text()));
+    EXPECT_TRUE(folder.names().empty());
+    EXPECT_FALSE(app.saveOrOpenFile().canWriteFolder(folder.text("gone")));
+    EXPECT_FALSE(app.saveOrOpenFile().canWriteFolder(u"/proc"));
+}
+
+TEST_F(TheListOnDisk, ADeletionTakesALinkAndNotItsTarget) {
+    folder.write("track.mp3", "sound");
+    folder.link("link.mp3", "track.mp3");
+    EXPECT_TRUE(app.saveOrOpenFile().deleteFileChecked(folder.text("link.mp3")));
+    EXPECT_FALSE(folder.exists("link.mp3"));
+    EXPECT_TRUE(folder.exists("track.mp3"));
+    EXPECT_FALSE(app.saveOrOpenFile().deleteFileChecked(folder.text("gone.mp3")));
+    EXPECT_FALSE(app.saveOrOpenFile().lastDeleteError.empty());
+}
+
+} // namespace
+} // namespace velmora
