@@ -1,0 +1,326 @@
+// The sizes of the video window, its strip, its keys and its tick.
+
+#include "tests/unit/program_fixture.h"
+
+#include "base/numbers.h"
+#include "playback/VideoScreen_Form.h"
+#include "playback/miniForm.h"
+
+namespace velmora {
+namespace {
+
+class Video : public ProgramFixture {
+protected:
+    Video() {
+        speak(1);
+        setVolumeBar(0);
+        app.setControl().VideoInterface = 1;
+        addTrack(u"/m/film.avi", 60'000, true);
+    }
+    VideoScreen_Form &window() { return app.VideoScreen_Form(); }
+    static Twips rightOf(const forms::Control &control) { return control.left() + control.width(); }
+    static Twips middleOf(const forms::Control &control) {
+        return control.top() + control.height() / 2;
+    }
+    void key(std::int16_t code) {
+        forms::KeyEvent event{code, 0};
+        window().on().KeyDown(event);
+    }
+    void play() {
+        openAndPlay(u"/m/film.avi");
+        media.clearCommands();
+    }
+    int puts() {
+        int count = 0;
+        for (const auto &text : media.texts()) {
+            count += startsWith(text, u"put ") ? 1 : 0;
+        }
+        return count;
+    }
+};
+
+// --- layout
+// -------------------------------------------------------------------------------------------
+
+TEST_F(Video, StripStandsAtTheFootAndTakesItsHeightFromThePicture) {
+    auto &strip = window().videoScreen_Control;
+    EXPECT_EQ(strip.left(), 0);
+    EXPECT_EQ(strip.width(), 10950);
+    EXPECT_EQ(strip.height(), 495 + 50 + 300);
+    EXPECT_EQ(strip.top(), 7875 - strip.height());
+    EXPECT_TRUE(strip.visible());
+    EXPECT_EQ(strip.backColor(), window().backColor());
+    const Twips titleEnd = window().title_ICO.top() + window().title_ICO.height();
+    EXPECT_EQ(window().videoScreen.place(),
+              (RectTwips{0, titleEnd + 10, 10950, 7875 - titleEnd - strip.height()}));
+}
+
+TEST_F(Video, SeekBarAndTransportStandByTheTable) {
+    auto &w = window();
+    EXPECT_EQ(w.load_Played_BG.place(), (RectTwips{100, 50, 10750, 200}));
+    EXPECT_EQ(w.load_Played.place(), (RectTwips{150, 90, 0, 120}));
+    EXPECT_EQ(w.playButton.place(), (RectTwips{100, 300, 495, 495}));
+    EXPECT_EQ(w.pauseButton.place(), w.playButton.place());
+    EXPECT_EQ(w.stopButton.place(), (RectTwips{595, 300, 495, 495}));
+    EXPECT_EQ(w.upButton.place(), (RectTwips{1090, 300, 495, 495}));
+    EXPECT_EQ(w.nextButton.place(), (RectTwips{1585, 300, 495, 495}));
+    EXPECT_EQ(w.play_Time.left(), 2180);
+}
+
+TEST_F(Video, RightSideOfTheStripStandsByTheTable) {
+    auto &w = window();
+    EXPECT_EQ(rightOf(w.nowTime), 10850);
+    EXPECT_EQ(w.Volume_Set_BG.width(), 1600);
+    EXPECT_EQ(w.Volume_Set_BG.height(), 200);
+    EXPECT_EQ(rightOf(w.Volume_Set_BG), w.nowTime.left() - 100);
+    EXPECT_EQ(rightOf(w.Volume_ICO), w.Volume_Set_BG.left() - 100);
+    EXPECT_EQ(rightOf(w.fullScreen_imgButton), w.Volume_ICO.left() - 100);
+    EXPECT_EQ(rightOf(w.AudioSource_H), w.fullScreen_imgButton.left() - 100);
+    EXPECT_EQ(w.AudioSource_L.place(), w.AudioSource_H.place());
+    EXPECT_EQ(w.AudioSource_R.place(), w.AudioSource_H.place());
+    for (const forms::Control *control : std::initializer_list<const forms::Control *>{
+             &w.play_Time, &w.nowTime, &w.Volume_Set_BG, &w.Volume_ICO, &w.fullScreen_imgButton,
+             &w.AudioSource_H}) {
+        EXPECT_NEAR(middleOf(*control), middleOf(w.upButton), 0.5) << control->name();
+    }
+}
+
+TEST_F(Video, VolumeFillComesFromMainsProportion) {
+    setVolumeBar(500);
+    auto &w = window();
+    EXPECT_EQ(w.Volume_Set.place(), (RectTwips{w.Volume_Set_BG.left() + 50,
+                                               w.Volume_Set_BG.top() + 40, 0.5F * 1600 - 70, 120}));
+}
+
+TEST_F(Video, TextAreaStandsBehindTheTitleAndEndsAheadOfTheChannel) {
+    auto &w = window();
+    w.set_Str_ControlVideo_Place();
+    EXPECT_EQ(w.nameBox.left(), rightOf(w.title) + 200);
+    EXPECT_EQ(w.nameBox.height(), w.title.height());
+    w.setScreenSize_Default();
+    EXPECT_EQ(rightOf(w.nameBox), w.AudioSource_H.left() - 200);
+}
+
+TEST_F(Video, NothingOfTheStripLiesOutsideIt) {
+    auto &w = window();
+    for (const forms::Control *control : w.videoScreen_Control.controls()) {
+        EXPECT_GE(control->left(), 0) << control->name();
+        EXPECT_LE(rightOf(*control), w.videoScreen_Control.width()) << control->name();
+        EXPECT_LE(control->top() + control->height(), w.videoScreen_Control.height())
+            << control->name();
+    }
+}
+
+// --- sizes
+// --------------------------------------------------------------------------------------------
+
+TEST_F(Video, FullScreenCoversTheScreenAndHidesTheTitleRow) {
+    play();
+    window().setFullScreen(true);
+    auto &w = window();
+    EXPECT_EQ(w.place(), (RectTwips{0, 0, 1280 * 15, 800 * 15}));
+    EXPECT_EQ(w.videoScreen.left(), 0);
+    EXPECT_EQ(w.videoScreen.top(), 0);
+    EXPECT_EQ(w.videoScreen.width(), 1280 * 15);
+    EXPECT_EQ(w.videoScreen.height(), 800 * 15 - w.videoScreen_Control.height());
+    for (const forms::Control *control : std::initializer_list<const forms::Control *>{
+             &w.title_ICO, &w.title, &w.close, &w.fullScreen_Button}) {
+        EXPECT_FALSE(control->visible()) << control->name();
+    }
+    EXPECT_EQ(app.player().isFullScreen, -1);
+    EXPECT_TRUE(w.topmost());
+    EXPECT_TRUE(media.commands().empty()) << "kept: no command goes to the engine";
+}
+
+TEST_F(Video, FullScreenWithoutKeepPausesPutsAndPlays) {
+    play();
+    window().setFullScreen(false);
+    const auto actions = media.actions();
+    ASSERT_GE(actions.size(), 4U);
+    EXPECT_EQ(actions[0], u"pause NOWMUSIC");
+    EXPECT_EQ(actions[1],
+              u"put NOWMUSIC window at 0 0 1280 " +
+                  decimal(roundToInt32((800 * 15 - window().videoScreen_Control.height()) / 15)));
+    EXPECT_EQ(actions[3], u"play NOWMUSIC");
+}
+
+TEST_F(Video, BackToTheDefaultSizeShowsTheTitleRowAndSendsNothing) {
+    play();
+    window().setFullScreen(true);
+    window().setScreenSize_Default();
+    EXPECT_EQ(window().width(), 10950);
+    EXPECT_EQ(window().height(), 7875);
+    EXPECT_TRUE(window().close.visible());
+    EXPECT_TRUE(window().title.visible());
+    EXPECT_EQ(app.player().isFullScreen, 0);
+    EXPECT_EQ(puts(), 0);
+}
+
+TEST_F(Video, ASizeWithoutKeepPausesPutsAndPlays) {
+    play();
+    window().setScreenSize(12000, 9000, false);
+    EXPECT_EQ(window().width(), 12000);
+    EXPECT_EQ(media.actions()[0], u"pause NOWMUSIC");
+    EXPECT_EQ(puts(), 1);
+    EXPECT_EQ(media.mode(), u"playing");
+}
+
+TEST_F(Video, FullScreenButtonGoesThereAndBack) {
+    play();
+    window().fullScreen_Button.on().Click();
+    EXPECT_EQ(app.player().isFullScreen, -1);
+    EXPECT_EQ(puts(), 1);
+    window().fullScreen_imgButton.on().Click();
+    EXPECT_EQ(app.player().isFullScreen, 0);
+    EXPECT_EQ(puts(), 1);
+    window().videoScreen.on().DblClick();
+    EXPECT_EQ(app.player().isFullScreen, -1);
+    window().videoScreen_Control.on().DblClick();
+    EXPECT_EQ(app.player().isFullScreen, 0);
+}
+
+TEST_F(Video, ComesBackInFullScreenForTheNextTrack) {
+    play();
+    window().setFullScreen(true);
+    openAndPlay(u"/m/film.avi");
+    EXPECT_EQ(window().width(), 1280 * 15);
+    EXPECT_FALSE(window().close.visible());
+    EXPECT_TRUE(window().visible());
+}
+
+// --- keys
+// ---------------------------------------------------------------------------------------------
+
+TEST_F(Video, EscapeLeavesFullScreenThenHides) {
+    play();
+    window().setFullScreen(true);
+    key(27);
+    EXPECT_EQ(window().width(), 10950);
+    EXPECT_TRUE(window().visible());
+    key(27);
+    EXPECT_FALSE(window().visible());
+    EXPECT_TRUE(fake.processes.endStatuses.empty());
+}
+
+TEST_F(Video, EnterTogglesFullScreen) {
+    play();
+    key(13);
+    EXPECT_EQ(app.player().isFullScreen, -1);
+    key(13);
+    EXPECT_EQ(app.player().isFullScreen, 0);
+}
+
+TEST_F(Video, SpacePausesAndPlays) {
+    play();
+    key(32);
+    EXPECT_EQ(media.mode(), u"paused");
+    key(32);
+    EXPECT_EQ(media.mode(), u"playing");
+}
+
+TEST_F(Video, F11Hides) {
+    play();
+    key(122);
+    EXPECT_FALSE(window().visible());
+}
+
+TEST_F(Video, F2F3AndF4PlayPauseAndClose) {
+    play();
+    key(114);
+    EXPECT_EQ(media.mode(), u"paused");
+    key(113);
+    EXPECT_EQ(media.mode(), u"playing");
+    media.clearCommands();
+    key(115);
+    EXPECT_EQ(media.actions(), Texts{u"close NOWMUSIC"});
+    EXPECT_FALSE(app.videoScreenLoaded());
+}
+
+TEST_F(Video, F5AndF6StepThroughTheList) {
+    addRow(u"/m/a.mp3");
+    addRow(u"/m/b.mp3");
+    app.player().nowPlay_Index = 1;
+    play();
+    key(117);
+    EXPECT_EQ(media.openPath(), u"/m/b.mp3");
+    key(116);
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+}
+
+// --- buttons and tick
+// -----------------------------------------------------------------------------------
+
+TEST_F(Video, ButtonsOfTheStripActOnTheOneTransport) {
+    play();
+    window().pauseButton.on().Click();
+    EXPECT_EQ(media.mode(), u"paused");
+    window().playButton.on().Click();
+    EXPECT_EQ(media.mode(), u"playing");
+    window().stopButton.on().Click();
+    EXPECT_FALSE(media.isOpen());
+    window().playButton.on().Click();
+    EXPECT_EQ(media.mode(), u"playing");
+}
+
+TEST_F(Video, BarsAreItsOwn) {
+    play();
+    window().load_Played_BG.setWidth(660);
+    window().load_Played_BG.on().MouseUp({forms::leftButton, 0, 300, 1});
+    EXPECT_EQ(media.actions().front(), u"seek NOWMUSIC to 30000");
+    window().Volume_Set_BG.setWidth(1600);
+    window().Volume_Set_BG.on().MouseUp({forms::leftButton, 0, 800, 1});
+    EXPECT_EQ(media.volume(), 500);
+    EXPECT_EQ(app.Main().Volume_Set.width(), 500);
+}
+
+TEST_F(Video, ChannelSwitchesBothSetsOfImages) {
+    play();
+    window().AudioSource_H.on().Click();
+    EXPECT_EQ(media.source(), u"left");
+    EXPECT_TRUE(app.Main().AudioSource_L.visible());
+    EXPECT_TRUE(window().AudioSource_L.visible());
+    EXPECT_FALSE(window().AudioSource_H.visible());
+}
+
+TEST_F(Video, TickShowsTheClockAndTheState) {
+    play();
+    media.advance(30'000);
+    window().Timer1.onTimer();
+    EXPECT_EQ(window().nowTime.caption(), u"2020-09-13 12:26:40");
+    EXPECT_EQ(window().play_Time.caption(), u"00:00:30 - 00:01:00");
+    EXPECT_TRUE(window().pauseButton.visible());
+    EXPECT_EQ(window().load_Played.width(),
+              static_cast<Twips>(app.player().get_PlayedWidth(PlayerWindow::VideoScreen_Form)));
+}
+
+TEST_F(Video, TickWithNothingOpenBringsTheStoppedLook) {
+    app.Main().play_Time.setCaption(u"x");
+    window().Timer1.onTimer();
+    EXPECT_EQ(app.Main().play_Time.caption(), u"00:00:00 - 00:00:00");
+}
+
+TEST_F(Video, TickMayStartTheNextTrackAndLoseItsOwnWindow) {
+    addRow(u"/m/a.mp3");
+    play();
+    media.reachEnd();
+    auto &old = window();
+    old.Timer1.onTimer();
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+    windows.advance(1);
+}
+
+TEST_F(Video, IsDraggedAloneAndOpensTheMenu) {
+    auto &w = window();
+    w.move({0, 0, w.width(), w.height()});
+    windows.cursor = {10, 10};
+    w.title.on().MouseDown({forms::leftButton, 0, 0, 0});
+    windows.cursor = {20, 30};
+    w.title.on().MouseMove({forms::leftButton, 0, 0, 0});
+    EXPECT_EQ(w.left(), 150);
+    EXPECT_EQ(w.top(), 300);
+    windows.expectPopup("menu", "");
+    w.on().MouseUp({forms::rightButton, 0, 0, 0});
+}
+
+} // namespace
+} // namespace velmora
