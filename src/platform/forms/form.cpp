@@ -4,6 +4,8 @@
 #include "platform/forms/user_control.h"
 #include "platform/windows.h"
 
+#include <cmath>
+
 namespace velmora::forms {
 
 Form::Form(platform::WindowSystem &windows, const char *name)
@@ -52,13 +54,14 @@ void Form::move(const RectTwips &wanted) {
         return;
     }
     const RectTwips before = place_;
+    startCentred_ = startCentred_ && place.left == before.left && place.top == before.top;
     place_ = place;
     placeChanged(before);
 }
 
 void Form::setStartCentred(bool centred) {
-    startCentred_ = centred;
     if (!centred) {
+        startCentred_ = false;
         return;
     }
     RectPixels area;
@@ -70,9 +73,13 @@ void Form::setStartCentred(bool centred) {
         place.left = windows_.screenWidth() / 2;
         place.top = windows_.screenHeight() / 2;
     }
-    place.left -= place.width / 2;
-    place.top -= place.height / 2;
+    const auto wholePixels = [](Twips twips) {
+        return std::round(twips / twipsPerPixel) * twipsPerPixel;
+    };
+    place.left = wholePixels(place.left - place.width / 2);
+    place.top = wholePixels(place.top - place.height / 2);
     move(place);
+    startCentred_ = true;
 }
 
 void Form::show() {

@@ -92,9 +92,9 @@ public:
     // line).
     bool unmanaged() const noexcept { return unmanaged_; }
     void setUnmanaged(bool unmanaged) noexcept { unmanaged_ = unmanaged; }
-    // Setting it places the form in the middle of the work area at once (of the screen where that
-    // cannot be told); a design does so when the form is loaded, so what the program places later
-    // counts from there.
+    // Setting it places the form in the middle of the work area at once, at a whole pixel (of the
+    // screen where that area cannot be told); a design does so when the form is loaded, so what the
+    // program places later counts from there. True until the program moves the form.
     bool startCentred() const noexcept { return startCentred_; }
     void setStartCentred(bool centred);
 

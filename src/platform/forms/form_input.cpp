@@ -227,7 +227,12 @@ void Form::pointerReleased(PointTwips at, std::int16_t button, std::int16_t shif
     }
     heldButtons_ = static_cast<std::int16_t>(heldButtons_ & ~button);
     Control *const target = captured_;
-    if (!enabled_ || (target == nullptr && !formCaptured_)) {
+    const bool ours = target != nullptr || formCaptured_;
+    if (heldButtons_ == 0) {
+        captured_ = nullptr;
+        formCaptured_ = false;
+    }
+    if (!enabled_ || !ours) {
         return;
     }
     const bool within = takerAt(at) == target && inside({0, 0, width(), height()}, at);

@@ -1,5 +1,7 @@
 #include "tests/unit/forms/form_fixture.h"
 
+#include <cmath>
+
 namespace velmora::forms {
 
 using ::testing::ElementsAre;
@@ -140,6 +142,13 @@ TEST_F(FormTest, StartsInTheMiddleOfTheWorkArea) {
     EXPECT_EQ(form.place(), (RectTwips{600 * 15 - 1500, 300 * 15 - 1500, 3000, 3000}));
 }
 
+TEST_F(FormTest, TheMiddleIsAWholePixel) {
+    windows.workArea = {0, 0, 1001, 601};
+    form.setStartCentred(true);
+    EXPECT_EQ(std::fmod(form.left(), twipsPerPixel), 0);
+    EXPECT_EQ(std::fmod(form.top(), twipsPerPixel), 0);
+}
+
 TEST_F(FormTest, StartsInTheMiddleOfTheScreenWhereTheWorkAreaCannotBeTold) {
     windows.workAreaFails = true;
     form.setStartCentred(true);
@@ -149,7 +158,11 @@ TEST_F(FormTest, StartsInTheMiddleOfTheScreenWhereTheWorkAreaCannotBeTold) {
 
 TEST_F(FormTest, APlaceGivenAfterwardsHolds) {
     form.setStartCentred(true);
+    EXPECT_TRUE(form.startCentred());
+    form.setHeight(100);
+    EXPECT_TRUE(form.startCentred());
     form.setLeft(45);
+    EXPECT_FALSE(form.startCentred());
     form.show();
     EXPECT_EQ(form.left(), 45);
 }

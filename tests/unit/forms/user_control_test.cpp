@@ -117,6 +117,18 @@ TEST_F(UserControlTest, APressWhoseReleaseWasLostEndsInAMoveOutside) {
     EXPECT_EQ(log, (Log{"down", "out"}));
 }
 
+TEST_F(UserControlTest, APressThatEndedInOrderLeavesNothingBehind) {
+    move(450, 450);
+    click(450, 450);
+    move(10, 10);
+    log.clear();
+    form.pointerLost(); // what a view says ahead of the next press
+    press(10, 10);
+    release(10, 10);
+    move(20, 20);
+    EXPECT_THAT(log, IsEmpty());
+}
+
 TEST_F(UserControlTest, ALeaveFromADisabledFormComesWhenItIsEnabledAgain) {
     move(450, 450);
     form.setEnabled(false);
