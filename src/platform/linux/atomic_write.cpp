@@ -48,7 +48,7 @@ std::string afterLinks(std::string path) {
     raiseSystemError(ELOOP);
 }
 
-AtomicFile::AtomicFile(const std::string &path) : target_(afterLinks(path)) {
+AtomicFile::AtomicFile(const std::string &path, While writing) : target_(afterLinks(path)) {
     // Directly below the root lie the files of a folder that is empty or unknown: never written,
     // whoever asks.
     if (folderOf(target_) == "/")
@@ -67,7 +67,7 @@ AtomicFile::AtomicFile(const std::string &path) : target_(afterLinks(path)) {
         if (!probe)
             raiseSystemError(errno);
     }
-    createBeside(folderOf(target_));
+    createBeside(folderOf(target_), writing);
     try {
         if (exists)
             copyOwnership(target_);
@@ -75,7 +75,8 @@ AtomicFile::AtomicFile(const std::string &path) : target_(afterLinks(path)) {
         if (::fchmod(file_.number(), mode) != 0)
             raiseSystemError(errno);
     } catch (...) {
-        ::unlink(temporary_.c_str());
+        if (!temporary_.empty()) // no destructor runs for an object half made
+            ::unlink(temporary_.c_str());
         throw;
     }
 }
@@ -85,14 +86,35 @@ AtomicFile::~AtomicFile() {
         ::unlink(temporary_.c_str());
 }
 
-void AtomicFile::createBeside(const std::string &folder) {
-    // Short, since the target's name may be as long as names can be.
-    std::string name = (folder == "/" ? "" : folder) + "/.velmora-XXXXXX";
-    file_ = Descriptor(::mkostemp(name.data(), O_CLOEXEC));
-    if (!file_)
-        raiseSystemError(errno);
-    temporary_ = std::move(name);
+void AtomicFile::createBeside(const std::string &folder, While writing) {
+    place_ = folder == "/" ? folder : folder + "/";
+    if (writing == While::Unnamed)
+        file_ = Descriptor(::open(folder.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, 0600));
+    if (!file_) {
+        // Short, since the target's name may be as long as names can be.
+        std::string name = place_ + ".velmora-XXXXXX";
+        file_ = Descriptor(::mkostemp(name.data(), O_CLOEXEC));
+        if (!file_)
+            raiseSystemError(errno);
+        temporary_ = std::move(name);
+    }
     folder_ = Descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+// A file without a name cannot take another one's at once: it gets a passing one first.
+void AtomicFile::giveName() {
+    constexpr int mostAttempts = 100;
+    const std::string itself = "/proc/self/fd/" + std::to_string(file_.number());
+    const std::string begin = place_ + ".velmora-" + std::to_string(::getpid()) + "-";
+    for (int attempt = 0; attempt < mostAttempts && temporary_.empty(); ++attempt) {
+        std::string name = begin + std::to_string(attempt);
+        if (::linkat(AT_FDCWD, itself.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
+            temporary_ = std::move(name);
+        else if (errno != EEXIST)
+            break;
+    }
+    if (temporary_.empty())
+        raiseSystemError(errno);
 }
 
 // A file of another user, written by root, stays that user's. Where that is not allowed the new
@@ -120,6 +142,8 @@ void AtomicFile::commit(bool durable) {
         raiseSystemError(EIO);
     if (durable && ::fsync(file_.number()) != 0)
         raiseSystemError(errno);
+    if (temporary_.empty())
+        giveName();
     if (file_.close() != 0) // a network file system reports the last write here
         raiseSystemError(errno);
     if (::rename(temporary_.c_str(), target_.c_str()) != 0)

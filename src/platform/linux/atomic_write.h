@@ -9,14 +9,19 @@
 
 namespace velmora::platform {
 
-// The new content of a file, written beside it under a passing name and put in its place at the
-// end. Destroyed before `commit` it leaves nothing behind. Every operation raises RunTimeError.
+// The new content of a file, written beside it and put in its place at the end. Destroyed before
+// `commit` it leaves nothing behind. Every operation raises RunTimeError.
 class AtomicFile {
 public:
+    // The new file has no name until it is complete, so that a killed process leaves nothing behind
+    // either. Where the file system knows no such files it has a passing name from its beginning;
+    // that is found out, and `Named` asks for it.
+    enum class While { Unnamed, Named };
+
     // Follows links. Refuses a target that is no regular file, has no write bit (whoever asks), or
-    // cannot be opened for writing, and any file directly below the root, which is where the name of
-    // an empty folder leads. The new file gets the old one's mode.
-    explicit AtomicFile(const std::string &path);
+    // cannot be opened for writing, and any file directly below the root, which is where the name
+    // of an empty folder leads. The new file gets the old one's mode.
+    explicit AtomicFile(const std::string &path, While writing = While::Unnamed);
     ~AtomicFile();
     AtomicFile(const AtomicFile &) = delete;
     AtomicFile &operator=(const AtomicFile &) = delete;
@@ -28,11 +33,13 @@ public:
     void commit(bool durable);
 
 private:
-    void createBeside(const std::string &folder);
+    void createBeside(const std::string &folder, While writing);
+    void giveName();
     void copyOwnership(const std::string &target);
 
     std::string target_;
-    std::string temporary_; // empty once there is none
+    std::string place_;     // the folder, with its separator
+    std::string temporary_; // the passing name, empty while there is none
     Descriptor folder_;
     Descriptor file_;
     std::size_t written_ = 0;

@@ -15,12 +15,16 @@ struct HomeFolders {
     std::string cache;   // XDG_CACHE_HOME or ~/.cache
     std::string runtime; // XDG_RUNTIME_DIR; empty without one
 
-    // The program's own folders in them.
-    std::string programConfig() const { return config + "/velmora"; }
-    std::string programData() const { return data + "/velmora"; }
-    std::string programCache() const { return cache + "/velmora"; }
-    // The file behind the registry.
-    std::string registryFile() const { return programConfig() + "/registry.sqlite"; }
+    // The program's own folders in them, and the file behind the registry; empty for a user without
+    // any home.
+    std::string programConfig() const { return below(config, "/velmora"); }
+    std::string programData() const { return below(data, "/velmora"); }
+    std::string programCache() const { return below(cache, "/velmora"); }
+    std::string registryFile() const { return below(config, "/velmora/registry.sqlite"); }
+
+    static std::string below(const std::string &folder, const char *name) {
+        return folder.empty() ? folder : folder + name;
+    }
 };
 
 // Of this process. A variable that is no absolute path counts as not set.

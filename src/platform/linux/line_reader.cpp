@@ -2,6 +2,7 @@
 
 #include "platform/linux/errors.h"
 
+#include <algorithm>
 #include <cerrno>
 
 namespace velmora::platform {
@@ -52,13 +53,16 @@ std::string FileLineReader::readLine() {
         fail(error_ != 0 ? error_ : pastTheEnd);
     std::string line;
     while (fill()) {
-        const std::size_t end = buffer_.find_first_of("\r\n", at_);
-        const std::size_t piece = (end == std::string::npos ? buffer_.size() : end) - at_;
+        // A loop of our own: the library's search calls a function for every byte.
+        const auto from = buffer_.begin() + static_cast<std::ptrdiff_t>(at_);
+        const auto end = std::find_if(from, buffer_.end(),
+                                      [](char byte) { return byte == '\r' || byte == '\n'; });
+        const auto piece = static_cast<std::size_t>(end - from);
         if (piece > longestLine - line.size())
             fail(EFBIG);
         line.append(buffer_, at_, piece);
         at_ += piece;
-        if (end != std::string::npos) {
+        if (at_ < buffer_.size()) {
             afterReturn_ = buffer_[at_++] == '\r';
             return line;
         }

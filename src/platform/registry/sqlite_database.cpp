@@ -233,7 +233,8 @@ bool SqliteDatabase::open() {
 }
 
 int SqliteDatabase::openOnce() {
-    if (!isFileOrMissing(path_))
+    // An empty name would be a database that nobody sees.
+    if (path_.empty() || !isFileOrMissing(path_))
         return SQLITE_CANTOPEN;
     const bool fresh = !exists(path_);
     if (fresh)

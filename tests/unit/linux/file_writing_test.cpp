@@ -1,3 +1,4 @@
+#include "platform/linux/atomic_write.h"
 #include "platform/linux/linux_files.h"
 
 #include "base/run_time_error.h"
@@ -236,6 +237,58 @@ TEST_F(Writing, leavesTheOldFileWholeOnAFullDisk) {
     if (answer == 77)
         GTEST_SKIP() << "no file system can be mounted here";
     EXPECT_EQ(answer, 0);
+}
+
+// --- the file while it is written
+// ------------------------------------------------------------------
+
+TEST_F(Writing, aFileThatIsNotCompleteHasNoName) {
+    folder.write("f", "old");
+    {
+        AtomicFile file(folder.bytes("f"));
+        file.write("half of the new");
+        EXPECT_EQ(folder.names(), Names{"f"});
+    }
+    EXPECT_EQ(folder.read("f"), "old");
+}
+
+TEST_F(Writing, aPassingNameGoesWithTheFileThatHadIt) {
+    folder.write("f", "old");
+    folder.mode("f", 0604);
+    {
+        AtomicFile file(folder.bytes("f"), AtomicFile::While::Named);
+        file.write("half of the new");
+        EXPECT_EQ(folder.names().size(), 2U);
+    }
+    EXPECT_EQ(folder.names(), Names{"f"});
+    AtomicFile file(folder.bytes("f"), AtomicFile::While::Named);
+    file.write("first ");
+    file.write("second");
+    file.commit(true);
+    EXPECT_EQ(folder.read("f"), "first second");
+    EXPECT_EQ(folder.mode("f"), 0604U);
+    EXPECT_EQ(folder.names(), Names{"f"});
+}
+
+TEST_F(Writing, passesNamesThatAreTaken) {
+    const std::string taken = ".velmora-" + std::to_string(::getpid()) + "-0";
+    folder.write(taken, "somebody's");
+    files.writeWhole(folder.text("f"), "x", false);
+    EXPECT_EQ(folder.read(taken), "somebody's");
+    EXPECT_EQ(folder.read("f"), "x");
+}
+
+TEST_F(Writing, aKilledWriterLeavesTheOldFileAndNothingElse) {
+    folder.write("f", "old");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        AtomicFile file(folder.bytes("f"));
+        file.write(std::string(100'000, 'n'));
+        ::kill(::getpid(), SIGKILL);
+    }
+    ::waitpid(child, nullptr, 0);
+    EXPECT_EQ(folder.read("f"), "old");
+    EXPECT_EQ(folder.names(), Names{"f"});
 }
 
 // --- other ways to write

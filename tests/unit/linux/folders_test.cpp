@@ -56,6 +56,12 @@ TEST(HomeFolders, comeFromTheUserWithoutAHome) {
     EXPECT_EQ(homeFolders().home.substr(0, 1), "/");
 }
 
+TEST(HomeFolders, leadNowhereWithoutAnyHome) {
+    const HomeFolders none;
+    EXPECT_EQ(none.programConfig(), "");
+    EXPECT_EQ(none.registryFile(), "");
+}
+
 TEST(ConfigHome, isReadFromAProcessesEnvironment) {
     const auto of = [](std::string_view block) { return configHomeOf(block); };
     using namespace std::string_view_literals;

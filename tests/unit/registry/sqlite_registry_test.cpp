@@ -377,6 +377,12 @@ TEST_F(SqliteFile, answersErrorsWhereNoFolderCanBe) {
     registry.flush();
 }
 
+TEST_F(SqliteFile, keepsNothingWithoutAName) {
+    SqliteRegistry registry("", ansi);
+    EXPECT_EQ(set(registry, u"v", u"x"), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(get(registry, u"v"), std::nullopt);
+}
+
 TEST_F(SqliteFile, doesNotWaitOnAPipeOrTakeAFolder) {
     folder.pipe("pipe");
     SqliteRegistry pipe(folder.bytes("pipe"), ansi);
