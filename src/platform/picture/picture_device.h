@@ -1,0 +1,77 @@
+#pragma once
+
+// One medium open in one engine of its own.
+
+#include "platform/media/device.h"
+#include "platform/picture/mpv_core.h"
+#include "platform/picture/picture_window.h"
+#include "platform/picture/playback_clock.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace velmora::platform::picture {
+
+// What the opener found out.
+struct OpenMedium {
+    // Ahead of the engine, which draws into it and so has to go first.
+    std::unique_ptr<PictureWindow> window; // null without a picture
+    std::unique_ptr<MpvCore> core;         // with the medium loaded and paused at its beginning
+    std::string path;                      // absolute, as the engine took it
+    bool hasSound = false;
+    bool isOwnWindow = false; // not inside a window of the program
+    std::int32_t lengthMs = 0;
+    double pixelScale = 1.0;
+};
+
+class PictureDevice : public media::Device {
+public:
+    explicit PictureDevice(OpenMedium medium);
+    ~PictureDevice() override;
+
+    bool play() override;
+    bool pause() override;
+    bool seek(std::int32_t ms) override;
+    bool setVolume(std::int32_t level) override;
+    bool setChannel(media::Channel channel) override;
+    bool putWindow(std::int32_t x, std::int32_t y, std::int32_t width,
+                   std::int32_t height) override;
+
+    media::Mode mode() override;
+    std::int32_t positionMs() override;
+    std::int32_t lengthMs() override { return medium_.lengthMs; }
+    std::uintptr_t windowHandle() override;
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void handle(const mpv_event &event);
+    // Brings position, mode and window up to date; at most once in `refreshInterval`.
+    void refresh();
+    void readEngine();
+    void endReached();
+    void watchWindow();
+    bool hasPicture();
+    double seconds() const;
+    void seekEngine(double seconds);
+    void reload();
+    void dropBufferedSound();
+
+    static constexpr std::chrono::milliseconds refreshInterval{10};
+
+    OpenMedium medium_;
+    MpvCore &core_;
+    media::Mode mode_ = media::Mode::Stopped;
+    media::Channel channel_ = media::Channel::Stereo;
+    bool wasPlayed_ = false;  // played or moved since the open
+    bool isAtEnd_ = false;    // the next play starts from the beginning
+    bool isUnloaded_ = false; // the engine has let go of the medium, at a fault in it
+    bool isShut_ = false;     // the engine itself has ended
+    bool isPictureGone_ = false;
+    PlaybackClock clock_;
+    SeekTracker seeks_;
+    Clock::time_point refreshed_{};
+};
+
+} // namespace velmora::platform::picture

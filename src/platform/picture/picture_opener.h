@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/media/device.h"
+#include "platform/picture/mpv_core.h"
+#include "platform/picture/picture.h"
+#include "platform/picture/picture_device.h"
+
+#include <memory>
+
+namespace velmora::platform::picture {
+
+class PictureOpener : public media::DeviceOpener {
+public:
+    explicit PictureOpener(PictureOptions options) : options_(std::move(options)) {}
+
+    std::unique_ptr<media::Device> open(const media::OpenRequest &request) override;
+
+private:
+    MpvCore::Options engineOptions() const;
+
+    PictureOptions options_;
+    std::shared_ptr<const MpvLibrary> library_; // loaded at the first open
+};
+
+} // namespace velmora::platform::picture
