@@ -51,11 +51,13 @@ Descriptor openRegular(const std::string &path, struct ::stat &info) noexcept {
 
 std::optional<std::string> readAt(int descriptor, std::int64_t offset, std::size_t count) {
     // Grown as the bytes come: the count may be far beyond what the file holds.
-    constexpr std::size_t step = std::size_t{1} << 20;
+    constexpr std::size_t greatestStep = std::size_t{1} << 20;
+    std::size_t step = std::size_t{8} << 10;
     std::string bytes;
     while (bytes.size() < count) {
         const std::size_t before = bytes.size();
         bytes.resize(before + std::min(step, count - before));
+        step = std::min(step * 4, greatestStep);
         const ssize_t got = ::pread(descriptor, bytes.data() + before, bytes.size() - before,
                                     static_cast<off_t>(offset) + static_cast<off_t>(before));
         const int error = errno;

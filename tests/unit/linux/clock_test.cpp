@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <ctime>
 #include <limits>
@@ -59,11 +62,19 @@ TEST(Clock, writesTheFormsOfTheLocaleOfDates) {
         "localedef -i zh_CN -f UTF-8 '" + folder.bytes("zh_CN.UTF-8") + "' >/dev/null 2>&1";
     if (std::system(make.c_str()) != 0)
         GTEST_SKIP() << "no locale can be made on this machine";
-    const Variables place({}, {{"LOCPATH", folder.path()}});
-    const Locale locale(Values{{"LANG", "C"}, {"LC_TIME", "zh_CN.UTF-8"}});
-    LinuxClock clock;
-    EXPECT_EQ(clock.shortDate(someTime), u"2020年09月13日");
-    EXPECT_EQ(clock.shortTime(someTime), u"12时26分40秒");
+    // In a process of its own: the C library keeps a little of a locale from a place of its own.
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::setenv("LOCPATH", folder.path().c_str(), 1);
+        const Locale locale(Values{{"LANG", "C"}, {"LC_TIME", "zh_CN.UTF-8"}});
+        LinuxClock clock;
+        const bool right = clock.shortDate(someTime) == u"2020年09月13日" &&
+                           clock.shortTime(someTime) == u"12时26分40秒";
+        ::_exit(right ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 TEST(Clock, obeysTheOrderOfTheVariables) {
