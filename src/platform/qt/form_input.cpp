@@ -64,9 +64,9 @@ bool FormInput::layerEvent(QWidget &widget, QEvent &event) {
         return mouse(widget, static_cast<QMouseEvent &>(event), false);
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
-        return key(static_cast<QKeyEvent &>(event), false);
+        return key(widget, static_cast<QKeyEvent &>(event), false);
     case QEvent::Enter:
-        hub_.pointerOutside = false;
+        entered(widget, static_cast<QEnterEvent &>(event));
         return false;
     case QEvent::Leave:
         if (widget.isWindow()) {
@@ -98,14 +98,14 @@ bool FormInput::childEvent(forms::Control &control, QWidget &widget, QEvent &eve
     case QEvent::MouseButtonDblClick:
     case QEvent::MouseMove:
         return mouse(widget, static_cast<QMouseEvent &>(event), true);
+    case QEvent::Enter:
+        entered(widget, static_cast<QEnterEvent &>(event));
+        return false;
     case QEvent::Wheel:
         return !form_.enabled();
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
-        if (static_cast<QKeyEvent &>(event).isAutoRepeat() &&
-            !repeats(widget, static_cast<QKeyEvent &>(event)))
-            return true;
-        return key(static_cast<QKeyEvent &>(event), true);
+        return key(widget, static_cast<QKeyEvent &>(event), true);
     case QEvent::FocusIn:
         if (form_.activeControl() != &control && form_.enabled())
             form_.setFocus(&control);
@@ -120,6 +120,18 @@ bool FormInput::childEvent(forms::Control &control, QWidget &widget, QEvent &eve
     default:
         return false;
     }
+}
+
+// The server need not report a movement beside the entering.
+void FormInput::entered(QWidget &widget, const QEnterEvent &event) {
+    hub_.pointerOutside = false;
+    pointerOver_ = &widget;
+    pointerAt_ = place(event.globalPosition());
+    const QPointer<QWidget> alive(&widget);
+    const Loop::Handler handler(hub_.loop);
+    form_.pointerMoved(pointerAt_, buttonState(event.buttons()), shiftState(event.modifiers()));
+    if (!alive.isNull())
+        showPointer(widget, pointerAt_);
 }
 
 bool FormInput::mouse(QWidget &widget, QMouseEvent &event, bool child) {
@@ -186,39 +198,58 @@ void FormInput::pointerLookChanged() {
     hub_.x11.flush();
 }
 
-bool FormInput::key(QKeyEvent &event, bool child) {
-    const auto keyCode = static_cast<xcb_keycode_t>(event.nativeScanCode());
-    const std::int16_t code = virtualKey(hub_.x11.keySymbols(keyCode), keyCode);
-    const std::int16_t shift = shiftState(event.modifiers());
-    event.accept();
+// A held key is one press. The server repeats it as releases and presses at one and the same time;
+// the toolkit's own mark of a repeat is missing whenever it reads the two one after the other.
+bool FormInput::isRepeat(const QKeyEvent &event, xcb_keycode_t key) {
+    const KeyMoment now{event.timestamp(), key};
     if (event.type() == QEvent::KeyRelease) {
-        if (event.isAutoRepeat())
-            return !child;
-        swallowed_.erase(code);
-        if (keysDown_.erase(code) != 0) {
-            const Loop::Handler handler(hub_.loop);
-            form_.keyReleased(code, shift);
-        }
-        return !child;
+        lastRelease_ = now;
+        return event.isAutoRepeat();
     }
-    // A held key is one press.
-    if (event.isAutoRepeat())
-        return !child || !form_.enabled() || swallowed_.contains(code);
+    return event.isAutoRepeat() || (now.time != 0 && lastRelease_ == now);
+}
+
+bool FormInput::key(QWidget &widget, QKeyEvent &event, bool child) {
+    const auto keyCode = static_cast<xcb_keycode_t>(event.nativeScanCode());
+    // What a toolkit widget has no use for comes by again on its way up.
+    const OfferedKey offered{{event.timestamp(), keyCode}, event.type()};
+    if (child)
+        offered_ = offered;
+    else if (offered_ == offered)
+        return true;
+    event.accept();
+    const bool repeat = isRepeat(event, keyCode);
+    const std::int16_t code = virtualKey(hub_.x11.keySymbols(keyCode), keyCode);
+    if (repeat)
+        return !child || !form_.enabled() || swallowed_.contains(code) || !repeats(widget, event);
+    const std::int16_t shift = shiftState(event.modifiers());
+    return event.type() == QEvent::KeyPress ? keyDown(event, code, shift, child)
+                                            : keyUp(code, shift, child);
+}
+
+bool FormInput::keyUp(std::int16_t code, std::int16_t shift, bool child) {
+    if (keysDown_.erase(code) != 0) {
+        const Loop::Handler handler(hub_.loop);
+        form_.keyReleased(code, shift);
+    }
+    return !child;
+}
+
+bool FormInput::keyDown(const QKeyEvent &event, std::int16_t code, std::int16_t shift, bool child) {
+    swallowed_.erase(code);
     const forms::Control *active = form_.activeControl();
     if (active != nullptr && scene_.isCovered(*active))
         return true;
-    if (code == 0)
-        return !child || !form_.enabled();
-    keysDown_.insert(code);
-    bool pass = false;
-    {
+    bool pass = form_.enabled();
+    if (code != 0) {
+        keysDown_.insert(code);
         const Loop::Handler handler(hub_.loop);
         pass = form_.keyPressed(code, shift);
     }
     if (!pass)
         swallowed_.insert(code);
-    else if (event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab)
-        return !child && scene_.moveFocus(event.key() == Qt::Key_Tab);
+    else if (!child && (event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab))
+        scene_.moveFocus(event.key() == Qt::Key_Tab);
     return !pass || !child;
 }
 

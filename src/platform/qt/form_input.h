@@ -12,6 +12,7 @@
 #include <set>
 
 class QDropEvent;
+class QEnterEvent;
 class QHelpEvent;
 class QKeyEvent;
 class QMouseEvent;
@@ -39,8 +40,12 @@ public:
 
 private:
     PointTwips place(QPointF global) const;
+    void entered(QWidget &widget, const QEnterEvent &event);
     bool mouse(QWidget &widget, QMouseEvent &event, bool child);
-    bool key(QKeyEvent &event, bool child);
+    bool key(QWidget &widget, QKeyEvent &event, bool child);
+    bool keyDown(const QKeyEvent &event, std::int16_t code, std::int16_t shift, bool child);
+    bool keyUp(std::int16_t code, std::int16_t shift, bool child);
+    bool isRepeat(const QKeyEvent &event, xcb_keycode_t key);
     bool tip(QWidget &widget, const QHelpEvent &event);
     bool drop(QDropEvent &event);
     forms::Control *dropTarget(PointTwips at) const;
@@ -50,6 +55,18 @@ private:
     QtFormWindow &window_;
     forms::Form &form_;
     Scene &scene_;
+    struct KeyMoment {
+        quint64 time = 0;
+        int key = 0;
+        friend bool operator==(const KeyMoment &, const KeyMoment &) = default;
+    };
+    struct OfferedKey {
+        KeyMoment moment;
+        int type = 0;
+        friend bool operator==(const OfferedKey &, const OfferedKey &) = default;
+    };
+    KeyMoment lastRelease_;
+    OfferedKey offered_;              // the last that a toolkit widget was offered
     std::set<std::int16_t> keysDown_; // told to the form as pressed, not yet as released
     std::set<std::int16_t> swallowed_;
     QPointer<QWidget> pointerOver_;
