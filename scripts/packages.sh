@@ -2,18 +2,18 @@
 # Sourced by ./run and ./test.
 
 packages_run="libqt6widgets6 qt6-qpa-plugins libpulse0 libmpg123-0 libsndfile1 libfluidsynth3 libmpv2
- libcurl4 libsqlite3-0 libxcb-shape0 timgm6mb-soundfont fonts-liberation fonts-wqy-microhei xdg-utils"
+ libcurl4 libsqlite3-0 libxcb-shape0 timgm6mb-soundfont fonts-liberation fonts-noto-cjk xdg-utils"
 
 packages_build="g++ cmake ninja-build ccache pkg-config qt6-base-dev libmpv-dev libfluidsynth-dev
  libpulse-dev libmpg123-dev libsndfile1-dev libcurl4-openssl-dev libsqlite3-dev libxcb1-dev
  libxcb-shape0-dev"
 
 # A screen, a window manager and a sound server for machines that have none.
-packages_headless="x11-xserver-utils xvfb openbox xdotool x11-utils x11-xserver-utils imagemagick pulseaudio
+packages_headless="xvfb openbox xdotool x11-utils x11-xserver-utils imagemagick pulseaudio
  pulseaudio-utils xauth"
 
 packages_test="libgtest-dev libgmock-dev clang clang-format clang-tidy libclang-rt-14-dev picom wmctrl
- trayer sox libsox-fmt-all ffmpeg lame flac python3 procps"
+ trayer locales sox libsox-fmt-all ffmpeg lame flac python3 procps"
 
 packages_bench="libbenchmark-dev"
 
