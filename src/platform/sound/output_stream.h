@@ -55,6 +55,9 @@ public:
     virtual void write(std::int64_t first, std::int64_t end, const Producer &producer) = 0;
     // Keeps heard() exact; called with every turn. When it wants to be called again at the latest.
     virtual TimePoint refresh(TimePoint now) = 0;
+    // How far ahead of being heard the other side takes frames, where that is so far that more than
+    // usual must be written.
+    virtual int takenAheadMs() const { return 0; }
 };
 
 // Keeps time where no sound can be put out.

@@ -12,9 +12,15 @@ using namespace std::chrono_literals;
 constexpr std::int64_t frameBytes = 2 * sizeof(float);
 
 // The server holds so much of us, of which its own mixing buffer is a small part: what is changed
-// then is cheap to mix again. A server that cannot take back what it mixed is late by that part.
+// then is cheap to mix again. Where it cannot take back what it mixed, or would do so with a click
+// (its resampler begins anew), the part is so short that a change need not wait for it long.
 constexpr int bufferMs = 1800;
-constexpr int mixBufferMs = 60;
+constexpr int mixMsTakenBack = 60;
+constexpr int mixMsKept = 24;
+// An idle device may have mixed silence for two seconds. It is taken back only as far as the
+// longest mixing buffer that anybody asks for.
+constexpr int mixMsOfIdleDevice = 2500;
+constexpr int idleAheadMs = 100;
 
 // On the way to the server and through it.
 constexpr int writeMs = 4;
@@ -26,15 +32,13 @@ constexpr auto answerLimit = 3s;
 } // namespace
 
 PulseStream::PulseStream(PulseLink &link, int rate, TimePoint now)
-    : link_(link), table_(link.table()), rate_(rate), started_(now) {
+    : link_(link), table_(link.table()), rate_(rate), mixMs_(mixMsKept), started_(now) {
     connect();
 }
 
 PulseStream::~PulseStream() {
-    if (timing_) {
-        table_.pa_operation_cancel(timing_);
-        table_.pa_operation_unref(timing_);
-    }
+    cancel(timing_);
+    cancel(sinkInfo_);
     if (!stream_)
         return;
     table_.pa_stream_set_state_callback(stream_, nullptr, nullptr);
@@ -59,30 +63,68 @@ void PulseStream::connect() {
         [](pa_stream *stream, void *self) {
             auto *that = static_cast<PulseStream *>(self);
             const pa_stream_state_t state = that->table_.pa_stream_get_state(stream);
-            if (state == PA_STREAM_READY)
+            if (state == PA_STREAM_READY) {
                 that->state_ = State::Idle;
-            else if (!PA_STREAM_IS_GOOD(state))
+                that->askSink();
+            } else if (!PA_STREAM_IS_GOOD(state)) {
                 that->state_ = State::Lost;
+            }
         },
         this);
     table_.pa_stream_set_started_callback(
         stream_,
         [](pa_stream *, void *self) { static_cast<PulseStream *>(self)->startedNow_ = true; },
         this);
-    const auto bytes = [this](int ms) {
-        return static_cast<std::uint32_t>(std::int64_t{rate_} * ms / 1000 * frameBytes);
-    };
-    // No pre-buffering: the server's time runs while the stream is not corked, written to or not.
-    pa_buffer_attr buffer;
-    buffer.maxlength = bytes(bufferMs * 3);
-    buffer.tlength = bytes(bufferMs);
-    buffer.prebuf = 0;
-    buffer.minreq = bytes((bufferMs - 2 * mixBufferMs) / 2);
-    buffer.fragsize = static_cast<std::uint32_t>(-1);
+    const pa_buffer_attr buffer = bufferFor(mixMs_);
     const auto flags =
         static_cast<pa_stream_flags_t>(PA_STREAM_START_CORKED | PA_STREAM_ADJUST_LATENCY);
     if (table_.pa_stream_connect_playback(stream_, nullptr, &buffer, flags, nullptr, nullptr) < 0)
         state_ = State::Lost;
+}
+
+// No pre-buffering: the server's time runs while the stream is not corked, written to or not.
+pa_buffer_attr PulseStream::bufferFor(int mixMs) const {
+    const auto bytes = [this](int ms) {
+        return static_cast<std::uint32_t>(std::int64_t{rate_} * ms / 1000 * frameBytes);
+    };
+    const int whole = std::max(bufferMs, 3 * mixMs);
+    pa_buffer_attr buffer;
+    buffer.maxlength = bytes(whole * 3);
+    buffer.tlength = bytes(whole);
+    buffer.prebuf = 0;
+    buffer.minreq = bytes((whole - 2 * mixMs) / 2); // the server halves what remains
+    buffer.fragsize = static_cast<std::uint32_t>(-1);
+    return buffer;
+}
+
+void PulseStream::setMixBuffer(int mixMs) {
+    const pa_buffer_attr buffer = bufferFor(mixMs);
+    ignore(table_.pa_stream_set_buffer_attr(stream_, &buffer, nullptr, nullptr));
+}
+
+void PulseStream::askSink() {
+    if (sinkInfo_ && table_.pa_operation_get_state(sinkInfo_) == PA_OPERATION_RUNNING)
+        return;
+    cancel(sinkInfo_);
+    sinkInfo_ = table_.pa_context_get_sink_info_by_index(
+        link_.context(), table_.pa_stream_get_device_index(stream_),
+        [](pa_context *, const pa_sink_info *info, int end, void *self) {
+            if (end == 0 && info)
+                static_cast<PulseStream *>(self)->takeSink(*info);
+        },
+        this);
+}
+
+// Whether the device lets changes reach into what is mixed already, and how much it mixes at a time
+// (others who use it may want it to be less).
+void PulseStream::takeSink(const pa_sink_info &info) {
+    mixFrames_ = static_cast<std::int64_t>(info.configured_latency) * rate_ / 1000000;
+    takesBack_ = link_.rewinds() && (info.flags & PA_SINK_DYNAMIC_LATENCY) != 0 &&
+                 info.sample_spec.rate == static_cast<std::uint32_t>(rate_);
+    const int mixMs = takesBack_ ? mixMsTakenBack : mixMsKept;
+    if (mixMs != mixMs_ && !pulled_)
+        setMixBuffer(mixMs);
+    mixMs_ = mixMs;
 }
 
 OutputStream::State PulseStream::state() const {
@@ -98,8 +140,7 @@ std::int64_t PulseStream::start(TimePoint now) {
     heardTime_ = now;
     advancing_ = false;
     startedNow_ = false;
-    // The write that follows at once makes the server mix again what it has ahead: otherwise an
-    // idle device would first play out up to two seconds of silence.
+    pulled_ = false;
     return idleFrame_;
 }
 
@@ -109,16 +150,15 @@ void PulseStream::stop(TimePoint now) {
     ignore(table_.pa_stream_cork(stream_, 1, nullptr, nullptr));
     ignore(table_.pa_stream_flush(stream_, nullptr, nullptr));
     // Its answer tells where the index stands from now on. One under way is from before.
-    if (timing_) {
-        table_.pa_operation_cancel(timing_);
-        table_.pa_operation_unref(timing_);
-        timing_ = nullptr;
-    }
+    if (pulled_)
+        setMixBuffer(mixMs_);
+    pulled_ = false;
+    cancel(timing_);
     askTiming(now);
 }
 
 std::int64_t PulseStream::heard(TimePoint now) const {
-    if (state_ != State::Running)
+    if (state_ == State::Idle || state_ == State::Stopping)
         return idleFrame_;
     double frame = heardFrame_;
     if (advancing_)
@@ -128,11 +168,22 @@ std::int64_t PulseStream::heard(TimePoint now) const {
 
 std::int64_t PulseStream::earliest(TimePoint now) const {
     const std::int64_t onTheWay = std::int64_t{rate_} * writeMs / 1000;
-    std::int64_t frame = heard(now) + onTheWay;
-    if (!link_.rewinds() && advancing_)
-        frame = std::max(frame, takenFrame_ + onTheWay + framesOfTime(now - heardTime_, rate_));
-    return std::max(frame, idleFrame_);
+    const std::int64_t soon = std::max(heard(now) + onTheWay, idleFrame_);
+    // A short mixed part is left alone in any case: taking it back costs more than it gains.
+    const bool isShort =
+        mixFrames_ > 0 && mixFrames_ <= std::int64_t{rate_} * (mixMsKept + 1) / 1000;
+    if (!advancing_ || pulled_ || (takesBack_ && !isShort))
+        return soon;
+    if (mixFrames_ <= 0)
+        return std::max(soon, takenFrame_ + framesOfTime(now - heardTime_, rate_) + onTheWay);
+    // The next part is taken when the one before has been heard.
+    std::int64_t taken = takenFrame_;
+    if (soon > taken)
+        taken += (soon - taken + mixFrames_ - 1) / mixFrames_ * mixFrames_;
+    return taken;
 }
+
+int PulseStream::takenAheadMs() const { return pulled_ ? mixMsOfIdleDevice : 0; }
 
 void PulseStream::write(std::int64_t first, std::int64_t end, const Producer &producer) {
     while (first < end && state() != State::Lost) {
@@ -143,6 +194,8 @@ void PulseStream::write(std::int64_t first, std::int64_t end, const Producer &pr
         const auto frames =
             std::min<std::int64_t>(static_cast<std::int64_t>(bytes) / frameBytes, end - first);
         producer(static_cast<float *>(memory), first, static_cast<std::size_t>(frames));
+        lastWritten_[0] = static_cast<float *>(memory)[(frames - 1) * 2];
+        lastWritten_[1] = static_cast<float *>(memory)[(frames - 1) * 2 + 1];
         const bool follows = first == serverWrite_;
         table_.pa_stream_write(stream_, memory, static_cast<std::size_t>(frames * frameBytes),
                                nullptr, follows ? 0 : first * frameBytes,
@@ -175,6 +228,7 @@ TimePoint PulseStream::refresh(TimePoint now) {
 
 void PulseStream::askTiming(TimePoint now) {
     asked_ = now;
+    askSink();
     timing_ = table_.pa_stream_update_timing_info(
         stream_,
         [](pa_stream *, int success, void *self) {
@@ -205,13 +259,38 @@ void PulseStream::takeTiming() {
     }
     if (state_ != State::Running)
         return;
+    const auto framesOf = [this](pa_usec_t time) {
+        return static_cast<double>(time) * rate_ / 1e6;
+    };
     takenFrame_ = taken;
-    heardFrame_ = static_cast<double>(taken) - static_cast<double>(info->sink_usec) * rate_ / 1e6;
+    heardFrame_ = static_cast<double>(taken) - framesOf(info->sink_usec);
     // The answer was true half way between question and now.
     heardTime_ = asked_ + (now - asked_) / 2;
     advancing_ = info->playing != 0;
-    if (!advancing_)
-        heardFrame_ = std::max(heardFrame_, static_cast<double>(idleFrame_));
+    if (advancing_)
+        return;
+    heardFrame_ = std::max(heardFrame_, static_cast<double>(idleFrame_));
+    if (!pulled_ && info->sink_usec > idleAheadMs * 1000)
+        pullBack();
+}
+
+// An idle device that has mixed silence far ahead would play that out first. Asking for as long a
+// buffer, and then writing again what is the last frame, makes the server mix all of it anew. The
+// long buffer stays until the stream stops: shortened in play, what is mixed could not be changed.
+void PulseStream::pullBack() {
+    pulled_ = true;
+    setMixBuffer(mixMsOfIdleDevice);
+    if (serverWrite_ > idleFrame_)
+        table_.pa_stream_write(stream_, lastWritten_, frameBytes, nullptr,
+                               (serverWrite_ - 1) * frameBytes, PA_SEEK_ABSOLUTE);
+}
+
+void PulseStream::cancel(pa_operation *&operation) {
+    if (!operation)
+        return;
+    table_.pa_operation_cancel(operation);
+    table_.pa_operation_unref(operation);
+    operation = nullptr;
 }
 
 void PulseStream::ignore(pa_operation *operation) {

@@ -26,11 +26,18 @@ public:
     std::int64_t earliest(TimePoint now) const override;
     void write(std::int64_t first, std::int64_t end, const Producer &producer) override;
     TimePoint refresh(TimePoint now) override;
+    int takenAheadMs() const override;
 
 private:
     void connect();
+    pa_buffer_attr bufferFor(int mixMs) const;
+    void setMixBuffer(int mixMs);
+    void askSink();
+    void takeSink(const pa_sink_info &info);
     void askTiming(TimePoint now);
     void takeTiming();
+    void pullBack();
+    void cancel(pa_operation *&operation);
     void ignore(pa_operation *operation);
 
     PulseLink &link_;
@@ -40,14 +47,22 @@ private:
     State state_ = State::Starting;
     std::int64_t serverWrite_ = 0; // where a relative write would go
     std::int64_t idleFrame_ = 0;   // heard last while idle
+    float lastWritten_[2] = {0, 0};
+
+    // What the server mixes for the device ahead of being heard, and whether it can take that back.
+    int mixMs_;
+    bool takesBack_ = false;
 
     // The last answer of the server: frame heard and frame taken at that time.
     double heardFrame_ = 0;
     std::int64_t takenFrame_ = 0;
+    std::int64_t mixFrames_ = 0; // taken at a time; 0: not known
     TimePoint heardTime_;
     bool advancing_ = false;
+    bool pulled_ = false; // see pullBack()
 
     pa_operation *timing_ = nullptr;
+    pa_operation *sinkInfo_ = nullptr;
     TimePoint asked_;
     TimePoint started_;
     bool startedNow_ = false; // the server told of the start since the last turn

@@ -23,6 +23,7 @@ namespace velmora::platform::sound {
     F(pa_context_get_state)                                                                        \
     F(pa_context_get_server_info)                                                                  \
     F(pa_context_get_sink_info_list)                                                               \
+    F(pa_context_get_sink_info_by_index)                                                           \
     F(pa_proplist_new)                                                                             \
     F(pa_proplist_sets)                                                                            \
     F(pa_proplist_gets)                                                                            \
@@ -38,6 +39,8 @@ namespace velmora::platform::sound {
     F(pa_stream_write)                                                                             \
     F(pa_stream_cork)                                                                              \
     F(pa_stream_flush)                                                                             \
+    F(pa_stream_set_buffer_attr)                                                                   \
+    F(pa_stream_get_device_index)                                                                  \
     F(pa_stream_update_timing_info)                                                                \
     F(pa_stream_get_timing_info)                                                                   \
     F(pa_operation_cancel)                                                                         \

@@ -26,7 +26,10 @@ bool SoundDevice::play() {
     noteEnd();
     if (mode_ == Mode::Playing)
         return true;
-    moveTo(true, standing_ >= frames_ ? 0 : standing_);
+    const bool again = standing_ >= frames_;
+    if (again)
+        lastMs_ = 0;
+    moveTo(true, again ? 0 : standing_);
     mode_ = Mode::Playing;
     return true;
 }
@@ -97,8 +100,6 @@ void SoundDevice::noteEnd() {
 void SoundDevice::moveTo(bool playing, std::int64_t frame) {
     ++transport_;
     standing_ = frame;
-    if (playing && mode_ == Mode::Stopped)
-        lastMs_ = msOf(frame);
     control_->change([&](VoiceWish &wish) {
         wish.transport = transport_;
         wish.playing = playing;

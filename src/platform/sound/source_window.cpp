@@ -12,11 +12,24 @@ constexpr std::int64_t decodeStep = 2048; // frames
 } // namespace
 
 SourceWindow::SourceWindow(std::unique_ptr<Reader> reader, int capacityMs)
-    : reader_(std::move(reader)), mix_(reader_->channels()),
-      // Decoding runs up to a step ahead of what is asked for.
-      capacity_(std::max(std::int64_t{reader_->rate()} * capacityMs / 1000, decodeStep * 4) +
-                decodeStep),
+    : reader_(std::move(reader)), mix_(reader_->channels()), capacity_(capacityOf(capacityMs)),
       length_(reader_->frames()) {}
+
+std::int64_t SourceWindow::capacityOf(int ms) const {
+    // Decoding runs up to a step ahead of what is asked for.
+    return std::max(std::int64_t{reader_->rate()} * ms / 1000, decodeStep * 4) + decodeStep;
+}
+
+void SourceWindow::keep(int capacityMs) {
+    const std::int64_t capacity = capacityOf(capacityMs);
+    if (capacity <= capacity_)
+        return;
+    std::vector<float> old = std::move(ring_);
+    ring_.assign(static_cast<std::size_t>(capacity) * 2, 0.0F);
+    for (std::int64_t frame = begin_; frame < end_; ++frame)
+        std::copy_n(old.begin() + frame % capacity_ * 2, 2, ring_.begin() + frame % capacity * 2);
+    capacity_ = capacity;
+}
 
 void SourceWindow::seek(std::int64_t frame) {
     if (frame >= begin_ && frame <= end_)
@@ -55,10 +68,8 @@ void SourceWindow::decodeTo(std::int64_t frame) {
 }
 
 bool SourceWindow::decodeSome() {
-    if (ring_.empty()) {
-        ring_.resize(static_cast<std::size_t>(capacity_) * 2);
-        raw_.resize(static_cast<std::size_t>(decodeStep * reader_->channels()));
-    }
+    ring_.resize(static_cast<std::size_t>(capacity_) * 2);
+    raw_.resize(static_cast<std::size_t>(decodeStep * reader_->channels()));
     const std::int64_t place = end_ % capacity_;
     const std::int64_t room = std::min(capacity_ - place, decodeStep);
     const auto got =

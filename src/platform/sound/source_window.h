@@ -21,6 +21,9 @@ public:
     // Where the sound ends: the reader's length, or earlier where decoding turned out to stop.
     std::int64_t length() const { return length_; }
 
+    // Keeps more than before from now on; less is not taken back.
+    void keep(int capacityMs);
+
     // Makes `frame` the next one to be copied. What is there already is not decoded again.
     void seek(std::int64_t frame);
     // Copies stereo frames from `frame` on, which must lie at or behind the last seek and within
@@ -29,6 +32,7 @@ public:
     void copy(std::int64_t frame, float *out, std::size_t count);
 
 private:
+    std::int64_t capacityOf(int ms) const;
     void decodeTo(std::int64_t frame);
     bool decodeSome();
 

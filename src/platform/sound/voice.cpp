@@ -15,6 +15,7 @@ constexpr int fadeMs = 5;     // of what is cut off and of what begins in the mi
 constexpr int rampMs = 8;     // of a change of gain
 constexpr int aheadMs = 1400; // written in steady play
 constexpr int refillMs = 700; // written again when less than this is left
+constexpr int keptMs = 400;   // decoded and kept beyond that
 // While changes follow each other, as in a fade, only so much is rendered anew for each; the rest
 // waits until they stop or it comes near.
 constexpr int rewriteMs = 100;
@@ -28,7 +29,7 @@ constexpr std::int64_t largeStep = 8192;
 } // namespace
 
 Voice::Voice(std::shared_ptr<VoiceControl> control, std::unique_ptr<Reader> reader)
-    : control_(std::move(control)), window_(std::move(reader), aheadMs + 400) {}
+    : control_(std::move(control)), window_(std::move(reader), aheadMs + keptMs) {}
 
 std::int64_t Voice::framesOfMs(int ms) const { return std::int64_t{rate()} * ms / 1000; }
 
@@ -149,13 +150,17 @@ TimePoint Voice::fill(TimePoint now) {
     if (stream_->silent())
         return whenHeard(endOfPiece(), now);
     catchUp(now);
+    const int takenMs = stream_->takenAheadMs();
+    if (takenMs > 0)
+        window_.keep(takenMs + aheadMs + keptMs);
+    const std::int64_t refill = framesOfMs(takenMs + refillMs);
     const std::int64_t heard = stream_->heard(now);
     if (rewriteStale(now, heard))
         return now;
     // Silence follows the end, at least over all that was ever written there.
     const std::int64_t end = std::max(endOfPiece() + framesOfMs(silenceMs * 2), written_);
-    const std::int64_t target = std::min(heard + framesOfMs(aheadMs), end);
-    if (head_ - heard < framesOfMs(refillMs))
+    const std::int64_t target = std::min(heard + framesOfMs(takenMs + aheadMs), end);
+    if (head_ - heard < refill)
         filling_ = true;
     if (head_ >= target)
         filling_ = false;
@@ -169,7 +174,7 @@ TimePoint Voice::fill(TimePoint now) {
     }
     TimePoint due = whenHeard(endOfPiece(), now);
     if (head_ < end)
-        due = std::min(due, whenHeard(head_ - framesOfMs(refillMs) + 1, now));
+        due = std::min(due, whenHeard(head_ - refill + 1, now));
     if (staleFrom_)
         due = std::min(due, lastMix_ + mixSettled);
     return due;

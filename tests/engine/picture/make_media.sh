@@ -68,6 +68,12 @@ make -f lavfi -i "aevalsrc='0.5*sin(2*PI*1000*t)|0.5*sin(2*PI*2000*t)':s=44100:d
 make -f lavfi -i "aevalsrc='0.3*sin(2*PI*1000*t)|0.3*sin(2*PI*2000*t)|0|0|0|0':s=44100:d=12:c=5.1" \
     -c:a flac surround.flac
 make -f lavfi -i "sine=f=1000:r=44100:d=60,volume=4" -c:a aac -b:a 64k long.m4a
+make -i tone.tta -t 0.15 -c:a tta short.tta
+make -i tone.tta -ac 1 -c:a tta mono_tone.tta
+make -f lavfi -i "aevalsrc='0.5*sin(2*PI*1000*t)|0':s=44100:d=60" -c:a aac -b:a 64k left_tone.m4a
+make -f lavfi -i testsrc=s=640x360:r=25:d=60 -i long.m4a -i left_tone.m4a -map 0:v -map 1:a \
+    -c:v libx264 -preset ultrafast -g 250 -pix_fmt yuv420p -c:a copy tone_film.mp4
+make -i tone_film.mp4 -i left_tone.m4a -map 0:v -map 1:a -c copy left_tone_film.mp4
 
 make -f lavfi -i color=c=red:s=64x64:d=1 -frames:v 1 cover.png
 make -i source.wav -i cover.png -map 0:a -map 1:v -c:a aac -c:v copy -disposition:v attached_pic cover.m4a

@@ -1,0 +1,114 @@
+#pragma once
+
+// A test that listens: a private sound server whose monitor is recorded while devices play.
+
+#include "picture_testing.h"
+
+#include "pulse_server.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace velmora::tests {
+
+class PictureHeard : public testing::Test {
+protected:
+    using Clock = MonitorRecorder::Clock;
+    static constexpr float loud = 0.01F;
+
+    static void SetUpTestSuite() {
+        server_ = new PulseServer;
+        server_->exportToEnvironment();
+        recorder_ = new MonitorRecorder(*server_);
+        source_ = new SourceSound;
+        // A sink that was idle has rendered two seconds of silence ahead.
+        recorder_->waitForFrames(recorder_->framesOf(2200), 10'000);
+    }
+    static void TearDownTestSuite() {
+        delete source_;
+        delete recorder_;
+        delete server_;
+    }
+
+    void SetUp() override { ASSERT_TRUE(server_->running()); }
+
+    static std::unique_ptr<Device> open(const std::string &file) {
+        return platform::makePictureOpener()->open({mediaFile(file), "MPEGVideo", false, 0});
+    }
+
+    // A piece of the record that begins at a frame, once it is there.
+    static std::vector<float> heard(int channel, std::size_t from, int ms) {
+        const std::size_t count = recorder_->framesOf(ms);
+        recorder_->waitForFrames(from + count, 5000);
+        return recorder_->channel(channel, from, count);
+    }
+
+    // The frame being recorded at a moment. The record arrives in blocks: the one that came with
+    // the least delay tells when its last frame was heard.
+    static std::size_t frameAt(Clock::time_point when) {
+        double least = 1e9;
+        const double rate = recorder_->rate();
+        for (std::size_t frame = 0; frame + 1 < recorder_->frames(); frame += 441) {
+            const std::chrono::duration<double> arrived =
+                recorder_->arrivalOf(frame).time_since_epoch();
+            least = std::min(least, arrived.count() - static_cast<double>(frame) / rate);
+        }
+        const std::chrono::duration<double> moment = when.time_since_epoch();
+        return static_cast<std::size_t>(std::max(0.0, (moment.count() - least) * rate));
+    }
+
+    static std::size_t waitForSound(std::size_t from) {
+        return recorder_->waitForLoud(loud, from, 5000);
+    }
+
+    // Seeks, plays, and finds the first quarter of a second heard in the source. A loaded machine
+    // may tear it; then it is done again.
+    static SourceSound::Match hearSeek(Device &device, int target) {
+        SourceSound::Match match;
+        for (int attempt = 0; attempt < 4 && match.correlation < 0.7; ++attempt) {
+            EXPECT_TRUE(device.seek(target));
+            const std::size_t from = recorder_->frames() + recorder_->framesOf(60);
+            recorder_->waitForFrames(from, 5000);
+            EXPECT_TRUE(device.play());
+            const std::size_t first = waitForSound(from);
+            if (first != MonitorRecorder::frameNone)
+                match = source_->find(heard(0, first, 250), 0, target / 1000.0, 0.3);
+        }
+        return match;
+    }
+
+    struct HeardPosition {
+        double told = 0.0; // seconds
+        std::size_t frame = 0;
+        SourceSound::Match match;
+    };
+    // Half a second from now: what the device tells, and what is heard at that moment. A loaded
+    // machine may tear a piece of sound; then a later one is taken.
+    static HeardPosition hearPosition(Device &device, int speaker, int side) {
+        HeardPosition result;
+        for (int attempt = 0; attempt < 4 && result.match.correlation < 0.7; ++attempt) {
+            const int begun = device.positionMs();
+            waitUntil([&] { return device.positionMs() >= begun + 500; }, 3000);
+            const auto when = Clock::now();
+            result.told = device.positionMs() / 1000.0;
+            result.frame = frameAt(when);
+            result.match = source_->find(heard(speaker, result.frame, 250), side, result.told, 0.4);
+        }
+        return result;
+    }
+
+    // Milliseconds from `when` to a frame.
+    static double delay(std::size_t frame, Clock::time_point when) {
+        return (static_cast<double>(frame) - static_cast<double>(frameAt(when))) * 1000.0 /
+               recorder_->rate();
+    }
+
+    inline static PulseServer *server_ = nullptr;
+    inline static MonitorRecorder *recorder_ = nullptr;
+    inline static SourceSound *source_ = nullptr;
+};
+
+} // namespace velmora::tests
