@@ -127,7 +127,9 @@ void miniForm::show_Stopped() {
 
 void miniForm::tick() {
     passOver([this] {
-        if (auto_Hide != 0) {
+        // Where the pointer is costs a question to the screen; a strip that is not shown asks
+        // nothing.
+        if (auto_Hide != 0 && visible()) {
             hideByPointer();
         }
     });

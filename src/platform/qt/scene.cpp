@@ -161,6 +161,16 @@ void Scene::syncEnabled(const forms::Control &control) {
             syncEnabled(*child);
 }
 
+// Whether the control is drawn on the very same device pixels as before: a bar that grew by less
+// than a pixel is not drawn again.
+bool Scene::looksUnmoved(const forms::Control &control, const RectTwips &before) const {
+    const forms::Kind kind = control.kind();
+    if (kind != forms::Kind::Shape && kind != forms::Kind::Image && kind != forms::Kind::Label)
+        return false;
+    const double density = top_->devicePixelRatioF();
+    return snapped(toPixels(before), density) == snapped(toPixels(control.placeInForm()), density);
+}
+
 void Scene::controlChanged(forms::Control &control, forms::Change what, const RectTwips &before) {
     if (top_ == nullptr)
         return;
@@ -168,7 +178,7 @@ void Scene::controlChanged(forms::Control &control, forms::Change what, const Re
     switch (what) {
     case forms::Change::Place:
         if (own == nullptr) {
-            if (isPainted(control)) {
+            if (isPainted(control) && !looksUnmoved(control, before)) {
                 update(control, before);
                 update(control, control.placeInForm());
             }

@@ -89,6 +89,7 @@ private:
     void promoteAll(const forms::Container &container);
     bool coversWidget(const forms::Control &control) const;
     void restack(const forms::Container &container);
+    bool looksUnmoved(const forms::Control &control, const RectTwips &before) const;
     void update(const forms::Control &control, const RectTwips &place);
     void yieldFocus(const forms::Control &control);
     void giveFocusBack(const forms::Control &control);
