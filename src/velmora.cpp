@@ -162,9 +162,8 @@ void Velmora::unloadVideoScreen() {
     if (form == nullptr) {
         return;
     }
-    form->lettingGo = true;
     form->Timer1.setRunning(false);
-    form->unload();
+    form->hide();
     // A touch from here on makes a fresh window. The old one may have a handler of its own active.
     std::shared_ptr<velmora::VideoScreen_Form> old = forms_->VideoScreen_Form_.take();
     platform_.windows.whenIdle([old] {});

@@ -37,11 +37,10 @@ void VideoScreen_Form::load() {
     setBarHandlers();
     setDragHandlers();
     on().KeyDown = [this](forms::KeyEvent &key) { keyDown(key); };
+    // A wish to close only hides the window; the program alone lets it go.
     on().QueryUnload = [this](bool &cancel) {
-        if (!lettingGo) {
-            cancel = true;
-            close_Click();
-        }
+        cancel = true;
+        close_Click();
     };
     Timer1.onTimer = [this] { tick(); };
     app_.Language_Set().language_VideoScreen_Form();

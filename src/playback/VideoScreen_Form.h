@@ -32,9 +32,6 @@ public:
     // Hides the window; the sound goes on.
     void close_Click();
 
-    // The program lets the window go; a wish to close from outside only hides it.
-    bool lettingGo = false;
-
 private:
     void setClickHandlers();
     void setBarHandlers();

@@ -56,11 +56,12 @@ void playerInfo::buildGenreTable() { genreTable_ = genres; }
 std::u16string playerInfo::genreName(std::int32_t code) const {
     if (code > genreCount)
         return {};
-    std::size_t index = 0;
+    std::int32_t entry = 0;
     if (code < 0)
-        index = static_cast<std::size_t>(~code);
+        entry = ~code;
     else if (code > 0)
-        index = static_cast<std::size_t>(code - 1);
+        entry = code - 1;
+    const auto index = static_cast<std::size_t>(entry);
     const std::vector<std::u16string> names = split(genreTable_, u'|');
     if (index >= names.size())
         raise(ErrorNumber::SubscriptOutOfRange);

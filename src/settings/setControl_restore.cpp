@@ -53,7 +53,7 @@ std::u16string setControl::programToRestart() {
         path += separator;
     path += processes.applicationStem();
     for (const std::u16string_view extension : {u".exe", u".bat", u""}) {
-        const std::u16string candidate = path + std::u16string(extension);
+        std::u16string candidate = path + std::u16string(extension);
         if (app_.saveOrOpenFile().fileExists(candidate))
             return candidate;
     }

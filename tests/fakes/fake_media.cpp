@@ -14,7 +14,7 @@ using Words = std::vector<std::u16string>;
 
 namespace {
 
-constexpr MciAnswer failed{263, {}}; // "not an open device", as good as any other number
+const MciAnswer failed{263, {}}; // "not an open device", as good as any other number
 
 Words wordsOf(std::u16string_view command) {
     Words words = split(command, u' ');

@@ -141,6 +141,8 @@ bool Opening::chooseWindow() {
 bool Opening::canBeDecoded() {
     const bool sounds = core_.number("audio-params/samplerate", answerLimit).has_value();
     const bool shows = core_.number("video-params/w", answerLimit).has_value();
+    medium_.isMono = core_.number("audio-params/channel-count", answerLimit) == 1.0;
+    medium_.hasSound = sounds;
     if (!shows)
         medium_.window.reset();
     return sounds || shows;

@@ -19,7 +19,7 @@ double engineVolume(std::int32_t level) {
 }
 
 // One side on both speakers: whatever the medium has is made stereo first by the engine's own
-// rules, so that one channel gives both sides and six are mixed down as they are for stereo.
+// rules, so that six channels are mixed down as they are for stereo.
 std::string channelFilter(Channel channel) {
     switch (channel) {
     case Channel::Stereo:
@@ -196,9 +196,10 @@ bool PictureDevice::setVolume(std::int32_t level) {
 
 bool PictureDevice::setChannel(Channel channel) {
     refresh();
-    if (isShut_ || !medium_.hasSound)
-        return !isShut_;
-    if (channel == channel_)
+    if (isShut_)
+        return false;
+    // One channel is on both sides as it is.
+    if (channel == channel_ || !medium_.hasSound || medium_.isMono)
         return true;
     if (core_.set("af", channelFilter(channel)) == 0)
         return false;

@@ -20,6 +20,7 @@ struct OpenMedium {
     std::unique_ptr<MpvCore> core;         // with the medium loaded and paused at its beginning
     std::string path;                      // absolute, as the engine took it
     bool hasSound = false;
+    bool isMono = false;
     bool isOwnWindow = false; // not inside a window of the program
     std::int32_t lengthMs = 0;
     double pixelScale = 1.0;

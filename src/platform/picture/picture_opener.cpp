@@ -76,7 +76,7 @@ MpvCore::Options PictureOpener::engineOptions() const {
         {"ao", options_.audioOutput},
         {"pulse-buffer", "25"},
         {"audio-format", "float"},
-        {"audio-channels", "stereo"},
+        {"audio-channels", "stereo,mono"},
         {"audio-client-name", options_.applicationName},
         // The end is told when the last sound is heard, not when it is buffered.
         {"gapless-audio", "no"},

@@ -21,6 +21,8 @@ void Layer::paintEvent(QPaintEvent *event) {
     scene_.paint(*this, painter, event->rect(), devicePixelRatioF());
 }
 
+void Layer::press(PointTwips at) { scene_.press(at); }
+
 // Tab goes round the controls in the order of the design, painted ones included.
 bool Layer::focusNextPrevChild(bool next) { return scene_.moveFocus(next); }
 

@@ -21,6 +21,9 @@ public:
           Qt::WindowFlags flags = {});
 
     const forms::Control *root() const noexcept { return root_; }
+    Scene &scene() const noexcept { return scene_; }
+    // As a click of the left button at a place in the form.
+    void press(PointTwips at);
 
 protected:
     bool event(QEvent *event) override;

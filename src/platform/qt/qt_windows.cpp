@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "platform/forms/timer.h"
+#include "platform/qt/accessible.h"
 #include "platform/qt/application.h"
 #include "platform/qt/edge_sensor.h"
 #include "platform/qt/form_window.h"
@@ -35,6 +36,7 @@ struct QtWindowSystem::Parts {
         hub.decodePath = options.decodePath ? options.decodePath : [](std::string_view bytes) {
             return fromUtf8(bytes);
         };
+        qt::installAccessibility();
         hub.x11.onCompositor = [this] {
             for (auto &[number, entry] : hub.forms)
                 if (entry.window != nullptr)

@@ -1,6 +1,7 @@
 #include "platform/qt/scene.h"
 
 #include "platform/qt/geometry.h"
+#include "platform/qt/text_convert.h"
 
 #include <QAbstractScrollArea>
 
@@ -63,6 +64,7 @@ void Scene::addViews(const forms::Container &container) {
             own.filter = std::make_unique<EventFilter>([this, control](QWidget &on, QEvent &event) {
                 return callbacks_.childInput(*control, on, event);
             });
+            own.widget->setAccessibleName(toShown(control->accessibleName()));
             own.widget->installEventFilter(own.filter.get());
             own.widget->setMouseTracking(true);
             if (auto *area = qobject_cast<QAbstractScrollArea *>(own.widget.data())) {

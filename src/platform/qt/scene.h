@@ -18,6 +18,7 @@
 #include <functional>
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 namespace velmora::platform::qt {
 
@@ -58,6 +59,9 @@ public:
     forms::Control *controlOf(const QWidget *widget) const;
     // Whether something painted lies over the control's widget and takes its input.
     bool isCovered(const forms::Control &control) const;
+    // What a layer paints and holds, flat, in the order of painting.
+    std::vector<const forms::Control *> childrenOf(const Layer &layer) const;
+    void press(PointTwips at);
     // The control's native window, made now if need be.
     QWidget *nativeBox(forms::PictureBox &box);
 

@@ -1,6 +1,7 @@
 // Which controls get a widget of their own, and the focus among them.
 
 #include "platform/qt/geometry.h"
+#include "platform/qt/loop.h"
 #include "platform/qt/scene.h"
 
 namespace velmora::platform::qt {
@@ -143,6 +144,26 @@ void Scene::giveFocusBack(const forms::Control &control) {
         owedFocus_ = nullptr;
         widget->setFocus();
     }
+}
+
+std::vector<const forms::Control *> Scene::childrenOf(const Layer &layer) const {
+    std::vector<const forms::Control *> found;
+    walk(form_, [&](const forms::Control &control) {
+        const bool none = control.kind() == forms::Kind::Timer ||
+                          control.kind() == forms::Kind::Menu ||
+                          control.kind() == forms::Kind::Shape ||
+                          control.kind() == forms::Kind::Line;
+        if (!none && layerAround(control) == layer.root())
+            found.push_back(&control);
+        return true;
+    });
+    return found;
+}
+
+void Scene::press(PointTwips at) {
+    const Loop::Handler handler(tools_.loop);
+    form_.pointerPressed(at, forms::leftButton, 0);
+    form_.pointerReleased(at, forms::leftButton, 0);
 }
 
 QWidget *Scene::nativeBox(forms::PictureBox &box) {

@@ -14,8 +14,6 @@ namespace velmora::platform {
 
 namespace {
 
-constexpr int schemaVersion = 1;
-
 // Keys by hive and upper-cased path; the path as it was written stands beside. A value is a text
 // (with the byte count that was given) or an integer.
 constexpr const char *schema =

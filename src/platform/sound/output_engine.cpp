@@ -16,7 +16,7 @@ constexpr TimePoint never = TimePoint::max();
 
 constexpr auto silentAfter = 400ms; // without an answer of the server play begins in silence
 constexpr auto connectLimit = 5s;
-constexpr auto retryEach = 2s;
+constexpr auto retryEach = 3s;
 constexpr auto closeLimit = 150ms;
 
 bool usable(const OutputStream *stream) {

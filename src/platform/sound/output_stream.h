@@ -49,6 +49,9 @@ public:
     // and stands still while the other side has not begun to play.
     virtual std::int64_t heard(TimePoint now) const = 0;
     virtual bool advancing() const = 0;
+    // Whether heard() and earliest() are exact enough now for a change of what is heard. False:
+    // they will be within a few milliseconds, and a turn follows.
+    virtual bool exact(TimePoint) { return true; }
     // The first frame that a write which happens now will certainly change.
     virtual std::int64_t earliest(TimePoint now) const = 0;
     // Writes the frames [first, end), from the producer.

@@ -28,6 +28,8 @@ constexpr auto timingEach = 900ms;
 constexpr auto timingAtStart = 4ms;
 constexpr auto timingStanding = 100ms;
 constexpr auto answerLimit = 3s;
+constexpr auto exactFor = 40ms;
+constexpr auto exactWait = 3ms;
 
 } // namespace
 
@@ -118,7 +120,7 @@ void PulseStream::askSink() {
 // Whether the device lets changes reach into what is mixed already, and how much it mixes at a time
 // (others who use it may want it to be less).
 void PulseStream::takeSink(const pa_sink_info &info) {
-    mixFrames_ = static_cast<std::int64_t>(info.configured_latency) * rate_ / 1000000;
+    mixFrames_ = std::llround(static_cast<double>(info.configured_latency) * rate_ / 1e6);
     takesBack_ = link_.rewinds() && (info.flags & PA_SINK_DYNAMIC_LATENCY) != 0 &&
                  info.sample_spec.rate == static_cast<std::uint32_t>(rate_);
     const int mixMs = takesBack_ ? mixMsTakenBack : mixMsKept;
@@ -164,6 +166,17 @@ std::int64_t PulseStream::heard(TimePoint now) const {
     if (advancing_)
         frame += std::chrono::duration<double>(now - heardTime_).count() * rate_;
     return std::llround(frame);
+}
+
+// Asks the server anew unless it told just now; does not wait for it long.
+bool PulseStream::exact(TimePoint now) {
+    if (!advancing_ || state_ != State::Running || now - heardTime_ < exactFor)
+        return true;
+    if (!timing_) {
+        askTiming(now);
+        return false;
+    }
+    return now - asked_ > exactWait;
 }
 
 std::int64_t PulseStream::earliest(TimePoint now) const {

@@ -23,6 +23,7 @@ public:
     void stop(TimePoint now) override;
     std::int64_t heard(TimePoint now) const override;
     bool advancing() const override { return advancing_; }
+    bool exact(TimePoint now) override;
     std::int64_t earliest(TimePoint now) const override;
     void write(std::int64_t first, std::int64_t end, const Producer &producer) override;
     TimePoint refresh(TimePoint now) override;

@@ -21,6 +21,7 @@ constexpr int keptMs = 400;   // decoded and kept beyond that
 constexpr int rewriteMs = 100;
 constexpr int staleNearMs = 50;
 constexpr auto mixPause = 4ms;
+constexpr auto exactPause = 1ms;
 constexpr auto mixSettled = 40ms;
 constexpr int silenceMs = 100;           // behind what was cut off
 constexpr std::int64_t smallStep = 2048; // frames
@@ -49,9 +50,8 @@ TimePoint Voice::service(TimePoint now) {
         wish_.playing = false;
     if (!stream_ || stream_->state() == State::Lost || stream_->state() == State::Starting)
         return never;
-    if (stream_->state() != State::Stopping)
-        changeTransport(now);
-    TimePoint due = std::min({changeMix(now), fill(now), settle(now)});
+    TimePoint due = std::min(changeTransport(now), changeMix(now));
+    due = std::min({due, fill(now), settle(now)});
     due = std::min(due, stream_->refresh(now));
     publish(now);
     return due;
@@ -65,12 +65,14 @@ bool Voice::finished(TimePoint now) const {
     return !playing_ && (!stopAt_ || stream_->heard(now) >= *stopAt_);
 }
 
-void Voice::changeTransport(TimePoint now) {
+TimePoint Voice::changeTransport(TimePoint now) {
     const bool changed = wish_.transport != doneTransport_;
+    if (stream_->state() == State::Stopping || (!changed && !resumeAt_))
+        return never;
+    if (!stream_->exact(now))
+        return now + exactPause;
     if (changed)
         resumeAt_.reset();
-    else if (!resumeAt_)
-        return;
     doneTransport_ = wish_.transport;
     ended_ = false;
     if (wish_.playing)
@@ -78,6 +80,7 @@ void Voice::changeTransport(TimePoint now) {
     else
         silence(now);
     resumeAt_.reset();
+    return never;
 }
 
 void Voice::start(TimePoint now, std::int64_t frame) {
@@ -131,6 +134,8 @@ TimePoint Voice::changeMix(TimePoint now) {
     }
     if (now < lastMix_ + mixPause)
         return lastMix_ + mixPause;
+    if (!stream_->exact(now))
+        return now + exactPause;
     doneMix_ = wish_.mix;
     lastMix_ = now;
     const std::int64_t from = std::max(stream_->earliest(now), pieceOut_);

@@ -33,7 +33,7 @@ public:
 
 private:
     std::int64_t framesOfMs(int ms) const;
-    void changeTransport(TimePoint now);
+    TimePoint changeTransport(TimePoint now);
     void start(TimePoint now, std::int64_t frame);
     void silence(TimePoint now);
     std::int64_t fadeOut(TimePoint now);

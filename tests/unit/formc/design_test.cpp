@@ -129,8 +129,7 @@ TEST(Design, StringsAreUtf8WithFourEscapes) {
 
 TEST(Design, LinesMayEndInCrLf) { EXPECT_THAT(faults("form F\r\n    size 9 9\r\n"), IsEmpty()); }
 
-// --- faults of form
-// ----------------------------------------------------------------------------------
+// --- faults of form --------------------------------------------------------------------
 
 TEST(DesignFaults, AnEmptyDesign) {
     EXPECT_THAT(faults(""), ElementsAre("1: the design is empty"));
@@ -206,8 +205,7 @@ TEST(DesignFaults, AllOfThemAreListedInTheOrderOfTheLines) {
                             "6: 'b' has no place ('at')", "7: unknown property 'wrong'"));
 }
 
-// --- faults of names
-// ---------------------------------------------------------------------------------
+// --- faults of names -------------------------------------------------------------------
 
 TEST(DesignFaults, ANameTwiceAnywhereInTheForm) {
     EXPECT_THAT(faults("form F\n    size 9 9\nTimer t\nPictureBox p\n    at 0 0\n    size 9 9\n"
@@ -235,8 +233,7 @@ TEST(DesignFaults, WhatIsNoName) {
                 ElementsAre("3: 'Timer' expects one name"));
 }
 
-// --- faults of values
-// --------------------------------------------------------------------------------
+// --- faults of values ------------------------------------------------------------------
 
 struct ValueCase {
     const char *kind;
@@ -302,8 +299,7 @@ TEST(DesignFaults, ANegativeSize) {
     EXPECT_THAT(faults("form F\n    size -9 9\n"), ElementsAre("2: 'size': cannot be negative"));
 }
 
-// --- what must be given, what may not lie outside
-// ----------------------------------------------------
+// --- what must be given, what may not lie outside --------------------------------------
 
 TEST(DesignFaults, WhatHasNoPlaceOrSize) {
     EXPECT_THAT(faults("form F\n"), ElementsAre("1: 'F' has no size"));

@@ -167,8 +167,7 @@ TEST_F(FormTest, APlaceGivenAfterwardsHolds) {
     EXPECT_EQ(form.left(), 45);
 }
 
-// --- closing
-// -------------------------------------------------------------------------------------------
+// --- closing ---------------------------------------------------------------------------
 
 TEST_F(FormTest, UnloadingAsksThenHidesThenTells) {
     Log log;
@@ -214,8 +213,7 @@ TEST_F(FormTest, AFormMayEndInItsOwnQuestion) {
     EXPECT_EQ(second, nullptr);
 }
 
-// --- the border of handlers
-// ----------------------------------------------------------------------------
+// --- the border of handlers ------------------------------------------------------------
 
 TEST_F(FormTest, AnErrorEndsTheHandlerAndNothingElse) {
     Image image(form, "image");

@@ -213,7 +213,7 @@ TEST_F(ListRowsTest, ManyEqualRowsAreNoTrap) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
 }
 
-// --- the current row ---------------------------------------------------------------------------
+// --- the current row -------------------------------------------------------------------
 
 TEST_F(ListRowsTest, TheCurrentRowIsNoneUntilOneIsChosen) {
     fill(3);
@@ -274,7 +274,7 @@ TEST_F(ListRowsTest, RemovingARowKeepsTheOthersSelection) {
     EXPECT_EQ(list.firstSelected(), 2);
 }
 
-// --- the top row ---------------------------------------------------------------------------------
+// --- the top row -----------------------------------------------------------------------
 
 TEST_F(ListRowsTest, TheTopRowLiesIn0ToRowsLessThoseThatFit) {
     list.setDesignRows(17);

@@ -34,8 +34,7 @@ protected:
     void userDrag(int row, std::int16_t shift = 0) { list.userClicked(row, shift, true); }
 };
 
-// --- by code
-// ---------------------------------------------------------------------------------------
+// --- by code ---------------------------------------------------------------------------
 
 TEST_F(SelectionTest, WritingASelectionTrueMakesTheRowCurrentAndFalseDoesNot) {
     list.setMultiSelect(true);
@@ -115,8 +114,7 @@ TEST_F(SelectionTest, AnUnchangedSelectionDrawsNothing) {
     EXPECT_THAT(window.told, IsEmpty());
 }
 
-// --- by the user
-// ---------------------------------------------------------------------------------------
+// --- by the user -----------------------------------------------------------------------
 
 TEST_F(SelectionTest, AClickSelectsItsRowAlone) {
     list.setMultiSelect(true);

@@ -26,8 +26,7 @@ protected:
     }
 };
 
-// --- which control
-// ---------------------------------------------------------------------------------
+// --- which control ---------------------------------------------------------------------
 
 TEST_F(PointerTest, TheTopmostControlAtThePointTakesIt) {
     EXPECT_EQ(form.controlAt({100, 100}), &back);
@@ -103,8 +102,7 @@ TEST_F(PointerTest, AMoveCarriesTheMaskOfTheButtonsHeld) {
     EXPECT_EQ(seen.x, 20);
 }
 
-// --- presses
-// ------------------------------------------------------------------------------------------
+// --- presses ---------------------------------------------------------------------------
 
 TEST_F(PointerTest, ClickFollowsTheRelease) {
     click(10, 10);
@@ -204,8 +202,7 @@ TEST_F(PointerTest, ALostReleaseEndsThePressWithoutAClick) {
     EXPECT_EQ(log, (Log{"back down", "box move", "back down"}));
 }
 
-// --- double clicks
-// ----------------------------------------------------------------------------------
+// --- double clicks ---------------------------------------------------------------------
 
 TEST_F(PointerTest, ADoubleClickIsPressReleaseClickDoubleRelease) {
     logEvents(back.on(), "back", log);
@@ -245,8 +242,7 @@ TEST_F(PointerTest, AfterADoubleClickTheNextPressClicksAgain) {
     EXPECT_EQ(log, (Log{"back down", "back up", "back click"}));
 }
 
-// --- a disabled form
-// --------------------------------------------------------------------------------
+// --- a disabled form -------------------------------------------------------------------
 
 TEST_F(PointerTest, NothingIsDeliveredWhileTheFormIsDisabled) {
     form.setEnabled(false);
@@ -268,8 +264,7 @@ TEST_F(PointerTest, APressThatWasGoingOnEndsSilentlyInADisabledForm) {
     EXPECT_EQ(log, (Log{"back down", "box move"}));
 }
 
-// --- lists, boxes and options
-// -----------------------------------------------------------------------
+// --- lists, boxes and options ----------------------------------------------------------
 
 TEST_F(PointerTest, ListsAndTogglesRaiseNoClickFromHere) {
     ListBox list(form, "list");
@@ -298,8 +293,7 @@ TEST_F(PointerTest, ATextBoxClicks) {
     EXPECT_EQ(log, (Log{"text down", "text up", "text click"}));
 }
 
-// --- handlers that end things
-// ------------------------------------------------------------------------
+// --- handlers that end things ----------------------------------------------------------
 
 TEST_F(PointerTest, AHandlerMayEndItsOwnControl) {
     auto brief = std::make_unique<Image>(form, "brief");
@@ -378,8 +372,7 @@ TEST_F(PointerTest, AHandlerThatPumpsMaySeeAnotherPress) {
     EXPECT_EQ(log, (Log{"back down", "back up", "in", "box down", "box up", "box click", "out"}));
 }
 
-// --- pointers
-// -----------------------------------------------------------------------------------------
+// --- pointers --------------------------------------------------------------------------
 
 TEST_F(PointerTest, ThePointerIsTheControlsOrTheForms) {
     front.setMousePointer(pointerCustom);

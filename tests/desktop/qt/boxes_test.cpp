@@ -1,0 +1,233 @@
+// Message boxes, popup menus and tool tips.
+
+#include "tests/desktop/qt/desk.h"
+
+#include <QApplication>
+#include <QMenu>
+#include <QToolTip>
+
+namespace velmora::tests {
+namespace {
+
+using platform::MsgBoxButtons;
+using platform::MsgBoxIcon;
+using platform::MsgBoxResult;
+
+// Does something while a nested loop runs, once `ready` holds.
+class Meanwhile : public TestForm {
+public:
+    Meanwhile(std::function<bool()> ready, std::function<void()> act)
+        : TestForm("Meanwhile"), ready_(std::move(ready)), act_(std::move(act)) {
+        timer.setInterval(10);
+        timer.onTimer = [this] {
+            ++ticks;
+            if (!ready_() || ++settled_ < 8)
+                return;
+            timer.setRunning(false);
+            act_();
+        };
+        timer.setRunning(true);
+    }
+    forms::Timer timer{*this, "timer"};
+    int ticks = 0;
+
+private:
+    std::function<bool()> ready_;
+    std::function<void()> act_;
+    int settled_ = 0;
+};
+
+bool boxIsUp() { return QApplication::activeModalWidget() != nullptr; }
+
+void press(const std::string &key) { desk().session.run({"xdotool", "key", key}); }
+
+class MessageBoxTest : public DeskTest {
+protected:
+    // Shows a box and presses keys one after the other until it is gone.
+    MsgBoxResult answer(MsgBoxButtons buttons, const std::vector<std::string> &keys) {
+        Meanwhile meanwhile(boxIsUp, [&] {
+            for (const std::string &key : keys)
+                press(key);
+        });
+        return desk().windows->MsgBox(u"Really?", buttons, MsgBoxIcon::Question, u"Velmora");
+    }
+};
+
+TEST_F(MessageBoxTest, TheFirstButtonIsTheDefault) {
+    EXPECT_EQ(answer(MsgBoxButtons::YesNo, {"Return"}), MsgBoxResult::Yes);
+    EXPECT_EQ(answer(MsgBoxButtons::YesNoCancel, {"Return"}), MsgBoxResult::Yes);
+    EXPECT_EQ(answer(MsgBoxButtons::Ok, {"Return"}), MsgBoxResult::Ok);
+}
+
+TEST_F(MessageBoxTest, YAndNAreKeys) {
+    EXPECT_EQ(answer(MsgBoxButtons::YesNo, {"y"}), MsgBoxResult::Yes);
+    EXPECT_EQ(answer(MsgBoxButtons::YesNo, {"n"}), MsgBoxResult::No);
+    EXPECT_EQ(answer(MsgBoxButtons::YesNoCancel, {"n"}), MsgBoxResult::No);
+}
+
+TEST_F(MessageBoxTest, YesNoCannotBeEscaped) {
+    EXPECT_EQ(answer(MsgBoxButtons::YesNo, {"Escape", "Escape", "n"}), MsgBoxResult::No);
+    EXPECT_EQ(answer(MsgBoxButtons::YesNo, {"Escape", "y"}), MsgBoxResult::Yes);
+}
+
+TEST_F(MessageBoxTest, EscapeIsCancelWhereThereIsOne) {
+    EXPECT_EQ(answer(MsgBoxButtons::YesNoCancel, {"Escape"}), MsgBoxResult::Cancel);
+    EXPECT_EQ(answer(MsgBoxButtons::Ok, {"Escape"}), MsgBoxResult::Ok);
+}
+
+TEST_F(MessageBoxTest, ArrowsAndTabReachTheOtherButtons) {
+    EXPECT_EQ(answer(MsgBoxButtons::YesNo, {"Tab", "Return"}), MsgBoxResult::No);
+    EXPECT_EQ(answer(MsgBoxButtons::YesNoCancel, {"Tab", "Tab", "space"}), MsgBoxResult::Cancel);
+}
+
+TEST_F(MessageBoxTest, AForcedCloseCountsAsNo) {
+    Meanwhile meanwhile(boxIsUp, [] {
+        desk().screen->askToClose(
+            static_cast<xcb_window_t>(QApplication::activeModalWidget()->winId()));
+    });
+    EXPECT_EQ(desk().windows->MsgBox(u"Really?", MsgBoxButtons::YesNo, MsgBoxIcon::Question, u"V"),
+              MsgBoxResult::No);
+}
+
+TEST_F(MessageBoxTest, NoOtherWindowTakesInputAndTimersGoOn) {
+    TestForm form;
+    int downs = 0;
+    form.on().MouseDown = [&](const forms::MouseEvent &) { ++downs; };
+    form.move({150, 150, 1500, 1500});
+    form.appear();
+    Meanwhile meanwhile(boxIsUp, [&] {
+        desk().session.run({"xdotool", "mousemove", "20", "20", "click", "1"});
+        press("Return");
+    });
+    desk().windows->MsgBox(u"Wait", MsgBoxButtons::Ok, MsgBoxIcon::Information, u"V");
+    desk().pumpFor(50);
+    EXPECT_EQ(downs, 0);
+    EXPECT_GE(meanwhile.ticks, 8);
+}
+
+TEST_F(MessageBoxTest, LiesAboveATopmostWindow) {
+    TestForm form;
+    form.setTopmost(true);
+    form.move({0, 0, 1280 * 15, 700 * 15});
+    form.appear();
+    bool above = false;
+    Meanwhile meanwhile(boxIsUp, [&] {
+        above = desk().screen->isAbove(
+            static_cast<xcb_window_t>(QApplication::activeModalWidget()->winId()), nativeOf(form));
+        press("Return");
+    });
+    desk().windows->MsgBox(u"Wait", MsgBoxButtons::Ok, MsgBoxIcon::Exclamation, u"V");
+    EXPECT_TRUE(above);
+}
+
+TEST_F(MessageBoxTest, ShowsItsTitleToTheWindowManagerAndIsDark) {
+    std::string title;
+    std::uint32_t pixel = 0xFFFFFF;
+    Meanwhile meanwhile(boxIsUp, [&] {
+        const QWidget *box = QApplication::activeModalWidget();
+        title = desk().screen->text(static_cast<xcb_window_t>(box->winId()), "_NET_WM_NAME");
+        pixel = desk().screen->pixel(box->x() + 5, box->y() + box->height() - 5);
+        press("Return");
+    });
+    desk().windows->MsgBox(u"Text with <b>no</b> markup", MsgBoxButtons::Ok, MsgBoxIcon::Critical,
+                           u"标题");
+    EXPECT_EQ(title, "标题");
+    EXPECT_LT((pixel >> 8) & 0xFF, 0x40U);
+}
+
+struct MenuOwner : TestForm {
+    forms::Menu menu{*this, "menu"};
+    forms::Menu play{menu, "play"};
+    forms::Menu line{menu, "null_1"};
+    forms::Menu more{menu, "more"};
+    forms::Menu inner{more, "inner"};
+    forms::Menu off{menu, "off"};
+    forms::Menu quit{menu, "quit"};
+    std::string chosen;
+    MenuOwner() {
+        play.setCaption(u"Play");
+        line.setSeparator(true);
+        more.setCaption(u"More");
+        inner.setCaption(u"Inner");
+        off.setCaption(u"Off");
+        off.setEnabled(false);
+        quit.setCaption(u"Quit");
+        play.on().Click = [this] { chosen += "play "; };
+        inner.on().Click = [this] { chosen += "inner "; };
+        off.on().Click = [this] { chosen += "off "; };
+        quit.on().Click = [this] { chosen += "quit "; };
+    }
+};
+
+class MenuTest : public DeskTest {
+protected:
+    std::string choose(MenuOwner &owner, const std::vector<std::string> &keys) {
+        desk().movePointer(400, 300);
+        Meanwhile meanwhile([] { return QApplication::activePopupWidget() != nullptr; },
+                            [&] {
+                                for (const std::string &key : keys)
+                                    press(key);
+                            });
+        desk().windows->PopupMenu(owner, owner.menu);
+        return owner.chosen;
+    }
+};
+
+TEST_F(MenuTest, TheEntryChosenRaisesItsClick) {
+    MenuOwner owner;
+    owner.appear();
+    EXPECT_EQ(choose(owner, {"Down", "Return"}), "play ");
+}
+
+TEST_F(MenuTest, SeparatorsAndDisabledEntriesAreNoStops) {
+    MenuOwner owner;
+    owner.appear();
+    EXPECT_EQ(choose(owner, {"Down", "Down", "Down", "Return"}), "quit ");
+}
+
+TEST_F(MenuTest, EntriesWithEntriesOpen) {
+    MenuOwner owner;
+    owner.appear();
+    EXPECT_EQ(choose(owner, {"Down", "Down", "Right", "Return"}), "inner ");
+}
+
+TEST_F(MenuTest, EscapeChoosesNothing) {
+    MenuOwner owner;
+    owner.appear();
+    EXPECT_EQ(choose(owner, {"Down", "Escape"}), "");
+}
+
+TEST_F(MenuTest, OpensAtThePointerAndTakesAClick) {
+    MenuOwner owner;
+    owner.appear();
+    desk().movePointer(400, 300);
+    QPoint at;
+    Meanwhile meanwhile([] { return QApplication::activePopupWidget() != nullptr; },
+                        [&] {
+                            at = QApplication::activePopupWidget()->pos();
+                            desk().session.run(
+                                {"xdotool", "mousemove", "430", "320", "click", "1"});
+                        });
+    desk().windows->PopupMenu(owner, owner.menu);
+    EXPECT_EQ(at, QPoint(400, 300));
+    EXPECT_EQ(owner.chosen, "play ");
+}
+
+TEST_F(DeskTest, AToolTipShowsTheTextAsItStands) {
+    TestForm form;
+    forms::Image image{form, "image"};
+    image.move({750, 750, 900, 900});
+    image.setToolTip(u"<b>track</b>.mp3");
+    form.appear();
+    desk().movePointer(form.screenX(60), form.screenY(60));
+    desk().movePointer(form.screenX(62), form.screenY(62));
+    ASSERT_TRUE(desk().pump([] { return QToolTip::isVisible(); }));
+    EXPECT_NE(QToolTip::text().indexOf(QStringLiteral("&lt;b&gt;")), -1);
+    image.setToolTip(u"plain");
+    EXPECT_TRUE(desk().pump([] { return QToolTip::text() == QStringLiteral("plain"); }));
+    image.setToolTip(u"");
+    EXPECT_TRUE(desk().pump([] { return !QToolTip::isVisible(); }));
+}
+
+} // namespace
+} // namespace velmora::tests
