@@ -25,8 +25,8 @@ namespace velmora::platform {
 // What a directory search asks for.
 enum class SearchFor { Files, Folders };
 
-// Reads a text file line by line. A line ends at CR, CR LF or LF; a last line without an end counts.
-// A bare LF is taken here alone, because every text tool of this system writes it.
+// Reads a text file line by line. A line ends at CR, CR LF or LF; a last line without an end
+// counts. A bare LF is taken here alone, because every text tool of this system writes it.
 class LineReader {
 public:
     virtual ~LineReader() = default;
@@ -40,8 +40,8 @@ public:
 class FileSystemObject {
 public:
     virtual ~FileSystemObject() = default;
-    // CreateTextFile(path, True), Write, Close in one: the ANSI form of `text` is the whole content.
-    // An existing file is replaced only by a complete new one.
+    // CreateTextFile(path, True), Write, Close in one: the ANSI form of `text` is the whole
+    // content. An existing file is replaced only by a complete new one.
     virtual void CreateTextFile(std::u16string_view path, std::u16string_view text) = 0;
     // Unlinks the exact name: a link goes, never its target. A folder, a missing file and a file
     // without any write bit raise.
@@ -60,11 +60,12 @@ public:
     virtual char16_t separatorOf(std::u16string_view path) const = 0;
 
     // A directory search for one path: the bare name as it is on disk, or empty. Compares without
-    // regard to case, an exact match first. Files: regular files, after links; dangling links, pipes
-    // and devices are not found. Folders: folders only. Never raises.
+    // regard to case, an exact match first. Files: regular files, after links; dangling links,
+    // pipes and devices are not found. Folders: folders only. Never raises.
     virtual std::u16string Dir(std::u16string_view path, SearchFor what = SearchFor::Files) = 0;
 
-    // All names of a folder, sorted by upper-cased name, without "." , ".." and names beginning with
+    // All names of a folder, sorted by upper-cased name, without "." , ".." and names beginning
+    // with
     // "."; a folder entered before in the same walk (device, inode) is empty. An unreadable folder
     // is empty. `walk` is the identity of the walk, 0 for a single listing.
     virtual std::vector<std::u16string> list(std::u16string_view folder, SearchFor what,
@@ -97,8 +98,8 @@ public:
     // does a new path in another folder, since only such a name leads there.
     virtual void Name(std::u16string_view from, std::u16string_view to) = 0;
 
-    // The path with every blank, quote, "%", control and non-ASCII byte as %XX: a text that needs no
-    // quoting and is plain ASCII, of any length. Only the media engine decodes it.
+    // The path with every blank, quote, "%", control and non-ASCII byte as %XX: a text that needs
+    // no quoting and is plain ASCII, of any length. Only the media engine decodes it.
     virtual std::u16string GetShortPathNameA(std::u16string_view path) = 0;
 
     virtual std::unique_ptr<FileSystemObject> CreateFileSystemObject() = 0;

@@ -19,9 +19,9 @@ public:
     virtual ~Processes() = default;
 
     // The management query over running processes. The query text is opaque. One entry a process:
-    // its executable's path, empty where it cannot be told. On Linux: this user's processes with the
-    // same configuration home, without the process that started this one. Raises when the service
-    // is not there.
+    // its executable's path, empty where it cannot be told. On Linux: this user's processes with
+    // the same configuration home, without the process that started this one. Raises when the
+    // service is not there.
     virtual std::vector<std::u16string> ExecQuery(std::u16string_view query,
                                                   std::int32_t flags) = 0;
 

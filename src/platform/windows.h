@@ -122,9 +122,8 @@ public:
     // outside go to `procedure`; the answer stands for the one before.
     virtual std::int32_t hookWindowProc(HWND window, WindowProc procedure) = 0;
     virtual void unhookWindowProc(HWND window, std::int32_t before) = 0;
-    virtual std::int32_t CallWindowProcA(std::int32_t procedure, HWND window,
-                                         std::uint32_t message, std::int32_t wParam,
-                                         std::int32_t lParam) = 0;
+    virtual std::int32_t CallWindowProcA(std::int32_t procedure, HWND window, std::uint32_t message,
+                                         std::int32_t wParam, std::int32_t lParam) = 0;
     virtual bool FlashWindow(HWND window, bool invert) = 0;
 
     // --- screen --------------------------------------------------------------------------------
@@ -143,7 +142,8 @@ public:
                                 std::u16string_view title) = 0;
     virtual void PopupMenu(forms::Form &owner, forms::Menu &menu) = 0;
 
-    // --- desktop -----------------------------------------------------------------------------------
+    // --- desktop
+    // -----------------------------------------------------------------------------------
     virtual bool Shell_NotifyIconA(std::uint32_t operation, const NotifyIconData &data) = 0;
     // The application's title (its task bar entry).
     virtual void setAppTitle(std::u16string_view title) = 0;

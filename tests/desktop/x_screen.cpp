@@ -41,9 +41,9 @@ ScreenPicture XScreen::picture(int x, int y, int width, int height) {
     result.pixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
     if (reply) {
         std::memcpy(result.pixels.data(), xcb_get_image_data(reply.get()),
-                    std::min<std::size_t>(result.pixels.size() * 4,
-                                          static_cast<std::size_t>(
-                                              xcb_get_image_data_length(reply.get()))));
+                    std::min<std::size_t>(
+                        result.pixels.size() * 4,
+                        static_cast<std::size_t>(xcb_get_image_data_length(reply.get()))));
     }
     for (std::uint32_t &pixel : result.pixels)
         pixel &= 0xFFFFFFU;
@@ -76,11 +76,10 @@ std::vector<XScreen::Press> XScreen::backdropPresses() {
 }
 
 std::optional<XScreen::Geometry> XScreen::geometry(xcb_window_t window) {
-    const auto size = owned(
-        xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr));
+    const auto size =
+        owned(xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr));
     const auto place = owned(xcb_translate_coordinates_reply(
-        connection_, xcb_translate_coordinates(connection_, window, screen_->root, 0, 0),
-        nullptr));
+        connection_, xcb_translate_coordinates(connection_, window, screen_->root, 0, 0), nullptr));
     const auto attributes = owned(xcb_get_window_attributes_reply(
         connection_, xcb_get_window_attributes(connection_, window), nullptr));
     if (!size || !place || !attributes)
@@ -132,15 +131,15 @@ std::string XScreen::text(xcb_window_t window, const char *property) {
 
 bool XScreen::hasProperty(xcb_window_t window, const char *property) {
     const auto reply = owned(xcb_get_property_reply(
-        connection_,
-        xcb_get_property(connection_, 0, window, atom(property), XCB_ATOM_ANY, 0, 0), nullptr));
+        connection_, xcb_get_property(connection_, 0, window, atom(property), XCB_ATOM_ANY, 0, 0),
+        nullptr));
     return reply && reply->type != XCB_ATOM_NONE;
 }
 
 xcb_window_t XScreen::topLevel(xcb_window_t window) {
     while (window != XCB_WINDOW_NONE) {
-        const auto tree = owned(
-            xcb_query_tree_reply(connection_, xcb_query_tree(connection_, window), nullptr));
+        const auto tree =
+            owned(xcb_query_tree_reply(connection_, xcb_query_tree(connection_, window), nullptr));
         if (!tree || tree->parent == screen_->root)
             break;
         window = tree->parent;
@@ -151,8 +150,8 @@ xcb_window_t XScreen::topLevel(xcb_window_t window) {
 bool XScreen::isAbove(xcb_window_t upper, xcb_window_t lower) {
     upper = topLevel(upper);
     lower = topLevel(lower);
-    const auto tree = owned(xcb_query_tree_reply(
-        connection_, xcb_query_tree(connection_, screen_->root), nullptr));
+    const auto tree = owned(
+        xcb_query_tree_reply(connection_, xcb_query_tree(connection_, screen_->root), nullptr));
     if (!tree)
         return false;
     const xcb_window_t *first = xcb_query_tree_children(tree.get());
@@ -184,8 +183,8 @@ void XScreen::askToClose(xcb_window_t window) {
 }
 
 xcb_window_t XScreen::focused() {
-    const auto reply = owned(xcb_get_input_focus_reply(
-        connection_, xcb_get_input_focus(connection_), nullptr));
+    const auto reply =
+        owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     return reply ? reply->focus : xcb_window_t{0};
 }
 

@@ -131,8 +131,8 @@ std::vector<std::string> XSession::environment() const {
 }
 
 void XSession::exportToEnvironment() const {
-    for (const char *name : {"WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_CURRENT_DESKTOP",
-                             "XDG_SESSION_TYPE"})
+    for (const char *name :
+         {"WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_CURRENT_DESKTOP", "XDG_SESSION_TYPE"})
         unsetenv(name);
     for (const std::string &entry : environment()) {
         const std::size_t equals = entry.find('=');

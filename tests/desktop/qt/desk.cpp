@@ -65,9 +65,7 @@ void Desk::tool(const std::vector<std::string> &words) {
     pumpFor(15);
 }
 
-void Desk::movePointer(int x, int y) {
-    tool({"mousemove", std::to_string(x), std::to_string(y)});
-}
+void Desk::movePointer(int x, int y) { tool({"mousemove", std::to_string(x), std::to_string(y)}); }
 
 void Desk::click(int x, int y, int button) {
     movePointer(x, y);

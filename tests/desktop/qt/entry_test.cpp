@@ -17,7 +17,7 @@ struct EntryForm : TestForm {
     EntryForm() {
         line.move({300, 300, 2400, 360}); // 20,20 160x24
         block.setMultiLine(true);
-        block.move({300, 750, 2400, 900}); // 20,50 160x60
+        block.move({300, 750, 2400, 900});  // 20,50 160x60
         check.move({300, 1800, 1800, 300}); // 20,120 120x20
         check.setCaption(u"Check & see");
         frame.move({2850, 300, 1500, 1500}); // 190,20 100x100

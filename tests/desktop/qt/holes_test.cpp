@@ -18,10 +18,9 @@ constexpr std::uint32_t keyPixel = 0xC7C7C7;
 void cutOutKey(forms::Form &form) {
     auto &windows = *desk().windows;
     const auto style = windows.GetWindowLongA(form.hWnd(), platform::GWL_EXSTYLE);
-    windows.SetWindowLongA(form.hWnd(), platform::GWL_EXSTYLE,
-                           style | platform::WS_EX_LAYERED);
-    ASSERT_TRUE(windows.SetLayeredWindowAttributes(form.hWnd(), keyColour, 0,
-                                                   platform::LWA_COLORKEY));
+    windows.SetWindowLongA(form.hWnd(), platform::GWL_EXSTYLE, style | platform::WS_EX_LAYERED);
+    ASSERT_TRUE(
+        windows.SetLayeredWindowAttributes(form.hWnd(), keyColour, 0, platform::LWA_COLORKEY));
 }
 
 // A body with round corners, and a flat box of the key colour in its middle.

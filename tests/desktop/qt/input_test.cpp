@@ -56,8 +56,8 @@ TEST_F(InputTest, ModifiersComeAlong) {
     form.on().MouseDown = [&](const forms::MouseEvent &e) { shift = e.shift; };
     form.appear();
     desk().movePointer(form.screenX(250), form.screenY(150));
-    desk().tool({"keydown", "shift", "keydown", "ctrl", "click", "1", "keyup", "ctrl", "keyup",
-                 "shift"});
+    desk().tool(
+        {"keydown", "shift", "keydown", "ctrl", "click", "1", "keyup", "ctrl", "keyup", "shift"});
     EXPECT_TRUE(desk().pump([&] { return shift == (forms::shiftMask | forms::ctrlMask); }));
 }
 
@@ -194,8 +194,8 @@ TEST_F(KeyTest, ReachTheFormByTheirNumbers) {
     listen(form);
     form.appear();
     ASSERT_TRUE(focus(form));
-    for (const char *name : {"F2", "F12", "Escape", "Return", "KP_Enter", "Delete", "a", "s",
-                             "space", "Down"})
+    for (const char *name :
+         {"F2", "F12", "Escape", "Return", "KP_Enter", "Delete", "a", "s", "space", "Down"})
         desk().key(name);
     EXPECT_TRUE(desk().pump([&] { return up.size() == 10; }));
     EXPECT_EQ(up, (std::vector<int>{113, 123, 27, 13, 13, 46, 65, 83, 32, 40}));
@@ -290,10 +290,10 @@ TEST(VirtualKey, CoversFunctionKeysLettersAndTheNamedKeys) {
         EXPECT_EQ(platform::qt::virtualKey(key, 0), static_cast<int>(c - 32));
     }
     const std::pair<xcb_keysym_t, int> named[] = {
-        {0x20, 32},    {0xFF08, 8},  {0xFF09, 9},  {0xFF0D, 13}, {0xFF1B, 27},
-        {0xFF50, 36},  {0xFF57, 35}, {0xFF55, 33}, {0xFF56, 34}, {0xFF51, 37},
-        {0xFF52, 38},  {0xFF53, 39}, {0xFF54, 40}, {0xFF63, 45}, {0xFFFF, 46},
-        {0xFFE1, 16},  {0xFFE3, 17}, {0xFFE9, 18}, {0x2C, 188},  {0x60, 192}};
+        {0x20, 32},   {0xFF08, 8},  {0xFF09, 9},  {0xFF0D, 13}, {0xFF1B, 27},
+        {0xFF50, 36}, {0xFF57, 35}, {0xFF55, 33}, {0xFF56, 34}, {0xFF51, 37},
+        {0xFF52, 38}, {0xFF53, 39}, {0xFF54, 40}, {0xFF63, 45}, {0xFFFF, 46},
+        {0xFFE1, 16}, {0xFFE3, 17}, {0xFFE9, 18}, {0x2C, 188},  {0x60, 192}};
     for (const auto &[symbol, code] : named) {
         const xcb_keysym_t key[] = {symbol};
         EXPECT_EQ(platform::qt::virtualKey(key, 0), code) << symbol;

@@ -88,8 +88,7 @@ TEST_F(WindowTest, FollowsTheSizeOfItsForm) {
     form.appear();
     form.setWidth(6000);
     form.setHeight(1500);
-    EXPECT_TRUE(
-        desk().pump([&] { return place(form).width == 400 && place(form).height == 100; }));
+    EXPECT_TRUE(desk().pump([&] { return place(form).width == 400 && place(form).height == 100; }));
 }
 
 TEST_F(WindowTest, StartsCentredOnTheWorkAreaWhenSoDesigned) {
@@ -134,8 +133,8 @@ TEST_F(WindowTest, ShowsItsCaptionToTheWindowManager) {
     form.appear();
     EXPECT_EQ(desk().screen->text(nativeOf(form), "_NET_WM_NAME"), "灯火 【one】");
     form.setCaption(u"two");
-    EXPECT_TRUE(desk().pump(
-        [&] { return desk().screen->text(nativeOf(form), "_NET_WM_NAME") == "two"; }));
+    EXPECT_TRUE(
+        desk().pump([&] { return desk().screen->text(nativeOf(form), "_NET_WM_NAME") == "two"; }));
 }
 
 TEST_F(WindowTest, HasTheIconOfItsFormInTheTaskBar) {
@@ -177,8 +176,7 @@ TEST_F(WindowTest, TellsItsFormWhenItIsMinimisedFromOutside) {
     form.setShowInTaskbar(true);
     form.appear();
     desk().tool({"windowminimize", std::to_string(nativeOf(form))});
-    EXPECT_TRUE(
-        desk().pump([&] { return form.windowState() == forms::WindowState::Minimised; }));
+    EXPECT_TRUE(desk().pump([&] { return form.windowState() == forms::WindowState::Minimised; }));
     desk().tool({"windowactivate", std::to_string(nativeOf(form))});
     EXPECT_TRUE(desk().pump([&] { return form.windowState() == forms::WindowState::Normal; }));
 }
@@ -284,7 +282,8 @@ TEST_F(WindowTest, AsLargeAsTheScreenIsFullScreenAndComesBackToItsSize) {
     EXPECT_TRUE(desk().pump([&] {
         return !hasState(form, "_NET_WM_STATE_FULLSCREEN") && place(form).width == 300 &&
                place(form).height == 200 && place(form).x == 100;
-    })) << place(form).width << "x" << place(form).height << " at " << place(form).x;
+    })) << place(form).width
+        << "x" << place(form).height << " at " << place(form).x;
     EXPECT_FLOAT_EQ(form.left(), 1500);
 }
 
