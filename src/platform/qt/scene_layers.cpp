@@ -149,10 +149,9 @@ void Scene::giveFocusBack(const forms::Control &control) {
 std::vector<const forms::Control *> Scene::childrenOf(const Layer &layer) const {
     std::vector<const forms::Control *> found;
     walk(form_, [&](const forms::Control &control) {
-        const bool none = control.kind() == forms::Kind::Timer ||
-                          control.kind() == forms::Kind::Menu ||
-                          control.kind() == forms::Kind::Shape ||
-                          control.kind() == forms::Kind::Line;
+        const bool none =
+            control.kind() == forms::Kind::Timer || control.kind() == forms::Kind::Menu ||
+            control.kind() == forms::Kind::Shape || control.kind() == forms::Kind::Line;
         if (!none && layerAround(control) == layer.root())
             found.push_back(&control);
         return true;

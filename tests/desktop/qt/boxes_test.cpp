@@ -202,12 +202,12 @@ TEST_F(MenuTest, OpensAtThePointerAndTakesAClick) {
     owner.appear();
     desk().movePointer(400, 300);
     QPoint at;
-    Meanwhile meanwhile([] { return QApplication::activePopupWidget() != nullptr; },
-                        [&] {
-                            at = QApplication::activePopupWidget()->pos();
-                            desk().session.run(
-                                {"xdotool", "mousemove", "430", "320", "click", "1"});
-                        });
+    Meanwhile meanwhile(
+        [] { return QApplication::activePopupWidget() != nullptr; },
+        [&] {
+            at = QApplication::activePopupWidget()->pos();
+            desk().session.run({"xdotool", "mousemove", "430", "320", "click", "1"});
+        });
     desk().windows->PopupMenu(owner, owner.menu);
     EXPECT_EQ(at, QPoint(400, 300));
     EXPECT_EQ(owner.chosen, "play ");

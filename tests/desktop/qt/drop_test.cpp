@@ -95,9 +95,10 @@ TEST(LocalPaths, PercentBytesAreTakenAsTheyAre) {
 }
 
 TEST(LocalPaths, LeavesOutWhatIsNoLocalFile) {
-    EXPECT_TRUE(platform::qt::localPaths("http://host/a\r\n#comment\r\nfile://elsewhere.example/a\r\n"
-                                         "file:relative\r\nfile:\r\nfile://\r\nfile:///a%00b\r\n\r\n")
-                    .empty());
+    EXPECT_TRUE(
+        platform::qt::localPaths("http://host/a\r\n#comment\r\nfile://elsewhere.example/a\r\n"
+                                 "file:relative\r\nfile:\r\nfile://\r\nfile:///a%00b\r\n\r\n")
+            .empty());
     EXPECT_TRUE(platform::qt::localPaths("").empty());
 }
 

@@ -19,20 +19,20 @@ struct PaintForm : TestForm {
     forms::Label inner{box, "inner"};
     forms::Image image{*this, "image"};
     PaintForm() {
-        bar.move({300, 300, 1500, 150}); // 20,20 100x10
-        bar.setFillColor(0x000000FF);    // red
+        bar.move({300, 300, 1500, 150});   // 20,20 100x10
+        bar.setFillColor(0x000000FF);      // red
         line.setEnds(300, 750, 1800, 750); // 20,50 to 120,50
         line.setBorderColor(0x0000FF00);
         label.move({300, 1050, 1500, 300}); // 20,70
         label.setCaption(u"Label");
         label.setForeColor(0x00FFFFFF);
         label.setTransparent(false);
-        label.setBackColor(0x00FF0000); // blue
+        label.setBackColor(0x00FF0000);  // blue
         box.move({2250, 300, 900, 600}); // 150,20 60x40
         box.setBackColor(0x00000000);
         inner.move({-300, 0, 3000, 600});
         inner.setTransparent(false);
-        inner.setBackColor(0x0000FFFF); // yellow
+        inner.setBackColor(0x0000FFFF);     // yellow
         image.move({2250, 1200, 450, 450}); // 150,80 30x30
         image.setPicture(forms::Picture::play);
     }
@@ -136,8 +136,8 @@ TEST_F(PaintTest, BoldIsWiderAndChineseIsAsWideAsItsSize) {
     EXPECT_GT(windows.textExtent(u"Velmora", bold).width,
               windows.textExtent(u"Velmora", plain).width);
     EXPECT_NEAR(windows.textExtent(u"灯火映在水面", plain).width, 6 * 12 * 15, 15);
-    EXPECT_NEAR(windows.textExtent(u"灯火映在水面", forms::Font(u"微软雅黑", 9)).width,
-                6 * 12 * 15, 15);
+    EXPECT_NEAR(windows.textExtent(u"灯火映在水面", forms::Font(u"微软雅黑", 9)).width, 6 * 12 * 15,
+                15);
 }
 
 TEST_F(PaintTest, HalfSurrogatesAndNulsAreShownAsTheReplacementSign) {
@@ -295,9 +295,8 @@ TEST_F(PaintTest, APictureWindowIsMadeBeforeItsFormIsShownAndLiesAtItsBox) {
     EXPECT_EQ(place->width, 60);
     EXPECT_EQ(place->height, 40);
     form.box.setWidth(1500);
-    EXPECT_TRUE(desk().pump([&] {
-        return desk().screen->geometry(static_cast<xcb_window_t>(native))->width == 100;
-    }));
+    EXPECT_TRUE(desk().pump(
+        [&] { return desk().screen->geometry(static_cast<xcb_window_t>(native))->width == 100; }));
 }
 
 } // namespace

@@ -16,9 +16,8 @@ protected:
     void SetUp() override {
         DeskTest::SetUp();
         tray_ = desk().session.start({"trayer", "--edge", "top", "--align", "left", "--widthtype",
-                                      "pixel", "--width", "40", "--heighttype", "pixel",
-                                      "--height", "30", "--tint", "0x000000", "--transparent",
-                                      "false"});
+                                      "pixel", "--width", "40", "--heighttype", "pixel", "--height",
+                                      "30", "--tint", "0x000000", "--transparent", "false"});
         ASSERT_GT(tray_, 0);
     }
     void TearDown() override {
@@ -116,8 +115,8 @@ TEST_F(TrayTest, ADoubleClickIsTheLeftReleaseTwice) {
 TEST_F(TrayTest, WithoutAHookTheMessagesGoNowhere) {
     ASSERT_TRUE(add());
     desk().windows->unhookWindowProc(form.hWnd(), 0);
-    desk().session.run({"xdotool", "mousemove", std::to_string(iconX), std::to_string(iconY),
-                        "click", "1"});
+    desk().session.run(
+        {"xdotool", "mousemove", std::to_string(iconX), std::to_string(iconY), "click", "1"});
     int rounds = 0;
     runUntil([&] { return ++rounds > 10; });
 }
