@@ -8,9 +8,9 @@ namespace velmora {
 
 namespace texts {
 
-using namespace std::string_view_literals;
-
 namespace {
+
+using std::operator""sv;
 
 // The file dialog takes descriptions and patterns in turns between NULs.
 #define VELMORA_AUDIO                                                                              \
@@ -33,7 +33,7 @@ constexpr Texts mediaFilter{
 constexpr Row<Language> messageRows[] = {
     {field<&Language::msg_Cannot_Start>,
      {u"无法启动程序，可能文件已不存在！", u"Unable to start program, you may file does not exist!",
-      u"Impossible de démarrer le programme, le fichier n'existe peut-être plus\u00A0!",
+      u"Impossible de démarrer le programme, le fichier n'existe peut-être plus !",
       u"プログラムを起動できません。ファイルが存在しない可能性があります。"}},
     {field<&Language::msg_Upgrade_Ask>,
      {u"程序升级：\r\n\r\n   您当前启动的Velmora程序过旧，强烈建议您将程序升级，以保证功能的完善！"
@@ -42,11 +42,10 @@ constexpr Row<Language> messageRows[] = {
       u"recommended that you upgrade the program to ensure the function of perfect!\r\n   Upgrade "
       u"the program runs in the background, please be patient!\r\n\r\nWhether to upgrade to the "
       u"program：【",
-      u"Mise à jour\u00A0:\r\n\r\n   Votre version de Velmora est trop ancienne. Nous vous "
-      u"conseillons "
+      u"Mise à jour :\r\n\r\n   Votre version de Velmora est trop ancienne. Nous vous conseillons "
       u"vivement de la mettre à jour pour profiter de toutes les fonctions.\r\n   La mise à jour "
       u"se "
-      u"fait en arrière-plan, merci de patienter.\r\n\r\nMettre le programme à jour vers\u00A0: 【",
+      u"fait en arrière-plan, merci de patienter.\r\n\r\nMettre le programme à jour vers : 【",
       u"プログラムの更新：\r\n\r\n   "
       u"お使いのVelmoraは古いバージョンです。すべての機能をご利用いただくため、更新を強くお勧めしま"
       u"す。"
@@ -57,8 +56,7 @@ constexpr Row<Language> messageRows[] = {
      {u"程序升级：\r\n   Velmora升级完毕，是否启动新程序？",
       u"Upgrade procedure：\r\n   Velmora Upgrade is completed, whether to activate the new "
       u"program?",
-      u"Mise à jour\u00A0:\r\n   La mise à jour de Velmora est terminée. Démarrer le nouveau "
-      u"programme "
+      u"Mise à jour :\r\n   La mise à jour de Velmora est terminée. Démarrer le nouveau programme "
       u"?",
       u"プログラムの更新：\r\n   Velmoraの更新が完了しました。新しいプログラムを起動しますか？"}},
     {field<&Language::msg_Upgrade_Failed>,
@@ -66,14 +64,14 @@ constexpr Row<Language> messageRows[] = {
       u"Upgrade failed: could not link to update server, or program start directory without "
       u"written "
       u"permission!",
-      u"Échec de la mise à jour\u00A0: le serveur est injoignable ou le dossier du programme est "
+      u"Échec de la mise à jour : le serveur est injoignable ou le dossier du programme est "
       u"protégé "
-      u"en écriture\u00A0!",
+      u"en écriture !",
       u"更新に失敗しました。更新サーバーに接続できないか、プログラムのフォルダーに書き込み権限があ"
       u"りません。"}},
     {field<&Language::msg_Latest_Version>,
      {u"您当前的版本已最新，无需升级！", u"Your current version of the latest, no need to upgrade!",
-      u"Votre version est la plus récente, aucune mise à jour n'est nécessaire\u00A0!",
+      u"Votre version est la plus récente, aucune mise à jour n'est nécessaire !",
       u"お使いのバージョンは最新です。更新の必要はありません。"}},
     {field<&Language::msg_Welcome>, welcome},
     {field<&Language::msg_Media_Filter>, mediaFilter},
@@ -92,7 +90,7 @@ constexpr Row<Language> messageRows[] = {
     {field<&Language::msg_Rename_Prompt>,
      {u"请输入新的名称【文件名将随之更改】：",
       u"Please enter a new name【File name will be changed accordingly】",
-      u"Entrez le nouveau nom【le fichier sera renommé】\u00A0:",
+      u"Entrez le nouveau nom【le fichier sera renommé】 :",
       u"新しい名前を入力してください【ファイル名も変わります】："}},
     {field<&Language::msg_Rename_Title>,
      {u"修改文件名", u"Modify the file name", u"Renommer le fichier", u"ファイル名の変更"}},
@@ -109,45 +107,44 @@ constexpr Row<Language> messageRows[] = {
      {u"请正确选择一个文件名，不支持开启一个以上的文件目录！",
       u"Please correct choice of a file name, do not support the opening of more than one "
       u"directory!",
-      u"Sélectionnez un seul fichier\u00A0: un seul dossier peut être ouvert à la fois\u00A0!",
+      u"Sélectionnez un seul fichier : un seul dossier peut être ouvert à la fois !",
       u"ファイルを1つだけ選択してください。一度に開けるフォルダーは1つだけです。"}},
     {field<&Language::msg_Copy_Failed>,
      {u"拷贝文件到指定的目录错误，无法完成操作！",
       u"Copy files to the specified directory error and could not complete the operation!",
-      u"Erreur lors de la copie vers le dossier choisi, l'opération n'a pas pu être "
-      u"terminée\u00A0!",
+      u"Erreur lors de la copie vers le dossier choisi, l'opération n'a pas pu être terminée !",
       u"指定したフォルダーへのコピー中にエラーが発生し、操作を完了できませんでした。"}},
     {field<&Language::msg_Select_One_File>,
      {u"请选择至少一个文件，无法完成操作！",
       u"Please select at least one file, unable to complete the operation!",
-      u"Sélectionnez au moins un fichier, l'opération n'a pas pu être effectuée\u00A0!",
+      u"Sélectionnez au moins un fichier, l'opération n'a pas pu être effectuée !",
       u"ファイルを1つ以上選択してください。操作を完了できません。"}},
     {field<&Language::msg_Bad_Path>,
      {u"文件地址错误或过长，无法解析曲目名，文件添加失败！",
       u"The address for errors or too long can not be resolved track names, add files to fail!",
-      u"Le chemin du fichier est incorrect ou trop long, le nom du morceau est illisible\u00A0: le "
+      u"Le chemin du fichier est incorrect ou trop long, le nom du morceau est illisible : le "
       u"fichier "
-      u"n'a pas été ajouté\u00A0!",
+      u"n'a pas été ajouté !",
       u"ファイルのパスが正しくないか長すぎるため、曲名を取得できません。ファイルを追加できませんで"
       u"した。"}},
     {field<&Language::msg_No_Network>,
      {u"您未连接任何有效网络，本次操作失败！",
       u"You are not connected to any effective network, this operation failed!",
-      u"Vous n'êtes connecté à aucun réseau, l'opération a échoué\u00A0!",
+      u"Vous n'êtes connecté à aucun réseau, l'opération a échoué !",
       u"有効なネットワークに接続されていないため、操作に失敗しました。"}},
     {field<&Language::msg_Safe_Mode>,
      {u"您当前的系统运行模式可能无法启动播放器的正常功能，请进入系统【正常模式】运行！",
       u"Your current system operating mode may not be able to start the normal function of player, "
       u"please enter the system (normal mode) to run!",
       u"Dans le mode actuel du système, le lecteur risque de ne pas fonctionner normalement. "
-      u"Redémarrez le système en mode normal\u00A0!",
+      u"Redémarrez le système en mode normal !",
       u"現在のシステムモードでは、プレーヤーが正常に動作しない可能性があります。システムを【通常モ"
       u"ード】で"
       u"起動してください。"}},
     {field<&Language::msg_Already_Running>,
      {u"Velmora已经运行了一个，请先关闭前者！",
       u"Velmora has been running for one, please turn off the former!",
-      u"Velmora est déjà en cours d'exécution, fermez-le d'abord\u00A0!",
+      u"Velmora est déjà en cours d'exécution, fermez-le d'abord !",
       u"Velmoraはすでに起動しています。先に終了してください。"}},
     {field<&Language::msg_No_Sound_Card>,
      {u"您的系统未安装声卡或声卡驱动无效，这将影响您的视听效果。建议您安装声卡或检测声卡驱动故障！",
@@ -157,19 +154,19 @@ constexpr Row<Language> messageRows[] = {
       u"detected fault!",
       u"Aucune carte son n'est installée ou son pilote ne fonctionne pas, ce qui nuira à la "
       u"lecture. "
-      u"Installez une carte son ou vérifiez son pilote\u00A0!",
+      u"Installez une carte son ou vérifiez son pilote !",
       u"サウンドカードがないか、そのドライバーが無効なため、再生に影響があります。サウンドカードを"
       u"取り付けるか"
       u"、ドライバーを確認することをお勧めします。"}},
     {field<&Language::msg_No_Track_Desktop_Lrc>,
      {u"没有播放曲目，桌面歌词自动隐藏！",
       u"Does not play tracks, lyrics automatically hide your desktop!",
-      u"Aucun morceau en cours, les paroles sur le bureau sont masquées\u00A0!",
+      u"Aucun morceau en cours, les paroles sur le bureau sont masquées !",
       u"再生中の曲がないため、デスクトップ歌詞は自動的に隠れます。"}},
     {field<&Language::msg_No_Track_Info>,
      {u"没有播放曲目，无法获得正在播放曲目的信息！",
       u"Does not play tracks, unable to obtain information that is being played tracks!",
-      u"Aucun morceau en cours, il n'y a pas d'informations à afficher\u00A0!",
+      u"Aucun morceau en cours, il n'y a pas d'informations à afficher !",
       u"再生中の曲がないため、曲の情報を取得できません。"}},
     {field<&Language::msg_Seeking>,
      {u"曲目进度设置中，请稍候...", u"Track the progress, please wait ...",
@@ -181,10 +178,9 @@ constexpr Row<Language> messageRows[] = {
       u"Are you sure you want to delete the previous settings to restore?\r\n\r\nTip: restoration "
       u"need "
       u"to restart the player, and make sure you have the system a certain degree of competence!",
-      u"Voulez-vous vraiment supprimer vos paramètres et rétablir ceux par "
-      u"défaut\u00A0?\r\n\r\nRemarque\u00A0: "
-      u"le lecteur devra redémarrer, et vous devez avoir les droits nécessaires sur le "
-      u"système\u00A0!",
+      u"Voulez-vous vraiment supprimer vos paramètres et rétablir ceux par défaut "
+      u"?\r\n\r\nRemarque : "
+      u"le lecteur devra redémarrer, et vous devez avoir les droits nécessaires sur le système !",
       u"現在の設定を削除して、初期設定に戻しますか？\r\n\r\n"
       u"ヒント：プレーヤーの再起動が必要です。また、必要な権限があることを確認してください。"}},
     {field<&Language::msg_Restore_Failed>,
@@ -192,9 +188,8 @@ constexpr Row<Language> messageRows[] = {
       u"Can not be restored to the default, probably due to the system you are not currently have "
       u"a "
       u"certain authority, or system files can not normally get!",
-      u"Impossible de rétablir les paramètres par défaut\u00A0: vous n'avez peut-être pas les "
-      u"droits "
-      u"nécessaires, ou des fichiers du système sont inaccessibles\u00A0!",
+      u"Impossible de rétablir les paramètres par défaut : vous n'avez peut-être pas les droits "
+      u"nécessaires, ou des fichiers du système sont inaccessibles !",
       u"初期設定に戻せません。必要な権限がないか、システムファイルにアクセスできない可能性がありま"
       u"す。"}},
     {field<&Language::msg_Restore_Restart>,
@@ -203,36 +198,33 @@ constexpr Row<Language> messageRows[] = {
       u"Setting has been restored into a default state, but the need to restart the player has "
       u"completed the player parameter changes!\r\n\r\nDo you close the player to restart now?",
       u"Les paramètres par défaut sont rétablis, mais le lecteur doit redémarrer pour les "
-      u"appliquer\u00A0!"
-      u"\r\n\r\nFermer et redémarrer le lecteur maintenant\u00A0?",
+      u"appliquer !"
+      u"\r\n\r\nFermer et redémarrer le lecteur maintenant ?",
       u"初期設定に戻しました。変更を反映するには、プレーヤーの再起動が必要です。\r\n\r\n"
       u"今すぐプレーヤーを再起動しますか？"}},
-    {field<&Language::msg_Track_Name>,
-     {u"曲目名：", u"Track Name：", u"Morceau\u00A0: ", u"曲名："}},
+    {field<&Language::msg_Track_Name>, {u"曲目名：", u"Track Name：", u"Morceau : ", u"曲名："}},
     {field<&Language::msg_Directory>,
-     {u"文件目录：", u"Directory：", u"Dossier\u00A0: ", u"フォルダー："}},
-    {field<&Language::msg_File_Size>,
-     {u"文件大小：", u"File Size：", u"Taille\u00A0: ", u"サイズ："}},
-    {field<&Language::msg_Created>,
-     {u"创建时间：", u"Created：", u"Créé le\u00A0: ", u"作成日時："}},
-    {field<&Language::msg_Format>, {u"格式：", u"Format：", u"Format\u00A0: ", u"形式："}},
+     {u"文件目录：", u"Directory：", u"Dossier : ", u"フォルダー："}},
+    {field<&Language::msg_File_Size>, {u"文件大小：", u"File Size：", u"Taille : ", u"サイズ："}},
+    {field<&Language::msg_Created>, {u"创建时间：", u"Created：", u"Créé le : ", u"作成日時："}},
+    {field<&Language::msg_Format>, {u"格式：", u"Format：", u"Format : ", u"形式："}},
     {field<&Language::msg_Output_Channels>,
-     {u"输出声道：", u"Output channel：", u"Canaux de sortie\u00A0: ", u"出力チャンネル："}},
+     {u"输出声道：", u"Output channel：", u"Canaux de sortie : ", u"出力チャンネル："}},
     {field<&Language::msg_Formats_List>,
-     {u"支持格式列表：", u"List of supported formats：", u"Formats pris en charge\u00A0:",
+     {u"支持格式列表：", u"List of supported formats：", u"Formats pris en charge :",
       u"対応形式の一覧："}},
     {field<&Language::msg_Extended_List>,
      {u"扩展输出功能列表：", u"Extend the output list of features：",
-      u"Fonctions de sortie étendues\u00A0:", u"拡張出力機能の一覧："}},
+      u"Fonctions de sortie étendues :", u"拡張出力機能の一覧："}},
     {field<&Language::msg_Driver_Version>,
-     {u"驱动程序版本：", u"Driver Version：", u"Version du pilote\u00A0: ",
+     {u"驱动程序版本：", u"Driver Version：", u"Version du pilote : ",
       u"ドライバーのバージョン："}},
     {field<&Language::msg_Product_Name>,
-     {u"产品名称：", u"Name：", u"Nom du produit\u00A0: ", u"製品名："}},
+     {u"产品名称：", u"Name：", u"Nom du produit : ", u"製品名："}},
     {field<&Language::msg_Driver_Id>,
-     {u"驱动程序 Id：", u"Drivers Id：", u"Id du pilote\u00A0: ", u"ドライバー Id："}},
+     {u"驱动程序 Id：", u"Drivers Id：", u"Id du pilote : ", u"ドライバー Id："}},
     {field<&Language::msg_Product_Id>,
-     {u"产品 Id：", u"Products Id：", u"Id du produit\u00A0: ", u"製品 Id："}},
+     {u"产品 Id：", u"Products Id：", u"Id du produit : ", u"製品 Id："}},
 };
 static_assert(std::size(messageRows) == 41 && allWellFormed(messageRows));
 

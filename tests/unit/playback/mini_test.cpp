@@ -21,6 +21,7 @@ protected:
         addRow(u"/m/b.mp3");
         app.player().nowPlay_Index = 1;
         mini().move({3000, 0, 9000, 690}); // 200 to 800, 46 high in pixels
+        mini().show();
         windows.cursor = {300, 20};
     }
     miniForm &mini() { return app.miniForm(); }
@@ -178,7 +179,7 @@ TEST_F(Mini, TickWithNothingOpenLeavesTheLookAsItIs) {
 TEST_F(Mini, TickOfTheHiddenStripAsksAndAdvances) {
     play();
     media.reachEnd();
-    ASSERT_FALSE(mini().visible());
+    mini().hide();
     tick();
     EXPECT_EQ(media.openPath(), u"/m/b.mp3");
 }
@@ -272,6 +273,13 @@ TEST_F(Mini, LockedStaysWhereverThePointerGoes) {
     EXPECT_TRUE(mini().auto_Hide_Lock_False.visible());
     tick();
     EXPECT_EQ(mini().top(), -100);
+}
+
+TEST_F(Mini, HiddenDoesNotSlide) {
+    mini().hide();
+    windows.cursor = {300, 500};
+    tick();
+    EXPECT_EQ(mini().top(), 0);
 }
 
 TEST_F(Mini, StaysWhereThePointerIsUnknown) {
