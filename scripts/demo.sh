@@ -74,14 +74,21 @@ printf '%s\r\n' "$out/music/Harbour Lights.wav" >"$list/zkPlayList.m3u"
 
 "$build/src/velmora" 2>"$out/player.log" &
 player=$!
-seen() { xdotool search --onlyvisible --class velmora; }
-wait_for 20 seen || {
+# The main window, by its size: the splash ahead of it has the same title.
+main_window() {
+    local number
+    for number in $(xdotool search --onlyvisible --class velmora); do
+        xdotool getwindowgeometry "$number" 2>/dev/null | grep -q 'Geometry: 480x' && echo "$number" && return 0
+    done
+    return 1
+}
+wait_for 20 main_window || {
     echo "The player's window did not come up:" >&2
     cat "$out/player.log" >&2
     exit 1
 }
 import -window root "$out/1-idle.png"
-window=$(xdotool search --onlyvisible --class velmora | head -n 1)
+window=$(main_window)
 xdotool windowfocus --sync "$window" || true
 # F6: the next track of the list, which is the piece.
 xdotool key --window "$window" F6
