@@ -71,7 +71,7 @@ constexpr Row<playSetForm_Design> settingsRows[] = {
     {caption<&playSetForm::other_Lrc_Exclamation>,
      {u"温馨提示：其他歌词的字体设置不能设置字体大小。",
       u"Warm Tip: Other lyrics can not set the font size of the font settings.",
-      u"Remarque : la taille de la police des autres paroles ne peut pas être modifiée.",
+      u"Remarque\u00A0: la taille de la police des autres paroles ne peut pas être modifiée.",
       u"ヒント：その他の歌詞のフォント設定では、文字の大きさは変更できません。"}},
     {caption<&playSetForm::other_Lrc_Font_Button>, font},
     {caption<&playSetForm::other_Lrc_FroeColor_Button>, colour},
@@ -79,14 +79,14 @@ constexpr Row<playSetForm_Design> settingsRows[] = {
     {caption<&playSetForm::folderSet>, folderTab},
     {caption<&playSetForm::folder_Frame>, folderTab},
     {caption<&playSetForm::save_Lrc_Path_Label>,
-     {u"歌词保存目录：", u"Lyrics directory：", u"Dossier des paroles :", u"歌詞の保存先："}},
+     {u"歌词保存目录：", u"Lyrics directory：", u"Dossier des paroles\u00A0:", u"歌詞の保存先："}},
     {toolTip<&playSetForm::save_Lrc_Path_Image>, pickFolder},
     {caption<&playSetForm::save_PlayList_Path_Label>,
-     {u"播放列表保存目录：", u"Playlist directory：", u"Dossier de la liste de lecture :",
+     {u"播放列表保存目录：", u"Playlist directory：", u"Dossier de la liste de lecture\u00A0:",
       u"プレイリストの保存先："}},
     {toolTip<&playSetForm::save_PlayList_Path_Image>, pickFolder},
     {caption<&playSetForm::save_PlayCache_Path_Label>,
-     {u"下载缓存保存目录：", u"Download cache directory：", u"Dossier des téléchargements :",
+     {u"下载缓存保存目录：", u"Download cache directory：", u"Dossier des téléchargements\u00A0:",
       u"ダウンロードの保存先："}},
     {toolTip<&playSetForm::save_PlayCache_Path_Image>, pickFolder},
 
@@ -110,22 +110,20 @@ constexpr Row<aboutForm_Design> aboutRows[] = {
     {caption<&aboutForm::title>, product},
     {caption<&aboutForm::copyright>, copyrightLine},
     {boxText<&aboutForm::information>,
-     {u"Velmora "
-      u"是一款小巧的媒体播放器：播放音频与视频，显示同步歌词，制作歌词，并可在网络上搜索歌词"
-      u"与曲目。",
+     {u"Velmora 是一款小巧的媒体播放器：播放音频与视频，显示同步歌词，制作歌词，"
+      u"并可在网络上搜索歌词与曲目。",
       u"Velmora is a small media player: it plays audio and video, shows lyrics in time with the "
       u"music, helps to make them, and searches lyrics and songs on the Internet.",
-      u"Velmora est un petit lecteur multimédia : il lit le son et la vidéo, affiche les paroles "
-      u"en "
-      u"rythme, aide à les créer et recherche paroles et morceaux sur Internet.",
-      u"Velmoraは小さなメディアプレーヤーです。音楽とビデオの再生、同期歌詞の表示と作成、インターネ"
-      u"ットでの"
-      u"歌詞と曲の検索ができます。"}},
+      u"Velmora est un petit lecteur multimédia\u00A0: il lit le son et la vidéo, affiche les "
+      u"paroles "
+      u"en rythme, aide à les créer et recherche paroles et morceaux sur Internet.",
+      u"Velmoraは小さなメディアプレーヤーです。音楽とビデオの再生、同期歌詞の表示と作成、"
+      u"インターネットでの歌詞と曲の検索ができます。"}},
     {boxText<&aboutForm::zkShow>,
      {u"小巧、安静、随手可用。", u"Small, quiet and always at hand.",
       u"Petit, discret, toujours sous la main.", u"小さく、静かに、いつでも手元に。"}},
     {caption<&aboutForm::system_Support>,
-     {u"系统支持：Linux（X11）", u"System：Linux (X11)", u"Système : Linux (X11)",
+     {u"系统支持：Linux（X11）", u"System：Linux (X11)", u"Système\u00A0: Linux (X11)",
       u"対応システム：Linux（X11）"}},
     {caption<&aboutForm::Ownership>,
      {u"版权归 Norvane 所有，保留一切权利。", u"Owned by Norvane. All rights reserved.",
@@ -135,20 +133,20 @@ constexpr Row<aboutForm_Design> aboutRows[] = {
      {u"声明：网络搜索到的歌词与曲目均来自第三方网站，版权归其所有者，请仅供个人欣赏使用。",
       u"Notice: lyrics and songs found on the Internet come from other sites and belong to their "
       u"owners. Please use them for private listening only.",
-      u"Avertissement : les paroles et morceaux trouvés sur Internet proviennent d'autres sites et "
-      u"appartiennent à leurs ayants droit. Réservez-les à un usage privé.",
-      u"おことわり：インターネットで見つかる歌詞と曲は他のサイトのもので、権利はそれぞれの所有者に"
-      u"あります。個"
-      u"人でお楽しみください。"}},
+      u"Avertissement\u00A0: les paroles et morceaux trouvés sur Internet proviennent d'autres "
+      u"sites "
+      u"et appartiennent à leurs ayants droit. Réservez-les à un usage privé.",
+      u"おことわり：インターネットで見つかる歌詞と曲は他のサイトのもので、権利はそれぞれの所"
+      u"有者にあります。個人でお楽しみください。"}},
     {caption<&aboutForm::Translate>,
-     {u"翻译：Norvane", u"Translation：Norvane", u"Traduction : Norvane", u"翻訳：Norvane"}},
+     {u"翻译：Norvane", u"Translation：Norvane", u"Traduction\u00A0: Norvane", u"翻訳：Norvane"}},
     {caption<&aboutForm::email>, everywhere(u"velmora@norvane.example")},
     {caption<&aboutForm::Cooperation_Email>, everywhere(u"partner@norvane.example")},
 };
 static_assert(allWellFormed(aboutRows));
 
 // The word in front of the program's version.
-constexpr Texts versionWord{u"版本：", u"Version：", u"Version : ", u"バージョン："};
+constexpr Texts versionWord{u"版本：", u"Version：", u"Version\u00A0: ", u"バージョン："};
 static_assert(wellFormed(versionWord));
 
 } // namespace

@@ -329,17 +329,17 @@ TEST_F(Languages, LabelsThatStartALineEndSoThatAValueCanFollow) {
              {texts.msg_Track_Name, texts.msg_Directory, texts.msg_File_Size, texts.msg_Created,
               texts.msg_Format, texts.msg_Output_Channels, texts.msg_Driver_Version,
               texts.msg_Product_Name, texts.msg_Driver_Id, texts.msg_Product_Id})
-            EXPECT_TRUE(language == french ? label.ends_with(u" : ") : label.back() == u'：')
+            EXPECT_TRUE(language == french ? label.ends_with(u"\u00A0: ") : label.back() == u'：')
                 << toUtf8(label);
     }
 }
 
-TEST_F(Languages, FrenchPutsABlankAheadOfDoubleMarks) {
+TEST_F(Languages, FrenchPutsAnUnbreakableBlankAheadOfDoubleMarks) {
     apply(french);
     const auto check = [](const std::string &key, std::u16string_view text) {
         for (std::size_t i = 1; i < text.size(); ++i) {
             const bool isDouble = std::u16string_view(u"!?:").find(text[i]) != text.npos;
-            EXPECT_TRUE(!isDouble || text[i - 1] == u' ') << key << " " << toUtf8(text);
+            EXPECT_TRUE(!isDouble || text[i - 1] == u'\u00A0') << key << " " << toUtf8(text);
         }
     };
     const auto texts = allTexts();
@@ -450,6 +450,44 @@ TEST_F(Languages, TheSameThingHasTheSameWordsEverywhere) {
 // --- application
 // ------------------------------------------------------------------------------------
 
+TEST_F(Languages, AnIndexOutsideTheFourDoesNotEvenMakeAForm) {
+    fakes::FakePlatform other;
+    Velmora fresh(other.bundle());
+    fresh.setControl().Language_Index = 4;
+    Language_Set &work = fresh.Language_Set();
+    work.language_Messages();
+    work.language_Main();
+    work.language_playSetForm();
+    work.language_aboutForm();
+    work.language_VideoScreen_Form();
+    EXPECT_FALSE(fresh.videoScreenLoaded());
+    work.language_doLrcForm();
+    // The first form that is made has the first number.
+    const platform::HWND first = fresh.doLrcForm().hWnd();
+    EXPECT_EQ(other.windows.formOf(first - 1), nullptr);
+}
+
+TEST_F(Languages, FormsComeIntoBeingInTheOrderOfTheRoutines) {
+    fakes::FakePlatform other;
+    Velmora fresh(other.bundle());
+    fresh.Language_Set().apply_Language();
+    // The lyric's window is not among them: the mini strip has made it already.
+    const std::vector<platform::HWND> numbers{fresh.Main().hWnd(),
+                                              fresh.miniForm().hWnd(),
+                                              fresh.playList_Form().hWnd(),
+                                              fresh.listControl_Form().hWnd(),
+                                              fresh.aboutForm().hWnd(),
+                                              fresh.playSetForm().hWnd(),
+                                              fresh.playInfo_Form().hWnd(),
+                                              fresh.doLrcForm().hWnd(),
+                                              fresh.MenuForm().hWnd(),
+                                              fresh.check_SoundDriver_Form().hWnd(),
+                                              fresh.search_Lrc_Internet_Form().hWnd(),
+                                              fresh.another_PlayInfo_Form().hWnd(),
+                                              fresh.VideoScreen_Form().hWnd()};
+    EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
+}
+
 TEST_F(Languages, AnIndexOutsideTheFourChangesNothing) {
     apply(english);
     const auto before = allTexts();
@@ -493,7 +531,7 @@ TEST_F(Languages, TheFactsOfThePlayingTrackFollowAtOnce) {
     apply(english);
     EXPECT_EQ(app.playInfo_Form().playName.caption(), u"Track Name：a");
     apply(french);
-    EXPECT_EQ(app.playInfo_Form().playName.caption(), u"Morceau : a");
+    EXPECT_EQ(app.playInfo_Form().playName.caption(), u"Morceau\u00A0: a");
     apply(japanese);
     EXPECT_EQ(app.playInfo_Form().playName.caption(), u"曲名：a");
 }
