@@ -50,10 +50,15 @@ X11::X11()
 X11::~X11() { qApp->removeNativeEventFilter(this); }
 
 void X11::internAtoms() {
-    const char *const names[AtomCount] = {
-        "_NET_WM_STATE",       "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER",
-        "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_FULLSCREEN",   "_NET_WM_STATE_DEMANDS_ATTENTION",
-        "_NET_WM_CM_S0"};
+    const char *const names[AtomCount] = {"_NET_WM_STATE",
+                                          "_NET_WM_STATE_SKIP_TASKBAR",
+                                          "_NET_WM_STATE_SKIP_PAGER",
+                                          "_NET_WM_STATE_ABOVE",
+                                          "_NET_WM_STATE_FULLSCREEN",
+                                          "_NET_WM_STATE_DEMANDS_ATTENTION",
+                                          "_NET_WM_CM_S0",
+                                          "XdndPosition",
+                                          "XdndActionCopy"};
     xcb_intern_atom_cookie_t asked[AtomCount];
     for (int i = 0; i < AtomCount; ++i)
         asked[i] =
@@ -220,8 +225,16 @@ void X11::watchCovered(xcb_window_t window, std::function<void()> covered) {
 void X11::forget(xcb_window_t window) { covered_.erase(window); }
 
 bool X11::nativeEventFilter(const QByteArray & /*type*/, void *message, qintptr * /*result*/) {
-    const auto *event = static_cast<const xcb_generic_event_t *>(message);
+    auto *event = static_cast<xcb_generic_event_t *>(message);
     const std::uint8_t type = event->response_type & 0x7FU;
+    if (type == XCB_CLIENT_MESSAGE) {
+        // What is dragged here is never moved: whatever the source proposes, it is asked to copy.
+        // The toolkit answers with nothing but what was proposed.
+        auto *asked = reinterpret_cast<xcb_client_message_event_t *>(event);
+        if (asked->type == atoms_[DragPosition])
+            asked->data.data32[4] = atoms_[DragCopy];
+        return false;
+    }
     if (fixesEvent_ != 0 && type == fixesEvent_) {
         SelectionNotice notice;
         std::memcpy(&notice, event, sizeof notice);

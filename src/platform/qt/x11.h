@@ -28,6 +28,8 @@ public:
         FullScreen,
         DemandsAttention,
         CompositorSelection,
+        DragPosition,
+        DragCopy,
         AtomCount
     };
 
