@@ -2,8 +2,8 @@
 
 // Drags data onto a window as another program would, by the desktop's drag protocol (version 5).
 //
-// The target waits for the data in the middle of the protocol. A source for a window of this process
-// therefore has to run on a thread of its own; it shares nothing with the toolkit.
+// The target waits for the data in the middle of the protocol. A source for a window of this
+// process therefore has to run on a thread of its own; it shares nothing with the toolkit.
 
 #include <xcb/xcb.h>
 
