@@ -36,6 +36,17 @@ public:
     virtual std::string readLine() = 0;
 };
 
+// A file open for writing piece by piece: what a transfer stores its packets in. What was written
+// stays when the object goes, whole or not.
+class OutputFile {
+public:
+    virtual ~OutputFile() = default;
+    // Absolute position in bytes from the start.
+    virtual void SetFilePointer(std::int64_t position) = 0;
+    // False when not every byte went out.
+    virtual bool WriteFile(std::string_view bytes) = 0;
+};
+
 // The platform's object for whole files.
 class FileSystemObject {
 public:
@@ -92,6 +103,10 @@ public:
     // Keeps the present file as a copy under another path, replacing what lies there. Raises as
     // `writeWhole` does, and when there is no present file.
     virtual void keepAs(std::u16string_view path, std::u16string_view keptPath) = 0;
+
+    // CreateFileA with GENERIC_WRITE, no sharing and OPEN_ALWAYS: an existing file keeps its bytes
+    // until they are overwritten. Raises when the target cannot be opened or is no regular file.
+    virtual std::unique_ptr<OutputFile> CreateFileA(std::u16string_view path) = 0;
 
     // Renames within a folder, without ever replacing. The same path is success without action. A
     // new bare name with a separator or NUL, or "." or "..", raises before the disk is touched: so

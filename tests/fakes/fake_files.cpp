@@ -130,6 +130,8 @@ void FakeFiles::failNext(const std::string &operation, ErrorNumber number,
 
 void FakeFiles::count(const std::string &operation) {
     ++calls_[operation];
+    if (onCall)
+        onCall(operation);
     const auto scripted = failures_.find(operation);
     if (scripted == failures_.end())
         return;
@@ -282,7 +284,7 @@ void FakeFiles::checkFolderWritable(std::u16string_view path) const {
         refused();
 }
 
-void FakeFiles::store(std::u16string_view path, std::string_view bytes) {
+void FakeFiles::checkTarget(std::u16string_view path) const {
     checkFolderWritable(path);
     if (const Entry *old = find(path)) {
         if (old->kind == Kind::Folder)
@@ -292,6 +294,10 @@ void FakeFiles::store(std::u16string_view path, std::string_view bytes) {
         if (old->readOnly)
             refused();
     }
+}
+
+void FakeFiles::store(std::u16string_view path, std::string_view bytes) {
+    checkTarget(path);
     if (freeSpace_) {
         if (bytes.size() > *freeSpace_)
             fail(ErrorNumber::DiskFull, u"No space left on device");

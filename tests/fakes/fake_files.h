@@ -46,7 +46,8 @@ public:
     void failReadAtLine(std::u16string_view path, std::size_t line);
     // The next such operation raises this, whatever the path. Never asked for: fails the test.
     // Operations: "CreateTextFile", "DeleteFile", "DateCreated", "FileLen", "openInput",
-    // "readBytes", "writeWhole", "keepAs", "Name", "CreateFileSystemObject".
+    // "readBytes", "writeWhole", "keepAs", "Name", "CreateFileSystemObject", "CreateFileA";
+    // "WriteFile" gives false instead of raising.
     void failNext(const std::string &operation, ErrorNumber number = ErrorNumber::DeviceIo,
                   std::u16string description = {});
 
@@ -55,9 +56,11 @@ public:
     int calls(const std::string &operation) const;
     void clearCalls() { calls_.clear(); }
     // "write PATH", "delete PATH", "rename FROM TO", "keep FROM TO" that succeeded, in order;
-    // a durable write is "sync PATH".
+    // a durable write is "sync PATH"; a file opened for writing is "open PATH".
     const std::vector<std::u16string> &changes() const { return changes_; }
     void clearChanges() { changes_.clear(); }
+    // Runs at each counted operation, with its name, before it does anything.
+    std::function<void(const std::string &operation)> onCall;
     // Runs before each line is read, for tests of what happens meanwhile.
     std::function<void(std::u16string_view path, std::size_t line)> beforeLine;
 
@@ -74,12 +77,14 @@ public:
                           std::size_t count) override;
     void writeWhole(std::u16string_view path, std::string_view bytes, bool durable) override;
     void keepAs(std::u16string_view path, std::u16string_view keptPath) override;
+    std::unique_ptr<platform::OutputFile> CreateFileA(std::u16string_view path) override;
     void Name(std::u16string_view from, std::u16string_view to) override;
     std::u16string GetShortPathNameA(std::u16string_view path) override;
     std::unique_ptr<platform::FileSystemObject> CreateFileSystemObject() override;
 
 private:
     class Object;
+    class Output;
     class Reader;
     enum class Kind { File, Folder, Special };
     struct Entry {
@@ -104,6 +109,7 @@ private:
     Entry &readable(std::u16string_view path);
     void count(const std::string &operation);
     void checkFolderWritable(std::u16string_view path) const;
+    void checkTarget(std::u16string_view path) const;
     void store(std::u16string_view path, std::string_view bytes);
     void deleteFile(std::u16string_view path);
     std::time_t dateCreated(std::u16string_view path);

@@ -6,7 +6,9 @@
 #include "tests/fakes/fake_ansi.h"
 #include "tests/fakes/fake_dialogs.h"
 #include "tests/fakes/fake_files.h"
+#include "tests/fakes/fake_internet.h"
 #include "tests/fakes/fake_media.h"
+#include "tests/fakes/fake_profiles.h"
 #include "tests/fakes/fake_registry.h"
 #include "tests/fakes/fake_system.h"
 #include "tests/fakes/fake_windows.h"
@@ -19,8 +21,10 @@ struct FakePlatform {
     FakeDialogs dialogs;
     FakeFiles files{ansi};
     FakeFolders folders;
+    FakeInternet internet{ansi, files};
     FakeMedia media;
     FakeProcesses processes;
+    FakeProfiles profiles{ansi, files};
     FakeRegistry registry{ansi};
     FakeShell shell{&files};
     FakeVersionRecords versions{ansi};

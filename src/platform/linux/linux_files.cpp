@@ -4,6 +4,7 @@
 #include "platform/linux/errors.h"
 #include "platform/linux/line_reader.h"
 #include "platform/linux/open_file.h"
+#include "platform/linux/output_file.h"
 #include "platform/linux/text/path_text.h"
 
 #include <fcntl.h>
@@ -120,6 +121,10 @@ void LinuxFiles::keepAs(std::u16string_view path, std::u16string_view keptPath) 
         at += static_cast<std::int64_t>(bytes->size());
     }
     kept.commit(true);
+}
+
+std::unique_ptr<OutputFile> LinuxFiles::CreateFileA(std::u16string_view path) {
+    return std::make_unique<LinuxOutputFile>(path);
 }
 
 void LinuxFiles::Name(std::u16string_view from, std::u16string_view to) {

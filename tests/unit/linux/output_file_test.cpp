@@ -1,0 +1,86 @@
+#include "platform/linux/linux_files.h"
+
+#include "base/run_time_error.h"
+#include "tests/fakes/fake_ansi.h"
+#include "tests/unit/linux/temp_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+
+#include <csignal>
+
+namespace velmora::platform {
+namespace {
+
+struct AFileWrittenByPieces : testing::Test {
+    TempFolder folder;
+    fakes::FakeAnsi ansi;
+    LinuxFiles files{ansi};
+
+    ErrorNumber refusalOf(const std::u16string &path) {
+        try {
+            files.CreateFileA(path);
+        } catch (const RunTimeError &error) {
+            return error.number();
+        }
+        ADD_FAILURE() << "it was opened";
+        return ErrorNumber::General;
+    }
+};
+
+TEST_F(AFileWrittenByPieces, isMadeAndTakesPieceAfterPiece) {
+    const auto file = files.CreateFileA(folder.text("f"));
+    EXPECT_TRUE(file->WriteFile("one"));
+    EXPECT_TRUE(file->WriteFile(std::string_view("\0two", 4)));
+    EXPECT_TRUE(file->WriteFile(""));
+    // What was written is there while the file is still open.
+    EXPECT_EQ(folder.read("f"), std::string("one\0two", 7));
+}
+
+TEST_F(AFileWrittenByPieces, keepsTheBytesOfAnExistingFileUntilTheyAreOverwritten) {
+    folder.write("f", "abcdefgh");
+    auto file = files.CreateFileA(folder.text("f"));
+    EXPECT_EQ(folder.read("f"), "abcdefgh");
+    EXPECT_TRUE(file->WriteFile("12"));
+    EXPECT_EQ(folder.read("f"), "12cdefgh");
+    file->SetFilePointer(4);
+    EXPECT_TRUE(file->WriteFile("345"));
+    EXPECT_EQ(folder.read("f"), "12cd345h");
+    file->SetFilePointer(0);
+    EXPECT_TRUE(file->WriteFile("X"));
+    file.reset();
+    EXPECT_EQ(folder.read("f"), "X2cd345h");
+}
+
+TEST_F(AFileWrittenByPieces, isRefusedWhereAWholeWriteIsRefused) {
+    EXPECT_EQ(refusalOf(u""), ErrorNumber::FileNotFound);
+    EXPECT_EQ(refusalOf(folder.text("missing/f")), ErrorNumber::FileNotFound);
+    EXPECT_EQ(refusalOf(u"/velmora-test-file"), ErrorNumber::PermissionDenied);
+    EXPECT_EQ(refusalOf(folder.text("f") + std::u16string(1, u'\0')), ErrorNumber::FileNotFound);
+    folder.makeFolder("d");
+    refusalOf(folder.text("d"));
+    folder.pipe("pipe");
+    refusalOf(folder.text("pipe")); // without waiting for a reader
+    folder.write("locked", "kept");
+    folder.mode("locked", 0444);
+    EXPECT_EQ(refusalOf(folder.text("locked")), ErrorNumber::PermissionDenied);
+    EXPECT_EQ(folder.read("locked"), "kept");
+}
+
+TEST_F(AFileWrittenByPieces, tellsWhenNotEveryByteWentOut) {
+    const auto file = files.CreateFileA(folder.text("f"));
+    struct ::rlimit before {};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const struct ::rlimit small { 5, before.rlim_max };
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    const bool wrote = file->WriteFile("12345678");
+    EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_FALSE(wrote);
+    EXPECT_EQ(folder.read("f"), "12345");
+}
+
+} // namespace
+} // namespace velmora::platform
