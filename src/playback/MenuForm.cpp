@@ -58,6 +58,7 @@ void MenuForm::load() {
     }
     mode.on().Click = [this] { mode_Click(); };
     about.on().Click = [this] { about_Click(); };
+    help.on().Click = [this] { help_Click(); };
 }
 
 void MenuForm::mode_Click() {
@@ -75,6 +76,14 @@ void MenuForm::about_Click() {
     } else {
         app_.Main().about_Click();
     }
+}
+
+// The help is a page of the settings; nothing of theirs is read for it.
+void MenuForm::help_Click() {
+    app_.Main().setEnabled(false);
+    app_.playList_Form().setEnabled(false);
+    app_.playSetForm().help_Click();
+    app_.playSetForm().show();
 }
 
 } // namespace velmora

@@ -16,6 +16,7 @@ public:
 private:
     void mode_Click();
     void about_Click();
+    void help_Click();
 
     Velmora &app_;
 };

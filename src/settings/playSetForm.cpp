@@ -3,8 +3,11 @@
 #include "base/run_time_error.h"
 #include "playback/Main.h"
 #include "playlist/playList_Form.h"
+#include "settings/Language.h"
 #include "settings/setControl.h"
+#include "ui/aboutForm.h"
 #include "ui/formSet.h"
+#include "ui/myCommondialog.h"
 #include "velmora.h"
 
 namespace velmora {
@@ -18,13 +21,13 @@ void playSetForm::load() {
     app_.formSet().make_Draggable(*this, title.on());
     app_.formSet().make_Draggable(*this, title_ICO.on());
     setTabHandlers();
-    isAutoPlay.on().Click = [this] { isAutoPlay_Click(); };
-    playSet_Resume.on().Click = [this] { playSet_Resume_Click(); };
-    close.on().Click = [this] { close_Click(); };
-    qx.on().Click = [this] { close_Click(); };
+    setButtonHandlers();
+    on().KeyDown = [this](forms::KeyEvent &key) { keyDown(key); };
+    listenForKeys(*this);
+    // The window only hides, for the run's whole length.
     on().QueryUnload = [this](bool &cancel) {
         cancel = true;
-        close_Click();
+        leave();
     };
 }
 
@@ -49,6 +52,57 @@ void playSetForm::setTabHandlers() {
     Shortcuts.on().Click = [this] { showPage(Shortcuts_Frame); };
 }
 
+void playSetForm::setButtonHandlers() {
+    struct Row {
+        forms::Control &control;
+        void (playSetForm::*handler)();
+    };
+    const Row rows[] = {
+        {isAutoPlay, &playSetForm::isAutoPlay_Click},
+        {desktop_Lrc_Font_Button, &playSetForm::desktop_Lrc_Font_Button_Click},
+        {desktop_Lrc_FroeColor_Button, &playSetForm::desktop_Lrc_FroeColor_Button_Click},
+        {other_Lrc_Font_Button, &playSetForm::other_Lrc_Font_Button_Click},
+        {other_Lrc_FroeColor_Button, &playSetForm::other_Lrc_FroeColor_Button_Click},
+        {save_Lrc_Path_Image, &playSetForm::save_Lrc_Path_Image_Click},
+        {save_PlayList_Path_Image, &playSetForm::save_PlayList_Path_Image_Click},
+        {save_PlayCache_Path_Image, &playSetForm::save_PlayCache_Path_Image_Click},
+        {abount, &playSetForm::abount_Click},
+        {playSet_Resume, &playSetForm::playSet_Resume_Click},
+        {yy, &playSetForm::yy_Click},
+        {qd, &playSetForm::qd_Click},
+        {qx, &playSetForm::qx_Click},
+        {close, &playSetForm::close_Click},
+    };
+    for (const Row &row : rows)
+        row.control.on().Click = [this, handler = row.handler] { (this->*handler)(); };
+}
+
+// A key goes to the control that has the focus, and the window's key works from each of them.
+void playSetForm::listenForKeys(forms::Container &container) {
+    for (forms::Control *control : container.controls()) {
+        switch (control->kind()) {
+        case forms::Kind::TextBox:
+        case forms::Kind::CheckBox:
+        case forms::Kind::OptionButton:
+        case forms::Kind::Custom:
+            control->on().KeyDown = [this](forms::KeyEvent &key) { keyDown(key); };
+            break;
+        default:
+            break;
+        }
+        if (auto *inner = dynamic_cast<forms::Container *>(control))
+            listenForKeys(*inner);
+    }
+}
+
+void playSetForm::keyDown(forms::KeyEvent &key) {
+    constexpr std::int16_t keyS = 83;
+    if (key.keyCode == keyS && (key.shift & forms::ctrlMask) != 0) {
+        key.keyCode = 0;
+        qd_Click();
+    }
+}
+
 void playSetForm::showPage(const forms::Frame &page) {
     for (forms::Frame *each :
          {&playFrame, &lrc_Frame, &folder_Frame, &Language_Frame, &help_Frame, &Shortcuts_Frame})
@@ -69,9 +123,21 @@ void playSetForm::isAutoPlay_Click() {
         mode->setEnabled(isAutoPlay.value() == 1);
 }
 
-void playSetForm::playSet_Resume_Click() { app_.setControl().restoreDefaults(); }
+// --- Apply, OK, Cancel
+// -----------------------------------------------------------------------------
 
-void playSetForm::close_Click() {
+void playSetForm::yy_Click() { apply_PlaySet(); }
+
+void playSetForm::qd_Click() {
+    apply_PlaySet();
+    leave();
+}
+
+void playSetForm::qx_Click() { unload(); }
+
+void playSetForm::close_Click() { unload(); }
+
+void playSetForm::leave() {
     hide();
     app_.playList_Form().setEnabled(true);
     app_.Main().setEnabled(true);
@@ -79,5 +145,53 @@ void playSetForm::close_Click() {
     if (app_.playList_Form().visible())
         app_.formSet().dock_PlayList(true);
 }
+
+// --- dialogs and other windows
+// ---------------------------------------------------------------------
+
+void playSetForm::chooseFont(forms::TextBox &preview) {
+    forms::Font font = preview.font();
+    if (app_.myCommondialog().choose_Font(hWnd(), font))
+        preview.setFont(font);
+}
+
+void playSetForm::chooseColour(forms::TextBox &preview) {
+    Colour colour = preview.foreColor();
+    if (app_.myCommondialog().choose_Color(hWnd(), colour))
+        preview.setForeColor(colour);
+}
+
+// An answer of one or two characters is no folder to keep settings in; a cancel is shorter still.
+void playSetForm::chooseFolder(forms::TextBox &box) {
+    const std::u16string folder =
+        app_.myCommondialog().browse_Folder(hWnd(), app_.Language().msg_Select_Folder);
+    if (folder.size() > 2)
+        box.setText(folder);
+}
+
+void playSetForm::desktop_Lrc_Font_Button_Click() { chooseFont(desktop_Lrc_Preview); }
+void playSetForm::desktop_Lrc_FroeColor_Button_Click() { chooseColour(desktop_Lrc_Preview); }
+
+// The player windows have room for one size alone.
+void playSetForm::other_Lrc_Font_Button_Click() {
+    constexpr float onlySize = 14; // points
+    chooseFont(other_Lrc_Preview);
+    forms::Font font = other_Lrc_Preview.font();
+    font.setSize(onlySize);
+    other_Lrc_Preview.setFont(font);
+}
+
+void playSetForm::other_Lrc_FroeColor_Button_Click() { chooseColour(other_Lrc_Preview); }
+
+void playSetForm::save_Lrc_Path_Image_Click() { chooseFolder(save_Lrc_Path); }
+void playSetForm::save_PlayList_Path_Image_Click() { chooseFolder(save_PlayList_Path); }
+void playSetForm::save_PlayCache_Path_Image_Click() { chooseFolder(save_PlayCache_Path); }
+
+void playSetForm::abount_Click() {
+    setEnabled(false);
+    app_.aboutForm().show_For(u"playset");
+}
+
+void playSetForm::playSet_Resume_Click() { app_.setControl().restoreDefaults(); }
 
 } // namespace velmora

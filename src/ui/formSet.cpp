@@ -209,6 +209,8 @@ void formSet::open_PlaySet() {
     } else if (settings.get_VideoInterface() == 1) {
         form.openVideo_Interface.setValue(1);
     }
+    form.isAutoPlay_Click();
+    form.language_Load(settings.Language_Index);
     form.show();
 }
 
