@@ -19,6 +19,9 @@ void aboutForm::load() {
     app_.formSet().make_Draggable(*this, title.on());
     app_.formSet().make_Draggable(*this, title_ICO.on());
     close.on().Click = [this] { close_Click(); };
+    // A mail line shows the address that it writes to.
+    for (forms::Label *line : {&email, &Cooperation_Email})
+        line->on().Click = [this, line] { app_.saveOrOpenFile().mailTo(line->caption()); };
     on().QueryUnload = [this](bool &cancel) {
         cancel = true;
         close_Click();

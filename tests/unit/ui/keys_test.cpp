@@ -216,6 +216,14 @@ TEST_F(MenuEntries, AboutIsForTheSettingsWhenTheyAreOpen) {
     EXPECT_FALSE(app.playSetForm().enabled());
 }
 
+TEST_F(MenuEntries, HelpOpensItsPageOfTheSettings) {
+    menu().help.choose();
+    EXPECT_TRUE(app.playSetForm().visible());
+    EXPECT_TRUE(app.playSetForm().help_Frame.visible());
+    EXPECT_FALSE(app.Main().enabled());
+    EXPECT_FALSE(app.playList_Form().enabled());
+}
+
 TEST_F(MenuEntries, CloseEndsTheProgram) {
     expectEnd([&] { menu().close.choose(); });
 }
