@@ -4,6 +4,7 @@
 #include "platform/linux/linux_files.h"
 #include "platform/linux/linux_folders.h"
 #include "platform/linux/linux_processes.h"
+#include "platform/linux/linux_profiles.h"
 #include "platform/linux/linux_shell.h"
 #include "platform/linux/linux_timers.h"
 #include "platform/linux/linux_versions.h"
@@ -33,6 +34,10 @@ std::unique_ptr<VersionRecords> makeVersionRecords(const AnsiText &ansi) {
 }
 
 std::unique_ptr<Shell> makeShell() { return std::make_unique<LinuxShell>(ownExecutable()); }
+
+std::unique_ptr<Profiles> makeProfiles(FileSystem &files, const AnsiText &ansi) {
+    return std::make_unique<LinuxProfiles>(files, ansi);
+}
 
 std::unique_ptr<Clock> makeClock() { return std::make_unique<LinuxClock>(); }
 

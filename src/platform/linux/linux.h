@@ -6,6 +6,7 @@
 #include "platform/ansi.h"
 #include "platform/files.h"
 #include "platform/linux/home_folders.h"
+#include "platform/profiles.h"
 #include "platform/system.h"
 
 #include <chrono>
@@ -29,6 +30,8 @@ std::unique_ptr<Processes> makeProcesses(const HomeFolders &homes, std::function
 std::unique_ptr<VersionRecords> makeVersionRecords(const AnsiText &ansi);
 
 std::unique_ptr<Shell> makeShell();
+
+std::unique_ptr<Profiles> makeProfiles(FileSystem &files, const AnsiText &ansi);
 
 std::unique_ptr<Clock> makeClock();
 

@@ -1,0 +1,38 @@
+#pragma once
+
+// INI files over the file system (contract: platform/profiles.h).
+
+#include "platform/ansi.h"
+#include "platform/files.h"
+#include "platform/linux/ini_text.h"
+#include "platform/profiles.h"
+
+namespace velmora::platform {
+
+class LinuxProfiles : public Profiles {
+public:
+    // A longer file counts as unreadable.
+    static constexpr std::int64_t longestFile = std::int64_t{16} << 20;
+
+    LinuxProfiles(FileSystem &files, const AnsiText &ansi) : files_(files), ansi_(ansi) {}
+
+    std::u16string GetPrivateProfileStringA(std::u16string_view section, std::u16string_view key,
+                                            std::u16string_view fallback, std::size_t size,
+                                            std::u16string_view file) override;
+    bool WritePrivateProfileStringA(std::u16string_view section, std::u16string_view key,
+                                    std::optional<std::u16string_view> value,
+                                    std::u16string_view file) override;
+    std::u16string StrFormatByteSizeA(std::int32_t size) override;
+
+private:
+    std::optional<std::string> bytesOf(std::u16string_view file);
+    const IniText &parsed(const std::string &bytes);
+
+    FileSystem &files_;
+    const AnsiText &ansi_;
+    // The last content read: its readers ask for one value after the other.
+    std::string lastBytes_;
+    IniText last_;
+};
+
+} // namespace velmora::platform
