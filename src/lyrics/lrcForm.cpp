@@ -2,6 +2,7 @@
 
 #include "base/run_time_error.h"
 #include "base/text.h"
+#include "lyrics/lrc_text.h"
 #include "platform/windows.h"
 #include "playback/display.h"
 #include "playback/player.h"
@@ -33,9 +34,7 @@ std::int16_t lrcForm::ListIndex(std::u16string_view text) const {
 void lrcForm::tick() {
     lineIndex = ListIndex(app_.player().get_PositionMMSS());
     if (lineIndex != -1) {
-        const std::u16string line = List1.list(lineIndex);
-        const std::size_t label = line.rfind(u']');
-        nowLrcLine = label == std::u16string::npos ? line : line.substr(label + 1);
+        nowLrcLine = wordsOf(List1.list(lineIndex));
     }
     passOver([this] { showLine(); });
 }

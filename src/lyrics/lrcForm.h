@@ -19,6 +19,12 @@ public:
     explicit lrcForm(Velmora &app);
     void load();
 
+    // Replaces the lyric in memory by the file's. A blank path, and a file without lines, mean no
+    // lyric; the outcome is in `hasLrc`. A file that cannot be read raises, and whatever was read
+    // of it stays in List1 while `hasLrc` stays as it was. A tag that the file does not have keeps
+    // its value.
+    void startLoad(std::u16string_view path);
+
     // --- the lyric (its lines are the rows of List1)
     // ----------------------------------------------
     std::u16string lrcPath;
@@ -48,6 +54,11 @@ public:
 
 private:
     void tick();
+    void readFile(std::u16string_view path);
+    void takeLine(const std::u16string &line);
+    void showFacts();
+    void forgetLyric();
+    void followLyric();
     void showLine();
 
     Velmora &app_;

@@ -189,7 +189,10 @@ void Main::desktop_Lrc_Click() {
     lyric.desktopLrcOn = lyric.lrc_Text.visible();
 }
 
-void Main::do_Lrc_Click() { app_.doLrcForm().setVisible(!app_.doLrcForm().visible()); }
+void Main::do_Lrc_Click() {
+    app_.doLrcForm().setVisible(!app_.doLrcForm().visible());
+    app_.doLrcForm().startLoad();
+}
 
 void Main::search_Lrc_Internet_Click() {
     velmora::search_Lrc_Internet_Form &form = app_.search_Lrc_Internet_Form();

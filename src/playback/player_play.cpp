@@ -10,6 +10,7 @@
 #include "platform/windows.h"
 #include "playback/Main.h"
 #include "playback/VideoScreen_Form.h"
+#include "playlist/Search.h"
 #include "playlist/playList_Form.h"
 #include "settings/setControl.h"
 #include "ui/zkMySleep.h"
@@ -88,6 +89,7 @@ std::int16_t player::play_Sub() {
         }
         fadeIn();
         restoreChannel();
+        app_.Search().findTrackLyric(nowPlay_File);
         app_.lrcForm().Timer1.setRunning(true);
         app_.Main().rotation_Count = 0;
         result = done;

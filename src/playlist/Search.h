@@ -24,10 +24,21 @@ public:
     // Whether the extension is one of the twenty that folders and drops let in.
     bool isSupportedFormat(std::u16string_view path) const;
 
+    // Finds the lyric of the track that starts: in the lyric folder, beside the track (then copied
+    // into the lyric folder), and then on the Internet by tag, title and file name, in this order.
+    // Ends in a load of lrcForm, with no lyric if need be; a path without a folder leaves the lyric
+    // as it is. Raises when the lyric found cannot be read.
+    void findTrackLyric(std::u16string_view path);
+
     // Whether some row's path equals this one exactly.
     bool isInPlayList(std::u16string_view path) const;
 
 private:
+    bool loadNamesake(std::u16string_view path, std::u16string_view stem);
+    bool findOnInternet(std::u16string_view stem, std::u16string_view save);
+    bool fetchLyric(std::u16string_view keyword, std::u16string_view save);
+    void matched(std::u16string_view path);
+
     Velmora &app_;
 };
 

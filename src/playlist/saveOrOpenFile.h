@@ -20,6 +20,12 @@ enum class SaveKind {
     Settled // the last of an operation: file and folder are synced
 };
 
+// Whose lines `writeLrcFile` writes.
+enum class LyricSource {
+    Memory, // those of lrcForm.List1 as they stand
+    Editor  // doLrcForm: the four tags from its boxes, then its list, blank rows included
+};
+
 class saveOrOpenFile {
 public:
     explicit saveOrOpenFile(Velmora &app);
@@ -32,6 +38,10 @@ public:
     // Replaces the list by the file's. False when there is no file (the list is not touched then).
     // Handles pending events ahead of each line. A list that is full takes no further line.
     bool loadPlayList();
+
+    // Writes a lyric under a path, over the file there in whatever case it is spelt. False when it
+    // could not be written whole; the old file is then as it was.
+    bool writeLrcFile(std::u16string_view path, LyricSource source);
 
     // Whether a file can be made, written and deleted in the folder (no trailing separator). Makes
     // "zkPlay.tmp" there for the moment. An empty folder never can.

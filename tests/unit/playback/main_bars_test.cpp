@@ -57,12 +57,11 @@ TEST_F(MainWindow, SeekBarShowsThatItSeeksWithABusyPointer) {
 
 TEST_F(MainWindow, SeekBarPutsTheWaitingTextOnlyWithALyric) {
     play();
+    app.lrcForm().lrcMissText = u"none";
     app.lrcForm().lrcWaitText = u"Music...";
-    app.lrcForm().nowLrcLine = u"line";
-    app.lrcForm().Timer1.setRunning(false);
     release(main().load_Played_BG, 10);
-    EXPECT_EQ(app.lrcForm().nowLrcLine, u"line");
-    app.lrcForm().hasLrc = true;
+    EXPECT_EQ(app.lrcForm().nowLrcLine, u"none");
+    files.addFile(u"/m/a.lrc", "[00:59]line"); // each seek looks for the lyric again
     release(main().load_Played_BG, 10);
     EXPECT_EQ(app.lrcForm().nowLrcLine, u"Music...");
 }
