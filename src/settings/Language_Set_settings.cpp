@@ -15,7 +15,7 @@ namespace texts {
 namespace {
 
 // The tabs; the frame beside each has the same words.
-constexpr Texts playTab{u"播放选项", u"Playback Options", u"Lecture", u"再生オプション"};
+constexpr Texts playTab{u"播放选项", u"Playback Options", u"Options de lecture", u"再生オプション"};
 constexpr Texts lyricTab{u"歌词", u"Lyrics", u"Paroles", u"歌詞"};
 constexpr Texts folderTab{u"目录", u"Directory", u"Dossiers", u"フォルダー"};
 constexpr Texts languageTab{u"语言", u"Languages", u"Langue", u"言語"};
