@@ -69,8 +69,8 @@ int play() {
     const auto waveOut = platform::sound::makePulseWaveOut();
     const auto dialogs = platform::makeQtDialogs(*windows, *ansi);
 
-    Velmora program({*ansi, *clock, *dialogs, *files, *folders, media, *processes, registry, *shell,
-                     *versions, *waitableTimers, *waveOut, *windows});
+    Velmora program({*ansi, *clock, *dialogs, *files, *folders, *internet, media, *processes,
+                     *profiles, registry, *shell, *versions, *waitableTimers, *waveOut, *windows});
     // The session's end is the close button.
     windows->onSessionEnd = [&program] { program.Main().closeButton_Click(); };
     program.start();

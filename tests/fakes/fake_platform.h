@@ -33,8 +33,8 @@ struct FakePlatform {
     FakeWindows windows{clock};
 
     platform::Platform bundle() {
-        return {ansi,     clock, dialogs,  files,          folders, media,  processes,
-                registry, shell, versions, waitableTimers, waveOut, windows};
+        return {ansi,     clock,    dialogs, files,    folders,        internet, media,  processes,
+                profiles, registry, shell,   versions, waitableTimers, waveOut,  windows};
     }
 };
 

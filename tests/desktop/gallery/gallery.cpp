@@ -78,9 +78,9 @@ public:
 private:
     platform::Platform bundle() {
         const platform::Platform all = fake_.bundle();
-        return {all.ansi,           all.clock,     all.dialogs,  all.files, all.folders,
-                all.media,          all.processes, all.registry, all.shell, all.versions,
-                all.waitableTimers, all.waveOut,   windows_};
+        return {all.ansi,     all.clock,    all.dialogs,        all.files,    all.folders,
+                all.internet, all.media,    all.processes,      all.profiles, all.registry,
+                all.shell,    all.versions, all.waitableTimers, all.waveOut,  windows_};
     }
 
     void fillMain() {

@@ -63,8 +63,9 @@ protected:
     fakes::FakePlatform fake;
     SayingWindows windows{fake};
     Velmora app{platform::Platform{fake.ansi, fake.clock, fake.dialogs, fake.files, fake.folders,
-                                   fake.media, fake.processes, fake.registry, fake.shell,
-                                   fake.versions, fake.waitableTimers, fake.waveOut, windows}};
+                                   fake.internet, fake.media, fake.processes, fake.profiles,
+                                   fake.registry, fake.shell, fake.versions, fake.waitableTimers,
+                                   fake.waveOut, windows}};
     Texts texts() {
         Texts result;
         for (const Said &one : windows.said) {

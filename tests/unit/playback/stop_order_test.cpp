@@ -32,8 +32,9 @@ protected:
     fakes::FakePlatform fake;
     FlashWatch windows{fake.clock};
     Velmora app{platform::Platform{fake.ansi, fake.clock, fake.dialogs, fake.files, fake.folders,
-                                   fake.media, fake.processes, fake.registry, fake.shell,
-                                   fake.versions, fake.waitableTimers, fake.waveOut, windows}};
+                                   fake.internet, fake.media, fake.processes, fake.profiles,
+                                   fake.registry, fake.shell, fake.versions, fake.waitableTimers,
+                                   fake.waveOut, windows}};
     std::u16string atClose;
 };
 
