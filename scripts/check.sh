@@ -19,7 +19,7 @@ fi
 # Layers: the program sees no toolkit and no system header.
 layers=$(git grep -nE '^ *# *include *<(Q[A-Z]|mpv/|fluidsynth|curl/|pulse/|sqlite3|mpg123|sndfile|X11/|xcb/|sys/|unistd|fcntl|windows\.h|glib|gio)' \
     -- src | grep -vE '^src/(platform/[a-z]+/|main\.cpp)' ; \
-    git grep -nE '^ *# *include *[<"]platform/(qt|sound|picture|linux|registry|media)/' -- src/base src/playback src/playlist src/lyrics src/network src/settings src/ui src/platform/forms ':(glob)src/platform/*.h' src/velmora.cpp src/velmora.h; \
+    git grep -nE '^ *# *include *[<"]platform/(qt|curl|sound|picture|linux|registry|media)/' -- src/base src/playback src/playlist src/lyrics src/network src/settings src/ui src/platform/forms ':(glob)src/platform/*.h' src/velmora.cpp src/velmora.h; \
     git grep -nE '^ *# *if(n?def)?\b' -- src/base src/playback src/playlist src/lyrics src/network src/settings src/ui src/velmora.cpp src/velmora.h)
 [ -n "$layers" ] && complain "the program's storey includes what it may not see" <<<"$layers"
 

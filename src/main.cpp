@@ -2,6 +2,7 @@
 
 #include "playback/Main.h"
 #include "base/run_time_error.h"
+#include "platform/curl/curl_internet.h"
 #include "platform/linux/home_folders.h"
 #include "platform/linux/linux.h"
 #include "platform/media/mci_interpreter.h"
@@ -10,12 +11,14 @@
 #include "platform/qt/qt_windows.h"
 #include "platform/registry/sqlite_registry.h"
 #include "platform/sound/sound.h"
+#include "settings/setControl.h"
 #include "velmora.h"
 
 #include <chrono>
 #include <cstdio>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -36,6 +39,11 @@ std::u16string activePage(platform::Registry &registry) {
                    .value_or(std::u16string());
     });
     return page;
+}
+
+std::vector<std::u16string> hostsOf(setControl &settings) {
+    return {settings.get_LrcSearchHost(), settings.get_LrcSiteAHost(), settings.get_LrcSiteBHost(),
+            settings.get_SongSearchHost(), settings.get_MakerHost()};
 }
 
 int play() {
@@ -67,10 +75,16 @@ int play() {
             return windows->waitForEvents(due);
         });
     const auto waveOut = platform::sound::makePulseWaveOut();
+    const auto profiles = platform::makeProfiles(*files, *ansi);
+    Velmora *running = nullptr;
+    const auto internet = platform::makeInternet(*ansi, [&running] {
+        return running != nullptr ? hostsOf(running->setControl()) : std::vector<std::u16string>();
+    });
     const auto dialogs = platform::makeQtDialogs(*windows, *ansi);
 
     Velmora program({*ansi, *clock, *dialogs, *files, *folders, *internet, media, *processes,
                      *profiles, registry, *shell, *versions, *waitableTimers, *waveOut, *windows});
+    running = &program;
     // The session's end is the close button.
     windows->onSessionEnd = [&program] { program.Main().closeButton_Click(); };
     program.start();
