@@ -2,7 +2,8 @@
 # Sourced by ./run and ./test.
 
 packages_run="libqt6widgets6 qt6-qpa-plugins libpulse0 libmpg123-0 libsndfile1 libfluidsynth3 libmpv2
- libcurl4 libsqlite3-0 libxcb-shape0 timgm6mb-soundfont fonts-liberation fonts-noto-cjk xdg-utils"
+ libcurl4 libsqlite3-0 libxcb-shape0 timgm6mb-soundfont fonts-liberation fonts-noto-cjk xdg-utils
+ ca-certificates"
 
 packages_build="g++ cmake ninja-build ccache pkg-config qt6-base-dev libmpv-dev libfluidsynth-dev
  libpulse-dev libmpg123-dev libsndfile1-dev libcurl4-openssl-dev libsqlite3-dev libxcb1-dev
@@ -13,7 +14,7 @@ packages_headless="xvfb openbox xdotool x11-utils x11-xserver-utils imagemagick 
  pulseaudio-utils xauth"
 
 packages_test="libgtest-dev libgmock-dev clang clang-format clang-tidy libclang-rt-14-dev picom wmctrl
- trayer locales sox libsox-fmt-all ffmpeg lame flac python3 procps"
+ trayer locales sox libsox-fmt-all ffmpeg lame flac python3 procps zlib1g-dev"
 
 packages_bench="libbenchmark-dev"
 

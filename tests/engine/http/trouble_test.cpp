@@ -1,0 +1,203 @@
+// Servers that misbehave, and servers that are not there.
+
+#include "http_fixture.h"
+
+namespace velmora::testing {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+class HttpTrouble : public HttpTest {
+protected:
+    // Short enough to wait for.
+    void hurry() {
+        InternetLimits limits;
+        limits.connect = milliseconds(400);
+        limits.stall = milliseconds(400);
+        limit(limits);
+    }
+};
+
+TEST_F(HttpTrouble, ACutBodyGivesWhatCameAndThenFails) {
+    for (const std::size_t byte : {1U, 1023U, 1024U, 1500U}) {
+        LoopbackServer server([&](Talk &talk, const std::string &) {
+            talk.send("HTTP/1.0 200 OK\r\nContent-Length: 5000\r\n\r\n" + std::string(byte, 'x'));
+        });
+        const Body body = bodyOf(send(server.port()));
+        EXPECT_EQ(body.bytes, std::string(byte, 'x'));
+        EXPECT_TRUE(body.cut) << byte;
+    }
+}
+
+TEST_F(HttpTrouble, AChunkThatIsCutFails) {
+    LoopbackServer server(
+        always("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nff\r\nnot so many"));
+    const Body body = bodyOf(send(server.port()));
+    EXPECT_EQ(body.bytes, "not so many");
+    EXPECT_TRUE(body.cut);
+}
+
+TEST_F(HttpTrouble, AConnectionThatIsResetFails) {
+    LoopbackServer server([](Talk &talk, const std::string &) {
+        talk.send("HTTP/1.0 200 OK\r\nContent-Length: 5000\r\n\r\nxyz");
+        talk.reset();
+    });
+    const Sent sent = send(server.port());
+    // The reset may overtake everything.
+    EXPECT_TRUE(!sent.answered || bodyOf(sent).cut);
+}
+
+TEST_F(HttpTrouble, AHeaderThatIsCutIsNoResponse) {
+    for (const char *part : {"", "HTTP/1.0 200", "HTTP/1.0 200 OK\r\nContent-Le"}) {
+        LoopbackServer server(always(part));
+        const Sent sent = send(server.port());
+        EXPECT_FALSE(sent.answered && headerOf(sent)->find("Content-Length") != std::string::npos)
+            << part;
+    }
+}
+
+TEST_F(HttpTrouble, AServerThatClosesAtOnceIsNoResponse) {
+    LoopbackServer server([](Talk &talk) { talk.reset(); }, milliseconds(0));
+    const Sent sent = send(server.port());
+    EXPECT_FALSE(sent.answered);
+    EXPECT_EQ(headerOf(sent), std::nullopt);
+    std::string bytes = "old";
+    EXPECT_FALSE(internet().InternetReadFile(sent.request, 1024, bytes));
+    EXPECT_EQ(bytes, "");
+}
+
+TEST_F(HttpTrouble, WhatIsNoHttpIsNoResponse) {
+    LoopbackServer server(always("220 smtp.example.org ESMTP\r\n"));
+    EXPECT_FALSE(send(server.port()).answered);
+}
+
+TEST_F(HttpTrouble, AServerThatSaysNothingIsGivenUp) {
+    hurry();
+    LoopbackServer server([](Talk &talk, const std::string &) { talk.waitForClient(); });
+    EXPECT_FALSE(send(server.port()).answered);
+}
+
+TEST_F(HttpTrouble, AHeaderThatDripsIsGivenUp) {
+    hurry();
+    LoopbackServer server([](Talk &talk, const std::string &) {
+        talk.send("HTTP/1.0 200 OK\r\n");
+        while (talk.send("X: y\r\n"))
+            talk.wait(milliseconds(20));
+    });
+    EXPECT_FALSE(send(server.port()).answered);
+}
+
+TEST_F(HttpTrouble, AnEndlessHeaderIsGivenUp) {
+    LoopbackServer server([](Talk &talk, const std::string &) {
+        talk.send("HTTP/1.0 200 OK\r\n");
+        while (talk.send("X: " + std::string(1000, 'y') + "\r\n"))
+            ;
+    });
+    EXPECT_FALSE(send(server.port()).answered);
+    EXPECT_LT(server.bytesSent(), std::uint64_t{64} << 20);
+}
+
+TEST_F(HttpTrouble, ABodyThatStallsGivesWhatCameAndThenFails) {
+    hurry();
+    LoopbackServer server([](Talk &talk, const std::string &) {
+        talk.send("HTTP/1.0 200 OK\r\nContent-Length: 5000\r\n\r\n" + std::string(1500, 'x'));
+        talk.waitForClient();
+    });
+    const Body body = bodyOf(send(server.port()));
+    EXPECT_EQ(body.bytes.size(), 1500U);
+    EXPECT_TRUE(body.cut);
+}
+
+TEST_F(HttpTrouble, ABodyThatDripsByTheByteIsGivenUp) {
+    hurry();
+    LoopbackServer server([](Talk &talk, const std::string &) {
+        talk.send("HTTP/1.0 200 OK\r\n\r\n");
+        while (talk.send("x"))
+            talk.wait(milliseconds(10));
+    });
+    const Body body = bodyOf(send(server.port()));
+    EXPECT_LT(body.bytes.size(), 1024U);
+    EXPECT_TRUE(body.cut);
+}
+
+TEST_F(HttpTrouble, ABodyThatComesSlowlyButSteadilyArrives) {
+    InternetLimits limits;
+    limits.stall = milliseconds(3000);
+    limit(limits);
+    LoopbackServer server([](Talk &talk, const std::string &) {
+        talk.send("HTTP/1.0 200 OK\r\n\r\n");
+        for (int i = 0; i < 10; ++i) {
+            talk.send(std::string(512, 'x'));
+            talk.wait(milliseconds(20));
+        }
+    });
+    const Body body = bodyOf(send(server.port()));
+    EXPECT_EQ(body.bytes.size(), 5120U);
+    EXPECT_FALSE(body.cut);
+}
+
+TEST_F(HttpTrouble, AConnectionThatIsTakenLateIsWaitedFor) {
+    LoopbackServer server(
+        [](Talk &talk) {
+            talk.receive();
+            talk.send(response("late"));
+        },
+        milliseconds(200));
+    EXPECT_EQ(bodyOf(send(server.port())).bytes, "late");
+}
+
+TEST_F(HttpTrouble, AConnectionThatNobodyTakesIsGivenUp) {
+    hurry();
+    LoopbackServer server([](Talk &talk) { talk.waitForClient(); }, std::chrono::minutes(5));
+    EXPECT_FALSE(send(server.port()).answered);
+}
+
+TEST_F(HttpTrouble, APortOnWhichNobodyListensFails) {
+    EXPECT_FALSE(send(LoopbackServer::closedPort()).answered);
+}
+
+TEST_F(HttpTrouble, ANameThatDoesNotResolveFails) {
+    hurry();
+    EXPECT_FALSE(send(80, u"/", u"no-such-host.invalid").answered);
+    EXPECT_FALSE(send(80, u"/", u"no such host").answered);
+    EXPECT_FALSE(send(80, u"/", u"\x4E2D\x6587.invalid").answered);
+}
+
+TEST_F(HttpTrouble, APortThatIsNoneFails) {
+    EXPECT_FALSE(send(70'000).answered);
+    EXPECT_FALSE(send(-5).answered);
+}
+
+TEST_F(HttpTrouble, AServerOfTheNewerProtocolAloneIsReached) {
+    LoopbackServer server(always(response("six")), LoopbackServer::Address::V6);
+    if (!server.works())
+        GTEST_SKIP() << "this machine has no IPv6";
+    EXPECT_EQ(bodyOf(send(server.port(), u"/", u"localhost")).bytes, "six");
+    EXPECT_EQ(bodyOf(send(server.port(), u"/", u"::1")).bytes, "six");
+    EXPECT_EQ(bodyOf(send(server.port(), u"/", u"[::1]")).bytes, "six");
+}
+
+TEST_F(HttpTrouble, ARedirectInARingIsNoResponse) {
+    LoopbackServer server(always("HTTP/1.1 302 Found\r\nLocation: /\r\n\r\n"));
+    const Sent sent = send(server.port());
+    EXPECT_FALSE(sent.answered);
+    EXPECT_EQ(headerOf(sent), std::nullopt);
+    EXPECT_EQ(server.requests().size(), 11U);
+}
+
+TEST_F(HttpTrouble, ATransferMayBeLeftInTheMiddle) {
+    LoopbackServer server([](Talk &talk, const std::string &) {
+        talk.send("HTTP/1.0 200 OK\r\n\r\n");
+        talk.sendZeros(std::uint64_t{1} << 30);
+    });
+    const Sent sent = send(server.port());
+    std::string bytes;
+    EXPECT_TRUE(internet().InternetReadFile(sent.request, 1024, bytes));
+    EXPECT_TRUE(internet().InternetCloseHandle(sent.request));
+    EXPECT_FALSE(internet().InternetReadFile(sent.request, 1024, bytes));
+}
+
+} // namespace
+
+} // namespace velmora::testing
