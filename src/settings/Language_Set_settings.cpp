@@ -52,7 +52,7 @@ constexpr Row<playSetForm_Design> settingsRows[] = {
       u"リピート再生（1曲を繰り返す）"}},
     {caption<&playSetForm::openVideo_Interface>,
      {u"在播放器的视频窗口中播放（下次打开视频时生效）",
-      u"Play in the player's video window (from the next video on)",
+      u"Play in the video window (from the next video on)",
       u"Lire dans la fenêtre vidéo du lecteur (dès la prochaine vidéo)",
       u"プレーヤーのビデオウィンドウで再生（次に開くビデオから有効）"}},
 

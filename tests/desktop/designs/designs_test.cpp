@@ -125,6 +125,59 @@ TEST_F(Designs, EveryTextHasRoomInEveryLanguage) {
     }
 }
 
+// What another translation may need: the English texts made a quarter longer.
+TEST_F(Designs, EnglishTextsAQuarterLongerStillHaveRoom) {
+    // Texts that no language changes: figures, an address, owners, the lyric editor.
+    const std::set<std::string_view> fixed{"play_Time",   "nowTime",   "link",
+                                           "files_Label", "copyright", "CopyRight_Series"};
+    const auto lengthened = [](std::u16string_view text) {
+        return std::u16string(text) + std::u16string(text.substr(0, text.size() / 4));
+    };
+    app.setControl().Language_Index = 1;
+    app.Language_Set().apply_Language();
+    for (forms::Form *form : allForms()) {
+        eachControl(*form, [&](Control &control) {
+            if (fixed.contains(control.name()))
+                return;
+            if (auto *label = dynamic_cast<Label *>(&control))
+                label->setCaption(lengthened(label->caption()));
+            if (auto *frame = dynamic_cast<forms::Frame *>(&control))
+                frame->setCaption(lengthened(frame->caption()));
+            if (auto *box = dynamic_cast<forms::CheckBox *>(&control))
+                box->setCaption(lengthened(box->caption()));
+            if (auto *option = dynamic_cast<forms::OptionButton *>(&control))
+                option->setCaption(lengthened(option->caption()));
+            if (auto *button = dynamic_cast<zkButton *>(&control))
+                button->setCaption(lengthened(button->caption()));
+            EXPECT_LE(lacking(control), 0) << form->name() << '.' << control.name();
+        });
+    }
+}
+
+// A tip is read at a glance, and a menu does not cover the window that it belongs to.
+TEST_F(Designs, TipsAndMenuEntriesAreShortLines) {
+    constexpr double longestTip = 460;   // pixels
+    constexpr double longestEntry = 320; // pixels
+    const forms::Font font(u"Arial", 9);
+    for (std::int32_t language = 0; language < 4; ++language) {
+        app.setControl().Language_Index = language;
+        app.Language_Set().apply_Language();
+        for (forms::Form *form : allForms())
+            eachControl(*form, [&](Control &control) {
+                EXPECT_LE(widthOf(control.toolTip(), font), longestTip)
+                    << languages[language] << ' ' << form->name() << '.' << control.name();
+                EXPECT_FALSE(contains(control.toolTip(), u"\n")) << control.name();
+            });
+        eachControl(app.MenuForm(), [&](Control &control) {
+            if (const auto *entry = dynamic_cast<const forms::Menu *>(&control)) {
+                EXPECT_LE(widthOf(entry->caption(), font), longestEntry)
+                    << languages[language] << ' ' << entry->name();
+                EXPECT_FALSE(contains(entry->caption(), u"\n")) << entry->name();
+            }
+        });
+    }
+}
+
 TEST_F(Designs, AboutTextsAreReadWithoutScrolling) {
     constexpr double border = 16;
     for (std::int32_t language = 0; language < 4; ++language) {

@@ -239,7 +239,7 @@ private:
         velmora::playSetForm &settings = app_.playSetForm();
         settings.isAutoPlay.setValue(1);
         settings.Play_Order.setValue(true);
-        settings.Language_China.setValue(true);
+        settings.language_Load(app_.setControl().Language_Index);
         settings.save_Lrc_Path.setText(u"/home/stesul/Velmora/Lrc");
         forms::Frame *const pages[] = {&settings.playFrame,    &settings.lrc_Frame,
                                        &settings.folder_Frame, &settings.Language_Frame,
