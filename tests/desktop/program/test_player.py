@@ -1,12 +1,10 @@
 #!/usr/bin/env python3
 """The real program on a real screen with recorded sound: keys and mouse as a person would use them.
 
-    test_player.py VELMORA DEMO_PIECE SOURCE_FOLDER [unittest options]
+    test_player.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
 """
 
-import math
 import os
-import re
 import signal
 import sqlite3
 import struct
@@ -14,175 +12,9 @@ import subprocess
 import sys
 import time
 import unittest
-import wave
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
-from session import RATE, Recorder, Session, quiet, wait_for  # noqa: E402
-
-PROGRAM, PIECE, SOURCE = sys.argv[1:4]
-APP = "Program Files/Norvane软件/Velmora"
-TITLE = "Velmora 2011"
-
-
-def design(name):
-    """Rectangles of a form's own controls, in pixels, by control name."""
-    places, control = {}, None
-    with open(f"{SOURCE}/{name}") as file:
-        for line in file:
-            words = line.split("#")[0].split() if '"' not in line else line.split()
-            if not words:
-                continue
-            if words[0] == "form":
-                control = "form"
-                places[control] = [0, 0, 0, 0]
-            elif words[0][0].isupper():
-                control = words[1] if len(line) - len(line.lstrip()) == 0 else None
-                if control:
-                    places[control] = [0, 0, 0, 0]
-            elif control and words[0] == "at":
-                places[control][0:2] = [float(word) / 15 for word in words[1:3]]
-            elif control and words[0] == "size":
-                places[control][2:4] = [float(word) / 15 for word in words[1:3]]
-    return places
-
-
-MAIN = design("src/playback/Main.form")
-SPLASH = design("src/playback/startLoad_Form.form")
-
-
-def stairs(path, seconds, level=0.5, base=200, step=100):
-    """A WAV whose tone tells the second: base + second * step Hz."""
-    with wave.open(path, "wb") as out:
-        out.setnchannels(2)
-        out.setsampwidth(2)
-        out.setframerate(RATE)
-        frames, phase = bytearray(), 0.0
-        for number in range(seconds * RATE):
-            phase += 2 * math.pi * (base + (number // RATE) * step) / RATE
-            value = int(32767 * level * math.sin(phase))
-            frames += struct.pack("<hh", value, value)
-        out.writeframes(bytes(frames))
-
-
-def pitch(samples):
-    """Frequency by rising zero crossings of one channel."""
-    crossings = [n for n in range(1, len(samples)) if samples[n - 1] < 0 <= samples[n]]
-    if len(crossings) < 2:
-        return 0.0
-    return RATE * (len(crossings) - 1) / (crossings[-1] - crossings[0])
-
-
-class Player:
-    """One run of the program in a session."""
-
-    def __init__(self, session):
-        self.session = session
-        self.errors = open(session.home + "/errors.log", "ab")
-        self.child = subprocess.Popen([PROGRAM], env=session.env, stderr=self.errors,
-                                      stdout=subprocess.DEVNULL, start_new_session=True)
-        self.errors.close()
-        session.children.append(self.child)
-
-    def window(self, seconds=20):
-        """The main window: the one of its design's size (the splash has the same title)."""
-        wanted = tuple(int(side) for side in MAIN["form"][2:4])
-
-        def look():
-            for number in quiet("xdotool", "search", "--onlyvisible", "--class", "velmora",
-                                env=self.session.env).split():
-                if self.size(number) == wanted:
-                    return number
-            return None
-        return wait_for(look, seconds)
-
-    def box(self, seconds=15):
-        """A message box: a visible window that is neither the splash nor the main window."""
-        others = [tuple(int(side) for side in form["form"][2:4]) for form in (MAIN, SPLASH)]
-        def look():
-            for number in quiet("xdotool", "search", "--onlyvisible", "--pid", str(self.child.pid),
-                                env=self.session.env).split():
-                width, height = self.size(number)
-                if (width, height) not in others and width > 100 and height > 60:
-                    return number
-            return None
-        return wait_for(look, seconds)
-
-    def title(self, number):
-        return quiet("xdotool", "getwindowname", number, env=self.session.env)
-
-    def geometry(self, number):
-        out = quiet("xdotool", "getwindowgeometry", "--shell", number, env=self.session.env)
-        return {key: int(value) for key, value in re.findall(r"(\w+)=(-?\d+)", out)}
-
-    def size(self, number):
-        shape = self.geometry(number)
-        return shape.get("WIDTH", 0), shape.get("HEIGHT", 0)
-
-    def click(self, number, control, share=0.5, button=1):
-        left, top, width, height = MAIN[control]
-        shape = self.geometry(number)
-        quiet("xdotool", "mousemove", str(int(shape["X"] + left + width * share)),
-              str(int(shape["Y"] + top + height / 2)), "click", str(button),
-              env=self.session.env)
-
-    def ended(self, seconds=10):
-        return wait_for(lambda: self.child.poll() is not None, seconds)
-
-
-class PlayerTest(unittest.TestCase):
-    sound = True
-
-    def setUp(self):
-        self.session = Session(window_manager=True, sound=self.sound)
-        self.addCleanup(self.session.close)
-        self.music = self.session.home + "/music"
-        os.makedirs(self.music)
-
-    def list_file(self):
-        return f"{self.session.env['XDG_DATA_HOME']}/velmora/{APP}/List/zkPlayList.m3u"
-
-    def write_list(self, paths):
-        os.makedirs(os.path.dirname(self.list_file()), exist_ok=True)
-        with open(self.list_file(), "w", newline="") as file:
-            file.write("".join(path + "\r\n" for path in paths))
-
-    def read_list(self):
-        with open(self.list_file(), newline="") as file:
-            return file.read()
-
-    def registry_file(self):
-        folder = self.session.env["XDG_CONFIG_HOME"] + "/velmora"
-        for name in os.listdir(folder):
-            with open(f"{folder}/{name}", "rb") as file:
-                if file.read(15) == b"SQLite format 3":
-                    return f"{folder}/{name}"
-        return None
-
-    @staticmethod
-    def begins(path, beginning):
-        with open(path, "rb") as file:
-            return file.read(len(beginning)) == beginning
-
-    def start(self):
-        player = Player(self.session)
-        window = player.window()
-        self.assertTrue(window, "the main window does not come up")
-        return player, window
-
-    def assert_title(self, player, window, text, seconds=10):
-        self.assertTrue(wait_for(lambda: text in player.title(window), seconds),
-                        f"the title never shows {text!r} but {player.title(window)!r}")
-
-    def now_playing(self, recorder, seconds=10, loud_blocks=20):
-        """The frequency of the last quarter second, once it is loud all through."""
-        def look():
-            blocks = [block for _, block in recorder.blocks[-loud_blocks:]]
-            if len(blocks) < loud_blocks or not all(Recorder.loud(block, 200) for block in blocks):
-                return None
-            data = b"".join(blocks)
-            return (pitch(struct.unpack(f"<{len(data) // 2}h", data)[::2]),)
-        found = wait_for(look, seconds, 0.05)
-        return found[0] if found else None
+from player import PROGRAM, TITLE, Player, PlayerTest, stairs
+from session import Recorder, quiet, wait_for
 
 
 class Playing(PlayerTest):
@@ -365,4 +197,4 @@ class WithoutDisplay(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[4:], verbosity=2)
+    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)

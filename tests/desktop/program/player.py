@@ -1,0 +1,263 @@
+"""One run of the real program on a private screen: its windows, boxes and menus, keys and mouse.
+
+A test script that imports this is called as
+
+    test_X.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
+"""
+
+import math
+import os
+import re
+import struct
+import subprocess
+import sys
+import unittest
+import wave
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from session import RATE, Recorder, Session, quiet, wait_for  # noqa: E402
+
+PROGRAM, PIECE, SOURCE, DRAG = sys.argv[1:5]
+APP = "Program Files/Norvane软件/Velmora"
+TITLE = "Velmora 2011"
+
+
+def design(name):
+    """Rectangles of a form's own controls, in pixels, by control name."""
+    places, control = {}, None
+    with open(f"{SOURCE}/{name}") as file:
+        for line in file:
+            words = line.split("#")[0].split() if '"' not in line else line.split()
+            if not words:
+                continue
+            if words[0] == "form":
+                control = "form"
+                places[control] = [0, 0, 0, 0]
+            elif line[0] != " ":
+                control = words[1]
+                places[control] = [0, 0, 0, 0]
+            elif words[0][0].isupper() or words[0].startswith("zk"):
+                control = None  # contained: placed within its container
+            elif control and words[0] == "at":
+                places[control][0:2] = [float(word) / 15 for word in words[1:3]]
+            elif control and words[0] == "size":
+                places[control][2:4] = [float(word) / 15 for word in words[1:3]]
+    return places
+
+
+MAIN = design("src/playback/Main.form")
+SPLASH = design("src/playback/startLoad_Form.form")
+MINI = design("src/playback/miniForm.form")
+LIST = design("src/playlist/playList_Form.form")
+ASK = design("src/playlist/listControl_Form.form")
+SETTINGS = design("src/settings/playSetForm.form")
+ABOUT = design("src/ui/aboutForm.form")
+FORM_SIZES = {tuple(int(side) for side in form["form"][2:4])
+              for form in (MAIN, SPLASH, MINI, LIST, ASK, SETTINGS, ABOUT)}
+
+
+def stairs(path, seconds, level=0.5, base=200, step=100):
+    """A WAV whose tone tells the second: base + second * step Hz."""
+    with wave.open(path, "wb") as out:
+        out.setnchannels(2)
+        out.setsampwidth(2)
+        out.setframerate(RATE)
+        frames, phase = bytearray(), 0.0
+        for number in range(seconds * RATE):
+            phase += 2 * math.pi * (base + (number // RATE) * step) / RATE
+            value = int(32767 * level * math.sin(phase))
+            frames += struct.pack("<hh", value, value)
+        out.writeframes(bytes(frames))
+
+
+def pitch(samples):
+    """Frequency by rising zero crossings of one channel."""
+    crossings = [n for n in range(1, len(samples)) if samples[n - 1] < 0 <= samples[n]]
+    if len(crossings) < 2:
+        return 0.0
+    return RATE * (len(crossings) - 1) / (crossings[-1] - crossings[0])
+
+
+class Player:
+    """One run of the program in a session."""
+
+    def __init__(self, session):
+        self.session = session
+        self.errors = open(session.home + "/errors.log", "ab")
+        self.child = subprocess.Popen([PROGRAM], env=session.env, stderr=self.errors,
+                                      stdout=subprocess.DEVNULL, start_new_session=True)
+        self.errors.close()
+        session.children.append(self.child)
+
+    def tool(self, *words):
+        return quiet("xdotool", *[str(word) for word in words], env=self.session.env)
+
+    def windows(self):
+        """The program's visible windows."""
+        return self.tool("search", "--onlyvisible", "--pid", self.child.pid).split()
+
+    def form(self, places, seconds=10):
+        """The visible window of a form, known by the size of its design."""
+        wanted = tuple(int(side) for side in places["form"][2:4])
+        return wait_for(lambda: next((number for number in self.windows()
+                                      if self.size(number) == wanted), None), seconds)
+
+    def gone(self, number, seconds=10):
+        return wait_for(lambda: number not in self.windows(), seconds)
+
+    def window(self, seconds=20):
+        """The main window (the splash has the same title)."""
+        return self.form(MAIN, seconds)
+
+    def others(self, unmanaged):
+        """The windows that are no forms: boxes and dialogs, or what the manager has no part in."""
+        found = []
+        for number in self.windows():
+            width, height = self.size(number)
+            if (width, height) not in FORM_SIZES and width > 100 and height > 40 and \
+                    self.unmanaged(number) == unmanaged:
+                found.append(number)
+        return found
+
+    def unmanaged(self, number):
+        return "Override Redirect State: yes" in quiet("xwininfo", "-id", number,
+                                                       env=self.session.env)
+
+    def box(self, seconds=15):
+        """A message box or dialog."""
+        return wait_for(lambda: next(iter(self.others(unmanaged=False)), None), seconds)
+
+    def menus(self, count=1, seconds=10):
+        """The open popup menus, outermost first, once there are so many; None if there never are."""
+        def look():
+            found = self.others(unmanaged=True)
+            return (sorted(found, key=int),) if len(found) == count else None
+        found = wait_for(look, seconds)
+        return found[0] if found else None
+
+    def title(self, number):
+        return self.tool("getwindowname", number)
+
+    def geometry(self, number):
+        out = self.tool("getwindowgeometry", "--shell", number)
+        return {key: int(value) for key, value in re.findall(r"(\w+)=(-?\d+)", out)}
+
+    def place(self, number):
+        shape = self.geometry(number)
+        return shape.get("X"), shape.get("Y")
+
+    def size(self, number):
+        shape = self.geometry(number)
+        return shape.get("WIDTH", 0), shape.get("HEIGHT", 0)
+
+    def point(self, number, x, y):
+        """A place in a window as a place on the screen; negative ones count from its far edges."""
+        shape = self.geometry(number)
+        return (shape["X"] + int(x) + (shape["WIDTH"] if x < 0 else 0),
+                shape["Y"] + int(y) + (shape["HEIGHT"] if y < 0 else 0))
+
+    def click_at(self, number, x, y, button=1, times=1):
+        self.tool("mousemove", *self.point(number, x, y))
+        self.tool("click", "--repeat", times, "--delay", 40, button)
+
+    def click(self, number, control, share=0.5, button=1, form=None):
+        left, top, width, height = (form or MAIN)[control]
+        self.click_at(number, left + width * share, top + height / 2, button)
+
+    def ended(self, seconds=10):
+        return wait_for(lambda: self.child.poll() is not None, seconds)
+
+
+class PlayerTest(unittest.TestCase):
+    sound = True
+
+    def setUp(self):
+        self.session = Session(window_manager=True, sound=self.sound)
+        self.addCleanup(self.session.close)
+        self.music = self.session.home + "/music"
+        os.makedirs(self.music)
+
+    def list_file(self):
+        return f"{self.session.env['XDG_DATA_HOME']}/velmora/{APP}/List/zkPlayList.m3u"
+
+    def write_list(self, paths):
+        os.makedirs(os.path.dirname(self.list_file()), exist_ok=True)
+        with open(self.list_file(), "w", newline="") as file:
+            file.write("".join(path + "\r\n" for path in paths))
+
+    def read_list(self):
+        with open(self.list_file(), newline="") as file:
+            return file.read()
+
+    def list_lines(self):
+        return self.read_list().split("\r\n")[:-1]
+
+    def assert_list(self, paths):
+        """The saved list holds these, in this order."""
+        self.assertTrue(wait_for(lambda: self.list_lines() == paths, 10),
+                        f"the list is {self.list_lines()} instead of {paths}")
+
+    def type_into(self, dialog, text):
+        """Types a text where a box or dialog has its cursor, and confirms it."""
+        quiet("xdotool", "windowfocus", "--sync", dialog, env=self.session.env)
+        quiet("xdotool", "key", "ctrl+a", env=self.session.env)
+        quiet("xdotool", "type", "--delay", "8", text, env=self.session.env)
+        quiet("xdotool", "key", "Return", env=self.session.env)
+
+    def registry_file(self):
+        folder = self.session.env["XDG_CONFIG_HOME"] + "/velmora"
+        for name in os.listdir(folder):
+            with open(f"{folder}/{name}", "rb") as file:
+                if file.read(15) == b"SQLite format 3":
+                    return f"{folder}/{name}"
+        return None
+
+    @staticmethod
+    def begins(path, beginning):
+        with open(path, "rb") as file:
+            return file.read(len(beginning)) == beginning
+
+    def start(self):
+        player = Player(self.session)
+        window = player.window()
+        self.assertTrue(window, "the main window does not come up")
+        return player, window
+
+    def assert_title(self, player, window, text, seconds=10):
+        self.assertTrue(wait_for(lambda: text in player.title(window), seconds),
+                        f"the title never shows {text!r} but {player.title(window)!r}")
+
+    def now_playing(self, recorder, seconds=10, loud_blocks=20):
+        """The frequency of the last quarter second, once it is loud all through."""
+        def look():
+            blocks = [block for _, block in recorder.blocks[-loud_blocks:]]
+            if len(blocks) < loud_blocks or not all(Recorder.loud(block, 200) for block in blocks):
+                return None
+            data = b"".join(blocks)
+            return (pitch(struct.unpack(f"<{len(data) // 2}h", data)[::2]),)
+        found = wait_for(look, seconds, 0.05)
+        return found[0] if found else None
+
+
+class Stranger:
+    """Another program's plain window (xev), which tells what presses reach it."""
+
+    def __init__(self, session, x, y, width, height):
+        self.session = session
+        self.log = session.home + "/stranger.log"
+        with open(self.log, "wb") as log:
+            self.child = subprocess.Popen(
+                ["stdbuf", "-oL", "xev", "-event", "button", "-event", "structure", "-geometry",
+                 f"{width}x{height}+{x}+{y}"], env=session.env, stdout=log,
+                stderr=subprocess.DEVNULL, start_new_session=True)
+        session.children.append(self.child)
+        self.window = wait_for(lambda: quiet("xdotool", "search", "--onlyvisible", "--name",
+                                             "Event Tester", env=session.env))
+
+    def presses(self):
+        """Where on the screen it was pressed, in order."""
+        with open(self.log, errors="replace") as log:
+            events = log.read().split("\n\n")
+        found = [re.search(r"root:\((-?\d+),(-?\d+)\)", event) for event in events
+                 if "ButtonPress event" in event]
+        return [(int(place[1]), int(place[2])) for place in found if place]
