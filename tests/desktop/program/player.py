@@ -164,6 +164,18 @@ class Player:
         left, top, width, height = (form or MAIN)[control]
         self.click_at(number, left + width * share, top + height / 2, button)
 
+    def picture(self, number, left, top, width, height):
+        """What the screen shows of a part of a window: a byte of grey for each pixel, in rows."""
+        x, y = self.place(number)
+        return subprocess.run(
+            ["import", "-silent", "-window", "root", "-crop",
+             f"{int(width)}x{int(height)}+{int(x + left)}+{int(y + top)}", "-depth", "8", "gray:-"],
+            env=self.session.env, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+            check=False).stdout
+
+    def look(self, number, control, form=None):
+        return self.picture(number, *(form or MAIN)[control])
+
     def ended(self, seconds=10):
         return wait_for(lambda: self.child.poll() is not None, seconds)
 
