@@ -2,8 +2,10 @@
 
 #include "lyrics/doLrcForm.h"
 #include "lyrics/lrcForm.h"
+#include "network/lrc_Internet_Search.h"
 #include "network/search_Lrc_Internet_Form.h"
 #include "network/search_Song_Internet_Form.h"
+#include "network/song_Internet_Search.h"
 #include "network/welcomeForm.h"
 #include "platform/windows.h"
 #include "playback/Main.h"
@@ -58,14 +60,16 @@ private:
 
 struct Velmora::Modules {
     explicit Modules(Velmora &app)
-        : copyFile_(app), formSet_(app), Language_(app), Language_Set_(app), myCommondialog_(app),
-          player_(app), playerInfo_(app), Procedure_Description_(app), saveOrOpenFile_(app),
-          Search_(app), setControl_(app), skinSet_(app), system_SpecialFolder_(app) {}
+        : copyFile_(app), formSet_(app), Language_(app), Language_Set_(app),
+          lrc_Internet_Search_(app), myCommondialog_(app), player_(app), playerInfo_(app),
+          Procedure_Description_(app), saveOrOpenFile_(app), Search_(app), setControl_(app),
+          skinSet_(app), song_Internet_Search_(app), system_SpecialFolder_(app) {}
 
     velmora::copyFile copyFile_;
     velmora::formSet formSet_;
     velmora::Language Language_;
     velmora::Language_Set Language_Set_;
+    velmora::lrc_Internet_Search lrc_Internet_Search_;
     velmora::myCommondialog myCommondialog_;
     velmora::player player_;
     velmora::playerInfo playerInfo_;
@@ -74,6 +78,7 @@ struct Velmora::Modules {
     velmora::Search Search_;
     velmora::setControl setControl_;
     velmora::skinSet skinSet_;
+    velmora::song_Internet_Search song_Internet_Search_;
     velmora::system_SpecialFolder system_SpecialFolder_;
 };
 
@@ -109,6 +114,9 @@ velmora::copyFile &Velmora::copyFile() noexcept { return modules_->copyFile_; }
 velmora::formSet &Velmora::formSet() noexcept { return modules_->formSet_; }
 velmora::Language &Velmora::Language() noexcept { return modules_->Language_; }
 velmora::Language_Set &Velmora::Language_Set() noexcept { return modules_->Language_Set_; }
+velmora::lrc_Internet_Search &Velmora::lrc_Internet_Search() noexcept {
+    return modules_->lrc_Internet_Search_;
+}
 velmora::myCommondialog &Velmora::myCommondialog() noexcept { return modules_->myCommondialog_; }
 velmora::player &Velmora::player() noexcept { return modules_->player_; }
 velmora::playerInfo &Velmora::playerInfo() noexcept { return modules_->playerInfo_; }
@@ -119,6 +127,9 @@ velmora::saveOrOpenFile &Velmora::saveOrOpenFile() noexcept { return modules_->s
 velmora::Search &Velmora::Search() noexcept { return modules_->Search_; }
 velmora::setControl &Velmora::setControl() noexcept { return modules_->setControl_; }
 velmora::skinSet &Velmora::skinSet() noexcept { return modules_->skinSet_; }
+velmora::song_Internet_Search &Velmora::song_Internet_Search() noexcept {
+    return modules_->song_Internet_Search_;
+}
 velmora::system_SpecialFolder &Velmora::system_SpecialFolder() noexcept {
     return modules_->system_SpecialFolder_;
 }

@@ -18,6 +18,7 @@ class copyFile;
 class formSet;
 class Language;
 class Language_Set;
+class lrc_Internet_Search;
 class myCommondialog;
 class player;
 class playerInfo;
@@ -26,6 +27,7 @@ class saveOrOpenFile;
 class Search;
 class setControl;
 class skinSet;
+class song_Internet_Search;
 class system_SpecialFolder;
 
 // Forms.
@@ -64,6 +66,7 @@ public:
     velmora::formSet &formSet() noexcept;
     velmora::Language &Language() noexcept;
     velmora::Language_Set &Language_Set() noexcept;
+    velmora::lrc_Internet_Search &lrc_Internet_Search() noexcept;
     velmora::myCommondialog &myCommondialog() noexcept;
     velmora::player &player() noexcept;
     velmora::playerInfo &playerInfo() noexcept;
@@ -72,6 +75,7 @@ public:
     velmora::Search &Search() noexcept;
     velmora::setControl &setControl() noexcept;
     velmora::skinSet &skinSet() noexcept;
+    velmora::song_Internet_Search &song_Internet_Search() noexcept;
     velmora::system_SpecialFolder &system_SpecialFolder() noexcept;
 
     velmora::aboutForm &aboutForm();

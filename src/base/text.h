@@ -17,6 +17,10 @@ inline constexpr char16_t crLf[] = u"\r\n";
 char16_t upperUnit(char16_t unit) noexcept;
 std::u16string upper(std::u16string_view text);
 
+// Lower case by the same rules.
+char16_t lowerUnit(char16_t unit) noexcept;
+std::u16string lower(std::u16string_view text);
+
 // U+0020 off both ends, and nothing else.
 std::u16string_view trim(std::u16string_view text) noexcept;
 

@@ -108,6 +108,9 @@ public:
     // until they are overwritten. Raises when the target cannot be opened or is no regular file.
     virtual std::unique_ptr<OutputFile> CreateFileA(std::u16string_view path) = 0;
 
+    // Makes one folder. Raises when something of that name is there or its own folder is not.
+    virtual void MkDir(std::u16string_view path) = 0;
+
     // Renames within a folder, without ever replacing. The same path is success without action. A
     // new bare name with a separator or NUL, or "." or "..", raises before the disk is touched: so
     // does a new path in another folder, since only such a name leads there.

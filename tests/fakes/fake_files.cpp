@@ -322,6 +322,19 @@ void FakeFiles::keepAs(std::u16string_view path, std::u16string_view keptPath) {
     note(u"keep", path, keptPath);
 }
 
+void FakeFiles::MkDir(std::u16string_view path) {
+    count("MkDir");
+    if (find(path))
+        fail(ErrorNumber::FileExists, u"File exists");
+    const Entry *folder = find(parentOf(path));
+    if (!folder || folder->kind != Kind::Folder)
+        fail(ErrorNumber::PathNotFound, u"No such file or directory");
+    if (folder->readOnly)
+        refused();
+    addFolder(path);
+    note(u"make", path);
+}
+
 void FakeFiles::Name(std::u16string_view from, std::u16string_view to) {
     count("Name");
     if (from == to)

@@ -46,8 +46,8 @@ public:
     void failReadAtLine(std::u16string_view path, std::size_t line);
     // The next such operation raises this, whatever the path. Never asked for: fails the test.
     // Operations: "CreateTextFile", "DeleteFile", "DateCreated", "FileLen", "openInput",
-    // "readBytes", "writeWhole", "keepAs", "Name", "CreateFileSystemObject", "CreateFileA";
-    // "WriteFile" gives false instead of raising.
+    // "readBytes", "writeWhole", "keepAs", "Name", "CreateFileSystemObject", "CreateFileA",
+    // "MkDir"; "WriteFile" gives false instead of raising.
     void failNext(const std::string &operation, ErrorNumber number = ErrorNumber::DeviceIo,
                   std::u16string description = {});
 
@@ -56,7 +56,8 @@ public:
     int calls(const std::string &operation) const;
     void clearCalls() { calls_.clear(); }
     // "write PATH", "delete PATH", "rename FROM TO", "keep FROM TO" that succeeded, in order;
-    // a durable write is "sync PATH"; a file opened for writing is "open PATH".
+    // a durable write is "sync PATH"; a file opened for writing is "open PATH", a
+    // folder "make PATH".
     const std::vector<std::u16string> &changes() const { return changes_; }
     void clearChanges() { changes_.clear(); }
     // Runs at each counted operation, with its name, before it does anything.
@@ -78,6 +79,7 @@ public:
     void writeWhole(std::u16string_view path, std::string_view bytes, bool durable) override;
     void keepAs(std::u16string_view path, std::u16string_view keptPath) override;
     std::unique_ptr<platform::OutputFile> CreateFileA(std::u16string_view path) override;
+    void MkDir(std::u16string_view path) override;
     void Name(std::u16string_view from, std::u16string_view to) override;
     std::u16string GetShortPathNameA(std::u16string_view path) override;
     std::unique_ptr<platform::FileSystemObject> CreateFileSystemObject() override;

@@ -127,6 +127,11 @@ std::unique_ptr<OutputFile> LinuxFiles::CreateFileA(std::u16string_view path) {
     return std::make_unique<LinuxOutputFile>(path);
 }
 
+void LinuxFiles::MkDir(std::u16string_view path) {
+    if (::mkdir(systemPathOrRaise(path).c_str(), 0777) != 0)
+        raiseSystemError(errno);
+}
+
 void LinuxFiles::Name(std::u16string_view from, std::u16string_view to) {
     renameWithoutReplacing(from, to);
 }

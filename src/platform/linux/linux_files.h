@@ -25,6 +25,7 @@ public:
     void writeWhole(std::u16string_view path, std::string_view bytes, bool durable) override;
     void keepAs(std::u16string_view path, std::u16string_view keptPath) override;
     std::unique_ptr<OutputFile> CreateFileA(std::u16string_view path) override;
+    void MkDir(std::u16string_view path) override;
     void Name(std::u16string_view from, std::u16string_view to) override;
     std::u16string GetShortPathNameA(std::u16string_view path) override;
     std::unique_ptr<FileSystemObject> CreateFileSystemObject() override;

@@ -63,6 +63,31 @@ TEST(EqualsIgnoringCase, comparesUpperCaseUnitByUnit) {
     EXPECT_FALSE(equalsIgnoringCase(u"e\x0301", u"é")); // no normalisation
 }
 
+// --- lower case
+// -----------------------------------------------------------------------------------
+
+TEST(Lower, mapsOneUnitToOneUnit) {
+    EXPECT_EQ(lower(u"HTTP://Host:80/A?b=C_É"), u"http://host:80/a?b=c_é");
+    EXPECT_EQ(lower(u"ÀÉÎÕÜŸ ΑΒΓΣ АБВЁ ＡＺ ĀĂ Ա"), u"àéîõüÿ αβγσ абвё ａｚ āă ա");
+    EXPECT_EQ(lower(u"中文かナ@[`{ß\xD801\xDC00"), u"中文かナ@[`{ß\xD801\xDC00");
+    EXPECT_EQ(lower(u""), u"");
+}
+
+TEST(Lower, undoesUpperCaseWhereThatIsOneToOne) {
+    int changed = 0;
+    for (int unit = 0; unit < 0x10000; ++unit) {
+        const char16_t low = lowerUnit(static_cast<char16_t>(unit));
+        EXPECT_EQ(lowerUnit(low), low);
+        if (low != unit) {
+            ++changed;
+            // A title case letter shares its small letter with the capital; some capitals share
+            // theirs with an older sign.
+            EXPECT_TRUE(upperUnit(low) == unit || lowerUnit(upperUnit(low)) == low) << unit;
+        }
+    }
+    EXPECT_EQ(changed, 1173);
+}
+
 // --- cutting
 // --------------------------------------------------------------------------------------
 

@@ -1,0 +1,155 @@
+#include "network/lrc_Internet_Search.h"
+
+#include "base/numbers.h"
+#include "base/run_time_error.h"
+#include "base/text.h"
+#include "network/linkReader.h"
+#include "network/search_Lrc_Internet_Form.h"
+#include "network/webPage.h"
+#include "platform/internet.h"
+#include "platform/platform.h"
+#include "platform/windows.h"
+#include "settings/setControl.h"
+#include "velmora.h"
+
+namespace velmora {
+
+namespace {
+
+bool beginsWith(std::u16string_view link, std::u16string_view address) {
+    return !address.empty() && link.size() >= address.size() &&
+           equalsIgnoringCase(link.substr(0, address.size()), address);
+}
+
+bool endsWith(std::u16string_view link, std::u16string_view ending) {
+    return link.size() >= ending.size() &&
+           equalsIgnoringCase(rightPart(link, static_cast<std::ptrdiff_t>(ending.size())), ending);
+}
+
+// Whether the link ends in "pn=" and exactly this many digits at its end.
+bool endsInPageNumber(std::u16string_view link, std::size_t digits) {
+    if (link.size() < digits || !endsWith(link.substr(0, link.size() - digits), u"pn="))
+        return false;
+    for (const char16_t unit : link.substr(link.size() - digits))
+        if (unit < u'0' || unit > u'9')
+            return false;
+    return true;
+}
+
+// An address of the settings, and what lies below it; nothing where the host is not set.
+std::u16string below(std::u16string host, std::u16string_view path) {
+    return host.empty() ? std::u16string() : host.append(path);
+}
+
+} // namespace
+
+struct lrc_Internet_Search::Addresses {
+    std::u16string siteA;
+    std::u16string siteB;
+    std::u16string engine;
+
+    bool isLyric(std::u16string_view link) const {
+        return beginsWith(link, siteA) || (beginsWith(link, siteB) && endsWith(link, u".lrc"));
+    }
+    bool isPage(std::u16string_view link) const {
+        return beginsWith(link, engine) && (endsInPageNumber(link, 2) || endsInPageNumber(link, 1));
+    }
+};
+
+lrc_Internet_Search::lrc_Internet_Search(Velmora &app) : app_(app) {}
+
+std::u16string lrc_Internet_Search::searchAddress(std::u16string_view word) const {
+    return app_.setControl()
+        .get_LrcSearchHost()
+        .append(u"/m?f=ms&rn=10&tn=baidump3lyric&ct=150994944&word=")
+        .append(word)
+        .append(u" &lm=-1");
+}
+
+bool lrc_Internet_Search::searchLrc(std::u16string_view word) {
+    lrcSearchUrl = searchAddress(word);
+    passOver([this] { app_.platform().internet.DeleteUrlCacheEntryA(lrcSearchUrl); });
+    lrcSearchPage.clear();
+    passOver([this] { lrcSearchPage = getWebPage(app_.platform(), lrcSearchUrl); });
+    if (lrcSearchPage.empty())
+        return false;
+    lrcPageLinks.erase();
+    lrcDownloadLinks.erase();
+    lrcFirstPageDone = false;
+    passOver([this] { scanLrcPages(lrcSearchUrl); });
+    return true;
+}
+
+void lrc_Internet_Search::scanLrcPages(std::u16string address) {
+    app_.platform().windows.DoEvents();
+    setControl &settings = app_.setControl();
+    const Addresses addresses{below(settings.get_LrcSiteAHost(), u"/asp/lrc.asp"),
+                              below(settings.get_LrcSiteBHost(), u"/LrcDown/"),
+                              below(settings.get_LrcSearchHost(), u"/m")};
+    Counts counts;
+    if (!lrcFirstPageDone && !scanFirstPage(std::move(address), addresses, counts))
+        return;
+    scanFurtherPages(addresses, counts);
+}
+
+// False when there is no page.
+bool lrc_Internet_Search::scanFirstPage(std::u16string address, const Addresses &addresses,
+                                        Counts &counts) {
+    const std::u16string base = linkBase(app_.platform().windows, address);
+    const std::u16string page = upper(getWebPage(app_.platform(), address));
+    if (page.empty())
+        return false;
+    std::vector<std::int32_t> positions;
+    countText(app_.platform().windows, page, linkMarker, &positions);
+    LinkReader reader(page);
+    for (const std::int32_t position : positions) {
+        const std::optional<std::u16string_view> found = reader.read(position);
+        if (!found)
+            continue;
+        // Ahead of the tests and on this page only: what a further page adds beyond these bounds
+        // ends the scan.
+        lrcPageLinks.resize(counts.pages);
+        lrcDownloadLinks.resize(counts.lyrics);
+        const std::u16string link = normalLink(*found, base);
+        if (addresses.isLyric(link))
+            takeLyric(link, counts);
+        if (addresses.isPage(link))
+            lrcPageLinks.store(counts.pages++, lower(link));
+        app_.platform().windows.DoEvents();
+    }
+    lrcFirstPageDone = true;
+    return true;
+}
+
+// The last two page links are left out.
+void lrc_Internet_Search::scanFurtherPages(const Addresses &addresses, Counts &counts) {
+    const std::int16_t last = toInt16(lrcPageLinks.upperBound() - 2);
+    for (std::int16_t index = 0; index <= last; index = addInt16(index, 1)) {
+        lrcPageIndex = index;
+        std::u16string address = lower(lrcPageLinks.at(index));
+        const std::u16string base = linkBase(app_.platform().windows, address);
+        const std::u16string page = upper(getWebPage(app_.platform(), address));
+        if (page.empty())
+            return;
+        std::vector<std::int32_t> positions;
+        countText(app_.platform().windows, page, linkMarker, &positions);
+        LinkReader reader(page);
+        for (const std::int32_t position : positions) {
+            const std::optional<std::u16string_view> found = reader.read(position);
+            if (!found)
+                continue;
+            const std::u16string link = normalLink(*found, base);
+            if (addresses.isLyric(link))
+                takeLyric(link, counts);
+            app_.platform().windows.DoEvents();
+        }
+    }
+}
+
+// The row comes first: the link that does not fit into the array any more is in the list.
+void lrc_Internet_Search::takeLyric(const std::u16string &link, Counts &counts) {
+    app_.search_Lrc_Internet_Form().search_Lrc_List.addItem(lower(link));
+    lrcDownloadLinks.store(counts.lyrics++, link);
+}
+
+} // namespace velmora
