@@ -1,0 +1,46 @@
+// Addresses and cookies: what is escaped has nothing left to escape, a host has no parts of another
+// kind, and a cookie's line has its seven fields and goes where it came from.
+
+#include "platform/curl/addresses.h"
+#include "platform/curl/cookies.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+using namespace velmora::platform::http;
+
+void require(bool holds) {
+    if (!holds)
+        std::abort();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    const std::string_view bytes(reinterpret_cast<const char *>(data), size);
+    const std::size_t middle = std::min(bytes.find('\n'), bytes.size());
+    const std::string_view address = bytes.substr(0, middle);
+    const std::string_view cookie = bytes.substr(std::min(middle + 1, bytes.size()));
+
+    const std::string plain = escaped(address);
+    require(escaped(plain) == plain);
+    require(std::all_of(plain.begin(), plain.end(),
+                        [](char byte) { return byte > ' ' && byte < '\x7F' && byte != '"'; }));
+    const AddressParts parts = partsOf(plain);
+    require(parts.host.find_first_of("/?#") == std::string::npos);
+    require(!parts.path.empty() && parts.path.find_first_of("?#") == std::string::npos);
+    isLoopback(parts.host);
+    isHostText(address);
+
+    const auto line = jarLine(parts, "", cookie, 1000, [](const std::string &) { return 2000; });
+    if (line) {
+        require(std::count(line->begin(), line->end(), '\t') == 6);
+        require(line->find_first_of("\r\n") == std::string::npos);
+    }
+    cookiesFor({std::string(cookie)}, parts, "", 1000);
+    return 0;
+}
