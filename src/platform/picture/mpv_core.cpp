@@ -82,6 +82,10 @@ std::uint64_t MpvCore::set(const char *property, double value) {
     return send(property, MPV_FORMAT_DOUBLE, &value);
 }
 
+std::uint64_t MpvCore::set(const char *property, std::int64_t value) {
+    return send(property, MPV_FORMAT_INT64, &value);
+}
+
 std::uint64_t MpvCore::set(const char *property, bool value) {
     int flag = value ? 1 : 0;
     return send(property, MPV_FORMAT_FLAG, &flag);

@@ -39,6 +39,7 @@ public:
     // reply event; 0 when it could not even be sent.
     std::uint64_t command(const std::vector<std::string> &words);
     std::uint64_t set(const char *property, double value);
+    std::uint64_t set(const char *property, std::int64_t value);
     std::uint64_t set(const char *property, bool value);
     std::uint64_t set(const char *property, const std::string &value);
 

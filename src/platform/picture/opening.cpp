@@ -28,6 +28,19 @@ std::string absolutePath(const std::string &path) {
     return error ? path : absolute.string();
 }
 
+// How many seconds before its target the engine has to begin reading for an exact seek. Decoders
+// of sound need what came before their first packet. A stream without an index is searched by its
+// time stamps, which lands anywhere between two whole pictures.
+double seekLead(const std::string &format, bool hasPicture) {
+    constexpr double soundLead = 0.5;
+    constexpr double wholePictureLead = 3.0;
+    if (!hasPicture || format == "asf")
+        return soundLead;
+    const bool hasNoIndex =
+        format == "mpeg" || format == "mpegts" || format == "mpegvideo" || format == "vob";
+    return hasNoIndex ? wholePictureLead : 0.0;
+}
+
 } // namespace
 
 Opening::Opening(std::unique_ptr<MpvCore> core, const media::OpenRequest &request,
@@ -83,6 +96,7 @@ std::optional<OpenMedium> Opening::run() {
     core_.hook("on_preloaded");
     if (!loadUpToTracks() || !lookAtTracks() || !chooseWindow())
         return std::nullopt;
+    core_.set("hr-seek-demuxer-offset", seekLead(fileFormat(), medium_.window != nullptr));
     core_.continueHook(hook_);
     if (!reach(Stage::Loaded, end_))
         return std::nullopt;
@@ -102,6 +116,8 @@ bool Opening::loadUpToTracks() {
     core_.command({"loadfile", medium_.path});
     return reach(Stage::TracksKnown, end_);
 }
+
+std::string Opening::fileFormat() { return core_.text("file-format", answerLimit).value_or(""); }
 
 std::string Opening::trackText(int track, const char *item) {
     const std::string property = "track-list/" + std::to_string(track) + "/" + item;
@@ -134,7 +150,7 @@ bool Opening::chooseWindow() {
     }
     if (medium_.window == nullptr)
         return core_.finish(core_.set("vid", std::string("no")), answerLimit);
-    return core_.finish(core_.set("wid", static_cast<double>(medium_.window->id())), answerLimit);
+    return core_.finish(core_.set("wid", std::int64_t{medium_.window->id()}), answerLimit);
 }
 
 // A stream may be found and its codec be unknown, or not one frame come out of it.
@@ -149,7 +165,7 @@ bool Opening::canBeDecoded() {
 }
 
 std::optional<std::int32_t> Opening::lengthMs() {
-    const std::string format = core_.text("file-format", answerLimit).value_or("");
+    const std::string format = fileFormat();
     const auto limit =
         std::min(scanLimit, std::chrono::duration_cast<milliseconds>(end_ - Clock::now()));
     const auto seconds =

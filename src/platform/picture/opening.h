@@ -34,6 +34,7 @@ private:
     bool canBeDecoded();
     std::optional<std::int32_t> lengthMs();
     void showOwnWindow();
+    std::string fileFormat();
     std::string trackText(int track, const char *item);
 
     media::OpenRequest request_;

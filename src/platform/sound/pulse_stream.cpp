@@ -34,7 +34,7 @@ constexpr auto exactWait = 3ms;
 } // namespace
 
 PulseStream::PulseStream(PulseLink &link, int rate, TimePoint now)
-    : link_(link), table_(link.table()), rate_(rate), mixMs_(mixMsKept), started_(now) {
+    : link_(link), table_(link.table()), rate_(rate), mixMs_(mixMsTakenBack), started_(now) {
     connect();
 }
 
@@ -66,7 +66,6 @@ void PulseStream::connect() {
             auto *that = static_cast<PulseStream *>(self);
             const pa_stream_state_t state = that->table_.pa_stream_get_state(stream);
             if (state == PA_STREAM_READY) {
-                that->state_ = State::Idle;
                 that->askSink();
             } else if (!PA_STREAM_IS_GOOD(state)) {
                 that->state_ = State::Lost;
@@ -111,8 +110,11 @@ void PulseStream::askSink() {
     sinkInfo_ = table_.pa_context_get_sink_info_by_index(
         link_.context(), table_.pa_stream_get_device_index(stream_),
         [](pa_context *, const pa_sink_info *info, int end, void *self) {
+            auto *that = static_cast<PulseStream *>(self);
             if (end == 0 && info)
-                static_cast<PulseStream *>(self)->takeSink(*info);
+                that->takeSink(*info);
+            if (that->state_ == State::Starting)
+                that->state_ = State::Idle;
         },
         this);
 }
@@ -143,7 +145,8 @@ std::int64_t PulseStream::start(TimePoint now) {
     advancing_ = false;
     startedNow_ = false;
     pulled_ = false;
-    return idleFrame_;
+    // A short part that is mixed already is not taken back: what plays begins behind it.
+    return idleFrame_ + (mixesShortParts() ? mixFrames_ : 0);
 }
 
 void PulseStream::stop(TimePoint now) {
@@ -179,13 +182,15 @@ bool PulseStream::exact(TimePoint now) {
     return now - asked_ > exactWait;
 }
 
+// Taking back a short part costs more than it gains, whoever could.
+bool PulseStream::mixesShortParts() const {
+    return mixFrames_ > 0 && mixFrames_ <= std::int64_t{rate_} * (mixMsKept + 1) / 1000;
+}
+
 std::int64_t PulseStream::earliest(TimePoint now) const {
     const std::int64_t onTheWay = std::int64_t{rate_} * writeMs / 1000;
     const std::int64_t soon = std::max(heard(now) + onTheWay, idleFrame_);
-    // A short mixed part is left alone in any case: taking it back costs more than it gains.
-    const bool isShort =
-        mixFrames_ > 0 && mixFrames_ <= std::int64_t{rate_} * (mixMsKept + 1) / 1000;
-    if (!advancing_ || pulled_ || (takesBack_ && !isShort))
+    if (!advancing_ || pulled_ || (takesBack_ && !mixesShortParts()))
         return soon;
     if (mixFrames_ <= 0)
         return std::max(soon, takenFrame_ + framesOfTime(now - heardTime_, rate_) + onTheWay);

@@ -35,6 +35,7 @@ private:
     void setMixBuffer(int mixMs);
     void askSink();
     void takeSink(const pa_sink_info &info);
+    bool mixesShortParts() const;
     void askTiming(TimePoint now);
     void takeTiming();
     void pullBack();

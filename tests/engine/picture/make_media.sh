@@ -14,6 +14,7 @@ rm -rf "$out"
 mkdir -p "$out"
 cd "$out"
 
+size() { wc -c < "$1"; }
 make() { ffmpeg -hide_banner -loglevel error -nostdin -y "$@"; }
 
 noise() { echo "anoisesrc=d=$3:c=white:r=44100:a=0.7:seed=$1,highpass=f=200,lowpass=f=3000[$2]"; }
@@ -21,13 +22,13 @@ noise() { echo "anoisesrc=d=$3:c=white:r=44100:a=0.7:seed=$1,highpass=f=200,lowp
 make -filter_complex "$(noise 1 l 12);$(noise 2 r 12);[l][r]join=inputs=2:channel_layout=stereo[o]" \
     -map '[o]' -c:a pcm_s16le source.wav
 
-# Quarters: red, green / blue, white; centre: grey, 20 levels up each second.
+# Quarters: red, green / blue, white; centre: grey, 18 levels up each second.
 quarters() { # size
     w=${1%x*} h=${1#*x}
     hw=$((w / 2)) hh=$((h / 2)) cw=$((w / 4)) ch=$((h / 4))
     echo "color=c=white:s=$1:r=25:d=12,drawbox=0:0:$hw:$hh:red:fill,drawbox=$hw:0:$hw:$hh:lime:fill,\
 drawbox=0:$hh:$hw:$hh:blue:fill[g];color=c=black:s=${cw}x$ch:r=25:d=12,\
-geq=lum='16+floor(T)*18':cb=128:cr=128[c];[g][c]overlay=(W-w)/2:(H-h)/2"
+format=yuv420p,geq=lum='16+floor(T)*18':cb=128:cr=128[c];[g][c]overlay=(W-w)/2:(H-h)/2"
 }
 make -f lavfi -i "$(quarters 320x240)" -c:v mpeg4 -q:v 2 -g 50 picture.avi
 
@@ -75,6 +76,48 @@ make -f lavfi -i testsrc=s=640x360:r=25:d=60 -i long.m4a -i left_tone.m4a -map 0
     -c:v libx264 -preset ultrafast -g 250 -pix_fmt yuv420p -c:a copy tone_film.mp4
 make -i tone_film.mp4 -i left_tone.m4a -map 0:v -map 1:a -c copy left_tone_film.mp4
 
+# The same sound for the sound device.
+make -i source.wav -c:a libmp3lame -b:a 128k cbr.mp3
+make -i source.wav -c:a libmp3lame -q:a 4 vbr.mp3
+make -i source.wav -c:a libmp3lame -q:a 4 -write_xing 0 -id3v2_version 0 vbr_headless.mp3
+for rate in 8000 11025 16000 22050 24000 32000 48000; do
+    make -i source.wav -ar $rate -c:a libmp3lame -b:a 64k rate$rate.mp3
+done
+make -i source.wav -map_channel 0.0.0 -c:a libmp3lame -b:a 64k mono.mp3
+make -i source.wav -c:a pcm_u8 bits8.wav
+make -i source.wav -c:a pcm_s24le bits24.wav
+make -i source.wav -c:a pcm_s32le bits32.wav
+make -i source.wav -c:a pcm_f32le float.wav
+make -i source.wav -c:a flac sound.flac
+make -i source.wav -c:a libvorbis -q:a 6 sound.ogg
+make -i source.wav -c:a libopus -b:a 128k sound.opus
+make -i source.wav -c:a pcm_s16be sound.aiff
+make -i source.wav -c:a pcm_s16be sound.au
+# One note a second, on the beat, for four seconds: 120 beats a minute, 480 ticks to a beat.
+track() {
+    printf '\000\377\121\003\007\241\040\000\300\000'
+    for note in 1 2 3 4; do printf '\000\220\074\177\207\100\200\074\000'; done
+    printf '\000\377\057\000'
+}
+track > track.bin
+byte() { printf "\\$(printf '%03o' "$1")"; }
+{
+    printf 'MThd\000\000\000\006\000\000\000\001\001\340MTrk\000\000\000'
+    byte "$(size track.bin)"
+    cat track.bin
+} > sound.mid
+{
+    midi=$(size sound.mid)
+    printf RIFF
+    byte $((midi + 12 + midi % 2))
+    printf '\000\000\000RMIDdata'
+    byte "$midi"
+    printf '\000\000\000'
+    cat sound.mid
+    [ $((midi % 2)) = 0 ] || printf '\000'
+} > sound.rmi
+rm track.bin
+
 make -f lavfi -i color=c=red:s=64x64:d=1 -frames:v 1 cover.png
 make -i source.wav -i cover.png -map 0:a -map 1:v -c:a aac -c:v copy -disposition:v attached_pic cover.m4a
 make -i picture.avi -c:v copy silent.avi
@@ -86,7 +129,6 @@ make -f lavfi -i color=c=red:s=7680x4320:r=10:d=2 -f lavfi -i sine=d=2 -c:v libx
     -pix_fmt yuv420p -c:a aac -shortest huge_picture.mp4
 
 # What is broken, or no medium at all.
-size() { wc -c < "$1"; }
 head -c $(($(size film.mp4) / 2)) film.mp4 > truncated.mp4
 head -c $(($(size film.avi) / 2)) film.avi > truncated.avi
 head -c $(($(size film.flv) / 2)) film.flv > truncated.flv

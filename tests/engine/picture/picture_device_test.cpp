@@ -72,7 +72,7 @@ INSTANTIATE_TEST_SUITE_P(
         Length{"rotated.mp4", 12'000}, Length{"sound.wma", 12'000}, Length{"sound.tta", 12'000},
         Length{"sound.m4a", 12'000}, Length{"sound.aac", 12'000}, Length{"sound.wv", 12'000},
         Length{"sound.ac3", 12'000}, Length{"sound_live.mka", 12'000}, Length{"cover.m4a", 12'000},
-        Length{"uneven.aac", 16'000}, Length{"mono.tta", 12'000}, Length{"surround.flac", 12'000},
+        Length{"uneven.aac", 16'060}, Length{"mono.tta", 12'000}, Length{"surround.flac", 12'000},
         Length{"source.wav", 12'000}, Length{"huge_picture.mp4", 2000}),
     [](const auto &medium) { return nameOf(medium.param.file); });
 
@@ -114,7 +114,7 @@ TEST_P(DamagedMedium, EndsWhereItsDataEnd) {
 INSTANTIATE_TEST_SUITE_P(Files, DamagedMedium,
                          testing::Values("truncated.mp4", "truncated.avi", "truncated.flv",
                                          "truncated.tta", "truncated.wma", "truncated.mpg",
-                                         "damaged.avi", "damaged.mp4", "size_change.ts"),
+                                         "damaged.avi", "damaged.mp4"),
                          [](const auto &file) { return nameOf(file.param); });
 
 class PictureDevice : public testing::Test {
@@ -257,8 +257,9 @@ TEST(PictureOpen, AFileNameMayHoldAnyBytes) {
         std::filesystem::copy_file(mediaFile("sound.aac"), folder / name);
         const auto device = silentOpener()->open({(folder / name).string(), "MPEGVideo", false, 0});
         EXPECT_TRUE(device) << testing::PrintToString(name);
-        if (device)
+        if (device) {
             EXPECT_NEAR(device->lengthMs(), 12'000, 50);
+        }
     }
     std::filesystem::remove_all(folder);
 }
@@ -292,8 +293,9 @@ TEST(PictureOpen, OneOpenerOpensOneMediumAfterTheOther) {
         for (const char *file : {"sound.m4a", "film.avi", "random.mp4", "film.mpg"}) {
             const auto device = opener->open({mediaFile(file), "MPEGVideo", false, 0});
             ASSERT_EQ(device != nullptr, std::string(file) != "random.mp4");
-            if (device)
+            if (device) {
                 ASSERT_TRUE(device->play());
+            }
         }
     }
 }
