@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <poll.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
@@ -64,6 +65,9 @@ bool accepts(const std::string &path) {
 } // namespace
 
 PulseServer::PulseServer(Options options) : options_(std::move(options)) {
+    // Whoever listens in real time goes before what else the machine does, where that is allowed:
+    // the server, the recorder and the threads of devices are all begun by this thread.
+    setpriority(PRIO_PROCESS, 0, -10);
     std::string pattern =
         (std::filesystem::temp_directory_path() / "velmora-pulse-XXXXXX").string();
     if (mkdtemp(pattern.data()))

@@ -93,11 +93,16 @@ protected:
         recorder_->waitForFrames(recorder_->frames() + recorder_->framesOf(ms), 5000);
     }
 
-    // Where the next sound to be heard lies in the source. A loaded machine may tear a piece.
-    SourceSound::Match seekAndHear(int target, int side = 0) {
+    // Where the next sound to be heard lies in the source, which a codec's own delay moves. A
+    // loaded machine may tear a piece or begin it late: then it is done again.
+    SourceSound::Match seekAndHear(int target, int side, double codecDelayMs) {
         SourceSound::Match match;
         const std::string text = std::to_string(target);
-        for (int attempt = 0; attempt < 4 && match.correlation < 0.7; ++attempt) {
+        const auto isThere = [&] {
+            return match.correlation > 0.7 &&
+                   std::abs(match.seconds * 1000.0 + codecDelayMs - target) <= 50.0;
+        };
+        for (int attempt = 0; attempt < 4 && !isThere(); ++attempt) {
             EXPECT_TRUE(does(u"seek NOWMUSIC to " + std::u16string(text.begin(), text.end())));
             EXPECT_EQ(mode(), u"paused");
             passTime(80);
@@ -141,7 +146,7 @@ TEST_P(EveryKind, OpensStoppedWithItsLengthAndOnlyAFilmHasAPicture) {
 TEST_P(EveryKind, ASeekIsHeardAtItsPlace) {
     ASSERT_EQ(open(GetParam().file), 0U);
     for (const int target : {8040, 2515}) {
-        const auto match = seekAndHear(target, GetParam().isMono ? 0 : 1);
+        const auto match = seekAndHear(target, GetParam().isMono ? 0 : 1, GetParam().codecDelayMs);
         EXPECT_GT(match.correlation, 0.7) << target;
         EXPECT_NEAR(match.seconds * 1000.0 + GetParam().codecDelayMs, target, 50.0);
     }
@@ -153,7 +158,7 @@ TEST_P(EveryKind, OneSideIsHeardOnBothSpeakers) {
     ASSERT_EQ(open(GetParam().file), 0U);
     ASSERT_TRUE(playUpTo(200));
     ASSERT_TRUE(does(u"setaudio  NOWMUSIC source to left"));
-    const auto match = seekAndHear(5030, 0);
+    const auto match = seekAndHear(5030, 0, GetParam().codecDelayMs);
     EXPECT_GT(match.correlation, 0.7);
     EXPECT_NEAR(match.seconds * 1000.0 + GetParam().codecDelayMs, 5030.0, 50.0);
 }
