@@ -1,0 +1,387 @@
+#!/usr/bin/env python3
+"""The settings window of the real program, used by mouse and by keyboard alone.
+
+    test_settings.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
+"""
+
+import os
+import signal
+import sqlite3
+import sys
+import unittest
+
+from player import ABOUT, SETTINGS, PlayerTest
+from session import quiet, wait_for
+
+KEY = "SOFTWARE\\NORVANE\\ZKPLAYER\\PLAYSET"
+PAGES = ("playSet", "lrcSet", "folderSet", "languageSet", "Shortcuts", "help")
+# The frame of a page, and places inside it, in pixels.
+FRAME = (2280 / 15, 480 / 15)
+LANGUAGE_ROWS = {"Chinese": 480, "English": 960, "French": 1440, "Japanese": 1920}
+
+
+class SettingsTest(PlayerTest):
+    def setUp(self):
+        super().setUp()
+        self.player = self.window = None
+
+    def begin(self):
+        self.player, self.window = self.start()
+
+    def open(self):
+        self.session.key("ctrl+s", self.window)
+        settings = self.player.form(SETTINGS)
+        self.assertTrue(settings, "the settings window does not come up")
+        quiet("xdotool", "windowfocus", "--sync", settings, env=self.session.env)
+        return settings
+
+    def visible(self, form):
+        return self.player.form(form, 0.1)
+
+    def assert_closed(self):
+        self.assertTrue(wait_for(lambda: not self.visible(SETTINGS)), "the settings stay open")
+
+    def message(self):
+        return self.player.box()
+
+    # --- mouse, keys, looks --------------------------------------------------------------------
+
+    def press(self, window, x, y):
+        shape = self.player.geometry(window)
+        quiet("xdotool", "mousemove", str(int(shape["X"] + x)), str(int(shape["Y"] + y)), "click",
+              "1", env=self.session.env)
+
+    def click(self, window, form, control):
+        left, top, width, height = form[control]
+        self.press(window, left + width / 2, top + height / 2)
+
+    def keys(self, *names):
+        quiet("xdotool", "key", "--delay", "30", *names, env=self.session.env)
+
+    def look(self, window, left=0, top=0, width=0, height=0):
+        """The pixels of a part of a window, without what the pointer makes of it."""
+        quiet("xdotool", "mousemove", "1270", "790", env=self.session.env)
+        crop = ["-crop", f"{int(width)}x{int(height)}+{int(left)}+{int(top)}"] if width else []
+        target = f"{self.session.home}/look.ppm"
+        quiet("import", "-window", window, *crop, target, env=self.session.env)
+        with open(target, "rb") as file:
+            return file.read()
+
+    def page(self, window):
+        return self.look(window, FRAME[0], FRAME[1], 430, 330)
+
+    def steady_page(self, window):
+        """The page once two looks in a row are the same."""
+        before = [self.page(window)]
+
+        def look():
+            now = self.page(window)
+            same, before[0] = now == before[0], now
+            return now if same else None
+        return wait_for(look)
+
+    # --- what is stored --------------------------------------------------------------------------
+
+    def stored(self, name):
+        path = self.registry_file()
+        if not path:
+            return None
+        database = sqlite3.connect(path)
+        try:
+            row = database.execute(
+                "select data from entries join keys on keys.id = entries.key "
+                "where keys.folded like ? and entries.folded = ?",
+                ("%PLAYSET", name.upper())).fetchone()
+        finally:
+            database.close()
+        if row is None:
+            return None
+        return row[0].decode() if isinstance(row[0], bytes) else row[0]
+
+    def assert_stored(self, name, value):
+        self.assertTrue(wait_for(lambda: self.stored(name) == value),
+                        f"{name} is {self.stored(name)!r}, not {value!r}")
+
+
+class ByMouse(SettingsTest):
+    def test_each_tab_shows_a_page_of_its_own(self):
+        self.begin()
+        settings = self.open()
+        pages = []
+        for tab in PAGES:
+            self.click(settings, SETTINGS, tab)
+            pages.append(self.steady_page(settings))
+        self.assertEqual(len(set(pages)), len(PAGES), "two pages look alike")
+
+    def test_apply_changes_the_main_window_at_once_and_stays(self):
+        self.begin()
+        before = self.look(self.window)
+        settings = self.open()
+        self.click(settings, SETTINGS, "languageSet")
+        self.press(settings, FRAME[0] + 40, FRAME[1] + (LANGUAGE_ROWS["English"] + 165) / 15)
+        self.click(settings, SETTINGS, "yy")
+        self.assert_stored("Language", "1")
+        self.assertTrue(wait_for(lambda: self.look(self.window) != before),
+                        "the main window does not change")
+        self.assertTrue(self.visible(SETTINGS))
+
+    def test_ok_stores_and_leaves_and_cancel_only_leaves(self):
+        self.begin()
+        settings = self.open()
+        self.press(settings, FRAME[0] + 30, FRAME[1] + (2400 + 165) / 15)  # autoUpdate
+        self.click(settings, SETTINGS, "qx")
+        self.assert_closed()
+        self.assertIsNone(self.stored("AutoUpadate"))
+        settings = self.open()
+        self.press(settings, FRAME[0] + 30, FRAME[1] + (2850 + 165) / 15)  # openVideo_Interface
+        self.click(settings, SETTINGS, "qd")
+        self.assert_closed()
+        self.assert_stored("VideoInterface", "1")
+        self.assertEqual(self.stored("AutoUpadate"), "0")
+
+    def test_a_disabled_play_mode_takes_no_click_but_is_stored(self):
+        self.begin()
+        settings = self.open()
+        random_row = (FRAME[0] + 55, FRAME[1] + (1320 + 165) / 15)
+        self.press(settings, *random_row)
+        self.press(settings, FRAME[0] + 30, FRAME[1] + (450 + 165) / 15)  # isAutoPlay off
+        self.press(settings, FRAME[0] + 55, FRAME[1] + (1740 + 165) / 15)  # repeat: disabled
+        self.click(settings, SETTINGS, "yy")
+        self.assert_stored("isAutoPlay", "1")
+        self.assertEqual(self.stored("PlayMode"), "1")
+
+    def test_the_close_button_and_the_window_manager_close_it(self):
+        self.begin()
+        settings = self.open()
+        self.click(settings, SETTINGS, "close")
+        self.assert_closed()
+        settings = self.open()
+        quiet("wmctrl", "-i", "-c", settings, env=self.session.env)
+        self.assert_closed()
+        self.assertIsNone(self.player.child.poll())
+
+    def test_the_about_window_gives_the_settings_back(self):
+        self.begin()
+        settings = self.open()
+        self.click(settings, SETTINGS, "abount")
+        about = self.player.form(ABOUT)
+        self.assertTrue(about, "the about window does not come up")
+        self.click(about, ABOUT, "close")
+        self.assertTrue(wait_for(lambda: not self.visible(ABOUT)))
+        self.click(settings, SETTINGS, "qx")
+        self.assert_closed()
+
+    def test_a_dragged_window_follows_the_pointer(self):
+        self.begin()
+        settings = self.open()
+        before = self.player.geometry(settings)
+        x, y = before["X"] + 200, before["Y"] + 12
+
+        def moved_by(dx, dy):
+            now = self.player.geometry(settings)
+            return (now["X"] - before["X"], now["Y"] - before["Y"]) == (dx, dy)
+        quiet("xdotool", "mousemove", str(x), str(y), "mousedown", "1", env=self.session.env)
+        for dx, dy in ((60, 40), (80, 50)):
+            # A hand is never faster than the program.
+            quiet("xdotool", "sleep", "0.2", "mousemove", str(x + dx), str(y + dy),
+                  env=self.session.env)
+            self.assertTrue(wait_for(lambda dx=dx, dy=dy: moved_by(dx, dy)),
+                            "the window is not where the pointer took it")
+        quiet("xdotool", "mouseup", "1", env=self.session.env)
+
+
+class ByKeyboard(SettingsTest):
+    """The keyboard goes through the window as it is designed: tabs, about, page, OK, Cancel, Apply.
+
+    On opening it is at the first choice of the page.
+    """
+
+    def back(self, steps):
+        self.keys(*["shift+Tab"] * steps)
+
+    def on(self, steps):
+        self.keys(*["Tab"] * steps)
+
+    def test_a_language_is_chosen_and_applied_without_a_mouse(self):
+        self.begin()
+        before = self.look(self.window)
+        self.open()
+        self.back(4)  # about, help, shortcuts, languages
+        self.keys("Return")
+        self.on(6)  # shortcuts, help, about, Chinese, English, French
+        self.keys("space")
+        self.on(4)  # Japanese, OK, Cancel, Apply
+        self.keys("Return")
+        self.assert_stored("Language", "2")
+        self.assertTrue(wait_for(lambda: self.look(self.window) != before))
+
+    def test_each_page_is_opened_without_a_mouse(self):
+        self.begin()
+        settings = self.open()
+        self.back(8)
+        pages = []
+        for _ in PAGES:
+            self.keys("Tab", "Return")
+            pages.append(self.steady_page(settings))
+        self.assertEqual(len(set(pages)), len(PAGES), "two pages look alike")
+
+    def test_the_order_goes_round_backwards_too(self):
+        self.begin()
+        self.open()
+        self.back(9)  # past the tabs to Apply and Cancel
+        self.keys("space")
+        self.assert_closed()
+        self.assertIsNone(self.stored("PlayMode"))
+
+    def test_a_choice_is_made_with_the_space_bar(self):
+        self.begin()
+        self.open()
+        self.on(2)  # in order, random
+        self.keys("space")
+        self.on(2)  # repeat, update
+        self.keys("space")
+        self.on(2)  # video, OK
+        self.keys("Return")
+        self.assert_closed()
+        self.assert_stored("PlayMode", "1")
+        self.assertEqual(self.stored("AutoUpadate"), "1")
+
+    def test_a_typed_folder_is_confirmed_from_its_box_and_made(self):
+        self.begin()
+        self.open()
+        folder = self.session.home + "/my lists"
+        self.back(5)
+        self.keys("Return")
+        self.on(6)  # languages, shortcuts, help, about, lyrics, play list
+        self.keys("ctrl+a")
+        quiet("xdotool", "type", "--delay", "10", folder, env=self.session.env)
+        self.keys("ctrl+s")
+        self.assert_closed()
+        self.assert_stored("PlayListSaveFolder", folder)
+        self.assertTrue(wait_for(lambda: os.path.isdir(folder)), "the folder is not made")
+
+    def test_ctrl_s_opens_it_and_confirms_it(self):
+        self.begin()
+        self.open()
+        self.keys("ctrl+s")
+        self.assert_closed()
+        self.assert_stored("PlayMode", "0")
+
+
+class Restoring(SettingsTest):
+    def test_restore_to_defaults_restarts_the_program(self):
+        self.begin()
+        settings = self.open()
+        self.click(settings, SETTINGS, "languageSet")
+        self.press(settings, FRAME[0] + 40, FRAME[1] + (LANGUAGE_ROWS["English"] + 165) / 15)
+        self.click(settings, SETTINGS, "yy")
+        self.assert_stored("Language", "1")
+        self.click(settings, SETTINGS, "playSet_Resume")
+        for question in ("whether", "restart"):
+            box = self.message()
+            self.assertTrue(box, f"the question {question} does not come up")
+            quiet("xdotool", "windowfocus", "--sync", box, env=self.session.env)
+            self.keys("Return")
+            self.assertTrue(wait_for(lambda: not self.alive(box)), "the question stays")
+        self.assertTrue(self.player.ended(), "the old program goes on")
+        self.assertEqual(self.player.child.returncode, 0)
+        new = wait_for(self.new_program, 20)
+        self.assertTrue(new, "the new program does not come up")
+        self.addCleanup(self.end, new)
+        self.assertIsNone(self.stored("Language"))
+
+    def alive(self, window):
+        return "IsViewable" in quiet("xwininfo", "-id", window, env=self.session.env)
+
+    def new_program(self):
+        """The process of a visible window that is not the old program's."""
+        for number in quiet("xdotool", "search", "--onlyvisible", "--class", "velmora",
+                            env=self.session.env).split():
+            pid = quiet("xdotool", "getwindowpid", number, env=self.session.env)
+            if pid and int(pid) != self.player.child.pid:
+                return int(pid)
+        return None
+
+    @staticmethod
+    def end(pid):
+        try:
+            os.kill(pid, signal.SIGKILL)
+        except ProcessLookupError:
+            pass
+
+    def test_a_no_keeps_everything(self):
+        self.begin()
+        settings = self.open()
+        self.click(settings, SETTINGS, "yy")
+        self.assert_stored("PlayMode", "0")
+        self.click(settings, SETTINGS, "playSet_Resume")
+        box = self.message()
+        self.assertTrue(box)
+        quiet("xdotool", "windowfocus", "--sync", box, env=self.session.env)
+        self.keys("n")
+        self.assertTrue(wait_for(lambda: not self.alive(box)))
+        self.assertEqual(self.stored("PlayMode"), "0")
+        self.click(settings, SETTINGS, "qx")
+        self.assert_closed()
+
+
+class WithOddSettings(SettingsTest):
+    """Whatever the registry holds, the window opens, applies and closes."""
+
+    def write(self, values):
+        database = sqlite3.connect(self.registry_file())
+        with database:
+            (key,) = database.execute("select id from keys where folded like '%PLAYSET'").fetchone()
+            for name, (kind, data) in values.items():
+                size = 4 if kind == 4 else len(data)
+                database.execute("insert or replace into entries values (?, ?, ?, ?, ?, ?)",
+                                 (key, name.upper(), name, kind, size, data))
+        database.close()
+
+    def run_with(self, values):
+        self.begin()
+        self.session.key("Escape", self.window)
+        self.assertTrue(self.player.ended())
+        self.write(values)
+        self.begin()
+        settings = self.open()
+        for tab in PAGES:
+            self.click(settings, SETTINGS, tab)
+        self.click(settings, SETTINGS, "yy")
+        self.assertTrue(wait_for(lambda: self.stored("VideoInterface") == "0"))
+        self.click(settings, SETTINGS, "qx")
+        self.assert_closed()
+        self.assertIsNone(self.player.child.poll())
+
+    def font(self, name, size):
+        values = {}
+        for which in ("Desktop", "Other"):
+            for stem in ("Bold", "Charset", "Italic", "Strikethrough", "Underline", "Weight"):
+                values[f"{which}_Lrc_{stem}"] = (4, 0xFFFFFFFF)
+            values[f"{which}_Lrc_ForeColor"] = (4, 0xFFFFFFFF)
+            values[f"{which}_Lrc_BackColor"] = (4, 0x80000000)
+            values[f"{which}_Lrc_Name"] = (1, name)
+            values[f"{which}_Lrc_Size"] = (4, size)
+        values["Desktop_Lrc_AutoOpen"] = (1, "1")
+        return values
+
+    def test_the_largest_size_of_a_face_that_is_not_installed(self):
+        self.run_with(self.font("No Such Face", 2160))
+
+    def test_a_size_out_of_range_and_an_endless_name(self):
+        self.run_with(self.font("x" * 100000, 5000))
+
+    def test_texts_for_numbers_and_numbers_for_texts(self):
+        values = {name: (4, 3) for name in
+                  ("AutoUpadate", "isAutoPlay", "PlayMode", "Language", "VideoInterface",
+                   "LrcSaveFolder", "PlayListSaveFolder", "PlayCacheSaveFolder")}
+        self.run_with(values | {"Desktop_Lrc_Size": (1, "36"), "Desktop_Lrc_AutoOpen": (4, 1)})
+
+    def test_folders_that_cannot_be(self):
+        self.run_with({"LrcSaveFolder": (1, "/proc/nowhere/lyrics"),
+                       "PlayListSaveFolder": (1, "a\r\nb\x00c//"),
+                       "PlayCacheSaveFolder": (1, "/" + "long" * 30000)})
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
