@@ -49,8 +49,6 @@ std::vector<std::u16string> hostsOf(setControl &settings) {
 int play() {
     platform::QtOptions windowOptions;
     windowOptions.note = note;
-    platform::AnsiText *text = nullptr;
-    windowOptions.decodePath = [&text](std::string_view bytes) { return text->decodePath(bytes); };
     const auto windows = platform::QtWindowSystem::make(windowOptions);
     if (windows == nullptr) {
         return 1; // it has said why
@@ -59,7 +57,6 @@ int play() {
     const platform::HomeFolders homes = platform::homeFolders();
     platform::SqliteRegistry *settings = nullptr;
     const auto ansi = platform::makeAnsiText([&settings] { return activePage(*settings); });
-    text = ansi.get();
     platform::SqliteRegistry registry(homes.registryFile(), *ansi);
     settings = &registry;
     const auto clock = platform::makeClock();

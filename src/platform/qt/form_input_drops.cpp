@@ -1,6 +1,7 @@
 // Tool tips and files dropped on a window.
 
 #include "platform/forms/dispatch.h"
+#include "platform/linux/text/path_text.h"
 #include "platform/qt/file_uris.h"
 #include "platform/qt/form_input.h"
 #include "platform/qt/form_window.h"
@@ -88,7 +89,7 @@ bool FormInput::drop(QDropEvent &event) {
     forms::FilesDropped dropped;
     for (const std::string &path :
          localPaths({list.constData(), static_cast<std::size_t>(list.size())}))
-        dropped.files.push_back(hub_.decodePath(path));
+        dropped.files.push_back(pathFromBytes(path));
     // The one who drags waits for the answer: the handler runs when the protocol is through.
     QMetaObject::invokeMethod(
         window_.top(),

@@ -50,9 +50,6 @@ public:
     // An icon of a drawing in the usual sizes.
     QIcon icon(forms::Picture picture);
 
-    // How the bytes of a path are text.
-    std::function<std::u16string(std::string_view)> decodePath;
-
     // Where the pointer was last known to have left all our windows (XWayland tells no more).
     bool pointerOutside = false;
 

@@ -1,6 +1,7 @@
 #include "platform/qt/qt_dialogs.h"
 
 #include "base/text.h"
+#include "platform/linux/text/path_text.h"
 #include "platform/qt/copy_file.h"
 #include "platform/qt/dialog_filters.h"
 #include "platform/qt/text_convert.h"
@@ -22,11 +23,14 @@ constexpr int boldWeight = 700;
 constexpr int regularWeight = 400;
 constexpr int tenths = 10;
 
-// The toolkit's path names keep bytes that are no text as they were; the program's texts hold them
-// as units of their own. Both meet in the bytes.
-std::u16string toPath(const AnsiText &ansi, const QString &path) {
+// The toolkit's paths and the program's meet in the bytes: a line break in a name is a unit of its
+// own in the program. Names that are no text at all are not shown by the toolkit's dialogs.
+std::u16string toPath(const QString &path) {
     const QByteArray bytes = QFile::encodeName(path);
-    return ansi.decodePath({bytes.constData(), static_cast<std::size_t>(bytes.size())});
+    return pathFromBytes({bytes.constData(), static_cast<std::size_t>(bytes.size())});
+}
+QString fromPath(std::u16string_view path) {
+    return QFile::decodeName(QByteArray::fromStdString(pathBytes(path)));
 }
 
 Colour toColour(const QColor &colour) {
@@ -125,21 +129,21 @@ private:
         if (!runs(dialog) || dialog.selectedFiles().isEmpty()) {
             return std::nullopt;
         }
-        return toPath(ansi_, dialog.selectedFiles().front());
+        return toPath(dialog.selectedFiles().front());
     }
 
     bool fileName(QFileDialog &dialog, OPENFILENAME &record) {
         dialog.setWindowTitle(qt::toShown(record.title));
         dialog.setNameFilters(qt::nameFilters(record.filter));
         if (!record.initialDirectory.empty()) {
-            dialog.setDirectory(qt::toQString(record.initialDirectory));
+            dialog.setDirectory(fromPath(record.initialDirectory));
         }
         if (!record.defaultExtension.empty()) {
             dialog.setDefaultSuffix(qt::toQString(record.defaultExtension));
         }
         const std::u16string_view proposed = untilNul(record.file);
         if (!proposed.empty()) {
-            dialog.selectFile(qt::toQString(proposed));
+            dialog.selectFile(fromPath(proposed));
         }
         const auto chosen = chosenFile(dialog);
         if (chosen) {

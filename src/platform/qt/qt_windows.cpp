@@ -33,9 +33,6 @@ struct QtWindowSystem::Parts {
     Parts(std::unique_ptr<qt::Application> started, const QtOptions &options)
         : application(std::move(started)), tray(hub),
           sensor(hub, options.pointerUnknownOutside || hub.x11.isGuest()) {
-        hub.decodePath = options.decodePath ? options.decodePath : [](std::string_view bytes) {
-            return fromUtf8(bytes);
-        };
         qt::installAccessibility();
         hub.x11.onCompositor = [this] {
             for (auto &[number, entry] : hub.forms)

@@ -18,8 +18,6 @@ struct QtOptions {
     std::string name = "velmora";
     // One line for the user's terminal; called at most a few times, at the start.
     std::function<void(std::string_view line)> note;
-    // How the bytes of a dropped file's path are text; as UTF-8 when empty.
-    std::function<std::u16string(std::string_view bytes)> decodePath;
     // As on a server that sees the pointer over our windows only; found out when absent.
     bool pointerUnknownOutside = false;
 };

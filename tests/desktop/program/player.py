@@ -194,11 +194,13 @@ class PlayerTest(unittest.TestCase):
 
     def write_list(self, paths):
         os.makedirs(os.path.dirname(self.list_file()), exist_ok=True)
-        with open(self.list_file(), "w", newline="") as file:
+        with open(self.list_file(), "w", newline="", encoding="utf-8",
+                  errors="surrogatepass") as file:
             file.write("".join(path + "\r\n" for path in paths))
 
     def read_list(self):
-        with open(self.list_file(), newline="") as file:
+        # What is no text in a file's name stands in the list as a lone half of a pair.
+        with open(self.list_file(), newline="", encoding="utf-8", errors="surrogatepass") as file:
             return file.read()
 
     def list_lines(self):
@@ -208,6 +210,13 @@ class PlayerTest(unittest.TestCase):
         """The saved list holds these, in this order."""
         self.assertTrue(wait_for(lambda: self.list_lines() == paths, 10),
                         f"the list is {self.list_lines()} instead of {paths}")
+
+    def write_into(self, player, ask, text):
+        """Writes a text into the box of one line."""
+        player.click(ask, "jieGuo", form=ASK)
+        quiet("xdotool", "key", "ctrl+a", "Delete", env=self.session.env)
+        if text:
+            quiet("xdotool", "type", "--delay", "8", text, env=self.session.env)
 
     def type_into(self, dialog, text):
         """Types a text where a box or dialog has its cursor, and confirms it."""

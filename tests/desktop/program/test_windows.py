@@ -75,7 +75,8 @@ class Dragging(WindowTest):
                             f"{player.place(main)} instead of {target}")
             self.assert_touching(player, main, rows)
             for window in (main, rows):
-                self.assertIn("_NET_WM_STATE_ABOVE", self.states(window))
+                self.assertTrue(wait_for(lambda: "ABOVE" in self.states(window), 5),
+                                "a dragged window is not on top")
         steps = [(-10, 6)] * 10 + [(7, -3)]
         self.drag(player, main if dragged == "main" else rows, handle, steps, held)
         for window in (main, rows):

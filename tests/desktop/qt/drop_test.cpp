@@ -53,6 +53,15 @@ TEST_F(DropTest, BringsTheFilesAndThePlaceToTheControlUnderIt) {
     EXPECT_FLOAT_EQ(form.drops[0].y, 50 * 15);
 }
 
+TEST_F(DropTest, KeepsTheBytesOfANameThatAreNoText) {
+    DropForm form;
+    form.appear();
+    EXPECT_TRUE(form.drop(100, 70, "text/uri-list", "file:///a%0Ab%ff.mp3\r\n"));
+    ASSERT_TRUE(desk().pump([&] { return form.drops.size() == 1; }));
+    EXPECT_EQ(form.drops[0].files, (std::vector<std::u16string>{u"/a\xDC0A"
+                                                                u"b\xDCFF.mp3"}));
+}
+
 TEST_F(DropTest, IsAnsweredWithCopyWhateverWasProposed) {
     DropForm form;
     form.appear();

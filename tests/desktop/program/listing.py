@@ -1,0 +1,119 @@
+"""What the tests of the play list share: its rows on the screen, drops, boxes and what the desktop
+was asked to open."""
+
+import os
+import subprocess
+import urllib.parse
+
+from player import DRAG, LIST, MAIN, PlayerTest, stairs
+from session import quiet, wait_for
+
+ROW = 18  # pixels
+LIST_LEFT, LIST_TOP, LIST_WIDTH, LIST_HEIGHT = (int(side) for side in LIST["playList_Item"])
+TEXT_LEFT = 6
+BRIGHT = 150  # letters are brighter, the ground of a selected row is darker
+
+
+def line_of(path):
+    """A path as the list holds it: bytes that are no text, and line breaks, as units of their own."""
+    text = os.fsencode(path).decode("utf-8", "surrogateescape")
+    return text.replace("\r", "\udc0d").replace("\n", "\udc0a")
+
+
+class ListTest(PlayerTest):
+    count = 4
+
+    def setUp(self):
+        super().setUp()
+        self.tracks = []
+        for number in range(self.count):
+            self.tracks.append(f"{self.music}/track {number}.wav")
+            stairs(self.tracks[-1], 2, step=0)
+        self.write_list(self.tracks)
+        self.watch_desktop()
+
+    def watch_desktop(self):
+        """Whatever is handed to the desktop is written down instead."""
+        folder = self.session.home + "/bin"
+        os.makedirs(folder)
+        self.opened_log = self.session.home + "/opened"
+        with open(folder + "/xdg-open", "w") as script:
+            script.write(f'#!/bin/sh\nprintf "%s\\n" "$1" >> "{self.opened_log}"\n')
+        os.chmod(folder + "/xdg-open", 0o755)
+        self.session.env["PATH"] = folder + ":" + self.session.env["PATH"]
+
+    def opened(self):
+        try:
+            with open(self.opened_log, errors="surrogateescape") as log:
+                return log.read().splitlines()
+        except FileNotFoundError:
+            return []
+
+    def start_with_list(self):
+        player, main = self.start()
+        player.click(main, "playListButton")
+        rows = player.form(LIST)
+        self.assertTrue(rows, "the list does not come up")
+        return player, main, rows
+
+    def click_row(self, player, rows, row, button=1, held=None, times=1):
+        if held:
+            player.tool("keydown", held)
+        player.click_at(rows, LIST_LEFT + 60, LIST_TOP + ROW * row + ROW // 2, button, times)
+        if held:
+            player.tool("keyup", held)
+
+    def list_picture(self, player, rows):
+        return player.picture(rows, LIST_LEFT + TEXT_LEFT, LIST_TOP, LIST_WIDTH - TEXT_LEFT - 4,
+                              LIST_HEIGHT)
+
+    def rows_shown(self, player, rows):
+        """The number of rows with letters in them."""
+        width = LIST_WIDTH - TEXT_LEFT - 4
+        picture = self.list_picture(player, rows)
+        strip = width * ROW
+        return sum(1 for start in range(0, len(picture), strip)
+                   if any(value > BRIGHT for value in picture[start + 2 * width:start + strip]))
+
+    def assert_story(self, player, rows, paths):
+        """The saved list and the rows on the screen are these."""
+        self.assert_list([line_of(path) for path in paths])
+        self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == len(paths), 10),
+                        f"{self.rows_shown(player, rows)} rows on the screen instead of "
+                        f"{len(paths)}")
+
+    def assert_a_reload_changes_nothing(self, player, rows):
+        """The rows on the screen are those that the saved list gives."""
+        self.session.key("ctrl+a", rows)
+        # The right end of the first row: the ground alone.
+        spot = (LIST_LEFT + LIST_WIDTH - 10, LIST_TOP + 4, 1, 1)
+        plain = player.picture(rows, LIST_LEFT + LIST_WIDTH - 10, LIST_TOP + LIST_HEIGHT - 6, 1, 1)
+        self.assertTrue(wait_for(lambda: player.picture(rows, *spot) != plain, 5), "nothing selected")
+        before = self.list_picture(player, rows)
+        player.click(rows, "afresh_Load", form=LIST)
+        self.assertTrue(wait_for(lambda: player.picture(rows, *spot) == plain, 10), "no reload")
+        after = self.list_picture(player, rows)
+        lit = [(a > BRIGHT, b > BRIGHT) for a, b in zip(before, after)]
+        either = sum(1 for a, b in lit if a or b)
+        differing = sum(1 for a, b in lit if a != b)
+        self.assertLess(differing, 0.3 * either, "the rows were not those of the saved list")
+
+    def answer(self, player, key, seconds=10):
+        """Answers the box that is up, and waits until it has gone."""
+        box = player.box(seconds)
+        self.assertTrue(box, "no box comes up")
+        self.session.key(key, box)
+        self.assertTrue(player.gone(box), "the box stays")
+
+    def drag(self, player, window, x, y, paths=None, data=None, kind="text/uri-list"):
+        """Drops files, or other data, as another program; answers the action, None if refused."""
+        if data is None:
+            data = "".join("file://" + urllib.parse.quote(os.fsencode(path)) + "\r\n"
+                           for path in paths)
+        at = player.point(window, x, y)
+        done = subprocess.run([DRAG, window, str(at[0]), str(at[1]), kind], input=data.encode(),
+                              env=self.session.env, stdout=subprocess.PIPE, check=False, timeout=40)
+        return done.stdout.decode().strip() if done.returncode == 0 else None
+
+    def drop_at_row(self, player, rows, row, paths):
+        return self.drag(player, rows, LIST_LEFT + 60, LIST_TOP + ROW * row + ROW // 2, paths)
