@@ -140,6 +140,8 @@ std::unique_ptr<platform::FormWindow> FakeWindows::makeWindow(forms::Form &form)
 void FakeWindows::DoEvents() {
     ++pumps;
     ++depth_;
+    if (onPump)
+        onPump();
     if (!pumpWork_.empty()) {
         const std::function<void()> work = std::move(pumpWork_.front());
         pumpWork_.pop_front();

@@ -66,6 +66,8 @@ public:
     void advance(std::int64_t ms);
     // Runs once inside the next pump that nobody took yet; several are taken one a pump.
     void atNextPump(std::function<void()> work);
+    // Runs inside every pump.
+    std::function<void()> onPump;
     // Drops the work of `atNextPump` that was not reached, and tells whether there was any.
     bool dropPumpWork();
 
