@@ -5,6 +5,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "platform/linux/linux.h"
+#include "platform/registry/sqlite_registry.h"
 #include "playback/Main.h"
 #include "playback/player.h"
 #include "playlist/playList_Form.h"
@@ -15,24 +16,31 @@
 #include "velmora.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <unistd.h>
 
 namespace velmora::bench {
 
 class Program {
 public:
-    Program() {
-        char pattern[] = "/tmp/velmora-bench-XXXXXX";
-        folder_ = ::mkdtemp(pattern);
+    // The registry in memory, or the one that users have, in a folder of its own.
+    enum class Settings { InMemory, OnDisk };
+
+    explicit Program(Settings settings = Settings::InMemory)
+        : folder_(newFolder()),
+          registry_(settings == Settings::OnDisk ? std::make_unique<platform::SqliteRegistry>(
+                                                       folder_ + "/registry.sqlite", *ansi_)
+                                                 : nullptr) {
         app.setControl().Path_List = fromUtf8(folder_);
         app.setControl().Language_Index = 1;
         app.Language_Set().language_Messages();
     }
     ~Program() {
-        ::unlink((folder_ + "/zkPlayList.m3u").c_str());
-        ::rmdir(folder_.c_str());
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_, ignored);
     }
 
     void fill(int rows) {
@@ -47,27 +55,35 @@ public:
     }
 
 private:
+    static std::string newFolder() {
+        char pattern[] = "/tmp/velmora-bench-XXXXXX";
+        return ::mkdtemp(pattern);
+    }
+
     platform::Platform bundle() {
-        platform::Platform all = fake.bundle();
-        return {ansi_ ? *ansi_ : all.ansi,
-                all.clock,
-                all.dialogs,
-                *files_,
-                all.folders,
-                all.media,
-                all.processes,
-                all.registry,
-                all.shell,
-                all.versions,
-                all.waitableTimers,
-                all.waveOut,
-                all.windows};
+        const platform::Platform all = fake.bundle();
+        return {.ansi = *ansi_,
+                .clock = all.clock,
+                .dialogs = all.dialogs,
+                .files = *files_,
+                .folders = all.folders,
+                .internet = all.internet,
+                .media = all.media,
+                .processes = all.processes,
+                .profiles = all.profiles,
+                .registry = registry_ ? *registry_ : all.registry,
+                .shell = all.shell,
+                .versions = all.versions,
+                .waitableTimers = all.waitableTimers,
+                .waveOut = all.waveOut,
+                .windows = all.windows};
     }
 
     std::string folder_;
     std::unique_ptr<platform::AnsiText> ansi_ =
         platform::makeAnsiText([] { return std::u16string(); });
     std::unique_ptr<platform::FileSystem> files_ = platform::makeFileSystem(*ansi_);
+    std::unique_ptr<platform::Registry> registry_;
 
 public:
     fakes::FakePlatform fake;

@@ -175,6 +175,15 @@ def list_starts(watch, velmora, music):
     return rows
 
 
+def settings_times(probe):
+    """What the settings window's probe says: rows of name, median, largest, first."""
+    session = Session(window_manager=True, sound=False)
+    try:
+        return [line.split() for line in quiet(probe, env=session.env).splitlines()]
+    finally:
+        session.close()
+
+
 def main():
     program, watch, piece = sys.argv[1:4]
     music = "/tmp/velmora-bench-music"
@@ -211,6 +220,12 @@ def main():
     print("| change | ms |\n|---|---|")
     print(f"| next track to first sound | {shown(median(latencies['open']))} |")
     print(f"| pause to silence | {shown(median(latencies['pause']))} |")
+
+    print("\n## Settings\n")
+    print("To the painted windows, with the main window, the list and the settings on the screen.\n")
+    print("| what | ms, median | largest | first |\n|---|---|---|---|")
+    for row in settings_times(os.path.join(os.path.dirname(watch), "settings_probe")):
+        print(f"| {' | '.join(row)} |", flush=True)
 
     print("\n## The list at start\n")
     print("| entries | main window, ms |\n|---|---|")
