@@ -91,6 +91,8 @@ public:
         font.setItalic(record.logFont.italic);
         font.setUnderline(record.logFont.underline);
         QFontDialog dialog(font);
+        // What it shows for a font that is not installed.
+        const QString substitute = dialog.currentFont().family();
         if (!runs(dialog)) {
             return 0;
         }
@@ -100,7 +102,8 @@ public:
         record.logFont.underline = chosen.underline();
         // Where the dialog knows only the substitute of the font, the name that was asked for
         // stays.
-        if (chosen.family() != font.family() && chosen.family() != QFontInfo(font).family()) {
+        if (chosen.family() != font.family() && chosen.family() != substitute &&
+            chosen.family() != QFontInfo(font).family()) {
             record.logFont.faceName = ansi_.encode(qt::fromQString(chosen.family()));
         }
         record.pointSize = static_cast<std::int32_t>(std::lround(chosen.pointSizeF() * tenths));

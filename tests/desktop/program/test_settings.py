@@ -7,10 +7,11 @@
 import os
 import signal
 import sqlite3
+import subprocess
 import sys
 import unittest
 
-from player import ABOUT, SETTINGS, PlayerTest
+from player import ABOUT, SETTINGS, PlayerTest, stairs
 from session import quiet, wait_for
 
 KEY = "SOFTWARE\\NORVANE\\ZKPLAYER\\PLAYSET"
@@ -266,6 +267,131 @@ class ByKeyboard(SettingsTest):
         self.keys("ctrl+s")
         self.assert_closed()
         self.assert_stored("PlayMode", "0")
+
+
+class Dialogs(SettingsTest):
+    """The system's dialogs behind the buttons, and what they change on the screen."""
+
+    # Places within the window, in pixels.
+    DESKTOP_FONT = (FRAME[0] + (150 + 210 + 1425) / 15, FRAME[1] + (300 + 2100 + 195) / 15)
+    DESKTOP_COLOUR = (FRAME[0] + (150 + 3210 + 1425) / 15, FRAME[1] + (300 + 2100 + 195) / 15)
+    OTHER_FONT = (FRAME[0] + (150 + 210 + 1425) / 15, FRAME[1] + (3000 + 1320 + 180) / 15)
+    OTHER_COLOUR = (FRAME[0] + (150 + 3210 + 1425) / 15, FRAME[1] + (3000 + 1320 + 180) / 15)
+    AUTO_OPEN = (FRAME[0] + (150 + 210 + 100) / 15, FRAME[1] + (300 + 300 + 165) / 15)
+    LIST_FOLDER = (FRAME[0] + (5820 + 240) / 15, FRAME[1] + (1845 + 240) / 15)
+
+    def dialog(self, window, place):
+        self.press(window, *place)
+        box = self.message()
+        self.assertTrue(box, "no dialog comes up")
+        quiet("xdotool", "windowfocus", "--sync", box, env=self.session.env)
+        return box
+
+    def assert_gone(self, box):
+        self.assertTrue(wait_for(lambda: self.message_is_gone(box)), "the dialog stays")
+
+    def message_is_gone(self, box):
+        return box not in self.player.windows()
+
+    def lyrics(self):
+        self.begin()
+        settings = self.open()
+        self.click(settings, SETTINGS, "lrcSet")
+        self.steady_page(settings)
+        return settings
+
+    def test_a_colour_is_chosen_shown_in_the_preview_and_stored_on_apply(self):
+        settings = self.lyrics()
+        before = self.steady_page(settings)
+        box = self.dialog(settings, self.DESKTOP_COLOUR)
+        self.keys("alt+h", "ctrl+a")
+        quiet("xdotool", "type", "#10ff20", env=self.session.env)
+        self.keys("Return")
+        self.assert_gone(box)
+        self.assertNotEqual(self.steady_page(settings), before, "the preview keeps its colour")
+        self.assertIsNone(self.stored("Desktop_Lrc_ForeColor"))
+        self.click(settings, SETTINGS, "yy")
+        self.assert_stored("Desktop_Lrc_ForeColor", 0x20FF10)
+
+    def test_a_cancelled_colour_changes_nothing(self):
+        settings = self.lyrics()
+        preview = (FRAME[0] + (150 + 210) / 15, FRAME[1] + (3000 + 270) / 15, 390, 34)
+        before = self.look(settings, *preview)
+        box = self.dialog(settings, self.OTHER_COLOUR)
+        self.keys("Escape")
+        self.assert_gone(box)
+        self.assertEqual(self.look(settings, *preview), before)
+
+    def test_a_font_size_is_chosen_and_stored_on_apply(self):
+        settings = self.lyrics()
+        box = self.dialog(settings, self.DESKTOP_FONT)
+        self.keys("alt+s", "ctrl+a")
+        quiet("xdotool", "type", "20", env=self.session.env)
+        self.keys("Return")
+        self.assert_gone(box)
+        self.click(settings, SETTINGS, "yy")
+        self.assert_stored("Desktop_Lrc_Size", 20)
+        self.assertEqual(self.stored("Desktop_Lrc_Name"), "微软雅黑")
+
+    def test_the_other_lyrics_keep_their_size(self):
+        settings = self.lyrics()
+        box = self.dialog(settings, self.OTHER_FONT)
+        self.keys("alt+s", "ctrl+a")
+        quiet("xdotool", "type", "30", env=self.session.env)
+        self.keys("Return")
+        self.assert_gone(box)
+        self.click(settings, SETTINGS, "yy")
+        self.assert_stored("Other_Lrc_Size", 14)
+
+    def test_a_folder_is_chosen(self):
+        folder = self.session.home + "/lists of mine"
+        os.makedirs(folder)
+        self.begin()
+        settings = self.open()
+        self.click(settings, SETTINGS, "folderSet")
+        self.steady_page(settings)
+        box = self.dialog(settings, self.LIST_FOLDER)
+        self.type_into(box, folder)
+        self.assert_gone(box)
+        self.click(settings, SETTINGS, "qd")
+        self.assert_closed()
+        self.assert_stored("PlayListSaveFolder", folder + "/")
+
+    def test_the_lyric_lines_change_on_apply_while_a_track_plays(self):
+        track = f"{self.music}/song.wav"
+        stairs(track, 120)
+        with open(f"{self.music}/song.lrc", "w", newline="") as file:
+            for second in range(1, 120):
+                file.write(f"[{second // 60:02}:{second % 60:02}.00]All along the quiet shore\r\n")
+        self.write_list([track])
+        settings = self.lyrics()
+
+        def desktop_line():
+            """The lowest part of the screen, where nothing but the desktop line is."""
+            return subprocess.run(
+                ["import", "-silent", "-window", "root", "-crop", "1280x70+0+730", "-depth", "8",
+                 "rgb:-"], env=self.session.env, stdout=subprocess.PIPE, check=False).stdout
+        bare = desktop_line()
+        self.click(settings, SETTINGS, "qx")
+        self.assert_closed()
+        self.session.key("F6", self.window)
+        self.assert_title(self.player, self.window, "song")
+        plain = self.player.look(self.window, "lrcBox")
+        settings = self.open()
+        self.assertEqual(desktop_line(), bare)
+        self.press(settings, *self.AUTO_OPEN)
+        box = self.dialog(settings, self.OTHER_COLOUR)
+        self.keys("alt+h", "ctrl+a")
+        quiet("xdotool", "type", "#ff00ff", env=self.session.env)
+        self.keys("Return")
+        self.assert_gone(box)
+        self.click(settings, SETTINGS, "yy")
+        self.assertTrue(wait_for(lambda: desktop_line() != bare), "the desktop line does not show")
+        self.assertTrue(wait_for(lambda: self.player.look(self.window, "lrcBox") != plain),
+                        "the line of the main window keeps its colour")
+        self.press(settings, *self.AUTO_OPEN)
+        self.click(settings, SETTINGS, "yy")
+        self.assertTrue(wait_for(lambda: desktop_line() == bare), "the desktop line stays")
 
 
 class Restoring(SettingsTest):
