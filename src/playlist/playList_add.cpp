@@ -174,7 +174,7 @@ std::vector<std::u16string> playList_Form::walkFolders(const std::u16string &fir
 
 void playList_Form::addFilesOf(const std::u16string &folder, std::optional<RunTimeError> &pending) {
     for (const std::u16string &name :
-         app_.platform().files.list(folder, platform::SearchFor::Files)) {
+         app_.platform().files.list(folder, platform::SearchFor::Files, walk_)) {
         const auto error = trapped([&] {
             windows().DoEvents();
             const std::u16string path = folder + std::u16string(trim(name));
