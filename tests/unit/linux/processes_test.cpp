@@ -39,6 +39,7 @@ struct ProcessTest : testing::Test {
 TEST_F(ProcessTest, queryAnswersTheAskerAndItsEqualsWithTheSameConfiguration) {
     ChildProcess alone({helper, "query"}, environment());
     EXPECT_EQ(alone.lines(), Lines{helper});
+    alone.wait(); // it is on its way out for a moment, and would be seen
 
     ChildProcess other({helper, "wait"}, environment());
     ChildProcess elsewhere({helper, "wait"}, environment("other"));
