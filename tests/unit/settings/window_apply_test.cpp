@@ -315,6 +315,19 @@ TEST_F(SettingsApplied, ThePreviewsDressTheirLabels) {
     EXPECT_EQ(registry.value(playSetKey, u"Other_Lrc_BackColor")->number, 0x00070809U);
 }
 
+TEST_F(SettingsApplied, LabelsAreDressedFromThePreviewsAndNotFromWhatIsStored) {
+    forms::Font font = form.desktop_Lrc_Preview.font();
+    font.setSize(20.5F);
+    form.desktop_Lrc_Preview.setFont(font);
+    form.other_Lrc_Preview.setFont(font);
+    apply();
+    EXPECT_EQ(registry.value(playSetKey, u"Desktop_Lrc_Size")->number, 20U);
+    EXPECT_EQ(form.desktop_Lrc_Preview.font().size(), 20.5F);
+    EXPECT_EQ(desktopLine().font().size(), 20.5F);
+    EXPECT_EQ(form.other_Lrc_Preview.font().size(), 20.5F);
+    EXPECT_EQ(app.Main().lrc_Text.font().size(), 20.5F);
+}
+
 TEST_F(SettingsApplied, TheStagingSetHoldsTheOtherFontAfterwards) {
     form.desktop_Lrc_Preview.setForeColor(1);
     form.other_Lrc_Preview.setForeColor(2);
