@@ -72,8 +72,6 @@ list=$XDG_DATA_HOME/velmora/Program\ Files/Norvane软件/Velmora/List
 mkdir -p "$list"
 printf '%s\r\n' "$out/music/Harbour Lights.wav" >"$list/zkPlayList.m3u"
 
-"$build/src/velmora" 2>"$out/player.log" &
-player=$!
 # The main window, by its size: the splash ahead of it has the same title.
 main_window() {
     local number
@@ -82,36 +80,63 @@ main_window() {
     done
     return 1
 }
-wait_for 20 main_window || {
-    echo "The player's window did not come up:" >&2
+failed() {
+    echo "$1" >&2
     cat "$out/player.log" >&2
     exit 1
 }
-import -window root "$out/1-idle.png"
-window=$(main_window)
-xdotool windowfocus --sync "$window" || true
-# F6: the next track of the list, which is the piece.
-xdotool key --window "$window" F6
+start_player() {
+    "$build/src/velmora" 2>>"$out/player.log" &
+    player=$!
+    wait_for 20 main_window || failed "The player's window did not come up:"
+    window=$(main_window)
+    xdotool windowfocus --sync "$window" || true
+}
 # The window's title rolls once a medium is open.
 title_rolls() { xdotool getwindowname "$window" | grep -q 'Harbour'; }
-wait_for 20 title_rolls || {
-    echo "The piece did not start:" >&2
-    cat "$out/player.log" >&2
-    exit 1
+# Esc ends the program at once; the window is gone before the key is up.
+end_player() {
+    xdotool key --window "$window" Escape 2>/dev/null || true
+    local status=0
+    wait "$player" || status=$?
+    player=
+    [ "$status" -eq 0 ] || failed "The player ended with status $status:"
 }
+
+start_player
+import -window root "$out/1-idle.png"
+# F6: the next track of the list, which is the piece.
+xdotool key --window "$window" F6
+wait_for 20 title_rolls || failed "The piece did not start:"
 sleep 3
 import -window root "$out/2-playing.png"
-# F8 hides the play list, the list button shows it; F3 pauses.
+# F3 pauses.
 xdotool key --window "$window" F3
 sleep 0.5
 import -window root "$out/3-paused.png"
-# Esc ends the program at once.
-# The window is gone before the key is up.
-xdotool key --window "$window" Escape 2>/dev/null || true
-status=0
-wait "$player" || status=$?
-player=
+end_player
+
+# The piece once more in each language, with its words in the window and across the desktop. The
+# player resumes what it played last.
+settings=$XDG_CONFIG_HOME/velmora/registry.sqlite
+put() {
+    sqlite3 "$settings" "INSERT OR REPLACE INTO entries
+        SELECT id, upper('$1'), '$1', 1, length('$2'), '$2' FROM keys WHERE folded LIKE '%\\PLAYSET' ESCAPE '~'"
+}
+words=$XDG_DATA_HOME/velmora/Program\ Files/Norvane软件/Velmora/Lrc
+number=0
+for language in zh en fr ja; do
+    put Language "$number"
+    put Desktop_Lrc_AutoOpen 1
+    rm -f "$words/Harbour Lights."[Ll][Rr][Cc]
+    cp "assets/demo/Harbour Lights.$language.lrc" "$out/music/Harbour Lights.lrc"
+    start_player
+    wait_for 20 title_rolls || failed "The piece did not start:"
+    sleep 3
+    import -window root "$out/$((number + 4))-lyrics-$language.png"
+    end_player
+    number=$((number + 1))
+done
+
 echo "Screenshots:"
-ls -1 "$out"/*.png | grep -v desktop.png
-[ "$status" -eq 0 ] || echo "The player ended with status $status." >&2
-exit "$status"
+ls -1 "$out"/[0-9]*.png

@@ -1,5 +1,8 @@
 #include "base/text.h"
 
+#include <cstdint>
+#include <cstring>
+
 namespace velmora {
 
 std::u16string_view trim(std::u16string_view text) noexcept {
@@ -57,8 +60,51 @@ bool startsWith(std::u16string_view text, std::u16string_view beginning) noexcep
     return text.substr(0, beginning.size()) == beginning;
 }
 
+namespace {
+
+// The first place of a unit from `at` on, or `end`. Four units at a time: a list of tens of
+// thousands of rows, or a lyric at every tick, is searched unit by unit.
+std::size_t findUnit(const char16_t *text, std::size_t at, std::size_t end,
+                     char16_t unit) noexcept {
+    constexpr std::uint64_t ones = 0x0001000100010001U;
+    constexpr std::uint64_t tops = 0x8000800080008000U;
+    const std::uint64_t wanted = ones * unit;
+    for (; at + 4 <= end; at += 4) {
+        std::uint64_t four = 0;
+        std::memcpy(&four, text + at, sizeof four);
+        four ^= wanted;
+        if (((four - ones) & ~four & tops) != 0)
+            break; // one of the four, told apart below
+    }
+    while (at < end && text[at] != unit)
+        ++at;
+    return at;
+}
+
+} // namespace
+
+// A mark is less likely than a letter to stand in a text by chance.
+TextPart::TextPart(std::u16string_view part) noexcept : part_(part) {
+    const std::size_t mark = part.find_first_of(u":;,.!?'\"()[]{}&#@_-+=/\\");
+    rare_ = mark == std::u16string_view::npos ? 0 : mark;
+}
+
+bool TextPart::isIn(std::u16string_view text) const noexcept {
+    if (part_.empty())
+        return true;
+    if (part_.size() > text.size())
+        return false;
+    const std::size_t end = text.size() - part_.size() + rare_ + 1;
+    for (std::size_t at = rare_; (at = findUnit(text.data(), at, end, part_[rare_])) < end; ++at) {
+        if (std::memcmp(text.data() + at - rare_, part_.data(), part_.size() * sizeof(char16_t)) ==
+            0)
+            return true;
+    }
+    return false;
+}
+
 bool contains(std::u16string_view text, std::u16string_view part) noexcept {
-    return text.find(part) != std::u16string_view::npos;
+    return TextPart(part).isIn(text);
 }
 
 std::u16string fromAscii(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }

@@ -40,6 +40,17 @@ std::u16string_view rightPart(std::u16string_view text, std::ptrdiff_t count) no
 bool startsWith(std::u16string_view text, std::u16string_view beginning) noexcept;
 bool contains(std::u16string_view text, std::u16string_view part) noexcept;
 
+// A part that is looked for in many texts. The part's text must outlive it.
+class TextPart {
+public:
+    explicit TextPart(std::u16string_view part) noexcept;
+    bool isIn(std::u16string_view text) const noexcept;
+
+private:
+    std::u16string_view part_;
+    std::size_t rare_ = 0; // the unit of the part that is looked for first
+};
+
 // Equal once both are upper-cased by `upper`.
 bool equalsIgnoringCase(std::u16string_view a, std::u16string_view b) noexcept;
 

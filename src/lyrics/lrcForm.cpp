@@ -23,8 +23,10 @@ void lrcForm::load() {
 }
 
 std::int16_t lrcForm::ListIndex(std::u16string_view text) const {
-    for (std::int16_t row = 0; row < List1.listCount(); ++row) {
-        if (contains(List1.list(row), text)) {
+    const TextPart time(text);
+    const std::int16_t rows = List1.listCount();
+    for (std::int16_t row = 0; row < rows; ++row) {
+        if (time.isIn(List1.list(row))) {
             return row;
         }
     }

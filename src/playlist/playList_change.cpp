@@ -97,9 +97,10 @@ void playList_Form::search_Jieguo() {
     if (findText_.empty()) {
         return;
     }
+    const TextPart wanted(findText_);
     for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
         playList_Item.setSelected(row, false);
-        if (contains(playList_Item.list(row), findText_)) {
+        if (wanted.isIn(playList_Item.list(row))) {
             playList_Item.setSelected(row, true);
         }
     }

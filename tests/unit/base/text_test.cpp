@@ -146,6 +146,29 @@ TEST(Search, comparesExactly) {
     EXPECT_TRUE(contains(u"abc", u""));
 }
 
+TEST(Contains, FindsAPartAtEveryPlaceOfTextsOfEveryLength) {
+    for (std::size_t length = 1; length <= 24; ++length) {
+        for (const std::u16string part : {u"x", u"12", u"00:45", u":", u"a:"}) {
+            for (std::size_t at = 0; at + part.size() <= length; ++at) {
+                std::u16string text(length, u'0');
+                text.replace(at, part.size(), part);
+                EXPECT_TRUE(contains(text, part));
+                text.replace(at, part.size(), std::u16string(part.size(), u'9'));
+                EXPECT_FALSE(contains(text, part));
+            }
+        }
+    }
+}
+
+TEST(Contains, LooksOnWhereTheRareUnitStandsWithoutTheRest) {
+    EXPECT_TRUE(contains(u"1:2:00:45", u"00:45"));
+    EXPECT_FALSE(contains(u"::::00:44:45:", u"00:45"));
+    EXPECT_FALSE(contains(u"00:4", u"00:45"));
+    EXPECT_TRUE(contains(u"\uFF1A:\u3A00", u"\u3A00"));
+    EXPECT_FALSE(contains(u"", u"a"));
+    EXPECT_TRUE(contains(u"", u""));
+}
+
 // --- UTF-8
 // ----------------------------------------------------------------------------------------
 
