@@ -94,9 +94,15 @@ start_player() {
 }
 # The window's title rolls once a medium is open.
 title_rolls() { xdotool getwindowname "$window" | grep -q 'Harbour'; }
-# Esc ends the program at once; the window is gone before the key is up.
-end_player() {
+# Esc ends the program at once; the window is gone before the key is up. A program that is still
+# starting takes no key, so it is pressed until it works.
+escaped() {
     xdotool key --window "$window" Escape 2>/dev/null || true
+    sleep 0.3
+    ! kill -0 "$player" 2>/dev/null
+}
+end_player() {
+    wait_for 20 escaped || failed "The player does not end:"
     local status=0
     wait "$player" || status=$?
     player=
@@ -123,7 +129,7 @@ put() {
     sqlite3 "$settings" "INSERT OR REPLACE INTO entries
         SELECT id, upper('$1'), '$1', 1, length('$2'), '$2' FROM keys WHERE folded LIKE '%\\PLAYSET' ESCAPE '~'"
 }
-words=$XDG_DATA_HOME/velmora/Program\ Files/Norvane软件/Velmora/Lrc
+words=$XDG_DATA_HOME/velmora/Program\ Files/Norvane软件/Velmora/Lyrics
 number=0
 for language in zh en fr ja; do
     put Language "$number"
