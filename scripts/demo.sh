@@ -53,10 +53,8 @@ export DISPLAY
 openbox >"$out/openbox.log" 2>&1 &
 manager=$!
 wait_for 20 xprop -root _NET_SUPPORTING_WM_CHECK
-xsetroot -gray 2>/dev/null || true
-# A calm desktop to look at, drawn here.
-convert -size 1280x800 gradient:'#33567a'-'#16233a' "$out/desktop.png" &&
-    display -window root "$out/desktop.png" 2>/dev/null || xsetroot -solid '#2a4464' || true
+# A calm desktop to look at.
+hsetroot -add '#33567a' -add '#16233a' -gradient 180 >/dev/null 2>&1 || xsetroot -solid '#2a4464'
 
 # A sound server whose one sink is silent.
 export PULSE_SERVER=unix:$runtime/pulse/native

@@ -11,7 +11,7 @@ packages_build="g++ cmake ninja-build ccache pkg-config qt6-base-dev libmpv-dev 
 
 # A screen, a window manager and a sound server for machines that have none.
 packages_headless="xvfb openbox xdotool x11-utils x11-xserver-utils imagemagick pulseaudio
- pulseaudio-utils xauth sqlite3"
+ pulseaudio-utils xauth sqlite3 hsetroot"
 
 packages_test="libgtest-dev libgmock-dev clang clang-format clang-tidy libclang-rt-14-dev picom wmctrl
  trayer locales sox libsox-fmt-all ffmpeg lame flac python3 procps zlib1g-dev"
