@@ -3,11 +3,11 @@
 
 packages_run="libqt6widgets6 qt6-qpa-plugins libpulse0 libmpg123-0 libsndfile1 libfluidsynth3 libmpv2
  libcurl4 libsqlite3-0 libxcb-shape0 timgm6mb-soundfont fonts-liberation fonts-noto-cjk xdg-utils
- ca-certificates"
+ ca-certificates libmicrohttpd12 libtag1v5"
 
 packages_build="g++ cmake ninja-build ccache pkg-config qt6-base-dev libmpv-dev libfluidsynth-dev
  libpulse-dev libmpg123-dev libsndfile1-dev libcurl4-openssl-dev libsqlite3-dev libxcb1-dev
- libxcb-shape0-dev"
+ libxcb-shape0-dev libmicrohttpd-dev libtag1-dev"
 
 # A screen, a window manager and a sound server for machines that have none.
 packages_headless="xvfb openbox xdotool x11-utils x11-xserver-utils imagemagick pulseaudio
