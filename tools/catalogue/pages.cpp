@@ -43,8 +43,8 @@ std::u16string homeLink(std::u16string_view base) {
 
 // The record's name and singer make up a file name with a blank, a dot and the format, which may
 // hold 222 characters and 255 bytes.
-constexpr std::size_t mostNameBytes = 150;
-constexpr std::size_t mostSingerBytes = 85;
+constexpr std::size_t mostNameBytes = 135;
+constexpr std::size_t mostSingerBytes = 80;
 constexpr std::size_t mostAlbumBytes = 150;
 
 std::u16string fittingField(std::u16string_view text, std::size_t bytes) {

@@ -129,7 +129,7 @@ Server::Server(Catalogue &catalogue, const std::string &address, int port)
         MHD_OPTION_SOCK_ADDR, reinterpret_cast<sockaddr *>(&place.bytes),
         MHD_OPTION_URI_LOG_CALLBACK, &noteTarget, nullptr, MHD_OPTION_NOTIFY_COMPLETED, &forget,
         nullptr, MHD_OPTION_CONNECTION_LIMIT, mostConnections, MHD_OPTION_CONNECTION_TIMEOUT,
-        idleSeconds, MHD_OPTION_LISTENING_ADDRESS_REUSE, 1U, MHD_OPTION_END);
+        idleSeconds, MHD_OPTION_END);
     const MHD_DaemonInfo *info =
         daemon_->running != nullptr
             ? MHD_get_daemon_info(daemon_->running, MHD_DAEMON_INFO_BIND_PORT)
