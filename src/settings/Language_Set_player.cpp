@@ -136,6 +136,8 @@ void Language_Set::language_VideoScreen_Form() {
         return;
     for (const auto &row : texts::rowsOf<VideoScreen_Form_Design>())
         passOver([&] { row.put(app_.VideoScreen_Form(), texts::textOf(row.texts, index)); });
+    // The name of the track stands behind the title, however long that is now.
+    passOver([&] { app_.VideoScreen_Form().set_Str_ControlVideo_Place(); });
 }
 
 } // namespace velmora

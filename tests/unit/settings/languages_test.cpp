@@ -536,6 +536,17 @@ TEST_F(Languages, TheFactsOfThePlayingTrackFollowAtOnce) {
     EXPECT_EQ(app.playInfo_Form().playName.caption(), u"曲名：a");
 }
 
+TEST_F(Languages, TheVideoWindowsTrackNameStandsBehindItsTitleInEachLanguage) {
+    std::set<Twips> ends;
+    for (const std::int32_t language : {chinese, english, french, japanese}) {
+        apply(language);
+        const VideoScreen_Form &video = app.VideoScreen_Form();
+        ends.insert(video.title.left() + video.title.width());
+        EXPECT_EQ(video.nameBox.left(), video.title.left() + video.title.width() + 200);
+    }
+    EXPECT_GT(ends.size(), 2U);
+}
+
 TEST_F(Languages, AHiddenDesktopLineTakesTheWordsForNoLyric) {
     app.lrcForm().lrc_Text.setVisible(false);
     app.lrcForm().nowLrcLine = u"la la";
