@@ -2,8 +2,12 @@
 
 #include "playlist/Search.h"
 
+#include "base/run_time_error.h"
 #include "base/text.h"
 #include "lyrics/lrcForm.h"
+#include "lyrics/lyric_file.h"
+#include "network/lrc_Internet_Search.h"
+#include "network/webPage.h"
 #include "platform/files.h"
 #include "playback/player.h"
 #include "playlist/another_PlayInfo_Form.h"
@@ -66,8 +70,27 @@ bool Search::findOnInternet(std::u16string_view stem, std::u16string_view save) 
     return fetchLyric(stem, save);
 }
 
-bool Search::fetchLyric(std::u16string_view /*keyword*/, std::u16string_view /*save*/) {
-    return false;
+// The first link that the search gives is taken as it is; nothing weighs it.
+bool Search::fetchLyric(std::u16string_view keyword, std::u16string_view save) {
+    velmora::lrc_Internet_Search &internet = app_.lrc_Internet_Search();
+    if (!internet.searchLrc(keyword)) {
+        return false;
+    }
+    std::int32_t last = 0;
+    // An array that nothing was ever stored in has no bound: nothing was found.
+    if (!passOver([&] { last = internet.lrcDownloadLinks.upperBound(); }) || last == 1) {
+        return false;
+    }
+    app_.lrcForm().nowLrcLine = u"正在下载歌词...";
+    if (!downloadToLocal(app_.platform(), internet.lrcDownloadLinks.at(0), save)) {
+        return false;
+    }
+    platform::FileSystem &files = app_.platform().files;
+    if (files.Dir(save).empty() || files.FileLen(pathOnDisk(app_.platform(), save)) == 0) {
+        return false;
+    }
+    matched(save);
+    return true;
 }
 
 } // namespace velmora

@@ -1,0 +1,171 @@
+// The lyric of the track that starts, when no disk has it: the tries on the Internet.
+
+#include "tests/unit/lyrics/lyrics_fixture.h"
+
+#include "network/lrc_Internet_Search.h"
+
+namespace velmora {
+namespace {
+
+class LyricFromTheNet : public LyricsFixture {
+protected:
+    LyricFromTheNet() {
+        setHost(u"lrcSearch", u"http://engine");
+        setHost(u"lrcSiteA", u"http://sitea");
+        setHost(u"lrcSiteB", u"http://siteb");
+    }
+    void setHost(std::u16string_view name, std::u16string_view address) {
+        fake.registry.setText(u"SOFTWARE\\Norvane\\zkPlayer\\hosts", name, address);
+    }
+    void setTag(std::u16string_view title, std::u16string_view artist) {
+        app.another_PlayInfo_Form().playInfo_TitleText.setText(title);
+        app.another_PlayInfo_Form().playInfo_ArtistText.setText(artist);
+    }
+    std::u16string address(std::u16string_view word) {
+        return app.lrc_Internet_Search().searchAddress(word);
+    }
+    // A page with `links` lyric links of site A.
+    static std::string page(int links) {
+        std::string html = "<html>";
+        if (links > 0)
+            html += "<a href=\"http://other/x\">";
+        for (int i = 0; i < links; ++i)
+            html += "<a href=\"http://sitea/asp/lrc.asp?id=" + std::to_string(i) + "\">";
+        return html;
+    }
+    void setPage(std::u16string_view word, int links) {
+        fake.internet.setPage(address(word), page(links));
+    }
+    // What is asked of the network and shown meanwhile, in order.
+    Texts tries() {
+        Texts seen;
+        for (const std::u16string &line : fake.internet.log)
+            if (startsWith(line, u"XmlHttpGet"))
+                seen.push_back(line);
+        return seen;
+    }
+    void find() { app.Search().findTrackLyric(u"/m/Song.mp3"); }
+    static constexpr auto firstLink = u"HTTP://SITEA/ASP/LRC.ASP?ID=0";
+};
+
+TEST_F(LyricFromTheNet, IsSearchedByTitleAndArtistFirst) {
+    setTag(u"Hello", u"Stesul");
+    setPage(u"Hello Stesul", 3);
+    fake.internet.setDownload(firstLink, "[00:01]words");
+    find();
+    EXPECT_TRUE(lyric().hasLrc);
+    EXPECT_EQ(lyric().lrcPath, u"/lrc/Song.LRC");
+    EXPECT_EQ(files.contents(u"/lrc/Song.LRC"), "[00:01]words");
+    EXPECT_TRUE(info().lrcInfo_Frame.enabled());
+}
+
+TEST_F(LyricFromTheNet, IsSearchedByTheTitleNext) {
+    setTag(u"Hello", u"Stesul");
+    setPage(u"Hello Stesul", 0);
+    setPage(u"Hello", 3);
+    fake.internet.setDownload(firstLink, "[00:01]words");
+    find();
+    EXPECT_TRUE(lyric().hasLrc);
+}
+
+TEST_F(LyricFromTheNet, IsSearchedByTheFileNameLast) {
+    setTag(u"Hello", u"Stesul");
+    setPage(u"Song", 3);
+    fake.internet.setDownload(firstLink, "[00:01]words");
+    find();
+    EXPECT_TRUE(lyric().hasLrc);
+}
+
+TEST_F(LyricFromTheNet, WithoutATagIsSearchedByTheFileNameAtOnce) {
+    setPage(u"Song", 3);
+    fake.internet.setDownload(firstLink, "[00:01]words");
+    find();
+    EXPECT_TRUE(lyric().hasLrc);
+    for (const std::u16string &line : tries())
+        EXPECT_TRUE(contains(line, u"word=Song")) << toUtf8(line);
+}
+
+TEST_F(LyricFromTheNet, OfAnArtistAloneIsSearchedByTheEmptyTitleNext) {
+    setTag(u"", u"Stesul");
+    setPage(u"", 3);
+    fake.internet.setDownload(firstLink, "[00:01]words");
+    find();
+    EXPECT_TRUE(lyric().hasLrc);
+    ASSERT_FALSE(tries().empty());
+    EXPECT_TRUE(contains(tries()[0], u"word=Stesul")) << toUtf8(tries()[0]);
+}
+
+TEST_F(LyricFromTheNet, WithAnUpperBoundOfExactlyOneIsAFailedTry) {
+    setPage(u"Song", 1); // one link and one more resize behind it
+    find();
+    EXPECT_FALSE(lyric().hasLrc);
+}
+
+TEST_F(LyricFromTheNet, ThatNobodyHasIsNoneAfterThreeTriesWithTheirTexts) {
+    setTag(u"Hello", u"Stesul");
+    Texts shown;
+    windows.onPump = [&] {
+        if (shown.empty() || shown.back() != lyric().nowLrcLine)
+            shown.push_back(lyric().nowLrcLine);
+    };
+    setPage(u"Hello Stesul", 0);
+    setPage(u"Hello", 0);
+    setPage(u"Song", 0);
+    find();
+    EXPECT_EQ(shown, (Texts{u"正在以属性标志从可选网站搜索...", u"正在以文件名从可选网站搜索..."}));
+    EXPECT_FALSE(lyric().hasLrc);
+    EXPECT_EQ(lyric().nowLrcLine, u"none");
+    EXPECT_FALSE(info().lrcInfo_Frame.enabled());
+}
+
+TEST_F(LyricFromTheNet, ShowsThatItDownloads) {
+    setPage(u"Song", 3);
+    std::u16string shown;
+    windows.onPump = [&] { shown = lyric().nowLrcLine; };
+    find(); // the link leads nowhere, so the try fails
+    EXPECT_EQ(shown, u"正在下载歌词...");
+    EXPECT_FALSE(lyric().hasLrc);
+}
+
+TEST_F(LyricFromTheNet, ThatIsEmptyStaysAndIsFoundNextTime) {
+    setPage(u"Song", 3);
+    fake.internet.setDownload(firstLink, "");
+    find();
+    EXPECT_FALSE(lyric().hasLrc);
+    EXPECT_FALSE(info().lrcInfo_Frame.enabled());
+    EXPECT_TRUE(files.hasFile(u"/lrc/Song.LRC"));
+    const std::size_t asked = tries().size();
+    find();
+    EXPECT_EQ(tries().size(), asked) << "the empty file is found on the disk";
+    EXPECT_FALSE(lyric().hasLrc);
+    EXPECT_TRUE(info().lrcInfo_Frame.enabled());
+}
+
+TEST_F(LyricFromTheNet, OfAnUntaggedTrackIsSearchedByTheLastTag) {
+    addTrack(u"/m/Song.mp3");
+    setTag(u"Before", u"");
+    setPage(u"Before", 3);
+    fake.internet.setDownload(firstLink, "[00:01]words");
+    openAndPlay(u"/m/Song.mp3");
+    EXPECT_TRUE(lyric().hasLrc);
+}
+
+TEST_F(LyricFromTheNet, WithNoHostSetAsksNoServer) {
+    setHost(u"lrcSearch", u"");
+    find();
+    EXPECT_FALSE(lyric().hasLrc);
+    for (const std::u16string &line : fake.internet.log)
+        EXPECT_FALSE(contains(line, u"http")) << toUtf8(line);
+}
+
+TEST_F(LyricFromTheNet, IsNotAskedForWhereItCouldNotBeKept) {
+    files.setReadOnly(u"/lrc");
+    setTag(u"Hello", u"");
+    find();
+    EXPECT_FALSE(lyric().hasLrc);
+    EXPECT_TRUE(fake.internet.log.empty());
+    EXPECT_EQ(lyric().nowLrcLine, u"none");
+}
+
+} // namespace
+} // namespace velmora
