@@ -21,12 +21,15 @@ constexpr const char *usage =
     "  --port N             the port (8420; 0 takes any free one)\n"
     "  --bind ADDRESS       the address to listen at (127.0.0.1: this machine alone)\n"
     "  --introduce FILE     also write the address into this registry file of a player\n"
-    "Ends with Ctrl+C.\n";
+    "Ends with Ctrl+C.\n"
+    "velmora-catalogue --introduce FILE --at http://NAME:PORT\n"
+    "Writes the address of a catalogue elsewhere into a player's registry file, and ends.\n";
 
 struct Options {
     std::string folder;
     std::string address = "127.0.0.1";
     std::string registryFile;
+    std::string elsewhere; // the address of another catalogue
     int port = 8420;
 };
 
@@ -54,10 +57,22 @@ bool readOptions(int count, char **words, Options &options) {
             options.address = value;
         else if (word == "--introduce")
             options.registryFile = value;
+        else if (word == "--at")
+            options.elsewhere = value;
         else if (word != "--port")
             return false;
     }
+    if (!options.elsewhere.empty())
+        return options.folder.empty() && !options.registryFile.empty() &&
+               options.elsewhere.substr(0, 7) == "http://";
     return !options.folder.empty();
+}
+
+bool introduceOrSay(const std::string &address, const std::string &registryFile) {
+    if (introduce(address, registryFile))
+        return true;
+    std::fprintf(stderr, "velmora-catalogue: cannot write %s\n", registryFile.c_str());
+    return false;
 }
 
 int serve(const Options &options) {
@@ -73,10 +88,8 @@ int serve(const Options &options) {
     const std::size_t lyrics = catalogue.library().lyrics().size();
     const Server server(catalogue, options.address, options.port);
     const std::string address = "http://" + server.hostAndPort();
-    if (!options.registryFile.empty() && !introduce(address, options.registryFile)) {
-        std::fprintf(stderr, "velmora-catalogue: cannot write %s\n", options.registryFile.c_str());
+    if (!options.registryFile.empty() && !introduceOrSay(address, options.registryFile))
         return 1;
-    }
     std::printf("%zu songs and %zu lyrics at %s/\n", songs, lyrics, address.c_str());
     std::fflush(stdout);
     int number = 0;
@@ -93,6 +106,8 @@ int main(int count, char **words) {
         return 2;
     }
     try {
+        if (!options.elsewhere.empty())
+            return introduceOrSay(options.elsewhere, options.registryFile) ? 0 : 1;
         return serve(options);
     } catch (const std::exception &error) {
         std::fprintf(stderr, "velmora-catalogue: %s\n", error.what());
