@@ -197,11 +197,17 @@ void Main::do_Lrc_Click() {
 void Main::search_Lrc_Internet_Click() {
     velmora::search_Lrc_Internet_Form &form = app_.search_Lrc_Internet_Form();
     form.setVisible(!form.visible());
+    if (form.visible()) {
+        form.startLoad();
+    }
 }
 
 void Main::search_Song_Internet_Click() {
     velmora::search_Song_Internet_Form &form = app_.search_Song_Internet_Form();
     form.setVisible(!form.visible());
+    if (form.visible()) {
+        form.startLoad();
+    }
 }
 
 void Main::check_SoundDriver_Click() { app_.check_SoundDriver_Form().show(); }

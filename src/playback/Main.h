@@ -67,6 +67,8 @@ public:
     void playSet_Button_Click();
     void about_Click();
     void link_Click();
+    // Selects exactly the rows of the play list that show this name, and brings them into view.
+    void selectNamesakes(const std::u16string &stem);
     // Brings the window to the front.
     void get_Focus();
     void Flash_Window();
@@ -87,7 +89,6 @@ private:
     void setDragHandlers();
     void loadLastFile();
     void takeChosenFile();
-    void selectNamesakes(const std::u16string &stem);
     StateControls stateControls();
     void tick();
     void keepScrollBars();

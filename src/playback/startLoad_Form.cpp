@@ -48,7 +48,7 @@ startLoad_Form::startLoad_Form(Velmora &app)
 
 void startLoad_Form::load() {
     passOver([this] { app_.formSet().set_ColourKey(*this); });
-    on().Unload = [this] { end(); };
+    on().Unload = [this] { end(0); };
 }
 
 // The label is painted at once: the sequence keeps events from being handled.
@@ -250,11 +250,10 @@ void startLoad_Form::showWelcome() {
     app_.Main().welcome.setVisible(!app_.setControl().get_AutoShowWelcome());
 }
 
-// The one exit. Nothing is saved here: everything was saved when it changed.
-void startLoad_Form::end() {
+void startLoad_Form::end(int status) {
     passOver([this] { app_.player().close_Sub(-1); });
     passOver([this] { app_.formSet().tray_Remove(); });
-    app_.platform().processes.end(0);
+    app_.platform().processes.end(status);
 }
 
 } // namespace velmora

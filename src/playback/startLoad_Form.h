@@ -21,6 +21,10 @@ public:
     // program.
     void startLoad();
 
+    // The one exit: closes the medium, takes the tray icon away, ends the process. Nothing is
+    // saved, as everything was saved when it changed. Does not return.
+    void end(int status);
+
     // A marker file tells the next instance that this one asked for a restart. `write` makes it,
     // otherwise it is deleted. -1 when no error was raised.
     std::int16_t restart_Marker(bool write);
@@ -41,7 +45,6 @@ private:
     void checkSafeMode();
     void loadPlayMode();
     void showWelcome();
-    void end();
 
     Velmora &app_;
 };

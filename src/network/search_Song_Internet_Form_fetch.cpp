@@ -1,0 +1,271 @@
+// Fetching a song, and the events of the transfer.
+
+#include "base/numbers.h"
+#include "base/run_time_error.h"
+#include "base/text.h"
+#include "network/WininetDownClass.h"
+#include "network/searchWindow.h"
+#include "network/search_Song_Internet_Form.h"
+#include "platform/files.h"
+#include "platform/platform.h"
+#include "platform/windows.h"
+#include "playback/Main.h"
+#include "playback/player.h"
+#include "playback/startLoad_Form.h"
+#include "playlist/Search.h"
+#include "playlist/playList_Form.h"
+#include "playlist/saveOrOpenFile.h"
+#include "settings/Language.h"
+#include "settings/setControl.h"
+#include "ui/myCommondialog.h"
+#include "velmora.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <optional>
+
+namespace velmora {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr std::u16string_view noneChosen = u"未选择指定下载链接！";
+constexpr std::u16string_view replaceQuestion =
+    u"该曲目文件已存在，是否覆盖？如果指定文件是当前播放的文件，将停止当前播放的曲目！";
+constexpr std::u16string_view fetching = u"正在下载...";
+constexpr std::u16string_view folderRefuses = u"歌曲缓存目录无法创建文件！";
+constexpr std::u16string_view nameIsWrong = u"保存的文件名不正确！";
+constexpr std::u16string_view fetched = u"下载成功！";
+constexpr std::u16string_view notFetched = u"无法下载改曲目，请选择其他链接！";
+constexpr std::u16string_view saveTitle = u"选择要保存曲目的地址 - ";
+constexpr std::u16string_view saveFilter = u"所有文件（*.*）\0*.*\0"sv;
+
+// By their codes, from 1.
+constexpr std::u16string_view statusTexts[] = {u"开始会话...", u"连接服务器...",   u"发送请求...",
+                                               u"请求成功...", u"开始接收数据...", u"下载结束..."};
+constexpr std::u16string_view unknownStatus = u"未知状态...";
+constexpr std::u16string_view errorTexts[] = {
+    u"会话失败...",     u"连接服务器失败...",        u"发送请求失败...",   u"下载被中止...",
+    u"文件已经存在...", u"创建目录出错...",          u"打开文件时出错...", u"文件大小为0，无效...",
+    u"类型不匹配...",   u"文件正在使用，无法删除..."};
+constexpr std::u16string_view unknownError = u"未知出错...";
+
+template <std::size_t size> std::u16string_view
+textOf(const std::u16string_view (&texts)[size], std::int32_t code, std::u16string_view otherwise) {
+    return code >= 1 && code <= static_cast<std::int32_t>(size) ? texts[code - 1] : otherwise;
+}
+
+// At most two decimals, none that are zeros at the end.
+std::u16string percentText(double percent) {
+    std::u16string text = format0_00(roundHalfEven(percent * 100) / 100);
+    while (text.back() == u'0')
+        text.pop_back();
+    if (text.back() == u'.')
+        text.pop_back();
+    return text;
+}
+
+std::vector<std::u16string> splitAt(std::u16string_view text, std::u16string_view separator) {
+    std::vector<std::u16string> pieces;
+    for (;;) {
+        const std::size_t end = text.find(separator);
+        pieces.emplace_back(text.substr(0, end));
+        if (end == std::u16string_view::npos)
+            return pieces;
+        text.remove_prefix(end + separator.size());
+    }
+}
+
+} // namespace
+
+// --- records
+// ------------------------------------------------------------------------------------
+
+// The one error of the program that nothing catches: it ends in order, and says why.
+void search_Song_Internet_Form::readRecord(std::int32_t row, std::size_t lastField) {
+    songRecord_ = splitAt(List2.list(row), u"@@");
+    if (songRecord_.size() <= lastField) {
+        std::fputs("velmora: a song's record has too few fields\n", stderr);
+        app_.startLoad_Form().end(1);
+    }
+    std::u16string *const fields[] = {&songName_, &songAlbum_,  &songSinger_,
+                                      &songSize_, &songFormat_, &songRate_};
+    for (std::size_t field = 1; field <= lastField; ++field)
+        *fields[field - 1] = songRecord_[field];
+}
+
+void search_Song_Internet_Form::readFileName(std::int32_t row) {
+    linkParts_ = split(List1.list(row), u'/');
+    if (songFormat_.empty() && songName_.empty())
+        songFileName_ = linkParts_.back();
+    else
+        songFileName_ =
+            (songSinger_.empty() ? u"" : songSinger_ + u" ") + songName_ + u"." + songFormat_;
+}
+
+// --- the three ways of fetching
+// -----------------------------------------------------------------
+
+bool search_Song_Internet_Form::chosenOrComplain() {
+    if (search_Song_List.listIndex() >= 0)
+        return true;
+    windows().MsgBox(noneChosen, platform::MsgBoxButtons::Ok, platform::MsgBoxIcon::Critical,
+                     app_.Language().msg_Error);
+    return false;
+}
+
+void search_Song_Internet_Form::save_Click() {
+    if (chosenOrComplain())
+        fetchIntoCache(Then::Nothing);
+}
+
+void search_Song_Internet_Form::fetchIntoCache(Then then) {
+    say(fetching);
+    title.refresh();
+    readRecord(search_Song_List.listIndex(), 5);
+    readFileName(search_Song_List.listIndex());
+    const std::u16string folder = app_.setControl().Path_Cache;
+    // A NUL would be lost on the way to the disk, and another name written.
+    const bool isValid =
+        saveOrOpenFile::isValidFileName(songFileName_) && !contains(songFileName_, u"\0"sv);
+    fetch(folder + app_.platform().files.separator() + songFileName_,
+          app_.saveOrOpenFile().canWriteFolder(folder), isValid, then);
+}
+
+void search_Song_Internet_Form::anotherSave_Click() {
+    if (!chosenOrComplain())
+        return;
+    say(fetching);
+    title.refresh();
+    readRecord(search_Song_List.listIndex(), 5);
+    readFileName(search_Song_List.listIndex());
+    const std::u16string target = app_.myCommondialog().file_Dialog(
+        hWnd(), dialogSave, std::u16string(saveTitle).append(app_.Main().title.caption()),
+        songFileName_, saveFilter, u"", u"");
+    if (target.empty()) {
+        sayReady();
+        return;
+    }
+    fetch(target, canWriteBeside(app_, target), true, Then::Nothing);
+}
+
+void search_Song_Internet_Form::fetch(const std::u16string &target, bool canWrite, bool nameIsValid,
+                                      Then then) {
+    if (!canWrite) {
+        say(folderRefuses);
+    } else if (!nameIsValid) {
+        say(nameIsWrong);
+    } else if (!mayReplace(target)) {
+        sayReady();
+    } else {
+        transfer(target, then);
+    }
+}
+
+bool search_Song_Internet_Form::mayReplace(const std::u16string &target) {
+    if (!app_.saveOrOpenFile().fileExists(target))
+        return true;
+    if (windows().MsgBox(replaceQuestion, platform::MsgBoxButtons::YesNo,
+                         platform::MsgBoxIcon::None,
+                         app_.Main().title.caption()) != platform::MsgBoxResult::Yes)
+        return false;
+    if (target == app_.player().nowPlay_File)
+        app_.player().close_Sub(0);
+    return true;
+}
+
+void search_Song_Internet_Form::transfer(const std::u16string &target, Then then) {
+    setControlsEnabled(false);
+    DownFileBox.setVisible(true);
+    wd.URL = lower(List1.list(search_Song_List.listIndex()));
+    wd.FileName = target;
+    showTransfer();
+    const bool isFetched = wd.DownloadToFile(u"music");
+    std::optional<RunTimeError> failure;
+    if (isFetched && then == Then::Play) {
+        try {
+            play_Downloaded(target);
+        } catch (const RunTimeError &error) {
+            failure = error; // a list that is full, say: the window must not stay as it is
+        }
+    }
+    if (!failure)
+        say(isFetched ? fetched : notFetched);
+    setControlsEnabled(true);
+    DownFileBox.setVisible(false);
+    if (failure)
+        throw *failure;
+}
+
+void search_Song_Internet_Form::showTransfer() {
+    downInfo_0.setCaption(u"文件名：" + songFileName_);
+    downInfo_1.setCaption(u"存放到：" + (wd.FileName.empty() ? u"..." : wd.FileName));
+    downInfo_2.setCaption(u"来  源：" + wd.URL);
+}
+
+// The part is removed while the transfer is still unwinding.
+void search_Song_Internet_Form::downFileStop_Click() {
+    wd.bStop();
+    app_.saveOrOpenFile().shellDel(wd.FileName);
+}
+
+// --- behind a double click
+// ----------------------------------------------------------------------
+
+void search_Song_Internet_Form::play_Downloaded(const std::u16string &path) {
+    if (path.empty())
+        return;
+    velmora::player &player = app_.player();
+    const std::u16string stem = player.getFileStem(path);
+    if (!stem.empty()) {
+        if (app_.Search().isInPlayList(path)) {
+            app_.Main().selectNamesakes(stem);
+        } else {
+            forms::ListBox &names = app_.playList_Form().playList_Item;
+            names.addItem(stem);
+            app_.playList_Form().List1.addItem(path);
+            // One beyond the new row, as the row has been counted already.
+            player.nowPlay_Index = addInt16(names.listCount(), 1);
+        }
+    }
+    if (player.get_PlayStatus() == statusPlaying)
+        player.close_Sub(0);
+    if (!stem.empty()) {
+        player.open_File(path);
+        player.play_Sub();
+    } else {
+        windows().MsgBox(app_.Language().msg_Bad_Path, platform::MsgBoxButtons::Ok,
+                         platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
+    }
+    if (player.get_Length() == 0)
+        app_.Main().stop_Sub();
+    app_.saveOrOpenFile().savePlayList();
+}
+
+// --- events of the transfer
+// ---------------------------------------------------------------------
+
+void search_Song_Internet_Form::wd_Status(std::int32_t code) {
+    say(textOf(statusTexts, code, unknownStatus));
+}
+
+void search_Song_Internet_Form::wd_Error(std::int32_t code) {
+    say(textOf(errorTexts, code, unknownError));
+}
+
+void search_Song_Internet_Form::wd_Progress(double total, double received, double speed) {
+    const double percent = std::clamp(received / (total / 100), 0.0, 100.0);
+    zkProgress1.setValue(percent);
+    platform::Profiles &profiles = app_.platform().profiles;
+    downInfo_3.setCaption(u"下载进度：" + formatByteSize(profiles, received) + u" of " +
+                          formatByteSize(profiles, total) + u" (" + percentText(percent) + u"%)");
+    downInfo_4.setCaption(u"下载速度：" + formatByteSize(profiles, speed) + u" /s");
+}
+
+void search_Song_Internet_Form::wd_DownloadEnd(bool /*success*/) {
+    for (forms::Label *label : {&downInfo_0, &downInfo_1, &downInfo_2, &downInfo_3, &downInfo_4})
+        label->setCaption(u"");
+}
+
+} // namespace velmora
