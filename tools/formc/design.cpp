@@ -98,14 +98,23 @@ private:
             return fault(isProperty(word) ? "'" + std::string(owner.thing->kind->word) +
                                                 "' has no property '" + word + "'"
                                           : "unknown property '" + word + "'");
-        if (owner.thing->has(word))
+        const bool again = owner.thing->has(word);
+        if (again && !row->repeats)
             return fault("'" + word + "' is given twice");
         Setting setting;
         setting.row = row;
         setting.line = line_;
         if (auto bad = readValues(*row, line.tokens, skin_, setting); !bad.empty())
             fault(std::move(bad));
-        owner.thing->settings.push_back(std::move(setting));
+        if (again)
+            addLine(*owner.thing, *row, setting.text);
+        else
+            owner.thing->settings.push_back(std::move(setting));
+    }
+
+    static void addLine(Thing &thing, const PropertyRow &row, std::u16string_view line) {
+        const auto given = std::ranges::find(thing.settings, &row, &Setting::row);
+        given->text.append(u"\r\n").append(line);
     }
 
     const Skin &skin_;

@@ -7,7 +7,7 @@
 // comes first; a line that begins with a kind of control opens a control; every other line is a
 // property of the thing above it that stands one level to its left. A control at the form's own
 // level, or one level deeper, lies on the form; deeper ones lie in the control above. Order in the
-// file is z-order.
+// file is z-order. A long text of a text box is given as one `line "..."` for each of its lines.
 
 #include <cstdint>
 #include <map>

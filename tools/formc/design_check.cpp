@@ -79,6 +79,10 @@ private:
             fault(thing.line, "'" + thing.name + "' is both opaque and transparent");
         if (kind == kinds::form && thing.has("pointer") && thing.find("pointer")->word == "hand")
             fault(thing.line, "a form has no hand pointer");
+        if (thing.has("line") && thing.has("text"))
+            fault(thing.line, "'" + thing.name + "' has both a text and lines");
+        if (thing.has("line") && !thing.has("multiline"))
+            fault(thing.line, "'" + thing.name + "' has lines but is not multiline");
         if (thing.has("separator") && !thing.children.empty())
             fault(thing.line, "the separator '" + thing.name + "' has entries");
     }

@@ -47,6 +47,7 @@ constexpr std::array propertyTable{
     PropertyRow{"font", Shape::Font, progress, "setCaptionFont"},
     PropertyRow{"caption", Shape::Text, captioned, "setCaption"},
     PropertyRow{"text", Shape::Text, textBox, "setText"},
+    PropertyRow{"line", Shape::Text, textBox, "setText", Phase::Look, 0, 0, true},
     PropertyRow{"tip", Shape::Text, controls, "setToolTip"},
     PropertyRow{"tag", Shape::Text, controls | timer | menu, "setTag"},
     PropertyRow{"fore", Shape::Colour, label | listBox | textBox | progress, "setForeColor"},

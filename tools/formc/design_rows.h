@@ -67,6 +67,7 @@ struct PropertyRow {
     Phase phase = Phase::Look;
     std::int64_t min = 0;
     std::int64_t max = 0;
+    bool repeats = false; // given again it is the next line of the same text
 };
 
 std::span<const KindRow> kindRows();

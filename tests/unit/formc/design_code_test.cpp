@@ -108,6 +108,8 @@ INSTANTIATE_TEST_SUITE_P(
                       CodeCase{"Shape", "fill @text", "setFillColor(0xF3EDE9)"},
                       CodeCase{"Line", "ends 1 2 3 4", "setEnds(1.0F, 2.0F, 3.0F, 4.0F)"},
                       CodeCase{"TextBox", "text \"t\"", "setText(u\"t\")"},
+                      CodeCase{"TextBox", "multiline\n    line \"a\"\n    line \"b\"",
+                               "setText(u\"a\\015\\012b\")"},
                       CodeCase{"TextBox", "multiline", "setMultiLine(true)"},
                       CodeCase{"TextBox", "locked", "setLocked(true)"},
                       CodeCase{"CheckBox", "value 2", "setValue(2)"},

@@ -167,6 +167,24 @@ TEST(DesignFaults, APropertyTwice) {
     EXPECT_THAT(faultsOf("Label", "    at 1 1\n"), ElementsAre("'at' is given twice"));
 }
 
+TEST(Design, ALongTextIsGivenLineByLine) {
+    const Design design =
+        read("form F\n    size 9 9\nTextBox t\n    at 0 0\n    size 9 9\n"
+             "    line \"one\"\n    multiline\n    line \"\"\n    line \"  three\"\n");
+    EXPECT_THAT(design.faults, IsEmpty());
+    EXPECT_EQ(design.form.children[0].find("line")->text, u"one\r\n\r\n  three");
+}
+
+TEST(DesignFaults, LinesOfABoxOfOneLineOrBesideAText) {
+    EXPECT_THAT(faultsOf("TextBox", "    line \"a\"\n"),
+                ElementsAre("'c' has lines but is not multiline"));
+    EXPECT_THAT(faultsOf("TextBox", "    multiline\n    line \"a\"\n    text \"b\"\n"),
+                ElementsAre("'c' has both a text and lines"));
+    EXPECT_THAT(faultsOf("Label", "    line \"a\"\n"),
+                ElementsAre("'Label' has no property 'line'"));
+    EXPECT_THAT(faultsOf("TextBox", "    multiline\n    line \"a\"\n    line b\n"), SizeIs(1));
+}
+
 TEST(DesignFaults, TabsAndOddIndentation) {
     EXPECT_THAT(faults("form F\n    size 9 9\n\tcaption \"x\"\n"),
                 ElementsAre("3: tab characters are not allowed"));

@@ -2,6 +2,7 @@
 
 #include "tests/unit/settings/settings_fixture.h"
 
+#include <algorithm>
 #include <array>
 #include <set>
 
