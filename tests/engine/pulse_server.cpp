@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <poll.h>
+#include <sched.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -64,10 +65,21 @@ bool accepts(const std::string &path) {
 
 } // namespace
 
+namespace {
+
+// Before all ordinary processes, where that is allowed.
+bool putFirst(pid_t process) {
+    const sched_param first{.sched_priority = 2};
+    return sched_setscheduler(process, SCHED_RR, &first) == 0;
+}
+
+} // namespace
+
 PulseServer::PulseServer(Options options) : options_(std::move(options)) {
     // Whoever listens in real time goes before what else the machine does, where that is allowed:
     // the server, the recorder and the threads of devices are all begun by this thread.
-    setpriority(PRIO_PROCESS, 0, -10);
+    if (!putFirst(0))
+        setpriority(PRIO_PROCESS, 0, -10);
     std::string pattern =
         (std::filesystem::temp_directory_path() / "velmora-pulse-XXXXXX").string();
     if (mkdtemp(pattern.data()))
@@ -108,8 +120,10 @@ bool PulseServer::start() {
         -1);
     const auto limit = std::chrono::steady_clock::now() + 10s;
     while (std::chrono::steady_clock::now() < limit) {
-        if (accepts(socketPath()))
+        if (accepts(socketPath())) {
+            putFirst(pid_); // it has put itself back while it started
             return true;
+        }
         int status = 0;
         if (waitpid(pid_, &status, WNOHANG) == pid_) {
             pid_ = -1;
