@@ -33,8 +33,11 @@ bool CurlClient::receiveInto(Exchange &exchange, const std::string &path) {
     const auto least =
         static_cast<std::size_t>(limits_.stall.count()) * limits_.downloadBytesPerSecond / 1000;
     AtomicFile file(path);
-    for (std::string bytes; !(bytes = exchange.read(pieceSize, least)).empty();)
+    std::string bytes;
+    do {
+        exchange.read(pieceSize, least, bytes);
         file.write(bytes);
+    } while (!bytes.empty());
     if (exchange.ending() != Ending::Whole)
         return false;
     file.commit(false);
@@ -74,7 +77,8 @@ std::optional<std::string> CurlClient::XmlHttpGet(std::u16string_view url) {
     Exchange exchange(*curl_, jar_, limits_, std::move(request));
     if (!exchange.start(std::chrono::steady_clock::now() + limits_.page))
         fail(exchange.failure());
-    std::string page = exchange.read(limits_.pageBytes + 1, 1);
+    std::string page;
+    exchange.read(limits_.pageBytes + 1, 1, page);
     switch (exchange.ending()) {
     case Ending::Whole:
         return page;

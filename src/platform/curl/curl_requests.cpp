@@ -148,7 +148,7 @@ bool CurlClient::InternetReadFile(InternetHandle request, std::size_t count, std
         return false;
     // A body that brings less than this in the stall limit holds the window for nothing.
     constexpr std::size_t least = 1024;
-    bytes = open->exchange->read(count, least);
+    open->exchange->read(count, least, bytes);
     const Ending ending = open->exchange->ending();
     return !bytes.empty() || count == 0 || ending == Ending::Running || ending == Ending::Whole;
 }

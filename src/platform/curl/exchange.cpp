@@ -185,7 +185,7 @@ bool Exchange::start(Time until) {
     return header_.complete();
 }
 
-std::string Exchange::read(std::size_t count, std::size_t leastInStall) {
+void Exchange::read(std::size_t count, std::size_t leastInStall, std::string &bytes) {
     wanted_ = count;
     Time windowEnd = steady_clock::now() + limits_.stall;
     std::size_t windowFrom = received_;
@@ -198,9 +198,8 @@ std::string Exchange::read(std::size_t count, std::size_t leastInStall) {
         }
         step(std::min(until_, windowEnd));
     }
-    std::string bytes = buffer_.substr(taken_, count);
+    bytes.assign(buffer_, taken_, count);
     taken_ += bytes.size();
-    return bytes;
 }
 
 std::string Exchange::failure() const {

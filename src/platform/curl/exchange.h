@@ -53,9 +53,10 @@ public:
     // Sends and waits for the final response's header. `until` limits the whole exchange.
     bool start(Time until = Time::max());
 
-    // The next bytes of the body: `count`, or fewer once it has ended. The body has stalled when
-    // `leastInStall` bytes (or what is wanted, if that is less) take longer than the stall limit.
-    std::string read(std::size_t count, std::size_t leastInStall);
+    // The next bytes of the body, in place of what `bytes` held: `count`, or fewer once it has
+    // ended. The body has stalled when `leastInStall` bytes (or what is wanted, if that is less)
+    // take longer than the stall limit.
+    void read(std::size_t count, std::size_t leastInStall, std::string &bytes);
 
     Ending ending() const noexcept { return ending_; }
     const HeaderBlock &header() const noexcept { return header_; }
