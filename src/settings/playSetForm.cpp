@@ -123,8 +123,7 @@ void playSetForm::isAutoPlay_Click() {
         mode->setEnabled(isAutoPlay.value() == 1);
 }
 
-// --- Apply, OK, Cancel
-// -----------------------------------------------------------------------------
+// --- Apply, OK, Cancel -----------------------------------------------------------------------
 
 void playSetForm::yy_Click() { apply_PlaySet(); }
 
@@ -146,8 +145,7 @@ void playSetForm::leave() {
         app_.formSet().dock_PlayList(true);
 }
 
-// --- dialogs and other windows
-// ---------------------------------------------------------------------
+// --- dialogs and other windows ---------------------------------------------------------------
 
 void playSetForm::chooseFont(forms::TextBox &preview) {
     forms::Font font = preview.font();

@@ -32,8 +32,7 @@ namespace {
 constexpr Twips closeMargin = 120;
 constexpr Twips buttonGap = 60;
 
-// --- the tables
-// ------------------------------------------------------------------------------------
+// --- the tables ------------------------------------------------------------------------------
 
 constexpr skin::Hand<Main_Design> mainHands[] = {hand<&Main::Volume_ICO>,
                                                  hand<&Main::Volume_Set_BG>,
@@ -123,8 +122,7 @@ constexpr skin::Hand<VideoScreen_Form_Design> videoHands[] = {
     hand<&VideoScreen_Form::Volume_Set_BG>, hand<&VideoScreen_Form::fullScreen_imgButton>,
     hand<&VideoScreen_Form::load_Played_BG>, hand<&VideoScreen_Form::fullScreen_Button>};
 
-// --- the layout
-// ------------------------------------------------------------------------------------
+// --- the layout ------------------------------------------------------------------------------
 
 template <typename Form> void layTitle(Form &form) {
     form.title_ICO.setTop(skin::titleStripTop);

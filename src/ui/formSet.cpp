@@ -35,8 +35,7 @@ std::u16string_view cutTip(std::u16string_view text) {
 
 formSet::formSet(Velmora &app) : app_(app) {}
 
-// --- shape and order
-// ------------------------------------------------------------------------------
+// --- shape and order -------------------------------------------------------------------------
 
 void formSet::set_ColourKey(forms::Form &form) {
     platform::WindowSystem &windows = app_.platform().windows;
@@ -56,8 +55,7 @@ void formSet::keep_Topmost() {
     set_Topmost(app_.lrcForm().hWnd(), true);
 }
 
-// --- dragging
-// -------------------------------------------------------------------------------------
+// --- dragging --------------------------------------------------------------------------------
 
 PointTwips formSet::pointer_On(const forms::Form &form, const forms::MouseEvent &event) {
     PointPixels pointer;
@@ -92,8 +90,7 @@ void formSet::make_Draggable(forms::Form &form, forms::ControlEvents &events) {
     };
 }
 
-// --- docking
-// --------------------------------------------------------------------------------------
+// --- docking ---------------------------------------------------------------------------------
 
 bool formSet::read_Tray_Area() {
     platform::WindowSystem &windows = app_.platform().windows;
@@ -125,8 +122,7 @@ void formSet::dock_PlayList(bool flag) {
     });
 }
 
-// --- tray
-// -----------------------------------------------------------------------------------------
+// --- tray ------------------------------------------------------------------------------------
 
 void formSet::tray_Add(velmora::Main &main) {
     platform::WindowSystem &windows = app_.platform().windows;
@@ -187,8 +183,7 @@ void formSet::trayClicked() {
     }
 }
 
-// --- settings
-// -------------------------------------------------------------------------------------
+// --- settings --------------------------------------------------------------------------------
 
 // Each value is read once for each of its tests, as every getter reads the store anew.
 void formSet::open_PlaySet() {

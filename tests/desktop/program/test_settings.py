@@ -288,10 +288,11 @@ class Dialogs(SettingsTest):
         return box
 
     def assert_gone(self, box):
-        self.assertTrue(wait_for(lambda: self.message_is_gone(box)), "the dialog stays")
-
-    def message_is_gone(self, box):
-        return box not in self.player.windows()
+        """The dialog is away, and the settings stand as they will."""
+        self.assertTrue(self.player.gone(box), "the dialog stays")
+        settings = self.player.form(SETTINGS)
+        quiet("xdotool", "windowfocus", "--sync", settings, env=self.session.env)
+        self.steady_page(settings)
 
     def lyrics(self):
         self.begin()

@@ -141,8 +141,7 @@ TEST_P(AHostileRegistry, IsWholeAgainAfterOneConfirmation) {
 INSTANTIATE_TEST_SUITE_P(With, AHostileRegistry, testing::ValuesIn(faults),
                          [](const auto &one) { return one.param.name; });
 
-// --- fonts
-// -------------------------------------------------------------------------------------------
+// --- fonts -----------------------------------------------------------------------------------
 
 class HostileSettings : public SettingsFixture {};
 
@@ -179,8 +178,7 @@ TEST_F(HostileSettings, ALanguageOutOfRangeLeavesEveryMessageEmptyUntilOneIsChos
     EXPECT_EQ(app.Language().msg_Error, u"Error");
 }
 
-// --- folders
-// -------------------------------------------------------------------------------------------
+// --- folders ---------------------------------------------------------------------------------
 
 TEST_F(HostileSettings, AFileInTheFoldersPlaceLetsTheListGoUnsavedWithoutAWord) {
     files.addFile(u"/songs/lists", "a file");

@@ -151,8 +151,7 @@ TEST_F(Languages, TheLanguagesNamesForThemselvesStay) {
     }
 }
 
-// --- nothing left from another language
-// ------------------------------------------------------------
+// --- nothing left from another language ------------------------------------------------------
 
 bool isKana(char16_t unit) { return unit >= 0x3041 && unit <= 0x30FF && unit != 0x30FB; }
 bool isHan(char16_t unit) { return unit >= 0x4E00 && unit <= 0x9FFF; }
@@ -227,8 +226,7 @@ TEST_F(Languages, NoTextIsTheSameInEnglishAndFrenchOrJapaneseByOversight) {
     }
 }
 
-// --- placeholders and shortcuts
-// ----------------------------------------------------------------------
+// --- placeholders and shortcuts --------------------------------------------------------------
 
 // The keys named in brackets at a text's end, in capitals.
 std::u16string keysOf(std::u16string_view text) {
@@ -349,8 +347,7 @@ TEST_F(Languages, FrenchPutsAnUnbreakableBlankAheadOfDoubleMarks) {
         check(name, text);
 }
 
-// --- the telling rows
-// ----------------------------------------------------------------------------------
+// --- the telling rows ------------------------------------------------------------------------
 
 TEST_F(Languages, TheGivenControlTextsStandToTheLetter) {
     for (const GivenText &given : givenTexts) {
@@ -447,8 +444,7 @@ TEST_F(Languages, TheSameThingHasTheSameWordsEverywhere) {
     }
 }
 
-// --- application
-// ------------------------------------------------------------------------------------
+// --- application -----------------------------------------------------------------------------
 
 TEST_F(Languages, AnIndexOutsideTheFourDoesNotEvenMakeAForm) {
     fakes::FakePlatform other;

@@ -75,8 +75,26 @@ TEST_F(LongTexts, BreakTheirLinesInOneWayAndHoldNoPlaceholder) {
     }
 }
 
-// --- help
-// --------------------------------------------------------------------------------------------
+TEST_F(LongTexts, HoldNoLetterOfAnotherLanguage) {
+    const auto holds = [](const forms::TextBox &box, char16_t first, char16_t last) {
+        return std::ranges::any_of(box.text(),
+                                   [=](char16_t unit) { return unit >= first && unit <= last; });
+    };
+    for (const auto &boxes : {help, shortcuts}) {
+        for (const forms::TextBox *box : {boxes[1], boxes[2]}) {
+            EXPECT_FALSE(holds(*box, 0x3041, 0x30FF)) << box->name();
+            EXPECT_FALSE(holds(*box, 0x4E00, 0x9FFF)) << box->name();
+        }
+        EXPECT_FALSE(holds(*boxes[0], 0x3041, 0x30FA)) << boxes[0]->name();
+        EXPECT_TRUE(holds(*boxes[0], 0x4E00, 0x9FFF)) << boxes[0]->name();
+        EXPECT_TRUE(holds(*boxes[3], 0x3041, 0x309F)) << boxes[3]->name();
+        for (const char16_t simplified :
+             std::u16string_view(u"击设进动乐务关频词选择历测试图书说读写间门们"))
+            EXPECT_EQ(boxes[3]->text().find(simplified), std::u16string::npos) << boxes[3]->name();
+    }
+}
+
+// --- help ------------------------------------------------------------------------------------
 
 TEST_F(LongTexts, OfHelpHaveTheSameSectionsInTheSameOrder) {
     EXPECT_THAT(headsOf(*help[0]),
@@ -161,8 +179,7 @@ TEST_F(LongTexts, InFrenchHaveAnUnbreakableBlankAheadOfDoubleMarks) {
     }
 }
 
-// --- shortcuts
-// ---------------------------------------------------------------------------------------
+// --- shortcuts -------------------------------------------------------------------------------
 
 TEST_F(LongTexts, OfShortcutsHaveTheSameRowsInEachLanguage) {
     const Texts rows{u"ESC", u"F2",     u"F3",      u"F4",     u"F5",     u"F6",     u"F7",

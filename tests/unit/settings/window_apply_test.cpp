@@ -58,8 +58,7 @@ protected:
     }
 };
 
-// --- the choices
-// -------------------------------------------------------------------------------------
+// --- the choices -----------------------------------------------------------------------------
 
 TEST_F(SettingsApplied, AutoUpdateIsOneTickedAndZeroUnticked) {
     form.autoUpdate.setValue(1);
@@ -140,8 +139,7 @@ TEST_F(SettingsApplied, WithoutALanguageChosenTheOneInMemoryIsStored) {
     EXPECT_EQ(settings.Language_Index, 2);
 }
 
-// --- folders
-// -----------------------------------------------------------------------------------------
+// --- folders ---------------------------------------------------------------------------------
 
 TEST_F(SettingsApplied, TheFoldersAreInForceAtOnceAndAreMade) {
     form.save_Lrc_Path.userEdited(u"/songs/words");
@@ -180,8 +178,7 @@ TEST_F(SettingsApplied, AFolderIsTakenAsItWasTyped) {
     }
 }
 
-// --- storing
-// -----------------------------------------------------------------------------------------
+// --- storing ---------------------------------------------------------------------------------
 
 TEST_F(SettingsApplied, EverythingIsStoredInOneOrderAndTheLanguageIsReadBack) {
     const Texts expected = expectedLog(u"0");
@@ -243,8 +240,7 @@ TEST_F(SettingsApplied, ApplyStays) {
     expectOpen();
 }
 
-// --- shown at once
-// -----------------------------------------------------------------------------------
+// --- shown at once ---------------------------------------------------------------------------
 
 TEST_F(SettingsApplied, TheLanguageChangesInEveryWindowAtOnce) {
     app.playList_Form().show();
@@ -375,8 +371,7 @@ TEST_F(SettingsApplied, PlayModeAndAutoPlayActFromTheNextTrack) {
     EXPECT_EQ(media.mode(), u"playing");
 }
 
-// --- the desktop line by itself
-// ------------------------------------------------------------------------
+// --- the desktop line by itself --------------------------------------------------------------
 
 struct AutoOpenCase {
     bool ticked, hasLrc, on, shown;

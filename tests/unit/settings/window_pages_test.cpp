@@ -23,8 +23,7 @@ protected:
     }
 };
 
-// --- pages
-// -----------------------------------------------------------------------------------------
+// --- pages -----------------------------------------------------------------------------------
 
 TEST_F(SettingsPages, LieOverOneAnother) {
     for (const Page &page : pages())
@@ -72,8 +71,7 @@ TEST_F(SettingsPages, OpenWithTheHelpFromTheMenuWithoutReadingAnything) {
     expectClosed();
 }
 
-// --- opening
-// -----------------------------------------------------------------------------------------
+// --- opening ---------------------------------------------------------------------------------
 
 TEST_F(SettingsPages, OpenWithMainAndTheListDisabled) {
     open();
@@ -125,8 +123,7 @@ TEST_F(SettingsPages, TickNoLanguageWhereTheOneInForceIsNoneOfTheFour) {
     }
 }
 
-// --- the play modes
-// ----------------------------------------------------------------------------------
+// --- the play modes --------------------------------------------------------------------------
 
 TEST_F(SettingsPages, OfferThePlayModesWhileTracksFollowEachOther) {
     registry.setText(playSetKey, u"isAutoPlay", u"0");
@@ -150,8 +147,7 @@ TEST_F(SettingsPages, OpenWithThePlayModesDisabledWhereTracksDoNotFollow) {
     EXPECT_FALSE(form.Play_RepeatPlay.enabled());
 }
 
-// --- leaving
-// -----------------------------------------------------------------------------------------
+// --- leaving ---------------------------------------------------------------------------------
 
 TEST_F(SettingsPages, AreLeftByCancelByTheCloseButtonAndByTheWindowManager) {
     const std::function<void()> ways[] = {[this] { cancel(); }, [this] { click(form.close); },
@@ -232,8 +228,7 @@ TEST_F(SettingsPages, KeepWhatWasTypedAfterCancelButNotWhatIsReadAnew) {
     EXPECT_EQ(desktopLine().foreColor(), 0x00123456U);
 }
 
-// --- keys and other windows
-// ----------------------------------------------------------------------------
+// --- keys and other windows ------------------------------------------------------------------
 
 TEST_F(SettingsPages, AreConfirmedByCtrlSWhereverTheFocusIs) {
     const auto focusables = [&] {
