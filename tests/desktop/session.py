@@ -44,12 +44,14 @@ class Session:
         for folder in ("config", "data", "cache"):
             os.makedirs(f"{self.home}/{folder}")
         self.children = []
+        self.pulse = None
         self._display()
         if window_manager:
             self.spawn(["openbox"])
-            wait_for(lambda: "window id" in quiet("xprop", "-root", "_NET_SUPPORTING_WM_CHECK",
-                                                  env=self.env))
-        self.pulse = None
+            if not wait_for(lambda: "window id" in quiet(
+                    "xprop", "-root", "_NET_SUPPORTING_WM_CHECK", env=self.env), 30):
+                self.close()
+                raise RuntimeError("no window manager")
         if sound:
             self.start_sound()
 

@@ -76,7 +76,7 @@ class Dragging(WindowTest):
             self.assert_touching(player, main, rows)
             for window in (main, rows):
                 self.assertTrue(wait_for(lambda: "ABOVE" in self.states(window), 5),
-                                "a dragged window is not on top")
+                                f"{player.title(window)} is not on top: {self.states(window)}")
         steps = [(-10, 6)] * 10 + [(7, -3)]
         self.drag(player, main if dragged == "main" else rows, handle, steps, held)
         for window in (main, rows):
@@ -286,6 +286,8 @@ class MainMenu(WindowTest):
         for key in ("Down", "Down", "Down", "Return"):
             self.session.key(key)
         self.assertTrue(player.gone(rows))
+        centre = (1280 - MAIN_WIDTH) // 2
+        self.assertTrue(wait_for(lambda: player.place(main)[0] == centre, 5), "it is not centred")
         self.open_menu(player, main)
         for key in ("Down", "Down", "Return"):
             self.session.key(key)
