@@ -82,16 +82,26 @@ class ListTest(PlayerTest):
                         f"{self.rows_shown(player, rows)} rows on the screen instead of "
                         f"{len(paths)}")
 
+    def is_selected(self, player, rows, row):
+        """By the right end of the row: the ground alone."""
+        left = LIST_LEFT + LIST_WIDTH - 10
+        plain = player.picture(rows, left, LIST_TOP + LIST_HEIGHT - 6, 1, 1)
+        return player.picture(rows, left, LIST_TOP + ROW * row + 4, 1, 1) != plain
+
+    def select_all(self, player, rows):
+        """Returns once the list takes keys again: what is pressed meanwhile is lost."""
+        live = player.look(rows, "addFile", form=LIST)
+        self.session.key("ctrl+a", rows)
+        self.assertTrue(wait_for(lambda: self.is_selected(player, rows, 0) and
+                                 player.look(rows, "addFile", form=LIST) == live, 10),
+                        "the rows are not selected")
+
     def assert_a_reload_changes_nothing(self, player, rows):
         """The rows on the screen are those that the saved list gives."""
-        self.session.key("ctrl+a", rows)
-        # The right end of the first row: the ground alone.
-        spot = (LIST_LEFT + LIST_WIDTH - 10, LIST_TOP + 4, 1, 1)
-        plain = player.picture(rows, LIST_LEFT + LIST_WIDTH - 10, LIST_TOP + LIST_HEIGHT - 6, 1, 1)
-        self.assertTrue(wait_for(lambda: player.picture(rows, *spot) != plain, 5), "nothing selected")
+        self.select_all(player, rows)
         before = self.list_picture(player, rows)
         player.click(rows, "afresh_Load", form=LIST)
-        self.assertTrue(wait_for(lambda: player.picture(rows, *spot) == plain, 10), "no reload")
+        self.assertTrue(wait_for(lambda: not self.is_selected(player, rows, 0), 10), "no reload")
         after = self.list_picture(player, rows)
         lit = [(a > BRIGHT, b > BRIGHT) for a, b in zip(before, after)]
         either = sum(1 for a, b in lit if a or b)

@@ -227,7 +227,7 @@ class Deleting(ListTest):
         os.mkdir(self.tracks[2])
         player, _, rows = self.start_with_list()
         self.click_row(player, rows, 0)
-        self.session.key("ctrl+a", rows)
+        self.select_all(player, rows)
         self.session.key("shift+Delete", rows)
         self.answer(player, "y")
         self.answer(player, "y")
