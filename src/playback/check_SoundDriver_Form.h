@@ -18,6 +18,10 @@ public:
     // -1 when there is at least one output device, else 0.
     std::int16_t get_CheckResult();
 
+    // Lists what the first device can do in the text box. Without a device, or when it does not
+    // answer, the text box stays as it is and nothing is said.
+    void check_Click();
+
     void close_Click();
 
 private:
