@@ -6,6 +6,7 @@
 #include "network/search_Lrc_Internet_Form.h"
 #include "network/search_Song_Internet_Form.h"
 #include "network/song_Internet_Search.h"
+#include "network/update.h"
 #include "network/welcomeForm.h"
 #include "platform/windows.h"
 #include "playback/Main.h"
@@ -63,7 +64,7 @@ struct Velmora::Modules {
         : copyFile_(app), formSet_(app), Language_(app), Language_Set_(app),
           lrc_Internet_Search_(app), myCommondialog_(app), player_(app), playerInfo_(app),
           Procedure_Description_(app), saveOrOpenFile_(app), Search_(app), setControl_(app),
-          skinSet_(app), song_Internet_Search_(app), system_SpecialFolder_(app) {}
+          skinSet_(app), song_Internet_Search_(app), system_SpecialFolder_(app), update_(app) {}
 
     velmora::copyFile copyFile_;
     velmora::formSet formSet_;
@@ -80,6 +81,7 @@ struct Velmora::Modules {
     velmora::skinSet skinSet_;
     velmora::song_Internet_Search song_Internet_Search_;
     velmora::system_SpecialFolder system_SpecialFolder_;
+    velmora::update update_;
 };
 
 struct Velmora::Forms {
@@ -133,6 +135,7 @@ velmora::song_Internet_Search &Velmora::song_Internet_Search() noexcept {
 velmora::system_SpecialFolder &Velmora::system_SpecialFolder() noexcept {
     return modules_->system_SpecialFolder_;
 }
+velmora::update &Velmora::update() noexcept { return modules_->update_; }
 
 velmora::aboutForm &Velmora::aboutForm() { return forms_->aboutForm_.touch(*this); }
 velmora::another_PlayInfo_Form &Velmora::another_PlayInfo_Form() {

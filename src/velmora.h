@@ -29,6 +29,7 @@ class setControl;
 class skinSet;
 class song_Internet_Search;
 class system_SpecialFolder;
+class update;
 
 // Forms.
 class aboutForm;
@@ -77,6 +78,7 @@ public:
     velmora::skinSet &skinSet() noexcept;
     velmora::song_Internet_Search &song_Internet_Search() noexcept;
     velmora::system_SpecialFolder &system_SpecialFolder() noexcept;
+    velmora::update &update() noexcept;
 
     velmora::aboutForm &aboutForm();
     velmora::another_PlayInfo_Form &another_PlayInfo_Form();

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace velmora::platform {
 
@@ -22,6 +23,10 @@ public:
                                                     std::u16string_view key,
                                                     std::u16string_view fallback, std::size_t size,
                                                     std::u16string_view file) = 0;
+
+    // `GetPrivateProfileStringA` with a null key: the names of the section's keys, each once.
+    virtual std::vector<std::u16string> GetPrivateProfileKeysA(std::u16string_view section,
+                                                               std::u16string_view file) = 0;
 
     // A null value removes the key; the file is rewritten only when the key is there. A file that
     // does not exist is not made for that.

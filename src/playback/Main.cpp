@@ -8,6 +8,7 @@
 #include "lyrics/lrcForm.h"
 #include "network/search_Lrc_Internet_Form.h"
 #include "network/search_Song_Internet_Form.h"
+#include "network/welcomeForm.h"
 #include "platform/windows.h"
 #include "playback/VideoScreen_Form.h"
 #include "playback/check_SoundDriver_Form.h"
@@ -78,6 +79,7 @@ void Main::setClickHandlers() {
         {playSet_Button, &Main::playSet_Button_Click},
         {CopyRight_ICO, &Main::about_Click},
         {link, &Main::link_Click},
+        {welcome, &Main::welcome_Click},
     };
     for (const Row &row : rows) {
         row.control.on().Click = [this, handler = row.handler] { (this->*handler)(); };
@@ -225,6 +227,11 @@ void Main::about_Click() {
 }
 
 void Main::link_Click() { app_.saveOrOpenFile().shellOpen(link.caption()); }
+
+void Main::welcome_Click() {
+    welcome.setVisible(false);
+    app_.welcomeForm().Start(false);
+}
 
 void Main::get_Focus() {
     hide();

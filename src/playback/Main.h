@@ -63,6 +63,7 @@ public:
     void do_Lrc_Click();
     void search_Lrc_Internet_Click();
     void search_Song_Internet_Click();
+    void welcome_Click();
     void check_SoundDriver_Click();
     void playSet_Button_Click();
     void about_Click();

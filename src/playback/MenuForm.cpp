@@ -1,6 +1,7 @@
 #include "playback/MenuForm.h"
 
 #include "platform/windows.h"
+#include "network/update.h"
 #include "playback/Main.h"
 #include "playback/miniForm.h"
 #include "playback/player.h"
@@ -38,6 +39,7 @@ void MenuForm::load() {
         {doLrc, [](Velmora &app) { app.Main().do_Lrc_Click(); }},
         {check_SoundDriver, [](Velmora &app) { app.Main().check_SoundDriver_Click(); }},
         {search_Lrc_To_Internet, [](Velmora &app) { app.Main().search_Lrc_Internet_Click(); }},
+        {detection_Update, [](Velmora &app) { app.update().check_Update(true); }},
         {close, [](Velmora &app) { app.startLoad_Form().unload(); }},
         {playlist_Play, [](Velmora &app) { app.playList_Form().playThis(); }},
         {playlist_AddFile, [](Velmora &app) { app.playList_Form().addFile_Click(); }},

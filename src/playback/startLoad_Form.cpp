@@ -4,6 +4,8 @@
 #include "base/run_time_error.h"
 #include "base/text.h"
 #include "lyrics/lrcForm.h"
+#include "network/update.h"
+#include "network/welcomeForm.h"
 #include "platform/files.h"
 #include "platform/system.h"
 #include "platform/windows.h"
@@ -192,6 +194,7 @@ void startLoad_Form::checkSound() {
 void startLoad_Form::checkUpdate() {
     if (app_.setControl().get_AutoUpdate() != 0) {
         say(u"检测更新软件版本...");
+        app_.update().check_Update(false);
     }
 }
 
@@ -247,7 +250,11 @@ void startLoad_Form::loadPlayMode() {
 }
 
 void startLoad_Form::showWelcome() {
-    app_.Main().welcome.setVisible(!app_.setControl().get_AutoShowWelcome());
+    const bool shows = app_.setControl().get_AutoShowWelcome();
+    app_.Main().welcome.setVisible(!shows);
+    if (shows) {
+        app_.welcomeForm().Start(false);
+    }
 }
 
 void startLoad_Form::end(int status) {

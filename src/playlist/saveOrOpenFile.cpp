@@ -59,8 +59,9 @@ bool saveOrOpenFile::isValidFileName(std::u16string_view name) noexcept {
 }
 
 bool saveOrOpenFile::shellOpen(std::u16string_view target) {
-    app_.platform().shell.ShellExecuteA(app_.playList_Form().hWnd(), u"open", target, showNormal);
-    return true;
+    constexpr std::int32_t lastFailure = 32;
+    return app_.platform().shell.ShellExecuteA(app_.playList_Form().hWnd(), u"open", target,
+                                               showNormal) > lastFailure;
 }
 
 void saveOrOpenFile::mailTo(std::u16string_view address) {

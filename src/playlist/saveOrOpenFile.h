@@ -57,7 +57,7 @@ public:
     // 1 to 222 units, not only blanks, none of \ / : * ? " < > |
     static bool isValidFileName(std::u16string_view name) noexcept;
 
-    // Hands a path or address to the desktop. Always true.
+    // Hands a path or address to the desktop. True when the system reports success.
     bool shellOpen(std::u16string_view target);
     // Opens the mail program with this address.
     void mailTo(std::u16string_view address);

@@ -75,6 +75,22 @@ std::u16string FakeProfiles::GetPrivateProfileStringA(std::u16string_view sectio
     return std::u16string(leftPart(value, static_cast<std::ptrdiff_t>(size) - 1));
 }
 
+std::vector<std::u16string> FakeProfiles::GetPrivateProfileKeysA(std::u16string_view section,
+                                                                 std::u16string_view file) {
+    log.push_back(u"keys " + std::u16string(section) + u" " + std::u16string(file));
+    const Place place = find(section, u"", file);
+    std::vector<std::u16string> names;
+    // The section's lines end at its end and begin behind its head.
+    for (std::size_t i = place.sectionEnd; i > 0; --i) {
+        const std::u16string_view line = trimmed(place.lines[i - 1]);
+        if (startsWith(line, u"["))
+            break;
+        if (!startsWith(line, u";") && contains(line, u"="))
+            names.emplace_back(keyOf(line));
+    }
+    return names;
+}
+
 bool FakeProfiles::WritePrivateProfileStringA(std::u16string_view section, std::u16string_view key,
                                               std::optional<std::u16string_view> value,
                                               std::u16string_view file) {

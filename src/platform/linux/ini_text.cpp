@@ -67,6 +67,16 @@ const IniText::Place *IniText::find(std::u16string_view section, std::u16string_
     return place == found->second.keys.end() ? nullptr : &place->second;
 }
 
+std::vector<std::u16string> IniText::keys(std::u16string_view section) const {
+    std::vector<std::u16string> names;
+    const auto found = sections_.find(upper(section));
+    if (found != sections_.end()) {
+        for (const auto &[name, place] : found->second.keys)
+            names.push_back(name);
+    }
+    return names;
+}
+
 std::size_t IniText::endOf(std::u16string_view section) const {
     const auto found = sections_.find(upper(section));
     return found == sections_.end() ? 0 : found->second.end;

@@ -34,6 +34,8 @@ public:
     };
     // Null when it is not there.
     const Place *find(std::u16string_view section, std::u16string_view key) const;
+    // In upper case.
+    std::vector<std::u16string> keys(std::u16string_view section) const;
     // The line behind the section's last one that holds something; 0 when there is no such section.
     std::size_t endOf(std::u16string_view section) const;
 

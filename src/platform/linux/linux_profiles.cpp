@@ -57,6 +57,12 @@ std::u16string LinuxProfiles::GetPrivateProfileStringA(std::u16string_view secti
     return fitting(place != nullptr ? place->value : fallback, size);
 }
 
+std::vector<std::u16string> LinuxProfiles::GetPrivateProfileKeysA(std::u16string_view section,
+                                                                  std::u16string_view file) {
+    const std::optional<std::string> bytes = bytesOf(file);
+    return bytes ? parsed(*bytes).keys(section) : std::vector<std::u16string>();
+}
+
 bool LinuxProfiles::WritePrivateProfileStringA(std::u16string_view section, std::u16string_view key,
                                                std::optional<std::u16string_view> value,
                                                std::u16string_view file) {

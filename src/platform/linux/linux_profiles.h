@@ -19,6 +19,8 @@ public:
     std::u16string GetPrivateProfileStringA(std::u16string_view section, std::u16string_view key,
                                             std::u16string_view fallback, std::size_t size,
                                             std::u16string_view file) override;
+    std::vector<std::u16string> GetPrivateProfileKeysA(std::u16string_view section,
+                                                       std::u16string_view file) override;
     bool WritePrivateProfileStringA(std::u16string_view section, std::u16string_view key,
                                     std::optional<std::u16string_view> value,
                                     std::u16string_view file) override;

@@ -136,8 +136,10 @@ TEST_F(FilesAndShell, OpeningGoesToTheDesktopForThePlayListWindow) {
                                            app.playList_Form().hWnd(), u"open", u"/m/folder/", 1}));
 }
 
-TEST_F(FilesAndShell, OpeningIsTrueEvenWhenTheDesktopRefuses) {
-    fake.shell.answer = 2;
+TEST_F(FilesAndShell, OpeningIsTrueWhenTheSystemReportsSuccess) {
+    fake.shell.answer = 32;
+    EXPECT_FALSE(work.shellOpen(u"http://norvane.example"));
+    fake.shell.answer = 33;
     EXPECT_TRUE(work.shellOpen(u"http://norvane.example"));
 }
 

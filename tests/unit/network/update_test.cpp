@@ -1,0 +1,234 @@
+// The program's own update.
+
+#include "tests/unit/program_fixture.h"
+
+#include "network/update.h"
+#include "playback/startLoad_Form.h"
+
+namespace velmora {
+namespace {
+
+using platform::MsgBoxButtons;
+using platform::MsgBoxIcon;
+using platform::MsgBoxResult;
+
+class Update : public ProgramFixture {
+protected:
+    Update() {
+        speak(1);
+        files.addFolder(fake.folders.temporary);
+        files.addFolder(u"/opt/velmora");
+        fake.registry.setText(u"SOFTWARE\\Norvane\\zkPlayer\\hosts", u"maker", u"http://maker");
+        app.Main().Vesion = u"2.9.9";
+        app.Main().title.setCaption(u"Velmora 2011");
+    }
+    velmora::update &work() { return app.update(); }
+    void serve(std::string text) {
+        fake.internet.setDownload(u"http://maker/source/softwareDate/zkPlayerUpdate.php",
+                                  std::move(text));
+    }
+    void serveVersion(const std::string &version, const std::string &more = {}) {
+        serve("[check]\r\nvesion=" + version + "\r\ndownload=http://maker/new.exe\r\n" + more);
+    }
+    void serveProgram() { fake.internet.setDownload(u"http://maker/new.exe", "program"); }
+    std::u16string shown() { return app.startLoad_Form().showText.caption(); }
+    void expectBox(std::u16string_view text, MsgBoxIcon icon) {
+        windows.expectMsgBox(boxOf(text, icon, u"Velmora 2011"), MsgBoxResult::Ok);
+    }
+    void expectQuestion(std::u16string_view text, MsgBoxResult answer) {
+        windows.expectMsgBox(
+            {std::u16string(text), MsgBoxButtons::YesNo, MsgBoxIcon::None, u"Velmora 2011"},
+            answer);
+    }
+    std::u16string askText(const std::u16string &version, const std::u16string &notes = {}) {
+        return std::u16string(app.Language().msg_Upgrade_Ask) + version + u"】？\r\n\r\n" + notes;
+    }
+    static constexpr auto newPath = u"/opt/velmora/zkPlayer [3.0.0].exe";
+};
+
+TEST_F(Update, WithoutANetworkIsToldToTheUserAlone) {
+    fake.internet.connectedState = 0;
+    work().check_Update(false);
+    EXPECT_TRUE(windows.boxes.empty());
+    expectBox(app.Language().msg_No_Network, MsgBoxIcon::Critical);
+    work().check_Update(true);
+}
+
+TEST_F(Update, WithoutTheInformationFileIsSilentForTheUserToo) {
+    work().check_Update(true);
+    EXPECT_TRUE(windows.boxes.empty());
+    EXPECT_NE(work().update_Result, 0);
+}
+
+TEST_F(Update, WithAnInformationFileOfNoUseIsSilentForTheUserToo) {
+    for (const char *text : {"", "[check]\r\nvesion=3.0.0\r\n", "[check]\r\ndownload=http://x\r\n",
+                             "[check]\r\nvesion=3.0.0\r\ndownload=  \r\n", "<html>404</html>"}) {
+        serve(text);
+        work().check_Update(true);
+    }
+    EXPECT_TRUE(windows.boxes.empty());
+}
+
+TEST_F(Update, OfTheCurrentVersionIsToldToTheUserAlone) {
+    serveVersion("2.9.9");
+    work().check_Update(false);
+    EXPECT_TRUE(windows.boxes.empty());
+    expectBox(app.Language().msg_Latest_Version, MsgBoxIcon::Information);
+    work().check_Update(true);
+}
+
+TEST_F(Update, FetchesTheInformationIntoTheTemporaryFolderAndDeletesIt) {
+    serveVersion("2.0.0");
+    work().check_Update(false);
+    const std::u16string path = fake.folders.temporary + u"zkPlayerUpdate.tmp";
+    EXPECT_EQ(work().update_TmpFile, path);
+    EXPECT_EQ(fake.shell.commandLines,
+              (Texts{u"cmd /c del \"" + path + u"\"", u"cmd /c del \"" + path + u"\""}));
+    EXPECT_FALSE(files.hasFile(path));
+    EXPECT_EQ(fake.internet.log.at(1),
+              u"DeleteUrlCacheEntryA http://maker/source/softwareDate/zkPlayerUpdate.php");
+}
+
+TEST_F(Update, IsNotFetchedWhereTheTemporaryFolderCannotBeWritten) {
+    files.setReadOnly(fake.folders.temporary);
+    serveVersion("3.0.0");
+    fake.internet.URLDownloadToFileA(u"http://maker/source/softwareDate/zkPlayerUpdate.php",
+                                     u"/x/asked");
+    const std::size_t asked = fake.internet.log.size();
+    work().check_Update(true);
+    for (std::size_t i = asked; i < fake.internet.log.size(); ++i)
+        EXPECT_FALSE(startsWith(fake.internet.log[i], u"URLDownloadToFileA"));
+}
+
+TEST_F(Update, ThatTheUserDeclinesFetchesNothing) {
+    serveVersion("3.0.0");
+    expectQuestion(askText(u"3.0.0"), MsgBoxResult::No);
+    work().check_Update(true);
+    EXPECT_FALSE(files.hasFile(newPath));
+    EXPECT_EQ(shown(), u"发现最新版本：【3.0.0】，等待用户选择是否下载...");
+}
+
+struct NotesCase {
+    std::int32_t language;
+    const char16_t *notes;
+};
+
+class UpdateNotes : public Update, public ::testing::WithParamInterface<NotesCase> {};
+
+TEST_P(UpdateNotes, AreThoseOfTheLanguageALineEach) {
+    speak(1);
+    serveVersion("3.0.0", "[Updates]\r\nUpdates_Chinese=一|二\r\nUpdates_English=one\r\n"
+                          "Updates_French=un||deux\r\nUpdates_Japanese=い\r\n");
+    app.setControl().Language_Index = GetParam().language;
+    expectQuestion(askText(u"3.0.0", GetParam().notes), MsgBoxResult::No);
+    work().check_Update(false);
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, UpdateNotes,
+                         ::testing::Values(NotesCase{0, u"一\r\n二\r\n"}, NotesCase{1, u"one\r\n"},
+                                           NotesCase{2, u"un\r\n\r\ndeux\r\n"},
+                                           NotesCase{3, u"い\r\n"}, NotesCase{4, u""},
+                                           NotesCase{-1, u""}));
+
+TEST_F(Update, IsFetchedBesideTheProgramAndStaysUnusedWhenTheUserWantsNoRestart) {
+    serveVersion("3.0.0");
+    serveProgram();
+    expectQuestion(askText(u"3.0.0"), MsgBoxResult::Yes);
+    expectQuestion(app.Language().msg_Upgrade_Done, MsgBoxResult::No);
+    work().check_Update(true);
+    EXPECT_EQ(files.contents(newPath), "program");
+    EXPECT_TRUE(fake.shell.executions.empty());
+    EXPECT_EQ(shown(), u"成功下载最新版本：【3.0.0】，等待用户选择是否重启...");
+}
+
+TEST_F(Update, StartsTheNewProgramAndEndsThisOne) {
+    serveVersion("3.0.0");
+    serveProgram();
+    expectQuestion(askText(u"3.0.0"), MsgBoxResult::Yes);
+    expectQuestion(app.Language().msg_Upgrade_Done, MsgBoxResult::Yes);
+    expectEnd([&] { work().check_Update(true); });
+    ASSERT_EQ(fake.shell.executions.size(), 1U);
+    EXPECT_EQ(fake.shell.executions[0].target, newPath);
+    EXPECT_FALSE(files.hasFile(fake.folders.temporary + u"RestartZkPlayer.tmp")) << "no marker";
+    EXPECT_EQ(shown(), u"准备重启...");
+}
+
+TEST_F(Update, ThatDoesNotStartIsToldAndTheProgramGoesOn) {
+    serveVersion("3.0.0");
+    serveProgram();
+    fake.shell.answer = 5;
+    expectQuestion(askText(u"3.0.0"), MsgBoxResult::Yes);
+    expectQuestion(app.Language().msg_Upgrade_Done, MsgBoxResult::Yes);
+    expectBox(app.Language().msg_Cannot_Start, MsgBoxIcon::Exclamation);
+    work().check_Update(false);
+    EXPECT_EQ(shown(), app.Language().msg_Cannot_Start);
+}
+
+TEST_F(Update, ThatCannotBeFetchedIsToldEvenWhenTheUserDidNotAsk) {
+    serveVersion("3.0.0");
+    expectQuestion(askText(u"3.0.0"), MsgBoxResult::Yes);
+    expectBox(app.Language().msg_Upgrade_Failed, MsgBoxIcon::Critical);
+    work().check_Update(false);
+    EXPECT_EQ(shown(), app.Language().msg_Upgrade_Failed);
+}
+
+TEST_F(Update, ShowsThatItDownloads) {
+    serveVersion("3.0.0");
+    serveProgram();
+    expectQuestion(askText(u"3.0.0"), MsgBoxResult::Yes);
+    expectQuestion(app.Language().msg_Upgrade_Done, MsgBoxResult::No);
+    std::u16string during;
+    windows.onPump = [&] {
+        if (contains(shown(), u"正在下载"))
+            during = shown();
+    };
+    work().check_Update(true);
+    EXPECT_EQ(during, u"正在下载最新版本：【3.0.0】，请稍后...");
+}
+
+TEST_F(Update, OverwritesAnEarlierFileOfTheSameVersion) {
+    files.addFile(newPath, "earlier");
+    serveVersion("3.0.0");
+    serveProgram();
+    expectQuestion(askText(u"3.0.0"), MsgBoxResult::Yes);
+    expectQuestion(app.Language().msg_Upgrade_Done, MsgBoxResult::No);
+    work().check_Update(true);
+    EXPECT_EQ(files.contents(newPath), "program");
+}
+
+TEST_F(Update, OfAVersionThatIsNoFileNameFailsWithoutLeavingTheFolder) {
+    serveVersion("3.0.0/../../evil");
+    expectQuestion(askText(u"3.0.0/../../evil"), MsgBoxResult::Yes);
+    expectBox(app.Language().msg_Upgrade_Failed, MsgBoxIcon::Critical);
+    work().check_Update(true);
+    for (const std::u16string &line : fake.internet.log)
+        EXPECT_FALSE(contains(line, u"new.exe") && startsWith(line, u"URLDownloadToFileA"));
+}
+
+struct VersionCase {
+    const char16_t *own;
+    const char16_t *other;
+    bool isNewer;
+};
+
+class NewVersion : public Update, public ::testing::WithParamInterface<VersionCase> {};
+
+TEST_P(NewVersion, ComparesThreeNumbers) {
+    app.Main().Vesion = GetParam().own;
+    EXPECT_EQ(work().is_NewVersion(GetParam().other), GetParam().isNewer);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Versions, NewVersion,
+    ::testing::Values(
+        VersionCase{u"2.9.9", u"3.0.0", true}, VersionCase{u"2.9.9", u"2.10.0", true},
+        VersionCase{u"2.9.9", u"2.9.10", true}, VersionCase{u"2.9.9", u"2.9.9", false},
+        VersionCase{u"2.9.9", u"1.99.99", false}, VersionCase{u"2.9.9", u"2.8.99", false},
+        VersionCase{u"2.9.9", u"2.9.9.5", false}, VersionCase{u"2.9.9", u"3", true},
+        VersionCase{u"2.9.9", u"2", false}, VersionCase{u"2.9.9", u"2.10", true},
+        VersionCase{u"2.9.9", u"2.9", false}, VersionCase{u"2.9", u"2.9.1", false},
+        VersionCase{u"", u"1.0.0", true}, VersionCase{u"2.9.9", u"", false},
+        VersionCase{u"2.9.9", u"3x.y.z", true}, VersionCase{u"2.9.9", u"x.9.9", false}));
+
+} // namespace
+} // namespace velmora
