@@ -95,7 +95,8 @@ Piece copyPiece(int from, int to, std::vector<char> &buffer, std::int64_t &copie
                                                                         : Piece::Failed;
 }
 
-Piece copyBytes(int from, int to, std::int64_t size, const QString &label) {
+// After `Failed`, `error` is the system's number for it.
+Piece copyBytes(int from, int to, std::int64_t size, const QString &label, int &error) {
     QProgressDialog progress(label, QStringLiteral("Esc"), 0, steps);
     progress.setWindowModality(Qt::ApplicationModal);
     progress.setMinimumDuration(patienceMs);
@@ -103,6 +104,7 @@ Piece copyBytes(int from, int to, std::int64_t size, const QString &label) {
     std::int64_t copied = 0;
     for (;;) {
         const Piece piece = copyPiece(from, to, buffer, copied);
+        error = errno; // before the window's end makes calls of its own
         if (piece != Piece::More) {
             return piece;
         }
@@ -152,12 +154,16 @@ CopyOutcome copyIntoFolder(QtWindowSystem &windows, std::u16string_view source,
         return tellError(windows, folder, errno);
     }
     Unfinished unfinished(pattern);
-    const Piece end = copyBytes(in.get(), out.get(), about.st_size, toShown(name));
+    int error = 0;
+    const Piece end = copyBytes(in.get(), out.get(), about.st_size, toShown(name), error);
     if (end == Piece::Cancelled) {
         return CopyOutcome::Cancelled;
     }
+    if (end == Piece::Failed) {
+        return tellError(windows, name, error);
+    }
     const timespec times[2] = {about.st_atim, about.st_mtim};
-    if (end == Piece::Failed || ::fchmod(out.get(), about.st_mode & permissionBits) != 0 ||
+    if (::fchmod(out.get(), about.st_mode & permissionBits) != 0 ||
         ::futimens(out.get(), times) != 0 || ::fsync(out.get()) != 0 || !out.close() ||
         !unfinished.renameTo(to)) {
         return tellError(windows, name, errno);

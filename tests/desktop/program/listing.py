@@ -11,6 +11,7 @@ from session import quiet, wait_for
 ROW = 18  # pixels
 LIST_LEFT, LIST_TOP, LIST_WIDTH, LIST_HEIGHT = (int(side) for side in LIST["playList_Item"])
 TEXT_LEFT = 6
+DARK = 35  # the ground of a row that is not selected is darker
 BRIGHT = 150  # letters are brighter, the ground of a selected row is darker
 
 
@@ -84,9 +85,8 @@ class ListTest(PlayerTest):
 
     def is_selected(self, player, rows, row):
         """By the right end of the row: the ground alone."""
-        left = LIST_LEFT + LIST_WIDTH - 10
-        plain = player.picture(rows, left, LIST_TOP + LIST_HEIGHT - 6, 1, 1)
-        return player.picture(rows, left, LIST_TOP + ROW * row + 4, 1, 1) != plain
+        ground = player.picture(rows, LIST_LEFT + LIST_WIDTH - 10, LIST_TOP + ROW * row + 4, 1, 1)
+        return len(ground) == 1 and ground[0] > DARK
 
     def select_all(self, player, rows):
         """Returns once the list takes keys again: what is pressed meanwhile is lost."""
