@@ -39,6 +39,8 @@ public:
     // The answer of the next request that reaches a server. One without an answer fails to send.
     void respond(Response response) { responses_.push_back(std::move(response)); }
 
+    void forgetResponses() { responses_.clear(); }
+
     // The page at an address, each time it is asked for; several for one address come one by one
     // and the last one stays. An address nobody set raises, as a refused connection does.
     void setPage(std::u16string_view url, std::string bytes);

@@ -1,0 +1,146 @@
+// download_probe MEGABYTES
+//
+// Fetches a song of that size from a server of its own on the loopback interface, through the song
+// search window on the display of the environment: real windows, network and disk, packets of 1024
+// bytes, every event and every pump. Prints seconds:
+//
+//   window WALL CPU       the download with its window shown
+//   longest MILLISECONDS  between two moments at which the window could answer
+//   curl WALL CPU         the same file by the curl tool, where there is one
+
+#include "loopback_server.h"
+#include "network/search_Song_Internet_Form.h"
+#include "platform/curl/curl_internet.h"
+#include "platform/linux/linux.h"
+#include "platform/qt/qt_windows.h"
+#include "playback/Main.h"
+#include "settings/setControl.h"
+#include "settings/skinSet.h"
+#include "tests/fakes/fake_platform.h"
+#include "velmora.h"
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <system_error>
+
+using namespace velmora;
+
+namespace {
+
+double secondsOf(const ::timeval &time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+// User and system time of a thread (the server has its own) or of the children.
+double cpuSeconds(int who) {
+    struct ::rusage usage {};
+    ::getrusage(static_cast<__rusage_who_t>(who), &usage);
+    return secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
+}
+
+void measure(const char *name, int who, const std::function<void()> &work) {
+    const double before = cpuSeconds(who);
+    const auto begun = std::chrono::steady_clock::now();
+    work();
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
+    std::printf("%s %.2f %.2f\n", name, took.count(), cpuSeconds(who) - before);
+}
+
+class Probe {
+public:
+    Probe(platform::QtWindowSystem &windows, const std::string &folder)
+        : windows_(windows), files_(platform::makeFileSystem(fake_.ansi)),
+          profiles_(platform::makeProfiles(*files_, fake_.ansi)), clock_(platform::makeClock()),
+          internet_(
+              platform::makeInternet(fake_.ansi, [] { return std::vector<std::u16string>(); })),
+          app_(bundle()) {
+        app_.skinSet().skin_All();
+        app_.setControl().Path_Cache = fake_.ansi.decodePath(folder);
+        app_.Main().show();
+        form_.show();
+        for (int i = 0; i < 20; ++i)
+            windows_.DoEvents();
+    }
+
+    bool fetch(const std::u16string &url) {
+        form_.search_Song_List.addItem(url);
+        form_.List1.addItem(url);
+        form_.List2.addItem(u"0@@SONG@@ALBUM@@SINGER@@1@@MP3");
+        form_.search_Song_List.setListIndex(0);
+        const auto progress = form_.wd.Progress;
+        auto last = std::chrono::steady_clock::now();
+        std::chrono::duration<double, std::milli> longest{};
+        form_.wd.Progress = [&](double total, double received, double speed) {
+            progress(total, received, speed);
+            const auto now = std::chrono::steady_clock::now();
+            longest = std::max<std::chrono::duration<double, std::milli>>(longest, now - last);
+            last = now;
+        };
+        measure("window", RUSAGE_THREAD, [this] { form_.save_Click(); });
+        std::printf("longest %.1f\n", longest.count());
+        return form_.title.caption() == u"曲目网络搜索 - 下载成功！";
+    }
+
+private:
+    platform::Platform bundle() {
+        const platform::Platform all = fake_.bundle();
+        return {.ansi = all.ansi,
+                .clock = *clock_,
+                .dialogs = all.dialogs,
+                .files = *files_,
+                .folders = all.folders,
+                .internet = *internet_,
+                .media = all.media,
+                .processes = all.processes,
+                .profiles = *profiles_,
+                .registry = all.registry,
+                .shell = all.shell,
+                .versions = all.versions,
+                .waitableTimers = all.waitableTimers,
+                .waveOut = all.waveOut,
+                .windows = windows_};
+    }
+
+    platform::QtWindowSystem &windows_;
+    fakes::FakePlatform fake_;
+    std::unique_ptr<platform::FileSystem> files_;
+    std::unique_ptr<platform::Profiles> profiles_;
+    std::unique_ptr<platform::Clock> clock_;
+    std::unique_ptr<platform::Internet> internet_;
+    Velmora app_;
+    search_Song_Internet_Form &form_ = app_.search_Song_Internet_Form();
+};
+
+} // namespace
+
+int main(int count, char **arguments) {
+    const std::uint64_t bytes = (count > 1 ? std::strtoull(arguments[1], nullptr, 10) : 64) << 20;
+    char pattern[] = "/tmp/velmora-probe-XXXXXX";
+    const char *folder = ::mkdtemp(pattern);
+    const auto windows = platform::QtWindowSystem::make({});
+    if (folder == nullptr || windows == nullptr)
+        return 1;
+    testing::LoopbackServer server([bytes](testing::Talk &talk, const std::string &) {
+        talk.send("HTTP/1.1 200 OK\r\nContent-Type: audio/mpeg\r\nContent-Length: " +
+                  std::to_string(bytes) + "\r\n\r\n");
+        talk.sendZeros(bytes);
+    });
+    bool good = false;
+    {
+        Probe probe(*windows, folder);
+        good = probe.fetch(server.url(u"/song.mp3"));
+    }
+    const std::string command = "curl -s -o " + std::string(folder) +
+                                "/curl.mp3 http://127.0.0.1:" + std::to_string(server.port()) +
+                                "/song.mp3";
+    measure("curl", RUSAGE_CHILDREN, [&] { good &= std::system(command.c_str()) == 0; });
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+    return good ? 0 : 1;
+}
