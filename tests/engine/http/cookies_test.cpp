@@ -54,6 +54,7 @@ TEST(CookiesFor, SendsToThePathAndWhatLiesBelowIt) {
     EXPECT_EQ(sent(line, "http://host/x"), "a=b");
     EXPECT_EQ(sent(line, "http://host/x/y"), "a=b");
     EXPECT_EQ(sent(line, "http://host/xy"), "");
+    EXPECT_EQ(sent(line, "http://host/y/x"), "");
     EXPECT_EQ(sent(line, "http://host/"), "");
 }
 
