@@ -134,6 +134,92 @@ class Keys(ListTest):
         self.assert_list(self.tracks)
 
 
+class Scrolling(ListTest):
+    count = 40
+
+    def play_at(self, player, main, rows, line, number):
+        """The row at a line of the window is the one with that number."""
+        self.click_row(player, rows, line)
+        self.session.key("F2", rows)
+        self.assert_title(player, main, f"{number}/{self.count}")
+
+    def start_scrolled(self):
+        player, main, rows = self.start_with_list()
+        # The bar comes with the tick that finds more rows than fit.
+        left, top, width, _ = LIST["P4"]
+        self.assertTrue(wait_for(lambda: max(player.picture(
+            rows, left, top, width, 30) or b"\0") > 60, 10), "no scroll bar")
+        return player, main, rows
+
+    def test_the_arrows_move_by_one_row(self):
+        player, main, rows = self.start_scrolled()
+        for _ in range(3):
+            player.click(rows, "P3", form=LIST)
+        self.play_at(player, main, rows, 0, 4)
+        player.click(rows, "P1", form=LIST)
+        self.play_at(player, main, rows, 1, 4)
+
+    def test_the_wheel_moves_by_three_rows(self):
+        player, main, rows = self.start_scrolled()
+        player.click_at(rows, LIST_LEFT + 60, LIST_TOP + 100, button=5, times=2)
+        self.play_at(player, main, rows, 0, 7)
+
+    def test_the_thumb_drawn_to_the_bottom_shows_the_last_rows(self):
+        player, main, rows = self.start_scrolled()
+        left, top, width, height = LIST["P4"]
+        player.tool("mousemove", *player.point(rows, left + width / 2, top + 10))
+        player.tool("mousedown", 1)
+        for step in range(1, 11):
+            player.tool("mousemove", *player.point(rows, left + width / 2,
+                                                   top + 10 + step * (height - 20) / 10))
+        player.tool("mousemove_relative", "--", 0, 40)
+        player.tool("mouseup", 1)
+        self.play_at(player, main, rows, 16, 40)
+        self.assert_list(self.tracks)
+
+    def test_the_tip_tells_the_whole_path(self):
+        player, _, rows = self.start_scrolled()
+        player.tool("mousemove", *player.point(rows, LIST_LEFT + 60, LIST_TOP + ROW * 2 + 9))
+        player.tool("mousemove_relative", "--", 3, 2)
+
+        def tip():
+            return next((number for number in player.windows() if player.size(number)[1] < 40 and
+                         player.size(number)[0] > 100 and player.unmanaged(number)), None)
+        self.assertTrue(wait_for(tip, 10), "no tip comes up")
+        # A path is much wider than the name of the row.
+        self.assertGreater(player.size(tip())[0], 150)
+
+
+class Selecting(ListTest):
+    def remove_selected(self, player, rows, expected):
+        self.session.key("Delete", rows)
+        self.answer(player, "y")
+        self.assert_story(player, rows, expected)
+
+    def test_shift_takes_all_between(self):
+        player, _, rows = self.start_with_list()
+        self.click_row(player, rows, 1)
+        self.click_row(player, rows, 3, held="shift")
+        self.remove_selected(player, rows, self.tracks[:1])
+
+    def test_ctrl_takes_away_again(self):
+        player, _, rows = self.start_with_list()
+        self.click_row(player, rows, 1)
+        self.click_row(player, rows, 2, held="ctrl")
+        self.click_row(player, rows, 1, held="ctrl")
+        self.remove_selected(player, rows, self.tracks[:2] + self.tracks[3:])
+
+    def test_a_drag_takes_what_it_crosses(self):
+        player, _, rows = self.start_with_list()
+        x, y = player.point(rows, LIST_LEFT + 60, LIST_TOP + 9)
+        player.tool("mousemove", x, y)
+        player.tool("mousedown", 1)
+        for step in range(1, 10):
+            player.tool("mousemove", x, y + step * 4)
+        player.tool("mouseup", 1)
+        self.remove_selected(player, rows, self.tracks[3:])
+
+
 class Dropping(ListTest):
     def make(self, *names):
         paths = []
