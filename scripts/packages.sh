@@ -10,7 +10,7 @@ packages_build="g++ cmake ninja-build ccache pkg-config qt6-base-dev libmpv-dev 
  libxcb-shape0-dev libmicrohttpd-dev libtag1-dev"
 
 # A screen, a window manager and a sound server for machines that have none.
-packages_headless="xvfb openbox xdotool x11-utils x11-xserver-utils imagemagick pulseaudio
+packages_headless="xvfb openbox xdotool xclip x11-utils x11-xserver-utils imagemagick pulseaudio
  pulseaudio-utils xauth sqlite3 hsetroot"
 
 packages_test="libgtest-dev libgmock-dev clang clang-format clang-tidy libclang-rt-14-dev picom wmctrl

@@ -52,8 +52,9 @@ LIST = design("src/playlist/playList_Form.form")
 ASK = design("src/playlist/listControl_Form.form")
 SETTINGS = design("src/settings/playSetForm.form")
 ABOUT = design("src/ui/aboutForm.form")
+CHECK = design("src/playback/check_SoundDriver_Form.form")
 FORM_SIZES = {tuple(int(side) for side in form["form"][2:4])
-              for form in (MAIN, SPLASH, MINI, LIST, ASK, SETTINGS, ABOUT)}
+              for form in (MAIN, SPLASH, MINI, LIST, ASK, SETTINGS, ABOUT, CHECK)}
 
 
 def stairs(path, seconds, level=0.5, base=200, step=100):

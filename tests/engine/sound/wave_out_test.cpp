@@ -45,11 +45,17 @@ TEST(WaveOut, TellsTheDefaultDevicesCapabilities) {
 
 TEST(WaveOut, VendorAndProductAreTheSinksNumbers) {
     const PulseServer server(
-        with({"module-null-sink sink_name=card "
-              "sink_properties=device.vendor.id=8086device.product.id=a0c8device.description=Card",
+        with({"module-null-sink sink_name=card sink_properties=\"device.vendor.id=8086 "
+              "device.product.id=a0c8 device.description='A Card'\"",
               "module-null-sink sink_name=plain"}));
     ASSERT_TRUE(server.running());
-    // Set apart from the arguments' quoting: asked through both ways and compared.
+    ASSERT_EQ(std::system(("pactl -s " + server.address() + " set-default-sink card").c_str()), 0);
+    WaveOutCaps caps;
+    ASSERT_EQ(makePulseWaveOut(server.address())->waveOutGetDevCapsA(0, caps, record), 0U);
+    EXPECT_EQ(caps.productName, u"A Card");
+    EXPECT_EQ(caps.manufacturerId, 0x8086);
+    EXPECT_EQ(caps.productId, 0xA0C8);
+    // The two ways of asking agree.
     const auto until = Clock::now() + Ms(5000);
     const auto socket = queryBySocket(server.socketPath(), until);
     const auto library = queryByLibrary(server.address(), LibraryNames().pulse, until);
