@@ -53,8 +53,9 @@ ASK = design("src/playlist/listControl_Form.form")
 SETTINGS = design("src/settings/playSetForm.form")
 ABOUT = design("src/ui/aboutForm.form")
 CHECK = design("src/playback/check_SoundDriver_Form.form")
+LYRIC_SEARCH = design("src/network/search_Lrc_Internet_Form.form")  # the song search is as large
 FORM_SIZES = {tuple(int(side) for side in form["form"][2:4])
-              for form in (MAIN, SPLASH, MINI, LIST, ASK, SETTINGS, ABOUT, CHECK)}
+              for form in (MAIN, SPLASH, MINI, LIST, ASK, SETTINGS, ABOUT, CHECK, LYRIC_SEARCH)}
 
 
 def stairs(path, seconds, level=0.5, base=200, step=100):

@@ -1,0 +1,226 @@
+#!/usr/bin/env python3
+"""The search windows of the real program, by mouse and keyboard, on a household's own catalogue.
+
+    test_network.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
+
+The catalogue's program is named by the environment: VELMORA_CATALOGUE.
+"""
+
+import os
+import signal
+import sys
+import unittest
+
+from player import APP, MAIN, PlayerTest, design, stairs
+from session import Recorder, quiet, wait_for
+
+LYRICS = design("src/network/search_Lrc_Internet_Form.form")
+SONGS = design("src/network/search_Song_Internet_Form.form")
+PANEL = (180 / 15, 480 / 15)  # of the download
+STOP = (PANEL[0] + (1470 + 735) / 15, PANEL[1] + (3720 + 195) / 15)
+ROW = 27
+LYRIC = "[00:01.00]first words\r\n[00:02.00]second words\r\n"
+
+
+class NetworkTest(PlayerTest):
+    def setUp(self):
+        super().setUp()
+        self.served = self.session.home + "/served"
+        os.makedirs(self.served)
+        config = self.session.env["XDG_CONFIG_HOME"] + "/velmora"
+        os.makedirs(config, exist_ok=True)
+        self.registry = config + "/registry.sqlite"
+        self.player = self.window = self.server = None
+
+    def app(self, *names):
+        return "/".join([self.session.env["XDG_DATA_HOME"], "velmora", APP, *names])
+
+    def serve(self):
+        """The catalogue on a port of its own, known to the player from its first start on."""
+        self.server = self.session.spawn(
+            [os.environ["VELMORA_CATALOGUE"], self.served, "--port", "0", "--introduce",
+             self.registry])
+        self.assertTrue(wait_for(lambda: os.path.exists(self.registry) and
+                                 b"songSearch" in self.registry_bytes()),
+                        "the catalogue does not come up")
+
+    def registry_bytes(self):
+        found = b""
+        for ending in ("", "-wal"):
+            if os.path.exists(self.registry + ending):
+                with open(self.registry + ending, "rb") as file:
+                    found += file.read()
+        return found
+
+    def begin(self):
+        self.player, self.window = self.start()
+
+    def open(self, control, form):
+        self.player.click(self.window, control, form=MAIN)
+        found = self.player.form(form)
+        self.assertTrue(found, f"{control} opens nothing")
+        return found
+
+    def look_for(self, window, form, name, singer=""):
+        for box, text in (("songName_Text", name), ("singer_Str", singer)):
+            self.player.click(window, box, form=form)
+            quiet("xdotool", "windowfocus", "--sync", window, env=self.session.env)
+            quiet("xdotool", "key", "ctrl+a", "Delete", env=self.session.env)
+            if text:
+                quiet("xdotool", "type", "--delay", "8", text, env=self.session.env)
+        self.player.click(window, "search_Button", form=form)
+
+    def row(self, form, number):
+        left, top, _, _ = form["search_Lrc_List" if form is LYRICS else "search_Song_List"]
+        return left + 60, top + ROW * (number + 0.5)
+
+    def rows_shown(self, window, form):
+        """Whether the first row has letters: light pixels on the dark ground."""
+        left, top, _, _ = form["search_Lrc_List" if form is LYRICS else "search_Song_List"]
+        self.player.tool("mousemove", 1270, 790)
+        return any(pixel > 110 for pixel in self.player.picture(window, left + 4, top + 4, 200, 18))
+
+    def fetch_first(self, window, form):
+        self.assertTrue(wait_for(lambda: self.rows_shown(window, form), 10), "no row is shown")
+        self.player.click_at(window, *self.row(form, 0), times=2)
+
+    @staticmethod
+    def content(path):
+        if not os.path.exists(path):
+            return None
+        with open(path, "rb") as file:
+            return file.read()
+
+    def assert_content(self, path, expected, seconds=15):
+        self.assertTrue(wait_for(lambda: self.content(path) == expected, seconds),
+                        f"{path} holds {(self.content(path) or b'nothing')[:80]}")
+
+
+class Lyrics(NetworkTest):
+    def setUp(self):
+        super().setUp()
+        with open(self.served + "/Harbour song.lrc", "w", newline="", encoding="utf-8") as file:
+            file.write(LYRIC)
+        with open(self.served + "/Other.lrc", "w", newline="", encoding="utf-8") as file:
+            file.write("[00:09.00]other\r\n")
+        self.track = self.music + "/Harbour song.wav"
+        stairs(self.track, 20)
+
+    def test_a_track_that_starts_finds_its_lyric_by_itself(self):
+        self.serve()
+        self.write_list([self.track])
+        self.begin()
+        quiet("xdotool", "windowfocus", "--sync", self.window, env=self.session.env)
+        self.session.key("F6", self.window)
+        self.assert_content(self.app("Lyrics", "Harbour song.LRC"), LYRIC.encode())
+
+    def test_a_track_starts_at_once_where_no_catalogue_is_known(self):
+        self.write_list([self.track])
+        self.begin()
+        self.session.key("F6", self.window)
+        self.assert_title(self.player, self.window, "1/1")
+        self.assertFalse(os.path.exists(self.app("Lyrics", "Harbour song.LRC")))
+
+    def test_a_lyric_is_searched_and_fetched_over_the_one_there(self):
+        self.serve()
+        self.write_list([self.track])
+        self.begin()
+        self.session.key("F6", self.window)
+        self.assert_content(self.app("Lyrics", "Harbour song.LRC"), LYRIC.encode())
+        window = self.open("search_Lrc_Internet", LYRICS)
+        self.look_for(window, LYRICS, "Other")
+        self.fetch_first(window, LYRICS)
+        self.assert_content(self.app("Lyrics", "Harbour song.LRC"), b"[00:09.00]other\r\n")
+        self.player.click(window, "close", form=LYRICS)
+        self.assertTrue(self.player.gone(window))
+
+    def test_the_window_closes_by_its_button_and_opens_again(self):
+        self.serve()
+        self.begin()
+        for _ in range(2):
+            window = self.open("search_Lrc_Internet", LYRICS)
+            self.player.click(window, "close", form=LYRICS)
+            self.assertTrue(self.player.gone(window))
+
+
+class Songs(NetworkTest):
+    def cached(self, name):
+        return self.app("Cache", name)
+
+    def test_a_song_is_searched_fetched_listed_and_heard(self):
+        stairs(self.served + "/Low tone.wav", 20)
+        self.serve()
+        self.begin()
+        recorder = Recorder(self.session)
+        self.addCleanup(recorder.close)
+        window = self.open("search_Song_Internet", SONGS)
+        self.look_for(window, SONGS, "Low tone")
+        self.fetch_first(window, SONGS)
+        self.assert_content(self.cached("LOW TONE.WAV"), self.content(self.served + "/Low tone.wav"))
+        self.assertTrue(wait_for(lambda: os.path.exists(self.list_file()) and
+                                 self.list_lines() == [self.cached("LOW TONE.WAV")], 15))
+        heard = self.now_playing(recorder)
+        self.assertTrue(heard and 150 < heard < 2500, f"{heard} Hz is heard")
+        # The same song again: it asks, and keeps what is there when told so.
+        self.player.click_at(window, *self.row(SONGS, 0), times=2)
+        box = self.player.box()
+        self.assertTrue(box, "it does not ask")
+        self.session.key("n", box)
+        self.assertTrue(self.player.gone(box))
+        self.assertTrue(os.path.exists(self.cached("LOW TONE.WAV")))
+
+    def big_song(self):
+        """A file that takes a while, mostly a hole on the disk."""
+        stairs(self.served + "/Big.wav", 1)
+        with open(self.served + "/Big.wav", "r+b") as file:
+            file.truncate(1_900_000_000)
+
+    def begin_big_download(self):
+        self.big_song()
+        self.serve()
+        self.begin()
+        window = self.open("search_Song_Internet", SONGS)
+        self.look_for(window, SONGS, "Big")
+        self.fetch_first(window, SONGS)
+        self.assertTrue(wait_for(lambda: len(self.peek("BIG.WAV")) > 0, 15, 0.005))
+        return window
+
+    def peek(self, name):
+        try:
+            with open(self.cached(name), "rb") as file:
+                return file.read(100)
+        except FileNotFoundError:
+            return b""
+
+    def test_a_download_is_stopped_by_its_button_and_leaves_nothing(self):
+        window = self.begin_big_download()
+        self.player.click_at(window, *STOP)
+        self.assertTrue(wait_for(lambda: not os.path.exists(self.cached("BIG.WAV")), 10),
+                        "the part stays")
+        # The window is itself again: it fetches the same song anew.
+        self.player.click_at(window, *self.row(SONGS, 0), times=2)
+        self.assertTrue(wait_for(lambda: len(self.peek("BIG.WAV")) > 0, 15, 0.005))
+        self.player.click_at(window, *STOP)
+        self.assertTrue(wait_for(lambda: not os.path.exists(self.cached("BIG.WAV")), 10))
+
+    def test_a_download_is_stopped_by_closing_the_window_and_leaves_its_part(self):
+        window = self.begin_big_download()
+        self.player.click(window, "close", form=SONGS)
+        self.assertTrue(self.player.gone(window))
+
+        def steady():
+            before = os.path.getsize(self.cached("BIG.WAV"))
+            return wait_for(lambda: os.path.getsize(self.cached("BIG.WAV")) != before, 0.5) is None
+        self.assertTrue(wait_for(steady, 15))
+        self.assertLess(os.path.getsize(self.cached("BIG.WAV")), 1_900_000_000)
+
+    def test_the_program_ends_in_the_middle_of_a_download(self):
+        window = self.begin_big_download()
+        self.assertTrue(window)
+        self.player.child.send_signal(signal.SIGTERM)
+        self.assertTrue(self.player.ended(), "the program goes on")
+        self.assertEqual(self.player.child.returncode, 0)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1] + sys.argv[5:], verbosity=2)
