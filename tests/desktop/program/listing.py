@@ -5,8 +5,8 @@ import os
 import subprocess
 import urllib.parse
 
-from player import DRAG, LIST, MAIN, PlayerTest, stairs
-from session import quiet, wait_for
+from player import DRAG, LIST, PlayerTest, stairs
+from session import wait_for
 
 ROW = 18  # pixels
 LIST_LEFT, LIST_TOP, LIST_WIDTH, LIST_HEIGHT = (int(side) for side in LIST["playList_Item"])
@@ -49,13 +49,6 @@ class ListTest(PlayerTest):
                 return log.read().splitlines()
         except FileNotFoundError:
             return []
-
-    def start_with_list(self):
-        player, main = self.start()
-        player.click(main, "playListButton")
-        rows = player.form(LIST)
-        self.assertTrue(rows, "the list does not come up")
-        return player, main, rows
 
     def click_row(self, player, rows, row, button=1, held=None, times=1):
         if held:

@@ -246,6 +246,24 @@ class PlayerTest(unittest.TestCase):
         self.assertTrue(window, "the main window does not come up")
         return player, window
 
+    def start_with_list(self):
+        """Returns once the two windows stand side by side and the list has the keyboard."""
+        player, main = self.start()
+        player.click(main, "playListButton")
+        rows = player.form(LIST)
+        self.assertTrue(rows, "the list does not come up")
+        self.assert_touching(player, main, rows)
+        self.assertTrue(wait_for(lambda: player.tool("getactivewindow") == rows, 10),
+                        "the list does not get the keyboard")
+        return player, main, rows
+
+    def assert_touching(self, player, main, rows):
+        def touch():
+            (x, y), (list_x, list_y) = player.place(main), player.place(rows)
+            return (list_x, list_y) == (x + int(MAIN["form"][2]), y)
+        self.assertTrue(wait_for(touch, 10), f"the list at {player.place(rows)} does not touch the "
+                                             f"main window at {player.place(main)}")
+
     def assert_title(self, player, window, text, seconds=10):
         self.assertTrue(wait_for(lambda: text in player.title(window), seconds),
                         f"the title never shows {text!r} but {player.title(window)!r}")

@@ -197,7 +197,8 @@ class Copying(ListTest):
         self.assertTrue(progress, "no progress is shown")
         self.assertEqual([name for name in os.listdir(self.target) if not name.startswith(".")], [])
         self.session.key("Escape", progress)
-        self.answer(player, "Return")
+        self.assertTrue(player.gone(progress), "the progress stays")
+        self.answer(player, "Return")  # the copy failed, it says
         self.assertEqual(os.listdir(self.target), [])
         self.assert_story(player, rows, [big])
 

@@ -23,21 +23,6 @@ class WindowTest(PlayerTest):
             stairs(self.tracks[-1], 20, base=300, step=0)
         self.write_list(self.tracks)
 
-    def start_with_list(self):
-        player, main = self.start()
-        player.click(main, "playListButton")
-        rows = player.form(LIST)
-        self.assertTrue(rows, "the list does not come up")
-        self.assert_touching(player, main, rows)
-        return player, main, rows
-
-    def assert_touching(self, player, main, rows):
-        def touch():
-            (x, y), (list_x, list_y) = player.place(main), player.place(rows)
-            return (list_x, list_y) == (x + MAIN_WIDTH, y)
-        self.assertTrue(wait_for(touch, 5), f"the list at {player.place(rows)} does not touch the "
-                                            f"main window at {player.place(main)}")
-
     def stacking(self):
         """The managed windows, lowest first."""
         told = quiet("xprop", "-root", "_NET_CLIENT_LIST_STACKING", env=self.session.env)
