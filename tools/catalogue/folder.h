@@ -15,6 +15,7 @@ struct FileEntry {
     std::string path; // below the folder, "/" between names
     std::int64_t bytes = 0;
     std::int64_t changed = 0; // nanoseconds since 1970
+    friend bool operator==(const FileEntry &, const FileEntry &) = default;
 };
 
 struct OpenFile {

@@ -140,16 +140,18 @@ void Library::describeLyrics() {
 }
 
 void Library::refresh() {
+    std::vector<FileEntry> files = folder_.files();
+    if (files == files_)
+        return;
+    files_ = std::move(files);
     std::map<std::string, Item, std::less<>> items;
-    for (const FileEntry &file : folder_.files()) {
+    for (const FileEntry &file : files_) {
         const std::string format = formatOf(file.path);
         if (file.bytes == 0 || (format != "lrc" && mediaType(format) == nullptr))
             continue;
         const std::string id = idOf(file.path);
         const auto old = items_.find(id);
-        const bool same = old != items_.end() && old->second.file.path == file.path &&
-                          old->second.file.bytes == file.bytes &&
-                          old->second.file.changed == file.changed;
+        const bool same = old != items_.end() && old->second.file == file;
         items.emplace(id, same ? std::move(old->second) : read(file));
     }
     items_ = std::move(items);

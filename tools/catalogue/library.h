@@ -50,6 +50,7 @@ private:
     void describeLyrics();
 
     const Folder &folder_;
+    std::vector<FileEntry> files_;                   // as they were last
     std::map<std::string, Item, std::less<>> items_; // by id
     std::vector<const Item *> songs_;
     std::vector<const Item *> lyrics_;

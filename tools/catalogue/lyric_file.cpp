@@ -12,7 +12,7 @@ namespace velmora::catalogue {
 
 namespace {
 
-constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
+constexpr char16_t byteOrderMark = 0xFEFF;
 
 bool isDigit(char16_t unit) noexcept { return unit >= u'0' && unit <= u'9'; }
 
@@ -26,10 +26,8 @@ std::u16string fromUtf16(std::string_view bytes, bool bigEndian) {
     return result;
 }
 
-// Everything as UTF-8 or the legacy page, without a mark.
+// Everything as UTF-8 or the legacy page.
 std::string plainBytes(std::string_view bytes) {
-    if (bytes.substr(0, utf8Mark.size()) == utf8Mark)
-        return std::string(bytes.substr(utf8Mark.size()));
     if (bytes.substr(0, 2) == "\xFF\xFE")
         return toUtf8(fromUtf16(bytes.substr(2), false));
     if (bytes.substr(0, 2) == "\xFE\xFF")
@@ -68,6 +66,8 @@ std::optional<LyricFile> readLyric(std::string_view bytes) {
     bool empty = true;
     for (std::u16string &line : ansi.decodeTogether(lines, false)) {
         std::replace(line.begin(), line.end(), u'\0', u' ');
+        if (lyric.bytes.empty()) // marks of whatever encoding
+            line.erase(0, std::min(line.find_first_not_of(byteOrderMark), line.size()));
         if (lyric.title.empty())
             lyric.title = tagOf(line, u"[ti:");
         if (lyric.artist.empty())

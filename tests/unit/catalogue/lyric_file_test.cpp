@@ -18,6 +18,7 @@ TEST(ReadLyric, GivesMinutesOfOneDigitTheirSecond) {
 
 TEST(ReadLyric, TakesMarksAwayAndEveryEncodingToOne) {
     EXPECT_EQ(readLyric("\xEF\xBB\xBF[00:01.00]\xE4\xB8\xAD")->bytes, "[00:01.00]\xE4\xB8\xAD\r\n");
+    EXPECT_EQ(readLyric("\xEF\xBB\xBF\xEF\xBB\xBFx")->bytes, "x\r\n") << "marked twice";
     EXPECT_EQ(readLyric("[00:01.00]\xD6\xD0")->bytes, "[00:01.00]\xE4\xB8\xAD\r\n");
     EXPECT_EQ(readLyric(std::string("\xFF\xFE[\0\x2D\x4E", 6))->bytes, "[\xE4\xB8\xAD\r\n");
     EXPECT_EQ(readLyric(std::string("\xFE\xFF\0[\x4E\x2D", 6))->bytes, "[\xE4\xB8\xAD\r\n");
