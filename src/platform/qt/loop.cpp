@@ -117,6 +117,11 @@ void Loop::soon(std::function<void()> work) {
     QTimer::singleShot(0, &wakeUp_, std::move(work));
 }
 
+void Loop::dropIdle() {
+    while (!idle_.empty())
+        idle_.pop_front();
+}
+
 void Loop::whenIdle(std::function<void()> work) {
     idle_.push_back(std::move(work));
     // Outside any handler there is nothing to wait for but the present call itself.

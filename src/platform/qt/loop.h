@@ -40,6 +40,8 @@ public:
 
     // Runs `work` when no handler is active, ahead of the next event.
     void whenIdle(std::function<void()> work);
+    // Lets go of the work that is still owed: it may hold forms, which must go ahead of their hub.
+    void dropIdle();
 
     // Runs `work` in one of the next rounds of the loop, once the start sequence is over.
     void soon(std::function<void()> work);

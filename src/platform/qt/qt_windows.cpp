@@ -41,6 +41,10 @@ struct QtWindowSystem::Parts {
         };
     }
 
+    ~Parts() { hub.loop.dropIdle(); }
+    Parts(const Parts &) = delete;
+    Parts &operator=(const Parts &) = delete;
+
     forms::Form *form(HWND window) {
         const qt::FormEntry *entry = hub.entry(window);
         return entry != nullptr ? entry->form : nullptr;
