@@ -89,7 +89,9 @@ void VideoScreen_Form::showTitleRow(bool visible) {
 void VideoScreen_Form::layOut(bool fullScreen, bool keep) {
     layTransport();
     layVolume();
-    nameBox.setWidth(AudioSource_H.left() - behindTitle - nameBox.left());
+    const Twips textWidth = AudioSource_H.left() - behindTitle - nameBox.left();
+    nameBox.setWidth(textWidth);
+    playInfo_Show.setWidth(textWidth);
     layStrip();
     if (!keep) {
         putAndPlay();

@@ -127,9 +127,7 @@ void miniForm::show_Stopped() {
 
 void miniForm::tick() {
     passOver([this] {
-        // Where the pointer is costs a question to the screen; a strip that is not shown asks
-        // nothing.
-        if (auto_Hide != 0 && visible()) {
+        if (auto_Hide != 0) {
             hideByPointer();
         }
     });
@@ -158,6 +156,8 @@ void miniForm::hideByPointer() {
     }
 }
 
+// Out of sight goes by one step a tick, so that the pointer may come back meanwhile; back goes at
+// once, by as many steps as it takes.
 void miniForm::slide_Mini(bool hide) {
     zkMySleep sleep(app_);
     if (hide) {
@@ -165,12 +165,14 @@ void miniForm::slide_Mini(bool hide) {
             setTop(top() - slideStep);
             sleep.Wait(app_.formSet().wait_Ms);
         }
-    } else if (top() < 0) {
+        return;
+    }
+    while (top() < 0) {
         setTop(top() + slideStep);
         sleep.Wait(app_.formSet().wait_Ms);
-        if (top() > 0) {
-            setTop(0);
-        }
+    }
+    if (top() > 0) {
+        setTop(0);
     }
 }
 

@@ -27,7 +27,7 @@ public:
     // The stopped look; a part of Main's `stop_Sub`.
     void show_Stopped();
 
-    // One step of the slide out of sight (`hide`) or back.
+    // One step of the slide out of sight (`hide`), or all of the slide back.
     void slide_Mini(bool hide);
 
 private:

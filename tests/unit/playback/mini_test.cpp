@@ -8,6 +8,8 @@
 #include "playlist/playInfo_Form.h"
 #include "ui/formSet.h"
 
+#include <cmath>
+
 namespace velmora {
 namespace {
 
@@ -53,6 +55,26 @@ TEST_F(Mini, PlayResumesAPausedMedium) {
     click(mini().playButton);
     EXPECT_EQ(media.mode(), u"playing");
     EXPECT_EQ(media.count(u"close NOWMUSIC"), 0U);
+}
+
+TEST_F(Mini, PlayOfAFileThatIsGoneOnlyPlays) {
+    play();
+    app.player().close_Sub(0);
+    files.remove(u"/m/a.mp3");
+    media.clearCommands();
+    click(mini().playButton);
+    EXPECT_EQ(media.count(u"close NOWMUSIC"), 0U);
+    EXPECT_EQ(media.count(u"play NOWMUSIC"), 1U);
+    EXPECT_FALSE(media.isOpen());
+}
+
+TEST_F(Mini, ButtonsOfNextAndPreviousRepeatInTheModeOfOneTrack) {
+    app.setControl().PlayMode = 2;
+    play();
+    click(mini().nextButton);
+    EXPECT_EQ(app.player().nowPlay_Index, 2) << "the buttons step all the same";
+    click(mini().upButton);
+    EXPECT_EQ(app.player().nowPlay_Index, 1);
 }
 
 TEST_F(Mini, StopClosesAheadOfTheLook) {
@@ -134,16 +156,62 @@ TEST_F(Mini, DoubleClickAnywhereOnItLeadsBack) {
     }
 }
 
-TEST_F(Mini, IsDraggedAlone) {
+TEST_F(Mini, IsDraggedAloneByItsGroundItsIconAndItsLines) {
     const auto list = app.playList_Form().place();
     const auto main = app.Main().place();
-    mini().on().MouseDown({forms::leftButton, 0, 1, 1});
-    windows.cursor = {310, 60};
-    mini().on().MouseMove({forms::leftButton, 0, 1, 1});
-    EXPECT_EQ(mini().left(), 3150);
-    EXPECT_EQ(mini().top(), 600);
+    for (forms::ControlEvents *area :
+         {static_cast<forms::ControlEvents *>(&mini().on()), &mini().title_ICO.on(),
+          &mini().lrcBox.on(), &mini().nameBox.on(), &mini().lrc_Text.on(),
+          &mini().playInfo_Show.on()}) {
+        mini().move({3000, 0, 9000, 690});
+        windows.cursor = {300, 20};
+        area->MouseDown({forms::leftButton, 0, 1, 1});
+        windows.cursor = {310, 60};
+        area->MouseMove({forms::leftButton, 0, 1, 1});
+        EXPECT_EQ(mini().left(), 3150);
+        EXPECT_EQ(mini().top(), 600);
+    }
     EXPECT_EQ(app.playList_Form().place(), list);
     EXPECT_EQ(app.Main().place(), main);
+}
+
+TEST_F(Mini, HasNoKeysThoughItsTipsNameThem) {
+    EXPECT_FALSE(mini().on().KeyDown);
+    EXPECT_EQ(mini().playButton.toolTip(), u"播放(F2)");
+    EXPECT_EQ(mini().close.toolTip(), u"退出(Esc)");
+}
+
+TEST_F(Mini, ItsCloseEndsTheProgram) {
+    play();
+    expectEnd([this] { click(mini().close); });
+    EXPECT_EQ(media.actions(), Texts{u"close NOWMUSIC"});
+}
+
+TEST_F(Mini, AWishToCloseItEndsTheProgram) {
+    expectEnd([this] { mini().closeRequested(); });
+}
+
+TEST_F(Mini, StaysOnTop) { EXPECT_TRUE(mini().topmost()); }
+
+TEST_F(Mini, LeavingWithoutTheListShowsTheMainWindowAlone) {
+    app.Main().playList_Shown = 0;
+    click(mini().mini_Button);
+    EXPECT_TRUE(app.Main().visible());
+    EXPECT_FALSE(app.playList_Form().visible());
+}
+
+TEST_F(Mini, LeavingBringsTheListBackThatWasOpenBefore) {
+    app.Main().show();
+    click(app.Main().playListButton);
+    ASSERT_TRUE(app.playList_Form().visible());
+    click(app.Main().mini_Button);
+    EXPECT_FALSE(app.Main().visible());
+    EXPECT_FALSE(app.playList_Form().visible());
+    mini().lrc_Text.on().DblClick();
+    EXPECT_FALSE(mini().visible());
+    EXPECT_TRUE(app.Main().visible());
+    EXPECT_TRUE(app.playList_Form().visible());
+    EXPECT_EQ(app.playList_Form().left(), app.Main().left() + app.Main().width());
 }
 
 TEST_F(Mini, RightReleaseOpensTheMenu) {
@@ -166,6 +234,48 @@ TEST_F(Mini, TickShowsLineTimesAndTitleOfAPlayingTrack) {
     EXPECT_FALSE(mini().playButton.visible());
     EXPECT_EQ(mini().load_Played.width(),
               static_cast<Twips>(app.player().get_PlayedWidth(PlayerWindow::miniForm)));
+}
+
+TEST_F(Mini, TickOfAPausedTrackKeepsTimesAndShowsThePlayButton) {
+    play();
+    media.advance(30'000);
+    tick();
+    click(mini().pauseButton);
+    const auto width = mini().load_Played.width();
+    tick();
+    EXPECT_EQ(mini().play_Time.caption(), u"00:00:30 - 00:01:00");
+    EXPECT_EQ(mini().load_Played.width(), width);
+    EXPECT_TRUE(mini().playButton.visible());
+    EXPECT_FALSE(mini().pauseButton.visible());
+}
+
+TEST_F(Mini, TickRollsALineThatIsWiderThanItsBox) {
+    play();
+    app.lrcForm().nowLrcLine = std::u16string(100, u'x');
+    tick();
+    EXPECT_EQ(mini().lrc_Text.alignment(), forms::Alignment::Left);
+    EXPECT_EQ(mini().lrc_Text.left(), -50);
+    tick();
+    EXPECT_EQ(mini().lrc_Text.left(), -100);
+    app.lrcForm().nowLrcLine = std::u16string(100, u'y');
+    tick();
+    EXPECT_EQ(mini().lrc_Text.left(), -50) << "another line starts anew";
+    app.lrcForm().nowLrcLine = u"short";
+    tick();
+    EXPECT_EQ(mini().lrc_Text.alignment(), forms::Alignment::Centre);
+    EXPECT_EQ(mini().lrc_Text.left(), mini().lrcBox.width() / 2 - mini().lrc_Text.width() / 2);
+}
+
+TEST_F(Mini, TickRollsATitleThatIsWiderThanItsBox) {
+    play();
+    app.player().nowPlay_Title = std::u16string(100, u'x');
+    mini().playInfo_Show.setLeft(0);
+    tick();
+    EXPECT_EQ(mini().playInfo_Show.left(), -30);
+    app.player().nowPlay_Title = u"short";
+    tick();
+    EXPECT_EQ(mini().playInfo_Show.left(),
+              mini().nameBox.width() / 2 - mini().playInfo_Show.width() / 2);
 }
 
 TEST_F(Mini, TickWithNothingOpenLeavesTheLookAsItIs) {
@@ -233,13 +343,57 @@ TEST_F(Mini, SlidesOutWithThePointerBesidesIt) {
     EXPECT_EQ(mini().top(), -200);
 }
 
-TEST_F(Mini, ComesBackWithThePointerAtTheTopInItsColumns) {
-    mini().setTop(-690);
-    windows.cursor = {300, 0};
-    for (const Twips top : {-590, -490, -390, -290, -190, -90, 0, 0}) {
-        tick();
-        EXPECT_EQ(mini().top(), top);
+TEST_F(Mini, ComesBackAtOnceWithThePointerAtTheTopInItsColumns) {
+    for (const auto &[from, steps] : std::vector<std::pair<Twips, int>>{
+             {-700, 7}, {-690, 7}, {-601, 7}, {-600, 6}, {-1, 1}, {0, 0}}) {
+        for (const std::int32_t x : {200, 300, 800}) {
+            mini().setTop(from);
+            windows.cursor = {x, 0};
+            std::vector<Twips> tops;
+            fake.waitableTimers.onWait = [&] { tops.push_back(mini().top()); };
+            tick();
+            EXPECT_EQ(mini().top(), 0) << from;
+            std::vector<Twips> expected;
+            for (int step = 1; step <= steps; ++step) {
+                expected.push_back(from + 100 * static_cast<Twips>(step));
+            }
+            EXPECT_EQ(tops, expected) << "a step, then a sleep, from " << from;
+        }
     }
+    fake.waitableTimers.onWait = {};
+}
+
+TEST_F(Mini, DoesNotComeBackWithThePointerAPixelBesidesItsColumns) {
+    for (const std::int32_t x : {199, 801}) {
+        mini().setTop(-689);
+        windows.cursor = {x, 0};
+        tick();
+        EXPECT_EQ(mini().top(), -789) << "it goes on out of sight";
+        mini().setTop(-690);
+        tick();
+        EXPECT_EQ(mini().top(), -690) << "as far as its height";
+    }
+}
+
+TEST_F(Mini, ComesBackFromAnywhereAboveWithThePointerOnTheFirstRowAlone) {
+    mini().setTop(-300);
+    windows.cursor = {300, 1};
+    tick();
+    EXPECT_EQ(mini().top(), -300) << "neither below it nor at the top of the screen";
+}
+
+TEST_F(Mini, AStripASlideLeftBelowTheEdgeIsPutOnIt) {
+    mini().setTop(10);
+    windows.cursor = {300, 0};
+    tick();
+    EXPECT_EQ(mini().top(), 0);
+}
+
+TEST_F(Mini, IsLowEnoughToHideWithinHalfASecond) {
+    const miniForm_Design designed(windows);
+    EXPECT_LE(designed.height() / twipsPerPixel, 46);
+    const int steps = static_cast<int>(std::ceil(designed.height() / 100));
+    EXPECT_LE(steps * designed.Timer1.interval(), 500);
 }
 
 TEST_F(Mini, DoesNotComeBackWithThePointerAtTheTopBesidesIt) {
@@ -275,11 +429,23 @@ TEST_F(Mini, LockedStaysWhereverThePointerGoes) {
     EXPECT_EQ(mini().top(), -100);
 }
 
-TEST_F(Mini, HiddenDoesNotSlide) {
+TEST_F(Mini, TheTickOfAHiddenStripAsksForThePointerAndSlides) {
     mini().hide();
     windows.cursor = {300, 500};
+    const auto *window = fakes::FakeWindows::windowOf(mini());
+    const int paints = window == nullptr ? 0 : window->paints;
     tick();
+    EXPECT_EQ(mini().top(), -100);
+    EXPECT_EQ(window == nullptr ? 0 : window->paints, paints) << "nobody sees it";
+}
+
+TEST_F(Mini, EnteringBringsAStripThatSlidOutWhileHiddenBackToTheEdge) {
+    mini().hide();
+    mini().setTop(-700);
+    app.Main().show();
+    click(app.Main().mini_Button);
     EXPECT_EQ(mini().top(), 0);
+    EXPECT_TRUE(mini().visible());
 }
 
 TEST_F(Mini, StaysWhereThePointerIsUnknown) {

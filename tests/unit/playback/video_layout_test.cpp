@@ -6,6 +6,9 @@
 #include "playback/VideoScreen_Form.h"
 #include "playback/miniForm.h"
 
+#include <functional>
+#include <utility>
+
 namespace velmora {
 namespace {
 
@@ -26,6 +29,18 @@ protected:
         forms::KeyEvent event{code, 0};
         window().on().KeyDown(event);
     }
+    // The default size, two larger ones, and the whole screen.
+    void inEachSize(const std::function<void(Twips wide, Twips high, bool full)> &check) {
+        check(10950, 7875, false);
+        for (const auto &[wide, high] : {std::pair{10951, 7876}, std::pair{19215, 11520}}) {
+            SCOPED_TRACE(wide);
+            window().setScreenSize(wide, high, true);
+            check(static_cast<Twips>(wide), static_cast<Twips>(high), false);
+        }
+        SCOPED_TRACE("full screen");
+        window().setFullScreen(true);
+        check(1280 * 15, 800 * 15, true);
+    }
     void play() {
         openAndPlay(u"/m/film.avi");
         media.clearCommands();
@@ -43,46 +58,53 @@ protected:
 // -------------------------------------------------------------------------------------------
 
 TEST_F(Video, StripStandsAtTheFootAndTakesItsHeightFromThePicture) {
-    auto &strip = window().videoScreen_Control;
-    EXPECT_EQ(strip.left(), 0);
-    EXPECT_EQ(strip.width(), 10950);
-    EXPECT_EQ(strip.height(), 495 + 50 + 300);
-    EXPECT_EQ(strip.top(), 7875 - strip.height());
-    EXPECT_TRUE(strip.visible());
-    EXPECT_EQ(strip.backColor(), window().backColor());
-    const Twips titleEnd = window().title_ICO.top() + window().title_ICO.height();
-    EXPECT_EQ(window().videoScreen.place(),
-              (RectTwips{0, titleEnd + 10, 10950, 7875 - titleEnd - strip.height()}));
+    inEachSize([this](Twips wide, Twips high, bool full) {
+        auto &strip = window().videoScreen_Control;
+        EXPECT_EQ(strip.left(), 0);
+        EXPECT_EQ(strip.width(), wide);
+        EXPECT_EQ(strip.height(), 495 + 50 + 300);
+        EXPECT_EQ(strip.top(), high - strip.height());
+        EXPECT_TRUE(strip.visible());
+        EXPECT_EQ(strip.backColor(), window().backColor());
+        const Twips titleEnd = window().title_ICO.top() + window().title_ICO.height();
+        EXPECT_EQ(window().videoScreen.place(),
+                  full ? (RectTwips{0, 0, wide, high - 845})
+                       : (RectTwips{0, titleEnd + 10, wide, high - titleEnd - 845}));
+    });
 }
 
 TEST_F(Video, SeekBarAndTransportStandByTheTable) {
-    auto &w = window();
-    EXPECT_EQ(w.load_Played_BG.place(), (RectTwips{100, 50, 10750, 200}));
-    EXPECT_EQ(w.load_Played.place(), (RectTwips{150, 90, 0, 120}));
-    EXPECT_EQ(w.playButton.place(), (RectTwips{100, 300, 495, 495}));
-    EXPECT_EQ(w.pauseButton.place(), w.playButton.place());
-    EXPECT_EQ(w.stopButton.place(), (RectTwips{595, 300, 495, 495}));
-    EXPECT_EQ(w.upButton.place(), (RectTwips{1090, 300, 495, 495}));
-    EXPECT_EQ(w.nextButton.place(), (RectTwips{1585, 300, 495, 495}));
-    EXPECT_EQ(w.play_Time.left(), 2180);
+    inEachSize([this](Twips wide, Twips, bool) {
+        auto &w = window();
+        EXPECT_EQ(w.load_Played_BG.place(), (RectTwips{100, 50, wide - 200, 200}));
+        EXPECT_EQ(w.load_Played.place(), (RectTwips{150, 90, 0, 120}));
+        EXPECT_EQ(w.playButton.place(), (RectTwips{100, 300, 495, 495}));
+        EXPECT_EQ(w.pauseButton.place(), w.playButton.place());
+        EXPECT_EQ(w.stopButton.place(), (RectTwips{595, 300, 495, 495}));
+        EXPECT_EQ(w.upButton.place(), (RectTwips{1090, 300, 495, 495}));
+        EXPECT_EQ(w.nextButton.place(), (RectTwips{1585, 300, 495, 495}));
+        EXPECT_EQ(w.play_Time.left(), 2180);
+    });
 }
 
 TEST_F(Video, RightSideOfTheStripStandsByTheTable) {
-    auto &w = window();
-    EXPECT_EQ(rightOf(w.nowTime), 10850);
-    EXPECT_EQ(w.Volume_Set_BG.width(), 1600);
-    EXPECT_EQ(w.Volume_Set_BG.height(), 200);
-    EXPECT_EQ(rightOf(w.Volume_Set_BG), w.nowTime.left() - 100);
-    EXPECT_EQ(rightOf(w.Volume_ICO), w.Volume_Set_BG.left() - 100);
-    EXPECT_EQ(rightOf(w.fullScreen_imgButton), w.Volume_ICO.left() - 100);
-    EXPECT_EQ(rightOf(w.AudioSource_H), w.fullScreen_imgButton.left() - 100);
-    EXPECT_EQ(w.AudioSource_L.place(), w.AudioSource_H.place());
-    EXPECT_EQ(w.AudioSource_R.place(), w.AudioSource_H.place());
-    for (const forms::Control *control : std::initializer_list<const forms::Control *>{
-             &w.play_Time, &w.nowTime, &w.Volume_Set_BG, &w.Volume_ICO, &w.fullScreen_imgButton,
-             &w.AudioSource_H}) {
-        EXPECT_NEAR(middleOf(*control), middleOf(w.upButton), 0.5) << control->name();
-    }
+    inEachSize([this](Twips wide, Twips, bool) {
+        auto &w = window();
+        EXPECT_EQ(rightOf(w.nowTime), wide - 100);
+        EXPECT_EQ(w.Volume_Set_BG.width(), 1600);
+        EXPECT_EQ(w.Volume_Set_BG.height(), 200);
+        EXPECT_EQ(rightOf(w.Volume_Set_BG), w.nowTime.left() - 100);
+        EXPECT_EQ(rightOf(w.Volume_ICO), w.Volume_Set_BG.left() - 100);
+        EXPECT_EQ(rightOf(w.fullScreen_imgButton), w.Volume_ICO.left() - 100);
+        EXPECT_EQ(rightOf(w.AudioSource_H), w.fullScreen_imgButton.left() - 100);
+        EXPECT_EQ(w.AudioSource_L.place(), w.AudioSource_H.place());
+        EXPECT_EQ(w.AudioSource_R.place(), w.AudioSource_H.place());
+        for (const forms::Control *control : std::initializer_list<const forms::Control *>{
+                 &w.play_Time, &w.nowTime, &w.Volume_Set_BG, &w.Volume_ICO, &w.fullScreen_imgButton,
+                 &w.AudioSource_H}) {
+            EXPECT_NEAR(middleOf(*control), middleOf(w.upButton), 0.5) << control->name();
+        }
+    });
 }
 
 TEST_F(Video, VolumeFillComesFromMainsProportion) {
@@ -92,23 +114,65 @@ TEST_F(Video, VolumeFillComesFromMainsProportion) {
                                                w.Volume_Set_BG.top() + 40, 0.5F * 1600 - 70, 120}));
 }
 
-TEST_F(Video, TextAreaStandsBehindTheTitleAndEndsAheadOfTheChannel) {
+TEST_F(Video, AnEmptyVolumeGivesAnEmptyFill) {
+    EXPECT_EQ(window().Volume_Set.width(), 0) << "70 twips less than nothing is nothing";
+    EXPECT_EQ(app.player().isFullScreen, 0);
+    EXPECT_GT(window().Volume_ICO.left(), 0) << "the rest stands";
+}
+
+TEST_F(Video, AnErrorLeavesTheLayoutWhereItArose) {
+    window();
+    app.Main().Volume_Set_BG.setWidth(0); // the proportion divides by it
+    window().setFullScreen(true);
+    EXPECT_EQ(app.player().isFullScreen, 0);
+    EXPECT_FALSE(window().topmost());
+    EXPECT_EQ(window().width(), 1280 * 15) << "what came ahead of it has been done";
+}
+
+TEST_F(Video, TextAreaStandsOnTheTitleRowAndEndsAheadOfTheChannel) {
+    inEachSize([this](Twips, Twips, bool) {
+        auto &w = window();
+        EXPECT_EQ(w.nameBox.left(), rightOf(w.title) + 200);
+        EXPECT_EQ(w.nameBox.height(), w.title.height());
+        EXPECT_EQ(w.nameBox.top(), roundHalfEven(50 + (300 - w.title.height()) / 2));
+        EXPECT_LT(w.nameBox.top() + w.nameBox.height(),
+                  w.title_ICO.top() + w.title_ICO.height() + 10);
+        EXPECT_EQ(rightOf(w.nameBox), w.AudioSource_H.left() - 200);
+        EXPECT_EQ(w.playInfo_Show.width(), w.AudioSource_H.left() - 200 - w.nameBox.left());
+    });
+}
+
+TEST_F(Video, TextAreaFollowsALongerTitle) {
     auto &w = window();
+    const Twips before = w.nameBox.left();
+    w.title.setCaption(u"A title that is longer than the one before");
     w.set_Str_ControlVideo_Place();
+    EXPECT_GT(w.nameBox.left(), before);
     EXPECT_EQ(w.nameBox.left(), rightOf(w.title) + 200);
-    EXPECT_EQ(w.nameBox.height(), w.title.height());
-    w.setScreenSize_Default();
-    EXPECT_EQ(rightOf(w.nameBox), w.AudioSource_H.left() - 200);
+}
+
+TEST_F(Video, AFreshOneSpeaksTheLanguageInForce) {
+    const std::pair<std::int32_t, std::u16string> captions[] = {{0, u"视频窗口(F11)"},
+                                                                {1, u"Video Window(F11)"}};
+    for (const auto &[language, caption] : captions) {
+        app.unloadVideoScreen();
+        speak(language);
+        EXPECT_EQ(window().title.caption(), caption);
+        EXPECT_EQ(window().caption(), caption);
+        EXPECT_EQ(window().nameBox.left(), rightOf(window().title) + 200);
+    }
 }
 
 TEST_F(Video, NothingOfTheStripLiesOutsideIt) {
-    auto &w = window();
-    for (const forms::Control *control : w.videoScreen_Control.controls()) {
-        EXPECT_GE(control->left(), 0) << control->name();
-        EXPECT_LE(rightOf(*control), w.videoScreen_Control.width()) << control->name();
-        EXPECT_LE(control->top() + control->height(), w.videoScreen_Control.height())
-            << control->name();
-    }
+    inEachSize([this](Twips, Twips, bool) {
+        auto &w = window();
+        for (const forms::Control *control : w.videoScreen_Control.controls()) {
+            EXPECT_GE(control->left(), 0) << control->name();
+            EXPECT_LE(rightOf(*control), w.videoScreen_Control.width()) << control->name();
+            EXPECT_LE(control->top() + control->height(), w.videoScreen_Control.height())
+                << control->name();
+        }
+    });
 }
 
 // --- sizes
@@ -188,6 +252,89 @@ TEST_F(Video, ComesBackInFullScreenForTheNextTrack) {
     EXPECT_TRUE(window().visible());
 }
 
+TEST_F(Video, NothingTakesItFromTheTopBeforeItIsLetGo) {
+    play();
+    EXPECT_FALSE(window().topmost());
+    key(13);
+    EXPECT_TRUE(window().topmost());
+    key(27);
+    EXPECT_TRUE(window().topmost()) << "back in the default size, but still on top";
+    key(27);
+    window().show();
+    EXPECT_TRUE(window().topmost());
+    play();
+    EXPECT_FALSE(window().topmost()) << "a fresh window";
+}
+
+TEST_F(Video, TheNextTracksWindowInFullScreenIsOnTop) {
+    play();
+    key(13);
+    play();
+    EXPECT_TRUE(window().topmost());
+}
+
+TEST_F(Video, ASmallerSizeWithoutKeepLetsTheWindowGo) {
+    for (const auto &[wide, high] : {std::pair{10949, 7875}, std::pair{10950, 7874}}) {
+        play();
+        auto &old = window();
+        old.setScreenSize(wide, high, false);
+        EXPECT_EQ(puts(), 0);
+        EXPECT_NE(&window(), &old);
+        EXPECT_FALSE(window().visible());
+        EXPECT_EQ(window().width(), 10950) << "the one that is touched next is a fresh one";
+        EXPECT_EQ(media.mode(), u"playing") << "the sound goes on";
+    }
+}
+
+TEST_F(Video, ASmallerSizeWithKeepStays) {
+    play();
+    window().setScreenSize(6000, 5000, true);
+    EXPECT_EQ(window().width(), 6000);
+    EXPECT_TRUE(window().visible());
+    EXPECT_TRUE(media.commands().empty());
+}
+
+TEST_F(Video, APutThatIsRefusedInFullScreenLetsTheWindowGo) {
+    play();
+    media.failBeginningWith(u"put");
+    auto &old = window();
+    key(13);
+    EXPECT_FALSE(old.visible());
+    EXPECT_EQ(app.player().isFullScreen, -1) << "the layout goes on to its end";
+    EXPECT_EQ(media.mode(), u"playing");
+}
+
+TEST_F(Video, ASuccessfulPutHandsTheSkinToAShownWindowAndShowsItOnceMore) {
+    play();
+    window().close.setPicture(forms::Picture{});
+    window().hide();
+    windows.shown.clear();
+    EXPECT_EQ(app.player().put_VideoWindow(0, 0, 10, 10), -1);
+    EXPECT_EQ(windows.shown, (std::vector<std::string>{"VideoScreen_Form", "VideoScreen_Form"}))
+        << "hidden and shown once more";
+    EXPECT_EQ(window().close.picture(), app.Main().closeButton.picture());
+}
+
+TEST_F(Video, FullScreenFollowsTheScreensSize) {
+    windows.screen = {1920, 1080};
+    window().setFullScreen(true);
+    EXPECT_EQ(window().place(), (RectTwips{0, 0, 1920 * 15, 1080 * 15}));
+}
+
+TEST_F(Video, PlayAndTheVolumeBarsBringItIntoBeing) {
+    addRow(u"/m/a.mp3");
+    ASSERT_FALSE(app.videoScreenLoaded());
+    openAndPlay(u"/m/a.mp3");
+    EXPECT_TRUE(app.videoScreenLoaded());
+    EXPECT_FALSE(window().visible());
+    app.unloadVideoScreen();
+    app.Main().Volume_Set_BG.on().MouseUp({forms::leftButton, 0, 100, 1});
+    EXPECT_TRUE(app.videoScreenLoaded());
+    app.unloadVideoScreen();
+    app.miniForm().Volume_ICO.on().Click();
+    EXPECT_TRUE(app.videoScreenLoaded());
+}
+
 // --- keys
 // ---------------------------------------------------------------------------------------------
 
@@ -208,6 +355,53 @@ TEST_F(Video, EnterTogglesFullScreen) {
     EXPECT_EQ(app.player().isFullScreen, -1);
     key(13);
     EXPECT_EQ(app.player().isFullScreen, 0);
+}
+
+TEST_F(Video, EnterPutsThePictureOnTheWayThereAndKeepsItOnTheWayBack) {
+    play();
+    key(13);
+    EXPECT_EQ(media.actions().front(), u"pause NOWMUSIC");
+    EXPECT_EQ(puts(), 1);
+    EXPECT_EQ(media.mode(), u"playing");
+    media.clearCommands();
+    key(13);
+    EXPECT_EQ(puts(), 0);
+    EXPECT_EQ(media.count(u"pause NOWMUSIC"), 0U);
+    EXPECT_EQ(media.mode(), u"playing");
+}
+
+TEST_F(Video, EscapeAndF11InFullScreenKeepTheFlagAsTheyFindIt) {
+    play();
+    key(13);
+    key(122);
+    EXPECT_FALSE(window().visible());
+    EXPECT_EQ(app.player().isFullScreen, -1) << "F11 only hides";
+    window().show();
+    key(27);
+    EXPECT_EQ(app.player().isFullScreen, 0);
+}
+
+TEST_F(Video, OtherKeysDoNothing) {
+    play();
+    for (std::int16_t code = 1; code < 255; ++code) {
+        const bool known =
+            code == 13 || code == 27 || code == 32 || code == 122 || (code >= 113 && code <= 117);
+        if (!known) {
+            key(code);
+        }
+    }
+    EXPECT_TRUE(media.actions().empty());
+    EXPECT_TRUE(window().visible());
+    EXPECT_EQ(app.player().isFullScreen, 0);
+}
+
+TEST_F(Video, SpaceAtTheEndOfATrackThatIsNotFollowedDoesNothing) {
+    app.setControl().isAutoPlay = 1;
+    play();
+    media.reachEnd();
+    key(32);
+    EXPECT_EQ(media.count(u"play NOWMUSIC"), 0U);
+    EXPECT_EQ(media.count(u"pause NOWMUSIC"), 0U);
 }
 
 TEST_F(Video, SpacePausesAndPlays) {
@@ -309,15 +503,27 @@ TEST_F(Video, TickMayStartTheNextTrackAndLoseItsOwnWindow) {
     windows.advance(1);
 }
 
+TEST_F(Video, TicksFromItsCreationEvery70Milliseconds) {
+    EXPECT_TRUE(window().Timer1.running());
+    EXPECT_EQ(window().Timer1.interval(), 70);
+}
+
 TEST_F(Video, IsDraggedAloneAndOpensTheMenu) {
     auto &w = window();
-    w.move({0, 0, w.width(), w.height()});
-    windows.cursor = {10, 10};
-    w.title.on().MouseDown({forms::leftButton, 0, 0, 0});
-    windows.cursor = {20, 30};
-    w.title.on().MouseMove({forms::leftButton, 0, 0, 0});
-    EXPECT_EQ(w.left(), 150);
-    EXPECT_EQ(w.top(), 300);
+    const auto main = app.Main().place();
+    const auto list = app.playList_Form().place();
+    for (forms::ControlEvents *area :
+         {static_cast<forms::ControlEvents *>(&w.on()), &w.title.on(), &w.title_ICO.on()}) {
+        w.move({0, 0, w.width(), w.height()});
+        windows.cursor = {10, 10};
+        area->MouseDown({forms::leftButton, 0, 0, 0});
+        windows.cursor = {20, 30};
+        area->MouseMove({forms::leftButton, 0, 0, 0});
+        EXPECT_EQ(w.left(), 150);
+        EXPECT_EQ(w.top(), 300);
+    }
+    EXPECT_EQ(app.Main().place(), main);
+    EXPECT_EQ(app.playList_Form().place(), list);
     windows.expectPopup("menu", "");
     w.on().MouseUp({forms::rightButton, 0, 0, 0});
 }
