@@ -1,0 +1,202 @@
+// The keys, buttons and tick of the video window.
+
+#include "tests/unit/playback/video_fixture.h"
+
+namespace velmora {
+namespace {
+
+// --- keys
+// ---------------------------------------------------------------------------------------------
+
+TEST_F(Video, EscapeLeavesFullScreenThenHides) {
+    play();
+    window().setFullScreen(true);
+    key(27);
+    EXPECT_EQ(window().width(), 10950);
+    EXPECT_TRUE(window().visible());
+    key(27);
+    EXPECT_FALSE(window().visible());
+    EXPECT_TRUE(fake.processes.endStatuses.empty());
+}
+
+TEST_F(Video, EnterTogglesFullScreen) {
+    play();
+    key(13);
+    EXPECT_EQ(app.player().isFullScreen, -1);
+    key(13);
+    EXPECT_EQ(app.player().isFullScreen, 0);
+}
+
+TEST_F(Video, EnterPutsThePictureOnTheWayThereAndKeepsItOnTheWayBack) {
+    play();
+    key(13);
+    EXPECT_EQ(media.actions().front(), u"pause NOWMUSIC");
+    EXPECT_EQ(puts(), 1);
+    EXPECT_EQ(media.mode(), u"playing");
+    media.clearCommands();
+    key(13);
+    EXPECT_EQ(puts(), 0);
+    EXPECT_EQ(media.count(u"pause NOWMUSIC"), 0U);
+    EXPECT_EQ(media.mode(), u"playing");
+}
+
+TEST_F(Video, EscapeAndF11InFullScreenKeepTheFlagAsTheyFindIt) {
+    play();
+    key(13);
+    key(122);
+    EXPECT_FALSE(window().visible());
+    EXPECT_EQ(app.player().isFullScreen, -1) << "F11 only hides";
+    window().show();
+    key(27);
+    EXPECT_EQ(app.player().isFullScreen, 0);
+}
+
+TEST_F(Video, OtherKeysDoNothing) {
+    play();
+    for (std::int16_t code = 1; code < 255; ++code) {
+        const bool known =
+            code == 13 || code == 27 || code == 32 || code == 122 || (code >= 113 && code <= 117);
+        if (!known) {
+            key(code);
+        }
+    }
+    EXPECT_TRUE(media.actions().empty());
+    EXPECT_TRUE(window().visible());
+    EXPECT_EQ(app.player().isFullScreen, 0);
+}
+
+TEST_F(Video, SpaceAtTheEndOfATrackThatIsNotFollowedDoesNothing) {
+    app.setControl().isAutoPlay = 1;
+    play();
+    media.reachEnd();
+    key(32);
+    EXPECT_EQ(media.count(u"play NOWMUSIC"), 0U);
+    EXPECT_EQ(media.count(u"pause NOWMUSIC"), 0U);
+}
+
+TEST_F(Video, SpacePausesAndPlays) {
+    play();
+    key(32);
+    EXPECT_EQ(media.mode(), u"paused");
+    key(32);
+    EXPECT_EQ(media.mode(), u"playing");
+}
+
+TEST_F(Video, F11Hides) {
+    play();
+    key(122);
+    EXPECT_FALSE(window().visible());
+}
+
+TEST_F(Video, F2F3AndF4PlayPauseAndClose) {
+    play();
+    key(114);
+    EXPECT_EQ(media.mode(), u"paused");
+    key(113);
+    EXPECT_EQ(media.mode(), u"playing");
+    media.clearCommands();
+    key(115);
+    EXPECT_EQ(media.actions(), Texts{u"close NOWMUSIC"});
+    EXPECT_FALSE(app.videoScreenLoaded());
+}
+
+TEST_F(Video, F5AndF6StepThroughTheList) {
+    addRow(u"/m/a.mp3");
+    addRow(u"/m/b.mp3");
+    app.player().nowPlay_Index = 1;
+    play();
+    key(117);
+    EXPECT_EQ(media.openPath(), u"/m/b.mp3");
+    key(116);
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+}
+
+// --- buttons and tick
+// -----------------------------------------------------------------------------------
+
+TEST_F(Video, ButtonsOfTheStripActOnTheOneTransport) {
+    play();
+    window().pauseButton.on().Click();
+    EXPECT_EQ(media.mode(), u"paused");
+    window().playButton.on().Click();
+    EXPECT_EQ(media.mode(), u"playing");
+    window().stopButton.on().Click();
+    EXPECT_FALSE(media.isOpen());
+    window().playButton.on().Click();
+    EXPECT_EQ(media.mode(), u"playing");
+}
+
+TEST_F(Video, BarsAreItsOwn) {
+    play();
+    window().load_Played_BG.setWidth(660);
+    window().load_Played_BG.on().MouseUp({forms::leftButton, 0, 300, 1});
+    EXPECT_EQ(media.actions().front(), u"seek NOWMUSIC to 30000");
+    window().Volume_Set_BG.setWidth(1600);
+    window().Volume_Set_BG.on().MouseUp({forms::leftButton, 0, 800, 1});
+    EXPECT_EQ(media.volume(), 500);
+    EXPECT_EQ(app.Main().Volume_Set.width(), 500);
+}
+
+TEST_F(Video, ChannelSwitchesBothSetsOfImages) {
+    play();
+    window().AudioSource_H.on().Click();
+    EXPECT_EQ(media.source(), u"left");
+    EXPECT_TRUE(app.Main().AudioSource_L.visible());
+    EXPECT_TRUE(window().AudioSource_L.visible());
+    EXPECT_FALSE(window().AudioSource_H.visible());
+}
+
+TEST_F(Video, TickShowsTheClockAndTheState) {
+    play();
+    media.advance(30'000);
+    window().Timer1.onTimer();
+    EXPECT_EQ(window().nowTime.caption(), u"2020-09-13 12:26:40");
+    EXPECT_EQ(window().play_Time.caption(), u"00:00:30 - 00:01:00");
+    EXPECT_TRUE(window().pauseButton.visible());
+    EXPECT_EQ(window().load_Played.width(),
+              static_cast<Twips>(app.player().get_PlayedWidth(PlayerWindow::VideoScreen_Form)));
+}
+
+TEST_F(Video, TickWithNothingOpenBringsTheStoppedLook) {
+    app.Main().play_Time.setCaption(u"x");
+    window().Timer1.onTimer();
+    EXPECT_EQ(app.Main().play_Time.caption(), u"00:00:00 - 00:00:00");
+}
+
+TEST_F(Video, TickMayStartTheNextTrackAndLoseItsOwnWindow) {
+    addRow(u"/m/a.mp3");
+    play();
+    media.reachEnd();
+    auto &old = window();
+    old.Timer1.onTimer();
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+    windows.advance(1);
+}
+
+TEST_F(Video, TicksFromItsCreationEvery70Milliseconds) {
+    EXPECT_TRUE(window().Timer1.running());
+    EXPECT_EQ(window().Timer1.interval(), 70);
+}
+
+TEST_F(Video, IsDraggedAloneAndOpensTheMenu) {
+    auto &w = window();
+    const auto main = app.Main().place();
+    const auto list = app.playList_Form().place();
+    for (forms::ControlEvents *area :
+         {static_cast<forms::ControlEvents *>(&w.on()), &w.title.on(), &w.title_ICO.on()}) {
+        w.move({0, 0, w.width(), w.height()});
+        windows.cursor = {10, 10};
+        area->MouseDown({forms::leftButton, 0, 0, 0});
+        windows.cursor = {20, 30};
+        area->MouseMove({forms::leftButton, 0, 0, 0});
+        EXPECT_EQ(w.left(), 150);
+        EXPECT_EQ(w.top(), 300);
+    }
+    EXPECT_EQ(app.Main().place(), main);
+    EXPECT_EQ(app.playList_Form().place(), list);
+    windows.expectPopup("menu", "");
+    w.on().MouseUp({forms::rightButton, 0, 0, 0});
+}
+
+} // namespace
+} // namespace velmora
