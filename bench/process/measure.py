@@ -175,11 +175,11 @@ def list_starts(watch, velmora, music):
     return rows
 
 
-def settings_times(probe):
-    """What the settings window's probe says: rows of name, median, largest, first."""
+def probe_rows(*probe):
+    """What a probe on a screen of its own says, line by line, as words."""
     session = Session(window_manager=True, sound=False)
     try:
-        return [line.split() for line in quiet(probe, env=session.env).splitlines()]
+        return [line.split() for line in quiet(*probe, env=session.env).splitlines()]
     finally:
         session.close()
 
@@ -224,8 +224,16 @@ def main():
     print("\n## Settings\n")
     print("To the painted windows, with the main window, the list and the settings on the screen.\n")
     print("| what | ms, median | largest | first |\n|---|---|---|---|")
-    for row in settings_times(os.path.join(os.path.dirname(watch), "settings_probe")):
+    for row in probe_rows(os.path.join(os.path.dirname(watch), "settings_probe")):
         print(f"| {' | '.join(row)} |", flush=True)
+
+    print("\n## A song of 1 GB through its window\n")
+    print("| what | wall, s | processor, s |\n|---|---|---|")
+    for name, *figures in probe_rows(os.path.join(os.path.dirname(watch), "download_probe"), "1024"):
+        if name == "longest":
+            print(f"| longest wait for an answer, ms | {figures[0]} | |", flush=True)
+        else:
+            print(f"| {name} | {' | '.join(figures)} |", flush=True)
 
     print("\n## The list at start\n")
     print("| entries | main window, ms |\n|---|---|")

@@ -87,16 +87,23 @@ void song_Internet_Search::scanSongPage(std::u16string address) {
     }
 }
 
-// The piece behind a link is its label, so the last piece is never a link.
+// The piece behind a link is its label, so the last piece is never a link. Goes from link to link,
+// not from piece to piece: a page may hold a great many cells whose frames share their pieces.
 void song_Internet_Search::addRows(std::u16string_view pieces, std::u16string_view record) {
+    constexpr std::u16string_view beginning = u"HTTP";
     search_Song_Internet_Form &form = app_.search_Song_Internet_Form();
-    for (std::size_t end = pieces.find(u';'); end != std::u16string_view::npos;
-         end = pieces.find(u';')) {
-        const std::u16string_view piece = pieces.substr(0, end);
-        pieces.remove_prefix(end + 1);
+    for (std::size_t at = pieces.find(beginning); at != std::u16string_view::npos;
+         at = pieces.find(beginning, at + beginning.size())) {
+        if (at != 0 && pieces[at - 1] != u';')
+            continue;
+        const std::size_t end = pieces.find(u';', at);
+        if (end == std::u16string_view::npos)
+            return;
+        const std::u16string_view piece = pieces.substr(at, end - at);
         if (!isLink(piece))
             continue;
-        const std::u16string_view label = pieces.substr(0, pieces.find(u';'));
+        const std::u16string_view rest = pieces.substr(end + 1);
+        const std::u16string_view label = rest.substr(0, rest.find(u';'));
         std::u16string shown = decimal(row_) + u"、";
         if (!label.empty())
             shown.append(u"【").append(label).append(u"】");
