@@ -103,7 +103,7 @@ Item Library::read(const FileEntry &file) const {
         if (!lyric)
             item.format.clear(); // nothing that can be served
         else
-            item.own = {lyric->title, lyric->artist, u"", 0};
+            item.own = {lyric->title, lyric->artist, u""};
     } else if (const auto open = folder_.open(file.path)) {
         item.own = tagsOf(*open);
     }

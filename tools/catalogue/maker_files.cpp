@@ -1,5 +1,6 @@
 #include "catalogue/maker_files.h"
 
+#include "base/numbers.h"
 #include "base/text.h"
 #include "base/utf8.h"
 #include "catalogue/pages.h"
@@ -17,6 +18,9 @@ constexpr std::size_t longestValue = 999;
 // What a tab and the banner have room for.
 constexpr std::size_t mostLines = 10;
 constexpr std::size_t mostBanners = 20;
+// 0xBBGGRR, as the player's own lists look.
+constexpr int panelColour = 0x1C140F;
+constexpr int lineColour = 0xCFE05B;
 constexpr std::u16string_view bannerSeparator = u"|■|";
 
 class IniWriter {
@@ -148,6 +152,8 @@ std::string welcomeFile(std::u16string_view base, const Library &library,
     ini.put(u"title", setting(u"title", u"家庭音乐目录"));
     ini.put(u"provider", setting(u"provider", u"Velmora 目录"));
     ini.put(u"providerLink", setting(u"providerLink", home));
+    ini.put(u"databaseFrame_BackColor", decimal(panelColour));
+    ini.put(u"databaseStr_Color", decimal(lineColour));
     ini.put(u"buttonStr0", setting(u"tab0", u"新曲目"));
     ini.put(u"buttonStr1", setting(u"tab1", u"新歌词"));
     ini.put(u"buttonStr2", setting(u"tab2", u"新视频"));

@@ -46,6 +46,7 @@ std::u16string homeLink(std::u16string_view base) {
 constexpr std::size_t mostNameBytes = 135;
 constexpr std::size_t mostSingerBytes = 80;
 constexpr std::size_t mostAlbumBytes = 150;
+constexpr std::size_t mostLabelBytes = 150;
 
 std::u16string fittingField(std::u16string_view text, std::size_t bytes) {
     return recordField(fittingBytes(recordField(text), bytes));
@@ -79,9 +80,8 @@ std::u16string lyricPage(std::u16string_view base, std::u16string_view words,
 
 std::u16string songCell(std::u16string_view base, const Item &song) {
     std::u16string cell = u"<td class=\"data\">0";
-    const std::u16string label = song.tags.kilobits > 0
-                                     ? number(static_cast<std::size_t>(song.tags.kilobits)) + u"K"
-                                     : upper(fromAscii(song.format));
+    // What a row of the player's list begins with.
+    const std::u16string label = fittingField(nameOf(song), mostLabelBytes);
     for (const std::u16string &field : {fittingField(song.tags.title, mostNameBytes),
                                         fittingField(song.tags.album, mostAlbumBytes),
                                         fittingField(song.tags.artist, mostSingerBytes),

@@ -51,14 +51,12 @@ Tags tagsOf(const OpenFile &file) {
     if (own < 0)
         return tags;
     TagLib::FileStream stream(own, true);
-    const TagLib::FileRef reference(&stream);
+    const TagLib::FileRef reference(&stream, false);
     if (reference.isNull() || reference.tag() == nullptr)
         return tags;
     tags.title = textOfTag(reference.tag()->title());
     tags.artist = textOfTag(reference.tag()->artist());
     tags.album = textOfTag(reference.tag()->album());
-    if (reference.audioProperties() != nullptr)
-        tags.kilobits = reference.audioProperties()->bitrate();
     return tags;
 }
 

@@ -12,7 +12,6 @@ struct Tags {
     std::u16string title;
     std::u16string artist;
     std::u16string album;
-    int kilobits = 0; // a second; 0 when unknown
 };
 
 // Empty for a file of a kind without tags, and for a damaged one.

@@ -51,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     Item song;
     song.id = "0";
     song.format = "mp3";
-    song.tags = {first, second, first + second, 0};
+    song.tags = {first, second, first + second};
     checkCell(song);
 
     const std::vector<const Item *> lyrics(size % 4, &song);

@@ -79,7 +79,6 @@ TEST_F(LibraryTest, TakesTagsAndFallsBackToTheName) {
     EXPECT_EQ(song("x.mp3").tags.title, u"Title");
     EXPECT_EQ(song("x.mp3").tags.artist, u"Artist");
     EXPECT_EQ(song("x.mp3").tags.album, u"Album");
-    EXPECT_EQ(song("x.mp3").tags.kilobits, 128);
     EXPECT_EQ(song("01. Somebody - Something.mp3").tags.artist, u"Somebody");
     EXPECT_EQ(song("01. Somebody - Something.mp3").tags.title, u"Something");
     EXPECT_EQ(song("Alone.mp3").tags.title, u"Alone");

@@ -50,6 +50,8 @@ TEST_F(MakerFiles, WelcomeHasEverythingThatIsAskedFor) {
     EXPECT_EQ(value(ini, u"config", u"providerLink"), u"http://host:1/");
     EXPECT_EQ(split(value(ini, u"check", u"vesion"), u'.').size(), 3U);
     EXPECT_EQ(value(ini, u"check", u"update"), u"0");
+    EXPECT_EQ(value(ini, u"config", u"databaseFrame_BackColor"), u"1840143");
+    EXPECT_EQ(value(ini, u"config", u"databaseStr_Color"), u"13623387");
     EXPECT_EQ(value(ini, u"databases", u"databases_0_Ubound"), u"0");
 }
 

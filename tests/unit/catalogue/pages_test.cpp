@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace velmora::catalogue {
 
 namespace {
@@ -25,7 +27,7 @@ Item song(std::u16string title, std::u16string artist, std::u16string album) {
     item.id = "00ff";
     item.format = "mp3";
     item.file.bytes = 12345;
-    item.tags = {std::move(title), std::move(artist), std::move(album), 192};
+    item.tags = {std::move(title), std::move(artist), std::move(album)};
     return item;
 }
 
@@ -93,14 +95,13 @@ TEST(LyricPage, SaysItsCharset) {
 TEST(SongCell, IsThePackedRecordWithItsLink) {
     EXPECT_EQ(songCell(base, song(u"Name", u"Singer", u"Album")),
               u"<td class=\"data\">0@@Name@@Album@@Singer@@12345@@mp3@@100@@FI"
-              u"http://127.0.0.1:8420/song/00ff.mp3;192K;</td>");
+              u"http://127.0.0.1:8420/song/00ff.mp3;Singer - Name;</td>");
 }
 
 TEST(SongCell, HasEmptyFieldsForWhatIsNotKnown) {
-    Item item = song(u"Name", u"", u"");
-    item.tags.kilobits = 0;
+    const Item item = song(u"Name", u"", u"");
     EXPECT_EQ(songCell(base, item), u"<td class=\"data\">0@@Name@@@@@@12345@@mp3@@100@@FI"
-                                    u"http://127.0.0.1:8420/song/00ff.mp3;MP3;</td>");
+                                    u"http://127.0.0.1:8420/song/00ff.mp3;Name;</td>");
 }
 
 // As the reader takes a cell apart.
@@ -113,7 +114,9 @@ std::vector<std::u16string> fieldsOf(const std::u16string &cell) {
     const std::size_t separator = text.find(u"@@FI");
     const std::u16string record = text.substr(0, separator);
     const std::u16string pieces = text.substr(separator + 4, text.find(u"</TD>") - separator - 4);
-    EXPECT_TRUE(startsWith(pieces, u"HTTP://127.0.0.1:8420/SONG/00FF.MP3;192K;")) << toUtf8(pieces);
+    EXPECT_TRUE(startsWith(pieces, u"HTTP://127.0.0.1:8420/SONG/00FF.MP3;")) << toUtf8(pieces);
+    EXPECT_EQ(std::count(pieces.begin(), pieces.end(), u';'), 2);
+    EXPECT_EQ(pieces.back(), u';');
     std::vector<std::u16string> fields;
     std::size_t at = 0;
     for (std::size_t next = 0; next != std::u16string::npos; at = next + 2) {
