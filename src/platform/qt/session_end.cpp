@@ -14,6 +14,8 @@ namespace velmora::platform::qt {
 namespace {
 
 constexpr int handled[] = {SIGTERM, SIGINT, SIGHUP};
+// A peer that has gone and a limit on the size of files fail the write that meets them, no more.
+constexpr int ignored[] = {SIGPIPE, SIGXFSZ};
 
 // A signal handler has no other way to know where to write.
 std::atomic<int> signalPipe{-1};
@@ -30,6 +32,8 @@ void onSignal(int) {
 SessionEnd::SessionEnd(std::function<void()> asked) : asked_(std::move(asked)) {
     QObject::connect(qGuiApp, &QGuiApplication::commitDataRequest, qGuiApp,
                      [this](QSessionManager &) { asked_(); });
+    for (const int signal : ignored)
+        std::signal(signal, SIG_IGN);
     if (pipe2(pipe_, O_CLOEXEC | O_NONBLOCK) != 0)
         return;
     notifier_ = std::make_unique<QSocketNotifier>(pipe_[0], QSocketNotifier::Read);

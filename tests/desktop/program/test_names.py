@@ -7,6 +7,7 @@ middle of one.
 
 import os
 import signal
+import subprocess
 import sys
 import unittest
 
@@ -115,6 +116,47 @@ class EndInTheMiddle(ListTest):
         self.assertIn(listed, (left, tracks[len(tracks) - len(left) - 1:]))
         player, _, rows = self.start_with_list()
         self.assertEqual(self.list_lines(), listed)
+
+
+class NoRoom(ListTest):
+    """A limit on the size of files stands for a full disk: every write beyond it fails."""
+
+    def limit(self, player, size):
+        subprocess.run(["prlimit", "--pid", str(player.child.pid), f"--fsize={size}:"], check=True)
+
+    def test_a_list_that_cannot_be_written_stays_as_it_was(self):
+        player, main, rows = self.start_with_list()
+        self.click_row(player, rows, 0)
+        self.limit(player, 40)
+        self.session.key("Delete", rows)
+        self.answer(player, "y")
+        self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == 3, 10))
+        self.assertEqual(self.list_lines(), self.tracks)
+        self.assertEqual(len(os.listdir(os.path.dirname(self.list_file()))), 1, "a half file stays")
+        self.assertIsNone(player.child.poll(), "the program ended")
+        # With room again the next save tells the rows.
+        self.limit(player, "unlimited")
+        self.click_row(player, rows, 0)
+        self.session.key("Delete", rows)
+        self.answer(player, "y")
+        self.assert_story(player, rows, self.tracks[2:])
+
+    def test_a_copy_that_does_not_fit_leaves_nothing(self):
+        target = self.session.home + "/stick"
+        os.mkdir(target)
+        player, _, rows = self.start_with_list()
+        self.click_row(player, rows, 0)
+        self.limit(player, 1000)
+        self.session.key("F10", rows)
+        dialog = player.box()
+        self.assertTrue(dialog, "no dialog comes up")
+        self.type_into(dialog, target)
+        self.assertTrue(player.gone(dialog))
+        self.answer(player, "Return")
+        self.assertEqual(os.listdir(target), [])
+        self.assertIsNone(player.child.poll(), "the program ended")
+        self.limit(player, "unlimited")
+        self.assert_story(player, rows, self.tracks)
 
 
 if __name__ == "__main__":

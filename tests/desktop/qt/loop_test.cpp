@@ -6,6 +6,9 @@
 
 #include <QCoreApplication>
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <csignal>
 
 namespace velmora::tests {
@@ -159,6 +162,16 @@ TEST_F(LoopTest, AnErrorInIdleWorkEndsThatWorkAlone) {
     form.fast.setRunning(true);
     desk().windows->run();
     EXPECT_TRUE(second);
+}
+
+TEST_F(LoopTest, AWriteThatNobodyReadsDoesNotEndTheProcess) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    close(ends[0]);
+    EXPECT_EQ(write(ends[1], "x", 1), -1);
+    EXPECT_EQ(errno, EPIPE);
+    close(ends[1]);
+    ::raise(SIGXFSZ); // as the system does where a file meets its limit
 }
 
 TEST_F(LoopTest, TheSignalsThatEndAProcessAreAWishToEnd) {
