@@ -159,6 +159,37 @@ TEST_F(HttpClient, CountsAStalledFileAsWhole) {
     EXPECT_EQ(content(), "half");
 }
 
+TEST_F(HttpClient, WaitsForAFileThatDrips) {
+    hurry();
+    LoopbackServer server([](Talk &talk, const std::string &) {
+        talk.send(std::string(song) + "Content-Length: 5\r\n\r\n");
+        for (const char byte : std::string("sound")) {
+            talk.wait(milliseconds(50));
+            talk.send({&byte, 1});
+        }
+    });
+    EXPECT_TRUE(fetch(server));
+    EXPECT_EQ(content(), "sound");
+}
+
+TEST_F(HttpClient, WaitsForAServerThatIsSlowToAccept) {
+    LoopbackServer server(
+        [](Talk &talk) {
+            talk.receive();
+            talk.send(response("sound", "audio/mpeg"));
+        },
+        milliseconds(200));
+    EXPECT_TRUE(fetch(server));
+    EXPECT_EQ(content(), "sound");
+}
+
+TEST_F(HttpClient, TakesNoMoreThanTheLengthThatWasSaid) {
+    LoopbackServer server(always(std::string(song) + "Content-Length: 3\r\n\r\nsound"));
+    EXPECT_TRUE(fetch(server));
+    EXPECT_EQ(content(), "sou");
+    EXPECT_EQ(total_, 3);
+}
+
 TEST_F(HttpClient, LeavesAPackedFilePacked) {
     LoopbackServer server(
         always(response("\x1F\x8B packed", "audio/mpeg", "200 OK", "Content-Encoding: gzip\r\n")));
