@@ -56,19 +56,24 @@ class Tray(PlayerTest):
             return upper in order and lower in order and order.index(upper) > order.index(lower)
         return wait_for(look, seconds)
 
+    def cover(self, player, main, stranger):
+        """Puts the stranger above the main window, which comes forward itself as it starts."""
+        def look():
+            player.tool("windowactivate", "--sync", stranger.window)
+            return self.is_above(stranger.window, main, 1)
+        self.assertTrue(wait_for(look, 10), "the stranger does not come above the main window")
+
     def test_a_click_brings_the_main_window_forward(self):
         self.start_tray()
         player, main = self.start()
         stranger = Stranger(self.session, 350, 250, 600, 300)
-        player.tool("windowactivate", "--sync", stranger.window)
-        self.assertTrue(self.is_above(stranger.window, main))
+        self.cover(player, main, stranger)
         self.click_icon(player)
         self.assertTrue(self.is_above(main, stranger.window), "it stays behind")
         self.assertTrue(wait_for(lambda: "ABOVE" not in quiet(
             "xprop", "-id", main, "_NET_WM_STATE", env=self.session.env), 5), "it stays on top")
         # No longer kept on top: another window may cover it again.
-        player.tool("windowactivate", "--sync", stranger.window)
-        self.assertTrue(self.is_above(stranger.window, main))
+        self.cover(player, main, stranger)
 
     def test_a_click_restores_the_minimised_window(self):
         self.start_tray()
