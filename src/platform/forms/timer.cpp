@@ -82,6 +82,19 @@ std::optional<std::int64_t> TimerQueue::nextDueMs() const {
     return earliest;
 }
 
+std::optional<std::int64_t> TimerQueue::nextWakeMs() const {
+    constexpr std::int32_t patientMs = 250;
+    constexpr std::int64_t slackMs = 70;
+    std::optional<std::int64_t> latest;
+    for (const Timer *timer : timers_) {
+        const std::int64_t wakeBy = timer->dueMs_ + (timer->intervalMs_ >= patientMs ? slackMs : 0);
+        if (!timer->inHandler_ && (!latest || wakeBy < *latest)) {
+            latest = wakeBy;
+        }
+    }
+    return latest;
+}
+
 void TimerQueue::runDue() {
     collectDue();
     while (!waiting_.empty()) {

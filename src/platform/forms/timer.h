@@ -54,6 +54,9 @@ public:
 
     // When the next tick is due (steady ms); absent when no timer runs.
     std::optional<std::int64_t> nextDueMs() const;
+    // When to wake for it. A timer of 250 ms and more may wait for a shorter one's tick, at most 70
+    // ms: a program at rest then wakes for one grid instead of two.
+    std::optional<std::int64_t> nextWakeMs() const;
 
     // Runs every tick that is due now. Re-entrant: a pump inside a handler may call it again and
     // goes on with the ticks that are still waiting.

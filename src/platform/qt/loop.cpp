@@ -58,7 +58,7 @@ int Loop::run() {
 void Loop::quit(int status) { QCoreApplication::exit(status); }
 
 void Loop::arm() {
-    const auto next = timers_.nextDueMs();
+    const auto next = timers_.nextWakeMs();
     if (!next) {
         wakeUp_.stop();
         return;

@@ -278,6 +278,20 @@ TEST_F(TimerTest, TheNextTickIsTheEarliestOfAll) {
     EXPECT_EQ(windows.timers().nextDueMs(), 100);
 }
 
+TEST_F(TimerTest, ASlowTimerIsWokenForWithAFasterOnesTick) {
+    const auto slow = timer("slow", 250);
+    const auto fast = timer("fast", 70);
+    slow->setRunning(true);
+    EXPECT_EQ(windows.timers().nextWakeMs(), 320) << "alone it is at most 70 ms late";
+    fast->setRunning(true);
+    EXPECT_EQ(windows.timers().nextWakeMs(), 70);
+    windows.advance(249);
+    EXPECT_EQ(windows.timers().nextDueMs(), 250);
+    EXPECT_EQ(windows.timers().nextWakeMs(), 280);
+    windows.advance(31);
+    EXPECT_EQ(log, (Log{"fast", "fast", "fast", "slow", "fast"}));
+}
+
 TEST_F(TimerTest, ATimerWhoseHandlerRunsIsNotAwaited) {
     const auto a = timer("a", 10);
     std::optional<std::int64_t> due = 1;
