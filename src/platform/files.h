@@ -36,14 +36,15 @@ public:
     virtual std::string readLine() = 0;
 };
 
-// A file open for writing piece by piece: what a transfer stores its packets in. What was written
-// stays when the object goes, whole or not.
+// A file open for writing piece by piece: what a transfer stores its packets in. Small pieces are
+// collected; all of it lies in the file when the object goes, at the latest. What was written
+// stays, whole or not.
 class OutputFile {
 public:
     virtual ~OutputFile() = default;
     // Absolute position in bytes from the start.
     virtual void SetFilePointer(std::int64_t position) = 0;
-    // False when not every byte went out.
+    // False when not every byte went out: of this piece, or of those collected before it.
     virtual bool WriteFile(std::string_view bytes) = 0;
 };
 

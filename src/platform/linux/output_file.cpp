@@ -44,18 +44,36 @@ LinuxOutputFile::LinuxOutputFile(std::u16string_view path) {
     refuseUnlessWritable(info);
 }
 
+LinuxOutputFile::~LinuxOutputFile() { flush(); }
+
+void LinuxOutputFile::SetFilePointer(std::int64_t position) {
+    flush();
+    position_ = position;
+}
+
+// A write for each packet of a download would cost more than the download itself.
 bool LinuxOutputFile::WriteFile(std::string_view bytes) {
-    while (!bytes.empty()) {
+    constexpr std::size_t enough = std::size_t{16} << 10;
+    collected_.append(bytes);
+    return collected_.size() < enough || flush();
+}
+
+bool LinuxOutputFile::flush() {
+    std::string_view bytes = collected_;
+    bool isWritten = true;
+    while (isWritten && !bytes.empty()) {
         const ssize_t written =
             ::pwrite(file_.number(), bytes.data(), bytes.size(), static_cast<off_t>(position_));
         if (written < 0 && errno == EINTR)
             continue;
-        if (written <= 0)
-            return false;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-        position_ += written;
+        isWritten = written > 0;
+        if (isWritten) {
+            bytes.remove_prefix(static_cast<std::size_t>(written));
+            position_ += written;
+        }
     }
-    return true;
+    collected_.clear(); // what could not be written is lost
+    return isWritten;
 }
 
 } // namespace velmora::platform

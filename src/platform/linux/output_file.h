@@ -5,6 +5,8 @@
 #include "platform/files.h"
 #include "platform/linux/descriptor.h"
 
+#include <string>
+
 namespace velmora::platform {
 
 class LinuxOutputFile : public OutputFile {
@@ -13,12 +15,17 @@ public:
     // refuses: no regular file, no write bit, directly below the root. Raises.
     explicit LinuxOutputFile(std::u16string_view path);
 
-    void SetFilePointer(std::int64_t position) override { position_ = position; }
+    ~LinuxOutputFile() override;
+
+    void SetFilePointer(std::int64_t position) override;
     bool WriteFile(std::string_view bytes) override;
 
 private:
+    bool flush();
+
     Descriptor file_;
-    std::int64_t position_ = 0;
+    std::int64_t position_ = 0; // of what is collected
+    std::string collected_;
 };
 
 } // namespace velmora::platform

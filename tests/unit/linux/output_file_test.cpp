@@ -30,12 +30,26 @@ struct AFileWrittenByPieces : testing::Test {
 };
 
 TEST_F(AFileWrittenByPieces, isMadeAndTakesPieceAfterPiece) {
-    const auto file = files.CreateFileA(folder.text("f"));
+    auto file = files.CreateFileA(folder.text("f"));
+    EXPECT_TRUE(folder.exists("f"));
     EXPECT_TRUE(file->WriteFile("one"));
     EXPECT_TRUE(file->WriteFile(std::string_view("\0two", 4)));
     EXPECT_TRUE(file->WriteFile(""));
-    // What was written is there while the file is still open.
+    file.reset();
     EXPECT_EQ(folder.read("f"), std::string("one\0two", 7));
+}
+
+TEST_F(AFileWrittenByPieces, growsOnTheDiskWhileItIsOpen) {
+    auto file = files.CreateFileA(folder.text("f"));
+    std::string all;
+    for (int i = 0; i < 40; ++i) {
+        const std::string packet(1024, static_cast<char>('A' + i));
+        EXPECT_TRUE(file->WriteFile(packet));
+        all += packet;
+    }
+    EXPECT_EQ(folder.read("f"), all.substr(0, 32 * 1024));
+    file.reset();
+    EXPECT_EQ(folder.read("f"), all);
 }
 
 TEST_F(AFileWrittenByPieces, keepsTheBytesOfAnExistingFileUntilTheyAreOverwritten) {
@@ -43,11 +57,11 @@ TEST_F(AFileWrittenByPieces, keepsTheBytesOfAnExistingFileUntilTheyAreOverwritte
     auto file = files.CreateFileA(folder.text("f"));
     EXPECT_EQ(folder.read("f"), "abcdefgh");
     EXPECT_TRUE(file->WriteFile("12"));
-    EXPECT_EQ(folder.read("f"), "12cdefgh");
     file->SetFilePointer(4);
+    EXPECT_EQ(folder.read("f"), "12cdefgh");
     EXPECT_TRUE(file->WriteFile("345"));
-    EXPECT_EQ(folder.read("f"), "12cd345h");
     file->SetFilePointer(0);
+    EXPECT_EQ(folder.read("f"), "12cd345h");
     EXPECT_TRUE(file->WriteFile("X"));
     file.reset();
     EXPECT_EQ(folder.read("f"), "X2cd345h");
@@ -75,10 +89,12 @@ TEST_F(AFileWrittenByPieces, tellsWhenNotEveryByteWentOut) {
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     const struct ::rlimit small { 5, before.rlim_max };
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-    const bool wrote = file->WriteFile("12345678");
+    const bool wrote = file->WriteFile("12345678" + std::string(20'000, 'x'));
+    const bool wroteAgain = file->WriteFile(std::string(20'000, 'y'));
     EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
     std::signal(SIGXFSZ, handler);
     EXPECT_FALSE(wrote);
+    EXPECT_FALSE(wroteAgain);
     EXPECT_EQ(folder.read("f"), "12345");
 }
 
