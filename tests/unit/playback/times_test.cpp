@@ -2,6 +2,8 @@
 
 #include "tests/unit/program_fixture.h"
 
+#include "base/numbers.h"
+
 #include "playback/VideoScreen_Form.h"
 #include "playback/miniForm.h"
 
@@ -89,6 +91,20 @@ TEST_F(Times, ForTheLyricAreMinutesAndSecondsRoundedHalfToEven) {
     for (const auto &[ms, text] : rows) {
         at(ms);
         EXPECT_EQ(app.player().get_PositionMMSS(), text) << toUtf8(ms);
+    }
+}
+
+TEST_F(Times, ForTheLyricRoundHalfToEvenAtEveryBoundaryBelowTenMinutes) {
+    const auto text = [](std::int32_t seconds) {
+        return format00(seconds / 60) + u":" + format00(seconds % 60);
+    };
+    for (std::int32_t second = 0; second < 599; ++second) {
+        at(decimal(second * 1000 + 499));
+        EXPECT_EQ(app.player().get_PositionMMSS(), text(second));
+        at(decimal(second * 1000 + 500));
+        EXPECT_EQ(app.player().get_PositionMMSS(), text(second + second % 2)) << second;
+        at(decimal(second * 1000 + 501));
+        EXPECT_EQ(app.player().get_PositionMMSS(), text(second + 1));
     }
 }
 
