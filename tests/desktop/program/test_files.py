@@ -12,8 +12,8 @@ import subprocess
 import sys
 import unittest
 
-from listing import ListTest
-from player import ASK, LIST, TITLE, stairs
+from listing import ListTest, silence
+from player import ASK, LIST, TITLE
 from session import wait_for
 
 
@@ -53,7 +53,7 @@ class Renaming(ListTest):
 
     def test_what_is_behind_the_first_point_is_offered_and_the_number_kept_for_the_eye(self):
         numbered = self.music + "/01.Love Song.wav"
-        stairs(numbered, 1, step=0)
+        silence(numbered)
         self.write_list([numbered])
         player, _, rows = self.start_with_list()
         self.rename(player, rows, 0, None)  # "Love Song" as it is offered
@@ -86,7 +86,7 @@ class Renaming(ListTest):
         self.assertEqual(sorted(os.listdir(self.music)), ["track 0.wav", "track 1.wav"])
 
     def test_a_track_that_plays_goes_on_under_its_new_name(self):
-        stairs(self.tracks[0], 30, step=0)
+        silence(self.tracks[0])
         player, main, rows = self.start_with_list()
         self.click_row(player, rows, 0)
         self.session.key("F2", rows)
@@ -254,7 +254,7 @@ class Deleting(ListTest):
         self.assertFalse(os.path.lexists(self.tracks[0]))
 
     def test_the_track_that_plays_is_closed_and_deleted(self):
-        stairs(self.tracks[0], 30, step=0)
+        silence(self.tracks[0])
         player, main, rows = self.start_with_list()
         self.click_row(player, rows, 0)
         self.session.key("F2", rows)
@@ -284,7 +284,7 @@ class AddingFolders(ListTest):
         for name in ("b.wav", "a 100%.wav", "one/c.wav", "one/two/灯火.wav", "zwei/\"q\".wav"):
             path = f"{root}/{name}"
             os.makedirs(os.path.dirname(path), exist_ok=True)
-            stairs(path, 1, step=0)
+            silence(path)
             found.append(path)
         open(root + "/one/cover.jpg", "w").close()
         return root, found

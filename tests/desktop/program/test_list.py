@@ -9,8 +9,8 @@ import os
 import sys
 import unittest
 
-from listing import LIST_LEFT, LIST_TOP, ROW, ListTest, line_of
-from player import ABOUT, ASK, LIST, TITLE, stairs
+from listing import LIST_LEFT, LIST_TOP, ROW, ListTest, line_of, silence
+from player import ABOUT, ASK, LIST, TITLE
 from session import wait_for
 
 
@@ -83,7 +83,7 @@ class Keys(ListTest):
     def test_f7_adds_one_file_and_never_twice(self):
         player, _, rows = self.start_with_list()
         added = self.music + "/another one.wav"
-        stairs(added, 1, step=0)
+        silence(added)
         for _ in range(2):
             self.click_row(player, rows, 0)
             self.session.key("F7", rows)
@@ -226,7 +226,7 @@ class Dropping(ListTest):
         for name in names:
             paths.append(self.music + "/" + os.fsdecode(name))
             os.makedirs(os.path.dirname(paths[-1]), exist_ok=True)
-            stairs(paths[-1], 1, step=0)
+            silence(paths[-1])
         return paths
 
     def test_files_go_in_at_the_row_each_before_the_last(self):

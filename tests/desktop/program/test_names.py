@@ -11,8 +11,8 @@ import subprocess
 import sys
 import unittest
 
-from listing import ListTest, line_of
-from player import ASK, LIST, stairs
+from listing import ListTest, line_of, silence
+from player import ASK, LIST
 from session import wait_for
 
 HARD = [b"quo\"te's.wav", b"line\nbreak\r.wav", b"back\\slash.wav", b"no \xff\xfe text.wav",
@@ -27,7 +27,7 @@ class HardNames(ListTest):
             os.remove(track)
         self.tracks = [self.music + "/" + os.fsdecode(name) for name in HARD]
         for track in self.tracks:
-            stairs(track, 1, step=0)
+            silence(track)
         self.write_list([line_of(track) for track in self.tracks])
 
     def names(self, folder):
@@ -98,7 +98,7 @@ class EndInTheMiddle(ListTest):
         tracks = []
         for number in range(400):
             tracks.append(f"{self.music}/track {number:03}.wav")
-            stairs(tracks[-1], 0)
+            silence(tracks[-1], 1)
         self.write_list(tracks)
         player, _, rows = self.start_with_list()
         self.click_row(player, rows, 0)
