@@ -33,6 +33,9 @@ def quiet(*command, **options):
 
 
 class Session:
+    screen = "1280x800x24"
+    server_options = ()  # further ones of the display server
+
     def __init__(self, window_manager, sound=True):
         self.home = tempfile.mkdtemp(prefix="velmora-bench-")
         self.runtime = tempfile.mkdtemp(prefix="vb")
@@ -58,8 +61,8 @@ class Session:
     def _display(self):
         reading, writing = os.pipe()
         self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(writing), "-screen", "0", "1280x800x24", "-nolisten", "tcp",
-             "-noreset"],
+            ["Xvfb", "-displayfd", str(writing), "-screen", "0", self.screen, "-nolisten", "tcp",
+             "-noreset", *self.server_options],
             pass_fds=[writing], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(writing)
         number = b""
@@ -227,3 +230,4 @@ class Recorder:
         self.child.kill()
         self.child.wait()
         self.thread.join()
+        self.child.stdout.close()

@@ -52,6 +52,7 @@ LIST = design("src/playlist/playList_Form.form")
 ASK = design("src/playlist/listControl_Form.form")
 SETTINGS = design("src/settings/playSetForm.form")
 ABOUT = design("src/ui/aboutForm.form")
+VIDEO = design("src/playback/VideoScreen_Form.form")
 CHECK = design("src/playback/check_SoundDriver_Form.form")
 LYRIC_SEARCH = design("src/network/search_Lrc_Internet_Form.form")  # the song search is as large
 FORM_SIZES = {tuple(int(side) for side in form["form"][2:4])
@@ -184,9 +185,10 @@ class Player:
 
 class PlayerTest(unittest.TestCase):
     sound = True
+    session_kind = Session
 
     def setUp(self):
-        self.session = Session(window_manager=True, sound=self.sound)
+        self.session = self.session_kind(window_manager=True, sound=self.sound)
         self.addCleanup(self.session.close)
         self.music = self.session.home + "/music"
         os.makedirs(self.music)

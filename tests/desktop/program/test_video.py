@@ -1,0 +1,271 @@
+#!/usr/bin/env python3
+"""Real films in the video window of the real program: what the screen shows and what is heard.
+
+    test_video.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
+"""
+
+import sys
+import unittest
+
+from films import HEIGHT, PICTURE, STRIP, WIDTH, FilmTest, make_film
+from player import stairs
+from session import quiet, wait_for
+
+SCREEN = (1280, 800)
+FULL = (0, 0, 1280, int(800 - STRIP))
+
+KINDS = {
+    "mpeg4.avi": dict(size=(320, 240), video=("mpeg4", "-q:v", "3"), sound=("libmp3lame",)),
+    "mpeg1.mpg": dict(size=(352, 288), video=("mpeg1video", "-q:v", "3"), sound=("mp2",)),
+    "theora.ogv": dict(size=(400, 304), video=("libtheora", "-q:v", "7"), sound=("libvorbis",)),
+    "vp8.webm": dict(size=(640, 480), video=("libvpx", "-deadline", "realtime", "-cpu-used", "8",
+                                             "-b:v", "1M"), sound=("libvorbis",)),
+    "wmv2.wmv": dict(size=(480, 272), video=("wmv2", "-q:v", "3"), sound=("wmav2",)),
+    "flash.flv": dict(size=(320, 180), video=("flv", "-q:v", "3"), sound=("libmp3lame",)),
+    "tiny.mkv": dict(size=(64, 48)),
+    "tall.mp4": dict(size=(240, 640)),
+    "wide.mp4": dict(size=(1920, 200)),
+    "hd.mp4": dict(size=(1920, 1080)),
+    "odd.mkv": dict(size=(334, 222)),
+    "mute.mp4": dict(sound=None),
+}
+
+
+class Kinds(FilmTest):
+    def assert_shown(self, name):
+        make_film(self.film(name), seconds=12, **KINDS[name])
+        player, main, window = self.play_in_window(name)
+        rect = self.whole(player, window)
+        self.assert_stretched(rect)
+        self.assert_moves(rect)
+        x, y = player.place(window)
+        # Nothing of the picture lies over the title row or the strip.
+        for place in ((WIDTH / 8, 10), (WIDTH / 8, HEIGHT - 3), (WIDTH - 5, HEIGHT - 20)):
+            self.assertNotIn(self.session.pixel(x + place[0], y + place[1]),
+                             ((255, 0, 0), (255, 255, 0), (0, 255, 0), (0, 0, 255)))
+        self.assert_button(player, main, True)
+
+
+for kind in KINDS:
+    setattr(Kinds, "test_" + kind.replace(".", "_"),
+            lambda self, name=kind: self.assert_shown(name))
+
+
+class InTheWindow(FilmTest):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        make_film(cls.made + "/short.mp4", seconds=3)
+
+    def full(self, player):
+        window = self.video(player, SCREEN)
+        self.assertTrue(window, "no full screen")
+        # The keys mean full screen once the sound has faded in and the window is on top.
+        self.assertTrue(wait_for(lambda: "ABOVE" in quiet(
+            "xprop", "-id", window, "_NET_WM_STATE", env=self.session.env), 10))
+        return window
+
+    def test_picture_and_sound_go_together(self):
+        recorder = self.recorder()
+        player, _, window = self.play_in_window("film.mp4")
+        rect = self.whole(player, window)
+        self.assert_stretched(rect)
+
+        def together():
+            heard = self.heard_second(recorder)
+            return heard is not None and abs(self.film_time(rect) - heard - 0.5) < 1.0
+        self.assertTrue(wait_for(together, 10), "the picture is not where the sound is")
+
+    def test_enter_stretches_it_over_the_screen_and_the_way_back_keeps_the_last_size(self):
+        player, _, window = self.play_in_window("film.mp4")
+        self.assert_stretched(self.whole(player, window))
+        self.session.key("Return", window)
+        self.full(player)
+        self.assert_stretched(FULL)
+        self.assert_moves(FULL)
+        self.session.key("Return", window)
+        back = self.video(player)
+        self.assertTrue(back, "no way back")
+        x, y = player.place(back)
+        # No command goes to the engine: the picture of the full screen's size is clipped.
+        clipped = (x, y + PICTURE[1], FULL[2], FULL[3])
+        colours = [(0.5, (255, 0, 0)), (1.5, (0, 255, 0)), (2.1, (0, 0, 255))]
+        for column, colour in colours:
+            place = clipped[0] + clipped[2] * column / 4, clipped[1] + clipped[3] * 0.4
+            self.assertTrue(wait_for(lambda: self.session.pixel(*place)[:3] and all(
+                abs(a - b) < 70 for a, b in zip(self.session.pixel(*place), colour)), 5),
+                f"{self.session.pixel(*place)} at {place}")
+        self.session.key("Return", back)
+        self.full(player)
+        self.assert_stretched(FULL)
+        self.assert_moves(FULL)
+
+    def test_a_new_put_stretches_it_in_the_window_again(self):
+        player, main, window = self.play_in_window("film.mp4", "film.mp4")
+        self.session.key("Return", window)
+        self.full(player)
+        self.assert_stretched(FULL)
+        self.session.key("Escape", window)
+        self.assertTrue(self.video(player))
+        self.session.key("F6", self.video(player))
+        fresh = wait_for(lambda: self.stretched_over(
+            self.whole(player, self.video(player) or main)), 10)
+        self.assertTrue(fresh, "the next film is not stretched over the window")
+
+    def test_double_clicks_and_both_buttons_go_there_and_back(self):
+        player, _, window = self.play_in_window("film.mp4")
+        self.assert_stretched(self.whole(player, window))
+        ways = {"the picture": (300, 200), "the strip": (330, HEIGHT - 12),
+                "the title's button": (660, 13), "the strip's button": None}
+        for name, place in ways.items():
+            with self.subTest(way=name):
+                if place is None:
+                    left = self.strip_button(player, window)
+                    player.click_at(window, left, HEIGHT - 20)
+                else:
+                    times = 2 if "button" not in name else 1
+                    player.click_at(window, *place, times=times)
+                full = self.full(player)
+                self.assert_stretched(FULL)
+
+                # While the sound still fades in, a double click means full screen once more.
+                def back():
+                    player.click_at(full, 600, 300, times=2)
+                    return self.video(player, seconds=1.5)
+                window = wait_for(back, 10)
+                self.assertTrue(window, "no way back")
+
+    def strip_button(self, player, window):
+        # Clock, volume bar and its image stand behind it, 100 twips apart.
+        return WIDTH - (100 + 2400 + 100 + 1600 + 100 + 390 + 100 + 195) / 15
+
+    def test_esc_leaves_full_screen_then_hides_and_the_sound_goes_on(self):
+        recorder = self.recorder()
+        player, main, window = self.play_in_window("film.mp4")
+        self.session.key("Return", window)
+        full = self.full(player)
+        self.assert_stretched(FULL)
+        self.session.key("Escape", full)
+        window = self.video(player)
+        self.assertTrue(window, "the first Esc hides the window")
+        self.session.key("Escape", window)
+        self.assertTrue(player.gone(window), "the second Esc does not hide it")
+        self.assertIsNone(player.child.poll(), "the program has ended")
+        before = self.heard_second(recorder)
+        self.assertTrue(wait_for(lambda: (self.heard_second(recorder) or 0) > before + 1.5, 10),
+                        "the sound does not go on")
+
+    def test_close_keeps_the_sound_and_the_button_brings_the_picture_back(self):
+        recorder = self.recorder()
+        player, main, window = self.play_in_window("film.mp4")
+        rect = self.whole(player, window)
+        self.assert_stretched(rect)
+        before = self.film_time(rect)
+        player.click_at(window, 712, 13)  # close
+        self.assertTrue(player.gone(window))
+        second = self.heard_second(recorder)
+        self.assertTrue(wait_for(lambda: (self.heard_second(recorder) or 0) > second + 1.5, 10),
+                        "the sound does not go on")
+        player.click(main, "videoScreen_Button")
+        window = self.video(player)
+        self.assertTrue(window, "the button does not bring it back")
+        rect = self.whole(player, window)
+        self.assert_stretched(rect)
+        self.assert_moves(rect)
+        self.assertGreater(self.film_time(rect), before + 1.5)
+        self.session.key("F11", main)
+        self.assertTrue(player.gone(window), "F11 does not hide it")
+        self.session.key("F11", main)
+        self.assertTrue(self.video(player), "F11 does not show it")
+
+    def test_space_holds_the_picture_and_lets_it_go_on(self):
+        recorder = self.recorder()
+        player, _, window = self.play_in_window("film.mp4")
+        rect = self.whole(player, window)
+        self.assert_stretched(rect)
+        self.assertIsNotNone(self.heard_second(recorder))
+        self.session.key("space", window)
+        self.assert_still(rect)
+        self.session.key("space", window)
+        self.assert_moves(rect)
+
+    def test_a_click_on_its_seek_bar_moves_picture_and_sound(self):
+        recorder = self.recorder()
+        player, _, window = self.play_in_window("film.mp4")
+        rect = self.whole(player, window)
+        self.assert_stretched(rect)
+        player.click_at(window, WIDTH / 2, HEIGHT - STRIP + 10)
+        self.assertTrue(wait_for(lambda: 13 < (self.film_time(rect) or 0) < 18, 8),
+                        f"the picture is at {self.film_time(rect)}")
+        self.assertTrue(wait_for(lambda: 13 < (self.heard_second(recorder) or 0) < 20, 8))
+
+    def test_the_film_after_a_film_in_full_screen_comes_up_in_full_screen(self):
+        player, main, window = self.play_in_window("short.mp4", "film.mp4")
+        self.session.key("Return", window)
+        self.full(player)
+        self.assertTrue(wait_for(lambda: "film" in player.title(main) and
+                                 "short" not in player.title(main), 15), "no next film")
+        self.full(player)
+        self.assertTrue(wait_for(lambda: (self.mark(FULL) or 1) < 0.4, 10),
+                        "the next film is not seen")
+        self.assert_stretched(FULL)
+        self.assert_moves(FULL)
+        self.assertIsNone(self.video(player, seconds=0.5), "a small window as well")
+
+    def test_stop_takes_the_window_away_and_play_brings_it_back(self):
+        player, main, window = self.play_in_window("film.mp4")
+        self.session.key("F4", window)
+        self.assertTrue(player.gone(window))
+        self.assert_button(player, main, False)
+        self.session.key("F2", main)
+        window = self.video(player)
+        self.assertTrue(window)
+        self.assert_stretched(self.whole(player, window))
+
+    def test_a_sound_file_behind_a_film_hides_window_and_button(self):
+        stairs(self.film("sound.wav"), 10, step=0)
+        player, main, window = self.play_in_window("film.mp4", "sound.wav")
+        self.session.key("F6", window)
+        self.assert_title(player, main, "sound")
+        self.assertTrue(player.gone(window))
+        self.assertIsNone(self.video(player, seconds=0.5))
+        self.assert_button(player, main, False)
+
+    def test_a_drag_takes_the_picture_along_and_leaves_the_main_window(self):
+        player, main, window = self.play_in_window("film.mp4")
+        self.assert_stretched(self.whole(player, window))
+        before, main_before = player.place(window), player.place(main)
+        player.tool("mousemove", *player.point(window, 60, 13))
+        player.tool("mousedown", 1)
+        for _ in range(10):
+            player.tool("mousemove_relative", "--", 10, 5)
+        self.assertTrue(wait_for(lambda: player.place(window) != before, 5))
+        player.tool("mouseup", 1)
+        rect = self.whole(player, window)
+        self.assert_stretched(rect)
+        self.assert_moves(rect)
+        self.assertEqual(player.place(main), main_before)
+
+
+class TheEnginesWindow(FilmTest):
+    interface = "0"
+
+    def test_it_has_the_films_size_and_closing_it_keeps_the_sound(self):
+        recorder = self.recorder()
+        player, main = self.play("film.mp4")
+        window = self.video(player, (640, 360))
+        self.assertTrue(window, "the engine opens no window")
+        rect = (*player.place(window), 640, 360)
+        self.assert_stretched(rect)
+        self.assert_moves(rect)
+        self.assertIsNone(self.video(player, seconds=0.5), "the program's own window as well")
+        player.tool("windowclose", window)
+        self.assertTrue(player.gone(window))
+        before = self.heard_second(recorder)
+        self.assertTrue(wait_for(lambda: (self.heard_second(recorder) or 0) > before + 1.5, 10),
+                        "the sound does not go on")
+        self.assertIsNone(player.child.poll())
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
