@@ -45,7 +45,8 @@ class HardNames(ListTest):
         self.assertTrue(wait_for(lambda: sorted(self.list_lines()) ==
                                  sorted(line_of(track) for track in self.tracks), 15),
                         self.list_lines())
-        self.assertEqual(self.rows_shown(player, rows), len(HARD))
+        self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == len(HARD), 10),
+                        "not all rows are shown")
         self.assert_a_reload_changes_nothing(player, rows)
 
     def test_each_is_copied_under_its_own_name(self):
