@@ -18,6 +18,7 @@ void lrcForm::load() {
     passOver([this] { app_.formSet().set_ColourKey(*this); });
     passOver([this] { app_.formSet().keep_Topmost(); });
     Timer1.onTimer = [this] { tick(); };
+    windows().onScreensChanged = [this] { passOver([this] { position(); }); };
     // The window stays for the whole run.
     on().QueryUnload = [](bool &cancel) { cancel = true; };
 }
@@ -71,6 +72,7 @@ void lrcForm::position() {
         (rules.work_Area.bottom - rules.work_Area.top) * rules.twips_Per_Pixel - rules.tray_Height);
     move({0, floor - high, windows().screenWidth(), high});
     lrc_Text.move({0, 0, width(), high});
+    isCentred_ = false; // a narrower window may be too narrow for the line
     hide();
     show();
     rules.set_Topmost(hWnd(), true);

@@ -135,6 +135,9 @@ public:
     virtual Twips screenWidth() = 0;
     virtual Twips screenHeight() = 0;
     virtual bool GetCursorPos(PointPixels &position) = 0;
+    // Called from the loop after the screens changed: which of them is the primary one, its size or
+    // scale, or what panels leave free of it. Empty for nobody.
+    std::function<void()> onScreensChanged;
 
     // --- boxes and menus -------------------------------------------------------------------------
     // Application-modal; timers go on. The first button is the default. Yes/No cannot be escaped.

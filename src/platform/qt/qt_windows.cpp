@@ -11,6 +11,7 @@
 #include "platform/qt/message_box.h"
 #include "platform/qt/picture_painter.h"
 #include "platform/qt/popup_menu.h"
+#include "platform/qt/screen_watch.h"
 #include "platform/qt/screens.h"
 #include "platform/qt/session_end.h"
 #include "platform/qt/text_convert.h"
@@ -55,6 +56,7 @@ struct QtWindowSystem::Parts {
     qt::Tray tray;
     qt::EdgeSensor sensor;
     std::unique_ptr<qt::SessionEnd> sessionEnd;
+    std::unique_ptr<qt::ScreenWatch> screenWatch;
 };
 
 std::unique_ptr<QtWindowSystem> QtWindowSystem::make(const QtOptions &options) {
@@ -70,6 +72,11 @@ QtWindowSystem::QtWindowSystem(std::unique_ptr<Parts> parts) : parts_(std::move(
         const qt::Loop::Handler handler(parts_->hub.loop);
         if (onSessionEnd)
             onSessionEnd();
+    });
+    parts_->screenWatch = std::make_unique<qt::ScreenWatch>([this] {
+        const qt::Loop::Handler handler(parts_->hub.loop);
+        if (onScreensChanged)
+            onScreensChanged();
     });
 }
 

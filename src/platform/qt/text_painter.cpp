@@ -15,7 +15,7 @@ constexpr QRgb rimColour = 0xE60A0C10;
 constexpr double largeEm = 24; // from here on glyphs are widened by their outline
 constexpr double boldShare = 1.0 / 20;
 
-double rimWidth(double em) { return std::clamp(em / 14, 1.25, 4.0); }
+double rimWidth(double em) { return std::clamp(em / 22, 1.0, 4.0); }
 
 QPainterPath outlineOf(const QGlyphRun &run) {
     QPainterPath path;

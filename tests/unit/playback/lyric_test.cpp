@@ -195,6 +195,29 @@ TEST_F(DesktopLine, IsHiddenAndShownAgainWhenItIsPlaced) {
     EXPECT_EQ(windows.shown, std::vector<std::string>{"lrcForm"});
 }
 
+TEST_F(DesktopLine, IsPlacedAgainWhenTheScreensChange) {
+    form().position();
+    windows.screen = {800, 600};
+    windows.workArea = {0, 0, 800, 570};
+    windows.taskBar = {0, 570, 800, 600};
+    windows.onScreensChanged();
+    const Twips high = form().lrc_Text.height();
+    EXPECT_EQ(form().place(), (RectTwips{0, 570 * 15 - 30 - high, 800 * 15, high}));
+    EXPECT_TRUE(form().visible());
+}
+
+TEST_F(DesktopLine, ThatNoLongerFitsANarrowerScreenRolls) {
+    form().position();
+    const std::u16string line(40, u'w');
+    showLine(line);
+    ASSERT_EQ(form().lrc_Text.alignment(), forms::Alignment::Centre);
+    windows.screen = {320, 240};
+    windows.onScreensChanged();
+    showLine(line);
+    EXPECT_EQ(form().lrc_Text.alignment(), forms::Alignment::Left);
+    EXPECT_EQ(form().lrc_Text.left(), -150);
+}
+
 TEST_F(DesktopLine, HasTheKeyColourAndStaysOnTopFromItsLoading) {
     EXPECT_TRUE(form().layered());
     EXPECT_EQ(form().windowKey(), keyColour);

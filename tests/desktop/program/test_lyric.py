@@ -1,0 +1,234 @@
+#!/usr/bin/env python3
+"""The lyric on the desktop: what of it is there, where, above what, and how it moves.
+
+    test_lyric.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
+"""
+
+import re
+import subprocess
+import sys
+import unittest
+
+from player import PlayerTest, Stranger, stairs
+from session import quiet, wait_for
+
+WIDTH, HEIGHT = 1280, 800
+GROUND = (0x20, 0x60, 0xA0)
+
+
+class Picture:
+    """A part of the screen in colour."""
+
+    def __init__(self, session, x, y, width, height):
+        self.width, self.height = width, height
+        self.data = subprocess.run(
+            ["import", "-silent", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}",
+             "-depth", "8", "rgb:-"], env=session.env, stdout=subprocess.PIPE,
+            stderr=subprocess.DEVNULL, check=False).stdout
+
+    def at(self, x, y):
+        start = 3 * (y * self.width + x)
+        return tuple(self.data[start:start + 3])
+
+    def differing(self, colour):
+        """The places that are not of this colour."""
+        wanted = bytes(colour)
+        found = []
+        for y in range(self.height):
+            row = self.data[3 * y * self.width:3 * (y + 1) * self.width]
+            if row == wanted * self.width:
+                continue
+            found += [(x, y) for x in range(self.width) if row[3 * x:3 * x + 3] != wanted]
+        return found
+
+
+class LyricTest(PlayerTest):
+    compositor = False
+
+    def setUp(self):
+        super().setUp()
+        quiet("hsetroot", "-solid", "#%02x%02x%02x" % GROUND, env=self.session.env)
+        if self.compositor:
+            self.session.spawn(["picom", "--backend", "xrender", "--config", "/dev/null"])
+            self.assertTrue(wait_for(lambda: quiet("xdotool", "search", "--class", "picom",
+                                                   env=self.session.env), 15))
+        self.track = self.music + "/song.wav"
+        stairs(self.track, 60, level=0.05, step=0)
+        self.write_list([self.track])
+
+    def sing(self, *lines):
+        """Plays the track with this lyric, the desktop line switched on."""
+        with open(self.music + "/song.lrc", "w", newline="", encoding="utf-8") as file:
+            file.write("".join(line + "\r\n" for line in lines))
+        player, main = self.start()
+        empty = player.look(main, "lrcBox")
+        self.session.key("F6", main)
+        self.assert_title(player, main, "song")
+        self.assertTrue(wait_for(lambda: player.look(main, "lrcBox") != empty, 20),
+                        "no lyric in the main window")
+        player.click(main, "desktop_Lrc")
+        self.assertTrue(self.strip(player), "the desktop line has no window")
+        return player, main
+
+    def strip(self, player, seconds=10):
+        """The window of the desktop line."""
+        return wait_for(lambda: next((number for number in player.windows()
+                                      if player.size(number)[0] == self.screen()[0]), None), seconds)
+
+    def screen(self):
+        told = quiet("xdotool", "getdisplaygeometry", env=self.session.env).split()
+        return int(told[0]), int(told[1])
+
+    def look(self, player):
+        line = self.strip(player)
+        x, y = player.place(line)
+        return Picture(self.session, x, y, *player.size(line))
+
+    def letters(self, player, ground=GROUND, seconds=10):
+        """Where the screen shows something else than the ground, once it does."""
+        return wait_for(lambda: self.look(player).differing(ground), seconds)
+
+
+    def letter_and_gap(self, player):
+        """A place on the screen in the heart of a letter, and one between two letters."""
+        line = self.strip(player)
+        letters = set(self.letters(player))
+        around = [(x, y) for x in range(-3, 4) for y in range(-3, 4)]
+        heart = next((x, y) for x, y in sorted(letters)
+                     if self.look(player).at(x, y) == self.colour(player)
+                     and all((x + dx, y) in letters for dx in (-1, 0, 1)))
+        left, right = min(x for x, _ in letters), max(x for x, _ in letters)
+        gap = next((x, y) for y in range(10, player.size(line)[1] - 10)
+                   for x in range(left + 20, right - 20)
+                   if all((x + dx, y + dy) not in letters for dx, dy in around))
+        return player.point(line, *heart), player.point(line, *gap)
+
+    def colour(self, player):
+        """What most pixels of the letters are."""
+        picture = self.look(player)
+        seen = {}
+        for x, y in self.letters(player):
+            seen[picture.at(x, y)] = seen.get(picture.at(x, y), 0) + 1
+        return max(seen, key=seen.get)
+
+
+class Standing(LyricTest):
+    """A line that fits."""
+
+    LINE = "[00:00.00]Letters on the desktop"
+
+    def test_only_its_letters_are_there(self):
+        player, _ = self.sing(self.LINE)
+        letters = self.letters(player)
+        picture = self.look(player)
+        self.assertEqual(player.place(self.strip(player)), (0, HEIGHT - picture.height))
+        share = len(letters) / (picture.width * picture.height)
+        self.assertTrue(0.02 < share < 0.5, share)
+        # In the middle of the screen, and rimmed: its edge is dark, its heart bright.
+        left, right = min(x for x, _ in letters), max(x for x, _ in letters)
+        self.assertLess(abs((left + right) / 2 - WIDTH / 2), 20)
+        tones = {max(picture.at(x, y)) for x, y in letters}
+        self.assertTrue(min(tones) < 0x30 and max(tones) > 0xC0, sorted(tones))
+        smooth = len({picture.at(x, y) for x, y in letters if (x - 1, y) not in letters})
+        if self.compositor:
+            self.assertGreater(smooth, 30, "its edge is not smooth")
+
+    def test_it_is_gone_when_switched_off_and_comes_back(self):
+        player, main = self.sing(self.LINE)
+        self.assertTrue(self.letters(player))
+        player.click(main, "desktop_Lrc")
+        self.assertTrue(wait_for(lambda: not self.look(player).differing(GROUND), 10),
+                        "letters stay behind")
+        player.click(main, "desktop_Lrc")
+        self.assertTrue(self.letters(player))
+
+    def test_a_click_between_letters_reaches_the_window_below_and_one_on_a_letter_does_not(self):
+        player, _ = self.sing(self.LINE)
+        heart, gap = self.letter_and_gap(player)
+        stranger = Stranger(self.session, 100, 500, 1080, 280)
+        self.assertTrue(stranger.window)
+        for place in (heart, gap):
+            player.tool("mousemove", *place)
+            player.tool("click", 1)
+        self.assertTrue(wait_for(stranger.presses, 5), "the click is held back")
+        self.assertEqual(stranger.presses(), [gap])
+
+    def assert_still_there(self, player, places, colour):
+        def there():
+            picture = self.look(player)
+            return all(picture.at(x, y) == colour for x, y in places)
+        self.assertTrue(wait_for(there, 5), "something covers the letters")
+
+    def hearts(self, player):
+        colour = self.colour(player)
+        picture = self.look(player)
+        return [(x, y) for x, y in self.letters(player) if picture.at(x, y) == colour], colour
+
+    def test_it_stays_above_a_window_that_opens_and_one_that_is_raised(self):
+        player, main = self.sing(self.LINE)
+        places, colour = self.hearts(player)
+        strangers = [Stranger(self.session, 50 * number, 400, 1100, 390) for number in (1, 2)]
+        self.assertTrue(all(stranger.window for stranger in strangers))
+        self.assert_still_there(player, places, colour)
+        for window in (main, *strangers[0].window.split()):
+            player.tool("windowactivate", "--sync", window)
+            self.assert_still_there(player, places, colour)
+        quiet("wmctrl", "-i", "-r", strangers[0].window.split()[0], "-b", "add,fullscreen",
+              env=self.session.env)
+        self.assert_still_there(player, places, colour)
+
+    def test_it_is_on_every_workspace_and_out_of_the_task_list(self):
+        player, main = self.sing(self.LINE)
+        places, colour = self.hearts(player)
+        listed = quiet("xprop", "-root", "_NET_CLIENT_LIST", env=self.session.env)
+        numbers = [int(number, 16) for number in re.findall(r"0x[0-9a-f]+", listed)]
+        self.assertIn(int(main), numbers)
+        self.assertNotIn(int(self.strip(player)), numbers)
+        for workspace in ("1", "2", "0"):
+            quiet("wmctrl", "-s", workspace, env=self.session.env)
+            self.assertTrue(wait_for(lambda: f"= {workspace}" in quiet(
+                "xprop", "-root", "_NET_CURRENT_DESKTOP", env=self.session.env), 5))
+            self.assert_still_there(player, places, colour)
+
+    def resize(self, width, height):
+        env = self.session.env
+        name = f"{width}x{height}"
+        quiet("xrandr", "--newmode", name, "65", *[str(width + more) for more in (0, 24, 160, 320)],
+              *[str(height + more) for more in (0, 3, 9, 38)], env=env)
+        quiet("xrandr", "--addmode", "screen", name, env=env)
+        quiet("xrandr", "--output", "screen", "--mode", name, env=env)
+        self.assertTrue(wait_for(lambda: self.screen() == (width, height), 5))
+
+    def test_it_is_placed_again_when_the_resolution_changes(self):
+        player, _ = self.sing(self.LINE)
+        line = self.strip(player)
+        high = player.size(line)[1]
+        for width, height in ((1024, 768), (800, 600), (1280, 800)):
+            self.resize(width, height)
+            self.assertTrue(wait_for(lambda: player.size(line) == (width, high) and
+                                     player.place(line) == (0, height - high), 10),
+                            f"{player.geometry(line)} on a screen of {width}x{height}")
+            letters = self.letters(player)
+            middle = (min(x for x, _ in letters) + max(x for x, _ in letters)) / 2
+            self.assertLess(abs(middle - width / 2), 20)
+
+    def test_it_moves_up_when_a_panel_comes(self):
+        player, _ = self.sing(self.LINE)
+        line = self.strip(player)
+        high = player.size(line)[1]
+        panel = self.session.spawn(["trayer", "--edge", "bottom", "--widthtype", "percent",
+                                    "--width", "100", "--heighttype", "pixel", "--height", "30",
+                                    "--SetDockType", "true", "--SetPartialStrut", "true"])
+        # The panel's height counts in twips as if it were pixels: 30 of them are two pixels.
+        self.assertTrue(wait_for(lambda: player.place(line) == (0, HEIGHT - 30 - 2 - high), 10),
+                        player.geometry(line))
+        self.session.stop(panel)
+        self.assertTrue(wait_for(lambda: player.place(line) == (0, HEIGHT - high), 10))
+
+
+class StandingComposited(Standing):
+    compositor = True
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
