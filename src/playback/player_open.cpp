@@ -133,15 +133,17 @@ void player::openFile(std::u16string path, std::int16_t &result) {
 void player::readTitle() {
     velmora::another_PlayInfo_Form &tag = app_.another_PlayInfo_Form();
     velmora::playInfo_Form &info = app_.playInfo_Form();
-    bool tagged = app_.playerInfo().readId3v1(nowPlay_File);
-    if (tagged) {
-        tagged =
-            !(tag.playInfo_AlbumText.text().empty() && tag.playInfo_ArtistText.text().empty() &&
-              tag.playInfo_CommentText.text().empty() && tag.playInfo_GenreText.text().empty() &&
-              tag.playInfo_TitleText.text().empty() && tag.playInfo_YearText.text().empty());
+    const bool found = app_.playerInfo().readId3v1(nowPlay_File);
+    const bool filled =
+        found &&
+        !(tag.playInfo_AlbumText.text().empty() && tag.playInfo_ArtistText.text().empty() &&
+          tag.playInfo_CommentText.text().empty() && tag.playInfo_GenreText.text().empty() &&
+          tag.playInfo_TitleText.text().empty() && tag.playInfo_YearText.text().empty());
+    // A tag of blanks leaves the button as it was.
+    if (filled || !found) {
+        info.anotherInfo_Button.setEnabled(filled);
     }
-    info.anotherInfo_Button.setEnabled(tagged);
-    if (tagged) {
+    if (filled) {
         const std::u16string &artist = tag.playInfo_ArtistText.text();
         const std::u16string &title = tag.playInfo_TitleText.text();
         if (!artist.empty() && !title.empty()) {
@@ -151,8 +153,9 @@ void player::readTitle() {
         } else if (!artist.empty()) {
             nowPlay_Title = artist + u" -- No Title";
         }
-    } else {
-        tag.hide();
+    } else if (tag.visible()) {
+        // As its own button does it: the window behind waits for it, disabled.
+        tag.close_Click();
     }
     const forms::ListBox &list = app_.playList_Form().playList_Item;
     if (list.listCount() > 0 && list.selCount() > 0) {

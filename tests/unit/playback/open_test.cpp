@@ -45,6 +45,28 @@ TEST_F(Opening, AddsNoWindowClauseForADeviceWithoutPictures) {
     EXPECT_EQ(media.actions()[1], u"open /music/a.mid type Sequencer alias NOWMUSIC");
 }
 
+TEST_F(Opening, AddsTheClauseOfTheEnginesOwnWindowForBothDevicesWithPictures) {
+    app.player().open_File(addTrack(u"/music/a.wmx"));
+    EXPECT_EQ(media.actions()[1], u"open /music/a.wmx type MPEGVideo2 alias NOWMUSIC style child ");
+}
+
+TEST_F(Opening, AddsNoClauseAndPutsNothingForAnUnknownKindOfWindow) {
+    app.setControl().VideoInterface = 2;
+    app.player().open_File(addTrack(u"/music/a.avi"));
+    EXPECT_EQ(
+        media.texts(),
+        (Texts{closeCommand, u"open /music/a.avi type MPEGVideo alias NOWMUSIC", timeFormat}));
+}
+
+TEST_F(Opening, SelectsTheRowAheadOfTheTitleThatNamesIt) {
+    addRow(u"/music/a.mp3");
+    addRow(u"/music/b.mp3");
+    app.playList_Form().playList_Item.setSelected(0, true);
+    app.player().open_File(u"/music/b.mp3");
+    EXPECT_EQ(app.player().nowPlay_Title, u"〖2/2〗 b");
+    EXPECT_FALSE(app.playList_Form().playList_Item.selected(0));
+}
+
 TEST_F(Opening, OfAMissingFileLeavesTheOldMediumOpen) {
     openAndPlay(addTrack(u"/music/a.mp3"));
     const auto title = app.player().nowPlay_Title;

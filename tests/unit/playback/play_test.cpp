@@ -139,6 +139,15 @@ TEST_F(Playing, EnablesTheLyricTickOnlyAfterTheFade) {
     EXPECT_FALSE(duringFade);
 }
 
+TEST_F(Playing, LooksForTheLyricOnlyAfterTheFade) {
+    files.addFile(u"/music/a.lrc", "[00:01.00]line");
+    int duringFade = -1;
+    windows.atNextPump([&] { duringFade = app.lrcForm().List1.listCount(); });
+    app.player().play_Sub();
+    EXPECT_EQ(duringFade, 0);
+    EXPECT_EQ(app.lrcForm().List1.listCount(), 1);
+}
+
 TEST_F(Playing, EndsWithoutATimerFromTheSystemAtOnce) {
     fake.waitableTimers.creationFails = true;
     EXPECT_EQ(app.player().play_Sub(), 0);

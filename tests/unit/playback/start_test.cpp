@@ -6,6 +6,8 @@
 
 #include "lyrics/lrcForm.h"
 #include "playback/MenuForm.h"
+#include "playlist/another_PlayInfo_Form.h"
+#include "playlist/playerInfo.h"
 #include "settings/playSetForm.h"
 #include "ui/formSet.h"
 
@@ -169,6 +171,41 @@ TEST_F(Start, PutsTheTitleIntoBothPreviews) {
     app.start();
     EXPECT_EQ(app.playSetForm().desktop_Lrc_Preview.text(), appTitle());
     EXPECT_EQ(app.playSetForm().other_Lrc_Preview.text(), appTitle());
+}
+
+TEST_F(Start, BuildsTheTableOfGenresThatTagsAreReadWith) {
+    app.start();
+    std::string tag(128, ' ');
+    tag.replace(0, 3, "TAG");
+    tag[127] = 18;
+    files.addFile(u"/m/tagged.mp3", tag);
+    EXPECT_TRUE(app.playerInfo().readId3v1(u"/m/tagged.mp3"));
+    EXPECT_EQ(app.another_PlayInfo_Form().playInfo_GenreText.text(), u"Rock");
+}
+
+TEST_F(Start, DressesTheVideoWindowThatTheClosingOfALostFileLetGo) {
+    savedList({u"/m/a.mp3"});
+    lastPlayed(u"/missing disk/b.mp3");
+    app.start();
+    EXPECT_TRUE(app.videoScreenLoaded());
+}
+
+TEST_F(Start, LeavesTheVariablesOfTheSettingsWindowToIt) {
+    set(u"Language", u"1");
+    app.start();
+    EXPECT_EQ(app.setControl().Language_Index, 1);
+    EXPECT_EQ(app.setControl().Language, 0);
+}
+
+TEST_F(Start, KeepsMainDisabledUntilTheListIsThere) {
+    savedList({u"/m/a.mp3"});
+    std::vector<bool> enabled;
+    windows.onPump = [&] { enabled.push_back(app.Main().enabled()); };
+    app.start();
+    windows.onPump = {};
+    ASSERT_FALSE(enabled.empty());
+    EXPECT_THAT(enabled, testing::Each(false));
+    EXPECT_TRUE(app.Main().enabled());
 }
 
 TEST_F(Start, ReadsTheScreen) {

@@ -59,12 +59,15 @@ TEST_F(Title, StaysTheStemForATagWithNeither) {
     EXPECT_TRUE(app.playInfo_Form().anotherInfo_Button.enabled());
 }
 
-TEST_F(Title, OfAnEmptyTagHidesTheTagsWindowAndItsButton) {
-    app.another_PlayInfo_Form().show();
-    app.playInfo_Form().anotherInfo_Button.setEnabled(true);
-    open({});
-    EXPECT_FALSE(app.another_PlayInfo_Form().visible());
-    EXPECT_FALSE(app.playInfo_Form().anotherInfo_Button.enabled());
+TEST_F(Title, OfATagOfBlanksHidesTheTagsWindowAndLeavesItsButtonAsItWas) {
+    for (const bool before : {true, false}) {
+        app.another_PlayInfo_Form().show();
+        app.playInfo_Form().anotherInfo_Button.setEnabled(before);
+        open({});
+        EXPECT_FALSE(app.another_PlayInfo_Form().visible());
+        EXPECT_EQ(app.playInfo_Form().anotherInfo_Button.enabled(), before);
+        EXPECT_EQ(app.player().nowPlay_Title, u"file");
+    }
 }
 
 TEST_F(Title, OfAFileWithoutATagHidesTheTagsWindowAndItsButton) {
@@ -73,6 +76,35 @@ TEST_F(Title, OfAFileWithoutATagHidesTheTagsWindowAndItsButton) {
     app.player().open_File(addTrack(u"/music/plain.mp3"));
     EXPECT_FALSE(app.another_PlayInfo_Form().visible());
     EXPECT_FALSE(app.playInfo_Form().anotherInfo_Button.enabled());
+}
+
+TEST_F(Title, OfAFileWithoutATagGivesBackTheWindowThatWaitsForTheTags) {
+    app.playInfo_Form().show();
+    app.playInfo_Form().anotherInfo_Button_Click();
+    ASSERT_FALSE(app.playInfo_Form().enabled());
+    app.player().open_File(addTrack(u"/music/plain.mp3"));
+    EXPECT_FALSE(app.another_PlayInfo_Form().visible());
+    EXPECT_TRUE(app.playInfo_Form().enabled());
+}
+
+TEST_F(Title, OfATaggedFileKeepsTheTagsWindowOpen) {
+    app.playInfo_Form().anotherInfo_Button_Click();
+    open({.title = "Song"});
+    EXPECT_TRUE(app.another_PlayInfo_Form().visible());
+    EXPECT_FALSE(app.playInfo_Form().enabled());
+}
+
+TEST_F(Title, OfATagOfBlanksIsNotMadeFromTheTagBefore) {
+    open({.title = "Song", .artist = "Band"});
+    open({});
+    EXPECT_EQ(app.player().nowPlay_Title, u"file");
+}
+
+TEST_F(Title, OfAFileWithoutATagIsTheStemThoughTheOldTagStaysInTheBoxes) {
+    open({.title = "Song", .artist = "Band"});
+    app.player().open_File(addTrack(u"/music/plain.mp3"));
+    EXPECT_EQ(app.player().nowPlay_Title, u"plain");
+    EXPECT_EQ(app.another_PlayInfo_Form().playInfo_TitleText.text(), u"Song");
 }
 
 TEST_F(Title, OfATagWithOneFilledFieldEnablesTheButton) {
