@@ -12,6 +12,7 @@
 #include "platform/windows.h"
 #include "playback/VideoScreen_Form.h"
 #include "playback/check_SoundDriver_Form.h"
+#include "playback/list_button.h"
 #include "playback/miniForm.h"
 #include "playback/player.h"
 #include "playback/startLoad_Form.h"
@@ -25,12 +26,6 @@
 #include "velmora.h"
 
 namespace velmora {
-
-namespace {
-
-constexpr std::int16_t yes = -1;
-
-} // namespace
 
 Main::Main(Velmora &app) : Main_Design(app.platform().windows), app_(app) {}
 
@@ -127,7 +122,7 @@ void Main::closeButton_Click() { app_.startLoad_Form().unload(); }
 void Main::minimizeButton_Click() {
     app_.playList_Form().hide();
     app_.formSet().dock_PlayList(false);
-    playList_Shown = 0;
+    markListShown(*this, false);
     setWindowState(forms::WindowState::Minimised);
 }
 
@@ -144,11 +139,11 @@ void Main::playListButton_Click() {
     if (list.visible()) {
         app_.formSet().dock_PlayList(false);
         list.hide();
-        playList_Shown = 0;
+        markListShown(*this, false);
     } else {
         list.show();
         app_.formSet().dock_PlayList(true);
-        playList_Shown = yes;
+        markListShown(*this, true);
     }
 }
 

@@ -7,6 +7,7 @@
 #include "playback/MenuForm.h"
 #include "playback/bars.h"
 #include "playback/display.h"
+#include "playback/list_button.h"
 #include "playback/startLoad_Form.h"
 #include "playlist/playList_Form.h"
 #include "playlist/saveOrOpenFile.h"
@@ -109,6 +110,7 @@ void miniForm::mini_Button_Click() {
     if (app_.Main().playList_Shown != 0) {
         app_.playList_Form().show();
         app_.formSet().dock_PlayList(true);
+        markListShown(app_.Main(), true);
     }
 }
 

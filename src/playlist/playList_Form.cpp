@@ -1,6 +1,7 @@
 #include "playlist/playList_Form.h"
 
 #include "playback/Main.h"
+#include "playback/list_button.h"
 #include "playlist/saveOrOpenFile.h"
 #include "ui/formSet.h"
 #include "velmora.h"
@@ -37,7 +38,7 @@ void playList_Form::afresh_Load_Click() { app_.saveOrOpenFile().loadPlayList(); 
 
 void playList_Form::close_Click() {
     hide();
-    app_.Main().playList_Shown = 0;
+    markListShown(app_.Main(), false);
     app_.formSet().dock_PlayList(false);
 }
 

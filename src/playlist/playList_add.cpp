@@ -113,8 +113,12 @@ void playList_Form::takeFile(const std::u16string &path) {
     }
 }
 
+// A long operation keeps the buttons of the main window still as well, and so its menu.
 void playList_Form::addDir_Click() {
-    std::optional<RunTimeError> pending = trapped([this] { controlEnabled(false); });
+    std::optional<RunTimeError> pending = trapped([this] {
+        controlEnabled(false);
+        app_.Main().meActiveControl_Enabled(false);
+    });
     std::u16string folder;
     const auto early = trapped([&] {
         folder = app_.myCommondialog().browse_Folder(hWnd(), app_.Language().msg_Select_Folder);
@@ -144,6 +148,7 @@ void playList_Form::addDir_Click() {
     hideProgress();
     showError(pending, app_.Main().title.caption());
     app_.saveOrOpenFile().savePlayList();
+    app_.Main().meActiveControl_Enabled(true);
     controlEnabled(true);
 }
 
@@ -206,6 +211,7 @@ void playList_Form::append(const std::u16string &path) {
 void playList_Form::filesDropped(const std::vector<std::u16string> &paths, Twips y) {
     const auto error = trapped([&] {
         controlEnabled(false);
+        app_.Main().meActiveControl_Enabled(false);
         waitAdd.setVisible(true);
         for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
             playList_Item.setSelected(row, false);
@@ -218,6 +224,7 @@ void playList_Form::filesDropped(const std::vector<std::u16string> &paths, Twips
     hideProgress();
     showError(error, app_.Main().title.caption());
     app_.saveOrOpenFile().savePlayList();
+    app_.Main().meActiveControl_Enabled(true);
     controlEnabled(true);
 }
 

@@ -77,7 +77,7 @@ void playList_Form::setScrollHandlers() {
                     [this] { return visibleRows; });
 }
 
-// The list and the main window move as one.
+// The list and the main window move as one. The menu opens on the form alone, not on its title.
 void playList_Form::setDragHandlers() {
     forms::ControlEvents *const areas[] = {&on(), &title.on(), &title_ICO.on()};
     for (forms::ControlEvents *area : areas) {
@@ -98,11 +98,11 @@ void playList_Form::setDragHandlers() {
             move({left() + offset.x, top() + offset.y, width(), height()});
             main.move({main.left() + offset.x, main.top() + offset.y, main.width(), main.height()});
         };
-        area->MouseUp = [this](const forms::MouseEvent &event) {
+        area->MouseUp = [this, isForm = area == &on()](const forms::MouseEvent &event) {
             app_.formSet().set_Topmost(hWnd(), false);
             app_.formSet().set_Topmost(app_.Main().hWnd(), false);
             app_.formSet().keep_Topmost();
-            if (event.button == forms::rightButton) {
+            if (isForm && event.button == forms::rightButton) {
                 windows().PopupMenu(*this, app_.MenuForm().playlist_Menu);
             }
         };

@@ -185,23 +185,26 @@ void formSet::trayClicked() {
 
 // --- settings --------------------------------------------------------------------------------
 
-// Each value is read once for each of its tests, as every getter reads the store anew.
+// Each value is read for each of its tests: every getter reads the store anew.
 void formSet::open_PlaySet() {
     velmora::setControl &settings = app_.setControl();
     velmora::playSetForm &form = app_.playSetForm();
     if (settings.get_AutoUpdate() == 1) {
         form.autoUpdate.setValue(1);
-    } else if (settings.get_AutoUpdate() == 0) {
+    }
+    if (settings.get_AutoUpdate() == 0) {
         form.autoUpdate.setValue(0);
     }
     if (settings.get_IsAutoPlay() == 0) {
         form.isAutoPlay.setValue(1);
-    } else if (settings.get_IsAutoPlay() == 1) {
+    }
+    if (settings.get_IsAutoPlay() == 1) {
         form.isAutoPlay.setValue(0);
     }
     if (settings.get_VideoInterface() == 0) {
         form.openVideo_Interface.setValue(0);
-    } else if (settings.get_VideoInterface() == 1) {
+    }
+    if (settings.get_VideoInterface() == 1) {
         form.openVideo_Interface.setValue(1);
     }
     form.isAutoPlay_Click();

@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "playback/Main.h"
 #include "playback/VideoScreen_Form.h"
+#include "playback/list_button.h"
 #include "playback/player.h"
 #include "playback/startLoad_Form.h"
 #include "playlist/playList_Form.h"
@@ -55,7 +56,7 @@ void showAbout(Velmora &app, std::u16string_view formName) {
 
 void hideList(Velmora &app, std::u16string_view) {
     app.playList_Form().hide();
-    app.Main().playList_Shown = 0;
+    markListShown(app.Main(), false);
     app.Main().get_Focus();
 }
 

@@ -240,10 +240,11 @@ void FakeWindows::unhookWindowProc(platform::HWND window, std::int32_t /*before*
     hooks_.erase(window);
 }
 
+// The window's own procedure answers with the message's number.
 std::int32_t FakeWindows::CallWindowProcA(std::int32_t /*procedure*/, platform::HWND /*window*/,
-                                          std::uint32_t /*message*/, std::int32_t /*wParam*/,
+                                          std::uint32_t message, std::int32_t /*wParam*/,
                                           std::int32_t /*lParam*/) {
-    return 0;
+    return static_cast<std::int32_t>(message);
 }
 
 bool FakeWindows::FlashWindow(platform::HWND window, bool /*invert*/) {

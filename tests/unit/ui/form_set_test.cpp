@@ -2,12 +2,19 @@
 
 #include "tests/unit/program_fixture.h"
 
+#include "lyrics/doLrcForm.h"
 #include "lyrics/lrcForm.h"
+#include "network/search_Lrc_Internet_Form.h"
+#include "network/search_Song_Internet_Form.h"
+#include "network/welcomeForm.h"
 #include "playback/MenuForm.h"
 #include "playback/VideoScreen_Form.h"
 #include "playback/check_SoundDriver_Form.h"
 #include "playback/miniForm.h"
 #include "playback/startLoad_Form.h"
+#include "playlist/another_PlayInfo_Form.h"
+#include "playlist/listControl_Form.h"
+#include "playlist/playInfo_Form.h"
 #include "settings/playSetForm.h"
 #include "ui/aboutForm.h"
 #include "ui/formSet.h"
@@ -28,9 +35,21 @@ protected:
 // ----------------------------------------------------------------------------------
 
 TEST_F(Windows, HaveTheKeyColourFromTheirLoading) {
-    const forms::Form *const forms[] = {&app.Main(),           &app.miniForm(),
-                                        &app.startLoad_Form(), &app.lrcForm(),
-                                        &app.aboutForm(),      &app.check_SoundDriver_Form()};
+    const forms::Form *const forms[] = {&app.Main(),
+                                        &app.aboutForm(),
+                                        &app.check_SoundDriver_Form(),
+                                        &app.doLrcForm(),
+                                        &app.playList_Form(),
+                                        &app.lrcForm(),
+                                        &app.miniForm(),
+                                        &app.playSetForm(),
+                                        &app.listControl_Form(),
+                                        &app.another_PlayInfo_Form(),
+                                        &app.playInfo_Form(),
+                                        &app.search_Lrc_Internet_Form(),
+                                        &app.startLoad_Form(),
+                                        &app.welcomeForm(),
+                                        &app.search_Song_Internet_Form()};
     for (const forms::Form *form : forms) {
         EXPECT_TRUE(form->layered()) << form->name();
         EXPECT_EQ(form->windowKey(), keyColour) << form->name();
@@ -263,12 +282,17 @@ TEST_F(Tray, RightClickOpensTheMenu) {
     event(rightUp);
 }
 
-TEST_F(Tray, OtherEventsAndMessagesDoNothing) {
+TEST_F(Tray, OtherEventsDoNothing) {
     app.miniForm().show();
     for (const std::int32_t what : {0x200, 0x201, 0x203, 0x204, 0}) {
         EXPECT_EQ(event(what), 0);
     }
-    EXPECT_EQ(windows.send(main().hWnd(), 1024, 0, leftUp), 0);
+    EXPECT_FALSE(main().visible());
+}
+
+TEST_F(Tray, OtherMessagesGoToTheProcedureBeforeAndGiveItsAnswer) {
+    app.miniForm().show();
+    EXPECT_EQ(windows.send(main().hWnd(), 1024, 0, leftUp), 1024);
     EXPECT_FALSE(main().visible());
 }
 
@@ -293,6 +317,23 @@ TEST_F(Windows, OfTheSettingsShowsTheStoredValuesWithAutoPlayInverted) {
     EXPECT_EQ(form.autoUpdate.value(), 0);
     EXPECT_EQ(form.isAutoPlay.value(), 1);
     EXPECT_EQ(form.openVideo_Interface.value(), 0);
+}
+
+TEST_F(Windows, OfTheSettingsReadsEachValueForEachOfItsTests) {
+    const auto key = u"SOFTWARE\\Norvane\\zkPlayer\\playSet";
+    app.playSetForm();
+    for (const char16_t *name : {u"AutoUpadate", u"isAutoPlay", u"VideoInterface"}) {
+        for (const char16_t *value : {u"0", u"1"}) {
+            fake.registry.setText(key, name, value);
+            fake.registry.clearLog();
+            rules().open_PlaySet();
+            std::int64_t reads = 0;
+            for (const std::u16string &call : fake.registry.log()) {
+                reads += contains(call, name) ? 1 : 0;
+            }
+            EXPECT_EQ(reads, 2) << toUtf8(name) << " " << toUtf8(value);
+        }
+    }
 }
 
 // --- the about window

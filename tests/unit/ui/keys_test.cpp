@@ -132,6 +132,67 @@ TEST_F(Keys, CtrlASelectsEveryRowFromTheListAloneAndPumpsForEach) {
     EXPECT_TRUE(app.playList_Form().playList_Item.enabled());
 }
 
+TEST_F(Keys, F7OpensAndPlaysFromMainAndOnlyAddsFromTheList) {
+    addTrack(u"/m/new.mp3");
+    addTrack(u"/m/newer.mp3");
+    fake.dialogs.expectOpen(u"/m/new.mp3");
+    press(118);
+    EXPECT_EQ(media.openPath(), u"/m/new.mp3");
+    fake.dialogs.expectOpen(u"/m/newer.mp3");
+    press(118, fromList);
+    EXPECT_EQ(rows(), 5);
+    EXPECT_EQ(media.openPath(), u"/m/new.mp3");
+}
+
+TEST_F(Keys, EnterAndF2PlayTheSelectedRowFromTheListAlone) {
+    app.playList_Form().playList_Item.setSelected(2, true);
+    press(13);
+    EXPECT_EQ(media.openPath(), u"/m/b.mp3");
+    press(113);
+    EXPECT_EQ(media.openPath(), u"/m/b.mp3");
+    press(13, fromList);
+    EXPECT_EQ(media.openPath(), u"/m/c.mp3");
+    app.playList_Form().playList_Item.setSelected(0, true);
+    press(113, fromList);
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+}
+
+TEST_F(Keys, F4StopsFromTheListAsWell) {
+    press(115, fromList);
+    EXPECT_FALSE(media.isOpen());
+}
+
+TEST_F(Keys, DeleteIsForTheListAlone) {
+    press(46); // a question that nobody expected fails the test
+    press(46, fromMain, forms::shiftMask);
+    EXPECT_EQ(rows(), 3);
+}
+
+TEST_F(Keys, F9OpensTheFolderOfTheCurrentRowFromBoth) {
+    fake.shell.executions.clear();
+    press(120);
+    press(120, fromList);
+    ASSERT_EQ(fake.shell.executions.size(), 2U);
+    EXPECT_EQ(fake.shell.executions[0].target, u"/m/");
+    EXPECT_EQ(fake.shell.executions[1].target, u"/m/");
+}
+
+TEST_F(Keys, F10CopiesTheSelectionFromBoth) {
+    for (const auto *from : {fromMain, fromList}) {
+        fake.dialogs.expectFolder(u"/usb");
+        fake.dialogs.expectCopy({});
+        press(121, from);
+    }
+    EXPECT_EQ(fake.dialogs.operations.size(), 2U);
+}
+
+TEST_F(Keys, LettersWithoutCtrlDoNothing) {
+    press(65, fromList);
+    press(83, fromList, forms::shiftMask);
+    EXPECT_LT(app.playList_Form().playList_Item.selCount(), 3);
+    EXPECT_FALSE(app.playSetForm().visible());
+}
+
 TEST_F(Keys, CompareTheNameOfTheFormInUpperCase) {
     press(114, u"MAIN");
     EXPECT_EQ(media.mode(), u"paused");
