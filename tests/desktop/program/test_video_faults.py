@@ -115,7 +115,9 @@ class Hurried(FilmTest):
     def test_the_window_closed_and_reopened_while_a_film_opens(self):
         player, main, window = self.play_in_window("film.mp4", "film.mp4")
         for _ in range(3):
+            old = self.either(player)
             self.session.key("F6", main)  # unloads it and makes it anew
+            self.assertTrue(player.gone(old))
             window = self.either(player)
             self.assertTrue(window)
             self.session.key("F11", window)  # while the sound fades in
@@ -128,8 +130,9 @@ class Hurried(FilmTest):
             self.assertTrue(wait_for(lambda: not self.video(player, (1280, 800), 0.05) and
                                      not self.video(player, seconds=0.05), 10))
             self.assertIsNone(player.child.poll())
-            self.session.key("F2", main)
-            self.assertTrue(self.either(player), "no window after stop and play")
+            # A stop within the fade leaves the player in use: the next film comes all the same.
+            self.session.key("F6", main)
+            self.assertTrue(self.either(player), "no window after a stop")
 
 
 class SoundServer(FilmTest):
