@@ -226,6 +226,46 @@ class Standing(LyricTest):
         self.assertTrue(wait_for(lambda: player.place(line) == (0, HEIGHT - high), 10))
 
 
+class Rolling(LyricTest):
+    """A line that is wider than the screen."""
+
+    LINE = "[00:00.00]" + "How it rolls: to its very end, and then all the way back. " * 3
+    STEP = 10  # 150 twips
+
+    @staticmethod
+    def columns(picture):
+        """For each column of the strip whether it holds anything but the ground."""
+        found = bytearray(picture.width)
+        for x, _ in picture.differing(GROUND):
+            found[x] = 1
+        return bytes(found)
+
+    def shift(self, before, after):
+        """How far everything moved, as one; None if it did not move as one."""
+        for step in sorted(range(-60, 61), key=abs):
+            by = step * self.STEP
+            left, right = max(0, by), min(WIDTH, WIDTH + by)
+            if after[left:right] == before[left - by:right - by]:
+                return by
+        return None
+
+    def test_it_moves_as_one_by_its_steps_and_is_never_gone(self):
+        player, _ = self.sing(self.LINE)
+        self.assertTrue(self.letters(player))
+        frames = [self.columns(self.look(player)) for _ in range(40)]
+        shifts = [self.shift(before, after) for before, after in zip(frames, frames[1:])]
+        self.assertNotIn(None, shifts, "it flickers or is torn")
+        self.assertTrue(any(shifts), "it stands still")
+        self.assertTrue(all(sum(frame) > WIDTH / 4 for frame in frames), "it is gone at times")
+        # To the left first, and only turning at the ends.
+        moved = [shift for shift in shifts if shift]
+        self.assertLess(moved[0], 0)
+
+
+class RollingComposited(Rolling):
+    compositor = True
+
+
 class StandingComposited(Standing):
     compositor = True
 
