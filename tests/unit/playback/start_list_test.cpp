@@ -62,6 +62,7 @@ TEST_F(Start, PlaysNothingWithoutAListFile) {
 
 TEST_F(Start, WithoutALastFileBringsTheStoppedLook) {
     savedList({u"/m/a.mp3"});
+    app.Main().play_Time.setCaption(u"as it was");
     app.start();
     EXPECT_TRUE(media.actions().empty());
     EXPECT_EQ(app.Main().play_Time.caption(), u"00:00:00 - 00:00:00");

@@ -222,6 +222,7 @@ TEST_F(Start, TicksTheAutoOpenBoxByTheStoredFlag) {
 }
 
 TEST_F(Start, ClearsTheAutoOpenBoxOnAFreshMachine) {
+    app.playSetForm().desktopLrc_AutoOpen.setValue(1);
     app.start();
     EXPECT_EQ(app.playSetForm().desktopLrc_AutoOpen.value(), 0);
 }
