@@ -149,9 +149,11 @@ TEST_F(MainWindow, ChannelCyclesStereoLeftRight) {
     click(main().AudioSource_L);
     EXPECT_EQ(media.source(), u"right");
     EXPECT_EQ(shown(), (std::vector<bool>{false, false, true}));
+    EXPECT_EQ(shownInVideo(), shown());
     click(main().AudioSource_R);
     EXPECT_EQ(media.source(), u"stereo");
     EXPECT_EQ(shown(), (std::vector<bool>{true, false, false}));
+    EXPECT_EQ(shownInVideo(), shown());
 }
 
 TEST_F(MainWindow, ChannelStaysWithNothingOpen) {

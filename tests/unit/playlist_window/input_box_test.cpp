@@ -47,6 +47,13 @@ TEST_F(InputBox, OffersAtMostAHundredCharactersOfAName) {
     EXPECT_EQ(box.jieGuo.text(), std::u16string(100, u'n'));
 }
 
+TEST_F(InputBox, OffersANameWithoutTheBlanksAtItsEnds) {
+    addRow(u"/m/01. Love Song .mp3");
+    names.setSelected(0, true);
+    list.Alter_Click();
+    EXPECT_EQ(box.jieGuo.text(), u"Love Song");
+}
+
 TEST_F(InputBox, TheResultOfTheUseBeforeIsForgotten) {
     addRow(u"/m/a.mp3");
     names.setSelected(0, true);

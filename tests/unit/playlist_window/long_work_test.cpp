@@ -201,6 +201,17 @@ TEST_F(LongWork, ADroppedFolderTakesThePanelAwayInMidDropAndMainStaysStill) {
     EXPECT_FALSE(seen[2].mainPlay);
 }
 
+TEST_F(LongWork, ASecondDroppedFolderBringsThePanelBackAndStillsTheListAgain) {
+    files.addFile(u"/n/x.mp3");
+    files.addFile(u"/o/y.mp3");
+    const auto &seen = watch();
+    list.filesDropped({u"/n", u"/o"}, 0);
+    ASSERT_EQ(seen.size(), 4U);
+    EXPECT_FALSE(seen[2].panel) << "between the folders";
+    EXPECT_TRUE(seen[3].panel);
+    EXPECT_FALSE(seen[3].list);
+}
+
 TEST_F(LongWork, AFullListIsReportedForADroppedFileAndNotForADroppedFolder) {
     for (int row = 0; row < 32767; ++row) {
         names.addItem(u"x");

@@ -48,6 +48,12 @@ TEST_F(ListWindow, RowAtPointCountsFromTheTopRow) {
     EXPECT_EQ(list.rowAtPoint(0, names.rowHeight() * 2.5F), 7);
 }
 
+TEST_F(ListWindow, RowAtPointRoundsTheHeightToAWholeTwipFirst) {
+    fill(5);
+    EXPECT_EQ(list.rowAtPoint(0, names.rowHeight() * 2 - 0.4F), 2);
+    EXPECT_EQ(list.rowAtPoint(0, names.rowHeight() * 2 - 0.6F), 1);
+}
+
 TEST_F(ListWindow, RowAtPointBelowTheLastRowIsRowZero) {
     fill(3);
     EXPECT_EQ(list.rowAtPoint(0, names.rowHeight() * 3.5F), 0);
@@ -139,6 +145,27 @@ TEST_F(ListWindow, DraggingMovesBothWindowsAndKeepsThemTouching) {
     EXPECT_FALSE(app.Main().topmost());
     EXPECT_TRUE(app.miniForm().topmost());
     EXPECT_TRUE(app.lrcForm().topmost());
+}
+
+TEST_F(ListWindow, ADragKeepsBothOnTopForItsTimeAndTheSmallWindowsAfterwards) {
+    using Positionings = std::vector<fakes::FakeWindows::Positioning>;
+    app.Main();
+    app.miniForm();
+    app.lrcForm();
+    for (forms::ControlEvents *area : {static_cast<forms::ControlEvents *>(&list.on()),
+                                       &list.title.on(), &list.title_ICO.on()}) {
+        windows.positionings.clear();
+        area->MouseDown({forms::rightButton, 0, 0, 0});
+        EXPECT_TRUE(windows.positionings.empty());
+        area->MouseDown(left(0, 0));
+        EXPECT_EQ(windows.positionings, (Positionings{{"playList_Form", -1, 3}, {"Main", -1, 3}}));
+        windows.positionings.clear();
+        area->MouseUp(left(0, 0));
+        EXPECT_EQ(windows.positionings, (Positionings{{"playList_Form", -2, 3},
+                                                      {"Main", -2, 3},
+                                                      {"miniForm", -1, 3},
+                                                      {"lrcForm", -1, 3}}));
+    }
 }
 
 TEST_F(ListWindow, ARightReleaseOpensTheListsMenuOnTheFormAndOnTheList) {

@@ -43,6 +43,33 @@ TEST_F(ButtonTest, TheEdgeAtZeroCountsAsOutside) {
     EXPECT_FALSE(button.ticking());
 }
 
+TEST_F(ButtonTest, PressAndReleaseBeginTheirFadesAnew) {
+    enter();
+    tick(2);
+    EXPECT_EQ(button.fade(), 60);
+    button.mouseDown({forms::leftButton, 0, 10, 10});
+    EXPECT_EQ(button.fade(), 0);
+    tick(3);
+    EXPECT_EQ(button.fade(), 90);
+    button.mouseUp({forms::leftButton, 0, 10, 10});
+    EXPECT_EQ(button.fade(), 0);
+}
+
+TEST_F(ButtonTest, EachOfItsEdgesCountsAsOutsideAndTheTwipBesideItAsInside) {
+    const auto at = [this](Twips x, Twips y) {
+        button.mouseMove({0, 0, x, y});
+        return button.state();
+    };
+    EXPECT_EQ(at(1, 75), State::ToHot);
+    EXPECT_EQ(at(0, 75), State::ToNormal);
+    EXPECT_EQ(at(299, 75), State::ToHot);
+    EXPECT_EQ(at(300, 75), State::ToNormal);
+    EXPECT_EQ(at(150, 1), State::ToHot);
+    EXPECT_EQ(at(150, 0), State::ToNormal);
+    EXPECT_EQ(at(150, 149), State::ToHot);
+    EXPECT_EQ(at(150, 150), State::ToNormal);
+}
+
 TEST_F(ButtonTest, LeavingGoesOnFromWhereTheFadeStands) {
     logAll();
     enter();
