@@ -32,6 +32,9 @@ BARE = ["mpv", "--config=no", "--ytdl=no", "--load-scripts=no", "--osc=no", "--o
         "--input-vo-keyboard=no", "--input-cursor=no", "--sid=no", "--sub-auto=no",
         "--audio-file-auto=no", "--vo=x11", "--ao=pulse", "--keepaspect=no", "--hr-seek=yes",
         "--keep-open=yes", "--keep-open-pause=no", "--audio-format=float"]
+# And what it needs of the engine so that volume, pause and seek are heard at once.
+QUICKLY_HEARD = ["--pulse-buffer=25", "--gapless-audio=no", "--vd-queue-enable=yes",
+                 "--vd-queue-max-samples=4", "--ad-queue-enable=yes"]
 
 
 def start(session, film):
@@ -74,10 +77,10 @@ def in_the_window(film):
         session.close()
 
 
-def by_the_bare_engine(film):
+def by_the_bare_engine(film, options=()):
     session = FilmSession(window_manager=True)
     try:
-        child = session.spawn(BARE + [f"--geometry={PICTURE[2]}x{PICTURE[3]}", film])
+        child = session.spawn(BARE + [*options, f"--geometry={PICTURE[2]}x{PICTURE[3]}", film])
         session.window("mpv")
         time.sleep(3)
         return over(session, child.pid, STRETCH)
@@ -138,18 +141,22 @@ def main():
         film = folder + "/film720.mp4"
         make_film(film, (1280, 720), seconds=90)
         print("## Films\n")
-        print("A 720p film of 25 frames a second in the video window (730 x 445 pixels) and by the "
-              "bare engine in a window of that size, by turns. CPU in percent of one core, X the "
-              "display server's.\n")
-        print("| round | Velmora | X | bare engine | X | ratio |\n|---|---|---|---|---|---|",
-              flush=True)
+        print("A 720p film of 25 frames a second in the video window (730 x 445 pixels), by the "
+              "engine alone in a window of that size with the options that let a change be heard at "
+              "once, and by the bare engine, by turns. CPU in percent of one core, X the display "
+              "server's.\n")
+        print("| round | Velmora | X | engine alone | X | ratio | bare engine | X | ratio |")
+        print("|---|---|---|---|---|---|---|---|---|", flush=True)
         ratios = []
         for number in range(ROUNDS):
-            own, bare = in_the_window(film), by_the_bare_engine(film)
-            ratios.append(own["cpu"] / bare["cpu"])
-            print(f"| {number + 1} | {own['cpu']:.2f} | {own['x']:.2f} | {bare['cpu']:.2f} | "
-                  f"{bare['x']:.2f} | {ratios[-1]:.2f} |", flush=True)
-        print(f"| median | | | | | {statistics.median(ratios):.2f} |\n")
+            own, alike, bare = (in_the_window(film), by_the_bare_engine(film, QUICKLY_HEARD),
+                                by_the_bare_engine(film))
+            ratios.append((own["cpu"] / alike["cpu"], own["cpu"] / bare["cpu"]))
+            print(f"| {number + 1} | {own['cpu']:.2f} | {own['x']:.2f} | {alike['cpu']:.2f} | "
+                  f"{alike['x']:.2f} | {ratios[-1][0]:.2f} | {bare['cpu']:.2f} | {bare['x']:.2f} | "
+                  f"{ratios[-1][1]:.2f} |", flush=True)
+        alike, bare = (statistics.median(column) for column in zip(*ratios))
+        print(f"| median | | | | | {alike:.2f} | | | {bare:.2f} |\n")
         times = full_screen_switches(film)
         print("| Enter to the first picture of the screen's size | ms |\n|---|---|")
         if times:

@@ -7,7 +7,7 @@
 import sys
 import unittest
 
-from films import HEIGHT, PICTURE, STRIP, WIDTH, FilmTest, make_film
+from films import HEIGHT, PICTURE, STRIP, WIDTH, FilmSession, FilmTest, make_film
 from player import stairs
 from session import quiet, wait_for
 
@@ -245,6 +245,71 @@ class InTheWindow(FilmTest):
         self.assert_stretched(rect)
         self.assert_moves(rect)
         self.assertEqual(player.place(main), main_before)
+
+
+class WideSession(FilmSession):
+    """Two monitors of 1280 x 800 beside each other."""
+    screen = "2560x800x24"
+    primary = "left"
+
+    def _display(self):
+        super()._display()
+        for name, output, place in (("left", "screen", "+0+0"), ("right", "none", "+1280+0")):
+            quiet("xrandr", "--setmonitor", ("*" if name == self.primary else "") + name,
+                  "1280/340x800/212" + place, output, env=self.env)
+
+
+class RightIsPrimary(WideSession):
+    primary = "right"
+
+
+class SecondMonitorIsPrimary(FilmTest):
+    session_kind = RightIsPrimary
+
+    def test_its_corner_is_the_origin_of_full_screen(self):
+        player, _, window = self.play_in_window("film.mp4")
+        x, _ = player.place(window)
+        self.assertGreater(x, 1280, "the window does not stand on the primary monitor")
+        outside = self.session.pixel(600, 400)
+        self.session.key("Return", window)
+        full = self.video(player, SCREEN)
+        self.assertTrue(full, "no full screen of one monitor")
+        self.assertTrue(wait_for(lambda: player.place(full) == (1280, 0), 5))
+        self.assert_stretched((1280, *FULL[1:]))
+        self.assertEqual(self.session.pixel(600, 400), outside, "the other monitor is covered")
+
+
+class TwoMonitors(FilmTest):
+    session_kind = WideSession
+
+    def assert_two(self):
+        listed = quiet("xrandr", "--listmonitors", env=self.session.env)
+        self.assertIn("Monitors: 2", listed)
+
+    def test_full_screen_covers_the_primary_monitor_alone(self):
+        self.assert_two()
+        player, _, window = self.play_in_window("film.mp4")
+        x, _ = player.place(window)
+        self.assertLess(x + WIDTH, 1280, "the window does not stand on the primary monitor")
+        outside = self.session.pixel(1900, 400)
+        self.session.key("Return", window)
+        self.assertTrue(self.video(player, SCREEN), "no full screen of one monitor")
+        self.assert_stretched(FULL)
+        self.assert_moves(FULL)
+        self.assertEqual(self.session.pixel(1900, 400), outside, "the other monitor is covered")
+
+    def test_from_the_other_monitor_it_goes_to_the_primary_one(self):
+        self.assert_two()
+        player, _, window = self.play_in_window("film.mp4")
+        player.tool("windowmove", "--sync", window, 1500, 100)
+        rect = self.whole(player, window)
+        self.assertGreater(rect[0], 1280)
+        self.assert_stretched(rect)
+        self.session.key("Return", window)
+        full = self.video(player, SCREEN)
+        self.assertTrue(full)
+        self.assertTrue(wait_for(lambda: player.place(full) == (0, 0), 5))
+        self.assert_stretched(FULL)
 
 
 class TheEnginesWindow(FilmTest):
