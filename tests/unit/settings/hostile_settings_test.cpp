@@ -87,10 +87,23 @@ const Fault faults[] = {
      }},
 };
 
-class AHostileRegistry : public SettingsFixture, public testing::WithParamInterface<Fault> {};
+class AHostileRegistry : public SettingsFixture, public testing::WithParamInterface<Fault> {
+protected:
+    // Writes the fault. Where its number calls for the page of news, there is one.
+    void write() {
+        GetParam().write(registry);
+        if (!app.setControl().get_AutoShowWelcome())
+            return;
+        registry.setText(u"SOFTWARE\\Norvane\\zkPlayer\\hosts", u"maker", u"http://maker");
+        fake.internet.setDownload(u"http://maker/source/mini/zkPlayerWelcome.php",
+                                  "[check]\nvesion=1.0.0\nupdate=0\n[config]\ntitle=News\n"
+                                  "provider=Norvane\nproviderLink=http://p/\nbuttonStr0=A\n"
+                                  "buttonStr1=B\nbuttonStr2=C\n");
+    }
+};
 
 TEST_P(AHostileRegistry, StopsNeitherTheStartNorTheSettingsWindow) {
-    GetParam().write(registry);
+    write();
     start();
     EXPECT_TRUE(app.Main().visible());
 
@@ -119,7 +132,7 @@ TEST_P(AHostileRegistry, StopsNeitherTheStartNorTheSettingsWindow) {
 }
 
 TEST_P(AHostileRegistry, IsWholeAgainAfterOneConfirmation) {
-    GetParam().write(registry);
+    write();
     start();
     app.Main().playSet_Button_Click();
     playSetForm &form = app.playSetForm();

@@ -86,7 +86,8 @@ TEST_F(SettingsPages, ReadEachStoredValueOnceForEachOfItsTests) {
     const std::u16string read = u"read " + std::u16string(playSetKey);
     EXPECT_THAT(logged(u"read "),
                 ElementsAre(read + u" AutoUpadate", read + u" AutoUpadate", read + u" isAutoPlay",
-                            read + u" isAutoPlay", read + u" VideoInterface"));
+                            read + u" isAutoPlay", read + u" VideoInterface",
+                            read + u" VideoInterface"));
 }
 
 TEST_F(SettingsPages, LeaveABoxAsItIsWhereTheStoredNumberIsNeitherOfTwo) {
