@@ -190,6 +190,17 @@ TEST_F(Start, DressesTheVideoWindowThatTheClosingOfALostFileLetGo) {
     EXPECT_TRUE(app.videoScreenLoaded());
 }
 
+TEST_F(Start, ReadsTheLanguageOnceFoldersAndKeysStand) {
+    app.start();
+    const auto &log = fake.registry.log();
+    const auto at = [&](const std::u16string &line) {
+        return std::find(log.begin(), log.end(), line) - log.begin();
+    };
+    const std::u16string readLanguage = u"read " + std::u16string(playSetKey) + u" Language";
+    ASSERT_LT(at(readLanguage), static_cast<std::ptrdiff_t>(log.size()));
+    EXPECT_LT(at(u"create " + std::u16string(parametersKey)), at(readLanguage));
+}
+
 TEST_F(Start, LeavesTheVariablesOfTheSettingsWindowToIt) {
     set(u"Language", u"1");
     app.start();
