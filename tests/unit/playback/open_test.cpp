@@ -187,6 +187,7 @@ TEST_F(Opening, EndsWithTheResultReachedWhenAnErrorIsRaisedAfterTheEngineOpened)
     EXPECT_EQ(app.player().open_File(u"/music/a.mp3"), 0);
     EXPECT_FALSE(media.isOpen());
     EXPECT_EQ(app.player().nowPlay_File, u"/music/a.mp3");
+    EXPECT_EQ(app.setControl().get_LastPlayFile(), u"/music/a.mp3");
 }
 
 // --- the RealPlayer family

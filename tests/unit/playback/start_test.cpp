@@ -265,6 +265,17 @@ TEST_F(Start, LeavesTheDesignedFontsOnAFreshMachine) {
     EXPECT_EQ(app.Main().lrc_Text.font(), other);
 }
 
+// --- update
+// ------------------------------------------------------------------------------------------------
+
+TEST_F(Start, LooksForAnUpdateSilently) {
+    set(u"AutoUpadate", u"1");
+    fake.internet.connectedState = 0; // somebody who asked would be told
+    app.start();
+    EXPECT_TRUE(windows.boxes.empty());
+    EXPECT_TRUE(app.Main().visible());
+}
+
 // --- sound card, safe mode
 // ----------------------------------------------------------------------------------
 

@@ -218,6 +218,51 @@ TEST_F(LoadingTheList, ThePanelIsRepaintedForEachLineThatIsNotBlank) {
     EXPECT_EQ(windows.refreshes - before, 3);
 }
 
+// Notes what stands on the panel at each repaint of it.
+class PanelWatch : public fakes::FakeWindows {
+public:
+    using FakeWindows::FakeWindows;
+    Texts painted;
+    std::unique_ptr<platform::FormWindow> makeWindow(forms::Form &form) override {
+        return std::make_unique<WatchingWindow>(*this, form);
+    }
+
+private:
+    class WatchingWindow : public fakes::FakeFormWindow {
+    public:
+        WatchingWindow(PanelWatch &watch, forms::Form &form)
+            : FakeFormWindow(watch, form), watch_(watch), form_(form) {}
+        void refresh(forms::Control *control) override {
+            FakeFormWindow::refresh(control);
+            if (auto *list = dynamic_cast<playList_Form *>(&form_); list != nullptr)
+                watch_.painted.push_back(list->waitAdd_Show.caption() + u"|" +
+                                         list->waitAdd_Title.caption());
+        }
+
+    private:
+        PanelWatch &watch_;
+        forms::Form &form_;
+    };
+};
+
+TEST(LoadingPanel, HasBothItsTextsByTheTimeItIsRepainted) {
+    fakes::FakePlatform fake;
+    PanelWatch windows{fake.clock};
+    Velmora app{platform::Platform{fake.ansi, fake.clock, fake.dialogs, fake.files, fake.folders,
+                                   fake.internet, fake.media, fake.processes, fake.profiles,
+                                   fake.registry, fake.shell, fake.versions, fake.waitableTimers,
+                                   fake.waveOut, windows}};
+    app.setControl().Language_Index = 1;
+    app.Language_Set().language_Messages();
+    app.setControl().Path_List = u"/lists";
+    fake.files.addFile(u"/lists/zkPlayList.m3u", "/m/a.mp3\r\n/m/b.mp3\r\n");
+    app.playList_Form().show();
+    windows.painted.clear();
+    EXPECT_TRUE(app.saveOrOpenFile().loadPlayList());
+    const std::u16string loading = u"|" + std::u16string(app.Language().msg_Loading_Tracks);
+    EXPECT_THAT(windows.painted, ElementsAre(u"/m/a.mp3" + loading, u"/m/b.mp3" + loading));
+}
+
 TEST_F(LoadingTheList, ThePanelTellsTheLineWithItsBlanksAndWhatGoesOn) {
     speak(1);
     files.addFile(listFile, "\" /m/a.mp3  \"\r\n/m/b.mp3\r\n");
