@@ -197,6 +197,17 @@ TEST_F(LyricFonts, TheDesktopSetGoesFromStagingToPreviewToLabel) {
     EXPECT_EQ(app.lrcForm().lrc_Text.foreColor(), 0x00FF8000U);
 }
 
+TEST_F(LyricFonts, EachStyleOfTheSetReachesThePreview) {
+    fillStaging();
+    settings.Lrc_Italic = true;
+    settings.Lrc_Strikethrough = true;
+    settings.Lrc_Underline = false;
+    app.skinSet().apply_Desktop_Lrc_Font(true);
+    EXPECT_TRUE(app.lrcForm().lrc_Text.font().italic());
+    EXPECT_TRUE(app.lrcForm().lrc_Text.font().strikethrough());
+    EXPECT_FALSE(app.lrcForm().lrc_Text.font().underline());
+}
+
 TEST_F(LyricFonts, WithoutTheFlagThePreviewAloneTellsTheLook) {
     fillStaging();
     forms::Font font = desktopPreview().font();

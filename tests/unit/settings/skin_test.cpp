@@ -224,6 +224,29 @@ TEST_F(TheSkin, EveryTitleRowIsPutInPlace) {
     expectTitleRow(app.VideoScreen_Form(), &skinSet::skin_VideoScreen_Form, skin);
 }
 
+TEST_F(TheSkin, AllOfItReachesEveryWindow) {
+    forms::Form *const dressed[] = {&app.Main(),
+                                    &app.welcomeForm(),
+                                    &app.playList_Form(),
+                                    &app.playSetForm(),
+                                    &app.aboutForm(),
+                                    &app.check_SoundDriver_Form(),
+                                    &app.playInfo_Form(),
+                                    &app.doLrcForm(),
+                                    &app.another_PlayInfo_Form(),
+                                    &app.search_Lrc_Internet_Form(),
+                                    &app.search_Song_Internet_Form(),
+                                    &app.listControl_Form(),
+                                    &app.VideoScreen_Form()};
+    for (forms::Form *form : dressed)
+        find(*form, "title_ICO")->setTop(7);
+    app.miniForm().close.setPicture(Picture::None);
+    app.skinSet().skin_All();
+    for (forms::Form *form : dressed)
+        EXPECT_EQ(find(*form, "title_ICO")->top(), 50) << form->name();
+    EXPECT_EQ(app.miniForm().close.picture(), app.Main().closeButton.picture());
+}
+
 TEST_F(TheSkin, TheScrollBarsAreThoseOfThePlayList) {
     playList_Form &model = app.playList_Form();
     model.P1.move({4000, 410, 200, 200});
@@ -255,6 +278,7 @@ TEST_F(TheSkin, MainsButtonsStandSideBySideFromTheRight) {
     Main &main = app.Main();
     main.closeButton.move({0, 0, 300, 300});
     main.mini_Button.setTop(9);
+    main.minimizeButton.setTop(9);
     app.skinSet().skin_Main();
     EXPECT_EQ(main.closeButton.left() + 300, main.width() - 120);
     EXPECT_EQ(main.mini_Button.top(), main.closeButton.top());
