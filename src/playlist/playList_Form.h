@@ -83,6 +83,7 @@ private:
     void deselectAll();
     void selectNamesakes(const std::u16string &stem, bool containing, bool pumping);
     void append(const std::u16string &path);
+    void answerEvents(std::optional<RunTimeError> &pending);
     std::vector<std::u16string> walkFolders(const std::u16string &first,
                                             std::optional<RunTimeError> &pending);
     void addFilesOf(const std::u16string &folder, std::optional<RunTimeError> &pending);

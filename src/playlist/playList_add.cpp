@@ -152,6 +152,15 @@ void playList_Form::addDir_Click() {
     controlEnabled(true);
 }
 
+// For each folder, too: a thousand folders without any entry to show must not leave the window
+// dead.
+void playList_Form::answerEvents(std::optional<RunTimeError> &pending) {
+    const auto error = trapped([this] { windows().DoEvents(); });
+    if (error) {
+        pending = error;
+    }
+}
+
 // Breadth first: the queue grows at its end while it is read from its beginning.
 std::vector<std::u16string> playList_Form::walkFolders(const std::u16string &first,
                                                        std::optional<RunTimeError> &pending) {
@@ -159,6 +168,7 @@ std::vector<std::u16string> playList_Form::walkFolders(const std::u16string &fir
     std::vector<std::u16string> folders = {first};
     for (std::size_t next = 0; next < folders.size(); ++next) {
         const std::u16string folder = folders[next];
+        answerEvents(pending);
         for (const std::u16string &name :
              app_.platform().files.list(folder, platform::SearchFor::Folders, walk_)) {
             const auto error = trapped([&] {
@@ -178,6 +188,7 @@ std::vector<std::u16string> playList_Form::walkFolders(const std::u16string &fir
 }
 
 void playList_Form::addFilesOf(const std::u16string &folder, std::optional<RunTimeError> &pending) {
+    answerEvents(pending);
     for (const std::u16string &name :
          app_.platform().files.list(folder, platform::SearchFor::Files, walk_)) {
         const auto error = trapped([&] {

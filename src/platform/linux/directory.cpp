@@ -22,7 +22,7 @@ bool isWanted(mode_t mode, SearchFor what) noexcept {
 
 // Whether an entry of a folder is what is searched for, after links. The type that comes with the
 // entry saves the question to the disk in most cases.
-bool isWanted(int folder, const ::dirent &entry, SearchFor what) noexcept {
+template <typename Entry> bool isWanted(int folder, const Entry &entry, SearchFor what) noexcept {
     if (entry.d_type == DT_REG)
         return what == SearchFor::Files;
     if (entry.d_type == DT_DIR)
@@ -46,6 +46,86 @@ Folder openFolder(const std::string &path) {
     if (folder)
         descriptor.release();
     return folder;
+}
+
+// The entries as the system hands them out, without the buffer and the questions that a stream of
+// them costs for each folder.
+template <typename Take> void forEachEntry(int folder, Take &&take) {
+    constexpr std::size_t portion = std::size_t{32} << 10;
+    alignas(::dirent64) char buffer[portion];
+    for (;;) {
+        const ssize_t size = ::getdents64(folder, buffer, sizeof buffer);
+        if (size <= 0)
+            return;
+        for (ssize_t at = 0; at < size;) {
+            const auto &entry = *reinterpret_cast<const ::dirent64 *>(buffer + at);
+            at += entry.d_reclen;
+            take(entry);
+        }
+    }
+}
+
+// Names by their upper-cased form; those of one form in binary order, so that the order never
+// depends on the disk's.
+std::vector<std::u16string> sorted(std::vector<std::u16string> names) {
+    std::u16string keys;
+    struct Place {
+        std::size_t key;
+        std::size_t name;
+    };
+    std::vector<Place> places;
+    places.reserve(names.size());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        places.push_back({keys.size(), i});
+        for (const char16_t unit : names[i])
+            keys += upperUnit(unit);
+    }
+    const auto key = [&](const Place &place) {
+        return std::u16string_view(keys).substr(place.key, names[place.name].size());
+    };
+    std::sort(places.begin(), places.end(), [&](const Place &a, const Place &b) {
+        const int order = key(a).compare(key(b));
+        return order != 0 ? order < 0 : names[a.name] < names[b.name];
+    });
+    std::vector<std::u16string> result;
+    result.reserve(names.size());
+    for (const Place &place : places)
+        result.push_back(std::move(names[place.name]));
+    return result;
+}
+
+// What stands in a folder, and whether that can only change together with the folder itself.
+struct Content {
+    std::vector<std::u16string> folders;
+    std::vector<std::u16string> files;
+    bool plain = true;
+};
+
+Content contentOf(int folder) {
+    Content content;
+    forEachEntry(folder, [&](const ::dirent64 &entry) {
+        if (entry.d_name[0] == '.')
+            return;
+        if (entry.d_type == DT_LNK || entry.d_type == DT_UNKNOWN)
+            content.plain = false; // the answer lies elsewhere on the disk
+        if (isWanted(folder, entry, SearchFor::Files))
+            content.files.push_back(pathFromBytes(entry.d_name));
+        else if (isWanted(folder, entry, SearchFor::Folders))
+            content.folders.push_back(pathFromBytes(entry.d_name));
+    });
+    return content;
+}
+
+// Whether a folder has stood unchanged for so long that any later change shows in its time stamps,
+// however coarse these are.
+bool isSettled(const struct ::stat &folder, std::time_t now) noexcept {
+    constexpr std::time_t coarsestSeconds = 3;
+    const std::time_t settled = now - coarsestSeconds;
+    return folder.st_mtim.tv_sec < settled && folder.st_ctim.tv_sec < settled;
+}
+
+bool isSame(const struct ::timespec &a, const struct ::timespec &b) noexcept {
+    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
 }
 
 std::u16string_view withoutTrailingSeparators(std::u16string_view path) noexcept {
@@ -88,46 +168,68 @@ std::u16string findName(std::u16string_view path, SearchFor what) {
     return findIgnoringCase(folderPart(path), name, what);
 }
 
-bool FolderWalks::enters(int folder, SearchFor what, std::uint32_t walk) {
+bool FolderWalks::enters(const Identity &folder, SearchFor what, std::uint32_t walk) {
     constexpr std::size_t rememberedWalks = 8;
     if (walk == 0)
         return true;
-    struct ::stat info {};
-    if (::fstat(folder, &info) != 0)
-        return false;
-    const bool entered = walks_[walk].insert({what, {info.st_dev, info.st_ino}}).second;
+    const bool entered = walks_[walk].insert({what, folder}).second;
     if (walks_.size() > rememberedWalks) // the oldest that is not this one
         walks_.erase(walks_.begin()->first == walk ? std::next(walks_.begin()) : walks_.begin());
     return entered;
 }
 
+void FolderWalks::keep(const struct ::stat &folder, std::vector<std::u16string> files,
+                       std::uint32_t walk) {
+    constexpr std::size_t mostNames = 500'000; // of an endless tree the rest is read again
+    if (walk != keptWalk_) {
+        kept_.clear();
+        keptNames_ = 0;
+        keptWalk_ = walk;
+    }
+    if (keptNames_ + files.size() > mostNames)
+        return;
+    keptNames_ += files.size();
+    kept_[{folder.st_dev, folder.st_ino}] = {folder.st_mtim, folder.st_ctim, std::move(files)};
+}
+
+// The files of a folder that was read in this walk and has not changed. One that cannot be reached
+// any more has none here.
+std::optional<std::vector<std::u16string>> FolderWalks::takeKept(const std::string &path,
+                                                                 std::uint32_t walk) {
+    struct ::stat info {};
+    if (walk != keptWalk_ || ::stat(path.c_str(), &info) != 0)
+        return std::nullopt;
+    const auto found = kept_.find({info.st_dev, info.st_ino});
+    if (found == kept_.end())
+        return std::nullopt;
+    Kept kept = std::move(found->second);
+    kept_.erase(found);
+    keptNames_ -= kept.files.size();
+    if (!isSame(kept.modified, info.st_mtim) || !isSame(kept.changed, info.st_ctim) ||
+        !enters({info.st_dev, info.st_ino}, SearchFor::Files, walk))
+        return std::nullopt;
+    return std::move(kept.files);
+}
+
 std::vector<std::u16string> FolderWalks::list(std::u16string_view folderPath, SearchFor what,
                                               std::uint32_t walk) {
     const auto path = systemPath(folderPath);
-    const Folder folder = path ? openFolder(*path) : nullptr;
-    if (!folder || !enters(::dirfd(folder.get()), what, walk))
+    if (!path)
         return {};
-    struct Named {
-        std::u16string key;
-        std::u16string name;
-    };
-    std::vector<Named> found;
-    while (const ::dirent *entry = ::readdir(folder.get())) {
-        if (entry->d_name[0] == '.' || !isWanted(::dirfd(folder.get()), *entry, what))
-            continue;
-        std::u16string name = pathFromBytes(entry->d_name);
-        std::u16string key = upper(name);
-        found.push_back({std::move(key), std::move(name)});
-    }
-    // Names of one key in binary order, so that the order never depends on the disk's.
-    std::sort(found.begin(), found.end(), [](const Named &a, const Named &b) {
-        return a.key != b.key ? a.key < b.key : a.name < b.name;
-    });
-    std::vector<std::u16string> names;
-    names.reserve(found.size());
-    for (Named &entry : found)
-        names.push_back(std::move(entry.name));
-    return names;
+    if (walk != 0 && what == SearchFor::Files)
+        if (auto files = takeKept(*path, walk))
+            return sorted(*std::move(files));
+    const Descriptor folder(::open(path->c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK));
+    struct ::stat info {};
+    if (!folder || ::fstat(folder.number(), &info) != 0 ||
+        !enters({info.st_dev, info.st_ino}, what, walk))
+        return {};
+    Content content = contentOf(folder.number());
+    if (what == SearchFor::Files)
+        return sorted(std::move(content.files));
+    if (walk != 0 && content.plain && isSettled(info, now_()))
+        keep(info, std::move(content.files), walk);
+    return sorted(std::move(content.folders));
 }
 
 } // namespace velmora::platform

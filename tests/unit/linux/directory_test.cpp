@@ -1,9 +1,13 @@
+#include "platform/linux/directory.h"
 #include "platform/linux/linux_files.h"
 
 #include "tests/fakes/fake_ansi.h"
 #include "tests/unit/linux/temp_folder.h"
 
 #include <gtest/gtest.h>
+
+#include <ctime>
+#include <filesystem>
 
 namespace velmora::platform {
 namespace {
@@ -165,6 +169,61 @@ TEST_F(Directory, remembersAWalkWhileManyOthersCome) {
         EXPECT_EQ(files.list(folder.text("sub"), SearchFor::Files, walk), List{u"file"});
         EXPECT_EQ(files.list(folder.text("sub"), SearchFor::Files, walk), List{});
     }
+}
+
+// Far behind all time stamps, so that every folder counts as long unchanged.
+std::time_t muchLater() { return std::time(nullptr) + 3600; }
+
+TEST_F(Directory, givesAFolderThatStoodUnchangedItsFilesFromTheFirstReading) {
+    folder.makeFolder("sub");
+    folder.makeFolder("sub/below");
+    for (const char *name : {"sub/b.mp3", "sub/A.mp3", "sub/.hidden"})
+        folder.write(name, "");
+    FolderWalks walks(muchLater);
+    EXPECT_EQ(walks.list(folder.text("sub"), SearchFor::Folders, 3), List{u"below"});
+    EXPECT_EQ(walks.list(folder.text("sub"), SearchFor::Files, 3), (List{u"A.mp3", u"b.mp3"}));
+    EXPECT_EQ(walks.list(folder.text("sub"), SearchFor::Files, 3), List{}) << "entered before";
+    EXPECT_EQ(walks.list(folder.text("sub"), SearchFor::Files, 4), (List{u"A.mp3", u"b.mp3"}));
+}
+
+TEST_F(Directory, seesInAWalkWhatCameAndWentBetweenFoldersAndFiles) {
+    folder.makeFolder("sub");
+    folder.write("sub/goes", "");
+    FolderWalks walks(muchLater);
+    EXPECT_EQ(walks.list(folder.text("sub"), SearchFor::Folders, 3), List{});
+    // The stamps of this disk go on in small steps; in life a folder has to stand for seconds.
+    const auto stamp = [&] { return std::filesystem::last_write_time(folder.text("sub")); };
+    const auto before = stamp();
+    for (int i = 0; i < 1'000'000 && stamp() == before; ++i) {
+        folder.write("sub/comes", "");
+        std::filesystem::remove(folder.text("sub/comes"));
+    }
+    ASSERT_NE(stamp(), before);
+    folder.write("sub/comes", "");
+    std::filesystem::remove(folder.text("sub/goes"));
+    EXPECT_EQ(walks.list(folder.text("sub"), SearchFor::Files, 3), List{u"comes"});
+}
+
+TEST_F(Directory, asksAgainWhereALinkLeads) {
+    folder.makeFolder("sub");
+    folder.write("file", "");
+    folder.link("sub/link", "../file");
+    FolderWalks walks(muchLater);
+    EXPECT_EQ(walks.list(folder.text("sub"), SearchFor::Folders, 3), List{});
+    std::filesystem::remove(folder.text("file"));
+    EXPECT_EQ(walks.list(folder.text("sub"), SearchFor::Files, 3), List{});
+}
+
+TEST_F(Directory, findsNoFilesInAFolderThatIsGoneOrReplacedWithinAWalk) {
+    folder.makeFolder("sub");
+    folder.write("sub/file", "");
+    FolderWalks walks(muchLater);
+    EXPECT_EQ(walks.list(folder.text("sub"), SearchFor::Folders, 3), List{});
+    std::filesystem::rename(folder.text("sub"), folder.text("aside"));
+    EXPECT_EQ(walks.list(folder.text("sub"), SearchFor::Files, 3), List{});
+    folder.makeFolder("sub");
+    folder.write("sub/other", "");
+    EXPECT_EQ(walks.list(folder.text("sub"), SearchFor::Files, 3), List{u"other"});
 }
 
 TEST_F(Directory, listsNamesOfAnyBytes) {

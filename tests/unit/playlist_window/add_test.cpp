@@ -188,12 +188,22 @@ TEST_F(AddFolder, TheWalkShowsFoldersWithTheirCount) {
     files.addFile(u"/music/a/x.mp3");
     dialogs.expectFolder(u"/music");
     answerSubfolders(MsgBoxResult::Yes);
-    // The first pump behind the question is the walk's first folder; the second its first file.
+    // The pumps behind the question: for the first folder, for what is found in it, and for the
+    // next folder.
     std::u16string shown;
+    windows.atNextPump([] {});
     windows.atNextPump([] {});
     windows.atNextPump([&] { shown = list.waitAdd_Show.caption(); });
     list.addDir_Click();
     EXPECT_EQ(shown, u"Folders：1\r\n/music/a/");
+}
+
+TEST_F(AddFolder, FoldersWithoutAnythingInThemLetEventsThroughToo) {
+    dialogs.expectFolder(u"/music");
+    answerSubfolders(MsgBoxResult::Yes);
+    windows.pumps = 0;
+    list.addDir_Click();
+    EXPECT_EQ(windows.pumps, 2) << "once for its folders, once for its files";
 }
 
 TEST_F(AddFolder, AFullListIsReportedOnceAfterTheWorkAndThePartIsSaved) {
