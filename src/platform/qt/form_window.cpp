@@ -15,6 +15,7 @@ namespace velmora::platform::qt {
 namespace {
 
 constexpr auto forcedPause = std::chrono::milliseconds(16);
+constexpr auto rollingPause = std::chrono::milliseconds(200);
 constexpr auto exposureLimit = std::chrono::milliseconds(500);
 
 } // namespace
@@ -212,7 +213,13 @@ void QtFormWindow::applyOutline() {
         scene_.paintOutline(painter, density);
     }
     const bool soft = translucent_ && hub_.x11.composited();
-    hub_.x11.setShape(nativeWindow(), solidRows(image, soft ? softThreshold : hardThreshold));
+    // While a line rolls without a compositor the server paints anew what each step uncovers, in a
+    // time that grows with the square of the rectangles: pairs of rows then share their outline.
+    const auto now = std::chrono::steady_clock::now();
+    const bool rolls = form_.unmanaged() && !soft && now - lastOutline_ < rollingPause;
+    lastOutline_ = now;
+    hub_.x11.setShape(nativeWindow(),
+                      solidRows(image, soft ? softThreshold : hardThreshold, rolls ? 2 : 1));
     hasOutline_ = true;
 }
 

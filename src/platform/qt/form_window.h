@@ -79,6 +79,7 @@ private:
     std::unique_ptr<TopWidget> top_;
     WindowPlace place_;
     std::chrono::steady_clock::time_point lastForced_;
+    std::chrono::steady_clock::time_point lastOutline_;
     bool shownOnce_ = false;
     bool hidePending_ = false;
     bool outlineDirty_ = true;

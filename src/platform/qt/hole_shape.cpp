@@ -14,12 +14,19 @@ struct Run {
     friend bool operator==(const Run &, const Run &) = default;
 };
 
-void findRuns(const QRgb *row, int width, int threshold, std::vector<Run> &runs) {
+// Alpha is the highest byte, so the greater of two pixels is the less transparent one.
+void addRow(const QRgb *row, std::vector<QRgb> &rows) {
+    for (std::size_t x = 0; x < rows.size(); ++x)
+        rows[x] = std::max(rows[x], row[x]);
+}
+
+void findRuns(const std::vector<QRgb> &row, int threshold, std::vector<Run> &runs) {
     runs.clear();
-    for (int x = 0; x < width;) {
+    const std::size_t width = row.size();
+    for (std::size_t x = 0; x < width;) {
         while (x < width && qAlpha(row[x]) < threshold)
             ++x;
-        const int from = x;
+        const std::size_t from = x;
         while (x < width && qAlpha(row[x]) >= threshold)
             ++x;
         if (x > from)
@@ -29,7 +36,7 @@ void findRuns(const QRgb *row, int width, int threshold, std::vector<Run> &runs)
 
 } // namespace
 
-std::vector<xcb_rectangle_t> solidRows(const QImage &image, int threshold) {
+std::vector<xcb_rectangle_t> solidRows(const QImage &image, int threshold, int together) {
     std::vector<xcb_rectangle_t> bands;
     std::vector<Run> before;
     std::vector<Run> runs;
@@ -39,9 +46,12 @@ std::vector<xcb_rectangle_t> solidRows(const QImage &image, int threshold) {
             bands.push_back({run.left, static_cast<std::int16_t>(top), run.width,
                              static_cast<std::uint16_t>(bottom - top)});
     };
-    for (int y = 0; y < image.height(); ++y) {
-        findRuns(reinterpret_cast<const QRgb *>(image.constScanLine(y)), image.width(), threshold,
-                 runs);
+    std::vector<QRgb> rows(static_cast<std::size_t>(image.width()));
+    for (int y = 0; y < image.height(); y += together) {
+        std::fill(rows.begin(), rows.end(), 0);
+        for (int row = y; row < std::min(y + together, image.height()); ++row)
+            addRow(reinterpret_cast<const QRgb *>(image.constScanLine(row)), rows);
+        findRuns(rows, threshold, runs);
         if (y > 0 && runs == before)
             continue;
         flush(y);

@@ -281,6 +281,22 @@ TEST(HoleShape, GivesTheRunsOfSolidPixelsInBands) {
     EXPECT_TRUE(platform::qt::solidRows(image, 129).size() == 2);
 }
 
+TEST(HoleShape, OfRowsTakenTogetherHasThePixelsOfAll) {
+    QImage image(6, 5, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    image.setPixel(1, 0, 0xFF000000);
+    image.setPixel(2, 1, 0xFF000000);
+    image.setPixel(5, 4, 0xFF000000);
+    const auto rows = platform::qt::solidRows(image, 128, 2);
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[0].x, 1);
+    EXPECT_EQ(rows[0].width, 2);
+    EXPECT_EQ(rows[0].height, 2);
+    EXPECT_EQ(rows[1].x, 5);
+    EXPECT_EQ(rows[1].y, 4);
+    EXPECT_EQ(rows[1].height, 1) << "not beyond the image";
+}
+
 TEST(HoleShape, OfNothingIsNothing) {
     QImage image(3, 3, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
