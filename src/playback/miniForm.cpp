@@ -123,7 +123,6 @@ StateControls miniForm::stateControls() {
 }
 
 void miniForm::show_Stopped() {
-    setCaption(app_.Main().title.caption());
     showStopped(app_, stateControls(), lrc_Text);
 }
 
