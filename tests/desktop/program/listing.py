@@ -43,23 +43,6 @@ class ListTest(PlayerTest):
         self.write_list(self.tracks)
         self.watch_desktop()
 
-    def watch_desktop(self):
-        """Whatever is handed to the desktop is written down instead."""
-        folder = self.session.home + "/bin"
-        os.makedirs(folder)
-        self.opened_log = self.session.home + "/opened"
-        with open(folder + "/xdg-open", "w") as script:
-            script.write(f'#!/bin/sh\nprintf "%s\\n" "$1" >> "{self.opened_log}"\n')
-        os.chmod(folder + "/xdg-open", 0o755)
-        self.session.env["PATH"] = folder + ":" + self.session.env["PATH"]
-
-    def opened(self):
-        try:
-            with open(self.opened_log, errors="surrogateescape") as log:
-                return log.read().splitlines()
-        except FileNotFoundError:
-            return []
-
     def click_row(self, player, rows, row, button=1, held=None, times=1):
         if held:
             player.tool("keydown", held)

@@ -8,6 +8,7 @@ A test script that imports this is called as
 import math
 import os
 import re
+import sqlite3
 import struct
 import subprocess
 import sys
@@ -55,8 +56,10 @@ ABOUT = design("src/ui/aboutForm.form")
 VIDEO = design("src/playback/VideoScreen_Form.form")
 CHECK = design("src/playback/check_SoundDriver_Form.form")
 LYRIC_SEARCH = design("src/network/search_Lrc_Internet_Form.form")  # the song search is as large
+WELCOME = design("src/network/welcomeForm.form")
 FORM_SIZES = {tuple(int(side) for side in form["form"][2:4])
-              for form in (MAIN, SPLASH, MINI, LIST, ASK, SETTINGS, ABOUT, CHECK, LYRIC_SEARCH)}
+              for form in (MAIN, SPLASH, MINI, LIST, ASK, SETTINGS, ABOUT, CHECK, LYRIC_SEARCH,
+                           WELCOME)}
 
 
 def stairs(path, seconds, level=0.5, base=200, step=100):
@@ -84,10 +87,11 @@ def pitch(samples):
 class Player:
     """One run of the program in a session."""
 
-    def __init__(self, session):
+    def __init__(self, session, program=PROGRAM):
         self.session = session
+        self.screen_width = int(session.screen.split("x")[0])
         self.errors = open(session.home + "/errors.log", "ab")
-        self.child = subprocess.Popen([PROGRAM], env=session.env, stderr=self.errors,
+        self.child = subprocess.Popen([program], env=session.env, stderr=self.errors,
                                       stdout=subprocess.DEVNULL, start_new_session=True)
         self.errors.close()
         session.children.append(self.child)
@@ -133,7 +137,9 @@ class Player:
     def menus(self, count=1, seconds=10):
         """The open popup menus, outermost first, once there are so many; None if there never are."""
         def look():
-            found = self.others(unmanaged=True)
+            # The desktop's line of lyric, empty or not, is as wide as the screen.
+            found = [number for number in self.others(unmanaged=True)
+                     if self.size(number)[0] < self.screen_width]
             return (sorted(found, key=int),) if len(found) == count else None
         found = wait_for(look, seconds)
         return found[0] if found else None
@@ -237,13 +243,50 @@ class PlayerTest(unittest.TestCase):
                     return f"{folder}/{name}"
         return None
 
+    def stored(self, name):
+        path = self.registry_file()
+        if not path:
+            return None
+        database = sqlite3.connect(path)
+        try:
+            row = database.execute(
+                "select data from entries join keys on keys.id = entries.key "
+                "where keys.folded like ? and entries.folded = ?",
+                ("%PLAYSET", name.upper())).fetchone()
+        finally:
+            database.close()
+        if row is None:
+            return None
+        return row[0].decode() if isinstance(row[0], bytes) else row[0]
+
+    def assert_stored(self, name, value):
+        self.assertTrue(wait_for(lambda: self.stored(name) == value),
+                        f"{name} is {self.stored(name)!r}, not {value!r}")
+
+    def watch_desktop(self):
+        """Whatever is handed to the desktop is written down instead."""
+        folder = self.session.home + "/bin"
+        os.makedirs(folder)
+        self.opened_log = self.session.home + "/opened"
+        with open(folder + "/xdg-open", "w") as script:
+            script.write(f'#!/bin/sh\nprintf "%s\\n" "$1" >> "{self.opened_log}"\n')
+        os.chmod(folder + "/xdg-open", 0o755)
+        self.session.env["PATH"] = folder + ":" + self.session.env["PATH"]
+
+    def opened(self):
+        try:
+            with open(self.opened_log, errors="surrogateescape") as log:
+                return log.read().splitlines()
+        except FileNotFoundError:
+            return []
+
     @staticmethod
     def begins(path, beginning):
         with open(path, "rb") as file:
             return file.read(len(beginning)) == beginning
 
-    def start(self):
-        player = Player(self.session)
+    def start(self, program=PROGRAM):
+        player = Player(self.session, program)
         window = player.window()
         self.assertTrue(window, "the main window does not come up")
         return player, window

@@ -11,7 +11,8 @@ import signal
 import sys
 import unittest
 
-from player import APP, MAIN, PlayerTest, design, stairs
+from household import HouseholdTest
+from player import design, stairs
 from session import Recorder, quiet, wait_for
 
 LYRICS = design("src/network/search_Lrc_Internet_Form.form")
@@ -22,45 +23,7 @@ ROW = 27
 LYRIC = "[00:01.00]first words\r\n[00:02.00]second words\r\n"
 
 
-class NetworkTest(PlayerTest):
-    def setUp(self):
-        super().setUp()
-        self.served = self.session.home + "/served"
-        os.makedirs(self.served)
-        config = self.session.env["XDG_CONFIG_HOME"] + "/velmora"
-        os.makedirs(config, exist_ok=True)
-        self.registry = config + "/registry.sqlite"
-        self.player = self.window = self.server = None
-
-    def app(self, *names):
-        return "/".join([self.session.env["XDG_DATA_HOME"], "velmora", APP, *names])
-
-    def serve(self):
-        """The catalogue on a port of its own, known to the player from its first start on."""
-        self.server = self.session.spawn(
-            [os.environ["VELMORA_CATALOGUE"], self.served, "--port", "0", "--introduce",
-             self.registry])
-        self.assertTrue(wait_for(lambda: os.path.exists(self.registry) and
-                                 b"songSearch" in self.registry_bytes()),
-                        "the catalogue does not come up")
-
-    def registry_bytes(self):
-        found = b""
-        for ending in ("", "-wal"):
-            if os.path.exists(self.registry + ending):
-                with open(self.registry + ending, "rb") as file:
-                    found += file.read()
-        return found
-
-    def begin(self):
-        self.player, self.window = self.start()
-
-    def open(self, control, form):
-        self.player.click(self.window, control, form=MAIN)
-        found = self.player.form(form)
-        self.assertTrue(found, f"{control} opens nothing")
-        return found
-
+class NetworkTest(HouseholdTest):
     def look_for(self, window, form, name, singer=""):
         for box, text in (("songName_Text", name), ("singer_Str", singer)):
             self.player.click(window, box, form=form)
@@ -83,17 +46,6 @@ class NetworkTest(PlayerTest):
     def fetch_first(self, window, form):
         self.assertTrue(wait_for(lambda: self.rows_shown(window, form), 10), "no row is shown")
         self.player.click_at(window, *self.row(form, 0), times=2)
-
-    @staticmethod
-    def content(path):
-        if not os.path.exists(path):
-            return None
-        with open(path, "rb") as file:
-            return file.read()
-
-    def assert_content(self, path, expected, seconds=15):
-        self.assertTrue(wait_for(lambda: self.content(path) == expected, seconds),
-                        f"{path} holds {(self.content(path) or b'nothing')[:80]}")
 
 
 class Lyrics(NetworkTest):

@@ -81,28 +81,6 @@ class SettingsTest(PlayerTest):
             return now if same else None
         return wait_for(look)
 
-    # --- what is stored --------------------------------------------------------------------------
-
-    def stored(self, name):
-        path = self.registry_file()
-        if not path:
-            return None
-        database = sqlite3.connect(path)
-        try:
-            row = database.execute(
-                "select data from entries join keys on keys.id = entries.key "
-                "where keys.folded like ? and entries.folded = ?",
-                ("%PLAYSET", name.upper())).fetchone()
-        finally:
-            database.close()
-        if row is None:
-            return None
-        return row[0].decode() if isinstance(row[0], bytes) else row[0]
-
-    def assert_stored(self, name, value):
-        self.assertTrue(wait_for(lambda: self.stored(name) == value),
-                        f"{name} is {self.stored(name)!r}, not {value!r}")
-
 
 class ByMouse(SettingsTest):
     def test_each_tab_shows_a_page_of_its_own(self):
