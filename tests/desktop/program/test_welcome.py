@@ -165,7 +165,7 @@ class Welcome(MakerTest):
             seen[-1][2] = time.monotonic()
             empty = [picture for picture, _, _ in seen[:-1] if max(picture) < 110]
             return len(empty) == rounds
-        self.assertTrue(wait_for(look, 60), "the empty pass does not come so often")
+        self.assertTrue(wait_for(look, 120), "the empty pass does not come so often")
         states = []
         for picture, first, last in seen[:-1]:
             state = kind(picture, last - first)
@@ -187,10 +187,9 @@ class Welcome(MakerTest):
 
     def test_a_banner_wider_than_its_glass_rolls_by_behind_the_others(self):
         window = self.start_page(PAGE.replace("tab0=", LONG + "tab0=", 1))
-        states = self.banner_states(window, 2)
+        states = self.banner_states(window, 1)
         first, second = self.banner_texts(states)
         self.assertEqual(states[-4:], [first, second, "rolling", "empty"])
-        self.assertEqual(states.count("rolling"), 2)
 
     def test_a_click_on_the_banner_hands_over_the_address_of_what_it_shows(self):
         window = self.start_page()
