@@ -105,9 +105,11 @@ class Player:
 
     def form(self, places, seconds=10):
         """The visible window of a form, known by the size of its design."""
-        wanted = tuple(int(side) for side in places["form"][2:4])
         return wait_for(lambda: next((number for number in self.windows()
-                                      if self.size(number) == wanted), None), seconds)
+                                      if self.is_form(number, places)), None), seconds)
+
+    def is_form(self, number, places):
+        return self.size(number) == tuple(int(side) for side in places["form"][2:4])
 
     def gone(self, number, seconds=10):
         return wait_for(lambda: number not in self.windows(), seconds)

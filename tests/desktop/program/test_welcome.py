@@ -15,7 +15,7 @@ import time
 import unittest
 
 from household import HouseholdTest
-from player import MAIN, PROGRAM, SETTINGS, WELCOME
+from player import MAIN, PROGRAM, SETTINGS, WELCOME, Player
 from session import quiet, wait_for
 
 TABS = ("tabButton_0", "tabButton_1", "tabButton_2")
@@ -308,15 +308,14 @@ class Update(MakerTest):
         self.answer(self.ask(), "n")
         self.assertIsNone(self.player.child.poll())
 
-    def successor(self):
-        """The process of a visible main window of the new program."""
+    def successor(self, form=MAIN):
+        """The process of a visible main, or any, window of the new program."""
         for number in quiet("xdotool", "search", "--onlyvisible", "--class", "velmora",
                             env=self.session.env).split():
             pid = quiet("xdotool", "getwindowpid", number, env=self.session.env)
-            wanted = tuple(int(side) for side in MAIN["form"][2:4])
             try:
                 if os.readlink(f"/proc/{int(pid)}/exe") == self.newer and \
-                        self.player.size(number) == wanted:
+                        (form is None or self.player.is_form(number, form)):
                     return int(pid)
             except (OSError, ValueError):
                 pass
@@ -377,6 +376,34 @@ class Update(MakerTest):
         self.assertEqual(os.listdir(self.folder), ["velmora"])
         self.assertIsNone(self.player.child.poll())
 
+    def test_a_start_checks_by_itself_when_told_so_and_the_new_program_may_take_over(self):
+        self.begin_with_offer()
+        settings = self.open_settings()
+        self.player.click_at(settings, SETTINGS_FRAME[0] + 30,
+                             SETTINGS_FRAME[1] + (2400 + 165) / 15)
+        self.player.click(settings, "qd", form=SETTINGS)
+        self.assert_stored("AutoUpadate", "1")
+        self.assertTrue(self.player.gone(settings))
+        self.session.key("Escape", self.window)
+        self.assertTrue(self.player.ended())
+        self.player = Player(self.session, self.program)
+        box = self.next_box("the start does not ask")
+        self.assertIsNone(self.player.form(MAIN, 0.1), "the start does not wait for the answer")
+        self.answer(box, "n")
+        self.window = self.player.window()
+        self.assertTrue(self.window, "the start does not go on")
+        self.session.key("Escape", self.window)
+        self.assertTrue(self.player.ended())
+        self.player = Player(self.session, self.program)
+        self.answer(self.next_box("the start does not ask"), "y")
+        self.session.key("y", self.next_box("it does not ask whether to start the new program"))
+        self.assertTrue(self.player.ended(), "the old program goes on")
+        self.assertEqual(self.player.child.returncode, 0)
+        # The new one is offered here again, as the two are alike in truth.
+        new = wait_for(lambda: self.successor(None), 20)
+        self.assertTrue(new, "the new program does not come up")
+        self.addCleanup(self.end, new)
+
     def test_without_a_newer_program_it_says_so(self):
         self.begin_here()
         box = self.ask()
@@ -385,11 +412,14 @@ class Update(MakerTest):
         self.assertIsNone(self.player.child.poll())
         self.assertEqual(os.listdir(self.folder), ["velmora"])
 
-    def speak(self, language):
-        quiet("xdotool", "windowfocus", "--sync", self.window, env=self.session.env)
-        self.session.key("ctrl+s")
+    def open_settings(self):
+        self.session.key("ctrl+s", self.window)
         settings = self.player.form(SETTINGS)
         self.assertTrue(settings, "the settings do not come up")
+        return settings
+
+    def speak(self, language):
+        settings = self.open_settings()
         self.player.click(settings, "languageSet", form=SETTINGS)
         self.player.click_at(settings, SETTINGS_FRAME[0] + 40,
                              SETTINGS_FRAME[1] + (LANGUAGES[language] + 165) / 15)
