@@ -122,9 +122,7 @@ StateControls miniForm::stateControls() {
             playInfo_Show,          nameBox,    load_Played};
 }
 
-void miniForm::show_Stopped() {
-    showStopped(app_, stateControls(), lrc_Text);
-}
+void miniForm::show_Stopped() { showStopped(app_, stateControls(), lrc_Text); }
 
 void miniForm::tick() {
     passOver([this] {
