@@ -55,11 +55,11 @@ TEST_F(LongWork, AFolderKeepsTheListAndMainsButtonsStill) {
     answerSubfolders(MsgBoxResult::No);
     const auto &seen = watch();
     list.addDir_Click();
-    ASSERT_EQ(seen.size(), 1U);
-    EXPECT_FALSE(seen[0].list);
-    EXPECT_FALSE(seen[0].button);
-    EXPECT_FALSE(seen[0].mainPlay);
-    EXPECT_TRUE(seen[0].panel);
+    ASSERT_EQ(seen.size(), 2U) << "for the folder, and for its file";
+    EXPECT_FALSE(seen[1].list);
+    EXPECT_FALSE(seen[1].button);
+    EXPECT_FALSE(seen[1].mainPlay);
+    EXPECT_TRUE(seen[1].panel);
     expectAllGivenBack();
 }
 
@@ -115,14 +115,14 @@ TEST_F(LongWork, TheWalkPumpsAndRepaintsForEachFolderAndEachFile) {
     windows.refreshes = 0;
     const auto &seen = watch();
     list.addDir_Click();
-    EXPECT_EQ(seen.size(), 4U);
+    ASSERT_EQ(seen.size(), 10U) << "for each folder twice, and for each of the four entries";
     EXPECT_EQ(windows.refreshes, 4);
     // Each pump comes ahead of its entry, so it sees the entry before.
-    EXPECT_EQ(seen[1].title, u"Add Files Loading...");
-    EXPECT_EQ(seen[1].text, u"Folders：1\r\n/music/a/");
-    EXPECT_EQ(seen[2].text, u"Folders：2\r\n/music/b/");
-    EXPECT_EQ(seen[3].title, app.Language().msg_Loading_Tracks);
-    EXPECT_EQ(seen[3].text, u"/music/a/x.mp3");
+    EXPECT_EQ(seen[2].title, u"Add Files Loading...");
+    EXPECT_EQ(seen[2].text, u"Folders：1\r\n/music/a/");
+    EXPECT_EQ(seen[3].text, u"Folders：2\r\n/music/b/");
+    EXPECT_EQ(seen[8].title, app.Language().msg_Loading_Tracks);
+    EXPECT_EQ(seen[8].text, u"/music/a/x.mp3");
 }
 
 TEST_F(LongWork, AFolderThatCannotBeReadAddsNothingAndTheWalkGoesOn) {
