@@ -197,7 +197,7 @@ TEST_F(ListRowsTest, ABigListIsFilledSearchedAndEmptiedInReasonableTime) {
     while (list.listCount() > 0) {
         list.removeItem(list.listCount() / 2);
     }
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(90));
 }
 
 TEST_F(ListRowsTest, ManyEqualRowsAreNoTrap) {
