@@ -51,6 +51,18 @@ struct QtWindowSystem::Parts {
         return entry != nullptr ? entry->form : nullptr;
     }
 
+    // A shown window that stands by itself in the upper half of the screen; the line across the
+    // desktop never leaves the lower edge.
+    bool stripIsUp() const {
+        const Twips middle = qt::toTwips(qt::screens::primary().height()) / 2;
+        for (const auto &[number, entry] : hub.forms)
+            if (entry.form->unmanaged() && entry.form->visible() && entry.form->top() < middle)
+                return true;
+        return false;
+    }
+
+    PointPixels pointerAt;
+    std::chrono::steady_clock::time_point pointerAsked{};
     std::unique_ptr<qt::Application> application; // first made, last to go
     qt::Hub hub;
     qt::Tray tray;
@@ -234,9 +246,18 @@ bool QtWindowSystem::GetWindowRect(HWND window, RectPixels &rect) {
 Twips QtWindowSystem::screenWidth() { return qt::toTwips(qt::screens::primary().width()); }
 Twips QtWindowSystem::screenHeight() { return qt::toTwips(qt::screens::primary().height()); }
 
+// The pointer is asked for at every tick of a strip that may be hidden, and each question is a
+// round trip to the screen: with no button down and no strip up the answer may be a second old.
 bool QtWindowSystem::GetCursorPos(PointPixels &position) {
-    const QPointF at = qt::screens::toProgram(QCursor::pos());
-    position = parts_->sensor.pointer({qRound(at.x()), qRound(at.y())});
+    constexpr std::chrono::seconds oldest{1};
+    const auto now = std::chrono::steady_clock::now();
+    const bool isLive = QGuiApplication::mouseButtons() != Qt::NoButton || parts_->stripIsUp();
+    if (isLive || now - parts_->pointerAsked > oldest) {
+        const QPointF at = qt::screens::toProgram(QCursor::pos());
+        parts_->pointerAt = {qRound(at.x()), qRound(at.y())};
+        parts_->pointerAsked = now;
+    }
+    position = parts_->sensor.pointer(parts_->pointerAt);
     return true;
 }
 
