@@ -50,11 +50,11 @@ PulseStream::~PulseStream() {
 }
 
 void PulseStream::connect() {
-    const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE, static_cast<std::uint32_t>(rate_), 2};
+    const pa_sample_spec shape{PA_SAMPLE_FLOAT32NE, static_cast<std::uint32_t>(rate_), 2};
     pa_proplist *properties = table_.pa_proplist_new();
     table_.pa_proplist_sets(properties, PA_PROP_MEDIA_ROLE, "music");
     stream_ =
-        table_.pa_stream_new_with_proplist(link_.context(), "Music", &spec, nullptr, properties);
+        table_.pa_stream_new_with_proplist(link_.context(), "Music", &shape, nullptr, properties);
     table_.pa_proplist_free(properties);
     if (!stream_) {
         state_ = State::Lost;

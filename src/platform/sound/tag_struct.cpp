@@ -101,8 +101,8 @@ std::uint64_t TagReader::microseconds() {
 int TagReader::sampleSpecChannels() {
     if (!take('a'))
         return 0;
-    const auto spec = raw(6); // format, channels, rate
-    return spec.empty() ? 0 : spec[1];
+    const auto shape = raw(6); // format, channels, rate
+    return shape.empty() ? 0 : shape[1];
 }
 
 void TagReader::channelMap() {

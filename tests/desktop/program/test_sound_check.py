@@ -54,7 +54,7 @@ class SoundCheck(PlayerTest):
                     value = int(found[1], 16) if found else 0
                     return value - 0x10000 if value > 0x7FFF else value
                 return {"name": re.search(r"Description: (.*)", sink)[1][:31],
-                        "channels": int(re.search(r"Sample Specification: \S+ (\d+)ch", sink)[1]),
+                        "channels": len(re.search(r"Channel Map: (.*)", sink)[1].split(",")),
                         "vendor": number(r"device\.vendor\.id"),
                         "product": number(r"device\.product\.id")}
         return None
