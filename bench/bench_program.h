@@ -13,6 +13,7 @@
 #include "settings/Language_Set.h"
 #include "settings/setControl.h"
 #include "tests/fakes/fake_platform.h"
+#include "tests/fakes/instead.h"
 #include "velmora.h"
 
 #include <cstdlib>
@@ -61,22 +62,9 @@ private:
     }
 
     platform::Platform bundle() {
-        const platform::Platform all = fake.bundle();
-        return {.ansi = *ansi_,
-                .clock = all.clock,
-                .dialogs = all.dialogs,
-                .files = *files_,
-                .folders = all.folders,
-                .internet = all.internet,
-                .media = all.media,
-                .processes = all.processes,
-                .profiles = all.profiles,
-                .registry = registry_ ? *registry_ : all.registry,
-                .shell = all.shell,
-                .versions = all.versions,
-                .waitableTimers = all.waitableTimers,
-                .waveOut = all.waveOut,
-                .windows = all.windows};
+        return fakes::with(
+            fake.bundle(),
+            {.ansi = ansi_.get(), .files = files_.get(), .registry = registry_.get()});
     }
 
     std::string folder_;

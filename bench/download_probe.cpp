@@ -17,6 +17,7 @@
 #include "settings/setControl.h"
 #include "settings/skinSet.h"
 #include "tests/fakes/fake_platform.h"
+#include "tests/fakes/instead.h"
 #include "velmora.h"
 
 #include <sys/resource.h>
@@ -89,22 +90,11 @@ public:
 
 private:
     platform::Platform bundle() {
-        const platform::Platform all = fake_.bundle();
-        return {.ansi = all.ansi,
-                .clock = *clock_,
-                .dialogs = all.dialogs,
-                .files = *files_,
-                .folders = all.folders,
-                .internet = *internet_,
-                .media = all.media,
-                .processes = all.processes,
-                .profiles = *profiles_,
-                .registry = all.registry,
-                .shell = all.shell,
-                .versions = all.versions,
-                .waitableTimers = all.waitableTimers,
-                .waveOut = all.waveOut,
-                .windows = windows_};
+        return fakes::with(fake_.bundle(), {.clock = clock_.get(),
+                                            .files = files_.get(),
+                                            .internet = internet_.get(),
+                                            .profiles = profiles_.get(),
+                                            .windows = &windows_});
     }
 
     platform::QtWindowSystem &windows_;

@@ -8,6 +8,7 @@
 #include "network/zkWininetDown.h"
 #include "platform/curl/curl_internet.h"
 #include "tests/engine/http/loopback_server.h"
+#include "tests/fakes/instead.h"
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -136,22 +137,9 @@ int main(int count, char **words) {
     const auto internet =
         platform::makeInternet(*ansi, [] { return std::vector<std::u16string>(); });
     bench::Program program;
-    const platform::Platform fakes = program.fake.bundle();
-    const platform::Platform all = {.ansi = *ansi,
-                                    .clock = fakes.clock,
-                                    .dialogs = fakes.dialogs,
-                                    .files = *files,
-                                    .folders = fakes.folders,
-                                    .internet = *internet,
-                                    .media = fakes.media,
-                                    .processes = fakes.processes,
-                                    .profiles = fakes.profiles,
-                                    .registry = fakes.registry,
-                                    .shell = fakes.shell,
-                                    .versions = fakes.versions,
-                                    .waitableTimers = fakes.waitableTimers,
-                                    .waveOut = fakes.waveOut,
-                                    .windows = fakes.windows};
+    const platform::Platform all =
+        fakes::with(program.fake.bundle(),
+                    {.ansi = ansi.get(), .files = files.get(), .internet = internet.get()});
     char folder[] = "/tmp/velmora-bench-XXXXXX";
     if (::mkdtemp(folder) == nullptr)
         return 1;

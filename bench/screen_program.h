@@ -15,6 +15,7 @@
 #include "settings/skinSet.h"
 #include "tests/desktop/x_session.h"
 #include "tests/fakes/fake_platform.h"
+#include "tests/fakes/instead.h"
 #include "velmora.h"
 
 #include <QApplication>
@@ -168,22 +169,8 @@ private:
     }
 
     platform::Platform bundle() {
-        const platform::Platform all = fake.bundle();
-        return {.ansi = *ansi_,
-                .clock = all.clock,
-                .dialogs = all.dialogs,
-                .files = *files_,
-                .folders = all.folders,
-                .internet = all.internet,
-                .media = all.media,
-                .processes = all.processes,
-                .profiles = all.profiles,
-                .registry = all.registry,
-                .shell = all.shell,
-                .versions = all.versions,
-                .waitableTimers = all.waitableTimers,
-                .waveOut = all.waveOut,
-                .windows = *windows};
+        return fakes::with(fake.bundle(),
+                           {.ansi = ansi_.get(), .files = files_.get(), .windows = windows.get()});
     }
 
     std::unique_ptr<platform::AnsiText> ansi_ =

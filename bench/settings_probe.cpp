@@ -19,6 +19,7 @@
 #include "settings/setControl.h"
 #include "settings/skinSet.h"
 #include "tests/fakes/fake_platform.h"
+#include "tests/fakes/instead.h"
 #include "ui/formSet.h"
 #include "velmora.h"
 
@@ -74,22 +75,7 @@ public:
 
 private:
     platform::Platform bundle() {
-        const platform::Platform all = fake_.bundle();
-        return {.ansi = all.ansi,
-                .clock = all.clock,
-                .dialogs = all.dialogs,
-                .files = all.files,
-                .folders = all.folders,
-                .internet = all.internet,
-                .media = all.media,
-                .processes = all.processes,
-                .profiles = all.profiles,
-                .registry = registry_,
-                .shell = all.shell,
-                .versions = all.versions,
-                .waitableTimers = all.waitableTimers,
-                .waveOut = all.waveOut,
-                .windows = windows_};
+        return fakes::with(fake_.bundle(), {.registry = &registry_, .windows = &windows_});
     }
 
     // Handles what is pending and paints what has changed.

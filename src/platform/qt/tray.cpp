@@ -2,6 +2,9 @@
 
 #include "platform/qt/text_convert.h"
 
+#include <QCoreApplication>
+#include <QMouseEvent>
+
 namespace velmora::platform::qt {
 
 namespace {
@@ -13,6 +16,7 @@ constexpr std::int32_t leftUp = 0x202;
 constexpr std::int32_t leftDouble = 0x203;
 constexpr std::int32_t rightDown = 0x204;
 constexpr std::int32_t rightUp = 0x205;
+constexpr std::int32_t rightDouble = 0x206;
 constexpr std::int32_t middleDown = 0x207;
 constexpr std::int32_t middleUp = 0x208;
 
@@ -38,6 +42,7 @@ bool Tray::notify(std::uint32_t operation, const NotifyIconData &data) {
         return false;
     } else if (operation == NIM_DELETE) {
         wanted_ = false;
+        QCoreApplication::instance()->removeEventFilter(this);
         icon_.reset();
         return true;
     } else if (operation != NIM_MODIFY) {
@@ -70,6 +75,7 @@ void Tray::apply() {
         icon_ = std::make_unique<QSystemTrayIcon>();
         QObject::connect(icon_.get(), &QSystemTrayIcon::activated, icon_.get(),
                          [this](QSystemTrayIcon::ActivationReason reason) { activated(reason); });
+        QCoreApplication::instance()->installEventFilter(this);
     }
     icon_->setIcon(hub_.icon(picture_));
     icon_->setToolTip(tip_);
@@ -97,6 +103,16 @@ void Tray::activated(QSystemTrayIcon::ActivationReason reason) {
     default:
         break;
     }
+}
+
+bool Tray::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() != QEvent::MouseButtonDblClick ||
+        static_cast<QMouseEvent *>(event)->button() != Qt::RightButton ||
+        !watched->inherits("QSystemTrayIconSys"))
+        return false;
+    send(rightDouble);
+    send(rightUp);
+    return true;
 }
 
 void Tray::send(std::int32_t mouseMessage) {

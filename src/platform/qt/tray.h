@@ -2,6 +2,7 @@
 
 #include "platform/qt/hub.h"
 
+#include <QObject>
 #include <QString>
 #include <QSystemTrayIcon>
 
@@ -11,13 +12,16 @@ namespace velmora::platform::qt {
 
 // The one icon in the tray. What is asked for is kept at once and reaches the desktop with the next
 // round of the loop: finding out what kind of tray there is takes longer than a start may.
-class Tray {
+class Tray : private QObject {
 public:
     explicit Tray(Hub &hub) : hub_(hub) {}
 
     bool notify(std::uint32_t operation, const NotifyIconData &data);
 
 private:
+    // The toolkit tells only of the left button's double clicks; a right click that follows the
+    // last one quickly would be lost.
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void applySoon();
     void apply();
     void activated(QSystemTrayIcon::ActivationReason reason);

@@ -28,6 +28,7 @@
 #include "settings/setControl.h"
 #include "settings/skinSet.h"
 #include "tests/fakes/fake_platform.h"
+#include "tests/fakes/instead.h"
 #include "ui/aboutForm.h"
 #include "ui/zkProgress.h"
 #include "velmora.h"
@@ -76,12 +77,7 @@ public:
     }
 
 private:
-    platform::Platform bundle() {
-        const platform::Platform all = fake_.bundle();
-        return {all.ansi,     all.clock,    all.dialogs,        all.files,    all.folders,
-                all.internet, all.media,    all.processes,      all.profiles, all.registry,
-                all.shell,    all.versions, all.waitableTimers, all.waveOut,  windows_};
-    }
+    platform::Platform bundle() { return fakes::with(fake_.bundle(), {.windows = &windows_}); }
 
     void fillMain() {
         velmora::Main &main = app_.Main();

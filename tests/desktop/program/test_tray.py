@@ -118,6 +118,17 @@ class Tray(PlayerTest):
         self.assertEqual(player.child.returncode, 0)
         self.assertIsNone(self.icon(player, 1), "an icon is left in the tray")
 
+    def test_a_right_click_soon_after_another_opens_the_menu_again(self):
+        self.start_tray()
+        player, main = self.start()
+        self.click_icon(player, 3)
+        self.assertTrue(player.menus())
+        for _ in range(2):  # near enough in time and place to count as double clicks
+            self.session.key("Escape")
+            self.assertIsNotNone(player.menus(0))
+            player.tool("click", 3)
+            self.assertTrue(player.menus(), "the click is lost")
+
     def test_a_tray_that_comes_late_gets_the_icon(self):
         player, main = self.start()
         self.start_tray()

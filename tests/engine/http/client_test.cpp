@@ -3,6 +3,7 @@
 #include "http_fixture.h"
 #include "network/zkWininetDown.h"
 #include "tests/fakes/fake_platform.h"
+#include "tests/fakes/instead.h"
 
 #include <filesystem>
 #include <fstream>
@@ -26,22 +27,7 @@ protected:
     ~HttpClient() override { fs::remove_all(folder_); }
 
     platform::Platform bundle() {
-        const platform::Platform all = fake_.bundle();
-        return {.ansi = all.ansi,
-                .clock = all.clock,
-                .dialogs = all.dialogs,
-                .files = *files_,
-                .folders = all.folders,
-                .internet = internet(),
-                .media = all.media,
-                .processes = all.processes,
-                .profiles = all.profiles,
-                .registry = all.registry,
-                .shell = all.shell,
-                .versions = all.versions,
-                .waitableTimers = all.waitableTimers,
-                .waveOut = all.waveOut,
-                .windows = all.windows};
+        return fakes::with(fake_.bundle(), {.files = files_.get(), .internet = &internet()});
     }
 
     // Fetches into "new/song.mp3" and keeps what was raised: "1 2 3 4", "E8", "D0" and so on; the

@@ -14,6 +14,7 @@
 #include "playlist/playList_Form.h"
 #include "settings/setControl.h"
 #include "tests/fakes/fake_platform.h"
+#include "tests/fakes/instead.h"
 #include "velmora.h"
 
 #include <cmath>
@@ -139,12 +140,7 @@ private:
     std::int64_t realMs() const {
         return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begun_).count();
     }
-    platform::Platform bundle() {
-        return {fake_.ansi,           fake_.clock,    fake_.dialogs, fake_.files,
-                fake_.folders,        fake_.internet, media_,        fake_.processes,
-                fake_.profiles,       fake_.registry, fake_.shell,   fake_.versions,
-                fake_.waitableTimers, fake_.waveOut,  fake_.windows};
-    }
+    platform::Platform bundle() { return fakes::with(fake_.bundle(), {.media = &media_}); }
 
     Clock::time_point begun_ = Clock::now();
     inline static XvfbServer *display_ = nullptr;

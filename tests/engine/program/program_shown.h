@@ -19,6 +19,7 @@
 #include "playlist/playList_Form.h"
 #include "settings/setControl.h"
 #include "tests/fakes/fake_platform.h"
+#include "tests/fakes/instead.h"
 #include "velmora.h"
 
 #include <gtest/gtest.h>
@@ -109,9 +110,15 @@ protected:
         [](Clock::time_point due) { return windows_->waitForEvents(due); });
     platform::media::MciInterpreter media_{platform::sound::makeSoundOpener(),
                                            platform::makePictureOpener()};
-    std::unique_ptr<Velmora> app_ = std::make_unique<Velmora>(platform::Platform{
-        *ansi_, *clock_, fake_.dialogs, *files_, *folders_, fake_.internet, media_, fake_.processes,
-        fake_.profiles, registry_, fake_.shell, fake_.versions, *waits_, fake_.waveOut, *windows_});
+    std::unique_ptr<Velmora> app_ =
+        std::make_unique<Velmora>(fakes::with(fake_.bundle(), {.ansi = ansi_.get(),
+                                                               .clock = clock_.get(),
+                                                               .files = files_.get(),
+                                                               .folders = folders_.get(),
+                                                               .media = &media_,
+                                                               .registry = &registry_,
+                                                               .waitableTimers = waits_.get(),
+                                                               .windows = windows_}));
 
     inline static PulseServer *server_ = nullptr;
     inline static MonitorRecorder *recorder_ = nullptr;

@@ -6,43 +6,22 @@
 #include "network/lrc_Internet_Search.h"
 #include "network/search_Lrc_Internet_Form.h"
 #include "tests/fakes/fake_platform.h"
+#include "tests/fakes/instead.h"
+#include "tests/fuzz/network/one_page.h"
 #include "velmora.h"
 
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 
-namespace {
-
 using namespace velmora;
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
-
-// The same page at every address.
-class OnePage : public fakes::FakeInternet {
-public:
-    using FakeInternet::FakeInternet;
-    std::string page;
-    int fetches = 0;
-    std::optional<std::string> XmlHttpGet(std::u16string_view) override {
-        // An engine that leads on and on: enough is enough for one run.
-        return ++fetches <= 20 ? std::optional(page) : std::nullopt;
-    }
-};
-
-} // namespace
+using namespace velmora::fuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     fakes::FakePlatform fake;
     OnePage internet(fake.ansi, fake.files);
     internet.page.assign(reinterpret_cast<const char *>(data), size);
-    const platform::Platform all = fake.bundle();
-    Velmora app({all.ansi, all.clock, all.dialogs, all.files, all.folders, internet, all.media,
-                 all.processes, all.profiles, all.registry, all.shell, all.versions,
-                 all.waitableTimers, all.waveOut, all.windows});
+    Velmora app(fakes::with(fake.bundle(), {.internet = &internet}));
     constexpr char16_t hosts[] = u"SOFTWARE\\Norvane\\zkPlayer\\hosts";
     fake.registry.setText(hosts, u"lrcSearch", u"http://e");
     fake.registry.setText(hosts, u"lrcSiteA", u"http://a");

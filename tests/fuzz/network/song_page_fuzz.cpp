@@ -8,6 +8,8 @@
 #include "network/song_Internet_Search.h"
 #include "settings/setControl.h"
 #include "tests/fakes/fake_platform.h"
+#include "tests/fakes/instead.h"
+#include "tests/fuzz/network/one_page.h"
 #include "velmora.h"
 
 #include <algorithm>
@@ -18,18 +20,7 @@
 namespace {
 
 using namespace velmora;
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
-
-class OnePage : public fakes::FakeInternet {
-public:
-    using FakeInternet::FakeInternet;
-    std::string page;
-    std::optional<std::string> XmlHttpGet(std::u16string_view) override { return page; }
-};
+using namespace velmora::fuzz;
 
 void useRow(Velmora &app, std::int32_t row) {
     search_Song_Internet_Form &form = app.search_Song_Internet_Form();
@@ -45,10 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     fakes::FakePlatform fake;
     OnePage internet(fake.ansi, fake.files);
     internet.page.assign(reinterpret_cast<const char *>(data), size);
-    const platform::Platform all = fake.bundle();
-    Velmora app({all.ansi, all.clock, all.dialogs, all.files, all.folders, internet, all.media,
-                 all.processes, all.profiles, all.registry, all.shell, all.versions,
-                 all.waitableTimers, all.waveOut, all.windows});
+    Velmora app(fakes::with(fake.bundle(), {.internet = &internet}));
     fake.registry.setText(u"SOFTWARE\\Norvane\\zkPlayer\\hosts", u"songSearch", u"http://s");
     fake.files.addFolder(u"/d/cache");
     app.setControl().Path_Cache = u"/d/cache";

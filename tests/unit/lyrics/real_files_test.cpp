@@ -5,12 +5,12 @@
 #include "platform/linux/linux.h"
 #include "platform/linux/linux_files.h"
 #include "playlist/Search.h"
+#include "tests/fakes/instead.h"
 #include "tests/unit/linux/temp_folder.h"
 #include "tests/unit/program_fixture.h"
+#include "tests/unit/write_limit.h"
 
-#include <csignal>
 #include <filesystem>
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace velmora {
@@ -42,22 +42,7 @@ protected:
 
     // The platform in memory but for the disk and its texts.
     platform::Platform platform() {
-        const platform::Platform all = fake.bundle();
-        return {.ansi = *ansi,
-                .clock = all.clock,
-                .dialogs = all.dialogs,
-                .files = disk,
-                .folders = all.folders,
-                .internet = all.internet,
-                .media = all.media,
-                .processes = all.processes,
-                .profiles = all.profiles,
-                .registry = all.registry,
-                .shell = all.shell,
-                .versions = all.versions,
-                .waitableTimers = all.waitableTimers,
-                .waveOut = all.waveOut,
-                .windows = all.windows};
+        return fakes::with(fake.bundle(), {.ansi = ansi.get(), .files = &disk});
     }
 
     void find() { app.Search().findTrackLyric(folder.text("music/Song.mp3")); }
@@ -178,28 +163,6 @@ TEST_F(LyricsOnDisk, SavedIntoAFolderThatVanishedTellAndStayInTheEditor) {
     EXPECT_EQ(rowsOf(app.doLrcForm().lrcList), (Texts{u"one", u"two"}));
     EXPECT_FALSE(app.lrcForm().hasLrc);
 }
-
-// Ends the process's right to write beyond some bytes, as a full disk does.
-class WriteLimit {
-public:
-    explicit WriteLimit(::rlim_t bytes) {
-        ::getrlimit(RLIMIT_FSIZE, &before_);
-        handler_ = ::signal(SIGXFSZ, SIG_IGN);
-        ::rlimit limit = before_;
-        limit.rlim_cur = bytes;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~WriteLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &before_);
-        ::signal(SIGXFSZ, handler_);
-    }
-    WriteLimit(const WriteLimit &) = delete;
-    WriteLimit &operator=(const WriteLimit &) = delete;
-
-private:
-    ::rlimit before_{};
-    void (*handler_)(int) = SIG_DFL;
-};
 
 TEST_F(LyricsOnDisk, StayWholeWhereverASaveOverThemIsCutShort) {
     const std::string old = "[00:01]the old words\r\n";

@@ -1,5 +1,6 @@
 // The open button: its dialog, and what a picked file does that the list cannot take as it is.
 
+#include "tests/fakes/instead.h"
 #include "tests/unit/program_fixture.h"
 
 #include "playback/miniForm.h"
@@ -116,10 +117,7 @@ TEST_F(OpenButton, OfAFileWithoutAStemClosesAPlayingMediumAllTheSame) {
 TEST(OpenButtonDialog, StandsOverDisabledWindows) {
     fakes::FakePlatform fake;
     WatchingDialogs dialogs;
-    Velmora app{platform::Platform{fake.ansi, fake.clock, dialogs, fake.files, fake.folders,
-                                   fake.internet, fake.media, fake.processes, fake.profiles,
-                                   fake.registry, fake.shell, fake.versions, fake.waitableTimers,
-                                   fake.waveOut, fake.windows}};
+    Velmora app{fakes::with(fake.bundle(), {.dialogs = &dialogs})};
     int asked = 0;
     dialogs.meanwhile = [&] {
         ++asked;

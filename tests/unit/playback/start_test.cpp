@@ -1,5 +1,6 @@
 // The start sequence: its order, its texts, what stands afterwards.
 
+#include "tests/fakes/instead.h"
 #include "tests/unit/playback/start_fixture.h"
 
 #include "network/welcomeForm.h"
@@ -66,10 +67,7 @@ protected:
     }
     fakes::FakePlatform fake;
     SayingWindows windows{fake};
-    Velmora app{platform::Platform{fake.ansi, fake.clock, fake.dialogs, fake.files, fake.folders,
-                                   fake.internet, fake.media, fake.processes, fake.profiles,
-                                   fake.registry, fake.shell, fake.versions, fake.waitableTimers,
-                                   fake.waveOut, windows}};
+    Velmora app{fakes::with(fake.bundle(), {.windows = &windows})};
     Texts texts() {
         Texts result;
         for (const Said &one : windows.said) {

@@ -2,6 +2,7 @@
 // strip, the menu and F4 close and then show it. The closing flashes Main, which is where one can
 // look.
 
+#include "tests/fakes/instead.h"
 #include "tests/unit/program_fixture.h"
 
 #include "playback/MenuForm.h"
@@ -31,10 +32,7 @@ protected:
     }
     fakes::FakePlatform fake;
     FlashWatch windows{fake.clock};
-    Velmora app{platform::Platform{fake.ansi, fake.clock, fake.dialogs, fake.files, fake.folders,
-                                   fake.internet, fake.media, fake.processes, fake.profiles,
-                                   fake.registry, fake.shell, fake.versions, fake.waitableTimers,
-                                   fake.waveOut, windows}};
+    Velmora app{fakes::with(fake.bundle(), {.windows = &windows})};
     std::u16string atClose;
 };
 

@@ -1,5 +1,6 @@
 // Steps of opening and playing that show only from the platform's side, at the moment of a call.
 
+#include "tests/fakes/instead.h"
 #include "tests/unit/program_fixture.h"
 
 #include "lyrics/lrcForm.h"
@@ -57,10 +58,7 @@ protected:
     fakes::FakePlatform fake;
     HookWatch windows{fake.clock};
     CommandWatch media;
-    Velmora app{platform::Platform{fake.ansi, fake.clock, fake.dialogs, fake.files, fake.folders,
-                                   fake.internet, media, fake.processes, fake.profiles,
-                                   fake.registry, fake.shell, fake.versions, fake.waitableTimers,
-                                   fake.waveOut, windows}};
+    Velmora app{fakes::with(fake.bundle(), {.media = &media, .windows = &windows})};
 };
 
 TEST_F(UnseenSteps, ThePicturesMessagesPassThroughToTheProcedureThatWasThere) {

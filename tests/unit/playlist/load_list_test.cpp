@@ -1,6 +1,7 @@
 // Reading the play list file.
 
 #include "playlist/saveOrOpenFile.h"
+#include "tests/fakes/instead.h"
 #include "tests/unit/program_fixture.h"
 
 namespace velmora {
@@ -248,10 +249,7 @@ private:
 TEST(LoadingPanel, HasBothItsTextsByTheTimeItIsRepainted) {
     fakes::FakePlatform fake;
     PanelWatch windows{fake.clock};
-    Velmora app{platform::Platform{fake.ansi, fake.clock, fake.dialogs, fake.files, fake.folders,
-                                   fake.internet, fake.media, fake.processes, fake.profiles,
-                                   fake.registry, fake.shell, fake.versions, fake.waitableTimers,
-                                   fake.waveOut, windows}};
+    Velmora app{fakes::with(fake.bundle(), {.windows = &windows})};
     app.setControl().Language_Index = 1;
     app.Language_Set().language_Messages();
     app.setControl().Path_List = u"/lists";

@@ -2,13 +2,13 @@
 
 #include "platform/linux/linux_files.h"
 #include "playlist/saveOrOpenFile.h"
+#include "tests/fakes/instead.h"
 #include "tests/unit/linux/temp_folder.h"
 #include "tests/unit/program_fixture.h"
+#include "tests/unit/write_limit.h"
 
 #include <gmock/gmock.h>
 
-#include <csignal>
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace velmora {
@@ -29,24 +29,7 @@ protected:
     void SetUp() override { app.setControl().Path_List = folder.text(); }
 
     // The platform in memory but for the disk.
-    platform::Platform platform() {
-        const platform::Platform all = fake.bundle();
-        return {.ansi = all.ansi,
-                .clock = all.clock,
-                .dialogs = all.dialogs,
-                .files = disk,
-                .folders = all.folders,
-                .internet = all.internet,
-                .media = all.media,
-                .processes = all.processes,
-                .profiles = all.profiles,
-                .registry = all.registry,
-                .shell = all.shell,
-                .versions = all.versions,
-                .waitableTimers = all.waitableTimers,
-                .waveOut = all.waveOut,
-                .windows = all.windows};
-    }
+    platform::Platform platform() { return fakes::with(fake.bundle(), {.files = &disk}); }
 
     bool load() { return app.saveOrOpenFile().loadPlayList(); }
     bool save(SaveKind kind = SaveKind::Settled) { return app.saveOrOpenFile().savePlayList(kind); }
@@ -160,28 +143,6 @@ TEST_F(TheListOnDisk, WithoutReadPermissionEmptiesTheListAndIsKept) {
     save();
     EXPECT_TRUE(folder.exists(oldName));
 }
-
-// Ends the process's right to write beyond some bytes, as a full disk does.
-class WriteLimit {
-public:
-    explicit WriteLimit(::rlim_t bytes) {
-        ::getrlimit(RLIMIT_FSIZE, &before_);
-        handler_ = ::signal(SIGXFSZ, SIG_IGN);
-        ::rlimit limit = before_;
-        limit.rlim_cur = bytes;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~WriteLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &before_);
-        ::signal(SIGXFSZ, handler_);
-    }
-    WriteLimit(const WriteLimit &) = delete;
-    WriteLimit &operator=(const WriteLimit &) = delete;
-
-private:
-    ::rlimit before_{};
-    void (*handler_)(int) = SIG_DFL;
-};
 
 TEST_F(TheListOnDisk, StaysWholeWhereverAWriteIsCutShort) {
     const std::string before = "/m/old.mp3\r\n";
