@@ -60,7 +60,8 @@ public:
     // folder "make PATH".
     const std::vector<std::u16string> &changes() const { return changes_; }
     void clearChanges() { changes_.clear(); }
-    // Runs at each counted operation, with its name, before it does anything.
+    // Runs at each counted operation, with its name, before it does anything; also when a file that
+    // was opened for writing is closed ("CloseHandle").
     std::function<void(const std::string &operation)> onCall;
     // Runs before each line is read, for tests of what happens meanwhile.
     std::function<void(std::u16string_view path, std::size_t line)> beforeLine;

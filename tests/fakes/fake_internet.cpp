@@ -124,9 +124,10 @@ std::optional<std::u16string> FakeInternet::InternetGetCookieA(std::u16string_vi
                                                                std::size_t capacity) {
     note({u"InternetGetCookieA", url, name, decimal(static_cast<std::int64_t>(capacity))});
     const auto found = cookies.find(std::u16string(name));
-    if (failing("InternetGetCookieA") || found == cookies.end())
+    if (failing("InternetGetCookieA") || found == cookies.end() ||
+        ansi_.encode(found->second).size() > capacity)
         return std::nullopt;
-    return std::u16string(leftPart(found->second, static_cast<std::ptrdiff_t>(capacity)));
+    return found->second;
 }
 
 bool FakeInternet::HttpSendRequestA(InternetHandle request, std::u16string_view body,

@@ -10,6 +10,12 @@ namespace velmora::fakes {
 class FakeFiles::Output : public platform::OutputFile {
 public:
     Output(FakeFiles &files, std::u16string path) : files_(files), path_(std::move(path)) {}
+    ~Output() override {
+        if (files_.onCall)
+            files_.onCall("CloseHandle");
+    }
+    Output(const Output &) = delete;
+    Output &operator=(const Output &) = delete;
 
     void SetFilePointer(std::int64_t position) override {
         files_.count("SetFilePointer");

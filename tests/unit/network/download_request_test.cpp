@@ -278,8 +278,17 @@ TEST_F(CookieOfTheAddress, comesPaddedTo256UnitsWithoutLineEnds) {
     EXPECT_EQ(wd.GetCookie(u"name"), expected);
     EXPECT_EQ(net.log, (Lines{u"InternetGetCookieA http://host/song name 255"}));
     EXPECT_EQ(wd.GetCookie(u"other"), u"");
-    net.cookies[u"long"] = std::u16string(400, u'x');
-    EXPECT_EQ(wd.GetCookie(u"long"), std::u16string(255, u'x') + u" ");
+}
+
+TEST_F(CookieOfTheAddress, longerThanItsPlaceIsNone) {
+    net.cookies[u"fits"] = std::u16string(255, u'x');
+    EXPECT_EQ(wd.GetCookie(u"fits"), std::u16string(255, u'x') + u" ");
+    net.cookies[u"long"] = std::u16string(256, u'x');
+    EXPECT_EQ(wd.GetCookie(u"long"), u"");
+    net.cookies[u"wide"] = std::u16string(86, u'歌'); // three bytes each
+    EXPECT_EQ(wd.GetCookie(u"wide"), u"");
+    net.failNext("InternetGetCookieA");
+    EXPECT_EQ(wd.GetCookie(u"fits"), u"");
 }
 
 } // namespace

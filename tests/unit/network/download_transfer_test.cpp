@@ -32,7 +32,7 @@ TEST_F(ToFile, goesPacketByPacketInOneOrder) {
                u"file Dir", u"file CreateFileA", u"file SetFilePointer", u"InternetReadFile 3 3",
                u"file WriteFile", u"Status 5", u"Progress 5.00 3.00 0.00", u"pump",
                u"InternetReadFile 3 3", u"file WriteFile", u"Status 5", u"Progress 5.00 5.00 0.00",
-               u"pump", u"InternetReadFile 3 3"}) +
+               u"pump", u"InternetReadFile 3 3", u"file CloseHandle"}) +
             stopLines + these(u"Status 6", u"DownloadEnd true"));
     EXPECT_EQ(files.contents(target), "abcde");
 }
@@ -65,6 +65,68 @@ TEST_F(ToFile, keepsItsLastSpeedWhenTheDayEnds) {
     wd.DownloadToFile(u"music");
     EXPECT_THAT(net.log, ::testing::Contains(u"Progress 6.00 3.00 3.00"));
     EXPECT_THAT(net.log, ::testing::Contains(u"Progress 6.00 6.00 3.00"));
+}
+
+TEST_F(ToFile, beginsWithTheSpeedOfTheLastTransfer) {
+    net.respond(FakeInternet::answer("abcdef"));
+    net.meanwhile = [this] { fake.clock.sinceMidnight += 2; };
+    wd.DownloadToFile(u"music");
+    net.meanwhile = nullptr;
+    net.log.clear();
+    net.respond(FakeInternet::answer("abc"));
+    wd.DownloadToFile(u"music");
+    EXPECT_EQ(count(u"Progress 3.00 3.00 3.00"), 1); // no time has passed
+}
+
+TEST_F(ToFile, countsItsTimeFromTheOpeningOfTheTarget) {
+    net.respond(FakeInternet::answer("abcdef"));
+    files.onCall = [this](const std::string &operation) {
+        if (operation == "CreateFileA")
+            fake.clock.sinceMidnight += 100;
+    };
+    net.meanwhile = [this] { fake.clock.sinceMidnight += 2; };
+    wd.DownloadToFile(u"music");
+    EXPECT_EQ(count(u"Progress 6.00 6.00 3.00"), 1);
+}
+
+TEST_F(ToFile, writesOverWhatCannotBeDeletedWithoutCuttingIt) {
+    files.addFile(target, "longer than the new one");
+    files.failNext("DeleteFile");
+    net.respond(FakeInternet::answer("123"));
+    EXPECT_TRUE(wd.DownloadToFile(u"music"));
+    EXPECT_EQ(files.contents(target), "123ger than the new one");
+}
+
+TEST_F(ToFile, goesOnWhenTheLookUpFails) {
+    files.failNext("Dir");
+    net.respond(FakeInternet::answer("123"));
+    EXPECT_TRUE(wd.DownloadToFile(u"music"));
+    EXPECT_EQ(files.contents(target), "123");
+}
+
+TEST_F(ToFile, comparesAnUnknownSizeAsOneWithTheNamesLength) {
+    wd.FileName = u"/home/user/cache/x";
+    files.addFile(wd.FileName, "old");
+    wd.ReDown = false;
+    respondWith({"HTTP/1.1 200 OK", "Content-Type: audio/mpeg"}, "abc");
+    expectFailure(u"Error 5");
+}
+
+TEST_F(ToFile, asksForItsFolderBySpellingItsTargetAnew) {
+    wd.FileName = u"/home//user//cache//x.mp3";
+    net.respond(FakeInternet::answer("abc"));
+    EXPECT_TRUE(wd.DownloadToFile(u"music"));
+    EXPECT_EQ(wd.FileName, u"/home/user/cache/x.mp3");
+    EXPECT_EQ(files.contents(u"/home/user/cache/x.mp3"), "abc");
+}
+
+TEST_F(ToFile, stoppedWhileItReadsIsSeenBehindThePacket) {
+    net.respond(FakeInternet::answer("abcdef"));
+    wd.Pakesize = 2;
+    wd.Progress = [this](double, double, double) { wd.bStop(); };
+    EXPECT_FALSE(wd.DownloadToFile(u"music"));
+    EXPECT_EQ(files.contents(target), "ab");
+    EXPECT_EQ(count(u"pump"), 1); // the packet's pump comes all the same
 }
 
 TEST_F(ToFile, countsAnUnknownSizeAsOne) {
@@ -247,7 +309,7 @@ TEST_F(ToFile, stoppedInAPumpLeavesItsPart) {
     EXPECT_EQ(logFrom(u"InternetReadFile"),
               packet + these(u"Progress 6.00 2.00 0.00", u"pump") + packet +
                   these(u"Progress 6.00 4.00 0.00", u"pump") + stopLines + stopLines +
-                  these(u"Error 4", u"DownloadEnd false"));
+                  these(u"Error 4", u"DownloadEnd false", u"file CloseHandle"));
     EXPECT_EQ(files.contents(target), "abcd");
 }
 

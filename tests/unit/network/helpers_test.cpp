@@ -211,6 +211,8 @@ TEST_F(Folders, endAboveTheLastPieceWhereverTheDotIs) {
 TEST_F(Folders, areSpeltWithoutDoubledSeparatorsAndNuls) {
     EXPECT_TRUE(make(std::u16string(u"//home//user/x\0y/d.mp3", 22), u"/home/user/xy/d.mp3"));
     EXPECT_TRUE(files.hasFolder(u"/home/user/xy"));
+    // In one pass, the separators before the NULs.
+    EXPECT_TRUE(make(std::u16string(u"/home/user///z/\0/d", 18), u"/home/user//z//d"));
     // A backslash is part of a name here.
     EXPECT_TRUE(make(u"/home/user/p\\q/d.mp3"));
     EXPECT_TRUE(files.hasFolder(u"/home/user/p\\q"));
