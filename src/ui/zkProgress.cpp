@@ -31,6 +31,9 @@ void zkProgress::setValue(double value) {
     value_ = roundToInt32(value);
     const double shown =
         std::max(std::min(value, static_cast<double>(Max_)), static_cast<double>(Min_));
+    shownLook_.caption.clear();
+    shownLook_.bar = {};
+    changed(forms::Change::Look); // cleared, even where what follows raises
     const std::u16string text = textFor(shown);
     if (Max_ == Min_) {
         raise(ErrorNumber::InvalidPropertyValue);

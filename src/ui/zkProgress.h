@@ -34,13 +34,16 @@ public:
     const forms::Font &CaptionFont() const noexcept { return font_; }
     void setCaptionFont(const forms::Font &font) { font_ = font; }
 
+    // 0 flat, 1 with depth; kept for whoever asks: the bar is drawn flat.
+    std::int16_t Appearance() const noexcept { return Appearance_; }
+    void setAppearance(std::int16_t appearance) noexcept { Appearance_ = appearance; }
     // 0 none, 1 a line around the bar.
     std::int16_t BorderStyle() const noexcept { return BorderStyle_; }
     void setBorderStyle(std::int16_t style) noexcept { BorderStyle_ = style; }
 
     double value() const noexcept { return value_; }
     // Stores the value rounded and paints it as it is, held between Min and Max. Raises when Max
-    // equals Min.
+    // equals Min, with the bar and its text cleared, and beyond the range of what is stored.
     void setValue(double value);
 
     forms::CustomLook look() const override { return shownLook_; }
@@ -62,6 +65,7 @@ private:
     Colour ForeColor_ = 0;
     Colour BackColor_ = 0x00FFFFFF;
     std::int16_t CaptionStyle_ = 2;
+    std::int16_t Appearance_ = 0;
     std::int16_t BorderStyle_ = 1;
 };
 
