@@ -21,6 +21,28 @@ std::size_t asciiRun(std::string_view bytes) noexcept {
     return at;
 }
 
+std::size_t copyAscii(std::u16string_view text, char *out) noexcept {
+    // Blocks of one size, held apart from what they are copied to, become a few wide instructions.
+    constexpr std::size_t block = 16;
+    std::size_t at = 0;
+    for (; at + block <= text.size(); at += block) {
+        char16_t units[block];
+        std::memcpy(units, text.data() + at, sizeof units);
+        char16_t all = 0;
+        for (const char16_t unit : units)
+            all |= unit;
+        if (all >= 0x80)
+            break;
+        char bytes[block];
+        for (std::size_t i = 0; i < block; ++i)
+            bytes[i] = static_cast<char>(units[i]);
+        std::memcpy(out + at, bytes, sizeof bytes);
+    }
+    for (; at < text.size() && text[at] < 0x80; ++at)
+        out[at] = static_cast<char>(text[at]);
+    return at;
+}
+
 Utf8Sequence utf8SequenceAt(std::string_view bytes) noexcept {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
     const unsigned char lead = byte(0);

@@ -22,6 +22,10 @@ Utf8Sequence utf8SequenceAt(std::string_view bytes) noexcept;
 // The number of bytes below 128 at the front.
 std::size_t asciiRun(std::string_view bytes) noexcept;
 
+// Copies the units below 128 at the front as bytes and returns their number. There must be room for
+// as many bytes as the text has units.
+std::size_t copyAscii(std::u16string_view text, char *out) noexcept;
+
 // Writes one code point; returns the place behind it. Room for two units is needed.
 inline char16_t *putUtf16(char32_t codePoint, char16_t *out) noexcept {
     if (codePoint < 0x10000) {

@@ -25,6 +25,9 @@ public:
     // Text to the bytes of the page in force. A unit that the page cannot hold becomes "?".
     virtual std::string encode(std::u16string_view text) const = 0;
 
+    // The same, onto the end of `bytes`: for what is put together from many texts.
+    virtual void appendTo(std::string &bytes, std::u16string_view text) const = 0;
+
     // The number of bytes that `encode` gives.
     virtual std::size_t byteCount(std::u16string_view text) const = 0;
 

@@ -67,13 +67,16 @@ public:
 
 private:
     std::u16string playListPath() const;
-    std::string wholeList() const;
+    void encodeList();
     bool keepOldFile(std::u16string_view path);
     bool readLines(const std::u16string &path);
     bool takeLine(std::string_view line);
     void showLoading(std::string_view line, std::string_view pathBytes, const std::u16string &path);
 
     Velmora &app_;
+    // The room for a save's bytes. It is kept, empty, from step to step of an operation, so that
+    // not each of a thousand saves asks the system for the memory of a whole list anew.
+    std::string saved_;
     // The play list file whose last load left lines behind; empty when there is none.
     std::u16string partlyLoaded_;
 };

@@ -16,10 +16,6 @@ namespace velmora {
 
 namespace {
 
-// Rows are encoded in portions of about this many units: few calls, and never two copies of a long
-// list at once.
-constexpr std::size_t portionUnits = 16 * 1024;
-
 // A line as it was read. Blanks and quotes are single bytes in every code page, so the line is
 // taken apart ahead of decoding: what decides how a path is decoded is the path.
 std::string_view withoutQuotes(std::string_view line) {
@@ -51,29 +47,27 @@ std::u16string saveOrOpenFile::playListPath() const {
 
 bool saveOrOpenFile::savePlayList(SaveKind kind) {
     const std::u16string path = playListPath();
+    const bool last = kind == SaveKind::Settled;
     if (!path.empty() && keepOldFile(path))
         passOver([&] {
-            app_.platform().files.writeWhole(path, wholeList(), kind == SaveKind::Settled);
+            encodeList();
+            app_.platform().files.writeWhole(path, saved_, last);
         });
+    if (last)
+        std::string().swap(saved_);
+    else
+        saved_.clear();
     return true;
 }
 
-std::string saveOrOpenFile::wholeList() const {
+void saveOrOpenFile::encodeList() {
     const forms::ListBox &list = app_.playList_Form().List1;
     const platform::AnsiText &ansi = app_.platform().ansi;
-    std::string bytes;
-    std::u16string portion;
-    portion.reserve(portionUnits + 1024);
-    const std::int32_t rows = list.listCount();
-    for (std::int32_t row = 0; row < rows; ++row) {
-        portion += list.row(row);
-        portion += crLf;
-        if (portion.size() >= portionUnits || row + 1 == rows) {
-            bytes += ansi.encode(portion);
-            portion.clear();
-        }
+    saved_.clear();
+    for (std::int32_t row = 0; row < list.listCount(); ++row) {
+        ansi.appendTo(saved_, list.row(row));
+        saved_ += "\r\n";
     }
-    return bytes;
 }
 
 // What a load could not take exists in the old file alone: it is put aside before the list as it

@@ -48,6 +48,26 @@ TEST(Ansi, countsTheBytesThatItWrites) {
     }
 }
 
+TEST(Ansi, appendsWhatItWritesWhereverTheFirstUnitBeyondAsciiStands) {
+    for (const int page : {0, 936, 932, 950, 1252, 65001}) {
+        const FakeAnsi ansi(page);
+        const std::string odd = ansi.encode(u"é");
+        for (std::size_t before = 0; before <= 40; ++before) {
+            for (const std::size_t behind : {0, 1, 20}) {
+                const std::u16string plain(behind, u'~');
+                std::string bytes = "kept ";
+                ansi.appendTo(bytes, std::u16string(before, u'\\') + u"é" + plain);
+                EXPECT_EQ(bytes,
+                          "kept " + std::string(before, '\\') + odd + std::string(behind, '~'))
+                    << page << " " << before;
+            }
+        }
+        std::string bytes = "kept";
+        ansi.appendTo(bytes, u"");
+        EXPECT_EQ(bytes, "kept");
+    }
+}
+
 TEST(Ansi, writesAHalfSurrogateAsAQuestionMark) {
     const FakeAnsi ansi;
     EXPECT_EQ(ansi.encode(u"a\xD83Dz"), "a?z");

@@ -82,15 +82,28 @@ TEST_F(SavingTheList, TheWholeListIsOneWrite) {
               5'000U * 9U + 10U + 90U * 2U + 900U * 3U + 4'000U * 4U);
 }
 
-TEST_F(SavingTheList, ARowThatFillsAPortionExactlyIsWrittenOnce) {
-    // Rows of every length around the size in which they are gathered.
+TEST_F(SavingTheList, RowsOfEveryLengthAreWrittenWhole) {
     std::string expected;
-    for (std::size_t length = 16 * 1024 - 4; length <= 16 * 1024 + 1; ++length) {
+    for (std::size_t length = 1; length <= 70; ++length) {
         addRowOnly(std::u16string(length, u'a'));
-        expected += std::string(length, 'a') + "\r\n";
+        addRowOnly(std::u16string(length, u'b') + u"晚");
+        expected += std::string(length, 'a') + "\r\n" + std::string(length, 'b') + "晚\r\n";
     }
     save();
-    EXPECT_TRUE(files.contents(listFile) == expected);
+    EXPECT_EQ(files.contents(listFile), expected);
+}
+
+TEST_F(SavingTheList, EachStepWritesTheListAsItStandsThen) {
+    for (const char16_t *path : {u"/m/a long name.mp3", u"/m/b.mp3", u"/m/c.mp3"})
+        addRowOnly(path);
+    save(SaveKind::Step);
+    EXPECT_EQ(files.contents(listFile), "/m/a long name.mp3\r\n/m/b.mp3\r\n/m/c.mp3\r\n");
+    app.playList_Form().List1.removeItem(0);
+    save(SaveKind::Step);
+    EXPECT_EQ(files.contents(listFile), "/m/b.mp3\r\n/m/c.mp3\r\n");
+    app.playList_Form().List1.removeItem(0);
+    save();
+    EXPECT_EQ(files.contents(listFile), "/m/c.mp3\r\n");
 }
 
 TEST_F(SavingTheList, ASplitPairAtTheEndOfARowHarmsNoOtherRow) {

@@ -62,9 +62,24 @@ AnsiConversion::Mode AnsiConversion::mode() const {
 }
 
 std::string AnsiConversion::encode(std::u16string_view text) const {
-    if (isAscii(text) || mode() != Mode::LegacyAlone)
-        return encodeUtf8Units(text);
-    return encodeLegacy(*legacy_, text);
+    std::string bytes;
+    appendTo(bytes, text);
+    return bytes;
+}
+
+void AnsiConversion::appendTo(std::string &bytes, std::u16string_view text) const {
+    // Units below 128 are the same bytes in every page.
+    const std::size_t begin = bytes.size();
+    bytes.resize(begin + text.size());
+    const std::size_t run = copyAscii(text, bytes.data() + begin);
+    if (run == text.size())
+        return;
+    bytes.resize(begin + run);
+    text.remove_prefix(run);
+    if (mode() == Mode::LegacyAlone)
+        bytes += encodeLegacy(*legacy_, text);
+    else
+        appendUtf8Units(bytes, text);
 }
 
 std::size_t AnsiConversion::byteCount(std::u16string_view text) const {

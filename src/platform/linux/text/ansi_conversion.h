@@ -20,6 +20,7 @@ public:
     ~AnsiConversion() override;
 
     std::string encode(std::u16string_view text) const override;
+    void appendTo(std::string &bytes, std::u16string_view text) const override;
     std::size_t byteCount(std::u16string_view text) const override;
     std::u16string decode(std::string_view bytes) const override;
     std::u16string decodePath(std::string_view bytes) const override;

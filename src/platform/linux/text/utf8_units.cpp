@@ -66,8 +66,14 @@ bool isFileNameUnit(char16_t unit) noexcept {
 
 std::string encodeUtf8Units(std::u16string_view text) {
     std::string result;
-    result.resize(text.size() * 3);
-    char *out = result.data();
+    appendUtf8Units(result, text);
+    return result;
+}
+
+void appendUtf8Units(std::string &bytes, std::u16string_view text) {
+    const std::size_t begin = bytes.size();
+    bytes.resize(begin + text.size() * 3);
+    char *out = bytes.data() + begin;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char16_t unit = text[i];
         if (unit < 0x80)
@@ -79,8 +85,7 @@ std::string encodeUtf8Units(std::u16string_view text) {
         else
             out = putUtf8(unit, out);
     }
-    result.resize(static_cast<std::size_t>(out - result.data()));
-    return result;
+    bytes.resize(static_cast<std::size_t>(out - bytes.data()));
 }
 
 std::size_t utf8UnitsByteCount(std::u16string_view text) noexcept {

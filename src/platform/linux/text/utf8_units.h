@@ -17,6 +17,8 @@ bool isFileNameUnit(char16_t unit) noexcept;
 
 // Text to bytes; file-name units become their three-byte form, any other half surrogate "?".
 std::string encodeUtf8Units(std::u16string_view text);
+// The same, onto the end of `bytes`.
+void appendUtf8Units(std::string &bytes, std::u16string_view text);
 std::size_t utf8UnitsByteCount(std::u16string_view text) noexcept;
 
 // Absent when the bytes are not valid as a whole. `dropCutEnd`: an incomplete character at the end
