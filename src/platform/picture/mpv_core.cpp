@@ -56,10 +56,16 @@ std::unique_ptr<MpvCore> MpvCore::start(std::shared_ptr<const MpvLibrary> librar
 }
 
 MpvCore::MpvCore(std::shared_ptr<const MpvLibrary> library, mpv_handle *handle)
-    : library_(std::move(library)), handle_(handle) {}
+    : library_(std::move(library)), handle_(handle) {
+    library_->setWakeupCallback(
+        handle_, [](void *hasEvents) { static_cast<std::atomic<bool> *>(hasEvents)->store(true); },
+        hasEvents_.get());
+}
 
 MpvCore::~MpvCore() {
-    runBounded([library = library_, handle = handle_] { library->terminateDestroy(handle); },
+    // An engine that ends late still has its flag to set.
+    runBounded([library = library_, handle = handle_,
+                hasEvents = hasEvents_] { library->terminateDestroy(handle); },
                endLimit);
     errorHandler_.restore();
 }
@@ -112,6 +118,8 @@ void MpvCore::read(const char *property, mpv_format format, milliseconds limit,
     const std::uint64_t id = ++lastId_;
     if (overdue_ > 0 || library_->getPropertyAsync(handle_, id, property, format) < 0)
         return;
+    // Events may be left behind the answer, and the engine tells of its first one only.
+    hasEvents_->store(true);
     const auto end = Clock::now() + limit;
     for (;;) {
         const std::chrono::duration<double> left = end - Clock::now();
@@ -154,7 +162,13 @@ std::optional<std::string> MpvCore::text(const char *property, milliseconds limi
     return result;
 }
 
+void MpvCore::observeFlag(const char *property) {
+    library_->observeProperty(handle_, 0, property, MPV_FORMAT_FLAG);
+}
+
 bool MpvCore::pump(milliseconds wait) {
+    if (!hasEvents_->exchange(false) && wait.count() <= 0)
+        return false;
     bool any = false;
     for (;;) {
         const double seconds = any ? 0.0 : static_cast<double>(wait.count()) / 1000.0;

@@ -6,6 +6,7 @@
 #include "platform/picture/mpv_library.h"
 #include "platform/picture/x_error_handler.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -54,6 +55,9 @@ public:
     std::optional<std::string> text(const char *property,
                                     std::chrono::milliseconds limit = readingLimit);
 
+    // From now on each change of the property comes as an event, with its value as a flag.
+    void observeFlag(const char *property);
+
     // Hands on the events that have come; waits for the first up to `wait`. False when none came.
     bool pump(std::chrono::milliseconds wait = std::chrono::milliseconds(0));
 
@@ -75,6 +79,9 @@ private:
     std::shared_ptr<const MpvLibrary> library_;
     mpv_handle *handle_;
     XErrorHandlerKeeper errorHandler_;
+    // Set by the engine's threads when an event has come. A look into an empty queue is a sleep of
+    // its own for the engine, some fifty microseconds, too dear for each answer of a device.
+    std::shared_ptr<std::atomic<bool>> hasEvents_ = std::make_shared<std::atomic<bool>>(true);
     Listener listener_;
     std::uint64_t lastId_ = 0;
     int overdue_ = 0;            // readings given up whose answer is still to come

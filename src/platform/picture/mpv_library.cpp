@@ -11,6 +11,8 @@ bool MpvLibrary::findAll() {
            library_.find("mpv_command_async", commandAsync) &&
            library_.find("mpv_set_property_async", setPropertyAsync) &&
            library_.find("mpv_get_property_async", getPropertyAsync) &&
+           library_.find("mpv_observe_property", observeProperty) &&
+           library_.find("mpv_set_wakeup_callback", setWakeupCallback) &&
            library_.find("mpv_wait_event", waitEvent) &&
            library_.find("mpv_request_event", requestEvent) &&
            library_.find("mpv_hook_add", hookAdd) &&

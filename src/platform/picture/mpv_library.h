@@ -20,6 +20,8 @@ struct MpvLibrary {
     decltype(mpv_command_async) *commandAsync = nullptr;
     decltype(mpv_set_property_async) *setPropertyAsync = nullptr;
     decltype(mpv_get_property_async) *getPropertyAsync = nullptr;
+    decltype(mpv_observe_property) *observeProperty = nullptr;
+    decltype(mpv_set_wakeup_callback) *setWakeupCallback = nullptr;
     decltype(mpv_wait_event) *waitEvent = nullptr;
     decltype(mpv_request_event) *requestEvent = nullptr;
     decltype(mpv_hook_add) *hookAdd = nullptr;

@@ -36,6 +36,7 @@ std::string channelFilter(Channel channel) {
 
 PictureDevice::PictureDevice(OpenMedium medium) : medium_(std::move(medium)), core_(*medium_.core) {
     core_.listen([this](const mpv_event &event) { handle(event); });
+    core_.observeFlag("eof-reached");
 }
 
 // The engine goes first: it draws into the window.
@@ -53,10 +54,17 @@ void PictureDevice::handle(const mpv_event &event) {
         break;
     case MPV_EVENT_SEEK:
         seeks_.begun();
+        watchClosely();
         break;
     case MPV_EVENT_PLAYBACK_RESTART:
         seeks_.done();
+        watchClosely();
         break;
+    case MPV_EVENT_PROPERTY_CHANGE: {
+        const auto *changed = static_cast<const mpv_event_property *>(event.data);
+        mayBeAtEnd_ = changed->format == MPV_FORMAT_FLAG && *static_cast<int *>(changed->data) != 0;
+        break;
+    }
     case MPV_EVENT_HOOK:
         // Only a reload gets here: its tracks are known.
         core_.continueHook(static_cast<const mpv_event_hook *>(event.data)->id);
@@ -82,18 +90,26 @@ void PictureDevice::handle(const mpv_event &event) {
 
 void PictureDevice::refresh() {
     core_.pump();
-    watchWindow();
     const auto now = Clock::now();
-    if (mode_ != Mode::Playing || now - refreshed_ < refreshInterval)
+    if (now - watched_ >= closeInterval) {
+        watched_ = now;
+        watchWindow();
+    }
+    if (mode_ != Mode::Playing)
         return;
-    refreshed_ = now;
     if (isUnloaded_ || isShut_)
         endReached();
-    else if (seeks_.isSettled())
+    else if (seeks_.isSettled() && isReadingDue(now))
         readEngine();
 }
 
+bool PictureDevice::isReadingDue(Clock::time_point now) const {
+    const bool isClose = mayBeAtEnd_ || now < settling_;
+    return now - read_ >= (isClose ? closeInterval : steadyInterval);
+}
+
 void PictureDevice::readEngine() {
+    read_ = Clock::now();
     if (core_.flag("eof-reached").value_or(false) && seeks_.isSettled()) {
         endReached();
         return;
@@ -103,7 +119,7 @@ void PictureDevice::readEngine() {
     auto position = core_.number("audio-pts");
     if (!position)
         position = core_.number("time-pos");
-    if (position && seeks_.isSettled() && Clock::now() - when < refreshInterval)
+    if (position && seeks_.isSettled() && Clock::now() - when < closeInterval)
         clock_.correct(*position, when);
 }
 
@@ -158,6 +174,7 @@ bool PictureDevice::play() {
     wasPlayed_ = true;
     mode_ = Mode::Playing;
     clock_.run();
+    watchClosely();
     return core_.set("pause", false) != 0;
 }
 
@@ -204,6 +221,7 @@ bool PictureDevice::setChannel(Channel channel) {
     if (core_.set("af", channelFilter(channel)) == 0)
         return false;
     channel_ = channel;
+    watchClosely();
     if (!isUnloaded_ && !isAtEnd_)
         dropBufferedSound();
     return true;

@@ -48,9 +48,13 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void handle(const mpv_event &event);
-    // Brings position, mode and window up to date; at most once in `refreshInterval`.
+    // Brings position, mode and window up to date.
     void refresh();
+    // A reading wakes the engine and waits for it: the clock tells the time between two of them.
+    bool isReadingDue(Clock::time_point now) const;
     void readEngine();
+    // What was started, moved or changed takes a while to run evenly.
+    void watchClosely() { settling_ = Clock::now() + settlingTime; }
     void endReached();
     void watchWindow();
     bool hasPicture();
@@ -59,7 +63,9 @@ private:
     void reload();
     void dropBufferedSound();
 
-    static constexpr std::chrono::milliseconds refreshInterval{10};
+    static constexpr std::chrono::milliseconds settlingTime{1000};
+    static constexpr std::chrono::milliseconds closeInterval{10};
+    static constexpr std::chrono::milliseconds steadyInterval{250};
 
     OpenMedium medium_;
     MpvCore &core_;
@@ -72,7 +78,10 @@ private:
     bool isPictureGone_ = false;
     PlaybackClock clock_;
     SeekTracker seeks_;
-    Clock::time_point refreshed_{};
+    bool mayBeAtEnd_ = false;      // the engine's last word; its end may be that of an earlier run
+    Clock::time_point settling_{}; // until then it is read closely
+    Clock::time_point read_{};
+    Clock::time_point watched_{};
 };
 
 } // namespace velmora::platform::picture
