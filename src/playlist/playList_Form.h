@@ -86,7 +86,8 @@ private:
     void answerEvents(std::optional<RunTimeError> &pending);
     std::vector<std::u16string> walkFolders(const std::u16string &first,
                                             std::optional<RunTimeError> &pending);
-    void addFilesOf(const std::u16string &folder, std::optional<RunTimeError> &pending);
+    void addFilesOf(const std::u16string &folder, bool passing,
+                    std::optional<RunTimeError> &pending);
     void addDroppedFolder(const std::u16string &folder);
     void dropOne(const std::u16string &path, Twips y);
     bool isFolderChoice(std::u16string_view folder) const;

@@ -141,8 +141,9 @@ void playList_Form::addDir_Click() {
         if (deep) {
             folders = walkFolders(folder, pending);
         }
+        // Only a walk in depth passes over failures; without one, the first ends the work.
         for (const std::u16string &one : folders) {
-            addFilesOf(one, pending);
+            addFilesOf(one, deep, pending);
         }
     }
     hideProgress();
@@ -187,8 +188,12 @@ std::vector<std::u16string> playList_Form::walkFolders(const std::u16string &fir
     return folders;
 }
 
-void playList_Form::addFilesOf(const std::u16string &folder, std::optional<RunTimeError> &pending) {
+void playList_Form::addFilesOf(const std::u16string &folder, bool passing,
+                               std::optional<RunTimeError> &pending) {
     answerEvents(pending);
+    if (pending && !passing) {
+        return;
+    }
     for (const std::u16string &name :
          app_.platform().files.list(folder, platform::SearchFor::Files, walk_)) {
         const auto error = trapped([&] {
@@ -209,6 +214,9 @@ void playList_Form::addFilesOf(const std::u16string &folder, std::optional<RunTi
         });
         if (error) {
             pending = error;
+            if (!passing) {
+                return;
+            }
         }
     }
 }
