@@ -168,6 +168,21 @@ TEST_F(Adding, WithSubfoldersErrorsArePassedOverAndTheLastIsToldInTheEnd) {
     EXPECT_TRUE(names.enabled());
 }
 
+TEST_F(Adding, WithSubfoldersAnErrorAtOneFileLeavesOutThatFileAlone) {
+    for (const auto *name : {u"/music/1.mp3", u"/music/2.mp3", u"/music/3.mp3"}) {
+        files.addFile(name);
+    }
+    dialogs.expectFolder(u"/music");
+    answerSubfolders(MsgBoxResult::Yes);
+    for (int pump = 0; pump < 3; ++pump) {
+        windows.atNextPump([] {}); // the folder twice, and 1
+    }
+    windows.atNextPump([] { raise(ErrorNumber::DeviceIo); });
+    expectError(u"Device I/O error", title2011);
+    list.addDir_Click();
+    EXPECT_EQ(nameRows(), (Texts{u"1", u"3"}));
+}
+
 TEST_F(Adding, AnErrorAheadOfTheQuestionIsToldWithoutAsking) {
     addRowOnly(u"/m/a.mp3");
     files.addFile(u"/music/b.mp3");
@@ -214,11 +229,15 @@ TEST_F(Adding, ADroppedFileThatIsNoMediumIsShownBeforeItIsSkipped) {
     EXPECT_EQ(windows.refreshes, 1) << "what has gone is not shown";
 }
 
-TEST_F(Adding, TheRootDroppedIsTooShortForAFolder) {
+TEST_F(Adding, AFolderOfLessThanThreeCharactersWithItsSeparatorIsPassedOver) {
     files.addFile(u"/a.mp3");
     files.addFile(u"/b/c.mp3");
-    list.filesDropped({u"/"}, 0);
+    files.addFile(u"x/d.mp3");
+    list.filesDropped({u"/", u"x"}, 0);
     EXPECT_EQ(rows(), 0);
+    files.addFile(u"xy/d.mp3");
+    list.filesDropped({u"xy"}, 0);
+    EXPECT_EQ(pathRows(), Texts{u"xy/d.mp3"});
 }
 
 TEST_F(Adding, AnErrorEndsADropWhichIsSavedAllTheSame) {

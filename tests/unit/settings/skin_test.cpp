@@ -181,6 +181,28 @@ TEST_F(TheSkin, TheStartWindowsLabelHasItsHandFirst) {
     EXPECT_EQ(app.startLoad_Form().copyright.mouseIcon(), forms::MouseIcon::Hand);
 }
 
+// A form comes into being when it is first dressed: the order of the windows is that of the skin.
+TEST_F(TheSkin, MainComesFirstAndTheOthersInTheirOrder) {
+    app.skinSet().skin_All();
+    const forms::Form *const order[] = {&app.Main(),
+                                        &app.welcomeForm(),
+                                        &app.miniForm(),
+                                        &app.playList_Form(),
+                                        &app.playSetForm(),
+                                        &app.aboutForm(),
+                                        &app.check_SoundDriver_Form(),
+                                        &app.playInfo_Form(),
+                                        &app.doLrcForm(),
+                                        &app.another_PlayInfo_Form(),
+                                        &app.search_Lrc_Internet_Form(),
+                                        &app.search_Song_Internet_Form(),
+                                        &app.listControl_Form(),
+                                        &app.VideoScreen_Form()};
+    for (std::size_t next = 1; next < std::size(order); ++next) {
+        EXPECT_LT(order[next - 1]->hWnd(), order[next]->hWnd()) << order[next]->name();
+    }
+}
+
 // --- layout --------------------------------------------------------------------------------------
 
 TEST(TitleTop, CentresALabelInTheStripFrom50Of300) {

@@ -1,0 +1,94 @@
+// In which order the button acts and tells.
+
+#include "tests/unit/ui_zkButton/button_fixture.h"
+
+namespace velmora {
+
+TEST_F(ButtonTest, ThePressIsToldAheadOfItsFade) {
+    enter();
+    tick(2);
+    State seen = State::Idle;
+    int fade = 0;
+    button.on().MouseDown = [&](const forms::MouseEvent &) {
+        seen = button.state();
+        fade = button.fade();
+    };
+    press(310, 310);
+    EXPECT_EQ(seen, State::ToHot);
+    EXPECT_EQ(fade, 60);
+}
+
+TEST_F(ButtonTest, TheReleaseIsToldAheadOfItsFade) {
+    enter();
+    press(310, 310);
+    tick(2);
+    State seen = State::Idle;
+    int fade = 0;
+    button.on().MouseUp = [&](const forms::MouseEvent &) {
+        seen = button.state();
+        fade = button.fade();
+    };
+    release(310, 310);
+    EXPECT_EQ(seen, State::ToPressed);
+    EXPECT_EQ(fade, 60);
+}
+
+TEST_F(ButtonTest, TheMoveIsToldWithTheTimerRunningAndAheadOfTheHotFade) {
+    bool ticking = false;
+    State seen = State::ToHot;
+    button.on().MouseMove = [&](const forms::MouseEvent &) {
+        ticking = button.ticking();
+        seen = button.state();
+    };
+    enter();
+    EXPECT_TRUE(ticking);
+    EXPECT_EQ(seen, State::Idle);
+}
+
+TEST_F(ButtonTest, TheLeaveIsToldAheadOfTheWayBack) {
+    enter();
+    State seen = State::Idle;
+    button.MouseOut = [&] { seen = button.state(); };
+    leave();
+    EXPECT_EQ(seen, State::ToHot);
+    EXPECT_EQ(button.state(), State::ToNormal);
+}
+
+TEST_F(ButtonTest, TheMoveToThePlaceOfThePressIsNone) {
+    button.mouseDown({leftButton, 0, 10, 10});
+    logAll();
+    button.mouseMove({leftButton, 0, 10, 10});
+    EXPECT_THAT(log, IsEmpty());
+    EXPECT_FALSE(button.ticking());
+}
+
+TEST_F(ButtonTest, PressAndReleaseStartNoTicks) {
+    button.mouseDown({leftButton, 0, 10, 10});
+    EXPECT_FALSE(button.ticking());
+    button.mouseUp({leftButton, 0, 10, 10});
+    EXPECT_FALSE(button.ticking());
+    EXPECT_EQ(button.state(), State::ToHot);
+}
+
+TEST_F(ButtonTest, ALeaveOfAButtonAtRestWaitsForTheNextMoveInside) {
+    enter();
+    tick(12);
+    ASSERT_FALSE(button.ticking());
+    leave();
+    EXPECT_EQ(button.state(), State::ToNormal);
+    EXPECT_FALSE(button.ticking()) << "only a move inside starts the ticks";
+    tick(10);
+    expectLook(forms::Picture::button_hot);
+}
+
+TEST_F(ButtonTest, TheWayBackKeepsTheAlphaOfThePressedFade) {
+    enter();
+    press(310, 310);
+    tick(4);
+    move(100, 100, leftButton);
+    EXPECT_EQ(button.fade(), 120);
+    tick();
+    EXPECT_EQ(button.fade(), 121);
+}
+
+} // namespace velmora
