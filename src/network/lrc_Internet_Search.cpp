@@ -48,8 +48,9 @@ struct lrc_Internet_Search::Addresses {
     std::u16string siteB;
     std::u16string engine;
 
-    bool isLyric(std::u16string_view link) const {
-        return beginsWith(link, siteA) || (beginsWith(link, siteB) && endsWith(link, u".lrc"));
+    bool isLyricOfA(std::u16string_view link) const { return beginsWith(link, siteA); }
+    bool isLyricOfB(std::u16string_view link) const {
+        return beginsWith(link, siteB) && endsWith(link, u".lrc");
     }
     bool isPage(std::u16string_view link) const {
         return beginsWith(link, engine) && (endsInPageNumber(link, 2) || endsInPageNumber(link, 1));
@@ -111,8 +112,7 @@ bool lrc_Internet_Search::scanFirstPage(std::u16string address, const Addresses 
         lrcPageLinks.resize(counts.pages);
         lrcDownloadLinks.resize(counts.lyrics);
         const std::u16string link = normalLink(*found, base);
-        if (addresses.isLyric(link))
-            takeLyric(link, counts);
+        takeLyrics(link, addresses, counts);
         if (addresses.isPage(link))
             lrcPageLinks.store(counts.pages++, lower(link));
         app_.platform().windows.DoEvents();
@@ -139,11 +139,19 @@ void lrc_Internet_Search::scanFurtherPages(const Addresses &addresses, Counts &c
             if (!found)
                 continue;
             const std::u16string link = normalLink(*found, base);
-            if (addresses.isLyric(link))
-                takeLyric(link, counts);
+            takeLyrics(link, addresses, counts);
             app_.platform().windows.DoEvents();
         }
     }
+}
+
+// Where the one site lies below the other a link may be of both, and is taken twice.
+void lrc_Internet_Search::takeLyrics(const std::u16string &link, const Addresses &addresses,
+                                     Counts &counts) {
+    if (addresses.isLyricOfA(link))
+        takeLyric(link, counts);
+    if (addresses.isLyricOfB(link))
+        takeLyric(link, counts);
 }
 
 // The row comes first: the link that does not fit into the array any more is in the list.

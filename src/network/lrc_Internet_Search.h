@@ -50,6 +50,7 @@ private:
     };
     bool scanFirstPage(std::u16string address, const Addresses &addresses, Counts &counts);
     void scanFurtherPages(const Addresses &addresses, Counts &counts);
+    void takeLyrics(const std::u16string &link, const Addresses &addresses, Counts &counts);
     void takeLyric(const std::u16string &link, Counts &counts);
 
     Velmora &app_;

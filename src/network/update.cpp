@@ -33,11 +33,10 @@ update::update(Velmora &app) : app_(app) {}
 
 void update::check_Update(bool userStarted) {
     platform::WindowSystem &windows = app_.platform().windows;
-    const std::u16string title = app_.Main().title.caption();
     const Language &texts = app_.Language();
     if (!check_Network(app_.platform().internet)) {
         if (userStarted)
-            windows.MsgBox(texts.msg_No_Network, MsgBoxButtons::Ok, MsgBoxIcon::Critical, title);
+            windows.MsgBox(texts.msg_No_Network, MsgBoxButtons::Ok, MsgBoxIcon::Critical, title());
         return;
     }
     if (!fetch_UpdateInfo() || !read_UpdateInfo(update_TmpFile))
@@ -45,7 +44,7 @@ void update::check_Update(bool userStarted) {
     if (!is_NewVersion(new_Version)) {
         if (userStarted)
             windows.MsgBox(texts.msg_Latest_Version, MsgBoxButtons::Ok, MsgBoxIcon::Information,
-                           title);
+                           title());
         return;
     }
     takeNotes();
@@ -54,14 +53,17 @@ void update::check_Update(bool userStarted) {
     say(u"正在下载最新版本：【" + new_Version + u"】，请稍后...");
     if (!fetch_NewProgram()) {
         say(texts.msg_Upgrade_Failed);
-        windows.MsgBox(texts.msg_Upgrade_Failed, MsgBoxButtons::Ok, MsgBoxIcon::Critical, title);
+        windows.MsgBox(texts.msg_Upgrade_Failed, MsgBoxButtons::Ok, MsgBoxIcon::Critical, title());
         return;
     }
     say(u"成功下载最新版本：【" + new_Version + u"】，等待用户选择是否重启...");
-    if (windows.MsgBox(texts.msg_Upgrade_Done, MsgBoxButtons::YesNo, MsgBoxIcon::None, title) ==
+    if (windows.MsgBox(texts.msg_Upgrade_Done, MsgBoxButtons::YesNo, MsgBoxIcon::None, title()) ==
         MsgBoxResult::Yes)
         startNewProgram();
 }
+
+// As it is at the moment: it changes with the track, also while a question waits.
+std::u16string update::title() const { return app_.Main().title.caption(); }
 
 // The label is the splash window's: during a check from the menu nobody sees it.
 void update::say(std::u16string_view text) {
@@ -101,7 +103,7 @@ bool update::askForDownload() {
     return app_.platform().windows.MsgBox(std::u16string(app_.Language().msg_Upgrade_Ask) +
                                               new_Version + u"】？\r\n\r\n" + update_Notes,
                                           MsgBoxButtons::YesNo, MsgBoxIcon::None,
-                                          app_.Main().title.caption()) == MsgBoxResult::Yes;
+                                          title()) == MsgBoxResult::Yes;
 }
 
 void update::startNewProgram() {
@@ -112,8 +114,7 @@ void update::startNewProgram() {
     }
     const std::u16string failed(app_.Language().msg_Cannot_Start);
     say(failed);
-    app_.platform().windows.MsgBox(failed, MsgBoxButtons::Ok, MsgBoxIcon::Exclamation,
-                                   app_.Main().title.caption());
+    app_.platform().windows.MsgBox(failed, MsgBoxButtons::Ok, MsgBoxIcon::Exclamation, title());
 }
 
 // --- the two downloads ---

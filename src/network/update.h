@@ -42,6 +42,7 @@ public:
     std::int32_t update_Result = 0; // of the last download
 
 private:
+    std::u16string title() const;
     void say(std::u16string_view text);
     void takeNotes();
     bool askForDownload();

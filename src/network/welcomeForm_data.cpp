@@ -104,6 +104,7 @@ std::int64_t welcomeForm::lastPresent(std::u16string_view section,
 
 bool welcomeForm::read_Config() {
     bool usable = false;
+    const auto held = app_.platform().profiles.holdFile(welcome_File);
     passOver([&] {
         const std::u16string heading = value(u"config", u"title");
         const std::u16string name = value(u"config", u"provider");
@@ -173,6 +174,7 @@ void welcomeForm::showBanner(std::int64_t count) {
 // --- the lines ---
 
 bool welcomeForm::read_Databases() {
+    const auto held = app_.platform().profiles.holdFile(welcome_File);
     return passOver([this] {
         for (std::size_t tab = 0; tab < tabs; ++tab)
             makeLines(tab);

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,6 +34,19 @@ public:
     virtual bool WritePrivateProfileStringA(std::u16string_view section, std::u16string_view key,
                                             std::optional<std::u16string_view> value,
                                             std::u16string_view file) = 0;
+
+    // As long as the result lives the file is taken as it was found: it is read once, and the keys
+    // that are removed go from it together, in one writing, with the result. For those who ask for
+    // a great many keys of a file of somebody else's making: by itself each removal writes the
+    // whole file. One at a time; the result must not outlive this object.
+    class Hold {
+    public:
+        Hold() = default;
+        Hold(const Hold &) = delete;
+        Hold &operator=(const Hold &) = delete;
+        virtual ~Hold() = default;
+    };
+    [[nodiscard]] virtual std::unique_ptr<Hold> holdFile(std::u16string_view file) = 0;
 
     // Below 1024 "N bytes", else KB, MB, GB behind a blank with three significant digits, cut and
     // not rounded ("1.30 KB", "22.9 KB", "235 KB"), always English.

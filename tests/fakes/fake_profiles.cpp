@@ -122,6 +122,21 @@ bool FakeProfiles::WritePrivateProfileStringA(std::u16string_view section, std::
     return passOver([&] { files_.writeWhole(file, ansi_.encode(text), false); });
 }
 
+std::unique_ptr<platform::Profiles::Hold> FakeProfiles::holdFile(std::u16string_view file) {
+    class Noted : public Hold {
+    public:
+        Noted(std::vector<std::u16string> &log, std::u16string_view file) : log_(log), file_(file) {
+            log_.push_back(u"hold " + file_);
+        }
+        ~Noted() override { log_.push_back(u"release " + file_); }
+
+    private:
+        std::vector<std::u16string> &log_;
+        std::u16string file_;
+    };
+    return std::make_unique<Noted>(log, file);
+}
+
 std::u16string FakeProfiles::StrFormatByteSizeA(std::int32_t size) {
     log.push_back(u"size " + decimal(size));
     if (size < 1024)

@@ -29,6 +29,8 @@ public:
     bool WritePrivateProfileStringA(std::u16string_view section, std::u16string_view key,
                                     std::optional<std::u16string_view> value,
                                     std::u16string_view file) override;
+    // Holds nothing back: each write lies on the disk at once. "hold FILE", "release FILE".
+    std::unique_ptr<Hold> holdFile(std::u16string_view file) override;
     std::u16string StrFormatByteSizeA(std::int32_t size) override;
 
 private:

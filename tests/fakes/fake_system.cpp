@@ -114,6 +114,8 @@ std::int32_t FakeShell::ShellExecuteA(std::uintptr_t owner, std::u16string_view 
 
 void FakeShell::Shell_(std::u16string_view commandLine) {
     commandLines.emplace_back(commandLine);
+    if (onCommandLine)
+        onCommandLine(commandLine);
     if (!files_ || commandLine.size() < 2 || commandLine.back() != u'"')
         return;
     const auto quoted = [&](std::u16string_view command) {

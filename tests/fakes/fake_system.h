@@ -102,6 +102,8 @@ public:
     std::int32_t answer = 42; // above 32 is success
     std::vector<Execution> executions;
     std::vector<std::u16string> commandLines;
+    // Runs before a command line does.
+    std::function<void(std::u16string_view commandLine)> onCommandLine;
 
     std::int32_t ShellExecuteA(std::uintptr_t owner, std::u16string_view verb,
                                std::u16string_view target, std::int32_t showCommand) override;

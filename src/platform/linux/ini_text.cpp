@@ -51,20 +51,35 @@ IniText::IniText(const std::vector<std::u16string> &lines) {
             const std::size_t equals = std::min(line.find(u'='), line.size());
             const std::u16string_view value =
                 equals < line.size() ? withoutBlanks(line.substr(equals + 1)) : u"";
-            section->keys.try_emplace(upper(withoutBlanks(line.substr(0, equals))),
-                                      Place{number, std::u16string(withoutQuotes(value))});
+            section->keys.emplace(upper(withoutBlanks(line.substr(0, equals))),
+                                  Place{number, std::u16string(withoutQuotes(value))});
         }
         if (section != nullptr)
             section->end = number + 1;
     }
 }
 
+IniText::Keys::const_iterator IniText::first(const Section &section, std::u16string_view key) {
+    const std::u16string name = upper(key);
+    const auto place = section.keys.lower_bound(name);
+    return place != section.keys.end() && place->first == name ? place : section.keys.end();
+}
+
 const IniText::Place *IniText::find(std::u16string_view section, std::u16string_view key) const {
     const auto found = sections_.find(upper(section));
     if (found == sections_.end())
         return nullptr;
-    const auto place = found->second.keys.find(upper(key));
+    const auto place = first(found->second, key);
     return place == found->second.keys.end() ? nullptr : &place->second;
+}
+
+void IniText::remove(std::u16string_view section, std::u16string_view key) {
+    const auto found = sections_.find(upper(section));
+    if (found == sections_.end())
+        return;
+    const auto place = first(found->second, key);
+    if (place != found->second.keys.end())
+        found->second.keys.erase(place);
 }
 
 std::vector<std::u16string> IniText::keys(std::u16string_view section) const {
@@ -72,7 +87,8 @@ std::vector<std::u16string> IniText::keys(std::u16string_view section) const {
     const auto found = sections_.find(upper(section));
     if (found != sections_.end()) {
         for (const auto &[name, place] : found->second.keys)
-            names.push_back(name);
+            if (names.empty() || names.back() != name)
+                names.push_back(name);
     }
     return names;
 }

@@ -34,16 +34,21 @@ public:
     };
     // Null when it is not there.
     const Place *find(std::u16string_view section, std::u16string_view key) const;
-    // In upper case.
+    // Takes the first key of that name out, so that the next one of the name is found.
+    void remove(std::u16string_view section, std::u16string_view key);
+    // In upper case, each once.
     std::vector<std::u16string> keys(std::u16string_view section) const;
     // The line behind the section's last one that holds something; 0 when there is no such section.
     std::size_t endOf(std::u16string_view section) const;
 
 private:
     struct Section {
-        std::map<std::u16string, Place, std::less<>> keys; // by upper-cased name
+        // By upper-cased name; those of one name in their order.
+        std::multimap<std::u16string, Place, std::less<>> keys;
         std::size_t end = 0;
     };
+    using Keys = decltype(Section::keys);
+    static Keys::const_iterator first(const Section &section, std::u16string_view key);
     std::map<std::u16string, Section, std::less<>> sections_; // by upper-cased name
 };
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace velmora::platform {
 
@@ -52,6 +53,10 @@ std::u16string LinuxProfiles::GetPrivateProfileStringA(std::u16string_view secti
                                                        std::u16string_view key,
                                                        std::u16string_view fallback,
                                                        std::size_t size, std::u16string_view file) {
+    if (isHeld(file)) {
+        const IniText::Place *place = held_->text.find(section, key);
+        return fitting(place != nullptr ? place->value : fallback, size);
+    }
     const std::optional<std::string> bytes = bytesOf(file);
     const IniText::Place *place = bytes ? parsed(*bytes).find(section, key) : nullptr;
     return fitting(place != nullptr ? place->value : fallback, size);
@@ -59,6 +64,8 @@ std::u16string LinuxProfiles::GetPrivateProfileStringA(std::u16string_view secti
 
 std::vector<std::u16string> LinuxProfiles::GetPrivateProfileKeysA(std::u16string_view section,
                                                                   std::u16string_view file) {
+    if (isHeld(file))
+        return held_->text.keys(section);
     const std::optional<std::string> bytes = bytesOf(file);
     return bytes ? parsed(*bytes).keys(section) : std::vector<std::u16string>();
 }
@@ -68,6 +75,14 @@ bool LinuxProfiles::WritePrivateProfileStringA(std::u16string_view section, std:
                                                std::u16string_view file) {
     if (!isOneLine(section) || !isOneLine(key) || (value && !isOneLine(*value)))
         return false;
+    if (isHeld(file) && !value)
+        return removeHeld(section, key);
+    if (isHeld(file)) { // a value goes to the disk at once, behind what was removed
+        release();
+        const bool isWritten = WritePrivateProfileStringA(section, key, value, file);
+        hold(file);
+        return isWritten;
+    }
     const std::optional<std::string> old = bytesOf(file);
     if (!old && !files_.Dir(file).empty()) // it is there and not to be read
         return false;
@@ -92,6 +107,58 @@ bool LinuxProfiles::WritePrivateProfileStringA(std::u16string_view section, std:
         bytes.insert(at, added);
     }
     return passOver([&] { files_.writeWhole(file, bytes, false); });
+}
+
+// --- a file that is held ---
+
+class LinuxProfiles::HoldOfFile : public Hold {
+public:
+    explicit HoldOfFile(LinuxProfiles &profiles) : profiles_(profiles) {}
+    ~HoldOfFile() override { profiles_.release(); }
+
+private:
+    LinuxProfiles &profiles_;
+};
+
+std::unique_ptr<Profiles::Hold> LinuxProfiles::holdFile(std::u16string_view file) {
+    release();
+    hold(file);
+    return std::make_unique<HoldOfFile>(*this);
+}
+
+// A file that cannot be read holds nothing to find or to remove.
+void LinuxProfiles::hold(std::u16string_view file) {
+    Held held{std::u16string(file), bytesOf(file).value_or(""), {}, {}, {}, false};
+    parsed(held.bytes);
+    held.text = std::exchange(last_, {}); // one copy is enough
+    lastBytes_.clear();
+    held.lines = linesOf(held.bytes);
+    held.isRemoved.resize(held.lines.size());
+    held_ = std::move(held);
+}
+
+bool LinuxProfiles::removeHeld(std::u16string_view section, std::u16string_view key) {
+    const IniText::Place *place = held_->text.find(section, key);
+    if (place == nullptr)
+        return true;
+    held_->isRemoved[place->line] = true;
+    held_->isChanged = true;
+    held_->text.remove(section, key);
+    return true;
+}
+
+void LinuxProfiles::release() {
+    if (!held_)
+        return;
+    const Held held = std::move(*held_);
+    held_.reset();
+    if (!held.isChanged)
+        return;
+    std::string bytes;
+    for (std::size_t i = 0; i < held.lines.size(); ++i)
+        if (!held.isRemoved[i])
+            bytes.append(held.bytes, held.lines[i].begin, held.lines[i].next - held.lines[i].begin);
+    passOver([&] { files_.writeWhole(held.file, bytes, false); });
 }
 
 std::u16string LinuxProfiles::StrFormatByteSizeA(std::int32_t size) {

@@ -24,17 +24,34 @@ public:
     bool WritePrivateProfileStringA(std::u16string_view section, std::u16string_view key,
                                     std::optional<std::u16string_view> value,
                                     std::u16string_view file) override;
+    std::unique_ptr<Hold> holdFile(std::u16string_view file) override;
     std::u16string StrFormatByteSizeA(std::int32_t size) override;
 
 private:
+    class HoldOfFile;
+    // A file that is held, and which of its lines are to go.
+    struct Held {
+        std::u16string file;
+        std::string bytes;
+        IniText text;
+        std::vector<FileLine> lines;
+        std::vector<bool> isRemoved;
+        bool isChanged = false;
+    };
+
     std::optional<std::string> bytesOf(std::u16string_view file);
     const IniText &parsed(const std::string &bytes);
+    bool isHeld(std::u16string_view file) const { return held_ && held_->file == file; }
+    void hold(std::u16string_view file);
+    void release();
+    bool removeHeld(std::u16string_view section, std::u16string_view key);
 
     FileSystem &files_;
     const AnsiText &ansi_;
     // The last content read: its readers ask for one value after the other.
     std::string lastBytes_;
     IniText last_;
+    std::optional<Held> held_;
 };
 
 } // namespace velmora::platform

@@ -177,6 +177,116 @@ TEST_F(ProfilesTest, WriteNoLineEndsIntoALine) {
     EXPECT_FALSE(fs::exists(path()));
 }
 
+// --- a file that is held ---
+
+TEST_F(ProfilesTest, HeldRemoveTogetherWhatWouldBeRemovedOneByOne) {
+    const std::string text = "; mine\r\n[a]\r\nk=\r\nL = x\nm=\r\n\r\n[b]\r\nk=\rz=";
+    have(text);
+    {
+        const auto held = profiles_->holdFile(fromUtf8(path()));
+        EXPECT_EQ(value(u"A", u"K"), u"");
+        EXPECT_TRUE(write(u"a", u"k", std::nullopt));
+        EXPECT_EQ(value(u"a", u"k"), u"(none)");
+        EXPECT_TRUE(write(u"a", u"k", std::nullopt));
+        EXPECT_TRUE(write(u"a", u"none", std::nullopt));
+        EXPECT_TRUE(write(u"none", u"k", std::nullopt));
+        EXPECT_TRUE(write(u"b", u"z", std::nullopt));
+        EXPECT_EQ(value(u"a", u"l"), u"x");
+        EXPECT_EQ(bytes(), text) << "not yet";
+    }
+    EXPECT_EQ(bytes(), "; mine\r\n[a]\r\nL = x\nm=\r\n\r\n[b]\r\nk=\r");
+    EXPECT_EQ(value(u"a", u"k"), u"(none)");
+}
+
+TEST_F(ProfilesTest, HeldFindTheNextKeyOfANameThatWasRemoved) {
+    have("[a]\r\nk=\r\nK=2\r\nb=1\r\nk=3\r\n");
+    {
+        const auto held = profiles_->holdFile(fromUtf8(path()));
+        EXPECT_EQ(profiles_->GetPrivateProfileKeysA(u"a", fromUtf8(path())),
+                  (std::vector<std::u16string>{u"B", u"K"}));
+        EXPECT_TRUE(write(u"a", u"k", std::nullopt));
+        EXPECT_EQ(value(u"a", u"k"), u"2");
+        EXPECT_TRUE(write(u"a", u"k", std::nullopt));
+        EXPECT_EQ(value(u"a", u"k"), u"3");
+        EXPECT_TRUE(write(u"a", u"b", std::nullopt));
+        EXPECT_EQ(profiles_->GetPrivateProfileKeysA(u"a", fromUtf8(path())),
+                  std::vector<std::u16string>{u"K"});
+    }
+    EXPECT_EQ(bytes(), "[a]\r\nk=3\r\n");
+}
+
+TEST_F(ProfilesTest, HeldWriteAValueAtOnce) {
+    have("[a]\r\nk=\r\nl=1\r\n");
+    const auto held = profiles_->holdFile(fromUtf8(path()));
+    EXPECT_TRUE(write(u"a", u"k", std::nullopt));
+    EXPECT_TRUE(write(u"a", u"l", u"2"));
+    EXPECT_EQ(bytes(), "[a]\r\nl=2\r\n");
+    EXPECT_EQ(value(u"a", u"l"), u"2");
+    EXPECT_TRUE(write(u"a", u"l", std::nullopt));
+    EXPECT_EQ(value(u"a", u"l"), u"(none)");
+    EXPECT_EQ(bytes(), "[a]\r\nl=2\r\n");
+}
+
+TEST_F(ProfilesTest, HeldLeaveAFileAloneFromWhichNothingWent) {
+    have("[a]\r\nk=1\r\n");
+    const auto before = fs::last_write_time(path()) - std::chrono::hours(1);
+    fs::last_write_time(path(), before);
+    {
+        const auto held = profiles_->holdFile(fromUtf8(path()));
+        EXPECT_EQ(value(u"a", u"k"), u"1");
+        EXPECT_TRUE(write(u"a", u"other", std::nullopt));
+    }
+    EXPECT_EQ(fs::last_write_time(path()), before);
+    fs::remove(path());
+    {
+        const auto held = profiles_->holdFile(fromUtf8(path()));
+        EXPECT_EQ(value(u"a", u"k"), u"(none)");
+        EXPECT_TRUE(write(u"a", u"k", std::nullopt));
+    }
+    EXPECT_FALSE(fs::exists(path()));
+}
+
+TEST_F(ProfilesTest, HeldReadOtherFilesAsTheyAre) {
+    have("[a]\r\nk=1\r\n");
+    const std::u16string other = fromUtf8((folder_ / "other.ini").string());
+    std::ofstream(folder_ / "other.ini") << "[a]\r\nk=\r\n";
+    const auto held = profiles_->holdFile(fromUtf8(path()));
+    EXPECT_TRUE(profiles_->WritePrivateProfileStringA(u"a", u"k", std::nullopt, other));
+    EXPECT_EQ(fs::file_size(folder_ / "other.ini"), 5U);
+    EXPECT_EQ(value(u"a", u"k"), u"1");
+}
+
+TEST_F(ProfilesTest, HeldKeepAFileThatCannotBeWritten) {
+    have("[a]\r\nk=\r\n");
+    fs::permissions(path(), fs::perms::owner_read);
+    {
+        const auto held = profiles_->holdFile(fromUtf8(path()));
+        EXPECT_TRUE(write(u"a", u"k", std::nullopt));
+    }
+    EXPECT_EQ(bytes(), "[a]\r\nk=\r\n");
+}
+
+TEST_F(ProfilesTest, HeldTakeATimeThatGrowsWithTheFileAlone) {
+    std::string text = "[a]\r\n";
+    constexpr int count = 500'000;
+    for (int i = 0; i < count; ++i)
+        text += "index_" + std::to_string(i) + "_Str=\r\n";
+    text += "end=1\r\n";
+    have(text);
+    ASSERT_LT(static_cast<std::int64_t>(text.size()), LinuxProfiles::longestFile);
+    const auto begin = std::chrono::steady_clock::now();
+    {
+        const auto held = profiles_->holdFile(fromUtf8(path()));
+        for (int i = 0; i < count; ++i) {
+            const std::u16string key = fromAscii("index_" + std::to_string(i) + "_Str");
+            ASSERT_EQ(value(u"a", key), u"");
+            write(u"a", key, std::nullopt);
+        }
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(40));
+    EXPECT_EQ(bytes(), "[a]\r\nend=1\r\n");
+}
+
 TEST_F(ProfilesTest, SayWhenTheyCannotWrite) {
     have("[a]\r\nk=1\r\n");
     fs::permissions(path(), fs::perms::owner_read);

@@ -106,6 +106,43 @@ TEST_F(LyricSearch, pumpsOnceForEachAcceptedLink) {
     EXPECT_EQ(windows.pumps - without, without + 4);
 }
 
+TEST_F(LyricSearch, pumpsAheadOfItsFetchesItsScanAndItsCounts) {
+    // Twice for a page, once for the scan, once for the signs of the address and once for those of
+    // the page.
+    Texts order;
+    windows.onPump = [&] { order.push_back(u"pump " + decimal(countLog(u"XmlHttpGet"))); };
+    searchPage("nothing");
+    EXPECT_EQ(order, (Texts{u"pump 0", u"pump 1", u"pump 1", u"pump 1", u"pump 2"}));
+}
+
+TEST_F(LyricSearch, pumpsOnceForEachAcceptedLinkOfAFurtherPage) {
+    net.setPage(pageAddress(1),
+                link("http://a/") + link("has a blank") + link("http://b/") + link("http://c/"));
+    int pumps = 0;
+    windows.onPump = [&] { pumps += countLog(u"XmlHttpGet") == 3; };
+    searchPage(pageLink(1) + pageLink(2) + link("http://other/"));
+    EXPECT_EQ(pumps, 1 + 3); // the count over the page, and the links
+}
+
+TEST_F(LyricSearch, scansThePageOfItsAddressWithOtherSeparators) {
+    net.setPage(lyricAddress(u"a\\b"), "first");
+    net.setPage(lyricAddress(u"a/b"), a(1));
+    EXPECT_TRUE(search.searchLrc(u"a\\b"));
+    EXPECT_EQ(rows(), Texts{rowA(1)});
+    EXPECT_EQ(search.lrcSearchPage, u"first");
+}
+
+TEST_F(LyricSearch, addsALinkOnceForEachSiteItIsOf) {
+    setHost(u"lrcSiteB", u"http://sitea/asp/lrc.asp");
+    const std::string both = link("http://sitea/asp/lrc.asp/LrcDown/1.lrc");
+    const std::u16string row = u"http://sitea/asp/lrc.asp/lrcdown/1.lrc";
+    // The bounds are those ahead of the tests: the second has no place and ends the scan.
+    EXPECT_TRUE(searchPage(both + a(2)));
+    EXPECT_EQ(rows(), (Texts{row, row}));
+    EXPECT_EQ(textsOf(search.lrcDownloadLinks), Texts{upper(row)});
+    EXPECT_FALSE(search.lrcFirstPageDone);
+}
+
 TEST_F(LyricSearch, onlyAddsToTheWindowsList) {
     lrcWindow().search_Lrc_List.addItem(u"there");
     searchPage(a(1));
@@ -301,7 +338,8 @@ TEST_F(LyricSearch, endsWhenTheListIsFull) {
 
 TEST_F(LyricSearch, endsOnMorePageLinksThanANumberOf16BitsCounts) {
     std::string page;
-    for (int i = 0; i < 32'772; ++i)
+    // The last is the 65,541st: cut to 16 bits it would be a small one.
+    for (int i = 0; i < 65'546; ++i)
         page += "<a href=\"/m?pn=1\">";
     EXPECT_TRUE(searchPage(page));
     EXPECT_EQ(countLog(u"XmlHttpGet"), 2);

@@ -190,6 +190,21 @@ TEST_F(LyricWindow, aDoubleClickFetchesTheLyricOverTheOldOneAndMatchesIt) {
                               u"URLDownloadToFileA http://siteb/lrcdown/2.lrc /lrc/own/Song.LRC"}));
 }
 
+TEST_F(LyricWindow, aDoubleClickDuringPlayMatchesTheLyricOfWhatPlays) {
+    openTrack(u"/m/Song.mp3");
+    app.player().play_Sub(); // finds no lyric
+    haveRows();
+    ASSERT_FALSE(app.playInfo_Form().lrcInfo_Frame.enabled());
+    ASSERT_FALSE(app.lrcForm().hasLrc);
+    const std::size_t plays = media.commands().size();
+    net.setDownload(u"http://siteb/lrcdown/2.lrc", "[00:01.00]words\r\n");
+    doubleClick(form.search_Lrc_List, 1);
+    EXPECT_TRUE(app.lrcForm().hasLrc);
+    EXPECT_TRUE(app.playInfo_Form().lrcInfo_Frame.enabled());
+    for (std::size_t i = plays; i < media.commands().size(); ++i)
+        EXPECT_FALSE(startsWith(media.commands()[i].text, u"play")) << "nothing starts anew";
+}
+
 TEST_F(LyricWindow, oneLyricIsNeverTwoFiles) {
     openTrack(u"/m/Song.mp3");
     haveRows();

@@ -104,6 +104,9 @@ TEST_F(SongFetch, saysAtOnceThatItFetches) {
     fake.dialogs.expectSave(std::nullopt);
     click(form.anotherSave);
     EXPECT_EQ(fakes::FakeWindows::windowOf(form)->refreshes, before + 1);
+    files.setReadOnly(u"/data/cache");
+    click(form.save);
+    EXPECT_EQ(fakes::FakeWindows::windowOf(form)->refreshes, before + 2);
 }
 
 // --- names
@@ -200,6 +203,14 @@ TEST_F(SongFetch, saysWhenTheFolderRefuses) {
     click(form.anotherSave);
     EXPECT_EQ(heading(), refused);
     EXPECT_EQ(net.log, Texts());
+}
+
+TEST_F(SongFetch, testsTheFolderAheadOfTheName) {
+    addSong(u"0@@A?@@A@@S@@1@@MP3");
+    choose(0);
+    files.setReadOnly(u"/data/cache");
+    click(form.save);
+    EXPECT_EQ(heading(), u"曲目网络搜索 - 歌曲缓存目录无法创建文件！");
 }
 
 TEST_F(SongFetch, asksBeforeItReplacesAFile) {
@@ -356,6 +367,10 @@ TEST_F(SongFetch, stoppedByTheUserRemovesItsPart) {
     addSong();
     choose(0);
     answerWith(std::string(3000, 's'));
+    fake.shell.onCommandLine = [this](std::u16string_view) {
+        EXPECT_EQ(countLog(u"InternetCloseHandle"), 3) << "stopped ahead of the removal";
+        EXPECT_TRUE(files.hasFile(cached));
+    };
     windows.atNextPump([this] { click(form.downFileStop); });
     click(form.save);
     EXPECT_FALSE(files.hasFile(cached));
@@ -391,83 +406,6 @@ TEST_F(SongFetch, stoppedFetchesAgain) {
     answerWith("all of it");
     click(form.save);
     EXPECT_EQ(files.contents(cached), "all of it");
-}
-
-// --- playing what was fetched
-// -------------------------------------------------------------------
-
-TEST_F(SongFetch, anEmptyPathIsNotPlayed) {
-    form.play_Downloaded(u"");
-    EXPECT_TRUE(media.commands().empty());
-    EXPECT_TRUE(files.changes().empty());
-}
-
-TEST_F(SongFetch, aNewFileIsAddedCountedAndSaved) {
-    addRow(u"/m/first.mp3");
-    addTrack(cached);
-    form.play_Downloaded(cached);
-    EXPECT_EQ(rowsOf(app.playList_Form().playList_Item), (Texts{u"first", u"SINGER NAME"}));
-    EXPECT_EQ(rowsOf(app.playList_Form().List1), (Texts{u"/m/first.mp3", cached}));
-    EXPECT_EQ(app.player().nowPlay_Index, 3); // one beyond the new row
-    EXPECT_EQ(app.player().nowPlay_File, cached);
-    EXPECT_EQ(files.contents(u"/data/cache/zkPlayList.m3u"),
-              "/m/first.mp3\r\n/data/cache/SINGER NAME.MP3\r\n");
-}
-
-TEST_F(SongFetch, aFileOfTheListIsSelectedWithItsNamesakesAndPlayed) {
-    addRow(u"/m/other.mp3");
-    addRow(u"/m/Name.mp3");
-    addRow(u"/n/Name.wav");
-    forms::ListBox &list = app.playList_Form().playList_Item;
-    list.setSelected(0, true);
-    app.player().nowPlay_Index = 1;
-    form.play_Downloaded(u"/m/Name.mp3");
-    EXPECT_FALSE(list.selected(0));
-    EXPECT_TRUE(list.selected(1));
-    EXPECT_EQ(rows(), 3);
-    EXPECT_EQ(app.player().nowPlay_Index, 1);
-    EXPECT_EQ(app.player().nowPlay_File, u"/m/Name.mp3");
-    EXPECT_EQ(app.player().get_PlayStatus(), statusPlaying);
-}
-
-TEST_F(SongFetch, namesakesOfAFileThatDoesNotOpenStaySelected) {
-    addRow(u"/m/other.mp3");
-    addRowOnly(u"/m/Name.mp3");
-    addRow(u"/n/Name.wav");
-    forms::ListBox &list = app.playList_Form().playList_Item;
-    list.setSelected(0, true);
-    form.play_Downloaded(u"/m/Name.mp3");
-    EXPECT_FALSE(list.selected(0));
-    EXPECT_TRUE(list.selected(1));
-    EXPECT_TRUE(list.selected(2));
-}
-
-TEST_F(SongFetch, whatPlaysIsClosedAhead) {
-    openAndPlay(addTrack(u"/m/before.mp3"));
-    addTrack(cached);
-    media.clearCommands();
-    form.play_Downloaded(cached);
-    EXPECT_EQ(app.player().nowPlay_File, cached);
-    EXPECT_EQ(app.player().get_PlayStatus(), statusPlaying);
-}
-
-TEST_F(SongFetch, aFileWithoutAStemIsRefused) {
-    windows.expectMsgBox(boxOf(app.Language().msg_Bad_Path, platform::MsgBoxIcon::Critical,
-                               app.Language().msg_Error),
-                         platform::MsgBoxResult::Ok);
-    addTrack(u"/data/cache/.MP3");
-    form.play_Downloaded(u"/data/cache/.MP3");
-    EXPECT_EQ(rows(), 0);
-    EXPECT_EQ(app.player().nowPlay_File, u"");
-}
-
-TEST_F(SongFetch, aFileThatCannotBePlayedStops) {
-    files.addFile(cached, "no sound");
-    app.Main().playButton.setVisible(false);
-    form.play_Downloaded(cached);
-    EXPECT_EQ(app.player().get_Length(), 0);
-    EXPECT_TRUE(app.Main().playButton.visible());
-    EXPECT_EQ(rows(), 1);
 }
 
 TEST_F(SongFetch, comesOutOfATransferAlsoWhenTheListIsFull) {

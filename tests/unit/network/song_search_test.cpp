@@ -39,6 +39,21 @@ TEST_F(SongSearch, asksForTheWordAsItIsAndFetchesThePageTwice) {
     EXPECT_TRUE(songs.songResults.empty());
 }
 
+TEST_F(SongSearch, scansThePageOfItsAddressWithOtherSeparators) {
+    net.setPage(songPageAddress(u"a\\b"), "first");
+    net.setPage(songPageAddress(u"a/b"), " " + cell("r", "http://1;;"));
+    EXPECT_TRUE(songs.searchSong(u"a\\b"));
+    expectRows({u"0、http://1"});
+    EXPECT_EQ(songs.songSearchPage, u"first");
+}
+
+TEST_F(SongSearch, pumpsAheadOfItsFetchesItsScanAndItsCounts) {
+    std::vector<int> fetchesBefore;
+    windows.onPump = [&] { fetchesBefore.push_back(countLog(u"XmlHttpGet")); };
+    searchPage(" " + cell("r", "http://1;;http://2;;"));
+    EXPECT_EQ(fetchesBefore, (std::vector<int>{0, 1, 1, 1, 2})); // and none for a row
+}
+
 TEST_F(SongSearch, fillsThreeListsWithOneRowForEachLink) {
     searchPage("<table>" + cell("0@@Name@@Album", "http://h/a.mp3;Fast;https://h/B.mp3;;"));
     EXPECT_EQ(shown(), (Texts{u"0、【FAST】http://h/a.mp3", u"1、https://h/b.mp3"}));

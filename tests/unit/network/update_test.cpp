@@ -65,8 +65,69 @@ TEST_F(Update, WithAnInformationFileOfNoUseIsSilentForTheUserToo) {
                              "[check]\r\nvesion=3.0.0\r\ndownload=  \r\n", "<html>404</html>"}) {
         serve(text);
         work().check_Update(true);
+        EXPECT_FALSE(files.hasFile(work().update_TmpFile)) << "it goes all the same";
     }
     EXPECT_TRUE(windows.boxes.empty());
+}
+
+TEST_F(Update, HasNoNotesOfAnEarlierCheck) {
+    serveVersion("3.0.0", "[Updates]\r\nUpdates_English=one\r\n");
+    expectQuestion(askText(u"3.0.0", u"one\r\n"), MsgBoxResult::No);
+    work().check_Update(false);
+    serveVersion("3.0.0", "[Updates]\r\nUpdates_English=one\r\n");
+    app.setControl().Language_Index = 7;
+    expectQuestion(askText(u"3.0.0"), MsgBoxResult::No);
+    work().check_Update(false);
+}
+
+TEST_F(Update, AsksUnderTheTitleThatMainHasThen) {
+    serveVersion("3.0.0");
+    windows.expectMsgBox(
+        {askText(u"3.0.0"), MsgBoxButtons::YesNo, MsgBoxIcon::None, u"Velmora 2011"},
+        MsgBoxResult::Yes, [&] { app.Main().title.setCaption(u"Song"); });
+    windows.expectMsgBox(boxOf(app.Language().msg_Upgrade_Failed, MsgBoxIcon::Critical, u"Song"),
+                         MsgBoxResult::Ok);
+    work().check_Update(false);
+}
+
+TEST_F(Update, FetchesTheProgramInOneOrder) {
+    work().new_Version = u"3.0.0";
+    work().new_DownloadUrl = u"http://maker/new.exe";
+    serveProgram();
+    windows.onPump = [&] { fake.internet.log.emplace_back(u"pump"); };
+    EXPECT_TRUE(work().fetch_NewProgram());
+    EXPECT_EQ(fake.internet.log,
+              (Texts{u"DeleteUrlCacheEntryA http://maker/new.exe", u"pump",
+                     std::u16string(u"URLDownloadToFileA http://maker/new.exe ") + newPath}));
+}
+
+TEST_F(Update, TestsTheTemporaryFolderForTheProgramToo) {
+    work().new_Version = u"3.0.0";
+    work().new_DownloadUrl = u"http://maker/new.exe";
+    files.setReadOnly(fake.folders.temporary);
+    EXPECT_FALSE(work().fetch_NewProgram());
+    EXPECT_EQ(fake.internet.log, Texts{u"DeleteUrlCacheEntryA http://maker/new.exe"});
+    files.setReadOnly(fake.folders.temporary, false);
+    fake.internet.failNext("DeleteUrlCacheEntryA");
+    fake.internet.failNext("URLDownloadToFileA");
+    serveProgram();
+    EXPECT_FALSE(work().fetch_NewProgram());
+    EXPECT_NE(work().update_Result, 0);
+    files.setReadOnly(u"/opt/velmora"); // which only the download itself finds out
+    EXPECT_FALSE(work().fetch_NewProgram());
+    EXPECT_EQ(fake.internet.log.back(),
+              std::u16string(u"URLDownloadToFileA http://maker/new.exe ") + newPath);
+}
+
+TEST_F(Update, FetchesTheInformationInOneOrder) {
+    windows.onPump = [&] { fake.internet.log.emplace_back(u"pump"); };
+    fake.shell.onCommandLine = [&](std::u16string_view) { fake.internet.log.emplace_back(u"del"); };
+    serveVersion("3.0.0");
+    EXPECT_TRUE(work().fetch_UpdateInfo());
+    const std::u16string address = u"http://maker/source/softwareDate/zkPlayerUpdate.php";
+    EXPECT_EQ(fake.internet.log,
+              (Texts{u"DeleteUrlCacheEntryA " + address, u"del", u"pump",
+                     u"URLDownloadToFileA " + address + u" " + work().update_TmpFile}));
 }
 
 TEST_F(Update, OfTheCurrentVersionIsToldToTheUserAlone) {
@@ -224,11 +285,12 @@ INSTANTIATE_TEST_SUITE_P(
         VersionCase{u"2.9.9", u"3.0.0", true}, VersionCase{u"2.9.9", u"2.10.0", true},
         VersionCase{u"2.9.9", u"2.9.10", true}, VersionCase{u"2.9.9", u"2.9.9", false},
         VersionCase{u"2.9.9", u"1.99.99", false}, VersionCase{u"2.9.9", u"2.8.99", false},
-        VersionCase{u"2.9.9", u"2.9.9.5", false}, VersionCase{u"2.9.9", u"3", true},
-        VersionCase{u"2.9.9", u"2", false}, VersionCase{u"2.9.9", u"2.10", true},
-        VersionCase{u"2.9.9", u"2.9", false}, VersionCase{u"2.9", u"2.9.1", false},
-        VersionCase{u"", u"1.0.0", true}, VersionCase{u"2.9.9", u"", false},
-        VersionCase{u"2.9.9", u"3x.y.z", true}, VersionCase{u"2.9.9", u"x.9.9", false}));
+        VersionCase{u"2.9.9", u"2.9.9.5", false}, VersionCase{u"2.9.9.4", u"2.9.9.5", false},
+        VersionCase{u"2.9.9", u"3", true}, VersionCase{u"2.9.9", u"2", false},
+        VersionCase{u"2.9.9", u"2.10", true}, VersionCase{u"2.9.9", u"2.9", false},
+        VersionCase{u"2.9", u"2.9.1", false}, VersionCase{u"", u"1.0.0", true},
+        VersionCase{u"2.9.9", u"", false}, VersionCase{u"2.9.9", u"3x.y.z", true},
+        VersionCase{u"2.9.9", u"x.9.9", false}));
 
 } // namespace
 } // namespace velmora

@@ -255,6 +255,49 @@ TEST_F(Welcome, WithMoreLinesThanAnArrayTakesFails) {
     EXPECT_EQ(page().ad_Items.upperBound(), 4'000'000'000);
 }
 
+TEST_F(Welcome, LosesTheEmptyKeysThatItReads) {
+    start(whole("databaseStr_Font=\n[Advertising]\nAdvertisingNumbers=2\nindex_0_Str=\n"
+                "index_1_Str=b\nindex_1_Link=\nindex_2_Str=\n[databases]\n"
+                "databases_0_Ubound=1\ndatabases_0_0_Str=\ndatabases_0_0_Link=\n"
+                "databases_0_1_Str=\nother=\n"));
+    EXPECT_EQ(files.contents(file()),
+              "[check]\r\nvesion=1.0.0\r\nupdate=0\r\n[config]\r\ntitle=News\r\n"
+              "provider=Norvane\r\nproviderLink=http://p/\r\nbuttonStr0=A\r\nbuttonStr1=B\r\n"
+              "buttonStr2=C\r\n[Advertising]\r\nAdvertisingNumbers=2\r\nindex_1_Str=b\r\n"
+              "index_2_Str=\r\n[databases]\r\ndatabases_0_Ubound=1\r\ndatabases_0_1_Str=\r\n"
+              "other=\r\n")
+        << "those that it does not ask for stay";
+}
+
+TEST_F(Welcome, HoldsItsFileWhileItReadsManyKeys) {
+    start(whole("[Advertising]\nAdvertisingNumbers=1\nindex_0_Str=a\n[databases]\n"
+                "databases_0_Ubound=1\ndatabases_0_0_Str=b\n"));
+    bool isHeld = false;
+    int outside = 0;
+    for (const std::u16string &line : fake.profiles.log) {
+        if (startsWith(line, u"hold "))
+            isHeld = true;
+        else if (startsWith(line, u"release "))
+            isHeld = false;
+        else
+            outside += !isHeld;
+        if (startsWith(line, u"read Advertising") || startsWith(line, u"read databases")) {
+            EXPECT_TRUE(isHeld) << toUtf8(line);
+        }
+    }
+    EXPECT_FALSE(isHeld);
+    EXPECT_EQ(outside, 3) << "the version twice, and whether an update is needed";
+}
+
+TEST_F(Welcome, LetsItsFileGoWhereItFails) {
+    start(whole("databaseStr_Color=x\n[databases]\ndatabases_0_Ubound=2\n"
+                "databases_0_0_Str=\ndatabases_0_1_Str=\n"));
+    EXPECT_TRUE(page().load_Failed);
+    EXPECT_THAT(files.contents(file()), ::testing::HasSubstr("databases_0_1_Str="));
+    EXPECT_THAT(files.contents(file()), ::testing::Not(::testing::HasSubstr("databases_0_0_Str=")));
+    EXPECT_EQ(fake.profiles.log.back(), u"release " + file());
+}
+
 // --- clicks ---
 
 TEST_F(Welcome, OpensWhatItsLinksNameAndNothingForAnEmptyBanner) {
