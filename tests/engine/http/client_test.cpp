@@ -237,6 +237,40 @@ TEST_F(HttpClient, SeesNothingToFetchWhereNobodyAnswers) {
     }
 }
 
+TEST_F(HttpClient, ReachesAServerOfTheNewerProtocolAloneByItsName) {
+    LoopbackServer server(always(response("six", "audio/mpeg")), LoopbackServer::Address::V6);
+    if (!server.works())
+        GTEST_SKIP() << "this machine has no IPv6";
+    const std::u16string port = fromAscii(std::to_string(server.port()));
+    EXPECT_TRUE(fetch(u"http://localhost:" + port + u"/x"));
+    EXPECT_EQ(content(), "six");
+    // Where a ":" comes first the host ends, so that the bare address is none.
+    events_.clear();
+    fs::remove(target());
+    EXPECT_FALSE(fetch(u"http://[::1]:" + port + u"/x"));
+    EXPECT_EQ(events_, "1 2 3 4 E8 D0");
+}
+
+TEST_F(HttpClient, SendsWhatItWasGiven) {
+    LoopbackServer server(always(response("text", "text/html")));
+    const platform::Platform all = bundle();
+    zkWininetDown client(all);
+    client.URL = server.url(u"/a b?c");
+    client.Method = u"POST";
+    client.Referer = u"http://from/";
+    client.Cookie = u"id=7";
+    client.PostData = u"q=\x4E2D"; // five bytes, three characters
+    EXPECT_EQ(client.DownLoadToText(), u"text");
+    EXPECT_EQ(
+        server.lastRequest(),
+        "POST /a%20b?c HTTP/1.0\r\nHost: 127.0.0.1:" + std::to_string(server.port()) +
+            "\r\nUser-Agent: Mozilla/4.0 (compatible; MSIE 6.0; Windows NT 5.1)\r\n"
+            "Cookie: id=7\r\nPragma: no-cache\r\nReferer: http://from/\r\n"
+            "Content-Type: application/x-www-form-urlencoded\r\nContent-Length: 3\r\n\r\nq=\xE4");
+    EXPECT_EQ(client.GetCookie(u"id"), std::u16string(u"id=7") + std::u16string(252, u' '));
+    EXPECT_EQ(client.GetCookie(u"none"), u"");
+}
+
 TEST_F(HttpClient, HasNoConnectionWithoutAHost) {
     EXPECT_FALSE(fetch(u""));
     EXPECT_EQ(events_, "1 2 E2");

@@ -3,7 +3,9 @@
 
 #include "http_fixture.h"
 #include "tls_server.h"
+#include "tunnel_proxy.h"
 
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -119,6 +121,24 @@ TEST_F(Https, OfAnAuthorityThatNobodyTrustsIsRefused) {
 TEST_F(Https, OfAnotherNameIsRefused) { expectRefused(trusted("DNS:elsewhere.invalid")); }
 
 TEST_F(Https, ThatHasEndedIsRefused) { expectRefused(trusted("IP:127.0.0.1", -1)); }
+
+TEST_F(Https, GoesThroughAProxyWhoseAnswerIsNoPartOfIt) {
+    TlsServer server(trusted("DNS:somewhere.invalid"), pages_);
+    ASSERT_TRUE(server.works());
+    TunnelProxy proxy(server.port());
+    LoopbackServer plain(always("HTTP/1.1 302 Found\r\nLocation: https://somewhere.invalid/page\r\n"
+                                "Content-Length: 0\r\n\r\n"));
+    ::setenv("https_proxy", proxy.url().c_str(), 1);
+    const std::optional<std::string> direct = page(u"https://somewhere.invalid/page");
+    const Sent sent = send(plain.port());
+    const std::optional<std::string> header = headerOf(sent);
+    const std::string body = bodyOf(sent).bytes;
+    ::unsetenv("https_proxy");
+    EXPECT_EQ(direct, "secret <a href=x>");
+    EXPECT_EQ(proxy.asked().substr(0, 30), "CONNECT somewhere.invalid:443 ");
+    EXPECT_EQ(header, withNuls("HTTP/1.1 200 OK|Content-Length: 17|Content-Type: text/html|"));
+    EXPECT_EQ(body, "secret <a href=x>");
+}
 
 TEST_F(Https, WhereNobodySpeaksItIsRefused) {
     InternetLimits limits;

@@ -148,6 +148,21 @@ TEST_F(HttpRequest, GoesToTheProxyForOtherHosts) {
     EXPECT_THAT(server_.lastRequest(), StartsWith("GET http://somewhere.invalid/a HTTP/1.0\r\n"));
 }
 
+TEST_F(HttpRequest, GoesToTheDefaultPortForPortZero) {
+    const std::string proxy = "http://127.0.0.1:" + std::to_string(server_.port());
+    ::setenv("http_proxy", proxy.c_str(), 1);
+    const bool zero = send(0, u"/a", u"somewhere.invalid").answered;
+    const std::string line = server_.lastRequest();
+    const bool other = send(81, u"/a", u"somewhere.invalid").answered;
+    ::unsetenv("http_proxy");
+    EXPECT_TRUE(zero);
+    EXPECT_THAT(line, StartsWith("GET http://somewhere.invalid/a HTTP/1.0\r\n"
+                                 "Host: somewhere.invalid\r\n"));
+    EXPECT_TRUE(other);
+    EXPECT_THAT(server_.lastRequest(),
+                StartsWith("GET http://somewhere.invalid:81/a HTTP/1.0\r\n"));
+}
+
 TEST_F(HttpRequest, CanBeSentAgain) {
     const Sent sent = send(server_.port());
     EXPECT_EQ(bodyOf(sent).bytes, "x");

@@ -33,6 +33,7 @@ public:
     TlsServer &operator=(const TlsServer &) = delete;
 
     bool works() const { return port_ != 0; }
+    int port() const { return port_; }
     // "https://127.0.0.1:port" and the path behind it.
     std::string url(std::string_view path) const;
 
