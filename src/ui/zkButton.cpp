@@ -78,23 +78,48 @@ void zkButton::setForeColor(Colour colour) {
 
 // The three looks at the present size, and the normal one into what is seen.
 void zkButton::paint() {
-    const auto devicePixels = [this](Twips twips) {
-        return static_cast<int>(std::lround(twips / twipsPerPixel * scale()));
-    };
-    const int width = devicePixels(this->width());
-    const int height = devicePixels(this->height());
-    for (std::size_t index = 0; index < looks; ++index) {
-        assemble(index, width, height);
+    assembled_.fill(false);
+    sized_ = false;
+    shown_ = false;
+    asked_ = true;
+    changed(forms::Change::Look);
+}
+
+int zkButton::devicePixels(Twips twips) const {
+    return static_cast<int>(std::lround(twips / twipsPerPixel * scale()));
+}
+
+void zkButton::drawShown() const {
+    if (shown_ || !asked_) {
+        return;
     }
-    platform::SelectObject(picMain_, platform::CreateCompatibleBitmap(width, height));
-    captionHeight_ = form().textExtent(caption_, captionFont_).height;
-    showNormal();
+    shown_ = true;
+    if (!sized_) {
+        sized_ = true;
+        platform::SelectObject(picMain_, platform::CreateCompatibleBitmap(devicePixels(width()),
+                                                                          devicePixels(height())));
+        captionHeight_ = form().textExtent(caption_, captionFont_).height;
+    }
+    const forms::Surface &seen = *picMain_.selected;
+    platform::BitBlt(picMain_, 0, 0, seen.width(), seen.height(), stateLook(State::ToNormal), 0, 0,
+                     platform::SRCCOPY);
+}
+
+const platform::DeviceContext &zkButton::stateLook(State state) const {
+    const auto index = static_cast<std::size_t>(state);
+    if (!assembled_[index]) {
+        assembled_[index] = true;
+        assemble(index);
+    }
+    return state_DC_[index];
 }
 
 // Nine slices. The corners are copied; the edges stretch along the button, the middle both ways. On
 // a dense screen picture and slices grow to whole device pixels. Nothing guards against a button
 // smaller than its corners: the stretched sizes are negative then, and mirror.
-void zkButton::assemble(std::size_t index, int width, int height) {
+void zkButton::assemble(std::size_t index) const {
+    const int width = devicePixels(this->width());
+    const int height = devicePixels(this->height());
     const int edge = std::max(1, static_cast<int>(std::lround(edgePixels * scale())));
     const int pictureWidth = edgesAcross * edge;
     const int pictureHeight = edgesDown * edge;
@@ -136,13 +161,6 @@ void zkButton::assemble(std::size_t index, int width, int height) {
     for (const std::size_t side : {std::size_t{0}, std::size_t{2}}) {
         draw(columns[side], rows[1]);
     }
-}
-
-void zkButton::showNormal() {
-    const forms::Surface &shown = *picMain_.selected;
-    platform::BitBlt(picMain_, 0, 0, shown.width(), shown.height(), state_DC_[0], 0, 0,
-                     platform::SRCCOPY);
-    changed(forms::Change::Look);
 }
 
 void zkButton::mouseMove(const forms::MouseEvent &event) {
@@ -221,10 +239,11 @@ void zkButton::tick() {
     case State::Idle:
         break;
     }
-    if (picMain_.selected) {
-        const forms::Surface &shown = *picMain_.selected;
-        platform::AlphaBlend(picMain_, 0, 0, shown.width(), shown.height(),
-                             state_DC_[static_cast<std::size_t>(state_)], 0, 0, {0, 0, fade_, 0});
+    if (asked_) {
+        drawShown();
+        const forms::Surface &seen = *picMain_.selected;
+        platform::AlphaBlend(picMain_, 0, 0, seen.width(), seen.height(), stateLook(state_), 0, 0,
+                             {0, 0, fade_, 0});
     }
     changed(forms::Change::Look);
     if (fade_ == std::numeric_limits<std::uint8_t>::max()) {
@@ -242,12 +261,14 @@ void zkButton::enabledChanged() {
     state_ = State::Idle;
     fade_ = 0;
     captionColor_ = foreColor_;
-    if (picMain_.selected) {
-        showNormal();
+    if (asked_) {
+        shown_ = false;
+        changed(forms::Change::Look);
     }
 }
 
 forms::CustomLook zkButton::look() const {
+    drawShown();
     forms::CustomLook look;
     look.surface = picMain_.selected.get();
     look.caption = caption_;

@@ -23,9 +23,9 @@ public:
     ~zkButton() override;
 
     const std::u16string &caption() const noexcept { return caption_; }
-    void setCaption(std::u16string_view caption); // draws the normal look anew
+    void setCaption(std::u16string_view caption); // shows the normal look anew
     std::int32_t speed() const noexcept { return speed_; }
-    void setSpeed(std::int32_t speed); // draws the normal look anew
+    void setSpeed(std::int32_t speed); // shows the normal look anew
     Colour foreColor() const noexcept { return foreColor_; }
     void setForeColor(Colour colour); // shows at once
     Colour hotColor() const noexcept { return hotColor_; }
@@ -58,18 +58,26 @@ protected:
 
 private:
     void paint();
-    void assemble(std::size_t index, int width, int height);
+    // What is asked for is drawn when it is looked at or blended: most buttons stand on windows
+    // that are not seen, and few are ever pressed.
+    void drawShown() const;
+    const platform::DeviceContext &stateLook(State state) const;
+    void assemble(std::size_t index) const;
+    int devicePixels(Twips twips) const;
     void tick();
-    void showNormal();
 
     static constexpr std::size_t looks = 3;
 
     forms::Timer TimerPaint;
-    std::array<platform::DeviceContext, looks> state_DC_;
-    platform::DeviceContext picMain_;
+    mutable std::array<platform::DeviceContext, looks> state_DC_;
+    mutable platform::DeviceContext picMain_;
+    mutable std::array<bool, looks> assembled_{};
+    mutable bool sized_ = false; // picMain_ has the present size
+    mutable bool shown_ = false; // picMain_ shows the normal look or a fade from it
+    bool asked_ = false;         // there is something to show at all
     std::u16string caption_;
     forms::Font captionFont_;
-    Twips captionHeight_ = 0;
+    mutable Twips captionHeight_ = 0;
     Colour foreColor_;
     Colour hotColor_;
     Colour pressedColor_;

@@ -176,6 +176,7 @@ forms::TextExtent FakeWindows::textExtent(std::u16string_view text, const forms:
 }
 
 forms::Surface FakeWindows::pictureSurface(forms::Picture picture, int width, int height) {
+    picturesDrawn.push_back(picture);
     forms::Surface surface(width, height);
     for (int y = 0; y < surface.height(); ++y) {
         for (int x = 0; x < surface.width(); ++x) {

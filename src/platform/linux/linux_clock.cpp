@@ -82,8 +82,14 @@ std::u16string LinuxClock::format(std::time_t when, bool date) {
     return fromWide(buffer, size);
 }
 
-std::u16string LinuxClock::shortDate(std::time_t when) { return format(when, true); }
+std::u16string LinuxClock::again(std::optional<Shown> &shown, std::time_t when, bool date) {
+    if (!shown || shown->when != when)
+        shown = Shown{when, format(when, date)};
+    return shown->text;
+}
 
-std::u16string LinuxClock::shortTime(std::time_t when) { return format(when, false); }
+std::u16string LinuxClock::shortDate(std::time_t when) { return again(date_, when, true); }
+
+std::u16string LinuxClock::shortTime(std::time_t when) { return again(time_, when, false); }
 
 } // namespace velmora::platform

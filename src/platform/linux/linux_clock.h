@@ -5,6 +5,9 @@
 #include "platform/system.h"
 
 #include <clocale>
+#include <ctime>
+#include <optional>
+#include <string>
 
 namespace velmora::platform {
 
@@ -24,8 +27,17 @@ public:
     std::u16string shortTime(std::time_t when) override;
 
 private:
-    std::u16string format(std::time_t when, bool date);
+    struct Shown {
+        std::time_t when;
+        std::u16string text;
+    };
 
+    std::u16string format(std::time_t when, bool date);
+    // The clock on the window is asked many times a second and says the same all that while.
+    std::u16string again(std::optional<Shown> &shown, std::time_t when, bool date);
+
+    std::optional<Shown> date_;
+    std::optional<Shown> time_;
     bool localeKnown_ = false;
     ::locale_t locale_ = nullptr; // null: the C locale, ISO forms
 };

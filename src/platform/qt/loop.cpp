@@ -63,6 +63,10 @@ void Loop::arm() {
         wakeUp_.stop();
         return;
     }
+    // Several timers that run in one round ask for the same next one.
+    if (armedForMs_ == *next && wakeUp_.isActive())
+        return;
+    armedForMs_ = *next;
     const steady_clock::time_point due{std::chrono::milliseconds(*next)};
     wakeUp_.start(msUntil(due));
 }

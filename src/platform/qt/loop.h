@@ -67,6 +67,7 @@ private:
 
     forms::TimerQueue timers_;
     QTimer wakeUp_;
+    std::int64_t armedForMs_ = 0; // what `wakeUp_` waits for while it is active
     QTimer waitEnd_;
     std::deque<std::function<void()>> idle_;
     std::deque<std::function<void()>> soon_; // until `run`

@@ -84,6 +84,16 @@ TEST(Clock, obeysTheOrderOfTheVariables) {
     EXPECT_EQ(clock.shortDate(someTime), u"2020-09-13");
 }
 
+TEST(Clock, saysAnotherSecondAnew) {
+    const Locale locale(Values{{"LC_ALL", "C"}});
+    LinuxClock clock;
+    const std::u16string first = clock.shortTime(someTime);
+    EXPECT_EQ(clock.shortTime(someTime), first);
+    EXPECT_NE(clock.shortTime(someTime + 1), first);
+    EXPECT_EQ(clock.shortDate(someTime + 86400), u"2020-09-14");
+    EXPECT_EQ(clock.shortTime(someTime), first);
+}
+
 TEST(Clock, survivesTimesThatNoCalendarHas) {
     const Locale locale(Values{{"LC_ALL", "C"}});
     LinuxClock clock;

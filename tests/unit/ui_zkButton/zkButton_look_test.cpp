@@ -4,6 +4,8 @@
 
 namespace velmora {
 
+using ::testing::ElementsAre;
+
 namespace {
 
 // A window on a dense screen.
@@ -23,6 +25,40 @@ public:
 };
 
 } // namespace
+
+// --- what is drawn at all --------------------------------------------------------------
+
+TEST_F(ButtonTest, DrawsNothingUntilSomebodyLooks) {
+    button.setCaption(u"again");
+    button.setSpeed(40);
+    button.move({300, 300, 30 * 15, 12 * 15});
+    EXPECT_THAT(windows.picturesDrawn, IsEmpty());
+    shownPicture();
+    EXPECT_THAT(windows.picturesDrawn, ElementsAre(forms::Picture::button_normal));
+    shownPicture();
+    EXPECT_EQ(windows.picturesDrawn.size(), 1U);
+}
+
+TEST_F(ButtonTest, DrawsTheHotAndThePressedLookWithTheirFirstTick) {
+    shownPicture();
+    enter();
+    EXPECT_EQ(windows.picturesDrawn.size(), 1U);
+    tick(2);
+    button.mouseDown({forms::leftButton, 0, 10, 10});
+    tick(2);
+    EXPECT_THAT(windows.picturesDrawn,
+                ElementsAre(forms::Picture::button_normal, forms::Picture::button_hot,
+                            forms::Picture::button_pressed));
+}
+
+TEST_F(ButtonTest, FadesFromTheNormalLookWhereNobodyLookedBefore) {
+    enter();
+    tick(9); // 30 a tick: full at the ninth
+    expectLook(forms::Picture::button_hot);
+    button.setCaption(u"again");
+    EXPECT_EQ(button.state(), State::Idle);
+    expectLook(forms::Picture::button_normal);
+}
 
 // --- properties ------------------------------------------------------------------------
 
