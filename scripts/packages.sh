@@ -1,8 +1,8 @@
 # The Debian packages that each job needs, and one function that installs what is missing.
 # Sourced by ./run and ./test.
 
-packages_run="libqt6widgets6 qt6-qpa-plugins libpulse0 libmpg123-0 libsndfile1 libfluidsynth3 libmpv2
- libcurl4 libsqlite3-0 libxcb-shape0 timgm6mb-soundfont fonts-liberation fonts-noto-cjk xdg-utils
+packages_run="libqt6widgets6 qt6-qpa-plugins qt6-translations-l10n libpulse0 libmpg123-0
+ libsndfile1 libfluidsynth3 libmpv2 libcurl4 libsqlite3-0 libxcb-shape0 timgm6mb-soundfont fonts-liberation fonts-noto-cjk xdg-utils
  ca-certificates libmicrohttpd12 libtag1v5"
 
 packages_build="g++ cmake ninja-build ccache pkg-config qt6-base-dev libmpv-dev libfluidsynth-dev

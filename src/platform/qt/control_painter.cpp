@@ -10,7 +10,7 @@ namespace velmora::platform::qt {
 namespace {
 
 constexpr double frameRadius = 5;
-constexpr double frameCaptionLeft = 8;
+constexpr double frameCaptionLeft = 12;
 constexpr double disabledOpacity = 0.45;
 
 bool isKey(Colour colour) { return forms::plainColour(colour) == keyColour; }

@@ -1,11 +1,13 @@
 #include "platform/qt/dark_style.h"
 
+#include "platform/qt/dark_icons.h"
 #include "platform/qt/geometry.h"
 #include "platform/qt/look.h"
 
 #include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPlainTextEdit>
 #include <QStyleFactory>
 #include <QStyleOption>
 
@@ -26,6 +28,16 @@ QColor colour(QRgb value) { return QColor::fromRgba(value); }
 
 double densityOf(const QPainter &painter) { return painter.device()->devicePixelRatioF(); }
 
+// Widgets stand on whole logical pixels, which lie between device pixels at a fractional density: a
+// fine line there would be a blur over two.
+QRectF onDevicePixels(const QPainter &painter, const QRectF &area) {
+    const QTransform toDevice = painter.deviceTransform();
+    const QRectF mapped = toDevice.mapRect(area);
+    const QPointF first(std::round(mapped.left()), std::round(mapped.top()));
+    const QPointF last(std::round(mapped.right()), std::round(mapped.bottom()));
+    return toDevice.inverted().mapRect(QRectF(first, last));
+}
+
 QLinearGradient upright(const QRectF &area, QRgb top, QRgb foot) {
     QLinearGradient gradient(area.topLeft(), area.bottomLeft());
     gradient.setColorAt(0, colour(top));
@@ -41,7 +53,8 @@ void paintBox(QPainter &painter, const QRectF &area, double radius, const QBrush
     painter.setPen(QPen(colour(outline), thick));
     painter.setBrush(fill);
     const double half = thick / 2;
-    painter.drawRoundedRect(area.adjusted(half, half, -half, -half), radius, radius);
+    painter.drawRoundedRect(onDevicePixels(painter, area).adjusted(half, half, -half, -half),
+                            radius, radius);
     painter.restore();
 }
 
@@ -140,10 +153,12 @@ void DarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *opti
     case PE_PanelLineEdit:
     case PE_Frame:
     case PE_FrameLineEdit: {
+        // The ground of a text area is its frame's, which has the round corners.
         const bool focus = (option->state & State_HasFocus) != 0;
+        const bool grounded =
+            element == PE_PanelLineEdit || qobject_cast<const QPlainTextEdit *>(widget) != nullptr;
         paintBox(*painter, area, insetRadius,
-                 element == PE_PanelLineEdit ? QBrush(option->palette.color(QPalette::Base))
-                                             : QBrush(Qt::NoBrush),
+                 grounded ? QBrush(option->palette.color(QPalette::Base)) : QBrush(Qt::NoBrush),
                  focus ? look::accent : look::insetOutline);
         return;
     }
@@ -163,6 +178,12 @@ void DarkStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *opti
     case PE_PanelButtonTool:
         paintKey(*painter, *option);
         return;
+    case PE_IndicatorCheckBox:
+        paintBox(*painter, area, keyRadius - 2, colour(look::insetTop),
+                 (option->state & State_HasFocus) != 0 ? look::accent : look::keyOutline);
+        if ((option->state & State_On) != 0)
+            paintCheck(*painter, area);
+        return;
     case PE_FrameFocusRect:
         return; // the ring is part of what has the focus
     default:
@@ -180,6 +201,14 @@ void DarkStyle::drawControl(ControlElement element, const QStyleOption *option, 
     }
     if (element == CE_MenuEmptyArea)
         return;
+    if (element == CE_HeaderSection || element == CE_HeaderEmptyArea) {
+        painter->fillRect(option->rect, colour(look::bodyMiddle));
+        const double thick = hairline(densityOf(*painter));
+        const QRectF area(option->rect);
+        painter->fillRect(QRectF(area.left(), area.bottom() - thick, area.width(), thick),
+                          colour(look::outline));
+        return;
+    }
     QProxyStyle::drawControl(element, option, painter, widget);
 }
 
@@ -190,7 +219,7 @@ void DarkStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
         QProxyStyle::drawComplexControl(control, option, painter, widget);
         return;
     }
-    painter->fillRect(option->rect, colour(look::insetFoot));
+    painter->fillRect(option->rect, option->palette.color(QPalette::Base));
     const QRectF thumb(proxy()->subControlRect(CC_ScrollBar, option, SC_ScrollBarSlider, widget));
     const bool hot = (option->state & State_MouseOver) != 0;
     painter->save();
@@ -265,6 +294,12 @@ QSize DarkStyle::sizeFromContents(ContentsType type, const QStyleOption *option,
         return {std::max(84, full.width()), std::max(28, full.height())};
     }
     return QProxyStyle::sizeFromContents(type, option, size, widget);
+}
+
+QIcon DarkStyle::standardIcon(StandardPixmap which, const QStyleOption *option,
+                              const QWidget *widget) const {
+    const QIcon drawn = darkIcon(which);
+    return drawn.isNull() ? QProxyStyle::standardIcon(which, option, widget) : drawn;
 }
 
 } // namespace velmora::platform::qt

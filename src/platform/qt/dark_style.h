@@ -26,6 +26,8 @@ public:
                   QStyleHintReturn *returned) const override;
     QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,
                            const QWidget *widget) const override;
+    QIcon standardIcon(StandardPixmap which, const QStyleOption *option,
+                       const QWidget *widget) const override;
 };
 
 } // namespace velmora::platform::qt

@@ -7,10 +7,17 @@
 #include "platform/qt/text_convert.h"
 
 #include <QColorDialog>
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileDialog>
 #include <QFontDialog>
 #include <QFontInfo>
+#include <QHeaderView>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QSplitter>
+#include <QTranslator>
+#include <QTreeView>
 
 #include <algorithm>
 #include <cmath>
@@ -22,6 +29,8 @@ namespace {
 constexpr int boldWeight = 700;
 constexpr int regularWeight = 400;
 constexpr int tenths = 10;
+constexpr QSize fileDialogSize(760, 480);
+constexpr int placesWidth = 140;
 
 // The toolkit's paths and the program's meet in the bytes: a line break in a name is a unit of its
 // own in the program. Names that are no text at all are not shown by the toolkit's dialogs.
@@ -43,6 +52,7 @@ public:
     QtDialogs(QtWindowSystem &windows, const AnsiText &ansi) : windows_(windows), ansi_(ansi) {}
 
     std::optional<std::u16string> SHBrowseForFolderA(const BROWSEINFO &record) override {
+        speak();
         QFileDialog dialog;
         dialog.setWindowTitle(qt::toShown(record.title));
         dialog.setFileMode(QFileDialog::Directory);
@@ -51,6 +61,7 @@ public:
     }
 
     bool ChooseColorA(CHOOSECOLOR &record) override {
+        speak();
         QColorDialog dialog(qt::toQColor(record.result));
         for (int i = 0; i < 16 && i < QColorDialog::customCount(); ++i) {
             const std::size_t at = static_cast<std::size_t>(i) * 4;
@@ -66,6 +77,7 @@ public:
     }
 
     bool GetOpenFileNameA(OPENFILENAME &record) override {
+        speak();
         QFileDialog dialog;
         dialog.setAcceptMode(QFileDialog::AcceptOpen);
         dialog.setFileMode(QFileDialog::ExistingFile);
@@ -73,6 +85,7 @@ public:
     }
 
     bool GetSaveFileNameA(OPENFILENAME &record) override {
+        speak();
         QFileDialog dialog;
         dialog.setAcceptMode(QFileDialog::AcceptSave);
         dialog.setFileMode(QFileDialog::AnyFile);
@@ -90,6 +103,7 @@ public:
         font.setBold(record.logFont.weight >= boldWeight);
         font.setItalic(record.logFont.italic);
         font.setUnderline(record.logFont.underline);
+        speak();
         QFontDialog dialog(font);
         // What it shows for a font that is not installed.
         const QString substitute = dialog.currentFont().family();
@@ -122,13 +136,39 @@ public:
     }
 
 private:
+    // The toolkit's words for its dialogs, in the system's language, from the first dialog on;
+    // English without them.
+    void speak() {
+        if (words_ != nullptr)
+            return;
+        words_ = std::make_unique<QTranslator>();
+        if (words_->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                         QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+            QCoreApplication::installTranslator(words_.get());
+    }
+
     bool runs(QDialog &dialog) {
         dialog.setWindowModality(Qt::ApplicationModal);
         windows_.beforeNestedLoop();
         return dialog.exec() == QDialog::Accepted;
     }
 
+    // Room for names, sizes and dates beside the places.
+    static void layOut(QFileDialog &dialog) {
+        dialog.resize(fileDialogSize);
+        if (auto *parts = dialog.findChild<QSplitter *>(); parts != nullptr)
+            parts->setSizes({placesWidth, fileDialogSize.width() - placesWidth});
+        if (auto *table = dialog.findChild<QTreeView *>(); table != nullptr) {
+            table->header()->setStretchLastSection(false);
+            // By the rows in sight: the kinds of a thousand files take long to find out.
+            table->header()->setResizeContentsPrecision(0);
+            table->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+            table->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+        }
+    }
+
     std::optional<std::u16string> chosenFile(QFileDialog &dialog) {
+        layOut(dialog);
         if (!runs(dialog) || dialog.selectedFiles().isEmpty()) {
             return std::nullopt;
         }
@@ -157,6 +197,7 @@ private:
 
     QtWindowSystem &windows_;
     const AnsiText &ansi_;
+    std::unique_ptr<QTranslator> words_;
 };
 
 } // namespace

@@ -17,6 +17,7 @@
 #include "platform/qt/text_convert.h"
 #include "platform/qt/tray.h"
 
+#include <QApplication>
 #include <QCursor>
 
 #include <cstring>
@@ -26,6 +27,7 @@ namespace velmora::platform {
 namespace {
 
 // The number of the task bar, which is no window of ours.
+constexpr double plainPoints = 9;
 constexpr HWND taskBarNumber = ~HWND{0};
 
 } // namespace
@@ -80,6 +82,8 @@ std::unique_ptr<QtWindowSystem> QtWindowSystem::make(const QtOptions &options) {
 }
 
 QtWindowSystem::QtWindowSystem(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {
+    // What has no font of its own: the common dialogs and the tips.
+    QApplication::setFont(parts_->hub.fonts.plainFont(plainPoints));
     parts_->sessionEnd = std::make_unique<qt::SessionEnd>([this] {
         const qt::Loop::Handler handler(parts_->hub.loop);
         if (onSessionEnd)

@@ -6,12 +6,20 @@
 #include "platform/qt/text_convert.h"
 
 #include <QLineEdit>
+#include <QPaintEvent>
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
+#include <QTextBlock>
+#include <QTextLayout>
 
 namespace velmora::platform::qt {
 
 namespace {
+
+// What the text keeps from the frame, so that it begins as far in as the rows of a list.
+constexpr int lineMargin = 4;
+constexpr int blockMargin = 2;
+constexpr double halfPixel = 0.5;
 
 QPalette paletteFor(const forms::TextBox &box, QPalette palette) {
     palette.setColor(QPalette::Text, toQColor(box.foreColor()));
@@ -68,11 +76,43 @@ private:
     }
 };
 
+// A text of several lines on the ground that its frame draws.
+class BlockEdit : public QPlainTextEdit {
+public:
+    explicit BlockEdit(QWidget *parent) : QPlainTextEdit(parent) {
+        viewport()->setAutoFillBackground(false);
+        setViewportMargins(blockMargin, 0, blockMargin, 0);
+    }
+
+protected:
+    // The last line shows whole or not at all.
+    void paintEvent(QPaintEvent *event) override {
+        QRegion area = event->region();
+        const double foot = viewport()->height();
+        double top = contentOffset().y();
+        for (QTextBlock block = firstVisibleBlock(); block.isValid() && top < foot;
+             block = block.next()) {
+            const QTextLayout &lines = *block.layout();
+            for (int line = 0; line < lines.lineCount(); ++line) {
+                const QRectF place = lines.lineAt(line).rect().translated(0, top);
+                if (place.top() > 0 && place.bottom() > foot + halfPixel)
+                    area &= QRect(0, 0, viewport()->width(), static_cast<int>(place.top()));
+            }
+            top += blockBoundingRect(block).height();
+        }
+        if (area.isEmpty())
+            return;
+        QPaintEvent whole(area);
+        QPlainTextEdit::paintEvent(&whole);
+    }
+};
+
 class LineChild : public TextChild<QLineEdit> {
 public:
     LineChild(forms::TextBox &box, const ViewTools &tools, QWidget *parent)
         : TextChild(box, tools, new QLineEdit(parent)) {
         edit_->setFrame(true);
+        edit_->setTextMargins(lineMargin, 0, lineMargin, 0);
         QObject::connect(edit_, &QLineEdit::textEdited, edit_, [this] { edited(); });
         begin();
     }
@@ -90,7 +130,7 @@ private:
 class BlockChild : public TextChild<QPlainTextEdit> {
 public:
     BlockChild(forms::TextBox &box, const ViewTools &tools, QWidget *parent)
-        : TextChild(box, tools, new QPlainTextEdit(parent)) {
+        : TextChild(box, tools, new BlockEdit(parent)) {
         edit_->setTabChangesFocus(true);
         edit_->setFrameShape(QFrame::StyledPanel);
         edit_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -27,6 +27,7 @@
 #include "settings/playSetForm.h"
 #include "settings/setControl.h"
 #include "settings/skinSet.h"
+#include "tests/desktop/gallery/boxes.h"
 #include "tests/fakes/fake_platform.h"
 #include "tests/fakes/instead.h"
 #include "ui/aboutForm.h"
@@ -73,6 +74,7 @@ public:
         app_.listControl_Form().jieGuo.setText(u"Hello from the harbour");
         bool good = keepAll();
         good &= keepSettings();
+        good &= keepBoxes(windows_, app_, folder_);
         return good;
     }
 

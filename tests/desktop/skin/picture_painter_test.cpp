@@ -55,8 +55,8 @@ TEST(PicturePainter, NoneAndAnEmptyTargetDrawNothing) {
 }
 
 TEST(PicturePainter, KnowsTheDesignedSizes) {
-    EXPECT_EQ(pictureSize(Picture::play), QSizeF(40, 40));
-    EXPECT_EQ(pictureSize(Picture::stop), QSizeF(32, 32));
+    EXPECT_EQ(pictureSize(Picture::play), QSizeF(44, 44));
+    EXPECT_EQ(pictureSize(Picture::stop), QSizeF(36, 36));
     EXPECT_EQ(pictureSize(Picture::button_normal), QSizeF(6, 32));
 }
 
