@@ -1,64 +1,11 @@
 // The maker's page of news and links.
 
-#include "tests/unit/program_fixture.h"
-
-#include "network/welcomeForm.h"
+#include "tests/unit/network/welcome_fixture.h"
 
 namespace velmora {
 namespace {
 
-using platform::MsgBoxIcon;
-using platform::MsgBoxResult;
-
-class Welcome : public ProgramFixture {
-protected:
-    Welcome() {
-        speak(1);
-        files.addFolder(fake.folders.temporary);
-        fake.registry.setText(u"SOFTWARE\\Norvane\\zkPlayer\\hosts", u"maker", u"http://maker");
-        app.Main().Vesion = u"1.0.0";
-        app.Main().welcome.setVisible(false);
-    }
-    welcomeForm &page() { return app.welcomeForm(); }
-    std::u16string file() { return fake.folders.temporary + u"zkPlayerWelcome.tmp"; }
-    void serve(std::string text) {
-        fake.internet.setDownload(u"http://maker/source/mini/zkPlayerWelcome.php", std::move(text));
-    }
-    // A whole page, with sections of the test's own behind it.
-    static std::string whole(const std::string &more = {}, const std::string &check = {}) {
-        return (check.empty() ? "[check]\nvesion=1.0.0\nupdate=0\n" : check) +
-               "[config]\ntitle=News\nprovider=Norvane\nproviderLink=http://p/\nbuttonStr0=A\n"
-               "buttonStr1=B\nbuttonStr2=C\n" +
-               more;
-    }
-    void start(const std::string &text) {
-        serve(text);
-        page().Start(false);
-    }
-    void expectBox(std::u16string_view text, MsgBoxIcon icon = MsgBoxIcon::Critical) {
-        windows.expectMsgBox(boxOf(text, icon, app.Language().msg_Error), MsgBoxResult::Ok);
-    }
-    void expectClosed() {
-        EXPECT_FALSE(page().visible());
-        EXPECT_FALSE(page().Timer1.running());
-        EXPECT_TRUE(app.Main().welcome.visible());
-        EXPECT_FALSE(files.hasFile(file()));
-    }
-    // Every label in a panel.
-    static std::vector<forms::Label *> lines(forms::PictureBox &frame) {
-        std::vector<forms::Label *> found;
-        for (forms::Control *control : frame.controls())
-            found.push_back(static_cast<forms::Label *>(control));
-        return found;
-    }
-    void tick(int times = 1) {
-        for (int i = 0; i < times; ++i)
-            page().Timer1.onTimer();
-    }
-    std::u16string opened() {
-        return fake.shell.executions.empty() ? u"" : fake.shell.executions.back().target;
-    }
-};
+class Welcome : public WelcomeFixture {};
 
 // --- what ends the load ---
 
@@ -102,6 +49,66 @@ TEST_F(Welcome, WithoutVersionOrUpdateIsADataErrorEvenWhenSilent) {
     }
 }
 
+TEST_F(Welcome, IsFetchedInOneOrder) {
+    serve(whole());
+    files.addFile(file(), "of an earlier load");
+    windows.onPump = [&] { fake.internet.log.emplace_back(u"pump"); };
+    fake.shell.onCommandLine = [&](std::u16string_view) { fake.internet.log.emplace_back(u"del"); };
+    page().Start(false);
+    const std::u16string address = u"http://maker/source/mini/zkPlayerWelcome.php";
+    EXPECT_EQ(fake.internet.log,
+              (Texts{u"InternetGetConnectedState", u"DeleteUrlCacheEntryA " + address, u"del",
+                     u"pump", u"URLDownloadToFileA " + address + u" " + file()}));
+    EXPECT_EQ(page().welcome_Url, address);
+    EXPECT_EQ(page().welcome_Result, 0);
+}
+
+TEST_F(Welcome, PassesOverACacheThatRefuses) {
+    fake.internet.failNext("DeleteUrlCacheEntryA");
+    start(whole());
+    EXPECT_TRUE(page().visible());
+}
+
+// What a box of the load is told over: the window stays for want of a network, and is hidden for
+// everything else.
+TEST_F(Welcome, IsHiddenBehindEachBoxButThatOfTheNetwork) {
+    start(whole());
+    bool shown = false;
+    const auto look = [&] {
+        shown = page().visible();
+        EXPECT_FALSE(app.Main().welcome.visible()) << "shown only behind the box";
+    };
+    const auto expectBoxOver = [&](std::u16string_view text) {
+        windows.expectMsgBox(boxOf(text, MsgBoxIcon::Critical, app.Language().msg_Error),
+                             MsgBoxResult::Ok, look);
+        app.Main().welcome.setVisible(false);
+        page().show();
+    };
+    fake.internet.connectedState = 0;
+    expectBoxOver(app.Language().msg_No_Network);
+    page().Start(false);
+    EXPECT_TRUE(shown);
+    fake.internet.connectedState = 1;
+    fake.internet.failNext("URLDownloadToFileA");
+    expectBoxOver(u"远程数据传输错误！");
+    page().Start(false);
+    EXPECT_FALSE(shown);
+    shown = true;
+    expectBoxOver(u"远程数据错误！");
+    start("nothing");
+    EXPECT_FALSE(shown);
+    EXPECT_EQ(page().loadStr.caption(), u"分析数据中...");
+    shown = true;
+    expectBoxOver(u"远程数据错误！");
+    start("[check]\nvesion=1\nupdate=0\n");
+    EXPECT_FALSE(shown);
+    shown = true;
+    expectBoxOver(u"您当前的程序与资讯要求匹配版本低，在此版本上以无法提供正确数据加载，"
+                  u"请您更新您的程序后在此启用！");
+    start(whole({}, "[check]\nvesion=1.0.1\nupdate=1\n"));
+    EXPECT_FALSE(shown);
+}
+
 class WelcomeLacks : public Welcome, public ::testing::WithParamInterface<const char *> {};
 
 TEST_P(WelcomeLacks, IsADataError) {
@@ -143,7 +150,8 @@ TEST_F(Welcome, ThatAnOlderProgramCanUseSaysSoAndGoesOn) {
     windows.expectMsgBox(boxOf(u"您当前的程序与资讯要求匹配版本低，但是依然可以获取正确数据加载，"
                                u"我们建议您更新的程序以便更好的体验！",
                                MsgBoxIcon::Information, u"友情提示"),
-                         MsgBoxResult::Ok);
+                         MsgBoxResult::Ok, [&] { EXPECT_FALSE(page().visible()); });
+    page().show();
     start(whole({}, "[check]\nvesion=2.0.0\nupdate=2\n"));
     EXPECT_TRUE(page().visible());
 }
@@ -336,6 +344,21 @@ TEST_F(Welcome, StoresTheNumberOfItsCheckBox) {
     EXPECT_FALSE(app.setControl().get_AutoShowWelcome());
 }
 
+TEST_F(Welcome, CountsTheGreyStateOfItsCheckBoxAsChecked) {
+    start(whole());
+    page().autoShow.setValue(2);
+    page().autoShow.on().Click();
+    EXPECT_EQ(page().autoShow.value(), 2);
+    EXPECT_TRUE(app.setControl().get_AutoShowWelcome());
+}
+
+TEST_F(Welcome, WithACountThatBeginsWithANumberTakesThat) {
+    start(whole("[databases]\ndatabases_2_Ubound=2 lines\ndatabases_2_0_Str=a\n"
+                "databases_2_1_Str=b\ndatabases_2_2_Str=c\n"));
+    EXPECT_EQ(lines(page().FrameDate_2).size(), 2U);
+    EXPECT_FALSE(page().load_Failed);
+}
+
 TEST_F(Welcome, ClosedTakesItsFileAndBannerAlongAndShowsTheHintAgain) {
     start(whole("[Advertising]\nAdvertisingNumbers=2\nindex_0_Str=a\nindex_1_Str=b\n"));
     EXPECT_TRUE(files.hasFile(file()));
@@ -358,91 +381,6 @@ TEST_F(Welcome, IsStartedWithTheProgramWhenItIsSwitchedOn) {
     ProgramFixture::start();
     EXPECT_TRUE(page().visible());
     EXPECT_FALSE(app.Main().welcome.visible());
-}
-
-// --- the banner ---
-
-class Banner : public Welcome {
-protected:
-    void startWith(int count, const std::string &entries) {
-        start(whole("[Advertising]\nAdvertisingNumbers=" + std::to_string(count) + "\n" + entries));
-    }
-    forms::Label &label() { return page().Advertising; }
-    static constexpr auto standing =
-        u"Velmora是一款无需安装的绿色版播放器，它具有强大的媒体播放功能，皮肤精美，"
-        u"是不想安装的用户的最佳选择。";
-};
-
-TEST_F(Banner, OfNoEntriesIsTheStandingTextWithoutALink) {
-    startWith(0, "index_0_Str=a\n");
-    EXPECT_EQ(label().caption(), standing);
-    EXPECT_EQ(label().tag(), u"");
-    tick(200);
-    EXPECT_EQ(label().caption(), standing);
-}
-
-TEST_F(Banner, OfOneEmptyEntryOrANegativeCountIsTheStandingText) {
-    startWith(1, "");
-    EXPECT_EQ(label().caption(), standing);
-    page().close_Click();
-    startWith(-3, "index_0_Str=a\n");
-    EXPECT_EQ(label().caption(), standing);
-}
-
-TEST_F(Banner, OfOneEntryShowsItAgainAndAgain) {
-    startWith(1, "index_0_Str=a\nindex_0_Link=http://a\n");
-    EXPECT_EQ(label().caption(), u"a");
-    EXPECT_EQ(label().tag(), u"http://a");
-    tick(50);
-    EXPECT_EQ(label().caption(), u"a");
-    EXPECT_EQ(page().ad_Index, 0);
-}
-
-TEST_F(Banner, OfTwoEntriesHasAnEmptyPassBehindTheLast) {
-    startWith(2, "index_0_Str=a\nindex_0_Link=http://a\nindex_1_Str=b\nindex_1_Link=http://b\n");
-    Texts seen;
-    for (int i = 0; i < 4; ++i) {
-        seen.push_back(label().caption() + u" " + label().tag());
-        tick(49);
-        EXPECT_EQ(label().caption() + u" " + label().tag(), seen.back()) << "not one tick early";
-        tick();
-    }
-    EXPECT_EQ(seen, (Texts{u"a http://a", u"b http://b", u" http://b", u"a http://a"}));
-}
-
-TEST_F(Banner, WiderThanItsBoxRunsOutAtTheLeftAndTheNextComesInFromTheRight) {
-    const std::string wide(300, 'w');
-    startWith(2, "index_0_Str=" + wide + "\nindex_1_Str=" + wide + "2\nindex_1_Link=http://b\n");
-    ASSERT_GT(label().width(), page().AdvertisingBOX.width());
-    label().setLeft(0);
-    tick();
-    EXPECT_EQ(label().left(), -50);
-    label().setLeft(-(label().width() + 60));
-    tick();
-    EXPECT_EQ(label().tag(), u"1");
-    tick();
-    EXPECT_EQ(label().left(), page().AdvertisingBOX.width() + 100);
-    EXPECT_EQ(label().caption().back(), u'2');
-    EXPECT_EQ(label().tag(), u"http://b");
-    tick();
-    EXPECT_EQ(label().left(), page().AdvertisingBOX.width() + 50);
-}
-
-TEST_F(Banner, OfTheStandingTextKeepsTheWordsOfItsTag) {
-    startWith(0, "");
-    label().setCaption(std::u16string(300, u'w'));
-    label().setTag(u"1");
-    tick();
-    EXPECT_EQ(label().tag(), u"0");
-    EXPECT_EQ(label().caption(), std::u16string(300, u'w'));
-    label().on().Click();
-    EXPECT_EQ(opened(), u"0") << "the word goes out as a link that leads nowhere";
-}
-
-TEST_F(Banner, DividesEntriesAtTheMarkThatJoinsThem) {
-    startWith(1, "index_0_Str=a|■|b\nindex_0_Link=c\n");
-    EXPECT_EQ(page().ad_Items.upperBound(), 3);
-    EXPECT_EQ(label().tag(), u"b");
 }
 
 } // namespace

@@ -1,0 +1,176 @@
+// The rolling banner of the maker's page.
+
+#include "base/run_time_error.h"
+#include "tests/unit/network/welcome_fixture.h"
+
+namespace velmora {
+namespace {
+
+class Banner : public WelcomeFixture {
+protected:
+    void startWith(int count, const std::string &entries) {
+        start(whole("[Advertising]\nAdvertisingNumbers=" + std::to_string(count) + "\n" + entries));
+    }
+    forms::Label &label() { return page().Advertising; }
+    static constexpr auto standing =
+        u"Velmora是一款无需安装的绿色版播放器，它具有强大的媒体播放功能，皮肤精美，"
+        u"是不想安装的用户的最佳选择。";
+};
+
+TEST_F(Banner, OfNoEntriesIsTheStandingTextWithoutALink) {
+    startWith(0, "index_0_Str=a\n");
+    EXPECT_EQ(label().caption(), standing);
+    EXPECT_EQ(label().tag(), u"");
+    tick(200);
+    EXPECT_EQ(label().caption(), standing);
+}
+
+TEST_F(Banner, OfOneEmptyEntryOrANegativeCountIsTheStandingText) {
+    startWith(1, "");
+    EXPECT_EQ(label().caption(), standing);
+    page().close_Click();
+    startWith(-3, "index_0_Str=a\n");
+    EXPECT_EQ(label().caption(), standing);
+}
+
+TEST_F(Banner, OfOneEntryShowsItAgainAndAgain) {
+    startWith(1, "index_0_Str=a\nindex_0_Link=http://a\n");
+    EXPECT_EQ(label().caption(), u"a");
+    EXPECT_EQ(label().tag(), u"http://a");
+    tick(50);
+    EXPECT_EQ(label().caption(), u"a");
+    EXPECT_EQ(page().ad_Index, 0);
+}
+
+TEST_F(Banner, OfOneEmptyEntryShowsItsEmptyTextOnceTheStandingTextHasRunOut) {
+    startWith(1, "");
+    ASSERT_GT(label().width(), page().AdvertisingBOX.width());
+    label().setLeft(-(label().width() + 50));
+    tick();
+    EXPECT_EQ(label().caption(), standing);
+    tick();
+    EXPECT_EQ(label().caption(), u"");
+}
+
+TEST_F(Banner, OfACountThatIsNoNumberIsTheStandingText) {
+    start(whole("[Advertising]\nAdvertisingNumbers=many\nindex_0_Str=a\n"));
+    EXPECT_EQ(label().caption(), standing);
+    EXPECT_THROW(page().ad_Items.upperBound(), RunTimeError);
+}
+
+TEST_F(Banner, OfOneEntryWithALinkAloneIsShown) {
+    startWith(1, "index_0_Link=http://a\n");
+    EXPECT_EQ(label().caption(), u"");
+    EXPECT_EQ(label().tag(), u"http://a");
+}
+
+TEST_F(Banner, LoadedAnewBeginsWithItsFirstEntryAndWaitsItsWholeTime) {
+    startWith(2, "index_0_Str=a\nindex_1_Str=b\n");
+    tick(70);
+    EXPECT_EQ(label().caption(), u"b");
+    EXPECT_EQ(page().ad_Index, 2);
+    EXPECT_EQ(page().ad_Wait, 20);
+    startWith(2, "index_0_Str=a\nindex_1_Str=b\n");
+    EXPECT_EQ(label().caption(), u"a");
+    EXPECT_EQ(page().ad_Index, 0);
+    EXPECT_EQ(page().ad_Wait, 0);
+}
+
+TEST_F(Banner, ThatFitsStandsAtTheLeft) {
+    startWith(2, "index_0_Str=a\nindex_1_Str=b\n");
+    label().setLeft(-300);
+    tick();
+    EXPECT_EQ(label().left(), 0);
+}
+
+TEST_F(Banner, ExactlyAsWideAsItsBoxFits) {
+    startWith(2, "index_0_Str=a\nindex_1_Str=b\n");
+    label().setWidth(page().AdvertisingBOX.width());
+    label().setLeft(-300);
+    tick();
+    EXPECT_EQ(label().left(), 0);
+    EXPECT_EQ(page().ad_Wait, 1);
+    label().setWidth(page().AdvertisingBOX.width() + 1);
+    tick();
+    EXPECT_EQ(label().left(), -50);
+    EXPECT_EQ(page().ad_Wait, 1);
+}
+
+TEST_F(Banner, WiderThanItsBoxHasRunOutAHundredBehindItsWidth) {
+    startWith(1, "index_0_Str=" + std::string(300, 'w') + "\nindex_0_Link=http://a\n");
+    label().setLeft(-(label().width() + 49));
+    tick();
+    EXPECT_EQ(label().left(), -(label().width() + 99));
+    EXPECT_EQ(label().tag(), u"http://a");
+    label().setLeft(-(label().width() + 50));
+    tick();
+    EXPECT_EQ(label().tag(), u"1");
+}
+
+TEST_F(Banner, WithALinkThatIsANumberStepsOnAtOnce) {
+    startWith(2, "index_0_Str=" + std::string(300, 'w') + "\nindex_0_Link=5\nindex_1_Str=" +
+                     std::string(300, 'v') + "\nindex_1_Link= 0 \n");
+    tick();
+    EXPECT_EQ(label().caption().front(), u'v');
+    EXPECT_EQ(label().left(), page().AdvertisingBOX.width() + 100);
+    tick();
+    EXPECT_EQ(label().left(), page().AdvertisingBOX.width() + 50) << "0 is no step";
+}
+
+TEST_F(Banner, OfOneWideEntryKeepsItsLinkAgain) {
+    startWith(1, "index_0_Str=" + std::string(300, 'w') + "\nindex_0_Link=http://a\n");
+    label().setTag(u"1");
+    tick();
+    EXPECT_EQ(label().tag(), u"http://a");
+    EXPECT_EQ(page().ad_Index, 0);
+}
+
+TEST_F(Banner, OfTwoEntriesHasAnEmptyPassBehindTheLast) {
+    startWith(2, "index_0_Str=a\nindex_0_Link=http://a\nindex_1_Str=b\nindex_1_Link=http://b\n");
+    Texts seen;
+    for (int i = 0; i < 4; ++i) {
+        seen.push_back(label().caption() + u" " + label().tag());
+        tick(49);
+        EXPECT_EQ(label().caption() + u" " + label().tag(), seen.back()) << "not one tick early";
+        tick();
+    }
+    EXPECT_EQ(seen, (Texts{u"a http://a", u"b http://b", u" http://b", u"a http://a"}));
+}
+
+TEST_F(Banner, WiderThanItsBoxRunsOutAtTheLeftAndTheNextComesInFromTheRight) {
+    const std::string wide(300, 'w');
+    startWith(2, "index_0_Str=" + wide + "\nindex_1_Str=" + wide + "2\nindex_1_Link=http://b\n");
+    ASSERT_GT(label().width(), page().AdvertisingBOX.width());
+    label().setLeft(0);
+    tick();
+    EXPECT_EQ(label().left(), -50);
+    label().setLeft(-(label().width() + 60));
+    tick();
+    EXPECT_EQ(label().tag(), u"1");
+    tick();
+    EXPECT_EQ(label().left(), page().AdvertisingBOX.width() + 100);
+    EXPECT_EQ(label().caption().back(), u'2');
+    EXPECT_EQ(label().tag(), u"http://b");
+    tick();
+    EXPECT_EQ(label().left(), page().AdvertisingBOX.width() + 50);
+}
+
+TEST_F(Banner, OfTheStandingTextKeepsTheWordsOfItsTag) {
+    startWith(0, "");
+    label().setCaption(std::u16string(300, u'w'));
+    label().setTag(u"1");
+    tick();
+    EXPECT_EQ(label().tag(), u"0");
+    EXPECT_EQ(label().caption(), std::u16string(300, u'w'));
+    label().on().Click();
+    EXPECT_EQ(opened(), u"0") << "the word goes out as a link that leads nowhere";
+}
+
+TEST_F(Banner, DividesEntriesAtTheMarkThatJoinsThem) {
+    startWith(1, "index_0_Str=a|■|b\nindex_0_Link=c\n");
+    EXPECT_EQ(page().ad_Items.upperBound(), 3);
+    EXPECT_EQ(label().tag(), u"b");
+}
+
+} // namespace
+} // namespace velmora
