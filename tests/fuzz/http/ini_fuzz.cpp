@@ -47,5 +47,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const IniText less(textsOf(bytes));
     const IniText::Place *next = less.find(u"A", u"K");
     require(next == nullptr || next->line >= place->line);
+    // Taken out of what was read it leaves the same.
+    IniText rest(texts);
+    rest.remove(u"A", u"K");
+    const IniText::Place *other = rest.find(u"a", u"k");
+    require((other == nullptr) == (next == nullptr));
+    require(other == nullptr || other->value == next->value);
+    require(rest.keys(u"a") == less.keys(u"a"));
     return 0;
 }

@@ -255,6 +255,33 @@ TEST_F(Welcome, WithACountBeyondTheDataStopsAtItsEnd) {
     EXPECT_TRUE(page().load_Failed) << "the empty lines are there, too";
 }
 
+TEST_F(Welcome, EmptyLinesBehindTheDataAreThereForALaterLoadToMeet) {
+    start(whole("[databases]\ndatabases_0_Ubound=500\ndatabases_0_0_Str=a\n"));
+    EXPECT_FALSE(page().load_Failed);
+    start(whole("[databases]\ndatabases_0_Ubound=2\ndatabases_0_0_Str=a\n"
+                "databases_0_1_Str=b\n"));
+    EXPECT_TRUE(page().load_Failed);
+}
+
+TEST_F(Welcome, TakesAsManyLinesAsAnArrayHas) {
+    start(whole("[databases]\ndatabases_0_Ubound=32768\ndatabases_0_0_Str=a\n"));
+    EXPECT_FALSE(page().load_Failed);
+    page().close_Click();
+    start(whole("[databases]\ndatabases_1_Ubound=32769\ndatabases_1_0_Str=a\n"));
+    EXPECT_TRUE(page().load_Failed);
+}
+
+TEST_F(Welcome, ThatLoadsBehindAFailureOffersNoRetry) {
+    start(whole("databaseStr_Interval=wide\n[databases]\ndatabases_0_Ubound=1\n"));
+    ASSERT_TRUE(page().load_Failed);
+    serve(whole("[databases]\ndatabases_0_Ubound=1\ndatabases_0_0_Str=a\n"));
+    page().loadStr.on().Click();
+    EXPECT_FALSE(page().load_Failed);
+    EXPECT_FALSE(page().loadStr.visible());
+    EXPECT_TRUE(page().tabButton_0.enabled());
+    EXPECT_TRUE(page().FrameDate_0.visible());
+}
+
 TEST_F(Welcome, WithMoreLinesThanAnArrayTakesFails) {
     start(whole("[databases]\ndatabases_0_Ubound=2000000000\ndatabases_0_0_Str=a\n"
                 "[Advertising]\nAdvertisingNumbers=2000000000\nindex_0_Str=x\n"));
@@ -330,6 +357,15 @@ TEST_F(Welcome, ChangesTabs) {
     page().tabButton_2.on().Click();
     EXPECT_FALSE(page().FrameDate_0.visible());
     EXPECT_TRUE(page().FrameDate_2.visible());
+}
+
+TEST_F(Welcome, ShowsInItsCheckBoxWhatIsStored) {
+    constexpr auto key = u"SOFTWARE\\Norvane\\zkPlayer\\playSet";
+    for (const auto &[stored, shown] : {std::pair{u"1", 1}, {u"0", 0}, {u"2", 1}}) {
+        fake.registry.setText(key, u"AutoShowWelcome", stored);
+        start(whole());
+        EXPECT_EQ(page().autoShow.value(), shown) << toUtf8(stored);
+    }
 }
 
 TEST_F(Welcome, StoresTheNumberOfItsCheckBox) {
