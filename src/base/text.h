@@ -16,6 +16,8 @@ inline constexpr char16_t crLf[] = u"\r\n";
 // whose only upper case form is longer than one unit (such as U+00DF) stays.
 char16_t upperUnit(char16_t unit) noexcept;
 std::u16string upper(std::u16string_view text);
+// The same into room for as many units; returns the place behind them.
+char16_t *copyUpper(std::u16string_view text, char16_t *out) noexcept;
 
 // Lower case by the same rules.
 char16_t lowerUnit(char16_t unit) noexcept;

@@ -28,9 +28,12 @@ char16_t upperUnit(char16_t unit) noexcept {
 
 std::u16string upper(std::u16string_view text) {
     std::u16string result(text);
-    for (char16_t &unit : result)
-        unit = upperUnit(unit);
+    copyUpper(text, result.data());
     return result;
+}
+
+char16_t *copyUpper(std::u16string_view text, char16_t *out) noexcept {
+    return std::transform(text.begin(), text.end(), out, upperUnit);
 }
 
 bool equalsIgnoringCase(std::u16string_view a, std::u16string_view b) noexcept {

@@ -194,11 +194,13 @@ void playList_Form::addFilesOf(const std::u16string &folder, bool passing,
     if (pending && !passing) {
         return;
     }
+    std::u16string path;
     for (const std::u16string &name :
          app_.platform().files.list(folder, platform::SearchFor::Files, walk_)) {
         const auto error = trapped([&] {
             windows().DoEvents();
-            const std::u16string path = folder + std::u16string(trim(name));
+            path = folder;
+            path += trim(name);
             showProgress(path, app_.Language().msg_Loading_Tracks);
             if (!app_.Search().isSupportedFormat(path)) {
                 return;

@@ -63,8 +63,13 @@ bool saveOrOpenFile::savePlayList(SaveKind kind) {
 void saveOrOpenFile::encodeList() {
     const forms::ListBox &list = app_.playList_Form().List1;
     const platform::AnsiText &ansi = app_.platform().ansi;
+    const std::int32_t rows = list.listCount();
+    std::size_t atLeast = 0;
+    for (std::int32_t row = 0; row < rows; ++row)
+        atLeast += list.row(row).size() + 2;
     saved_.clear();
-    for (std::int32_t row = 0; row < list.listCount(); ++row) {
+    saved_.reserve(atLeast);
+    for (std::int32_t row = 0; row < rows; ++row) {
         ansi.appendTo(saved_, list.row(row));
         saved_ += "\r\n";
     }

@@ -65,32 +65,45 @@ template <typename Take> void forEachEntry(int folder, Take &&take) {
     }
 }
 
+// The first units of a key as one number that orders as they do: most names differ there. No name
+// has a NUL, so a shorter one comes first.
+std::uint64_t beginningOf(std::u16string_view key) noexcept {
+    std::uint64_t units = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        units = units << 16 | (i < key.size() ? key[i] : u'\0');
+    return units;
+}
+
 // Names by their upper-cased form; those of one form in binary order, so that the order never
 // depends on the disk's.
 std::vector<std::u16string> sorted(std::vector<std::u16string> names) {
-    std::u16string keys;
     struct Place {
-        std::size_t key;
-        std::size_t name;
+        std::uint64_t beginning;
+        std::u16string_view key;
+        std::u16string *name;
     };
+    std::size_t units = 0;
+    for (const std::u16string &name : names)
+        units += name.size();
+    std::u16string keys(units, u'\0');
     std::vector<Place> places;
     places.reserve(names.size());
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        places.push_back({keys.size(), i});
-        for (const char16_t unit : names[i])
-            keys += upperUnit(unit);
+    char16_t *at = keys.data();
+    for (std::u16string &name : names) {
+        const std::u16string_view key(at, name.size());
+        at = copyUpper(name, at);
+        places.push_back({beginningOf(key), key, &name});
     }
-    const auto key = [&](const Place &place) {
-        return std::u16string_view(keys).substr(place.key, names[place.name].size());
-    };
-    std::sort(places.begin(), places.end(), [&](const Place &a, const Place &b) {
-        const int order = key(a).compare(key(b));
-        return order != 0 ? order < 0 : names[a.name] < names[b.name];
+    std::sort(places.begin(), places.end(), [](const Place &a, const Place &b) {
+        if (a.beginning != b.beginning)
+            return a.beginning < b.beginning;
+        const int order = a.key.compare(b.key);
+        return order != 0 ? order < 0 : *a.name < *b.name;
     });
     std::vector<std::u16string> result;
     result.reserve(names.size());
     for (const Place &place : places)
-        result.push_back(std::move(names[place.name]));
+        result.push_back(std::move(*place.name));
     return result;
 }
 

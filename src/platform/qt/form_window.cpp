@@ -8,13 +8,18 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <QTimer>
 #include <QWindow>
+
+#include <algorithm>
 
 namespace velmora::platform::qt {
 
 namespace {
 
 constexpr auto forcedPause = std::chrono::milliseconds(16);
+// Paints that may follow each other at once before pumps put them off.
+constexpr int paintsAhead = 4;
 constexpr auto rollingPause = std::chrono::milliseconds(200);
 constexpr auto exposureLimit = std::chrono::milliseconds(500);
 
@@ -142,9 +147,38 @@ void QtFormWindow::refresh(forms::Control * /*control*/) {
         return;
     lastForced_ = now;
     applyOutline();
+    paintedFor_ = std::clamp(paintedFor_, now, now + paintsAhead * forcedPause) + forcedPause;
     // What changed has announced itself by now.
+    forced_ = true;
     QCoreApplication::sendPostedEvents(top_.get(), QEvent::UpdateRequest);
+    if (paintOwed_)
+        payPaint();
+    forced_ = false;
     hub_.x11.flush();
+}
+
+// A long operation pumps a thousand times a second. What it shows is painted as often as the eye
+// follows; a few pumps in a row paint at once, so that what is shown ahead of a wait is seen.
+bool QtFormWindow::putsPaintOff() {
+    if (forced_ || !hub_.loop.pumping() || !hub_.loop.running())
+        return false;
+    const auto now = std::chrono::steady_clock::now();
+    if (paintedFor_ <= now + paintsAhead * forcedPause) {
+        paintedFor_ = std::max(paintedFor_, now) + forcedPause;
+        return false;
+    }
+    if (!paintOwed_)
+        QTimer::singleShot(forcedPause, Qt::PreciseTimer, top_.get(), [this] { payPaint(); });
+    paintOwed_ = true;
+    return true;
+}
+
+void QtFormWindow::payPaint() {
+    if (!paintOwed_)
+        return;
+    paintOwed_ = false;
+    QEvent request(QEvent::UpdateRequest);
+    QCoreApplication::sendEvent(top_.get(), &request);
 }
 
 void QtFormWindow::focus(forms::Control *control) {
@@ -194,6 +228,7 @@ void QtFormWindow::applyOutline() {
     if (!outlineDirty_ || top_ == nullptr || top_->windowHandle() == nullptr)
         return;
     outlineDirty_ = false;
+    scene_.forgetMarks(); // a change from here on touches the outline again
     if (!isKeyed()) {
         if (hasOutline_)
             hub_.x11.clearShape(nativeWindow());

@@ -58,6 +58,8 @@ private:
     void applyLook();
     void applyPlace();
     void applyOutline();
+    bool putsPaintOff();
+    void payPaint();
     void areaTouched(const forms::Control &control, const QRectF &area);
     void paintGround(const ControlPainter::Job &job);
     void setStatesBeforeMap();
@@ -80,6 +82,9 @@ private:
     WindowPlace place_;
     std::chrono::steady_clock::time_point lastForced_;
     std::chrono::steady_clock::time_point lastOutline_;
+    std::chrono::steady_clock::time_point paintedFor_; // what was painted serves the eye until then
+    bool paintOwed_ = false;
+    bool forced_ = false;
     bool shownOnce_ = false;
     bool hidePending_ = false;
     bool outlineDirty_ = true;

@@ -6,6 +6,7 @@
 #include <QEventLoop>
 
 #include <algorithm>
+#include <utility>
 
 namespace velmora::platform::qt {
 
@@ -85,7 +86,9 @@ void Loop::pump() {
     if (steady_clock::now() - lastPump_ < pumpPause)
         return;
     tick();
+    const bool before = std::exchange(pumping_, true);
     QCoreApplication::processEvents(QEventLoop::AllEvents);
+    pumping_ = before;
     lastPump_ = steady_clock::now();
 }
 

@@ -32,6 +32,8 @@ public:
 
     // See WindowSystem::DoEvents. Within 1 ms of the last it returns at once.
     void pump();
+    // Whether it is a pump that handles the present event.
+    bool pumping() const noexcept { return pumping_; }
     // Handles events until `due` or until something was handled, whichever is first; true: `due`.
     bool waitUntil(std::chrono::steady_clock::time_point due);
     // Handles what the window system sends about our windows, but neither input nor timers, until
@@ -74,6 +76,7 @@ private:
     std::chrono::steady_clock::time_point lastPump_;
     int depth_ = 1; // the start sequence counts as a handler, until `run`
     bool running_ = false;
+    bool pumping_ = false;
     bool ticksHeld_ = false;
 };
 

@@ -5,6 +5,8 @@
 
 #include <QAbstractScrollArea>
 
+#include <algorithm>
+
 namespace velmora::platform::qt {
 
 namespace {
@@ -245,6 +247,7 @@ void Scene::controlChanged(forms::Control &control, forms::Change what, const Re
 void Scene::controlGone(forms::Control &control) {
     if (owedFocus_ == &control)
         owedFocus_ = nullptr;
+    forgetMarks();
     if (top_ != nullptr)
         top_->update();
     const auto found = own_.find(&control);
@@ -255,10 +258,24 @@ void Scene::controlGone(forms::Control &control) {
     delete widget.data();
 }
 
+// Whether the very same has been said since the last paint; else it is remembered. A label whose
+// text changes a thousand times between two paints costs one mark.
+bool Scene::isMarked(const Mark &mark) {
+    constexpr std::size_t mostMarks = 8;
+    if (std::find(marks_.begin(), marks_.end(), mark) != marks_.end())
+        return true;
+    if (marks_.size() == mostMarks)
+        marks_.erase(marks_.begin());
+    marks_.push_back(mark);
+    return false;
+}
+
 // Marks what shows of the control at `place` to be painted.
 void Scene::update(const forms::Control &control, const RectTwips &place) {
     const forms::Control *outer = control.container().asControl();
     if (outer != nullptr && !outer->isShown())
+        return;
+    if (isMarked({&control, place}))
         return;
     QRectF area = toPixels(place).adjusted(-1, -1, 1, 1);
     for (const forms::Control *at = outer; at != nullptr; at = at->container().asControl())
@@ -293,6 +310,7 @@ void Scene::repaint(const forms::Control &control) {
 }
 
 void Scene::paint(const Layer &layer, QPainter &painter, const QRect &dirty, double density) {
+    forgetMarks();
     const forms::Control *root = layer.root();
     QPoint origin;
     if (root != nullptr) {

@@ -45,6 +45,8 @@ public:
 
     void controlChanged(forms::Control &control, forms::Change what, const RectTwips &before);
     void controlGone(forms::Control &control);
+    // What was marked to be painted may have been: the next change of anything marks it anew.
+    void forgetMarks() noexcept { marks_.clear(); }
     // Paints the control's area at once.
     void repaint(const forms::Control &control);
 
@@ -80,6 +82,14 @@ private:
         bool native = false;
     };
 
+    // A control that changed, and where.
+    struct Mark {
+        const forms::Control *control;
+        RectTwips place;
+        bool operator==(const Mark &) const = default;
+    };
+
+    bool isMarked(const Mark &mark);
     void addViews(const forms::Container &container);
     void place(const forms::Control &control);
     void syncTree(const forms::Control &control);
@@ -104,6 +114,7 @@ private:
     Callbacks callbacks_;
     Layer *top_ = nullptr;
     std::unordered_map<const forms::Control *, Own> own_;
+    std::vector<Mark> marks_;                   // the latest that are still to be painted
     const forms::Control *owedFocus_ = nullptr; // lost it while disabled or covered
 };
 

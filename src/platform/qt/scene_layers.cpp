@@ -40,6 +40,7 @@ void Scene::promote(const forms::Control &control) {
         return;
     if (const forms::Control *outer = control.container().asControl())
         promote(*outer);
+    forgetMarks();
     QWidget *parent = layerWidget(layerAround(control));
     Own &own = own_[&control];
     own.layer = true;

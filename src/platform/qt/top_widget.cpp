@@ -11,6 +11,11 @@ TopWidget::TopWidget(QtFormWindow &window, Scene &scene, Layer::Input input, Qt:
     setFocusPolicy(Qt::NoFocus);
 }
 
+bool TopWidget::event(QEvent *event) {
+    const bool paints = event->type() == QEvent::UpdateRequest;
+    return (paints && window_.putsPaintOff()) || Layer::event(event);
+}
+
 void TopWidget::paintEvent(QPaintEvent *event) {
     // First the outline, so that nothing is drawn where the window is not.
     window_.applyOutline();

@@ -13,6 +13,7 @@ public:
     TopWidget(QtFormWindow &window, Scene &scene, Layer::Input input, Qt::WindowFlags flags);
 
 protected:
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void moveEvent(QMoveEvent *event) override;

@@ -7,6 +7,8 @@
 #include <QWidget>
 
 #include <algorithm>
+#include <chrono>
+#include <functional>
 
 namespace velmora::tests {
 namespace {
@@ -250,6 +252,92 @@ TEST_F(PaintTest, DrawnAtMostOnceInSixteenMillisecondsWhileTheLoopRuns) {
     desk().windows->run();
     EXPECT_GE(painted, 1);
     EXPECT_LE(painted, 60);
+}
+
+// Runs `work` as a handler of the running loop.
+void handle(const std::function<void()> &work) {
+    PaintForm clock;
+    forms::Timer timer{clock, "timer"};
+    timer.setInterval(1);
+    timer.onTimer = [&] {
+        timer.setRunning(false);
+        work();
+        desk().windows->quit(0);
+    };
+    timer.setRunning(true);
+    desk().windows->run();
+}
+
+// One pump that is not passed over for coming too soon.
+void pumpOnce() {
+    const auto due = std::chrono::steady_clock::now() + std::chrono::milliseconds(2);
+    while (std::chrono::steady_clock::now() < due) {
+    }
+    desk().windows->DoEvents();
+}
+
+TEST_F(PaintTest, ManyPumpsInAHandlerPaintAsOftenAsTheEyeFollowsAndTheLastStateAtTheEnd) {
+    PaintForm form;
+    form.appear();
+    handle([&] {
+        PaintCounter counter(form);
+        const auto begun = std::chrono::steady_clock::now();
+        constexpr int pumps = 200;
+        for (int i = 0; i < pumps; ++i) {
+            form.bar.setFillColor(i % 2 == 0 ? 0x000000FF : 0x00FF0000);
+            pumpOnce();
+        }
+        const std::chrono::duration<double, std::milli> took =
+            std::chrono::steady_clock::now() - begun;
+        EXPECT_GE(counter.count, 5);
+        EXPECT_LE(counter.count, took.count() / 16 + 6);
+        form.bar.setFillColor(0x0000FF00);
+        pumpOnce();
+    });
+    EXPECT_TRUE(desk().pump([&] { return form.pixel(50, 25) == 0x00FF00U; }));
+}
+
+TEST_F(PaintTest, AFewPumpsInAHandlerPaintEachState) {
+    PaintForm form;
+    form.appear();
+    handle([&] {
+        PaintCounter counter(form);
+        for (const Colour colour : {0x0000FF00U, 0x00FF0000U, 0x0000FFFFU}) {
+            form.bar.setFillColor(colour);
+            pumpOnce();
+        }
+        EXPECT_EQ(counter.count, 3);
+    });
+}
+
+TEST_F(PaintTest, ARefreshPaintsWhatThePumpsHavePutOff) {
+    PaintForm form;
+    form.appear();
+    handle([&] {
+        for (int i = 0; i < 30; ++i) {
+            form.bar.setFillColor(i % 2 == 0 ? 0x000000FF : 0x00FF0000);
+            pumpOnce();
+        }
+        form.bar.setFillColor(0x0000FF00);
+        desk().windows->DoEvents();
+        form.refresh();
+        EXPECT_TRUE(waitUntil([&] { return form.pixel(50, 25) == 0x00FF00U; }, 500));
+    });
+}
+
+TEST_F(PaintTest, AChangeBehindAPaintIsPaintedLikeTheFirst) {
+    PaintForm form;
+    form.appear();
+    for (const int round : {1, 2, 3}) {
+        form.inner.setBackColor(0x0000FF00);
+        form.inner.setBackColor(0x00FF0000);
+        EXPECT_TRUE(desk().pump([&] { return form.pixel(160, 30) == 0x0000FFU; })) << round;
+        form.box.setVisible(false);
+        form.inner.setBackColor(0x0000FF00);
+        EXPECT_TRUE(desk().pump([&] { return form.pixel(160, 30) == 0x232A35U; })) << round;
+        form.box.setVisible(true);
+        EXPECT_TRUE(desk().pump([&] { return form.pixel(160, 30) == 0x00FF00U; })) << round;
+    }
 }
 
 TEST_F(PaintTest, HidingAControlUncoversWhatLiesBelow) {
