@@ -78,7 +78,19 @@ TEST_F(HttpPage, ThatTakesTooLongRaises) {
         while (talk.send("drip"))
             talk.wait(milliseconds(10));
     });
+    const auto begin = std::chrono::steady_clock::now();
     EXPECT_THROW(page(server.url(u"/")), RunTimeError);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10))
+        << "neither the stall limit nor the connection's";
+}
+
+TEST(HttpLimits, AreThose) {
+    const InternetLimits limits;
+    EXPECT_EQ(limits.connect, std::chrono::seconds(10));
+    EXPECT_EQ(limits.stall, std::chrono::seconds(30));
+    EXPECT_EQ(limits.page, std::chrono::seconds(60));
+    EXPECT_EQ(limits.pageBytes, std::size_t{16} << 20);
+    EXPECT_EQ(limits.downloadBytesPerSecond, 1024U);
 }
 
 TEST_F(HttpPage, ThatStallsRaises) {

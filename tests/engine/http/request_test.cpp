@@ -193,6 +193,7 @@ TEST_F(HttpRequest, BringsBackTheCookiesThatAServerGave) {
     EXPECT_EQ(internet().InternetGetCookieA(giver.url(u"/a"), u"", 255), u"id=77");
     EXPECT_EQ(internet().InternetGetCookieA(giver.url(u"/a"), u"id", 255), u"id=77");
     EXPECT_EQ(internet().InternetGetCookieA(giver.url(u"/a"), u"other", 255), std::nullopt);
+    EXPECT_EQ(internet().InternetGetCookieA(giver.url(u"/a"), u"id", 5), u"id=77");
     EXPECT_EQ(internet().InternetGetCookieA(giver.url(u"/a"), u"id", 4), std::nullopt);
     send(giver.port());
     EXPECT_THAT(giver.lastRequest(), HasSubstr("\r\nCookie: id=77\r\n"));
