@@ -75,13 +75,27 @@ std::uint64_t MpvCore::command(const std::vector<std::string> &words) {
     for (const std::string &word : words)
         arguments.push_back(word.c_str());
     arguments.push_back(nullptr);
+    return send(
+        [&](std::uint64_t id) { return library_->commandAsync(handle_, id, arguments.data()); });
+}
+
+std::uint64_t MpvCore::send(const std::function<int(std::uint64_t)> &submit) {
     const std::uint64_t id = ++lastId_;
-    return library_->commandAsync(handle_, id, arguments.data()) < 0 ? 0 : id;
+    const auto end = Clock::now() + readingLimit;
+    for (;;) {
+        const int error = submit(id);
+        if (error >= 0)
+            return id;
+        if (error != MPV_ERROR_EVENT_QUEUE_FULL || Clock::now() >= end)
+            return 0;
+        pump(milliseconds(1));
+    }
 }
 
 std::uint64_t MpvCore::send(const char *property, mpv_format format, void *value) {
-    const std::uint64_t id = ++lastId_;
-    return library_->setPropertyAsync(handle_, id, property, format, value) < 0 ? 0 : id;
+    return send([&](std::uint64_t id) {
+        return library_->setPropertyAsync(handle_, id, property, format, value);
+    });
 }
 
 std::uint64_t MpvCore::set(const char *property, double value) {

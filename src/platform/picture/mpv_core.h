@@ -70,6 +70,8 @@ public:
 private:
     MpvCore(std::shared_ptr<const MpvLibrary> library, mpv_handle *handle);
 
+    // The engine holds only so many commands that are not yet answered; beyond, it is waited for.
+    std::uint64_t send(const std::function<int(std::uint64_t id)> &submit);
     std::uint64_t send(const char *property, mpv_format format, void *value);
     // Asks for a property and hands its value to `take` when it comes in time.
     void read(const char *property, mpv_format format, std::chrono::milliseconds limit,

@@ -20,6 +20,8 @@ constexpr milliseconds scanLimit{5000};
 // The core is idle while the medium's tracks are looked at.
 constexpr milliseconds answerLimit{1000};
 constexpr int mostTracks = 64;
+// A picture up to full HD is decoded within a fraction of its time on the screen.
+constexpr double mostLightPixels = 1920.0 * 1088.0;
 
 // A path that begins with "/" is no address of any protocol, whatever follows.
 std::string absolutePath(const std::string &path) {
@@ -124,6 +126,14 @@ std::string Opening::trackText(int track, const char *item) {
     return core_.text(property.c_str(), answerLimit).value_or("");
 }
 
+// Infinitely many where the file does not tell.
+double Opening::pixels(int track) {
+    const std::string item = "track-list/" + std::to_string(track) + "/demux-";
+    const auto width = core_.number((item + "w").c_str(), answerLimit);
+    const auto height = core_.number((item + "h").c_str(), answerLimit);
+    return width && height ? *width * *height : std::numeric_limits<double>::infinity();
+}
+
 bool Opening::lookAtTracks() {
     const double count = core_.number("track-list/count", answerLimit).value_or(0.0);
     for (int track = 0; track < std::min(static_cast<int>(count), mostTracks); ++track) {
@@ -131,7 +141,10 @@ bool Opening::lookAtTracks() {
         const bool isStill =
             trackText(track, "albumart") == "yes" || trackText(track, "image") == "yes";
         medium_.hasSound = medium_.hasSound || type == "audio";
-        hasMovingPicture_ = hasMovingPicture_ || (type == "video" && !isStill);
+        if (type == "video" && !isStill) {
+            hasMovingPicture_ = true;
+            isHeavy_ = isHeavy_ || pixels(track) > mostLightPixels;
+        }
     }
     // Now, before the engine has read ahead: later it takes what it has read for the length.
     headerSeconds_ = core_.number("duration", answerLimit);
@@ -150,6 +163,11 @@ bool Opening::chooseWindow() {
     }
     if (medium_.window == nullptr)
         return core_.finish(core_.set("vid", std::string("no")), answerLimit);
+    // Handing each packet and each frame from thread to thread costs more than it saves here.
+    if (!isHeavy_) {
+        core_.set("vd-queue-enable", false);
+        core_.set("ad-queue-enable", false);
+    }
     return core_.finish(core_.set("wid", std::int64_t{medium_.window->id()}), answerLimit);
 }
 

@@ -36,6 +36,7 @@ private:
     void showOwnWindow();
     std::string fileFormat();
     std::string trackText(int track, const char *item);
+    double pixels(int track);
 
     media::OpenRequest request_;
     PictureOptions options_;
@@ -46,6 +47,7 @@ private:
     bool isStarted_ = false;
     std::uint64_t hook_ = 0;
     bool hasMovingPicture_ = false;
+    bool isHeavy_ = false; // too much for a decoder between the engine's other work
     std::optional<double> headerSeconds_;
 };
 
