@@ -7,6 +7,7 @@
 #include "lyrics/lrcForm.h"
 #include "playback/Main.h"
 #include "playback/MenuForm.h"
+#include "playback/VideoScreen_Form.h"
 #include "playback/miniForm.h"
 #include "playback/player.h"
 #include "playlist/listControl_Form.h"
@@ -93,6 +94,13 @@ TEST_F(CallOrder, TheMenusStopClosesAheadOfTheStoppedLook) {
 
 TEST_F(CallOrder, TheMiniStripsStopClosesAheadOfTheStoppedLook) {
     expectClosedFirst([&] { app.miniForm().stopButton.on().Click(); });
+}
+
+TEST_F(CallOrder, TheVideoWindowsF4ClosesAheadOfTheStoppedLook) {
+    expectClosedFirst([&] {
+        forms::KeyEvent key{115, 0};
+        app.VideoScreen_Form().on().KeyDown(key);
+    });
 }
 
 TEST_F(CallOrder, MainsStopBringsTheStoppedLookAheadOfTheClose) {

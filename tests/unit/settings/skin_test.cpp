@@ -309,6 +309,14 @@ TEST_F(TheSkin, MainsButtonsStandSideBySideFromTheRight) {
     EXPECT_LT(main.minimizeButton.left() + main.minimizeButton.width(), main.mini_Button.left());
 }
 
+TEST_F(TheSkin, TheListsReloadStandsAheadOfItsClose) {
+    playList_Form &list = app.playList_Form();
+    list.afresh_Load.move({1, 2, 300, 300});
+    app.skinSet().skin_playList_Form();
+    EXPECT_EQ(list.afresh_Load.top(), list.close.top());
+    EXPECT_EQ(list.afresh_Load.left() + 300, list.close.left() - 60);
+}
+
 TEST_F(TheSkin, MainsChannelImagesLieOverOneAnother) {
     Main &main = app.Main();
     main.AudioSource_L.move({1, 2, 3, 4});

@@ -91,4 +91,15 @@ TEST_F(ButtonTest, TheWayBackKeepsTheAlphaOfThePressedFade) {
     EXPECT_EQ(button.fade(), 121);
 }
 
+TEST_F(ButtonTest, AnyStepBelowTheRangeSaturatesAtItsEndToo) {
+    for (const int speed : {-2, -100, -255, -256, -10'000}) {
+        button.setSpeed(speed);
+        leave();
+        enter();
+        tick();
+        EXPECT_EQ(button.state(), State::Idle) << speed;
+        expectLook(forms::Picture::button_hot);
+    }
+}
+
 } // namespace velmora
