@@ -44,6 +44,14 @@ double startOf(const TextLook &look, const QRectF &box, double width) {
     return box.left();
 }
 
+// A line is as high as its letters. Where the rim of those that hang down would be cut, it moves up
+// into the room above.
+double liftOf(const QRectF &ink, double lineHeight, double rim) {
+    const double cut = std::max(0.0, ink.bottom() + rim - lineHeight);
+    const double room = std::max(0.0, ink.top() - rim);
+    return std::ceil(std::min(cut, room));
+}
+
 } // namespace
 
 void TextPainter::draw(QPainter &painter, const QRectF &box, std::u16string_view text,
@@ -119,10 +127,12 @@ void TextPainter::drawRimmed(QPainter &painter, const std::shared_ptr<const Shap
         inner.end();
         if (pictures_.size() >= keptPictures)
             pictures_.pop_back();
-        pictures_.push_front({shaped, line.index, colour.rgba(), density, std::move(image)});
+        const QRectF ink = outline.boundingRect().translated(-origin - QPointF(0, line.top));
+        pictures_.push_front({shaped, line.index, colour.rgba(), density, std::move(image),
+                              liftOf(ink, lineHeight, rimWidth(shaped->em))});
         found = pictures_.begin();
     }
-    painter.drawImage(at + QPointF(-margin, line.top - margin), found->image);
+    painter.drawImage(at + QPointF(-margin, line.top - margin - found->lift), found->image);
 }
 
 } // namespace velmora::platform::qt

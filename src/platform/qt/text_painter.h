@@ -49,6 +49,7 @@ private:
         QRgb colour = 0;
         double density = 1;
         QImage image;
+        double lift = 0; // how far above its place it is drawn, in logical pixels
     };
     Fonts &fonts_;
     std::deque<Picture> pictures_;
