@@ -25,23 +25,20 @@ public:
     // its value.
     void startLoad(std::u16string_view path);
 
-    // --- the lyric (its lines are the rows of List1)
-    // ----------------------------------------------
+    // --- the lyric (its lines are the rows of List1) ---------------------------------------------
     std::u16string lrcPath;
     bool hasLrc = false;
     std::u16string nowLrcLine;  // the current line, or a status text
     std::u16string lrcFullText; // all words without labels, each line ended by CR LF
     std::u16string lrcTi, lrcAr, lrcAl, lrcBy;
 
-    // --- texts of the language in force
-    // -----------------------------------------------------------
+    // --- texts of the language in force ----------------------------------------------------------
     std::u16string noLrcText;
     std::u16string lrcMissText;    // a track without a lyric
     std::u16string lrcWaitText;    // after a seek, until the next line is found
     std::u16string lrcLoadingText; // while a lyric is read
 
-    // --- the desktop line
-    // ---------------------------------------------------------------------------
+    // --- the desktop line ------------------------------------------------------------------------
     bool desktopLrcOn = false;       // switched on by the user
     bool desktopLrcAutoOpen = false; // opens by itself with each lyric
     std::int16_t lineIndex = -1;     // answer of the last search

@@ -98,8 +98,7 @@ void search_Lrc_Internet_Form::enableSaving(bool flag) {
     anotherSave.setEnabled(flag);
 }
 
-// --- searching
-// ----------------------------------------------------------------------------------
+// --- searching -----------------------------------------------------------------------------------
 
 void search_Lrc_Internet_Form::search_Button_Click() {
     search_Lrc_List.clear();
@@ -138,8 +137,7 @@ void search_Lrc_Internet_Form::goto_Internet_Click() {
                                         app_.lrc_Internet_Search().searchAddress(word), showNormal);
 }
 
-// --- fetching
-// -----------------------------------------------------------------------------------
+// --- fetching ------------------------------------------------------------------------------------
 
 std::u16string search_Lrc_Internet_Form::lyricTarget() {
     // Of several spellings of one name the one on the disk, so that one lyric is never two files.
@@ -200,8 +198,7 @@ void search_Lrc_Internet_Form::anotherSave_Click() {
     fetch(target, canWriteBeside(app_, target), chosenFolderRefuses);
 }
 
-// --- the window
-// ---------------------------------------------------------------------------------
+// --- the window ----------------------------------------------------------------------------------
 
 void search_Lrc_Internet_Form::showTip(Twips y) {
     const std::int32_t row = rowUnder(search_Lrc_List, y);

@@ -99,8 +99,7 @@ void search_Song_Internet_Form::setControlsEnabled(bool flag) {
     anotherSave.setEnabled(flag);
 }
 
-// --- searching
-// ----------------------------------------------------------------------------------
+// --- searching -----------------------------------------------------------------------------------
 
 void search_Song_Internet_Form::search_Button_Click() {
     search_Song_List.clear();
@@ -144,8 +143,7 @@ void search_Song_Internet_Form::goto_Internet_Click() {
     app_.saveOrOpenFile().shellOpen(app_.song_Internet_Search().searchAddress(word));
 }
 
-// --- what a row tells
-// ---------------------------------------------------------------------------
+// --- what a row tells ----------------------------------------------------------------------------
 
 void search_Song_Internet_Form::hover(Twips y) {
     const std::int32_t row = rowUnder(search_Song_List, y);

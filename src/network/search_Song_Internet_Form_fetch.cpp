@@ -79,8 +79,7 @@ std::vector<std::u16string> splitAt(std::u16string_view text, std::u16string_vie
 
 } // namespace
 
-// --- records
-// ------------------------------------------------------------------------------------
+// --- records -------------------------------------------------------------------------------------
 
 // The one error of the program that nothing catches: it ends in order, and says why.
 void search_Song_Internet_Form::readRecord(std::int32_t row, std::size_t lastField) {
@@ -104,8 +103,7 @@ void search_Song_Internet_Form::readFileName(std::int32_t row) {
             (songSinger_.empty() ? u"" : songSinger_ + u" ") + songName_ + u"." + songFormat_;
 }
 
-// --- the three ways of fetching
-// -----------------------------------------------------------------
+// --- the three ways of fetching ------------------------------------------------------------------
 
 bool search_Song_Internet_Form::chosenOrComplain() {
     if (search_Song_List.listIndex() >= 0)
@@ -210,8 +208,7 @@ void search_Song_Internet_Form::downFileStop_Click() {
     app_.saveOrOpenFile().shellDel(wd.FileName);
 }
 
-// --- behind a double click
-// ----------------------------------------------------------------------
+// --- behind a double click -----------------------------------------------------------------------
 
 void search_Song_Internet_Form::play_Downloaded(const std::u16string &path) {
     if (path.empty())
@@ -243,8 +240,7 @@ void search_Song_Internet_Form::play_Downloaded(const std::u16string &path) {
     app_.saveOrOpenFile().savePlayList();
 }
 
-// --- events of the transfer
-// ---------------------------------------------------------------------
+// --- events of the transfer ----------------------------------------------------------------------
 
 void search_Song_Internet_Form::wd_Status(std::int32_t code) {
     say(textOf(statusTexts, code, unknownStatus));

@@ -145,8 +145,7 @@ public:
                                 std::u16string_view title) = 0;
     virtual void PopupMenu(forms::Form &owner, forms::Menu &menu) = 0;
 
-    // --- desktop
-    // -----------------------------------------------------------------------------------
+    // --- desktop ---------------------------------------------------------------------------------
     virtual bool Shell_NotifyIconA(std::uint32_t operation, const NotifyIconData &data) = 0;
     // The application's title (its task bar entry).
     virtual void setAppTitle(std::u16string_view title) = 0;

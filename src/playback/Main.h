@@ -18,8 +18,7 @@ public:
     explicit Main(Velmora &app);
     void load();
 
-    // --- what other windows read and write
-    // --------------------------------------------------------
+    // --- what other windows read and write -------------------------------------------------------
     std::u16string Vesion;           // major.minor.revision of the program
     std::int16_t flash_Request = 0;  // Flash_Window acts while set; nothing clears it
     std::int16_t playList_Shown = 0; // the play list was open when last shown or hidden by a button
@@ -34,8 +33,7 @@ public:
     // list, the last file, then the tick.
     void main_Load();
 
-    // --- transport
-    // --------------------------------------------------------------------------------
+    // --- transport -------------------------------------------------------------------------------
     void playButton_Click();
     void pauseButton_Click();
     void stopButton_Click();
@@ -76,8 +74,7 @@ public:
     // Enables or disables every button and bar.
     void meActiveControl_Enabled(bool flag);
 
-    // --- bars and channel
-    // ---------------------------------------------------------------------------
+    // --- bars and channel ------------------------------------------------------------------------
     void load_Played_BG_MouseUp(Twips x);
     void Volume_Set_BG_MouseUp(Twips x);
     void Volume_ICO_Click();

@@ -105,8 +105,7 @@ void Main::rollCaption() {
     windows().setAppTitle(rotation_Text);
 }
 
-// --- dragging
-// -------------------------------------------------------------------------------------
+// --- dragging ------------------------------------------------------------------------------------
 
 void Main::setDragHandlers() {
     forms::ControlEvents *const areas[] = {&on(), &title.on(), &title_ICO.on()};

@@ -27,8 +27,7 @@ constexpr std::int16_t playRandom = 1;
 
 } // namespace
 
-// --- transport
-// ------------------------------------------------------------------------------------
+// --- transport -----------------------------------------------------------------------------------
 
 void Main::playButton_Click() {
     velmora::player &player = app_.player();
@@ -128,8 +127,7 @@ void Main::stop_Sub() {
     app_.lrcForm().lrc_Text.setCaption(u"");
 }
 
-// --- bars and channel
-// -----------------------------------------------------------------------------
+// --- bars and channel ----------------------------------------------------------------------------
 
 void Main::setBarHandlers() {
     load_Played_BG.on().MouseUp = [this](const forms::MouseEvent &event) {

@@ -102,8 +102,7 @@ void VideoScreen_Form::playButton_Click() {
 
 void VideoScreen_Form::close_Click() { hide(); }
 
-// --- keys
-// -----------------------------------------------------------------------------------------
+// --- keys ----------------------------------------------------------------------------------------
 
 void VideoScreen_Form::keyDown(const forms::KeyEvent &key) {
     struct Row {
@@ -148,8 +147,7 @@ void VideoScreen_Form::spaceKey() {
     }
 }
 
-// --- the tick
-// -------------------------------------------------------------------------------------
+// --- the tick ------------------------------------------------------------------------------------
 
 void VideoScreen_Form::tick() {
     passOver([this] {

@@ -82,8 +82,7 @@ void miniForm::mouseUp(const forms::MouseEvent &event) {
     }
 }
 
-// --- buttons
-// --------------------------------------------------------------------------------------
+// --- buttons -------------------------------------------------------------------------------------
 
 void miniForm::playButton_Click() {
     velmora::player &player = app_.player();
@@ -114,8 +113,7 @@ void miniForm::mini_Button_Click() {
     }
 }
 
-// --- the tick
-// -------------------------------------------------------------------------------------
+// --- the tick ------------------------------------------------------------------------------------
 
 StateControls miniForm::stateControls() {
     return {PlayerWindow::miniForm, playButton, pauseButton, play_Time,

@@ -37,8 +37,7 @@ class player {
 public:
     explicit player(Velmora &app);
 
-    // --- the playing state; nothing in the program holds a second copy
-    // ----------------------------
+    // --- the playing state; nothing in the program holds a second copy ---------------------------
     std::u16string nowPlay_File;    // full path of the medium last opened; stays after a stop
     std::u16string nowPlay_Title;   // what the windows show for it
     std::int16_t nowPlay_Index = 0; // its track number in the play list, from 1
@@ -81,8 +80,7 @@ public:
     // mode says. See the status numbers above.
     std::int32_t get_PlayStatus();
 
-    // --- times
-    // ------------------------------------------------------------------------------------
+    // --- times -----------------------------------------------------------------------------------
     std::int32_t get_Length();         // 0 with nothing open
     std::u16string get_LengthText();   // HH:MM:SS
     std::u16string get_PositionText(); // HH:MM:SS
@@ -99,8 +97,7 @@ public:
     // `get_PlayedWidth`.
     void seek_ByBar(PlayerWindow window, Twips x);
 
-    // --- video
-    // ------------------------------------------------------------------------------------
+    // --- video -----------------------------------------------------------------------------------
     std::int32_t get_VideoHwnd();
     // Puts the picture (pixels inside its control) and shows the video window. Acts only while that
     // window has its default size or more; otherwise, and when the engine refuses, lets it go.

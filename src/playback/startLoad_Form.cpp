@@ -112,8 +112,7 @@ void startLoad_Form::initialise() {
     passOver([this] { app_.setControl().load_Language(); });
 }
 
-// --- one instance
-// -----------------------------------------------------------------------------------
+// --- one instance --------------------------------------------------------------------------------
 
 std::u16string startLoad_Form::restart_Marker_Path() const {
     return app_.system_SpecialFolder().get_Special_Folder(folderTemporary) + u"RestartZkPlayer.tmp";
@@ -173,8 +172,7 @@ std::int32_t startLoad_Form::countInstances() {
     return count;
 }
 
-// --- the rest of the sequence
-// -----------------------------------------------------------------------
+// --- the rest of the sequence --------------------------------------------------------------------
 
 void startLoad_Form::prepareTray() {
     app_.formSet().tray_Add(app_.Main());

@@ -48,15 +48,13 @@ public:
     // The handlers of a form that is dragged alone, on the form itself or on one of its controls.
     void make_Draggable(forms::Form &form, forms::ControlEvents &events);
 
-    // --- docking
-    // ------------------------------------------------------------------------------------
+    // --- docking ---------------------------------------------------------------------------------
     bool read_Tray_Area();
     // True: Main moves left by half its width and the list stands at its right side. False: Main is
     // centred horizontally.
     void dock_PlayList(bool flag);
 
-    // --- tray
-    // -----------------------------------------------------------------------------------------
+    // --- tray ------------------------------------------------------------------------------------
     void tray_Add(velmora::Main &main);
     void tray_Tip(std::u16string_view text);
     void tray_Remove();

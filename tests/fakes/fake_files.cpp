@@ -26,8 +26,7 @@ FakeFiles::~FakeFiles() {
         ADD_FAILURE() << "scripted failure never met: " << operation;
 }
 
-// --- what lies on the disk
-// ------------------------------------------------------------------------
+// --- what lies on the disk -----------------------------------------------------------------------
 
 // Without doubled and trailing separators, so that one folder has one key.
 std::u16string FakeFiles::normal(std::u16string_view path) {
@@ -120,8 +119,7 @@ void FakeFiles::failReadAtLine(std::u16string_view path, std::size_t line) {
     entries_.at(normal(path)).failAtLine = line;
 }
 
-// --- failures and counts
-// --------------------------------------------------------------------------
+// --- failures and counts -------------------------------------------------------------------------
 
 void FakeFiles::failNext(const std::string &operation, ErrorNumber number,
                          std::u16string description) {
@@ -154,8 +152,7 @@ void FakeFiles::note(std::u16string_view what, std::u16string_view path,
     changes_.push_back(std::move(line));
 }
 
-// --- the contract
-// ---------------------------------------------------------------------------------
+// --- the contract --------------------------------------------------------------------------------
 
 char16_t FakeFiles::separatorOf(std::u16string_view path) const {
     return platform::pathSeparatorOf(path);

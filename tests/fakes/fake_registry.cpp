@@ -8,8 +8,7 @@ namespace velmora::fakes {
 
 using namespace platform;
 
-// --- what is stored
-// -------------------------------------------------------------------------------
+// --- what is stored ------------------------------------------------------------------------------
 
 std::u16string FakeRegistry::keyOf(std::uint32_t hive, std::u16string_view subKey) {
     return decimal(hive) + u"\\" + upper(subKey);
@@ -79,8 +78,7 @@ std::u16string FakeRegistry::cut(std::u16string_view text, std::uint32_t byteCou
     return std::u16string(text);
 }
 
-// --- the contract
-// ---------------------------------------------------------------------------------
+// --- the contract --------------------------------------------------------------------------------
 
 std::int32_t FakeRegistry::RegCreateKeyA(std::uint32_t hive, std::u16string_view subKey,
                                          RegistryHandle &handle) {

@@ -12,8 +12,7 @@
 
 namespace velmora::fakes {
 
-// --- processes
-// ------------------------------------------------------------------------------------
+// --- processes -----------------------------------------------------------------------------------
 
 std::vector<std::u16string> FakeProcesses::ExecQuery(std::u16string_view query,
                                                      std::int32_t flags) {
@@ -34,8 +33,7 @@ void FakeProcesses::end(int status) {
     throw ProcessEnded{status};
 }
 
-// --- folders
-// --------------------------------------------------------------------------------------
+// --- folders -------------------------------------------------------------------------------------
 
 std::optional<std::u16string> FakeFolders::SHGetSpecialFolder(std::int32_t number) {
     asked.push_back(number);
@@ -48,8 +46,7 @@ std::u16string FakeFolders::rootPart(std::u16string_view path) {
     return drive ? std::u16string(leftPart(path, 3)) : dataHome;
 }
 
-// --- version records
-// ------------------------------------------------------------------------------
+// --- version records -----------------------------------------------------------------------------
 
 void FakeVersionRecords::addRecord(std::u16string_view path, const Strings &strings) {
     std::vector<platform::VersionString> entries;
@@ -103,8 +100,7 @@ std::optional<std::string> FakeVersionRecords::VerQueryValueA(std::string_view r
                        : std::string(value->bytes);
 }
 
-// --- shell
-// ----------------------------------------------------------------------------------------
+// --- shell ---------------------------------------------------------------------------------------
 
 std::int32_t FakeShell::ShellExecuteA(std::uintptr_t owner, std::u16string_view verb,
                                       std::u16string_view target, std::int32_t showCommand) {
@@ -130,8 +126,7 @@ void FakeShell::Shell_(std::u16string_view commandLine) {
     }
 }
 
-// --- clock and waiting
-// ----------------------------------------------------------------------------
+// --- clock and waiting ---------------------------------------------------------------------------
 
 namespace {
 

@@ -218,8 +218,7 @@ bool QtWindowSystem::FlashWindow(HWND window, bool invert) {
     return true;
 }
 
-// --- screen
-// ----------------------------------------------------------------------------------------
+// --- screen --------------------------------------------------------------------------------------
 
 bool QtWindowSystem::SystemParametersInfoA(std::uint32_t action, RectPixels &area) {
     if (action != SPI_GETWORKAREA)
@@ -265,8 +264,7 @@ bool QtWindowSystem::GetCursorPos(PointPixels &position) {
     return true;
 }
 
-// --- boxes, menus, desktop
-// -------------------------------------------------------------------------
+// --- boxes, menus, desktop -----------------------------------------------------------------------
 
 MsgBoxResult QtWindowSystem::MsgBox(std::u16string_view text, MsgBoxButtons buttons,
                                     MsgBoxIcon icon, std::u16string_view title) {

@@ -87,8 +87,7 @@ std::string immutableAddress(const std::string &path) {
 
 } // namespace
 
-// --- statements
-// -----------------------------------------------------------------------------------
+// --- statements ----------------------------------------------------------------------------------
 
 SqliteStatement::SqliteStatement(SqliteStatement &&other) noexcept
     : database_(other.database_), statement_(std::exchange(other.statement_, nullptr)),
@@ -143,8 +142,7 @@ std::string SqliteStatement::bytes(int column) const {
     return data == nullptr ? std::string() : std::string(data, size);
 }
 
-// --- the database
-// ---------------------------------------------------------------------------------
+// --- the database --------------------------------------------------------------------------------
 
 SqliteDatabase::SqliteDatabase(std::string path) : path_(std::move(path)) {}
 

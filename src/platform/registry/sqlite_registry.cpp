@@ -93,8 +93,7 @@ SqliteRegistry::Key SqliteRegistry::keyOf(std::uint32_t hive, std::u16string_vie
     return {hive, folded(normalPath(subKey))};
 }
 
-// --- keys
-// -----------------------------------------------------------------------------------------
+// --- keys ----------------------------------------------------------------------------------------
 
 std::optional<std::int64_t> SqliteRegistry::findKey(const Key &key, std::int32_t &error) {
     auto find = database_.prepare(Query::FindKey);
@@ -175,8 +174,7 @@ std::int32_t SqliteRegistry::RegDeleteKeyA(std::uint32_t hive, std::u16string_vi
     return database_.commit() ? ERROR_SUCCESS : errorOf(database_.failure());
 }
 
-// --- values
-// ---------------------------------------------------------------------------------------
+// --- values --------------------------------------------------------------------------------------
 
 // What a text is after its way through the code page, cut to the byte count. A character that the
 // cut splits becomes U+FFFD; file-name units stay in every page.

@@ -20,8 +20,7 @@ void expectOverflow(const std::function<void()> &statement) {
     }
 }
 
-// --- rounding
-// -------------------------------------------------------------------------------------
+// --- rounding ------------------------------------------------------------------------------------
 
 TEST(RoundHalfEven, halvesGoToTheEvenNeighbour) {
     EXPECT_EQ(roundHalfEven(0.5), 0);
@@ -66,8 +65,7 @@ TEST(RoundToInt, raisesOverflowBeyondItsWidth) {
     expectOverflow([] { roundToInt32(std::numeric_limits<double>::infinity()); });
 }
 
-// --- numbers out of texts
-// -------------------------------------------------------------------------
+// --- numbers out of texts ------------------------------------------------------------------------
 
 TEST(LeadingNumber, takesSignDigitsOnePointDigitsAndIgnoresTheRest) {
     EXPECT_EQ(leadingNumber(u"12abc"), 12);
@@ -134,8 +132,7 @@ TEST(StrictInt32, refusesEverythingElse) {
         EXPECT_EQ(strictInt32(text), std::nullopt);
 }
 
-// --- 16 and 8 bits
-// --------------------------------------------------------------------------------
+// --- 16 and 8 bits -------------------------------------------------------------------------------
 
 TEST(Int16, narrowsWhatFits) {
     EXPECT_EQ(toInt16(32767), 32767);
@@ -161,8 +158,7 @@ TEST(AddSaturating, staysInsideEightBits) {
     EXPECT_EQ(addSaturating(17, 5), 22);
 }
 
-// --- numbers into texts
-// ---------------------------------------------------------------------------
+// --- numbers into texts --------------------------------------------------------------------------
 
 TEST(Decimal, writesEveryNumber) {
     EXPECT_EQ(decimal(0), u"0");

@@ -10,8 +10,7 @@ namespace {
 using namespace std::string_literals;
 using namespace std::string_view_literals;
 
-// --- upper case
-// -----------------------------------------------------------------------------------
+// --- upper case ----------------------------------------------------------------------------------
 
 TEST(Upper, mapsLatinGreekCyrillicAndFullWidthLetters) {
     EXPECT_EQ(upper(u"zkPlayer 123 _-é"), u"ZKPLAYER 123 _-É");
@@ -63,8 +62,7 @@ TEST(EqualsIgnoringCase, comparesUpperCaseUnitByUnit) {
     EXPECT_FALSE(equalsIgnoringCase(u"e\x0301", u"é")); // no normalisation
 }
 
-// --- lower case
-// -----------------------------------------------------------------------------------
+// --- lower case ----------------------------------------------------------------------------------
 
 TEST(Lower, mapsOneUnitToOneUnit) {
     EXPECT_EQ(lower(u"HTTP://Host:80/A?b=C_É"), u"http://host:80/a?b=c_é");
@@ -88,8 +86,7 @@ TEST(Lower, undoesUpperCaseWhereThatIsOneToOne) {
     EXPECT_EQ(changed, 1173);
 }
 
-// --- cutting
-// --------------------------------------------------------------------------------------
+// --- cutting -------------------------------------------------------------------------------------
 
 TEST(Trim, removesBlanksAndNothingElse) {
     EXPECT_EQ(trim(u"  a b  "), u"a b");
@@ -169,8 +166,7 @@ TEST(Contains, LooksOnWhereTheRareUnitStandsWithoutTheRest) {
     EXPECT_TRUE(contains(u"", u""));
 }
 
-// --- UTF-8
-// ----------------------------------------------------------------------------------------
+// --- UTF-8 ---------------------------------------------------------------------------------------
 
 TEST(Utf8, goesBothWaysForEveryWidth) {
     const std::u16string text = u"a\u007F\u0080\u07FF\u0800\uFFFF\U00010000\U0010FFFF曲é";

@@ -13,8 +13,7 @@
 namespace velmora::fakes {
 namespace {
 
-// --- files
-// ----------------------------------------------------------------------------------------
+// --- files ---------------------------------------------------------------------------------------
 
 struct FilesFake : testing::Test {
     FakeAnsi ansi;
@@ -102,8 +101,7 @@ TEST_F(FilesFake, runsWhatATestWantsBetweenLines) {
     EXPECT_EQ(seen, (std::vector<std::size_t>{0, 1}));
 }
 
-// --- media
-// ----------------------------------------------------------------------------------------
+// --- media ---------------------------------------------------------------------------------------
 
 TEST(MediaFake, behavesAsOneDevice) {
     FakeMedia media;
@@ -193,8 +191,7 @@ TEST(WaveOutFake, answersForItsDevices) {
     EXPECT_EQ(waveOut.waveOutGetDevCapsA(0, caps, 50), 3U);
 }
 
-// --- system
-// ---------------------------------------------------------------------------------------
+// --- system --------------------------------------------------------------------------------------
 
 TEST(ProcessesFake, endsWithWhatNoCodeCatches) {
     FakeProcesses processes;
@@ -269,8 +266,7 @@ TEST(WaitableTimersFake, advanceTheClockToTheirDueTime) {
     EXPECT_EQ(timers.openTimers(), 0U);
 }
 
-// --- registry
-// -------------------------------------------------------------------------------------
+// --- registry ------------------------------------------------------------------------------------
 
 TEST(RegistryFake, writesDownWhatWasAskedAndFailsOnRequest) {
     const FakeAnsi ansi;

@@ -18,8 +18,7 @@ using namespace std::string_literals;
 const std::string gbk = "\xD6\xD0\xB9\xFA";  // 中国
 const std::string gbk2 = "\xD6\xD0\xD6\xD0"; // 中中
 
-// --- the normal state: UTF-8 with page 936 behind it
-// -----------------------------------------------
+// --- the normal state: UTF-8 with page 936 behind it ---------------------------------------------
 
 TEST(Ansi, writesUtf8) {
     const FakeAnsi ansi;
@@ -80,8 +79,7 @@ TEST(Ansi, recognisesNoByteOrderMark) {
     EXPECT_EQ(ansi.decode("\xEF\xBB\xBFx"), u"\uFEFFx");
 }
 
-// --- file-name units
-// ------------------------------------------------------------------------------
+// --- file-name units -----------------------------------------------------------------------------
 
 TEST(Ansi, writesFileNameUnitsInTheirThreeByteFormAndReadsThemBack) {
     const FakeAnsi ansi;
@@ -115,8 +113,7 @@ TEST(AnsiPath, keepsValidPartsOfARawName) {
     EXPECT_EQ(ansi.decodePath("/中/\xFF.mp3"), u"/中/\xDCFF.mp3");
 }
 
-// --- texts that decide together
-// -------------------------------------------------------------------
+// --- texts that decide together ------------------------------------------------------------------
 
 TEST(AnsiTogether, followsTheMajorityOfTheTextsWithHighBytes) {
     const FakeAnsi ansi;
@@ -153,8 +150,7 @@ TEST(AnsiTogether, doesNotCountTheIncompleteCharacterAgainstUtf8) {
     EXPECT_EQ(ansi.decodeTogether({"x\xED\xB2"}, true), (List{u"x"})); // a file-name unit cut short
 }
 
-// --- the override
-// ---------------------------------------------------------------------------------
+// --- the override --------------------------------------------------------------------------------
 
 TEST(AnsiOverride, readsAndWritesOnePageAlone) {
     EXPECT_EQ(FakeAnsi(936).encode(u"中国"), gbk);
@@ -226,8 +222,7 @@ TEST(AnsiOverride, mayConvertTextWhileItIsAsked) {
     EXPECT_EQ(ansi.encode(u"中"), "\xD6\xD0");
 }
 
-// --- cost
-// -----------------------------------------------------------------------------------------
+// --- cost ----------------------------------------------------------------------------------------
 
 TEST(AnsiCost, thirtyTwoThousandPathsDecodeInAFewMilliseconds) {
     const FakeAnsi ansi;

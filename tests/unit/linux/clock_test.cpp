@@ -18,8 +18,7 @@
 namespace velmora::platform {
 namespace {
 
-// --- the clock
-// ------------------------------------------------------------------------------------
+// --- the clock -----------------------------------------------------------------------------------
 
 // A locale of the environment, at Greenwich.
 class Locale {
@@ -111,8 +110,7 @@ TEST(Clock, goesOn) {
     EXPECT_LT(seconds, 86401.0);
 }
 
-// --- due times
-// ------------------------------------------------------------------------------------
+// --- due times -----------------------------------------------------------------------------------
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
@@ -153,8 +151,7 @@ TEST(DueTime, staysInReachAtBothEnds) {
     EXPECT_GT(due(std::numeric_limits<std::int64_t>::max(), now), now);
 }
 
-// --- timers
-// ---------------------------------------------------------------------------------------
+// --- timers --------------------------------------------------------------------------------------
 
 struct TimerTest : testing::Test {
     std::vector<TimePoint> waits;

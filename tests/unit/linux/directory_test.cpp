@@ -24,8 +24,7 @@ struct Directory : testing::Test {
     }
 };
 
-// --- looking a path up
-// ----------------------------------------------------------------------------
+// --- looking a path up ---------------------------------------------------------------------------
 
 TEST_F(Directory, answersTheNameAsItIsOnDisk) {
     folder.write("Song.LRC", "");
@@ -116,8 +115,7 @@ TEST_F(Directory, survivesPathsThatAreTooLong) {
     EXPECT_EQ(files.Dir(u"/" + std::u16string(100'000, u'x')), u"");
 }
 
-// --- listing
-// --------------------------------------------------------------------------------------
+// --- listing -------------------------------------------------------------------------------------
 
 TEST_F(Directory, listsByUpperCasedName) {
     for (const char *name : {"b.mp3", "A.mp3", "a.mp3", "C.mp3", "_x", "Z", "中", "é"})

@@ -43,8 +43,7 @@ struct Reading : testing::Test {
 
 using Lines = std::vector<std::string>;
 
-// --- lines
-// ----------------------------------------------------------------------------------------
+// --- lines ---------------------------------------------------------------------------------------
 
 TEST_F(Reading, endsALineAtEachKindOfLineEnd) {
     folder.write("f", "one\rtwo\r\nthree\nfour");
@@ -119,8 +118,7 @@ TEST_F(Reading, aReadErrorIsRaisedOnceAndEndsTheFile) {
     EXPECT_TRUE(reader.endOfFile());
 }
 
-// --- what may be opened
-// ---------------------------------------------------------------------------
+// --- what may be opened --------------------------------------------------------------------------
 
 TEST_F(Reading, refusesWhatIsNoFileWithoutWaiting) {
     folder.makeFolder("sub");
@@ -154,8 +152,7 @@ TEST_F(Reading, opensNamesOfAnyBytesAndLinksToFiles) {
     EXPECT_EQ(lines("link"), Lines{"content"});
 }
 
-// --- bytes
-// ----------------------------------------------------------------------------------------
+// --- bytes ---------------------------------------------------------------------------------------
 
 TEST_F(Reading, givesBytesAtAPlaceAndFewerAtTheEnd) {
     folder.write("f", "0123456789");

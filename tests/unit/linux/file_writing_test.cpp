@@ -41,8 +41,7 @@ struct Writing : testing::Test {
     }
 };
 
-// --- writing whole files
-// --------------------------------------------------------------------------
+// --- writing whole files -------------------------------------------------------------------------
 
 TEST_F(Writing, makesAndReplacesAFileWithExactlyTheseBytes) {
     for (const bool durable : {false, true}) {
@@ -153,8 +152,7 @@ TEST_F(Writing, writesANameOfTheGreatestLength) {
     EXPECT_EQ(folder.names(), Names{name});
 }
 
-// --- a disk that fills up
-// -------------------------------------------------------------------------
+// --- a disk that fills up ------------------------------------------------------------------------
 
 // While it lives no file can grow beyond a size: the write that passes it comes back short, the
 // next one fails.
@@ -239,8 +237,7 @@ TEST_F(Writing, leavesTheOldFileWholeOnAFullDisk) {
     EXPECT_EQ(answer, 0);
 }
 
-// --- the file while it is written
-// ------------------------------------------------------------------
+// --- the file while it is written ----------------------------------------------------------------
 
 TEST_F(Writing, aFileThatIsNotCompleteHasNoName) {
     folder.write("f", "old");
@@ -291,8 +288,7 @@ TEST_F(Writing, aKilledWriterLeavesTheOldFileAndNothingElse) {
     EXPECT_EQ(folder.names(), Names{"f"});
 }
 
-// --- other ways to write
-// --------------------------------------------------------------------------
+// --- other ways to write -------------------------------------------------------------------------
 
 TEST_F(Writing, textFilesHoldTheAnsiForm) {
     files.CreateFileSystemObject()->CreateTextFile(folder.text("f"), u"é曲\r\n");
@@ -327,8 +323,7 @@ TEST_F(Writing, keepsAllOfTheOldFileOrTheOlderOne) {
     EXPECT_EQ(folder.names(), (Names{"list", "list.old"}));
 }
 
-// --- renaming
-// -------------------------------------------------------------------------------------
+// --- renaming ------------------------------------------------------------------------------------
 
 TEST_F(Writing, renamesAFile) {
     folder.write("old", "x");
@@ -389,8 +384,7 @@ TEST_F(Writing, renamesALinkAndNotItsTarget) {
     EXPECT_EQ(folder.names(), (Names{"other", "target"}));
 }
 
-// --- deleting
-// -------------------------------------------------------------------------------------
+// --- deleting ------------------------------------------------------------------------------------
 
 TEST_F(Writing, deletesTheExactNameOnly) {
     folder.write("Song.mp3", "x");

@@ -11,8 +11,7 @@
 namespace velmora::platform {
 namespace {
 
-// --- the environment
-// ------------------------------------------------------------------------------
+// --- the environment -----------------------------------------------------------------------------
 
 const std::vector<std::string> names = {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME",
                                         "XDG_CACHE_HOME", "XDG_RUNTIME_DIR"};
@@ -84,8 +83,7 @@ TEST(MakeFolders, makesParentsAndTakesWhatIsThere) {
     EXPECT_FALSE(makeFolders("", 0700));
 }
 
-// --- the desktop's names
-// --------------------------------------------------------------------------
+// --- the desktop's names -------------------------------------------------------------------------
 
 TEST(UserDirs, takeAFolderBelowTheHomeOrAnAbsoluteOne) {
     const std::string text = "# comment\n"
@@ -113,8 +111,7 @@ TEST(UserDirs, passOverLinesThatTellNothing) {
         EXPECT_EQ(userDir(text, "A", "/h"), std::nullopt) << text;
 }
 
-// --- special folders
-// ------------------------------------------------------------------------------
+// --- special folders -----------------------------------------------------------------------------
 
 struct FolderTest : testing::Test {
     TempFolder folder;
@@ -163,8 +160,7 @@ TEST_F(FolderTest, theSystemFolderLiesBelowItsRoot) {
     EXPECT_EQ(folders.rootPart(u""), root);
 }
 
-// --- the temporary folder
-// -------------------------------------------------------------------------
+// --- the temporary folder ------------------------------------------------------------------------
 
 TEST_F(FolderTest, temporaryFilesLieInTheRuntimeFolder) {
     folder.makeFolder("run");

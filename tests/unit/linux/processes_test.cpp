@@ -33,8 +33,7 @@ struct ProcessTest : testing::Test {
     }
 };
 
-// --- the query
-// ------------------------------------------------------------------------------------
+// --- the query -----------------------------------------------------------------------------------
 
 TEST_F(ProcessTest, queryAnswersTheAskerAndItsEqualsWithTheSameConfiguration) {
     ChildProcess alone({helper, "query"}, environment());
@@ -82,8 +81,7 @@ TEST_F(ProcessTest, queryIsQuick) {
     EXPECT_FALSE(found.empty());
 }
 
-// --- the previous instance
-// ------------------------------------------------------------------------
+// --- the previous instance -----------------------------------------------------------------------
 
 TEST_F(ProcessTest, theFirstInstanceHoldsTheLockForLife) {
     ChildProcess first({helper, "lock"}, environment());
@@ -139,8 +137,7 @@ TEST_F(ProcessTest, theLockIsNotHandedToChildren) {
     EXPECT_FALSE(next.previousInstance());
 }
 
-// --- the process itself
-// ---------------------------------------------------------------------------
+// --- the process itself --------------------------------------------------------------------------
 
 TEST_F(ProcessTest, endWritesWhatIsOwedAndRunsNothingElse) {
     ChildProcess child({helper, "end"}, environment());
@@ -178,8 +175,7 @@ TEST(ProgramPath, hasItsFolderWithoutASeparator) {
 
 TEST(Boot, isNeverSafeMode) { EXPECT_EQ(LinuxProcesses(HomeFolders{}, {}).cleanBoot(), 0); }
 
-// --- the program's own version record
-// -------------------------------------------------------------
+// --- the program's own version record ------------------------------------------------------------
 
 TEST(OwnVersion, isReadFromTheProgramFile) {
     const fakes::FakeAnsi ansi;

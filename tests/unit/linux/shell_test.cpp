@@ -58,8 +58,7 @@ struct ShellTest : testing::Test {
     }
 };
 
-// --- what is handed to the desktop
-// ----------------------------------------------------------------
+// --- what is handed to the desktop ---------------------------------------------------------------
 
 TEST_F(ShellTest, handsAFileToTheDesktopAsItIs) {
     const std::string name = "a \"b\" $(touch x) `y` ;曲\xFF.log";
@@ -120,8 +119,7 @@ TEST_F(ShellTest, asksTheOtherOpenerWhereTheFirstIsMissing) {
     EXPECT_LE(open(u"https://host/"), 32);
 }
 
-// --- the program itself
-// ---------------------------------------------------------------------------
+// --- the program itself --------------------------------------------------------------------------
 
 TEST_F(ShellTest, executesItsOwnRestartByAnyOfItsNames) {
     for (const std::string name : {"velmora", "velmora.exe", "velmora.bat"}) {
@@ -182,8 +180,7 @@ TEST(ShellTarget, isToldByItsText) {
         EXPECT_EQ(targetKind(target, own), kind) << pathBytes(target);
 }
 
-// --- starting programs
-// ----------------------------------------------------------------------------
+// --- starting programs ---------------------------------------------------------------------------
 
 TEST_F(ShellTest, startedProgramsLeaveNoZombie) {
     ASSERT_EQ(startProgram({"true"}), 0);
@@ -213,8 +210,7 @@ TEST(StartProgram, tellsWhyItFailed) {
     EXPECT_EQ(startProgram({"/"}), EACCES);
 }
 
-// --- the two commands
-// -----------------------------------------------------------------------------
+// --- the two commands ----------------------------------------------------------------------------
 
 TEST_F(ShellTest, deletesOneRegularFile) {
     folder.write("a b.tmp", "");

@@ -45,8 +45,7 @@ struct Memory {
 
 std::optional<std::string> recordIn(const std::string &bytes) { return Memory{bytes}.record(); }
 
-// --- Windows programs
-// -----------------------------------------------------------------------------
+// --- Windows programs ----------------------------------------------------------------------------
 
 struct PeTest : testing::TestWithParam<bool> {
     PeFile pe = makePe(soundRecord(), GetParam());
@@ -138,8 +137,7 @@ TEST_P(PeTest, survivesEveryByteBeingWrong) {
 INSTANTIATE_TEST_SUITE_P(Version, PeTest, testing::Bool(),
                          [](const auto &row) { return row.param ? "Pe64" : "Pe32"; });
 
-// --- ELF
-// ------------------------------------------------------------------------------------------
+// --- ELF -----------------------------------------------------------------------------------------
 
 // A file of nothing but headers, a name table and the record.
 std::string makeElf(const std::string &record, bool wide, const std::string &sectionName) {
@@ -213,8 +211,7 @@ TEST(ElfVersion, survivesEveryByteBeingWrong) {
     }
 }
 
-// --- files
-// ----------------------------------------------------------------------------------------
+// --- files ---------------------------------------------------------------------------------------
 
 struct VersionFile : testing::Test {
     TempFolder folder;

@@ -26,8 +26,7 @@ protected:
     }
 };
 
-// --- the three ways
-// -----------------------------------------------------------------------------
+// --- the three ways ------------------------------------------------------------------------------
 
 TEST_F(SongFetch, aDoubleClickFetchesIntoTheCacheAndPlays) {
     addSong();
@@ -109,8 +108,7 @@ TEST_F(SongFetch, saysAtOnceThatItFetches) {
     EXPECT_EQ(fakes::FakeWindows::windowOf(form)->refreshes, before + 2);
 }
 
-// --- names
-// --------------------------------------------------------------------------------------
+// --- names ---------------------------------------------------------------------------------------
 
 TEST_F(SongFetch, namesTheFileByTheRecordOrTheLink) {
     struct Case {
@@ -185,8 +183,7 @@ TEST_F(SongFetch, endsTheProgramOverARecordWithTooFewFields) {
     }
 }
 
-// --- refusals
-// -----------------------------------------------------------------------------------
+// --- refusals ------------------------------------------------------------------------------------
 
 TEST_F(SongFetch, saysWhenTheFolderRefuses) {
     addSong();
@@ -272,8 +269,7 @@ TEST_F(SongFetch, saysInTheEndThatItFailedWhateverTheErrorSaid) {
     EXPECT_FALSE(files.hasFile(cached));
 }
 
-// --- during a transfer
-// --------------------------------------------------------------------------
+// --- during a transfer ---------------------------------------------------------------------------
 
 TEST_F(SongFetch, showsWhatItFetchesAndHowFar) {
     addSong();

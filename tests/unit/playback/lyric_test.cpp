@@ -102,8 +102,7 @@ TEST_F(Lyric, IsSearchedFromTheTopAsPlainText) {
     EXPECT_EQ(form().ListIndex(u"AR:"), -1) << "upper and lower case differ";
 }
 
-// --- the desktop line
-// -----------------------------------------------------------------------------------
+// --- the desktop line ----------------------------------------------------------------------------
 
 class DesktopLine : public Lyric {
 protected:

@@ -9,8 +9,7 @@
 namespace velmora {
 namespace {
 
-// --- the seek bar
-// -----------------------------------------------------------------------------------------
+// --- the seek bar --------------------------------------------------------------------------------
 
 TEST_F(MainWindow, SeekBarSeeksWhereItIsReleased) {
     play();
@@ -73,8 +72,7 @@ TEST_F(MainWindow, SeekBarWithNothingOpenShowsTheTextUntilTheNextTick) {
     EXPECT_EQ(main().playInfo_Show.caption(), app.Language().msg_Welcome);
 }
 
-// --- the volume bar
-// ---------------------------------------------------------------------------------------
+// --- the volume bar ------------------------------------------------------------------------------
 
 TEST_F(MainWindow, VolumeBarSetsTheLevelAndAllThreeFills) {
     play();
@@ -128,8 +126,7 @@ TEST_F(MainWindow, MuteHasNoMemory) {
     EXPECT_EQ(media.volume(), 0);
 }
 
-// --- the channel
-// --------------------------------------------------------------------------------------------
+// --- the channel ---------------------------------------------------------------------------------
 
 TEST_F(MainWindow, ChannelCyclesStereoLeftRight) {
     play();

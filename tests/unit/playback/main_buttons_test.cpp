@@ -15,8 +15,7 @@ namespace {
 
 using Positioning = fakes::FakeWindows::Positioning;
 
-// --- other windows
-// --------------------------------------------------------------------------------------------
+// --- other windows -------------------------------------------------------------------------------
 
 TEST_F(MainWindow, TheEditorReadsTheLyricAnewWhetherItIsShownOrHidden) {
     doLrcForm &editor = app.doLrcForm();
@@ -107,8 +106,7 @@ TEST_F(MainWindow, GoToListLeavesTheSelectionOfATrackThatIsNotInTheList) {
     EXPECT_FALSE(app.playList_Form().playList_Item.selected(0));
 }
 
-// --- dragging
-// -----------------------------------------------------------------------------------------------
+// --- dragging ------------------------------------------------------------------------------------
 
 TEST_F(MainWindow, TheReleaseOfAnyButtonTakesBothOffTheTop) {
     app.playList_Form();
@@ -133,8 +131,7 @@ TEST_F(MainWindow, ADragGoesOnWhileASecondButtonIsHeldAsWell) {
     EXPECT_EQ(main().left(), 1650);
 }
 
-// --- the volume bar
-// ---------------------------------------------------------------------------------------
+// --- the volume bar ------------------------------------------------------------------------------
 
 TEST_F(MainWindow, TheLevelIsRoundedToTheNearestAndAHalfToTheEven) {
     play();
@@ -167,8 +164,7 @@ TEST_F(MainWindow, ALevelSetAfterMuteIsTheOneThatTheNextPlayFadesTo) {
     EXPECT_EQ(media.volume(), 600);
 }
 
-// --- the seek bar
-// -----------------------------------------------------------------------------------------
+// --- the seek bar --------------------------------------------------------------------------------
 
 TEST_F(MainWindow, AClickOnItsRightEdgeLeavesCaptionPointerAndLyric) {
     play();

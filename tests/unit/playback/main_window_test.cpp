@@ -19,8 +19,7 @@ namespace {
 
 using Positioning = fakes::FakeWindows::Positioning;
 
-// --- dragging
-// -----------------------------------------------------------------------------------------------
+// --- dragging ------------------------------------------------------------------------------------
 
 TEST_F(MainWindow, DragMovesBothWindowsByTheSame) {
     auto &list = app.playList_Form();
@@ -97,8 +96,7 @@ TEST_F(MainWindow, DoubleClickOnTheFormNeedsPlayEnabledAndOnTheTitleDoesNot) {
     EXPECT_TRUE(app.miniForm().visible());
 }
 
-// --- other windows
-// --------------------------------------------------------------------------------------------
+// --- other windows -------------------------------------------------------------------------------
 
 TEST_F(MainWindow, ListButtonShowsAndDocksThenHidesAndCentres) {
     main().move({6000, 3000, 7200, 3240});

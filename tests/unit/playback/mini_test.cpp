@@ -35,8 +35,7 @@ protected:
     }
 };
 
-// --- transport
-// ----------------------------------------------------------------------------------------
+// --- transport -----------------------------------------------------------------------------------
 
 TEST_F(Mini, PlayReopensAStoppedFileWithoutMainsStop) {
     play();
@@ -219,8 +218,7 @@ TEST_F(Mini, RightReleaseOpensTheMenu) {
     mini().on().MouseUp({forms::rightButton, 0, 1, 1});
 }
 
-// --- the tick
-// -----------------------------------------------------------------------------------------
+// --- the tick ------------------------------------------------------------------------------------
 
 TEST_F(Mini, TickShowsLineTimesAndTitleOfAPlayingTrack) {
     play();
@@ -299,8 +297,7 @@ TEST_F(Mini, RunsFromItsCreationEvery70Milliseconds) {
     EXPECT_EQ(mini().Timer1.interval(), 70);
 }
 
-// --- the slide
-// ----------------------------------------------------------------------------------------
+// --- the slide -----------------------------------------------------------------------------------
 
 TEST_F(Mini, StaysWhileThePointerIsOnIt) {
     tick();

@@ -136,8 +136,7 @@ TEST_F(Opening, TellsTheTitleInTheTrayTip) {
     EXPECT_EQ(tip.data.tip, app.Main().title.caption() + u"\r\n" + u"a");
 }
 
-// --- a refused open
-// ---------------------------------------------------------------------------------
+// --- a refused open ------------------------------------------------------------------------------
 
 TEST_F(Opening, ThatTheEngineRefusesClosesTheOldMediumAndKeepsTheOldTitle) {
     openAndPlay(addTrack(u"/music/a.mp3"));
@@ -190,8 +189,7 @@ TEST_F(Opening, EndsWithTheResultReachedWhenAnErrorIsRaisedAfterTheEngineOpened)
     EXPECT_EQ(app.setControl().get_LastPlayFile(), u"/music/a.mp3");
 }
 
-// --- the RealPlayer family
-// --------------------------------------------------------------------------
+// --- the RealPlayer family -----------------------------------------------------------------------
 
 class OpeningRealPlayerKind : public ProgramFixture,
                               public ::testing::WithParamInterface<const char16_t *> {};
@@ -220,8 +218,7 @@ TEST_F(Opening, OfARealPlayerFileThenPlayBringsTheStoppedLook) {
     EXPECT_FALSE(app.lrcForm().Timer1.running());
 }
 
-// --- the device by the extension
-// --------------------------------------------------------------------
+// --- the device by the extension -----------------------------------------------------------------
 
 struct DeviceCase {
     const char16_t *path;
@@ -258,8 +255,7 @@ INSTANTIATE_TEST_SUITE_P(
                       DeviceCase{u"/m/ends.", u"MPEGVideo"},
                       DeviceCase{u"/m.rm/plain", u"MPEGVideo"}, DeviceCase{u"", u"MPEGVideo"}));
 
-// --- closing
-// ----------------------------------------------------------------------------------------
+// --- closing -------------------------------------------------------------------------------------
 
 using Closing = ProgramFixture;
 

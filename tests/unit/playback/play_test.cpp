@@ -161,8 +161,7 @@ TEST_F(Playing, EndsAtOnceOnABarWithoutWidth) {
     EXPECT_EQ(media.actions(), (Texts{volume(0), u"play NOWMUSIC"}));
 }
 
-// --- the channel
-// --------------------------------------------------------------------------------------
+// --- the channel ---------------------------------------------------------------------------------
 
 struct ChannelCase {
     std::int16_t channel;
@@ -194,8 +193,7 @@ TEST_F(Playing, SurvivesAChannelAcrossTwoTracks) {
     EXPECT_EQ(media.source(), u"right");
 }
 
-// --- answers of the wrappers
-// --------------------------------------------------------------------------
+// --- answers of the wrappers ---------------------------------------------------------------------
 
 TEST_F(Playing, WrappersAnswerMinusOneOnSuccess) {
     EXPECT_EQ(app.player().set_Volume(500), -1);
@@ -212,8 +210,7 @@ TEST_F(Playing, WrappersAnswer0WithNothingOpen) {
     EXPECT_EQ(app.player().seek_To(1000), 0);
 }
 
-// --- seeking
-// ------------------------------------------------------------------------------------------
+// --- seeking -------------------------------------------------------------------------------------
 
 TEST_F(Playing, ASeekRepeatsTheWholePlaySequence) {
     app.player().seek_To(30'000);
@@ -237,8 +234,7 @@ TEST_F(Playing, ASeekThatTheEngineRefusesPlaysNothing) {
     EXPECT_EQ(media.texts(), (Texts{u"seek NOWMUSIC to 60001", u"seek NOWMUSIC to -1"}));
 }
 
-// --- re-entry
-// -----------------------------------------------------------------------------------------
+// --- re-entry ------------------------------------------------------------------------------------
 
 TEST_F(Playing, ASecondSeekRunsWithinTheFirstOnesFade) {
     setVolumeBar(12);

@@ -43,8 +43,7 @@ protected:
     Texts support() { return linesBehind(app.Language().msg_Extended_List.data()); }
 };
 
-// --- is there a device
-// --------------------------------------------------------------------------------
+// --- is there a device ---------------------------------------------------------------------------
 
 TEST_F(SoundCheck, AnswersFalseWithoutADeviceAndTrueWithOneOrMore) {
     EXPECT_EQ(form().get_CheckResult(), 0);
@@ -73,8 +72,7 @@ TEST_F(SoundCheck, WithADeviceItsControlsStand) {
     EXPECT_TRUE(app.MenuForm().check_SoundDriver.enabled());
 }
 
-// --- the list
-// ------------------------------------------------------------------------------------------
+// --- the list ------------------------------------------------------------------------------------
 
 TEST_F(SoundCheck, ListsNameNumbersVersionChannelsFormatsAndAbilities) {
     device() = {1, 2, 0x1001, u"Card", 0x003, 2, 4 | 8};
@@ -206,8 +204,7 @@ TEST_F(SoundCheck, ReplacesWhateverStoodThere) {
     EXPECT_EQ(lines().front(), u"Name：Card");
 }
 
-// --- failures
-// -----------------------------------------------------------------------------------------
+// --- failures ------------------------------------------------------------------------------------
 
 TEST_F(SoundCheck, WithoutADeviceAPressLeavesTheTextAndSaysNothing) {
     form().checkResult_Text.setText(u"as it was");
@@ -234,8 +231,7 @@ TEST_F(SoundCheck, ADevicePulledOutSinceTheStartLeavesTheText) {
     EXPECT_EQ(press(), before);
 }
 
-// --- the window
-// ----------------------------------------------------------------------------------------
+// --- the window ----------------------------------------------------------------------------------
 
 TEST_F(SoundCheck, IsShownByMainsButtonAndTheMenuWithAnEmptyList) {
     start();

@@ -5,8 +5,7 @@
 namespace velmora {
 namespace {
 
-// --- list and last file
-// ---------------------------------------------------------------------------------------
+// --- list and last file --------------------------------------------------------------------------
 
 TEST_F(Start, WithoutAListIsIdle) {
     app.start();

@@ -15,8 +15,7 @@
 namespace velmora {
 namespace {
 
-// --- the texts
-// ----------------------------------------------------------------------------------------
+// --- the texts -----------------------------------------------------------------------------------
 
 // Notes what the splash says each time it is painted, and what had been done by then.
 struct Said {
@@ -113,8 +112,7 @@ TEST_F(SayingStart, DoesEachStagesWorkBehindItsText) {
     EXPECT_EQ(said[4].soundQueries, 1);
 }
 
-// --- what stands afterwards
-// -----------------------------------------------------------------------------
+// --- what stands afterwards ----------------------------------------------------------------------
 
 TEST_F(Start, HidesTheSplashAndShowsMain) {
     app.start();
@@ -263,8 +261,7 @@ TEST_F(Start, LeavesTheDesignedFontsOnAFreshMachine) {
     EXPECT_EQ(app.Main().lrc_Text.font(), other);
 }
 
-// --- update
-// ------------------------------------------------------------------------------------------------
+// --- update --------------------------------------------------------------------------------------
 
 TEST_F(Start, LooksForAnUpdateSilently) {
     set(u"AutoUpadate", u"1");
@@ -274,8 +271,7 @@ TEST_F(Start, LooksForAnUpdateSilently) {
     EXPECT_TRUE(app.Main().visible());
 }
 
-// --- sound card, safe mode
-// ----------------------------------------------------------------------------------
+// --- sound card, safe mode -----------------------------------------------------------------------
 
 TEST_F(Start, WithoutASoundCardSaysSoAndGoesOnWithoutItsControls) {
     fake.waveOut.devices.clear();
@@ -323,8 +319,7 @@ TEST_F(Start, InAnyOtherModeSaysNothing) {
     EXPECT_TRUE(windows.boxes.empty());
 }
 
-// --- play mode and welcome
-// ------------------------------------------------------------------------------------
+// --- play mode and welcome -----------------------------------------------------------------------
 
 TEST_F(Start, TakesTheStoredSettings) {
     set(u"PlayMode", u"1");

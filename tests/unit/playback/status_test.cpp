@@ -135,8 +135,7 @@ TEST_F(Status, OfAnEndFollowedByAFailingTrackTriesNoFurtherOne) {
     EXPECT_EQ(app.player().nowPlay_Index, 2);
 }
 
-// --- the order of tracks
-// ----------------------------------------------------------------------------
+// --- the order of tracks -------------------------------------------------------------------------
 
 using Order = Status;
 
@@ -280,8 +279,7 @@ TEST_F(Order, RandomIsReseededFromTheClockAtEachCall) {
     EXPECT_EQ(at(1000), first);
 }
 
-// --- the end of a track inside a pump
-// ---------------------------------------------------------------
+// --- the end of a track inside a pump ------------------------------------------------------------
 
 TEST_F(Order, ATrackThatEndsInsideAFadeIsFollowedFromWithinThePump) {
     setVolumeBar(12);

@@ -68,8 +68,7 @@ TEST_F(TickErrors, AStoppedLookOfTheLengthDoesNotKeepTheStateFromBeingShown) {
     EXPECT_TRUE(main().pauseButton.visible());
 }
 
-// --- windows that nobody sees
-// ---------------------------------------------------------------------------------------------
+// --- windows that nobody sees --------------------------------------------------------------------
 
 TEST_F(TickErrors, TheScrollBarsOfHiddenWindowsAreLeft) {
     const auto expectLeft = [this](auto &window, forms::ListBox &list) {

@@ -31,8 +31,7 @@ protected:
     }
 };
 
-// --- with nothing open
-// ------------------------------------------------------------------------------
+// --- with nothing open ---------------------------------------------------------------------------
 
 TEST_F(Tick, WithNothingOpenSetsTheStoppedLook) {
     main().playInfo_Show.setCaption(u"x");
@@ -70,8 +69,7 @@ TEST_F(Tick, ThatChangesNothingWhilePausedDrawsNothing) {
     EXPECT_EQ(window->paints, paints);
 }
 
-// --- playing
-// ------------------------------------------------------------------------------------------
+// --- playing -------------------------------------------------------------------------------------
 
 TEST_F(Tick, WhilePlayingShowsStateTimesAndTitle) {
     play();
@@ -124,8 +122,7 @@ TEST_F(Tick, WhilePausedAsksTheModeTwice) {
     EXPECT_EQ(media.count(u"status NOWMUSIC mode"), 2U);
 }
 
-// --- the end of a track
-// -------------------------------------------------------------------------------
+// --- the end of a track --------------------------------------------------------------------------
 
 TEST_F(Tick, AtATracksEndStartsTheNextAndShowsTheStoppedLookForOneTick) {
     play();
@@ -172,8 +169,7 @@ TEST_F(Tick, RunsByItsTimerEvery70Milliseconds) {
 
 TEST_F(Tick, IsOffAtDesign) { EXPECT_FALSE(main().Timer1.running()); }
 
-// --- the lyric line
-// -----------------------------------------------------------------------------------
+// --- the lyric line ------------------------------------------------------------------------------
 
 TEST_F(Tick, CentresALineThatFits) {
     play();
@@ -245,8 +241,7 @@ TEST_F(Tick, TheSameWideLineGoesOnWhereItWas) {
     EXPECT_EQ(main().lrc_Text.left(), -150);
 }
 
-// --- the title
-// ----------------------------------------------------------------------------------------
+// --- the title -----------------------------------------------------------------------------------
 
 TEST_F(Tick, RollsAWideTitleInStepsOf30AndDoesNotRestartItForANewOne) {
     play();
@@ -291,8 +286,7 @@ TEST_F(Tick, CentresATitleThatFits) {
               main().nameBox.width() / 2 - main().playInfo_Show.width() / 2);
 }
 
-// --- scroll bars
-// --------------------------------------------------------------------------------------
+// --- scroll bars ---------------------------------------------------------------------------------
 
 template <typename Window> void expectBar(Window &window, bool visible) {
     EXPECT_EQ(window.P1.visible(), visible);
@@ -422,8 +416,7 @@ TEST_F(Tick, AloneWritesWhetherTheLyricEditorIsOpen) {
     EXPECT_EQ(app.player().isDoLrc_Open, 0);
 }
 
-// --- the rolling caption
-// --------------------------------------------------------------------------------
+// --- the rolling caption -------------------------------------------------------------------------
 
 class Caption : public Tick {
 protected:

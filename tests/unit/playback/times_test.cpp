@@ -127,8 +127,7 @@ TEST_F(Times, ForTheLyricStopGrowingAt32767Units) {
     EXPECT_EQ(app.player().pos_MMSS.size(), 32767U);
 }
 
-// --- seek bars
-// ----------------------------------------------------------------------------------------
+// --- seek bars -----------------------------------------------------------------------------------
 
 class SeekBar : public Times {
 protected:

@@ -131,8 +131,7 @@ TEST_F(Title, HasNoRowAheadForAFileThatIsNotInTheList) {
     EXPECT_EQ(app.player().nowPlay_Title, u"other");
 }
 
-// --- the stem
-// -----------------------------------------------------------------------------------------
+// --- the stem ------------------------------------------------------------------------------------
 
 struct StemCase {
     const char16_t *path;
@@ -155,8 +154,7 @@ INSTANTIATE_TEST_SUITE_P(
                       StemCase{u"/m/with\\slash.mp3", u"with\\slash"},
                       StemCase{u"/m/歌曲.mp3", u"歌曲"}));
 
-// --- the facts of the file
-// ------------------------------------------------------------------------
+// --- the facts of the file -----------------------------------------------------------------------
 
 class FileFacts : public ProgramFixture {
 protected:
@@ -206,8 +204,7 @@ TEST_F(FileFacts, AreShownAtEachOpen) {
     EXPECT_EQ(shown()[0], u"Track Name：a");
 }
 
-// --- the row of a file
-// ------------------------------------------------------------------------------
+// --- the row of a file ---------------------------------------------------------------------------
 
 class RowOfFile : public ProgramFixture {
 protected:

@@ -23,8 +23,7 @@ protected:
     Main &main() { return app.Main(); }
 };
 
-// --- play
-// ---------------------------------------------------------------------------------------------
+// --- play ----------------------------------------------------------------------------------------
 
 TEST_F(Transport, PlayReopensAStoppedFile) {
     openAndPlay(u"/m/a.mp3");
@@ -80,8 +79,7 @@ TEST_F(Transport, PlayStartsATrackAgainThatEndedWithoutAutoPlay) {
     EXPECT_EQ(media.positionMs(), 0);
 }
 
-// --- the others
-// -----------------------------------------------------------------------------------------
+// --- the others ----------------------------------------------------------------------------------
 
 TEST_F(Transport, PauseSendsOneCommand) {
     openAndPlay(u"/m/a.mp3");
@@ -128,8 +126,7 @@ TEST_F(Transport, NextAndPreviousDrawInRandomModeButNeverTheLastRow) {
     }
 }
 
-// --- the stopped look
-// -----------------------------------------------------------------------------------
+// --- the stopped look ----------------------------------------------------------------------------
 
 TEST_F(Transport, TheStoppedLookIsTheSameSixSettingsOnBothWindows) {
     main().setCaption(u"rolling");
@@ -172,8 +169,7 @@ TEST_F(Transport, TheStoppedLookIsTheSameSixSettingsOnBothWindows) {
     EXPECT_EQ(app.lrcForm().lrc_Text.caption(), u"");
 }
 
-// --- a file that was picked
-// -----------------------------------------------------------------------------
+// --- a file that was picked ----------------------------------------------------------------------
 
 TEST_F(Transport, APickedFileIsAppendedPlayedAndSaved) {
     addTrack(u"/m/new.mp3");

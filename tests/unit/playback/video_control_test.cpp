@@ -5,8 +5,7 @@
 namespace velmora {
 namespace {
 
-// --- keys
-// ---------------------------------------------------------------------------------------------
+// --- keys ----------------------------------------------------------------------------------------
 
 TEST_F(Video, EscapeLeavesFullScreenThenHides) {
     play();
@@ -111,8 +110,7 @@ TEST_F(Video, F5AndF6StepThroughTheList) {
     EXPECT_EQ(media.openPath(), u"/m/a.mp3");
 }
 
-// --- buttons and tick
-// -----------------------------------------------------------------------------------
+// --- buttons and tick ----------------------------------------------------------------------------
 
 TEST_F(Video, ButtonsOfTheStripActOnTheOneTransport) {
     play();

@@ -5,8 +5,7 @@
 namespace velmora {
 namespace {
 
-// --- layout
-// -------------------------------------------------------------------------------------------
+// --- layout --------------------------------------------------------------------------------------
 
 TEST_F(Video, StripStandsAtTheFootAndTakesItsHeightFromThePicture) {
     inEachSize([this](Twips wide, Twips high, bool full) {
@@ -126,8 +125,7 @@ TEST_F(Video, NothingOfTheStripLiesOutsideIt) {
     });
 }
 
-// --- sizes
-// --------------------------------------------------------------------------------------------
+// --- sizes ---------------------------------------------------------------------------------------
 
 TEST_F(Video, FullScreenCoversTheScreenAndHidesTheTitleRow) {
     play();

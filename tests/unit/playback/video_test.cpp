@@ -110,8 +110,7 @@ TEST_F(OwnWindow, OfARealPlayerFileIsNotAsked) {
     EXPECT_EQ(media.texts(), Texts{u"close NOWMUSIC"});
 }
 
-// --- put
-// --------------------------------------------------------------------------------------------
+// --- put -----------------------------------------------------------------------------------------
 
 TEST_F(OwnWindow, PutSendsTheRectangleAsDecimals) {
     app.player().open_File(u"/m/film.avi");
@@ -161,8 +160,7 @@ TEST_F(OwnWindow, ClosedByTheUserIsOnlyHiddenAndTheSoundGoesOn) {
     EXPECT_TRUE(media.commands().empty());
 }
 
-// --- letting go
-// -------------------------------------------------------------------------------------
+// --- letting go ----------------------------------------------------------------------------------
 
 TEST_F(OwnWindow, MayBeLetGoByAHandlerOfItsOwn) {
     auto &window = app.VideoScreen_Form();

@@ -161,8 +161,7 @@ TEST_F(FilesAndShell, RemovingAndMakingAreCommandLinesWithAQuotedPath) {
     EXPECT_TRUE(files.hasFolder(u"/new/folder"));
 }
 
-// --- what brackets an operation on the list
-// --------------------------------------------------------
+// --- what brackets an operation on the list ------------------------------------------------------
 
 TEST_F(FilesAndShell, OperationsDisableTheListItsButtonsAndTheWayBackToTheTrack) {
     playList_Form &form = app.playList_Form();

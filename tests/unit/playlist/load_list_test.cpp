@@ -33,8 +33,7 @@ protected:
     }
 };
 
-// --- lines
-// -----------------------------------------------------------------------------------------
+// --- lines ---------------------------------------------------------------------------------------
 
 TEST_F(LoadingTheList, EachLineBecomesARowWithItsStem) {
     EXPECT_THAT(loaded("/m/a.mp3\r\n/m/b.c.ogg\r\n"), ElementsAre(u"/m/a.mp3", u"/m/b.c.ogg"));
@@ -133,8 +132,7 @@ TEST_F(LoadingTheList, APathWhosePointStandsInAFolderNameHasAnEmptyName) {
     EXPECT_THAT(names(), ElementsAre(u""));
 }
 
-// --- encodings
-// -------------------------------------------------------------------------------------
+// --- encodings -----------------------------------------------------------------------------------
 
 TEST_F(LoadingTheList, AListInUtf8IsReadAsSuch) {
     EXPECT_THAT(loaded("/音乐/晚霞.mp3\r\n"), ElementsAre(u"/音乐/晚霞.mp3"));

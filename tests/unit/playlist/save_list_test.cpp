@@ -128,8 +128,7 @@ TEST_F(SavingTheList, NamesThatAreNoTextSurviveSavingAndLoading) {
         EXPECT_EQ(app.playList_Form().List1.list(row), odd[row]);
 }
 
-// --- failing disks
-// ---------------------------------------------------------------------------------
+// --- failing disks -------------------------------------------------------------------------------
 
 TEST_F(SavingTheList, AFolderThatIsMissingIsNoMessageAndTheListGoesOn) {
     app.setControl().Path_List = u"/gone";
@@ -189,8 +188,7 @@ TEST_F(SavingTheList, WithoutAFolderNothingIsWrittenAnywhere) {
     EXPECT_EQ(files.calls("writeWhole"), 0);
 }
 
-// --- a load that left lines behind
-// -----------------------------------------------------------------
+// --- a load that left lines behind ---------------------------------------------------------------
 
 TEST_F(SavingTheList, AfterALoadThatBrokeOffTheFirstSaveKeepsTheOldFile) {
     files.addFile(listFile, "/m/a.mp3\r\n/m/b.mp3\r\n/m/c.mp3\r\n");

@@ -195,8 +195,7 @@ TEST_F(Tags, ALatin1TagShowsAsTheLegacyPageReadsIt) {
     EXPECT_NE(title(), u"café noir");
 }
 
-// --- genres
-// ----------------------------------------------------------------------------------------
+// --- genres --------------------------------------------------------------------------------------
 
 TEST_F(Tags, TheNumberingStandsOneBelowTheStandards) {
     const std::pair<int, const char16_t *> cases[] = {

@@ -23,8 +23,7 @@ protected:
     }
 };
 
-// --- one file
-// ----------------------------------------------------------------------------------
+// --- one file ------------------------------------------------------------------------------------
 
 TEST_F(Adding, AFileInTheListWhoseStemIsEmptyChangesNoSelectionAndSaysNothing) {
     addRowOnly(u"/m.d/song");
@@ -80,8 +79,7 @@ TEST_F(Adding, TheMainWindowsButtonsGoOnWhileOneFileIsAdded) {
     EXPECT_TRUE(mainPlay);
 }
 
-// --- a folder
-// ----------------------------------------------------------------------------------
+// --- a folder ------------------------------------------------------------------------------------
 
 TEST_F(Adding, AnAnswerOfTwoCharactersIsNoFolder) {
     files.addFile(u"x/a.mp3");
@@ -204,8 +202,7 @@ TEST_F(Adding, AFolderThatIsAddedAgainAddsNothing) {
     EXPECT_EQ(selectedNames(), (Texts{u"a", u"b"}));
 }
 
-// --- a drop
-// ------------------------------------------------------------------------------------
+// --- a drop --------------------------------------------------------------------------------------
 
 TEST_F(Adding, ADropDeselectsWithoutAPumpForEachRow) {
     for (const auto *path : {u"/m/1.mp3", u"/m/2.mp3", u"/m/3.mp3"}) {

@@ -41,8 +41,7 @@ using Copying = Rules;
 using Playing = Rules;
 using Scrolling = Rules;
 
-// --- removing
-// ----------------------------------------------------------------------------------
+// --- removing ------------------------------------------------------------------------------------
 
 TEST_F(Removing, EveryRowIsForTheDiskAlone) {
     addRow(u"/m/a.mp3");
@@ -159,8 +158,7 @@ TEST_F(Removing, NextAndPreviousGoOnFromTheOldIndex) {
     EXPECT_EQ(media.openPath(), u"/m/d.mp3") << "the third row now";
 }
 
-// --- renaming
-// ----------------------------------------------------------------------------------
+// --- renaming ------------------------------------------------------------------------------------
 
 TEST_F(Renaming, ThePrefixEndsAtTheFirstPoint) {
     addRow(u"/m/01.a.b.mp3");
@@ -257,8 +255,7 @@ TEST_F(Renaming, TheCurrentRowIsRenamedThoughOthersAreSelectedToo) {
     EXPECT_EQ(pathRows(), (Texts{u"/m/a.mp3", u"/m/c.mp3"}));
 }
 
-// --- copying
-// -----------------------------------------------------------------------------------
+// --- copying -------------------------------------------------------------------------------------
 
 TEST_F(Copying, AnAnswerOfTwoCharactersIsNoFolder) {
     addRow(u"/m/a.mp3");
@@ -280,8 +277,7 @@ TEST_F(Copying, TheButtonThatFindsTheTrackIsStillMeanwhile) {
     EXPECT_TRUE(app.Main().song_GoTo_List.enabled());
 }
 
-// --- playing a row
-// -----------------------------------------------------------------------------
+// --- playing a row -------------------------------------------------------------------------------
 
 TEST_F(Playing, TheCurrentRowIsPlayedAndNotTheFirstSelected) {
     addRow(u"/m/a.mp3");
@@ -303,8 +299,7 @@ TEST_F(Playing, ARowWhoseFileIsGoneStopsTheMusicAndCountsAllTheSame) {
     EXPECT_EQ(app.player().nowPlay_Index, 2);
 }
 
-// --- the window
-// --------------------------------------------------------------------------------
+// --- the window ----------------------------------------------------------------------------------
 
 TEST_F(Playing, ItsLoadGivesTheFontAndEmptiesTheNames) {
     const forms::Font other(u"Serif", 20);
@@ -344,8 +339,7 @@ TEST_F(Playing, TheReleaseOfTheRightButtonOnTheTitleRestoresTheOrderToo) {
     EXPECT_EQ(windows.positionings[1].insertAfter, platform::HWND_NOTOPMOST);
 }
 
-// --- the scroll bar
-// ----------------------------------------------------------------------------
+// --- the scroll bar ------------------------------------------------------------------------------
 
 TEST_F(Scrolling, AThumbOutsideItsTrackIsPutAtTheEdgeWithoutTheMove) {
     fill(40);

@@ -62,8 +62,7 @@ struct SqliteFile : testing::Test {
     }
 };
 
-// --- values as they are kept
-// ----------------------------------------------------------------------
+// --- values as they are kept ---------------------------------------------------------------------
 
 TEST_F(SqliteFile, keepsTypeAndByteCount) {
     SqliteRegistry registry(file, ansi);
@@ -154,8 +153,7 @@ TEST_F(SqliteFile, takesDoubledSeparatorsInKeysForOne) {
     EXPECT_EQ(get(registry, u"v"), u"x");
 }
 
-// --- the file
-// -------------------------------------------------------------------------------------
+// --- the file ------------------------------------------------------------------------------------
 
 TEST_F(SqliteFile, isMadeWithItsFoldersAtTheFirstUse) {
     SqliteRegistry registry(file, ansi);
@@ -224,8 +222,7 @@ TEST_F(SqliteFile, survivesBeingKilledInTheMiddleOfManyWrites) {
     }
 }
 
-// --- damage
-// ---------------------------------------------------------------------------------------
+// --- damage --------------------------------------------------------------------------------------
 
 struct Damage {
     const char *name;
@@ -320,8 +317,7 @@ TEST_F(SqliteFile, anEmptyFileIsAFreshOne) {
     EXPECT_TRUE(damaged().empty());
 }
 
-// --- no way to it
-// ---------------------------------------------------------------------------------
+// --- no way to it --------------------------------------------------------------------------------
 
 TEST_F(SqliteFile, failsQuicklyWhileAnotherProcessHoldsTheLock) {
     makeSound();
@@ -440,8 +436,7 @@ TEST_F(SqliteFile, keepsWhatItHasWhenTheDiskIsFull) {
     EXPECT_TRUE(damaged().empty());
 }
 
-// --- cost
-// -----------------------------------------------------------------------------------------
+// --- cost ----------------------------------------------------------------------------------------
 
 TEST_F(SqliteFile, opensAndReadsInAFewMilliseconds) {
     makeSound();

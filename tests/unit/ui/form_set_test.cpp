@@ -31,8 +31,7 @@ protected:
     playList_Form &list() { return app.playList_Form(); }
 };
 
-// --- shape and order
-// ----------------------------------------------------------------------------------
+// --- shape and order -----------------------------------------------------------------------------
 
 TEST_F(Windows, HaveTheKeyColourFromTheirLoading) {
     const forms::Form *const forms[] = {&app.Main(),
@@ -75,8 +74,7 @@ TEST_F(Windows, OfMiniAndLyricAreOnTopFromTheirLoading) {
     EXPECT_TRUE(app.lrcForm().topmost());
 }
 
-// --- dragging
-// -----------------------------------------------------------------------------------------
+// --- dragging ------------------------------------------------------------------------------------
 
 TEST_F(Windows, AreDraggedByThePointersPlaceOnTheScreen) {
     auto &form = app.check_SoundDriver_Form();
@@ -128,8 +126,7 @@ TEST_F(Windows, MayBeDraggedOffTheScreen) {
     EXPECT_EQ(form.top(), -410 * 15);
 }
 
-// --- docking
-// ------------------------------------------------------------------------------------------
+// --- docking -------------------------------------------------------------------------------------
 
 TEST_F(Windows, ReadWorkAreaAndTaskBarInPixels) {
     windows.workArea = {1, 2, 1001, 702};
@@ -182,8 +179,7 @@ TEST_F(Windows, DockOffANarrowScreenWithoutAClamp) {
     EXPECT_EQ(list().left(), 3600);
 }
 
-// --- tray
-// ---------------------------------------------------------------------------------------------
+// --- tray ----------------------------------------------------------------------------------------
 
 class Tray : public Windows {
 protected:
@@ -296,8 +292,7 @@ TEST_F(Tray, OtherMessagesGoToTheProcedureBeforeAndGiveItsAnswer) {
     EXPECT_FALSE(main().visible());
 }
 
-// --- the settings window
-// --------------------------------------------------------------------------------
+// --- the settings window -------------------------------------------------------------------------
 
 TEST_F(Windows, OfTheSettingsShowsTheStoredValuesWithAutoPlayInverted) {
     const auto key = u"SOFTWARE\\Norvane\\zkPlayer\\playSet";
@@ -336,8 +331,7 @@ TEST_F(Windows, OfTheSettingsReadsEachValueForEachOfItsTests) {
     }
 }
 
-// --- the about window
-// -----------------------------------------------------------------------------------
+// --- the about window ----------------------------------------------------------------------------
 
 TEST_F(Windows, OfAboutGivesItsOpenerBackOnClosing) {
     for (const char16_t *caller : {u"main", u"playlist_Form", u"MAIN"}) {

@@ -212,8 +212,7 @@ TEST_F(Keys, OfMainsWindowReachTheTable) {
     EXPECT_EQ(media.mode(), u"paused");
 }
 
-// --- menus
-// ----------------------------------------------------------------------------------------------
+// --- menus ---------------------------------------------------------------------------------------
 
 class MenuEntries : public Keys {
 protected:

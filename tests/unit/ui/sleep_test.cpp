@@ -81,8 +81,7 @@ TEST_F(Sleep, MayRunInsideAnother) {
     EXPECT_EQ(fake.waitableTimers.openTimers(), 0U);
 }
 
-// --- the due time
-// -------------------------------------------------------------------------------------
+// --- the due time --------------------------------------------------------------------------------
 
 std::int64_t whole(DueTime due) {
     return static_cast<std::int64_t>(

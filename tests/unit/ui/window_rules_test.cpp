@@ -37,8 +37,7 @@ protected:
     }
 };
 
-// --- keys
-// --------------------------------------------------------------------------------------
+// --- keys ----------------------------------------------------------------------------------------
 
 TEST_F(WindowRules, TheListsNameIsComparedInUpperCaseToo) {
     app.playList_Form().playList_Item.setSelected(2, true);
@@ -132,8 +131,7 @@ TEST_F(WindowRules, NoKeyOfTheTableWorksOnTheListAloneAndInMainAlikeButF2AndF7) 
     EXPECT_EQ(media.openPath(), u"/m/a.mp3");
 }
 
-// --- menus
-// -------------------------------------------------------------------------------------
+// --- menus ---------------------------------------------------------------------------------------
 
 TEST_F(WindowRules, TheRemovalOfTheMenuSavesEvenWithNothingSelected) {
     app.setControl().init_PlaySet();
@@ -172,8 +170,7 @@ TEST_F(WindowRules, TheMenusModeBringsTheListBackThatWasOpen) {
     EXPECT_EQ(app.playList_Form().left(), app.Main().left() + app.Main().width());
 }
 
-// --- docking
-// -----------------------------------------------------------------------------------
+// --- docking -------------------------------------------------------------------------------------
 
 TEST_F(WindowRules, TheUndockedMainWindowIsCentredByTheWorkAreasRightEdgeAlone) {
     windows.workArea = {100, 50, 1380, 760};
@@ -202,8 +199,7 @@ TEST_F(WindowRules, UndockingLeavesTheListWhereItIs) {
     EXPECT_EQ(app.playList_Form().top(), 800);
 }
 
-// --- dragging
-// ----------------------------------------------------------------------------------
+// --- dragging ------------------------------------------------------------------------------------
 
 TEST_F(WindowRules, ThePlaceOfAPressIsRoundedToAWholeTwip) {
     windows.cursorFails = true;
@@ -238,8 +234,7 @@ TEST_F(WindowRules, ADragKeepsTheWindowsSize) {
     EXPECT_EQ(form.height(), before.height);
 }
 
-// --- the settings window
-// -----------------------------------------------------------------------
+// --- the settings window -------------------------------------------------------------------------
 
 TEST_F(WindowRules, AStoredValueThatIsNeitherYesNorNoLeavesItsBox) {
     const auto *const key = u"SOFTWARE\\Norvane\\zkPlayer\\playSet";
@@ -258,8 +253,7 @@ TEST_F(WindowRules, AStoredValueThatIsNeitherYesNorNoLeavesItsBox) {
     }
 }
 
-// --- the tray
-// ----------------------------------------------------------------------------------
+// --- the tray ------------------------------------------------------------------------------------
 
 TEST_F(WindowRules, ATraysLeftClickPrefersAMinimisedMainToTheMiniStrip) {
     app.formSet().tray_Add(app.Main());
