@@ -5,6 +5,8 @@
 #include "base/numbers.h"
 #include "base/run_time_error.h"
 
+#include <chrono>
+
 namespace velmora {
 namespace {
 
@@ -309,6 +311,16 @@ TEST_F(LyricSearch, scannedAgainGoesStraightToTheFurtherPages) {
     EXPECT_TRUE(passOver([this] { search.scanLrcPages(first); }));
     EXPECT_EQ(countLog(u"XmlHttpGet"), 1);
     EXPECT_EQ(rows(), Texts{rowA(5)});
+}
+
+TEST_F(LyricSearch, ofTenMegabytesOfMarkersTakesATimeThatGrowsWithThePageAlone) {
+    std::string page;
+    for (int i = 0; i < 2'500'000; ++i)
+        page += "HREF";
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_TRUE(searchPage(page));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20)); // usually 0.2
+    EXPECT_EQ(rows(), Texts());
 }
 
 // --- meanwhile ----------------------------------------------------------------------------------
