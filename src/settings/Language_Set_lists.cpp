@@ -26,7 +26,7 @@ constexpr Row<playList_Form_Design> listRows[] = {
      {u"添加文件夹", u"AddFolder", u"+ Dossier", u"フォルダー追加"}},
     {caption<&playList_Form::delIndx>, {u"移出列表", u"OutList", u"Retirer", u"リストから削除"}},
     {caption<&playList_Form::delAll>,
-     {u"清空列表", u"ClearList", u"Vider la liste", u"リストを空に"}},
+     {u"清空列表", u"ClearList", u"Vider la liste", u"リストをクリア"}},
     {caption<&playList_Form::Search>, findTracks},
     {caption<&playList_Form::Alter>, changeTrack},
 };

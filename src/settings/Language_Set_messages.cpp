@@ -33,7 +33,7 @@ constexpr Texts mediaFilter{
 constexpr Row<Language> messageRows[] = {
     {field<&Language::msg_Cannot_Start>,
      {u"无法启动程序，可能文件已不存在！", u"Unable to start program, you may file does not exist!",
-      u"Impossible de démarrer le programme, le fichier n'existe peut-être plus\u00A0!",
+      u"Impossible de démarrer le programme\u00A0: le fichier n'existe peut-être plus\u00A0!",
       u"プログラムを起動できません。ファイルが存在しない可能性があります。"}},
     {field<&Language::msg_Upgrade_Ask>,
      {u"程序升级：\r\n\r\n   您当前启动的Velmora程序过旧，强烈建议您将程序升级，"
@@ -45,7 +45,7 @@ constexpr Row<Language> messageRows[] = {
       u"Mise à jour\u00A0:\r\n\r\n   Votre version de Velmora est trop ancienne. Nous vous "
       u"conseillons vivement de la mettre à jour pour profiter de toutes les fonctions.\r\n   La "
       u"mise à jour se fait en arrière-plan, merci de patienter.\r\n\r\nMettre le programme à "
-      u"jour vers\u00A0: 【",
+      u"jour vers la version 【",
       u"プログラムの更新：\r\n\r\n   お使いのVelmoraは古いバージョンです。すべての機能をご利"
       u"用いただくため、更新を強くお勧めします。\r\n   更新はバックグラウンドで行われます。"
       u"しばらくお待ちください。\r\n\r\n次のバージョンに更新しますか：【"}},
@@ -85,14 +85,14 @@ constexpr Row<Language> messageRows[] = {
     {field<&Language::msg_Rename_Prompt>,
      {u"请输入新的名称【文件名将随之更改】：",
       u"Please enter a new name【File name will be changed accordingly】",
-      u"Entrez le nouveau nom【le fichier sera renommé】\u00A0:",
+      u"Saisissez le nouveau nom (le fichier sera renommé)\u00A0:",
       u"新しい名前を入力してください【ファイル名も変わります】："}},
     {field<&Language::msg_Rename_Title>,
      {u"修改文件名", u"Modify the file name", u"Renommer le fichier", u"ファイル名の変更"}},
     {field<&Language::msg_Find_Prompt>,
      {u"请输入包含歌曲名称的字【英文曲目区分大小写】",
       u"Please enter the word contains the song name【English tracks are case-sensitive】",
-      u"Entrez une partie du nom【majuscules et minuscules comptent】",
+      u"Saisissez une partie du nom (majuscules et minuscules distinguées)",
       u"曲名に含まれる文字を入力してください【英字は大文字小文字を区別】"}},
     {field<&Language::msg_Find_Title>,
      {u"在列表中查找曲目", u"Tracks in the list to find", u"Rechercher un morceau dans la liste",
@@ -107,13 +107,13 @@ constexpr Row<Language> messageRows[] = {
     {field<&Language::msg_Copy_Failed>,
      {u"拷贝文件到指定的目录错误，无法完成操作！",
       u"Copy files to the specified directory error and could not complete the operation!",
-      u"Erreur lors de la copie vers le dossier choisi, l'opération n'a pas pu être "
+      u"Erreur lors de la copie vers le dossier choisi\u00A0: l'opération n'a pas pu être "
       u"terminée\u00A0!",
       u"指定したフォルダーへのコピー中にエラーが発生し、操作を完了できませんでした。"}},
     {field<&Language::msg_Select_One_File>,
      {u"请选择至少一个文件，无法完成操作！",
       u"Please select at least one file, unable to complete the operation!",
-      u"Sélectionnez au moins un fichier, l'opération n'a pas pu être effectuée\u00A0!",
+      u"Sélectionnez au moins un fichier\u00A0: l'opération n'a pas pu être effectuée\u00A0!",
       u"ファイルを1つ以上選択してください。操作を完了できません。"}},
     {field<&Language::msg_Bad_Path>,
      {u"文件地址错误或过长，无法解析曲目名，文件添加失败！",
@@ -125,7 +125,7 @@ constexpr Row<Language> messageRows[] = {
     {field<&Language::msg_No_Network>,
      {u"您未连接任何有效网络，本次操作失败！",
       u"You are not connected to any effective network, this operation failed!",
-      u"Vous n'êtes connecté à aucun réseau, l'opération a échoué\u00A0!",
+      u"Vous n'êtes connecté à aucun réseau\u00A0: l'opération a échoué\u00A0!",
       u"有効なネットワークに接続されていないため、操作に失敗しました。"}},
     {field<&Language::msg_Safe_Mode>,
      {u"您当前的系统运行模式可能无法启动播放器的正常功能，请进入系统【正常模式】运行！",
@@ -133,12 +133,12 @@ constexpr Row<Language> messageRows[] = {
       u"player, please enter the system (normal mode) to run!",
       u"Dans le mode actuel du système, le lecteur risque de ne pas fonctionner normalement. "
       u"Redémarrez le système en mode normal\u00A0!",
-      u"現在のシステムモードでは、プレーヤーが正常に動作しない可能性があります。"
+      u"現在のシステムの動作モードでは、プレーヤーが正常に動作しない可能性があります。"
       u"システムを【通常モード】で起動してください。"}},
     {field<&Language::msg_Already_Running>,
      {u"Velmora已经运行了一个，请先关闭前者！",
       u"Velmora has been running for one, please turn off the former!",
-      u"Velmora est déjà en cours d'exécution, fermez-le d'abord\u00A0!",
+      u"Velmora est déjà en cours d'exécution\u00A0: fermez-le d'abord\u00A0!",
       u"Velmoraはすでに起動しています。先に終了してください。"}},
     {field<&Language::msg_No_Sound_Card>,
      {u"您的系统未安装声卡或声卡驱动无效，这将影响您的视听效果。建议您安装声卡或检测声卡驱动故障！",
@@ -152,12 +152,12 @@ constexpr Row<Language> messageRows[] = {
     {field<&Language::msg_No_Track_Desktop_Lrc>,
      {u"没有播放曲目，桌面歌词自动隐藏！",
       u"Does not play tracks, lyrics automatically hide your desktop!",
-      u"Aucun morceau en cours, les paroles sur le bureau sont masquées\u00A0!",
-      u"再生中の曲がないため、デスクトップ歌詞は自動的に隠れます。"}},
+      u"Aucun morceau en cours\u00A0: les paroles sur le bureau sont masquées\u00A0!",
+      u"再生中の曲がないため、デスクトップ歌詞は自動的に非表示になります。"}},
     {field<&Language::msg_No_Track_Info>,
      {u"没有播放曲目，无法获得正在播放曲目的信息！",
       u"Does not play tracks, unable to obtain information that is being played tracks!",
-      u"Aucun morceau en cours, il n'y a pas d'informations à afficher\u00A0!",
+      u"Aucun morceau en cours\u00A0: il n'y a pas d'informations à afficher\u00A0!",
       u"再生中の曲がないため、曲の情報を取得できません。"}},
     {field<&Language::msg_Seeking>,
      {u"曲目进度设置中，请稍候...", u"Track the progress, please wait ...",
@@ -216,9 +216,9 @@ constexpr Row<Language> messageRows[] = {
     {field<&Language::msg_Product_Name>,
      {u"产品名称：", u"Name：", u"Nom du produit\u00A0: ", u"製品名："}},
     {field<&Language::msg_Driver_Id>,
-     {u"驱动程序 Id：", u"Drivers Id：", u"Id du pilote\u00A0: ", u"ドライバー Id："}},
+     {u"驱动程序 Id：", u"Drivers Id：", u"ID du pilote\u00A0: ", u"ドライバーID："}},
     {field<&Language::msg_Product_Id>,
-     {u"产品 Id：", u"Products Id：", u"Id du produit\u00A0: ", u"製品 Id："}},
+     {u"产品 Id：", u"Products Id：", u"ID du produit\u00A0: ", u"製品ID："}},
 };
 static_assert(std::size(messageRows) == 41 && allWellFormed(messageRows));
 

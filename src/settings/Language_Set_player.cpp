@@ -24,7 +24,7 @@ constexpr Row<Main_Design> mainRows[] = {
     {caption<&Main::copyright>, copyrightLine},
     {caption<&Main::CopyRight_Series>,
      {u"Norvane 多媒体系列", u"Norvane media series", u"Série multimédia Norvane",
-      u"Norvane メディアシリーズ"}},
+      u"Norvaneメディアシリーズ"}},
     {toolTip<&Main::mini_Button>, {u"迷你模式", u"Mini Mode", u"Mode mini", u"ミニモード"}},
     {toolTip<&Main::minimizeButton>, {u"最小化", u"Minimize", u"Réduire", u"最小化"}},
     {toolTip<&Main::CopyRight_ICO>, about},
@@ -70,12 +70,12 @@ constexpr Row<miniForm_Design> miniRows[] = {
     {toolTip<&miniForm::auto_Hide_Lock_False>,
      {u"锁定面板，鼠标移除时不自动隐藏",
       u"Lock panel, the mouse when you are not automatically remove the hide",
-      u"Verrouiller le panneau, ne pas le masquer quand la souris le quitte",
+      u"Verrouiller le panneau\u00A0: il reste visible quand la souris le quitte",
       u"パネルを固定し、マウスが離れても自動的に隠さない"}},
     {toolTip<&miniForm::auto_Hide_Lock_True>,
      {u"释放面板，鼠标移除时自动隐藏",
       u"Release panel automatically hides when the mouse to remove",
-      u"Libérer le panneau, le masquer quand la souris le quitte",
+      u"Libérer le panneau\u00A0: il se masque quand la souris le quitte",
       u"パネルの固定を解除し、マウスが離れると自動的に隠す"}},
 };
 static_assert(allWellFormed(miniRows));

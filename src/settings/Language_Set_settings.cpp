@@ -72,7 +72,7 @@ constexpr Row<playSetForm_Design> settingsRows[] = {
      {u"温馨提示：其他歌词的字体设置不能设置字体大小。",
       u"Warm Tip: Other lyrics can not set the font size of the font settings.",
       u"Remarque\u00A0: la taille de la police des autres paroles ne peut pas être modifiée.",
-      u"ヒント：その他の歌詞のフォント設定では、文字の大きさは変更できません。"}},
+      u"ヒント：その他の歌詞のフォント設定では、サイズは変更できません。"}},
     {caption<&playSetForm::other_Lrc_Font_Button>, font},
     {caption<&playSetForm::other_Lrc_FroeColor_Button>, colour},
 
@@ -116,7 +116,7 @@ constexpr Row<aboutForm_Design> aboutRows[] = {
       u"music, helps to make them, and searches lyrics and songs on the Internet.",
       u"Velmora est un petit lecteur multimédia\u00A0: il lit le son et la vidéo, affiche les "
       u"paroles "
-      u"en rythme, aide à les créer et recherche paroles et morceaux sur Internet.",
+      u"au rythme de la musique, aide à les créer et recherche paroles et morceaux sur Internet.",
       u"Velmoraは小さなメディアプレーヤーです。音楽とビデオの再生、同期歌詞の表示と作成、"
       u"インターネットでの歌詞と曲の検索ができます。"}},
     {boxText<&aboutForm::zkShow>,

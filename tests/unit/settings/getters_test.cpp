@@ -210,6 +210,27 @@ TEST_F(Getters, LoadingALanguageAppliesItEvenAfterAFailure) {
     EXPECT_EQ(app.Language().msg_Error, u"Error");
 }
 
+TEST_F(Getters, EachReadingRoutineFetchesTheProviderAnew) {
+    const std::function<void()> routines[] = {
+        [this] { settings.get_LrcSaveFolder(); },
+        [this] { settings.get_PlayListSaveFolder(); },
+        [this] { settings.get_PlayCacheSaveFolder(); },
+        [this] { settings.get_LastPlayFile(); },
+        [this] { settings.get_AutoShowWelcome(); },
+        [this] { settings.load_Language(); },
+        [this] { settings.load_Lrc_Font(u"Desktop"); },
+        [this] { settings.load_Lrc_Font(u"Other"); },
+        [this] { settings.get_MakerHost(); },
+    };
+    settings.get_PlayMode();
+    for (const auto &routine : routines) {
+        registry.clearLog();
+        routine();
+        EXPECT_EQ(registry.log().front(), u"provider");
+        EXPECT_EQ(logged(u"provider").size(), 1U);
+    }
+}
+
 TEST_F(Getters, EachHostHasItsValueAndIsReadAnew) {
     registry.setText(hostsKey, u"lrcSearch", u"http://search:81");
     registry.setText(hostsKey, u"lrcSiteA", u"http://a");

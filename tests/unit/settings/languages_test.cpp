@@ -140,6 +140,18 @@ TEST_F(Languages, OtherWindowsStayInTheLanguageTheyWereWrittenIn) {
     }
 }
 
+// What shows as long as no language of the four is in force.
+TEST_F(Languages, TheDesignsAreWrittenInTheWordsOfTheChineseTexts) {
+    const auto designed = allTexts();
+    apply(chinese);
+    const auto texts = allTexts();
+    for (const char *key : textKeys) {
+        const std::u16string &text = designed.at(key);
+        EXPECT_TRUE(text.empty() || text == texts.at(key))
+            << key << " " << toUtf8(text) << " for " << toUtf8(texts.at(key));
+    }
+}
+
 TEST_F(Languages, TheLanguagesNamesForThemselvesStay) {
     for (const std::int32_t language : {chinese, english, french, japanese}) {
         apply(language);

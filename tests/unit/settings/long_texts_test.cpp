@@ -1,5 +1,6 @@
 // The long texts of the settings window: the help, and the list of shortcuts.
 
+#include "playback/MenuForm.h"
 #include "tests/unit/settings/settings_fixture.h"
 
 #include <algorithm>
@@ -150,6 +151,22 @@ TEST_F(LongTexts, OfHelpNameControlsByTheWordsThatStandOnThem) {
                                        &app.playList_Form().delIndx, &app.playList_Form().Alter,
                                        &app.playList_Form().Search})
             names(button->caption());
+        // Of a menu entry the words ahead of its brackets and dots.
+        for (const forms::Menu *entry :
+             {&app.MenuForm().hardDrive_Del, &app.MenuForm().playlist_Send}) {
+            const std::u16string &words = entry->caption();
+            names(trim(words.substr(0, words.find_first_of(u"(（."))));
+        }
+    }
+}
+
+TEST_F(LongTexts, OfHelpWriteKeysAsTheCaptionsAndTheShortcutsDo) {
+    for (const forms::TextBox *box : help) {
+        for (const char16_t *key :
+             {u"Enter", u"Esc", u"Ctrl", u"Shift", u"CTRL+A", u"CTRL+S", u"DEL", u"SHIFT+DEL"})
+            EXPECT_TRUE(contains(box->text(), key)) << box->name() << " " << toUtf8(key);
+        for (const char16_t *other : {u"Entrée", u"Échap", u"Maj ", u"Suppr ", u"回车"})
+            EXPECT_FALSE(contains(box->text(), other)) << box->name() << " " << toUtf8(other);
     }
 }
 

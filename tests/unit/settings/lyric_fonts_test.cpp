@@ -117,6 +117,40 @@ TEST_F(LyricFonts, AnotherAutoOpenNumberChangesNeitherFlagNorBox) {
     EXPECT_EQ(app.playSetForm().desktopLrc_AutoOpen.value(), 1);
 }
 
+TEST_F(LyricFonts, AutoOpenIsReadByItsLeadingNumber) {
+    storeFontSet(u"Desktop");
+    registry.setText(playSetKey, u"Desktop_Lrc_AutoOpen", u" 1x");
+    settings.load_Lrc_Font(u"Desktop");
+    EXPECT_TRUE(app.lrcForm().desktopLrcAutoOpen);
+    registry.setText(playSetKey, u"Desktop_Lrc_AutoOpen", u"on");
+    settings.load_Lrc_Font(u"Desktop");
+    EXPECT_FALSE(app.lrcForm().desktopLrcAutoOpen);
+}
+
+TEST_F(LyricFonts, AutoOpenCountsEvenWhereTheRestOfTheSetFails) {
+    registry.setText(playSetKey, u"Desktop_Lrc_AutoOpen", u"1");
+    for (const char16_t *set : {u"Desktop", u"Other"}) {
+        app.lrcForm().desktopLrcAutoOpen = false;
+        app.playSetForm().desktopLrc_AutoOpen.setValue(0);
+        EXPECT_FALSE(settings.load_Lrc_Font(set));
+        EXPECT_TRUE(app.lrcForm().desktopLrcAutoOpen);
+        EXPECT_EQ(app.playSetForm().desktopLrc_AutoOpen.value(), 1);
+    }
+}
+
+TEST_F(LyricFonts, ASetThatBreaksOffHasFilledTheStagingSetAsFarAsItWent) {
+    fillStaging();
+    storeFontSet(u"Other");
+    registry.removeValue(playSetKey, u"Other_Lrc_Size");
+    EXPECT_FALSE(settings.load_Lrc_Font(u"Other"));
+    EXPECT_FALSE(settings.Lrc_Bold);
+    EXPECT_EQ(settings.Lrc_Name, u"Noto Sans");
+    EXPECT_EQ(settings.Lrc_Size, 28);
+    EXPECT_TRUE(settings.Lrc_Underline);
+    EXPECT_EQ(settings.Lrc_Weight, 700);
+    EXPECT_EQ(settings.Lrc_ForeColor, 0x00FF8000U);
+}
+
 TEST_F(LyricFonts, WithoutAnAutoOpenValueTheWholeSetFails) {
     storeFontSet(u"Desktop");
     registry.removeValue(playSetKey, u"Desktop_Lrc_AutoOpen");
@@ -176,6 +210,17 @@ TEST_F(LyricFonts, WithoutTheProviderTheDesktopSetFailsLikeAFreshMachine) {
     registry.setProviderMissing(true);
     EXPECT_FALSE(settings.load_Lrc_Font(u"Desktop"));
     EXPECT_EQ(desktopPreview().foreColor(), 0x0000FFU);
+}
+
+TEST_F(LyricFonts, ThePreviewsAreDesignedAsOnAFreshMachine) {
+    EXPECT_EQ(desktopPreview().font().name(), u"微软雅黑");
+    EXPECT_EQ(desktopPreview().font().size(), 36.0F);
+    EXPECT_EQ(desktopPreview().foreColor(), 0x0000FFU);
+    EXPECT_EQ(desktopPreview().text(), u"Velmora 2011");
+    EXPECT_EQ(otherPreview().font().name(), u"微软雅黑");
+    EXPECT_EQ(otherPreview().font().size(), 14.25F);
+    EXPECT_EQ(otherPreview().foreColor(), 0x00FFFFU);
+    EXPECT_EQ(otherPreview().text(), u"Velmora 2011");
 }
 
 // --- dressing ------------------------------------------------------------------------------------

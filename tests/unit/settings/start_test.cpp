@@ -101,6 +101,16 @@ TEST_F(AtTheStart, TheFoldersAreReadBeforeTheyAreMadeAndTheIdentityFollows) {
     EXPECT_EQ(log[log.size() - 3], u"create " + std::u16string(playSetKey));
 }
 
+TEST_F(AtTheStart, TheFoldersAreMadeBetweenTheReadingOfTheirSettingsAndTheIdentity) {
+    std::vector<std::u16string> lastEntries;
+    fake.shell.onCommandLine = [&](std::u16string_view) {
+        lastEntries.push_back(registry.log().empty() ? u"(none)" : registry.log().back());
+    };
+    settings.init_PlaySet();
+    const std::u16string lastRead = u"read " + std::u16string(playSetKey) + u" PlayCacheSaveFolder";
+    EXPECT_EQ(lastEntries, std::vector<std::u16string>(6, lastRead));
+}
+
 TEST_F(AtTheStart, ARegistryThatRefusesEverythingStopsNothing) {
     registry.failWrites(platform::ERROR_ACCESS_DENIED);
     registry.setProviderMissing(true);

@@ -186,6 +186,42 @@ TEST_F(SettingsApplied, EverythingIsStoredInOneOrderAndTheLanguageIsReadBack) {
     EXPECT_THAT(registry.log(), ElementsAreArray(expected));
 }
 
+// The folders are made between the general settings and the fonts: what holds at that moment.
+TEST_F(SettingsApplied, ChoicesDesktopLineAndFoldersAreTakenBeforeStoringAndTheLooksAfterIt) {
+    form.Play_Random.userChose();
+    form.Language_English.userChose();
+    form.openVideo_Interface.setValue(1);
+    form.save_Lrc_Path.userEdited(u"/songs/words");
+    form.desktopLrc_AutoOpen.setValue(1);
+    app.lrcForm().hasLrc = true;
+    desktopLine().setVisible(false);
+    form.desktop_Lrc_Preview.setForeColor(0x00010203);
+    form.other_Lrc_Preview.setForeColor(0x00040506);
+    const std::u16string tip = app.Main().playButton.toolTip();
+    const std::size_t trayCalls = windows.trayCalls.size();
+    int folders = 0;
+    fake.shell.onCommandLine = [&](std::u16string_view) {
+        ++folders;
+        EXPECT_EQ(memory.PlayMode, 1);
+        EXPECT_EQ(memory.Language, 1);
+        EXPECT_EQ(memory.VideoInterface, 1);
+        EXPECT_EQ(memory.Path_Lrc, u"/songs/words");
+        EXPECT_TRUE(app.lrcForm().desktopLrcAutoOpen);
+        EXPECT_TRUE(desktopLine().visible());
+        EXPECT_EQ(stored(u"LrcSaveFolder"), u"/songs/words");
+        EXPECT_EQ(stored(u"Desktop_Lrc_AutoOpen"), u"(none)");
+        EXPECT_NE(desktopLine().foreColor(), 0x00010203U);
+        EXPECT_NE(app.Main().lrc_Text.foreColor(), 0x00040506U);
+        EXPECT_EQ(settings.Language_Index, 0);
+        EXPECT_EQ(app.Main().playButton.toolTip(), tip);
+        EXPECT_EQ(windows.trayCalls.size(), trayCalls);
+    };
+    apply();
+    EXPECT_EQ(folders, 6);
+    EXPECT_EQ(desktopLine().foreColor(), 0x00010203U);
+    EXPECT_EQ(app.Main().playButton.toolTip(), u"Play(F2)");
+}
+
 TEST_F(SettingsApplied, ASecondApplyWritesAllOfItAgain) {
     apply();
     const Texts first = registry.log();
@@ -350,10 +386,12 @@ TEST_F(SettingsApplied, TheTrayTipHasEmptyBracketsWithoutATrack) {
     EXPECT_EQ(windows.trayCalls.back().data.tip, u"Velmora 2011 【】");
 }
 
-TEST_F(SettingsApplied, TheTrayTipComesLastInTheNewLanguagesTitle) {
-    form.Language_English.userChose();
+TEST_F(SettingsApplied, TheTrayTipComesLastWithTheTitleThatTheLanguageHasJustPut) {
+    app.Main().title.setCaption(u"The old title");
+    const std::size_t before = windows.trayCalls.size();
     apply();
-    EXPECT_EQ(windows.trayCalls.back().data.tip, app.Main().title.caption() + u" 【】");
+    ASSERT_EQ(windows.trayCalls.size(), before + 1);
+    EXPECT_EQ(windows.trayCalls.back().data.tip, u"Velmora 2011 【】");
 }
 
 TEST_F(SettingsApplied, PlayModeAndAutoPlayActFromTheNextTrack) {

@@ -39,6 +39,47 @@ TEST_F(SettingsPages, OfLongTextsLieOverOneAnother) {
         EXPECT_EQ(box->place(), form.Shortcuts_Show_Chinese.place());
 }
 
+TEST_F(SettingsPages, HoldTheirControls) {
+    struct Content {
+        const forms::Frame &frame;
+        std::vector<const forms::Control *> controls;
+    };
+    const Content contents[] = {
+        {form.playFrame,
+         {&form.isAutoPlay, &form.autoUpdate, &form.openVideo_Interface, &form.Play_Order,
+          &form.Play_Random, &form.Play_RepeatPlay}},
+        {form.lrc_Frame, {&form.desktop_Lrc_Frame, &form.other_Lrc_Frame}},
+        {form.desktop_Lrc_Frame,
+         {&form.desktopLrc_AutoOpen, &form.desktop_Lrc_Preview, &form.desktop_Lrc_Font_Button,
+          &form.desktop_Lrc_FroeColor_Button}},
+        {form.other_Lrc_Frame,
+         {&form.other_Lrc_Preview, &form.other_Lrc_Exclamation, &form.other_Lrc_Font_Button,
+          &form.other_Lrc_FroeColor_Button}},
+        {form.folder_Frame,
+         {&form.save_Lrc_Path_Label, &form.save_Lrc_Path, &form.save_Lrc_Path_Image,
+          &form.save_PlayList_Path_Label, &form.save_PlayList_Path, &form.save_PlayList_Path_Image,
+          &form.save_PlayCache_Path_Label, &form.save_PlayCache_Path,
+          &form.save_PlayCache_Path_Image}},
+        {form.Language_Frame,
+         {&form.Language_China, &form.Language_English, &form.Language_French,
+          &form.Language_Japanese}},
+        {form.help_Frame,
+         {&form.helpShow_Chinese, &form.helpShow_English, &form.helpShow_French,
+          &form.helpShow_Japanese}},
+        {form.Shortcuts_Frame,
+         {&form.Shortcuts_Show_Chinese, &form.Shortcuts_Show_English, &form.Shortcuts_Show_French,
+          &form.Shortcuts_Show_Japanese}},
+    };
+    for (const Content &content : contents) {
+        for (const forms::Control *control : content.controls)
+            EXPECT_EQ(&control->container(), &content.frame) << control->name();
+    }
+    for (const forms::Control *control : std::initializer_list<const forms::Control *>{
+             &form.qd, &form.qx, &form.yy, &form.abount, &form.playSet_Resume, &form.close,
+             &form.title, &form.title_ICO, &form.copyright, &form.Picture1})
+        EXPECT_EQ(&control->container(), &form) << control->name();
+}
+
 TEST_F(SettingsPages, StartWithThePlaybackOptions) {
     for (const Page &page : pages())
         EXPECT_EQ(page.frame.visible(), &page.frame == &form.playFrame) << page.frame.name();

@@ -59,9 +59,27 @@ TEST_F(Writing, TheFoldersThatTheUserTypedAreMadeAfterTheKeyIsClosed) {
     settings.init_PlaySet();
     settings.Path_Lrc = u"/typed/words";
     fake.shell.commandLines.clear();
+    fake.shell.onCommandLine = [&](std::u16string_view) {
+        EXPECT_EQ(registry.log().back(), u"close");
+    };
     EXPECT_TRUE(settings.save_PlaySet());
     EXPECT_EQ(fake.shell.commandLines.size(), 6U);
     EXPECT_TRUE(files.hasFolder(u"/typed/words"));
+}
+
+TEST_F(Writing, TheFoldersAreMadeEvenWhereNothingCanBeStored) {
+    settings.init_PlaySet();
+    settings.Path_Lrc = u"/typed/words";
+    registry.failWrites(platform::ERROR_ACCESS_DENIED);
+    EXPECT_TRUE(settings.save_PlaySet());
+    EXPECT_TRUE(files.hasFolder(u"/typed/words"));
+}
+
+TEST_F(Writing, AFontSetThatCannotBeStoredIsNoFailure) {
+    registry.failWrites(platform::ERROR_ACCESS_DENIED);
+    EXPECT_TRUE(settings.save_Lrc_Font(u"Desktop"));
+    EXPECT_TRUE(settings.save_Lrc_Font(u"Other"));
+    EXPECT_FALSE(registry.value(playSetKey, u"Desktop_Lrc_Name").has_value());
 }
 
 TEST_F(Writing, ARegistryThatRefusesGivesNoMessageAndTheMemoryGoesOn) {
