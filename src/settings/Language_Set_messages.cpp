@@ -93,7 +93,7 @@ constexpr Row<Language> messageRows[] = {
      {u"请输入包含歌曲名称的字【英文曲目区分大小写】",
       u"Please enter the word contains the song name【English tracks are case-sensitive】",
       u"Saisissez une partie du nom (majuscules et minuscules distinguées)",
-      u"曲名に含まれる文字を入力してください【英字は大文字小文字を区別】"}},
+      u"曲名に含まれる文字を入力してください【英字は大文字と小文字を区別】"}},
     {field<&Language::msg_Find_Title>,
      {u"在列表中查找曲目", u"Tracks in the list to find", u"Rechercher un morceau dans la liste",
       u"リストから曲を検索"}},

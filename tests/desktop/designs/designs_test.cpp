@@ -125,6 +125,23 @@ TEST_F(Designs, EveryTextHasRoomInEveryLanguage) {
     }
 }
 
+TEST_F(Designs, TheQuestionsOfTheInputBoxHaveRoomInEveryLanguage) {
+    listControl_Form &box = app.listControl_Form();
+    const velmora::Language &texts = app.Language();
+    for (std::int32_t language = 0; language < 4; ++language) {
+        app.setControl().Language_Index = language;
+        app.Language_Set().apply_Language();
+        for (const std::u16string_view prompt : {texts.msg_Rename_Prompt, texts.msg_Find_Prompt}) {
+            box.showText.setCaption(prompt);
+            EXPECT_LE(lacking(box.showText), 0) << languages[language] << ' ' << toUtf8(prompt);
+        }
+        for (const std::u16string_view title : {texts.msg_Rename_Title, texts.msg_Find_Title}) {
+            box.title.setCaption(title);
+            EXPECT_LE(lacking(box.title), 0) << languages[language] << ' ' << toUtf8(title);
+        }
+    }
+}
+
 // What another translation may need: the English texts made a quarter longer.
 TEST_F(Designs, EnglishTextsAQuarterLongerStillHaveRoom) {
     // Texts that no language changes: figures, an address, owners, the lyric editor.
