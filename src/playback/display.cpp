@@ -17,10 +17,12 @@ constexpr Twips emptyBarWidth = 15;
 
 MarqueeState marqueeStep(MarqueeState now, Twips textWidth, Twips boxWidth,
                          const MarqueeMeasure &measure) noexcept {
-    if (!now.movingRight) {
+    const bool wasMovingRight = now.movingRight;
+    if (!wasMovingRight) {
         now.left -= measure.step;
         now.movingRight = -(textWidth - boxWidth) - measure.margin >= now.left;
-    } else {
+    }
+    if (wasMovingRight || (now.movingRight && measure.turnsBackAtOnce)) {
         now.left += measure.step;
         now.movingRight = now.left < measure.margin;
     }

@@ -17,10 +17,13 @@ class Velmora;
 struct MarqueeMeasure {
     Twips step = 0;
     Twips margin = 0;
+    // The desktop line asks for its direction once more behind the step to the left: the tick that
+    // turns it moves it back to the right already. The lines of the windows do so a tick later.
+    bool turnsBackAtOnce = false;
 };
 inline constexpr MarqueeMeasure lyricMarquee{50, 200};
 inline constexpr MarqueeMeasure titleMarquee{30, 200};
-inline constexpr MarqueeMeasure desktopMarquee{150, 1000};
+inline constexpr MarqueeMeasure desktopMarquee{150, 1000, true};
 
 struct MarqueeState {
     Twips left = 0;

@@ -148,6 +148,7 @@ TEST_F(DesktopLine, TurnsAtMarginsOf1000) {
     EXPECT_NE(label.tag(), u"1");
     showLine(wideLine());
     EXPECT_EQ(label.tag(), u"1");
+    EXPECT_EQ(label.left(), turn + 1) << "the tick that turns it moves it back already";
     label.setLeft(851);
     showLine(wideLine());
     EXPECT_EQ(label.tag(), u"2");

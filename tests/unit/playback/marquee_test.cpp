@@ -21,8 +21,21 @@ TEST(MarqueeStep, MovesRightAndTurnsAtTheMargin) {
 
 TEST(MarqueeStep, OfTheDesktopLineIs150WithAMarginOf1000) {
     EXPECT_EQ(marqueeStep({0, false}, 9000, 8000, desktopMarquee), (MarqueeState{-150, false}));
-    EXPECT_EQ(marqueeStep({-1850, false}, 9000, 8000, desktopMarquee), (MarqueeState{-2000, true}));
+    EXPECT_EQ(marqueeStep({-1849, false}, 9000, 8000, desktopMarquee),
+              (MarqueeState{-1999, false}));
+    EXPECT_EQ(marqueeStep({849, true}, 9000, 8000, desktopMarquee), (MarqueeState{999, true}));
     EXPECT_EQ(marqueeStep({850, true}, 9000, 8000, desktopMarquee), (MarqueeState{1000, false}));
+}
+
+TEST(MarqueeStep, OfTheDesktopLineMovesBackRightInTheTickThatTurnsItThere) {
+    EXPECT_EQ(marqueeStep({-1850, false}, 9000, 8000, desktopMarquee), (MarqueeState{-1850, true}));
+    EXPECT_EQ(marqueeStep({-1900, false}, 9000, 8000, desktopMarquee), (MarqueeState{-1900, true}));
+    EXPECT_EQ(marqueeStep({-1850, true}, 9000, 8000, desktopMarquee), (MarqueeState{-1700, true}));
+}
+
+TEST(MarqueeStep, OfTheDesktopLineTurnsLeftWithoutMovingThereInThatTick) {
+    EXPECT_EQ(marqueeStep({900, true}, 9000, 8000, desktopMarquee), (MarqueeState{1050, false}));
+    EXPECT_EQ(marqueeStep({1050, false}, 9000, 8000, desktopMarquee), (MarqueeState{900, false}));
 }
 
 } // namespace
