@@ -141,6 +141,17 @@ TEST_F(Tags, AFieldMayFillAllItsBytes) {
     EXPECT_EQ(year(), u"1234");
 }
 
+TEST_F(Tags, FieldsThatFillAllTheirBytesDoNotRunIntoEachOther) {
+    EXPECT_TRUE(readTag({std::string(30, 't'), std::string(30, 'a'), std::string(30, 'l'), "1999",
+                         std::string(30, 'c'), 18}));
+    EXPECT_EQ(title(), std::u16string(30, u't'));
+    EXPECT_EQ(artist(), std::u16string(30, u'a'));
+    EXPECT_EQ(album(), std::u16string(30, u'l'));
+    EXPECT_EQ(year(), u"1999");
+    EXPECT_EQ(comment(), std::u16string(30, u'c'));
+    EXPECT_EQ(genre(), u"Rock");
+}
+
 TEST_F(Tags, ATrackNumberAtTheCommentsEndIsNotTreatedApart) {
     EXPECT_TRUE(readTag({"", "", "", "", std::string(28, 'c') + "c\x07"}));
     EXPECT_EQ(comment(), std::u16string(29, u'c') + u'\x07');
@@ -226,6 +237,31 @@ TEST_F(Tags, ANegativeNumberIsTheEntryOfItsComplement) {
     EXPECT_EQ(info.genreName(-17), u"Reggae");
     EXPECT_EQ(info.genreName(-148), u"Synth Pop");
     EXPECT_THROW(info.genreName(-149), RunTimeError);
+}
+
+TEST_F(Tags, EveryGenreStandsInItsPlace) {
+    constexpr std::u16string_view names =
+        u"Blues|Classic Rock|Country|Dance|Disco|Funk|Grunge|Hip-Hop|Jazz|Metal|New Age|"
+        u"Oldies|Other|Pop|R&B|Rap|Reggae|Rock|Techno|Industrial|Alternative|Ska|Death Metal|"
+        u"Pranks|Soundtrack|Euro-Techno|Ambient|Trip Hop|Vocal|Jazz+Funk|Fusion|Trance|"
+        u"Classical|Instrumental|Acid|House|Game|Sound Clip|Gospel|Noise|Alt. Rock|Bass|Soul|"
+        u"Punk|Space|Meditative|Instrumental Pop|Instrumental Rock|Ethnic|Gothic|Darkwave|"
+        u"Techno-Industrial|Electronic|Pop-Folk|Eurodance|Dream|Southern Rock|Comedy|Cult|"
+        u"Gangsta Rap|Top 40|Christian Rap|Pop/Punk|Jungle|Native American|Cabaret|New Wave|"
+        u"Phychedelic|Rave|Showtunes|Trailer|Lo-Fi|Tribal|Acid Punk|Acid Jazz|Polka|Retro|"
+        u"Musical|Rock & Roll|Hard Rock|Folk|Folk/Rock|National Folk|Swing|Fast-Fusion|Bebob|"
+        u"Latin|Revival|Celtic|Blue Grass|Avantegarde|Gothic Rock|Progressive Rock|"
+        u"Psychedelic Rock|Symphonic Rock|Slow Rock|Big Band|Chorus|Easy Listening|Acoustic|"
+        u"Humour|Speech|Chanson|Opera|Chamber Music|Sonata|Symphony|Booty Bass|Primus|"
+        u"Porn Groove|Satire|Slow Jam|Club|Tango|Samba|Folklore|Ballad|power Ballad|"
+        u"Rhythmic Soul|Freestyle|Duet|Punk Rock|Drum Solo|A Capella|Euro-House|Dance Hall|"
+        u"Goa|Drum & Bass|Club-House|Hardcore|Terror|indie|Brit Pop|Negerpunk|Polsk Punk|Beat|"
+        u"Christian Gangsta Rap|Heavy Metal|Black Metal|Crossover|Comteporary Christian|"
+        u"Christian Rock|Merengue|Salsa|Trash Metal|Anime|JPop|Synth Pop|";
+    std::u16string shown;
+    for (std::int32_t number = 1; number <= 148; ++number)
+        shown += info.genreName(number) + u"|";
+    EXPECT_EQ(shown, names);
 }
 
 TEST_F(Tags, TheRequiredSpellingsStand) {

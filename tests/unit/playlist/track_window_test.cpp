@@ -87,6 +87,14 @@ TEST_F(TrackWindows, ALongLineRollsByFiftyTwipsATick) {
     EXPECT_EQ(info().lrc_Text.left(), -100);
 }
 
+TEST_F(TrackWindows, ALineThatFitsIsCentred) {
+    info().show();
+    app.lrcForm().nowLrcLine = u"la";
+    info().Timer1.onTimer();
+    EXPECT_EQ(info().lrc_Text.alignment(), forms::Alignment::Centre);
+    EXPECT_EQ(info().lrc_Text.left(), info().lrc.width() / 2 - info().lrc_Text.width() / 2);
+}
+
 TEST_F(TrackWindows, TheLineTicksEverySeventyMilliseconds) {
     EXPECT_EQ(info().Timer1.interval(), 70);
     EXPECT_TRUE(info().Timer1.running());
