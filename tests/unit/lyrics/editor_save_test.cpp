@@ -61,6 +61,7 @@ TEST_P(OtherAnswers, GoToSaveAs) {
     expectQuestion(GetParam());
     fake.dialogs.expectSave(std::nullopt);
     editor().save_Button.on().Click();
+    EXPECT_EQ(fake.dialogs.files.size(), 1U);
     EXPECT_EQ(files.contents(u"/lrc/Song.lrc"), "old");
     EXPECT_FALSE(lyric().hasLrc);
 }
