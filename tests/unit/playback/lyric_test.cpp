@@ -3,6 +3,8 @@
 #include "tests/unit/program_fixture.h"
 
 #include "lyrics/lrcForm.h"
+#include "playback/miniForm.h"
+#include "playlist/playInfo_Form.h"
 
 namespace velmora {
 namespace {
@@ -152,6 +154,48 @@ TEST_F(DesktopLine, TurnsAtMarginsOf1000) {
     label.setLeft(851);
     showLine(wideLine());
     EXPECT_EQ(label.tag(), u"2");
+}
+
+TEST_F(DesktopLine, ThatIsExactlyAsWideAsTheFormDoesNotRoll) {
+    auto &label = form().lrc_Text;
+    label.setCaption(u"just as wide");
+    const Twips width = label.width();
+    form().setWidth(width);
+    showLine(u"just as wide");
+    EXPECT_EQ(label.alignment(), forms::Alignment::Centre);
+    EXPECT_EQ(label.left(), 0);
+    form().setWidth(width - 1);
+    showLine(u"just as wide");
+    EXPECT_EQ(label.alignment(), forms::Alignment::Left);
+    EXPECT_EQ(label.left(), -150);
+}
+
+TEST_F(DesktopLine, ThatFitsLeavesDirectionAndRememberedLine) {
+    showLine(wideLine());
+    form().lrc_Text.setTag(u"1");
+    showLine(u"short");
+    EXPECT_EQ(form().lrc_Text.tag(), u"1");
+    EXPECT_EQ(form().lrcShownLine, wideLine());
+    // The same wide line again goes on from where the short one was put.
+    showLine(wideLine());
+    EXPECT_EQ(form().lrc_Text.left(), 150);
+}
+
+TEST_F(DesktopLine, RollsByItselfInEachWindow) {
+    setVolumeBar(0);
+    openAndPlay(addTrack(u"/m/a.mp3"));
+    app.lrcForm().nowLrcLine = wideLine();
+    tickMain();
+    tickMain();
+    EXPECT_EQ(app.Main().lrc_Text.left(), -100);
+    for (forms::Label *label : {&app.miniForm().lrc_Text, &app.playInfo_Form().lrc_Text}) {
+        label->setLeft(700);
+    }
+    app.miniForm().Timer1.onTimer();
+    EXPECT_EQ(app.miniForm().lrc_Text.left(), -50);
+    app.playInfo_Form().show();
+    app.playInfo_Form().Timer1.onTimer();
+    EXPECT_EQ(app.playInfo_Form().lrc_Text.left(), -50);
 }
 
 TEST_F(DesktopLine, ThatStandsStillIsNotDrawnAgain) {
