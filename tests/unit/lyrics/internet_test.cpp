@@ -95,6 +95,43 @@ TEST_F(LyricFromTheNet, OfAnArtistAloneIsSearchedByTheEmptyTitleNext) {
     EXPECT_TRUE(contains(tries()[0], u"word=Stesul")) << toUtf8(tries()[0]);
 }
 
+TEST_F(LyricFromTheNet, OfATitleAloneIsSearchedByItTwiceAndThenByTheFileName) {
+    setTag(u"Hello", u"");
+    for (const std::u16string_view word : {u"Hello", u"Song"})
+        setPage(word, 0);
+    find();
+    // A try asks for as many pages whatever its words are.
+    const Texts asked = tries();
+    ASSERT_EQ(asked.size() % 3, 0U);
+    for (std::size_t i = 0; i < asked.size(); ++i) {
+        const bool isLastTry = i >= asked.size() / 3 * 2;
+        EXPECT_TRUE(contains(asked[i], isLastTry ? u"word=Song" : u"word=Hello"))
+            << toUtf8(asked[i]);
+    }
+}
+
+TEST_F(LyricFromTheNet, ThatIsFoundIsSearchedNoFurther) {
+    setTag(u"Hello", u"Stesul");
+    setPage(u"Hello Stesul", 3);
+    fake.internet.setDownload(firstLink, "[00:01]words");
+    find();
+    for (const std::u16string &line : tries())
+        EXPECT_TRUE(contains(line, u"word=Hello Stesul")) << toUtf8(line);
+    EXPECT_EQ(lyric().nowLrcLine, u"");
+}
+
+TEST_F(LyricFromTheNet, IsTakenFromTheFirstLinkOrNotAtAll) {
+    setPage(u"Song", 3);
+    find();
+    Texts fetched;
+    for (const std::u16string &line : fake.internet.log)
+        if (startsWith(line, u"URLDownloadToFileA"))
+            fetched.push_back(line);
+    ASSERT_EQ(fetched.size(), 1U);
+    EXPECT_TRUE(contains(fetched[0], firstLink)) << toUtf8(fetched[0]);
+    EXPECT_FALSE(lyric().hasLrc);
+}
+
 TEST_F(LyricFromTheNet, WithAnUpperBoundOfExactlyOneIsAFailedTry) {
     setPage(u"Song", 1); // one link and one more resize behind it
     find();

@@ -29,6 +29,14 @@ TEST_F(LyricLoad, GathersTheWordsWithoutLabels) {
     EXPECT_EQ(info().lrc_Full.text(), u"Text\r\nplain\r\n x\r\n");
 }
 
+TEST_F(LyricLoad, BeginsItsWordsAnewWithEachFile) {
+    load("[00:01]a\n[00:02]b");
+    load("[00:01]c", u"/lrc/b.lrc");
+    EXPECT_EQ(lyric().lrcFullText, u"c\r\n");
+    EXPECT_EQ(info().lrc_Full.text(), u"c\r\n");
+    EXPECT_EQ(rowsOf(lyric().List1), (Texts{u"[00:01]c"}));
+}
+
 TEST_F(LyricLoad, PutsTagsAndPathIntoTheBoxesOfTheTrackWindow) {
     load("[Ti:T]\n[AR:A]\n[al:L]\n[bY:B]\nwords");
     EXPECT_EQ(lyric().lrcTi, u"T");
@@ -152,6 +160,19 @@ TEST_F(LyricFailure, OfAnUnreadableFileLeavesNoLyricAsItWas) {
     files.setUnreadable(u"/lrc/b.lrc");
     expectFailure(u"/lrc/b.lrc");
     EXPECT_FALSE(lyric().hasLrc);
+}
+
+// The desktop line and the editor stay as they were: nothing behind the failure runs.
+TEST_F(LyricFailure, LeavesTheDesktopLineAndTheEditor) {
+    lyric().desktopLrcOn = true;
+    load("[00:01]a");
+    lyric().position();
+    editor().lrcList.setList(0, u"not saved");
+    windows.shown.clear();
+    expectFailure(u"/lrc/gone.lrc");
+    EXPECT_TRUE(lyric().lrc_Text.visible());
+    EXPECT_TRUE(windows.shown.empty());
+    EXPECT_EQ(editor().lrcList.list(0), u"not saved");
 }
 
 TEST_F(LyricFailure, InMidFileKeepsTheLinesReadSoFar) {
