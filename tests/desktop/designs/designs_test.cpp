@@ -142,6 +142,29 @@ TEST_F(Designs, TheQuestionsOfTheInputBoxHaveRoomInEveryLanguage) {
     }
 }
 
+TEST_F(Designs, WhatTheSplashAndTheWaitingPanelTellHasRoomInEveryLanguage) {
+    Label &stage = app.startLoad_Form().showText;
+    Label &waiting = app.playList_Form().waitAdd_Title;
+    const velmora::Language &texts = app.Language();
+    for (std::int32_t language = 0; language < 4; ++language) {
+        app.setControl().Language_Index = language;
+        app.Language_Set().apply_Language();
+        for (const std::u16string_view text : {texts.msg_Upgrade_Failed, texts.msg_Cannot_Start}) {
+            stage.setCaption(text);
+            EXPECT_LE(lacking(stage), 0) << languages[language] << ' ' << toUtf8(text);
+        }
+        waiting.setCaption(texts.msg_Loading_Tracks);
+        EXPECT_LE(lacking(waiting), 0) << languages[language];
+    }
+    stage.setCaption(u"成功下载最新版本：【10.20.30】，等待用户选择是否重启...");
+    EXPECT_LE(lacking(stage), 0);
+    for (const std::u16string_view text : {u"Delete (to delete from the list),Please wait...",
+                                           u"Form the Hard-Drive removeing,Please wait..."}) {
+        waiting.setCaption(text);
+        EXPECT_LE(lacking(waiting), 0) << toUtf8(text);
+    }
+}
+
 // What another translation may need: the English texts made a quarter longer.
 TEST_F(Designs, EnglishTextsAQuarterLongerStillHaveRoom) {
     // Texts that no language changes: figures, an address, owners, the lyric editor.
