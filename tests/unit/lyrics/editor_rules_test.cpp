@@ -54,6 +54,13 @@ TEST_F(EditorRules, F10TakesOneStampOfSeveral) {
     EXPECT_EQ(editor().lrcList.list(0), u"one");
 }
 
+// The form is looked for behind the blanks, the cut is counted from the row's beginning.
+TEST_F(EditorRules, F10OnARowThatBeginsWithBlanksLeavesPartOfItsStamp) {
+    open("  [01:23.45]one");
+    press(f10);
+    EXPECT_EQ(editor().lrcList.list(0), u"5]one");
+}
+
 TEST_F(EditorRules, TheReleaseOfAStampKeyStaysOnTheRowThatThePressReached) {
     open("one\ntwo\nthree");
     at(u"1000");
@@ -149,6 +156,17 @@ TEST_F(EditorRules, AFileEnablesWhatNoLyricHadDisabled) {
              &editor().addTime_Label_Button, &editor().delTime_Label_Button, &editor().save_Button,
              &editor().anotherSave_Button})
         EXPECT_TRUE(control->enabled()) << control->name();
+}
+
+TEST_F(EditorRules, TheLyricTakenAgainEnablesWhatAnEmptyFileHadDisabled) {
+    load("[00:01]a");
+    expectToldEmpty();
+    open("");
+    ASSERT_FALSE(editor().lrcList.enabled());
+    editor().list_Load.on().Click();
+    EXPECT_EQ(rowsOf(editor().lrcList), (Texts{u"[00:01]a", u""}));
+    EXPECT_TRUE(editor().lrcList.enabled());
+    EXPECT_FALSE(editor().no_Lrc_Clew.visible());
 }
 
 TEST_F(EditorRules, TakingTheLyricForgetsThatAFileHadText) {

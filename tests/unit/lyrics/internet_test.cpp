@@ -4,6 +4,8 @@
 
 #include "network/lrc_Internet_Search.h"
 
+#include <algorithm>
+
 namespace velmora {
 namespace {
 
@@ -135,6 +137,19 @@ TEST_F(LyricFromTheNet, IsTakenFromTheFirstLinkOrNotAtAll) {
 TEST_F(LyricFromTheNet, WithAnUpperBoundOfExactlyOneIsAFailedTry) {
     setPage(u"Song", 1); // one link and one more resize behind it
     find();
+    EXPECT_FALSE(lyric().hasLrc);
+}
+
+// Its bound is 0 then, not 1: what stands at the first place, no address at all, is fetched.
+TEST_F(LyricFromTheNet, OfAPageWithOtherLinksAloneIsFetchedFromTheEmptyAddressInVain) {
+    fake.internet.setPage(address(u"Song"), "<html><a href=\"http://other/x\">");
+    find();
+    EXPECT_EQ(app.lrc_Internet_Search().lrcDownloadLinks.upperBound(), 0);
+    const auto isFetch = [](const std::u16string &line) {
+        return startsWith(line, u"URLDownloadToFileA");
+    };
+    EXPECT_EQ(std::ranges::count_if(fake.internet.log, isFetch), 1);
+    EXPECT_FALSE(files.hasFile(u"/lrc/Song.LRC"));
     EXPECT_FALSE(lyric().hasLrc);
 }
 

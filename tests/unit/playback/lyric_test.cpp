@@ -5,6 +5,7 @@
 #include "lyrics/lrcForm.h"
 #include "playback/miniForm.h"
 #include "playlist/playInfo_Form.h"
+#include "ui/formSet.h"
 
 namespace velmora {
 namespace {
@@ -237,6 +238,14 @@ TEST_F(DesktopLine, IsHiddenAndShownAgainWhenItIsPlaced) {
     windows.shown.clear();
     form().position();
     EXPECT_EQ(windows.shown, std::vector<std::string>{"lrcForm"});
+}
+
+TEST_F(DesktopLine, IsBroughtToTheTopWheneverItIsPlaced) {
+    form().position();
+    app.formSet().set_Topmost(form().hWnd(), false);
+    ASSERT_FALSE(form().topmost());
+    form().position();
+    EXPECT_TRUE(form().topmost());
 }
 
 TEST_F(DesktopLine, IsPlacedAgainWhenTheScreensChange) {
