@@ -163,11 +163,10 @@ bool Opening::chooseWindow() {
     }
     if (medium_.window == nullptr)
         return core_.finish(core_.set("vid", std::string("no")), answerLimit);
-    // Handing each packet and each frame from thread to thread costs more than it saves here.
-    if (!isHeavy_) {
+    // Handing each frame from thread to thread costs more than it saves here. The sound keeps its
+    // thread: the picture stands by the time that the engine waits for a server that hangs.
+    if (!isHeavy_)
         core_.set("vd-queue-enable", false);
-        core_.set("ad-queue-enable", false);
-    }
     return core_.finish(core_.set("wid", std::int64_t{medium_.window->id()}), answerLimit);
 }
 

@@ -68,8 +68,8 @@ MpvCore::Options PictureOpener::engineOptions() const {
         {"keep-open-pause", "no"},
         {"hr-seek", "yes"},
         {"resume-playback", "no"},
-        // Decoders on threads of their own, so that a heavy picture cannot starve the sound; the
-        // opening does without where the picture is light.
+        // Decoders on threads of their own, so that a heavy picture cannot starve the sound;
+        // a light picture does without.
         {"vd-queue-enable", "yes"},
         {"vd-queue-max-samples", "4"},
         {"ad-queue-enable", "yes"},
