@@ -18,6 +18,12 @@ TEST_F(LyricLoad, KeepsEveryLineThatIsNotBlankAsItStands) {
     EXPECT_EQ(lyric().nowLrcLine, u"");
 }
 
+TEST_F(LyricLoad, TakesALineOfATabForALine) {
+    load("[00:01]a\n\t\n \t \n   \n");
+    EXPECT_EQ(rowsOf(lyric().List1), (Texts{u"[00:01]a", u"\t", u" \t "}));
+    EXPECT_EQ(lyric().lrcFullText, u"a\r\n\t\r\n \t \r\n");
+}
+
 TEST_F(LyricLoad, TakesLinesThatEndInCrLfCrOrLfMixed) {
     load("[00:01]a\r\n[00:02]b\r[00:03]c\n[00:04]d");
     EXPECT_EQ(rowsOf(lyric().List1), (Texts{u"[00:01]a", u"[00:02]b", u"[00:03]c", u"[00:04]d"}));

@@ -72,6 +72,13 @@ TEST_F(FilesAndShell, AMissingFolderAFileAndNoFolderAtAllFailTheProbe) {
     EXPECT_FALSE(files.hasFile(u"/zkPlay.tmp"));
 }
 
+TEST_F(FilesAndShell, NoFolderIsNotTheRootAndProbesNothing) {
+    files.addFolder(u"/");
+    EXPECT_FALSE(work.canWriteFolder(u""));
+    EXPECT_THAT(files.changes(), IsEmpty());
+    EXPECT_EQ(files.calls("CreateTextFile"), 0);
+}
+
 // --- existence and deletion ----------------------------------------------------------------------
 
 TEST_F(FilesAndShell, AFileExistsAndAFolderAPipeAndAnEmptyPathDoNot) {
