@@ -139,10 +139,11 @@ TEST(TheSkin, IconsShareOneGridAndOneStroke) {
 }
 
 TEST(TheSkin, PlayAndPauseAreTheLargestKeysAndAlikeInSize) {
-    EXPECT_EQ(drawing("play")->width, 40);
-    EXPECT_EQ(drawing("pause")->width, 40);
+    // Circles of 40 and 32, each with a margin of 2 of its own.
+    EXPECT_EQ(drawing("play")->width, 44);
+    EXPECT_EQ(drawing("pause")->width, 44);
     for (const char *name : {"stop", "prev", "next", "open"})
-        EXPECT_EQ(drawing(name)->width, 32) << name;
+        EXPECT_EQ(drawing(name)->width, 36) << name;
 }
 
 } // namespace
