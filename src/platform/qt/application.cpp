@@ -8,6 +8,7 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <optional>
 
@@ -44,6 +45,13 @@ bool hasDisplay() {
     return works;
 }
 
+// The toolkit's words go where the program's own go. One of them comes again with every painted row
+// in a script that no installed font knows, and tells nothing that is not seen.
+void passOn(QtMsgType type, const QMessageLogContext &context, const QString &message) {
+    if (!message.contains(QLatin1String("OpenType support missing")))
+        std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, message)));
+}
+
 bool isSet(const char *name) {
     const char *value = std::getenv(name);
     return value != nullptr && *value != '\0';
@@ -77,6 +85,7 @@ Application::Application(const std::string &name)
     count_ = static_cast<int>(arguments_.size());
     arguments_.push_back(nullptr);
 
+    qInstallMessageHandler(passOn);
     // Nothing is drawn by OpenGL; looking for it takes longer than drawing the first window.
     const Setting noOpenGl("QT_XCB_GL_INTEGRATION", "none");
     // The toolkit's own loop waits with less effort than the one it borrows.

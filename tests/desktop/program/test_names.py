@@ -92,6 +92,20 @@ class HardNames(ListTest):
             self.assertEqual(log.read().count("【Successful】".encode()), len(HARD))
 
 
+class ForeignScripts(ListTest):
+    def test_scripts_that_no_font_may_know_are_listed_without_a_word_on_the_errors(self):
+        self.tracks = [f"{self.music}/{name}.wav" for name in
+                       ("नमस्ते", "வணக்கம்", "ສະບາຍດີ", "ආයුබෝවන්")]
+        for track in self.tracks:
+            silence(track)
+        self.write_list([line_of(track) for track in self.tracks])
+        player, _, rows = self.start_with_list()
+        self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == len(self.tracks), 10),
+                        "not all rows are shown")
+        with open(self.session.home + "/errors.log") as told:
+            self.assertEqual(told.read(), "")
+
+
 class EndInTheMiddle(ListTest):
     count = 0
 
