@@ -80,16 +80,8 @@ void playSetForm::setButtonHandlers() {
 // A key goes to the control that has the focus, and the window's key works from each of them.
 void playSetForm::listenForKeys(forms::Container &container) {
     for (forms::Control *control : container.controls()) {
-        switch (control->kind()) {
-        case forms::Kind::TextBox:
-        case forms::Kind::CheckBox:
-        case forms::Kind::OptionButton:
-        case forms::Kind::Custom:
+        if (control->takesFocus())
             control->on().KeyDown = [this](forms::KeyEvent &key) { keyDown(key); };
-            break;
-        default:
-            break;
-        }
         if (auto *inner = dynamic_cast<forms::Container *>(control))
             listenForKeys(*inner);
     }

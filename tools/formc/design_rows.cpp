@@ -64,6 +64,7 @@ constexpr std::array propertyTable{
     PropertyRow{"disabled", Shape::Flag, controls | menu, "setEnabled(false)"},
     PropertyRow{"opaque", Shape::Flag, label | pictureBox, "setTransparent(false)"},
     PropertyRow{"transparent", Shape::Flag, label | pictureBox, "setTransparent(true)"},
+    PropertyRow{"tabstop", Shape::Flag, label | image, "setTabStop(true)"},
     PropertyRow{"wrap", Shape::Flag, label, "setWordWrap(true)"},
     PropertyRow{"rim", Shape::Flag, label, "setRim(true)"},
     PropertyRow{"multiline", Shape::Flag, textBox, "setMultiLine(true)"},

@@ -118,6 +118,11 @@ public:
     // Repaints the control at once, without handling input.
     void refresh();
 
+    // Whether Tab stops here. What the user edits or chooses in always does; a picture or label
+    // that is clicked does where its design says so, and Enter and Space are its click then.
+    virtual bool takesFocus() const noexcept { return tabStop_; }
+    void setTabStop(bool stops) noexcept { tabStop_ = stops; }
+
     // The name for assistive technology: tool tip, else caption, else empty.
     virtual std::u16string accessibleName() const { return toolTip_; }
 
@@ -145,6 +150,7 @@ private:
     MouseIcon mouseIcon_ = MouseIcon::None;
     bool visible_ = true;
     bool enabled_ = true;
+    bool tabStop_ = false;
 };
 
 // Tells whether a control or form still lives, for code that goes on after a handler. Lives on the

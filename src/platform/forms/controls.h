@@ -11,7 +11,7 @@ namespace velmora::forms {
 
 enum class Alignment : std::uint8_t { Left = 0, Right = 1, Centre = 2 };
 
-// A line or block of text; never takes the focus. With `autoSize`, writing a caption (even the
+// A line or block of text. With `autoSize`, writing a caption (even the
 // same) or the font fits width and height to the text and keeps Left and Top; a size written
 // afterwards holds until the next caption or font. The same caption on a label that fits costs
 // nothing. Not auto-sized labels clip, or wrap when `wordWrap` is set.
@@ -57,7 +57,7 @@ private:
     bool rim_ = false;
 };
 
-// A picture drawn over the control's rectangle; never takes the focus.
+// A picture drawn over the control's rectangle.
 class Image : public Control {
 public:
     using Control::Control;
@@ -161,6 +161,7 @@ class TextBox : public Control {
 public:
     using Control::Control;
     Kind kind() const noexcept override { return Kind::TextBox; }
+    bool takesFocus() const noexcept override { return true; }
     const std::u16string &text() const noexcept { return text_; }
     void setText(std::u16string_view text);
     bool locked() const noexcept { return locked_; }
@@ -192,6 +193,7 @@ class CheckBox : public Control {
 public:
     using Control::Control;
     Kind kind() const noexcept override { return Kind::CheckBox; }
+    bool takesFocus() const noexcept override { return true; }
     std::int16_t value() const noexcept { return value_; }
     void setValue(std::int16_t value);
     const std::u16string &caption() const noexcept { return caption_; }
@@ -213,6 +215,7 @@ class OptionButton : public Control {
 public:
     using Control::Control;
     Kind kind() const noexcept override { return Kind::OptionButton; }
+    bool takesFocus() const noexcept override { return true; }
     bool value() const noexcept { return value_; }
     void setValue(bool value);
     const std::u16string &caption() const noexcept { return caption_; }

@@ -34,9 +34,12 @@ UserControl *asCustom(Control *control) noexcept {
                : nullptr;
 }
 
-bool tabFocuses(Control &control) noexcept {
-    const UserControl *custom = asCustom(&control);
-    return custom != nullptr ? custom->takesFocus() : clickFocuses(control.kind());
+// A picture or label that Tab stops at is clicked by these.
+bool isClickKey(const Control &control, std::int16_t keyCode) noexcept {
+    constexpr std::int16_t enterKey = 13;
+    constexpr std::int16_t spaceKey = 32;
+    return (control.kind() == Kind::Image || control.kind() == Kind::Label) &&
+           control.takesFocus() && (keyCode == enterKey || keyCode == spaceKey);
 }
 
 const Container *asContainer(const Control &control) noexcept {
@@ -335,6 +338,10 @@ bool Form::keyPressed(std::int16_t keyCode, std::int16_t shift) {
         raiseIfSet(handlerOf(target != nullptr ? target->events() : events_.get(),
                              &ControlEvents::KeyDown),
                    event);
+        if (watch && enabled_ && target != nullptr && isClickKey(*target, event.keyCode)) {
+            event.keyCode = 0;
+            clickOn(target);
+        }
     }
     return event.keyCode != 0 && panel == nullptr && static_cast<bool>(watch);
 }
@@ -357,7 +364,8 @@ void Form::keyReleased(std::int16_t keyCode, std::int16_t shift) {
 
 void Form::focusNext(bool backwards) {
     std::vector<Control *> order;
-    collectFocusable(*this, tabFocuses, order);
+    collectFocusable(
+        *this, [](const Control &control) { return control.takesFocus(); }, order);
     if (!enabled_ || order.empty()) {
         return;
     }

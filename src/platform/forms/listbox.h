@@ -22,6 +22,7 @@ public:
     ListBox(Container &container, const char *name);
     ~ListBox() override;
     Kind kind() const noexcept override { return Kind::ListBox; }
+    bool takesFocus() const noexcept override { return true; }
 
     std::int16_t listCount() const noexcept { return static_cast<std::int16_t>(rows_.size()); }
     const std::u16string &list(std::int32_t row) const noexcept; // the empty text out of range

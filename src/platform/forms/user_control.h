@@ -37,9 +37,6 @@ public:
 
     virtual CustomLook look() const = 0;
 
-    // Whether Tab may give it the focus.
-    virtual bool takesFocus() const noexcept { return false; }
-
     // The device pixels of one logical pixel where the control is shown; 1 before there is a
     // window.
     double scale() const noexcept;

@@ -83,7 +83,7 @@ public:
             return state;
         state.invisible = !control_->isShown() || !layer_->isVisible();
         state.disabled = !control_->isLive();
-        state.focusable = ControlPainter::takesFocus(*control_);
+        state.focusable = control_->takesFocus();
         state.focused = state.focusable && control_->form().activeControl() == control_;
         return state;
     }

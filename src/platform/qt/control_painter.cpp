@@ -92,6 +92,8 @@ void ControlPainter::paint(const Job &job, const forms::Control &control) {
     default:
         break;
     }
+    if (job.focused == &control)
+        paintRing(job, place);
 }
 
 void ControlPainter::paintLabel(const Job &job, const forms::Label &label, const QRectF &place) {

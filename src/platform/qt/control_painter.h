@@ -37,14 +37,13 @@ public:
 
     // Whether the control itself can make holes in a form with a key.
     static bool makesHoles(const forms::Control &control);
-    // Whether Tab stops there.
-    static bool takesFocus(const forms::Control &control);
 
 private:
     void paintLabel(const Job &job, const forms::Label &label, const QRectF &place);
     void paintBox(const Job &job, const forms::PictureBox &box, const QRectF &place);
     void paintFrame(const Job &job, const forms::Frame &frame, const QRectF &place);
     void paintCustom(const Job &job, const forms::UserControl &control, const QRectF &place);
+    static void paintRing(const Job &job, const QRectF &place);
     static void paintLine(const Job &job, const forms::Line &line);
     static void paintShape(const Job &job, const forms::Shape &shape, const QRectF &place);
     static void fill(const Job &job, const QRectF &area, Colour colour);

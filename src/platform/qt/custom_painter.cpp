@@ -49,20 +49,6 @@ void paintGround(QPainter &painter, const forms::CustomLook &look, const QRectF 
 
 } // namespace
 
-bool ControlPainter::takesFocus(const forms::Control &control) {
-    switch (control.kind()) {
-    case forms::Kind::ListBox:
-    case forms::Kind::TextBox:
-    case forms::Kind::CheckBox:
-    case forms::Kind::OptionButton:
-        return true;
-    case forms::Kind::Custom:
-        return static_cast<const forms::UserControl &>(control).takesFocus();
-    default:
-        return false;
-    }
-}
-
 void ControlPainter::paintCustom(const Job &job, const forms::UserControl &control,
                                  const QRectF &place) {
     if (place.isEmpty())
@@ -98,15 +84,17 @@ void ControlPainter::paintCustom(const Job &job, const forms::UserControl &contr
         paintGround(job.painter, look, place, job.density);
         paintCaption(job.painter, place.topLeft());
     }
-    if (job.focused == &control) {
-        job.painter.setRenderHint(QPainter::Antialiasing);
-        job.painter.setPen(QPen(QColor::fromRgba(look::accent), hairline(job.density)));
-        job.painter.setBrush(Qt::NoBrush);
-        const double inset = ringInset + hairline(job.density) / 2;
-        job.painter.drawRoundedRect(place.adjusted(inset, inset, -inset, -inset), ringRadius,
-                                    ringRadius);
-        job.painter.setRenderHint(QPainter::Antialiasing, false);
-    }
+}
+
+// Round what has the keyboard.
+void ControlPainter::paintRing(const Job &job, const QRectF &place) {
+    job.painter.setRenderHint(QPainter::Antialiasing);
+    job.painter.setPen(QPen(QColor::fromRgba(look::accent), hairline(job.density)));
+    job.painter.setBrush(Qt::NoBrush);
+    const double inset = ringInset + hairline(job.density) / 2;
+    job.painter.drawRoundedRect(place.adjusted(inset, inset, -inset, -inset), ringRadius,
+                                ringRadius);
+    job.painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
 } // namespace velmora::platform::qt

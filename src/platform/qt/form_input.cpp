@@ -109,6 +109,7 @@ bool FormInput::childEvent(forms::Control &control, QWidget &widget, QEvent &eve
     case QEvent::FocusIn:
         if (form_.activeControl() != &control && form_.enabled())
             form_.setFocus(&control);
+        scene_.followFocus();
         return false;
     case QEvent::ToolTip:
         return tip(widget, static_cast<QHelpEvent &>(event));

@@ -185,14 +185,13 @@ void QtFormWindow::focus(forms::Control *control) {
     if (top_ == nullptr)
         return;
     QWidget *widget = control != nullptr ? scene_.widgetOf(*control) : nullptr;
-    if (widget != nullptr && ControlPainter::takesFocus(*control)) {
+    if (widget != nullptr && control->takesFocus()) {
         if (!widget->hasFocus())
             widget->setFocus();
     } else {
         top_->setFocus();
     }
-    if (control != nullptr && control->kind() == forms::Kind::Custom)
-        top_->update();
+    scene_.followFocus();
 }
 
 std::uintptr_t QtFormWindow::pictureWindow(forms::PictureBox &box) {

@@ -111,7 +111,7 @@ void QtFormWindow::firstFocus() {
     if (wanted == nullptr)
         wanted = scene_.nextFocus(nullptr, true);
     QWidget *widget = wanted != nullptr ? scene_.widgetOf(*wanted) : nullptr;
-    if (widget != nullptr && ControlPainter::takesFocus(*wanted))
+    if (widget != nullptr && wanted->takesFocus())
         widget->setFocus();
     else
         top_->setFocus();

@@ -247,6 +247,8 @@ void Scene::controlChanged(forms::Control &control, forms::Change what, const Re
 void Scene::controlGone(forms::Control &control) {
     if (owedFocus_ == &control)
         owedFocus_ = nullptr;
+    if (ringed_ == &control)
+        ringed_ = nullptr;
     forgetMarks();
     if (top_ != nullptr)
         top_->update();
@@ -318,8 +320,12 @@ void Scene::paint(const Layer &layer, QPainter &painter, const QRect &dirty, dou
         painter.translate(-origin);
     }
     const ControlPainter::Job job{
-        painter, QRectF(dirty.translated(origin)), density, keyed,
-        [this](const forms::Control &control) { return own_.contains(&control); }};
+        painter,
+        QRectF(dirty.translated(origin)),
+        density,
+        keyed,
+        [this](const forms::Control &control) { return own_.contains(&control); },
+        ringed_};
     if (root != nullptr) {
         painter_.paint(job, *root);
         return;

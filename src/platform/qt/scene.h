@@ -70,6 +70,8 @@ public:
     // The control that the focus goes to from `from`, in design order; null if there is none.
     forms::Control *nextFocus(const forms::Control *from, bool forward) const;
     bool moveFocus(bool forward);
+    // The ring is drawn round what is the active control now, where that is painted.
+    void followFocus();
 
     bool keyed = false; // the window cuts out the key colour
 
@@ -115,6 +117,7 @@ private:
     Layer *top_ = nullptr;
     std::unordered_map<const forms::Control *, Own> own_;
     std::vector<Mark> marks_;                   // the latest that are still to be painted
+    const forms::Control *ringed_ = nullptr;    // the last that the ring was asked for
     const forms::Control *owedFocus_ = nullptr; // lost it while disabled or covered
 };
 

@@ -4,6 +4,8 @@
 #include "platform/qt/loop.h"
 #include "platform/qt/scene.h"
 
+#include <utility>
+
 namespace velmora::platform::qt {
 
 namespace {
@@ -185,8 +187,7 @@ QWidget *Scene::nativeBox(forms::PictureBox &box) {
 forms::Control *Scene::nextFocus(const forms::Control *from, bool forward) const {
     std::vector<const forms::Control *> stops;
     walk(form_, [&](const forms::Control &control) {
-        if (control.isShown() && control.isLive() && ControlPainter::takesFocus(control) &&
-            !isCovered(control))
+        if (control.isShown() && control.isLive() && control.takesFocus() && !isCovered(control))
             stops.push_back(&control);
         return true;
     });
@@ -206,6 +207,15 @@ bool Scene::moveFocus(bool forward) {
         return false;
     form_.setFocus(next);
     return true;
+}
+
+void Scene::followFocus() {
+    const forms::Control *const before = std::exchange(ringed_, form_.activeControl());
+    if (before == ringed_)
+        return;
+    for (const forms::Control *control : {before, ringed_})
+        if (control != nullptr && !hasChildView(*control))
+            update(*control, control->placeInForm());
 }
 
 } // namespace velmora::platform::qt

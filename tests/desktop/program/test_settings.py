@@ -170,9 +170,8 @@ class ByMouse(SettingsTest):
 
 
 class ByKeyboard(SettingsTest):
-    """The keyboard goes through the window as it is designed: tabs, about, page, OK, Cancel, Apply.
-
-    On opening it is at the first choice of the page.
+    """The keyboard goes through the window as it is designed: close, tabs, about, page, restore, OK,
+    Cancel, Apply. On opening it is at the first choice of the page.
     """
 
     def back(self, steps):
@@ -181,15 +180,36 @@ class ByKeyboard(SettingsTest):
     def on(self, steps):
         self.keys(*["Tab"] * steps)
 
+    def open_page(self, tab):
+        """Leaves the keyboard at the first stop of the page."""
+        settings = self.open()
+        steps = len(PAGES) - PAGES.index(tab)
+        self.back(1 + steps)  # about, and the tabs down to this
+        self.keys("Return")
+        self.steady_page(settings)
+        self.on(steps + 1)
+        return settings
+
+    def assert_box(self):
+        box = self.player.box()
+        self.assertTrue(box, "no box comes up")
+        quiet("xdotool", "windowfocus", "--sync", box, env=self.session.env)
+        return box
+
+    def assert_back(self, box):
+        """The box is away, and the settings have the keyboard again."""
+        self.assertTrue(self.player.gone(box), "the box stays")
+        settings = self.player.form(SETTINGS)
+        quiet("xdotool", "windowfocus", "--sync", settings, env=self.session.env)
+        self.steady_page(settings)
+
     def test_a_language_is_chosen_and_applied_without_a_mouse(self):
         self.begin()
         before = self.look(self.window)
-        self.open()
-        self.back(4)  # about, help, shortcuts, languages
-        self.keys("Return")
-        self.on(6)  # shortcuts, help, about, Chinese, English, French
+        self.open_page("languageSet")
+        self.on(2)  # English, French
         self.keys("space")
-        self.on(4)  # Japanese, OK, Cancel, Apply
+        self.on(5)  # Japanese, restore, OK, Cancel, Apply
         self.keys("Return")
         self.assert_stored("Language", "2")
         self.assertTrue(wait_for(lambda: self.look(self.window) != before))
@@ -197,7 +217,7 @@ class ByKeyboard(SettingsTest):
     def test_each_page_is_opened_without_a_mouse(self):
         self.begin()
         settings = self.open()
-        self.back(8)
+        self.back(2 + len(PAGES))
         pages = []
         for _ in PAGES:
             self.keys("Tab", "Return")
@@ -207,10 +227,32 @@ class ByKeyboard(SettingsTest):
     def test_the_order_goes_round_backwards_too(self):
         self.begin()
         self.open()
-        self.back(9)  # past the tabs to Apply and Cancel
+        self.back(1 + len(PAGES) + 3)  # about, the tabs, close, Apply, Cancel
         self.keys("space")
         self.assert_closed()
         self.assertIsNone(self.stored("PlayMode"))
+
+    def test_the_close_sign_closes_without_a_mouse(self):
+        self.begin()
+        self.open()
+        self.back(1 + len(PAGES) + 1)
+        self.keys("Return")
+        self.assert_closed()
+        self.assertIsNone(self.stored("PlayMode"))
+
+    def test_what_has_the_keyboard_is_seen(self):
+        self.begin()
+        settings = self.open()
+        plain = self.steady(settings, "qd")
+        self.on(7)  # in order, random, repeat, update, video, restore, OK
+        self.assertNotEqual(self.steady(settings, "qd"), plain, "nothing marks the button")
+        self.on(1)
+        self.assertEqual(self.steady(settings, "qd"), plain, "the mark stays")
+
+    def steady(self, settings, control):
+        left, top, width, height = SETTINGS[control]
+        self.steady_page(settings)
+        return self.look(settings, left, top, width, height)
 
     def test_a_choice_is_made_with_the_space_bar(self):
         self.begin()
@@ -219,25 +261,120 @@ class ByKeyboard(SettingsTest):
         self.keys("space")
         self.on(2)  # repeat, update
         self.keys("space")
-        self.on(2)  # video, OK
+        self.on(3)  # video, restore, OK
         self.keys("Return")
         self.assert_closed()
         self.assert_stored("PlayMode", "1")
         self.assertEqual(self.stored("AutoUpadate"), "1")
 
-    def test_a_typed_folder_is_confirmed_from_its_box_and_made(self):
+    def test_automatic_play_is_switched_off_and_its_modes_are_passed_by(self):
         self.begin()
         self.open()
+        self.keys("space")
+        self.on(2)  # update, video
+        self.keys("space")
+        self.keys("ctrl+s")
+        self.assert_closed()
+        self.assert_stored("VideoInterface", "1")
+        self.assertEqual(self.stored("isAutoPlay"), "1")
+
+    def test_a_typed_folder_is_confirmed_from_its_box_and_made(self):
+        self.begin()
         folder = self.session.home + "/my lists"
-        self.back(5)
-        self.keys("Return")
-        self.on(6)  # languages, shortcuts, help, about, lyrics, play list
+        self.open_page("folderSet")
+        self.on(2)  # the lyrics' folder sign, play list
         self.keys("ctrl+a")
         quiet("xdotool", "type", "--delay", "10", folder, env=self.session.env)
         self.keys("ctrl+s")
         self.assert_closed()
         self.assert_stored("PlayListSaveFolder", folder)
         self.assertTrue(wait_for(lambda: os.path.isdir(folder)), "the folder is not made")
+
+    def test_each_folder_is_chosen_in_its_dialog_without_a_mouse(self):
+        names = ("LrcSaveFolder", "PlayListSaveFolder", "PlayCacheSaveFolder")
+        self.begin()
+        self.open_page("folderSet")
+        for name in names:
+            os.makedirs(f"{self.session.home}/{name}")
+            self.on(1)
+            self.keys("Return")
+            box = self.assert_box()
+            self.type_into(box, f"{self.session.home}/{name}")
+            self.assert_back(box)
+            self.on(1)
+        self.keys("ctrl+s")
+        self.assert_closed()
+        for name in names:
+            self.assert_stored(name, f"{self.session.home}/{name}/")
+
+    def test_fonts_and_colours_are_chosen_without_a_mouse(self):
+        self.begin()
+        self.open_page("lrcSet")
+        self.keys("space")  # open the line by itself
+        for size, colour in ((20, "#10ff20"), (30, "#0102ff")):
+            self.on(2)  # preview, font
+            self.keys("Return")
+            box = self.assert_box()
+            self.keys("alt+s", "ctrl+a")
+            quiet("xdotool", "type", str(size), env=self.session.env)
+            self.keys("Return")
+            self.assert_back(box)
+            self.on(1)
+            self.keys("space")
+            box = self.assert_box()
+            self.keys("alt+h", "ctrl+a")
+            quiet("xdotool", "type", colour, env=self.session.env)
+            self.keys("Return")
+            self.assert_back(box)
+        self.keys("ctrl+s")
+        self.assert_closed()
+        self.assert_stored("Other_Lrc_ForeColor", 0xFF0201)
+        stored = {name: self.stored(name) for name in
+                  ("Desktop_Lrc_AutoOpen", "Desktop_Lrc_Size", "Desktop_Lrc_ForeColor",
+                   "Other_Lrc_Size")}
+        self.assertEqual(stored, {"Desktop_Lrc_AutoOpen": "1", "Desktop_Lrc_Size": 20,
+                                  "Desktop_Lrc_ForeColor": 0x20FF10, "Other_Lrc_Size": 14})
+
+    def test_the_long_texts_scroll_without_a_mouse(self):
+        self.begin()
+        for tab in ("help", "Shortcuts"):
+            settings = self.open_page(tab)
+            top = self.steady_page(settings)
+            self.keys("Next", "Next")
+            self.assertNotEqual(self.steady_page(settings), top, f"{tab} does not scroll")
+            self.keys("ctrl+s")
+            self.assert_closed()
+
+    def test_the_about_window_is_opened_and_closed_without_a_mouse(self):
+        self.watch_desktop()
+        self.begin()
+        settings = self.open()
+        self.back(1)
+        self.keys("Return")
+        about = self.player.form(ABOUT)
+        self.assertTrue(about, "the about window does not come up")
+        quiet("xdotool", "windowfocus", "--sync", about, env=self.session.env)
+        self.back(2)  # close, the second address
+        self.keys("Return")
+        self.assertTrue(wait_for(self.opened), "the address is not handed over")
+        self.assertTrue(self.opened()[0].startswith("mailto:"))
+        self.on(1)
+        self.keys("space")
+        self.assertTrue(wait_for(lambda: not self.visible(ABOUT)), "it stays")
+        quiet("xdotool", "windowfocus", "--sync", settings, env=self.session.env)
+        self.keys("ctrl+s")
+        self.assert_closed()
+
+    def test_restore_asks_without_a_mouse(self):
+        self.begin()
+        self.open()
+        self.on(6)  # in order, random, repeat, update, video, restore
+        self.keys("Return")
+        box = self.assert_box()
+        self.keys("n")
+        self.assert_back(box)
+        self.keys("ctrl+s")
+        self.assert_closed()
 
     def test_ctrl_s_opens_it_and_confirms_it(self):
         self.begin()

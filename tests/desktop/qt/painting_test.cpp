@@ -81,6 +81,31 @@ TEST_F(PaintTest, ShapesLinesLabelsAndBoxesStandWhereTheDesignPutsThem) {
     EXPECT_EQ(form.pixel(149, 40), 0x232A35U);
 }
 
+TEST_F(PaintTest, ARingStandsRoundThePaintedControlThatHasTheKeyboard) {
+    constexpr std::uint32_t accent = 0x5BE0CF;
+    PaintForm form;
+    forms::TextBox text(form, "text");
+    text.move({2250, 1950, 900, 300});
+    form.image.setTabStop(true);
+    form.label.setTabStop(true);
+    form.appear();
+    const auto ringed = [&](bool image, bool label) {
+        return desk().pump([&] {
+            return (form.pixel(165, 81) == accent) == image &&
+                   (form.pixel(70, 71) == accent) == label;
+        });
+    };
+    EXPECT_TRUE(ringed(false, false)); // the box has it
+    form.setFocus(&form.image);
+    EXPECT_TRUE(ringed(true, false));
+    form.setFocus(&form.label);
+    EXPECT_TRUE(ringed(false, true));
+    // A click into the box takes it away from there.
+    desk().click(form.screenX(170), form.screenY(140));
+    EXPECT_TRUE(ringed(false, false));
+    EXPECT_EQ(form.activeControl(), &text);
+}
+
 TEST_F(PaintTest, LettersAreDrawnInTheLabel) {
     PaintForm form;
     form.appear();

@@ -104,6 +104,8 @@ INSTANTIATE_TEST_SUITE_P(
                       CodeCase{"Label", "tag \"1\"", "setTag(u\"1\")"},
                       CodeCase{"Label", "pointer hand", "setMousePointer(forms::pointerCustom)"},
                       CodeCase{"Label", "pointer hand", "setMouseIcon(forms::MouseIcon::Hand)"},
+                      CodeCase{"Image", "tabstop", "setTabStop(true)"},
+                      CodeCase{"Label", "tabstop", "setTabStop(true)"},
                       CodeCase{"Image", "picture play", "setPicture(forms::Picture::play)"},
                       CodeCase{"Shape", "fill @text", "setFillColor(0xF3EDE9)"},
                       CodeCase{"Line", "ends 1 2 3 4", "setEnds(1.0F, 2.0F, 3.0F, 4.0F)"},

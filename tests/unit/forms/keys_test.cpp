@@ -168,6 +168,60 @@ TEST_F(KeysTest, TabGoesRoundInTheOrderOfTheDesign) {
     EXPECT_EQ(form.activeControl(), &option);
 }
 
+TEST_F(KeysTest, TabStopsAtAPictureWhereTheDesignSaysSo) {
+    Image passed(form, "passed");
+    Image picture(form, "picture");
+    Label line(form, "line");
+    picture.setTabStop(true);
+    line.setTabStop(true);
+    form.show();
+    EXPECT_EQ(form.activeControl(), &list); // what is chosen in has the focus first
+    std::vector<Control *> order;
+    for (int i = 0; i < 4; ++i) {
+        form.focusNext(false);
+        order.push_back(form.activeControl());
+    }
+    EXPECT_EQ(order, (std::vector<Control *>{&text, &picture, &line, &list}));
+}
+
+TEST_F(KeysTest, EnterAndSpaceClickAPictureThatHasTheFocusAndOtherKeysDoNot) {
+    Image picture(form, "picture");
+    picture.setTabStop(true);
+    logEvents(picture.on(), "picture", log);
+    form.setFocus(&picture);
+    EXPECT_FALSE(form.keyPressed(13, 0));
+    EXPECT_FALSE(form.keyPressed(32, 0));
+    EXPECT_TRUE(form.keyPressed(65, 0));
+    EXPECT_EQ(log,
+              (Log{"picture key", "picture click", "picture key", "picture click", "picture key"}));
+}
+
+TEST_F(KeysTest, AClickByKeyIsOffForAHandlerThatSwallowsItAndForADisabledPicture) {
+    Image picture(form, "picture");
+    picture.setTabStop(true);
+    int clicks = 0;
+    picture.on().Click = [&] { ++clicks; };
+    picture.on().KeyDown = [](KeyEvent &event) { event.keyCode = 0; };
+    form.setFocus(&picture);
+    form.keyPressed(13, 0);
+    picture.on().KeyDown = [&](KeyEvent &) { form.setEnabled(false); };
+    form.keyPressed(13, 0);
+    form.setEnabled(true);
+    picture.on().KeyDown = nullptr;
+    picture.setEnabled(false);
+    form.keyPressed(13, 0);
+    EXPECT_EQ(clicks, 0);
+}
+
+TEST_F(KeysTest, AClickByKeyMayEndThePicture) {
+    auto picture = std::make_unique<Image>(form, "picture");
+    picture->setTabStop(true);
+    picture->on().Click = [&] { picture.reset(); };
+    form.setFocus(picture.get());
+    EXPECT_FALSE(form.keyPressed(13, 0));
+    EXPECT_EQ(picture, nullptr);
+}
+
 TEST_F(KeysTest, TheViewReportsAFocusThatTheUserGaveWithoutAnEcho) {
     auto &window = shown();
     window.focused = nullptr;

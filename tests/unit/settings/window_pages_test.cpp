@@ -80,6 +80,22 @@ TEST_F(SettingsPages, HoldTheirControls) {
         EXPECT_EQ(&control->container(), &form) << control->name();
 }
 
+// The mark is a part of the page, so that it shows what is open without a state of the tab.
+TEST_F(SettingsPages, HaveAMarkBesideTheirTab) {
+    const forms::Shape *const marks[] = {&form.playMark,     &form.lrcMark,  &form.folderMark,
+                                         &form.languageMark, &form.helpMark, &form.ShortcutsMark};
+    std::size_t index = 0;
+    for (const Page &page : pages()) {
+        const forms::Shape &mark = *marks[index++];
+        EXPECT_EQ(mark.container().asControl(), &page.frame) << mark.name();
+        const RectTwips place = mark.placeInForm();
+        const RectTwips tab = page.tab.placeInForm();
+        EXPECT_EQ(place.top + place.height / 2, tab.top + tab.height / 2) << mark.name();
+        EXPECT_EQ(place.left, page.frame.left());
+        EXPECT_TRUE(mark.visible());
+    }
+}
+
 TEST_F(SettingsPages, StartWithThePlaybackOptions) {
     for (const Page &page : pages())
         EXPECT_EQ(page.frame.visible(), &page.frame == &form.playFrame) << page.frame.name();
