@@ -121,7 +121,9 @@ Server::Server(Catalogue &catalogue, const std::string &address, int port)
     SocketAddress place = socketAddress(address, port);
     if (place.loopback)
         catalogue.acceptOnlyThisMachine();
-    unsigned flags = MHD_USE_AUTO_INTERNAL_THREAD;
+    // Plain polling, not the library's own choice: with edges alone it waits for ever for room on a
+    // connection that took a part of a file only because sending was interrupted.
+    unsigned flags = MHD_USE_POLL_INTERNAL_THREAD | MHD_USE_ITC;
     if (place.six)
         flags |= MHD_USE_IPv6;
     daemon_->running = MHD_start_daemon(

@@ -9,6 +9,7 @@ The catalogue's program is named by the environment: VELMORA_CATALOGUE.
 import os
 import signal
 import sys
+import time
 import unittest
 
 from household import HouseholdTest
@@ -18,6 +19,7 @@ from session import Recorder, quiet, wait_for
 LYRICS = design("src/network/search_Lrc_Internet_Form.form")
 SONGS = design("src/network/search_Song_Internet_Form.form")
 PANEL = (180 / 15, 480 / 15)  # of the download
+BAR = (PANEL[0] + 240 / 15, PANEL[1] + 2610 / 15, 3930 / 15, 270 / 15)
 STOP = (PANEL[0] + (1470 + 735) / 15, PANEL[1] + (3720 + 195) / 15)
 ROW = 27
 LYRIC = "[00:01.00]first words\r\n[00:02.00]second words\r\n"
@@ -86,6 +88,81 @@ class Lyrics(NetworkTest):
         self.player.click(window, "close", form=LYRICS)
         self.assertTrue(self.player.gone(window))
 
+    def tagged(self, name, title, artist):
+        """A track whose tag says this."""
+        path = f"{self.music}/{name}.wav"
+        stairs(path, 5)
+        with open(path, "ab") as file:
+            file.write(b"TAG" + title.encode().ljust(30, b"\0") + artist.encode().ljust(30, b"\0") +
+                       bytes(64) + b"\xff")
+        return path
+
+    def offer(self, name, title, artist):
+        """A lyric of the catalogue, and what it holds as the catalogue gives it."""
+        text = f"[ti:{title}]\r\n[ar:{artist}]\r\n[00:01.00]{name}\r\n"
+        with open(f"{self.served}/{name}.lrc", "w", newline="", encoding="utf-8") as file:
+            file.write(text)
+        return text.encode()
+
+    def test_a_lyric_is_looked_for_by_the_tag_then_by_the_title_then_by_the_name(self):
+        both = self.offer("one", "Evening", "Anna")
+        self.offer("two", "Evening", "Berta")
+        title = self.offer("three", "Morning", "Clara")
+        name = self.offer("four", "Noonday", "Dora")
+        tracks = [self.tagged("By both", "Evening", "Anna"),
+                  self.tagged("By title", "Morning", "Nobody"),
+                  self.tagged("Noonday", "Unheard", "Unknown")]
+        self.serve()
+        self.write_list(tracks)
+        self.begin()
+        for track, expected in zip(("By both", "By title", "Noonday"), (both, title, name)):
+            self.session.key("F6", self.window)
+            self.assert_content(self.app("Lyrics", track + ".LRC"), expected)
+
+    def at_rest(self, seconds=10):
+        """What the main window's line shows, once it stands still."""
+        since = [None, 0]
+
+        def look():
+            now = self.player.look(self.window, "lrcBox")
+            if now != since[0]:
+                since[:] = now, time.monotonic()
+            return now if time.monotonic() - since[1] > 0.5 else None
+        return wait_for(look, seconds)
+
+    def test_a_lyric_that_was_searched_and_fetched_is_shown_in_time(self):
+        words = "[00:40.00]all in good time\r\n"
+        with open(self.served + "/In time.lrc", "w", newline="", encoding="utf-8") as file:
+            file.write(words)
+        # The same words of a lyric that lies beside its track tell how they look.
+        for name in ("known", "unheard"):
+            stairs(f"{self.music}/{name}.wav", 60, level=0.05, step=0)
+        with open(self.music + "/known.lrc", "w", newline="", encoding="utf-8") as file:
+            file.write("[00:00.00]all in good time\r\n")
+        self.serve()
+        self.write_list([f"{self.music}/{name}.wav" for name in ("known", "unheard")])
+        self.begin()
+        self.player.tool("mousemove", 1270, 790)
+        before = self.at_rest()
+        self.session.key("F6", self.window)
+        self.assertTrue(wait_for(lambda: self.at_rest() != before, 10))
+        known = self.at_rest()
+        self.session.key("F6", self.window)
+        self.assert_title(self.player, self.window, "unheard")
+        window = self.open("search_Lrc_Internet", LYRICS)
+        self.look_for(window, LYRICS, "In time")
+        self.fetch_first(window, LYRICS)
+        self.assert_content(self.app("Lyrics", "unheard.LRC"), words.encode())
+        self.player.click(window, "close", form=LYRICS)
+        self.assertTrue(self.player.gone(window))
+        self.player.click(self.window, "load_Played_BG", share=37 / 60 * 0.98)
+        begun = time.monotonic()
+        self.player.tool("mousemove", 1270, 790)
+        self.assertNotEqual(self.player.look(self.window, "lrcBox"), known, "it comes too early")
+        self.assertTrue(wait_for(lambda: self.player.look(self.window, "lrcBox") == known, 15),
+                        "it never comes")
+        self.assertTrue(1 < time.monotonic() - begun < 6, "it does not come in time")
+
     def test_the_window_closes_by_its_button_and_opens_again(self):
         self.serve()
         self.begin()
@@ -121,14 +198,14 @@ class Songs(NetworkTest):
         self.assertTrue(self.player.gone(box))
         self.assertTrue(os.path.exists(self.cached("LOW TONE.WAV")))
 
-    def big_song(self):
+    def big_song(self, size):
         """A file that takes a while, mostly a hole on the disk."""
-        stairs(self.served + "/Big.wav", 1)
+        stairs(self.served + "/Big.wav", 10)
         with open(self.served + "/Big.wav", "r+b") as file:
-            file.truncate(1_900_000_000)
+            file.truncate(size)
 
-    def begin_big_download(self):
-        self.big_song()
+    def begin_big_download(self, size=1_900_000_000):
+        self.big_song(size)
         self.serve()
         self.begin()
         window = self.open("search_Song_Internet", SONGS)
@@ -165,6 +242,50 @@ class Songs(NetworkTest):
             return wait_for(lambda: os.path.getsize(self.cached("BIG.WAV")) != before, 0.5) is None
         self.assertTrue(wait_for(steady, 15))
         self.assertLess(os.path.getsize(self.cached("BIG.WAV")), 1_900_000_000)
+
+    def filled(self, window):
+        """How much of the bar is filled, by the grey of its upper edge; nothing of it is 0."""
+        left, top, width, _ = BAR
+        row = self.player.picture(window, left, top + 2, width, 1)
+        return sum(pixel > 60 for pixel in row) / width
+
+    def size_of(self, name):
+        return os.path.getsize(self.cached(name)) if os.path.exists(self.cached(name)) else 0
+
+    def test_a_song_stopped_half_way_is_fetched_again_over_its_part_and_heard(self):
+        size = 200_000_000
+        # The part is there as soon as a tenth has come; the server then holds its breath.
+        window = self.begin_big_download(size)
+        part = wait_for(lambda: self.size_of("BIG.WAV") > size / 10, 20, 0.002)
+        self.server.send_signal(signal.SIGSTOP)
+        self.assertTrue(part)
+
+        def still():
+            before = self.size_of("BIG.WAV")
+            return wait_for(lambda: self.size_of("BIG.WAV") != before, 0.3) is None
+        self.assertTrue(wait_for(still, 10))
+        come = self.size_of("BIG.WAV") / size
+        self.assertTrue(0.1 < come < 0.9, f"{come} of it came at once")
+        self.assertAlmostEqual(self.filled(window), come, delta=0.05)
+        self.player.click(window, "close", form=SONGS)
+        self.server.send_signal(signal.SIGCONT)
+        self.assertTrue(self.player.gone(window))
+        self.assertTrue(wait_for(still, 10))
+        self.assertLess(self.size_of("BIG.WAV"), size)
+        recorder = Recorder(self.session)
+        self.addCleanup(recorder.close)
+        window = self.open("search_Song_Internet", SONGS)
+        self.look_for(window, SONGS, "Big")
+        self.fetch_first(window, SONGS)
+        box = self.player.box()
+        self.assertTrue(box, "it does not ask")
+        self.session.key("y", box)
+        self.assertTrue(self.player.gone(box))
+        self.assertTrue(wait_for(lambda: self.size_of("BIG.WAV") == size, 30))
+        self.assertTrue(wait_for(lambda: os.path.exists(self.list_file()) and
+                                 self.list_lines() == [self.cached("BIG.WAV")], 15))
+        heard = self.now_playing(recorder)
+        self.assertTrue(heard and 150 < heard < 1500, f"{heard} Hz is heard")
 
     def test_the_program_ends_in_the_middle_of_a_download(self):
         window = self.begin_big_download()
