@@ -91,8 +91,9 @@ class Player:
         self.session = session
         self.screen_width = int(session.screen.split("x")[0])
         self.errors = open(session.home + "/errors.log", "ab")
-        self.child = subprocess.Popen([program], env=session.env, stderr=self.errors,
-                                      stdout=subprocess.DEVNULL, start_new_session=True)
+        self.child = subprocess.Popen([os.path.abspath(program)], env=session.env,
+                                      stderr=self.errors, stdout=subprocess.DEVNULL,
+                                      start_new_session=True, cwd=session.home)
         self.errors.close()
         session.children.append(self.child)
 

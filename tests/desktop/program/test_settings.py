@@ -11,9 +11,11 @@ import subprocess
 import sys
 import unittest
 
-from player import ABOUT, SETTINGS, PlayerTest, stairs
+from player import ABOUT, FORM_SIZES, LIST, SETTINGS, PlayerTest, design, stairs
 from session import quiet, wait_for
 
+INFO = design("src/playlist/playInfo_Form.form")
+FORM_SIZES.add(tuple(int(side) for side in INFO["form"][2:4]))
 KEY = "SOFTWARE\\NORVANE\\ZKPLAYER\\PLAYSET"
 PAGES = ("playSet", "lrcSet", "folderSet", "languageSet", "Shortcuts", "help")
 # The frame of a page, and places inside it, in pixels.
@@ -103,6 +105,41 @@ class ByMouse(SettingsTest):
         self.assertTrue(wait_for(lambda: self.look(self.window) != before),
                         "the main window does not change")
         self.assertTrue(self.visible(SETTINGS))
+
+    def test_a_language_reaches_every_open_window_at_once_while_a_track_plays(self):
+        track = f"{self.music}/song.wav"
+        stairs(track, 60)
+        self.write_list([track])
+        self.begin()
+        self.session.key("F6", self.window)
+        self.assert_title(self.player, self.window, "song")
+        self.player.click(self.window, "playInfo")
+        info = self.player.form(INFO)
+        self.assertTrue(info, "no track information")
+        self.player.tool("windowmove", "--sync", info, 0, 300)
+        self.player.click(self.window, "playListButton")
+        rows = self.player.form(LIST)
+        settings = self.open()
+        self.player.tool("windowmove", "--sync", settings, 1280 - 600, 380)
+        self.click(settings, SETTINGS, "languageSet")
+        self.steady_page(settings)
+        parts = [(rows, LIST, control) for control in ("title", "addFile", "Search")]
+        parts += [(info, INFO, "title"), (info, INFO, "nowPlay_Frame")]
+        parts += [(settings, SETTINGS, control) for control in ("title", "qd", "help")]
+
+        def looks():
+            return [self.look(window, *form[control]) for window, form, control in parts]
+        seen = [looks()]
+        for language in ("English", "French", "Japanese"):
+            self.press(settings, FRAME[0] + 40, FRAME[1] + (LANGUAGE_ROWS[language] + 165) / 15)
+            self.click(settings, SETTINGS, "yy")
+            # Confirmation has the same letters in three of the four languages.
+            changed = wait_for(lambda: all(
+                now != before or (before_part[2] == "qd" and language != "English")
+                for now, before, before_part in zip(looks(), seen[-1], parts)))
+            self.assertTrue(changed, f"{language} does not reach every window")
+            seen.append(looks())
+        self.assert_title(self.player, self.window, "song")
 
     def test_ok_stores_and_leaves_and_cancel_only_leaves(self):
         self.begin()
@@ -618,6 +655,24 @@ class WithOddSettings(SettingsTest):
                   ("AutoUpadate", "isAutoPlay", "PlayMode", "Language", "VideoInterface",
                    "LrcSaveFolder", "PlayListSaveFolder", "PlayCacheSaveFolder")}
         self.run_with(values | {"Desktop_Lrc_Size": (1, "36"), "Desktop_Lrc_AutoOpen": (4, 1)})
+
+    def test_numbers_out_of_range(self):
+        self.run_with({"AutoUpadate": (1, "99999999999"), "isAutoPlay": (1, "-3"),
+                       "PlayMode": (1, "77"), "Language": (1, "9"), "VideoInterface": (1, "-1"),
+                       "AutoShowWelcome": (1, "x"), "Desktop_Lrc_AutoOpen": (1, "7")})
+
+    def test_folders_that_are_files_relative_or_end_in_separators(self):
+        file = self.session.home + "/a file"
+        with open(file, "w") as out:
+            out.write("kept")
+        self.run_with({"LrcSaveFolder": (1, file), "PlayListSaveFolder": (1, "lists of mine/"),
+                       "PlayCacheSaveFolder": (1, self.session.home + "/cached//")})
+        with open(file) as kept:
+            self.assertEqual(kept.read(), "kept")
+        self.assertEqual(self.stored("LrcSaveFolder"), file)
+        self.assertTrue(os.path.isdir(self.session.home + "/cached"))
+        # A relative one counts from where the program was started.
+        self.assertTrue(os.path.isdir(self.session.home + "/lists of mine"))
 
     def test_folders_that_cannot_be(self):
         self.run_with({"LrcSaveFolder": (1, "/proc/nowhere/lyrics"),

@@ -1,0 +1,397 @@
+#!/usr/bin/env python3
+"""Every entry of both popup menus, by mouse and by keyboard, and every button of the two windows.
+
+    test_menus.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
+"""
+
+import os
+import subprocess
+import sys
+import time
+import unittest
+
+from listing import ListTest, silence
+from player import (ABOUT, ASK, CHECK, FORM_SIZES, LIST, LYRIC_SEARCH, MAIN, MINI, SETTINGS, SOURCE,
+                    TITLE, design, stairs)
+from session import Recorder, Session, quiet, wait_for
+
+EDITOR = design("src/lyrics/doLrcForm.form")
+INFO = design("src/playlist/playInfo_Form.form")
+FORM_SIZES.update(tuple(int(side) for side in form["form"][2:4]) for form in (EDITOR, INFO))
+ROW, SEPARATOR, MARGIN = 26, 9, 5  # of a menu, in pixels
+
+
+def menu_tree():
+    """The entries of each menu by its name, in order: None for a separator, else name and entries."""
+    root, stack = {}, []
+    with open(f"{SOURCE}/src/playback/MenuForm.form") as file:
+        for line in file:
+            words = line.split()
+            if not words:
+                continue
+            depth = (len(line) - len(line.lstrip())) // 4
+            if words[0] == "Menu":
+                entry = [words[1], []]
+                del stack[depth:]
+                if stack:
+                    stack[-1][1].append(entry)
+                else:
+                    root[words[1]] = entry[1]
+                stack.append(entry)
+            elif words[0] == "separator":
+                stack[-1][0] = None
+    return root
+
+
+TREE = menu_tree()
+
+
+class LargeSession(Session):
+    """With room for every window beside the main one."""
+    screen = "1800x1200x24"
+
+
+class MenuTest(ListTest):
+    count = 3
+    session_kind = LargeSession
+
+    def start_aside(self):
+        """At the top, where no other window comes to lie over it; without a sound to fade in."""
+        player, main = self.start()
+        player.tool("windowmove", "--sync", main, 700, 0)
+        player.click(main, "Volume_ICO")
+        return player, main
+
+    def open_menu(self, player, window):
+        """By the right button on the window's title or the list."""
+        if window == self.rows:
+            self.click_row(player, window, 0, button=3)
+        else:
+            player.click(window, "title", button=3)
+        menus = player.menus()
+        self.assertTrue(menus, "no menu comes up")
+        return menus[0]
+
+    def choose(self, player, window, *path):
+        menu = self.open_menu(player, window)
+        entries = TREE["playlist_Menu" if window == self.rows else "menu"]
+        for level, name in enumerate(path):
+            names = [entry[0] for entry in entries]
+            at = names.index(name)
+            if self.by_mouse:
+                y = MARGIN + sum(ROW if each else SEPARATOR for each in names[:at]) + ROW // 2
+                player.click_at(menu, 30, y)
+            else:
+                before = sum(1 for each in names[:at] if each)
+                # A menu that a key opened stands on its first entry.
+                keys = ["Down"] * (before + (1 if level == 0 else 0))
+                last = level == len(path) - 1
+                for key in keys + ["Return" if last else "Right"]:
+                    self.session.key(key)
+            entries = entries[at][1]
+            if entries:
+                menus = player.menus(level + 2)
+                self.assertTrue(menus, f"{name} opens no menu of its own")
+                menu = menus[-1]
+        self.assertIsNotNone(player.menus(0), f"{path} leaves the menu open")
+
+    def assert_window(self, player, form):
+        window = player.form(form)
+        self.assertTrue(window, "the window does not come up")
+        return window
+
+    def close(self, player, window, form, control="close"):
+        player.click(window, control, form=form)
+        self.assertTrue(player.gone(window), "the window stays")
+
+    def write_lyric(self):
+        """The same words in each second of the first track."""
+        with open(self.tracks[0].replace(".wav", ".lrc"), "w", newline="") as file:
+            file.write("".join(f"[00:{second:02}.00]Along the quiet shore\r\n"
+                               for second in range(60)))
+
+    def assert_lyric(self, player, main, empty):
+        self.assertTrue(wait_for(lambda: player.look(main, "lrcBox") != empty), "no lyric")
+
+    def line(self):
+        """The lowest part of the screen, where nothing but the desktop line is."""
+        return subprocess.run(
+            ["import", "-silent", "-window", "root", "-crop", "1800x72+0+1128", "-depth", "8",
+             "gray:-"], env=self.session.env, stdout=subprocess.PIPE, check=False).stdout
+
+    def assert_switches_the_line(self, switch):
+        bare = self.line()
+        self.assertTrue(bare)
+        switch()
+        self.assertTrue(wait_for(lambda: self.line() != bare), "no line on the desktop")
+        switch()
+        self.assertTrue(wait_for(lambda: self.line() == bare), "the line stays")
+
+
+class MainMenu(MenuTest):
+    by_mouse = True
+
+    def test_each_entry_does_its_work(self):
+        self.rows = None
+        self.write_lyric()
+        player, main = self.start_aside()
+        empty = player.look(main, "lrcBox")
+
+        def choose(*path):
+            self.choose(player, main, *path)
+        choose("playControl", "nextSong")
+        self.assert_title(player, main, "track 0")
+        choose("playControl", "nextSong")
+        self.assert_title(player, main, "track 1")
+        choose("playControl", "upSong")
+        self.assert_title(player, main, "track 0")
+        self.assert_lyric(player, main, empty)
+        playing = player.look(main, "playButton")
+        choose("playControl", "pause")
+        self.assertTrue(wait_for(lambda: player.look(main, "playButton") != playing), "no pause")
+        choose("playControl", "play")
+        self.assertTrue(wait_for(lambda: player.look(main, "playButton") == playing), "no play")
+
+        self.assert_switches_the_line(lambda: choose("desktop_Lrc"))
+        for entry, form in (("song_Info", INFO), ("doLrc", EDITOR),
+                            ("search_Lrc_To_Internet", LYRIC_SEARCH)):
+            choose(entry)
+            window = self.assert_window(player, form)
+            choose(entry)
+            self.assertTrue(player.gone(window), f"{entry} does not take its window away")
+        choose("song_GoTo_List")
+        rows = self.assert_window(player, LIST)
+        self.assertTrue(wait_for(lambda: self.is_selected(player, rows, 0)), "the row is not shown")
+        choose("playlist")
+        self.assertTrue(player.gone(rows))
+        choose("playlist")
+        rows = self.assert_window(player, LIST)
+        self.assert_touching(player, main, rows)
+        choose("playlist")  # each docking would take the main window further to the left
+        self.assertTrue(player.gone(rows))
+        choose("check_SoundDriver")
+        self.close(player, self.assert_window(player, CHECK), CHECK)
+
+        choose("detection_Update")  # silent: no maker is known to ask
+        for entry, form in (("about", ABOUT), ("help", SETTINGS), ("playSet", SETTINGS)):
+            choose(entry)
+            self.close(player, self.assert_window(player, form), form)
+        choose("mode")
+        strip = self.assert_window(player, MINI)
+        self.assertTrue(player.gone(main))
+        player.click(strip, "mini_Button", form=MINI)
+        self.assertTrue(player.window(), "the main window does not come back")
+
+        choose("playControl", "stop")
+        self.assertTrue(wait_for(lambda: player.title(main) == TITLE), "no stop")
+        choose("close")
+        self.assertTrue(player.ended())
+        self.assertEqual(player.child.returncode, 0)
+
+
+class MainMenuByKeyboard(MainMenu):
+    by_mouse = False
+
+
+class ListMenu(MenuTest):
+    by_mouse = True
+
+    def test_each_entry_does_its_work(self):
+        player, main, self.rows = self.start_with_list()
+        rows = self.rows
+
+        def choose(*path):
+            self.choose(player, rows, *path)
+        self.click_row(player, rows, 1)
+        choose("playlist_Play")
+        self.assert_title(player, main, "2/3")
+        added = self.music + "/added.wav"
+        silence(added)
+        choose("playlist_Add", "playlist_AddFile")
+        self.type_into(player.box(), added)
+        self.assert_story(player, rows, self.tracks + [added])
+        inner = self.music + "/inner"
+        os.mkdir(inner)
+        silence(inner + "/deep.wav")
+        choose("playlist_Add", "playlist_AddFolder")
+        dialog = player.box()
+        self.type_into(dialog, inner)
+        self.assertTrue(player.gone(dialog))
+        self.answer(player, "n")
+        self.assert_story(player, rows, self.tracks + [added, inner + "/deep.wav"])
+
+        self.click_row(player, rows, 0)
+        choose("playlist_OpenFolder")
+        self.assertTrue(wait_for(self.opened), "the folder is not opened")
+        self.assertEqual(self.opened()[-1].rstrip("/"), self.music)
+        target = self.session.home + "/stick"
+        os.mkdir(target)
+        choose("playlist_Send")
+        self.type_into(player.box(), target)
+        self.assertTrue(wait_for(lambda: os.listdir(target) == ["track 0.wav"]), "no copy")
+        choose("playlist_Search")
+        ask = self.assert_window(player, ASK)
+        self.write_into(player, ask, "added")
+        player.click(ask, "OK", form=ASK)
+        self.assertTrue(wait_for(lambda: self.is_selected(player, rows, 3)), "no hit")
+        choose("playlist_Alter")
+        ask = self.assert_window(player, ASK)
+        player.click(ask, "Cancel", form=ASK)
+        self.assertTrue(player.gone(ask))
+
+        self.click_row(player, rows, 0)
+        choose("playlist_Del", "playlist_DelSelect")
+        self.answer(player, "y")
+        self.assert_story(player, rows, self.tracks[1:] + [added, inner + "/deep.wav"])
+        self.click_row(player, rows, 2)
+        choose("hardDrive_Del", "hardDrive_DelSelect")
+        self.answer(player, "y")
+        self.assert_story(player, rows, self.tracks[1:] + [inner + "/deep.wav"])
+        self.assertFalse(os.path.exists(added))
+        choose("playlist_Del", "playlist_DelAll")
+        self.answer(player, "y")
+        self.assert_story(player, rows, [])
+        self.write_list(self.tracks[:2])
+        choose("playlist_afreshLoad")
+        self.assert_story(player, rows, self.tracks[:2])
+        choose("hardDrive_Del", "hardDrive_DelAll")
+        self.answer(player, "y")
+        self.assert_story(player, rows, [])
+        self.assertEqual([os.path.exists(track) for track in self.tracks], [False, False, True])
+        choose("playlist_Hide")
+        self.assertTrue(player.gone(rows))
+
+
+class ListMenuByKeyboard(ListMenu):
+    by_mouse = False
+
+
+class Buttons(MenuTest):
+    def test_each_of_the_main_windows_windows_comes_and_goes_by_its_button(self):
+        self.write_lyric()
+        player, main = self.start_aside()
+        empty = player.look(main, "lrcBox")
+        player.click(main, "playInfo")
+        self.answer(player, "Return")  # nothing plays
+        player.click(main, "desktop_Lrc")
+        self.answer(player, "Return")
+        player.click(main, "nextButton")
+        self.assert_title(player, main, "track 0")
+        self.assert_lyric(player, main, empty)
+        self.assert_switches_the_line(lambda: player.click(main, "desktop_Lrc"))
+        for button, form in (("playInfo", INFO), ("do_Lrc", EDITOR),
+                             ("search_Lrc_Internet", LYRIC_SEARCH),
+                             ("search_Song_Internet", LYRIC_SEARCH), ("playListButton", LIST)):
+            with self.subTest(button=button):
+                player.click(main, button)
+                window = self.assert_window(player, form)
+                player.click(main, button)
+                self.assertTrue(player.gone(window), "a second click does not take it away")
+        for button, form in (("check_SoundDriver", CHECK), ("playSet_Button", SETTINGS),
+                             ("CopyRight_ICO", ABOUT)):
+            with self.subTest(button=button):
+                player.click(main, button)
+                self.close(player, self.assert_window(player, form), form)
+        player.click(main, "song_GoTo_List")
+        rows = self.assert_window(player, LIST)
+        self.assertTrue(wait_for(lambda: self.is_selected(player, rows, 0)), "the row is not shown")
+        player.click(main, "link")
+        self.assertTrue(wait_for(self.opened), "the address is not handed over")
+        player.click(main, "mini_Button")
+        self.assertTrue(self.assert_window(player, MINI))
+        self.assertTrue(player.gone(main))
+        player.click(player.form(MINI), "mini_Button", form=MINI)
+        self.assertTrue(player.window())
+        self.assertTrue(player.form(LIST), "the list does not come back")
+        player.click(main, "closeButton")
+        self.assertTrue(player.ended())
+        self.assertEqual(player.child.returncode, 0)
+
+    def test_the_transport_works_by_its_buttons(self):
+        player, main = self.start_aside()
+        for button, title in (("nextButton", "track 0"), ("nextButton", "track 1"),
+                              ("upButton", "track 0")):
+            player.click(main, button)
+            self.assert_title(player, main, title)
+        playing = player.look(main, "playButton")
+        player.click(main, "playButton")  # its place holds the pause button now
+        self.assertTrue(wait_for(lambda: player.look(main, "playButton") != playing), "no pause")
+        player.click(main, "playButton")
+        self.assertTrue(wait_for(lambda: player.look(main, "playButton") == playing), "no play")
+        player.click(main, "stopButton")
+        self.assertTrue(wait_for(lambda: player.title(main) == TITLE), "no stop")
+        added = self.music + "/added.wav"
+        silence(added)
+        player.click(main, "openFile_Button")
+        self.type_into(player.box(), added)
+        self.assert_title(player, main, "4/4")
+        self.assert_list(self.tracks + [added])
+
+    def test_the_channel_goes_from_stereo_to_left_to_right(self):
+        track = self.music + "/one side.wav"
+        stairs(track, 60, step=0)
+        quiet("sox", track, self.music + "/left.wav", "remix", "1", "0", env=self.session.env)
+        self.write_list([self.music + "/left.wav"])
+        player, main = self.start()
+        looks = [player.look(main, "AudioSource_H")]
+        player.click(main, "AudioSource_H")  # nothing is open: it does not move
+        recorder = Recorder(self.session)
+        self.addCleanup(recorder.close)
+        player.click(main, "nextButton")
+        self.assertIsNotNone(recorder.first(time.monotonic(), run=20), "nothing is heard")
+        self.assertEqual(player.look(main, "AudioSource_H"), looks[0])
+        for loud in (True, False, True):  # left on both speakers, right, stereo again
+            player.click(main, "AudioSource_H")
+            self.assertTrue(wait_for(lambda: player.look(main, "AudioSource_H") != looks[-1]),
+                            "the switch does not move")
+            looks.append(player.look(main, "AudioSource_H"))
+            self.assertIsNotNone(recorder.first(time.monotonic(), loud=loud, run=20))
+        self.assertEqual(looks[0], looks[3])
+        self.assertEqual(len(set(looks)), 3)
+
+    def test_the_lists_buttons_work(self):
+        player, _, rows = self.start_with_list()
+        added = self.music + "/added.wav"
+        silence(added)
+        player.click(rows, "addFile", form=LIST)
+        self.type_into(player.box(), added)
+        self.assert_story(player, rows, self.tracks + [added])
+        self.click_row(player, rows, 1)
+        player.click(rows, "delIndx", form=LIST)
+        self.answer(player, "y")
+        left = [self.tracks[0], self.tracks[2], added]
+        self.assert_story(player, rows, left)
+        player.click(rows, "delAll", form=LIST)
+        self.answer(player, "n")
+        self.assert_story(player, rows, left)
+        player.click(rows, "delAll", form=LIST)
+        self.answer(player, "y")
+        self.assert_story(player, rows, [])
+        self.assertTrue(all(os.path.exists(track) for track in self.tracks))
+        player.click(rows, "close", form=LIST)
+        self.assertTrue(player.gone(rows))
+
+    def test_minimised_it_hides_the_list_and_stands_in_the_middle_afterwards(self):
+        player, main, rows = self.start_with_list()
+        player.click(main, "minimizeButton")
+        self.assertTrue(player.gone(main))
+        self.assertTrue(player.gone(rows), "the list stays")
+        player.tool("windowactivate", main)
+        self.assertTrue(player.window(), "it does not come back")
+        centre = (player.screen_width - int(MAIN["form"][2])) // 2
+        self.assertTrue(wait_for(lambda: player.place(main)[0] == centre), player.place(main))
+
+    def test_f9_and_f10_in_the_main_window_act_on_the_list(self):
+        player, main, rows = self.start_with_list()
+        self.click_row(player, rows, 1)
+        self.session.key("F9", main)
+        self.assertTrue(wait_for(self.opened), "the folder is not opened")
+        target = self.session.home + "/stick"
+        os.mkdir(target)
+        self.session.key("F10", main)
+        self.type_into(player.box(), target)
+        self.assertTrue(wait_for(lambda: os.listdir(target) == ["track 1.wav"]), "no copy")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
