@@ -1,0 +1,231 @@
+#!/usr/bin/env python3
+"""Lyrics that are broken, huge, unreadable or none, and saves that fail, under the real program.
+
+    test_bad_lyrics.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
+"""
+
+import os
+import shutil
+import subprocess
+import sys
+import unittest
+
+from player import APP, FORM_SIZES, PROGRAM, PlayerTest, design, stairs
+from session import Recorder, quiet, wait_for
+
+EDITOR = design("src/lyrics/doLrcForm.form")
+FORM_SIZES.add(tuple(int(side) for side in EDITOR["form"][2:4]))
+# Where everything may be read and written, the program runs without that right.
+PLAIN_USER = ["setpriv", "--bounding-set", "-dac_override,-dac_read_search"]
+MARK = b"\xef\xbb\xbf"
+
+
+class LyricsTest(PlayerTest):
+    def lyric_folder(self, *names):
+        return "/".join([self.session.env["XDG_DATA_HOME"], "velmora", APP, "Lyrics", *names])
+
+    def track(self, name, lyric=None, seconds=20, **tone):
+        """A track, and beside it its lyric of these bytes."""
+        path = f"{self.music}/{name}.wav"
+        stairs(path, seconds, **tone)
+        if lyric is not None:
+            with open(f"{self.music}/{name}.lrc", "wb") as file:
+                file.write(lyric)
+        return path
+
+    def plain_program(self):
+        """The program as one who is no superuser: what may not be read is not read."""
+        script = self.session.home + "/plain"
+        before = [] if os.geteuid() != 0 else PLAIN_USER
+        if before and subprocess.run(before + ["true"], check=False,
+                                     stderr=subprocess.DEVNULL).returncode != 0:
+            self.skipTest("a right cannot be given up here")
+        with open(script, "w", encoding="utf-8") as file:
+            file.write("#!/bin/sh\nexec " + " ".join(before + [f"'{PROGRAM}'"]) + "\n")
+        os.chmod(script, 0o755)
+        return script
+
+    def copied(self, name):
+        """What stands in the lyric folder under a track's name."""
+        try:
+            with open(self.lyric_folder(name + ".Lrc"), "rb") as file:
+                return file.read()
+        except FileNotFoundError:
+            return None
+
+    def memory(self, player):
+        with open(f"/proc/{player.child.pid}/status", encoding="utf-8") as file:
+            return next(int(line.split()[1]) // 1024 for line in file if line.startswith("VmHWM"))
+
+    def assert_fit(self, player, main):
+        self.assertIsNone(player.child.poll(), "the program ended")
+        self.session.key("Escape", main)
+        self.assertTrue(player.ended(), "the program does not end")
+        self.assertEqual(player.child.returncode, 0)
+
+
+class Playing(LyricsTest):
+    def test_each_is_copied_as_far_as_it_is_a_lyric_and_the_next_track_is_right(self):
+        words = b"[00:01.00]words"
+        many = b"".join(b"[%02d:%02d.00]line\r\n" % (n // 60 % 100, n % 60) for n in range(40_000))
+        long = b"[00:01.00]" + b"la " * 5_000_000 + b"la\r\n"
+        lyrics = {  # by name: the bytes, and the copy of them; None where there is to be none
+            "first": (words + b"\r\n", words + b"\r\n"),
+            "manylines": (many, None),
+            "longline": (long, long),
+            "nuls": (words + b"\0\0\0\r\n\0\r\n", words + b"\0\0\0\r\n\0\r\n"),
+            "marked": (MARK + words + b"\r\n", MARK + words + b"\r\n"),
+            "legacy": ("[00:01.00]月亮".encode("gb18030") + b"\r\n",
+                       "[00:01.00]月亮\r\n".encode()),
+            "mixed": (words + b"\r" + words + b"\n\n\r" + words + b"\r\n" + words,
+                      (words + b"\r\n") * 4),
+            "empty": (b"", b""),
+        }
+        tracks = [self.track(name, content) for name, (content, _) in lyrics.items()]
+        tracks.append(self.track("wide", "[00:01.00]words\r\n".encode("utf-16")))
+        tracks.append(self.track("folder"))
+        os.mkdir(self.music + "/folder.lrc")
+        tracks.append(self.track("dangling"))
+        os.symlink("nowhere", self.music + "/dangling.lrc")
+        tracks.append(self.track("othercase"))
+        with open(self.music + "/OtherCase.LRC", "wb") as file:
+            file.write(words)
+        tracks.append(self.track("huge", b""))
+        os.truncate(self.music + "/huge.lrc", 200_000_000)
+        tracks.append(self.track("last", words))
+        self.write_list(tracks)
+        player, main = self.start()
+        for track in tracks:
+            name = os.path.basename(track)[:-4]
+            self.session.key("F6", main)
+            self.assert_title(player, main, name)
+            if name in lyrics and lyrics[name][1]:
+                self.assertTrue(wait_for(lambda: self.copied(name) == lyrics[name][1], 10), name)
+        for name in ("manylines", "folder", "dangling", "huge"):
+            self.assertIsNone(self.copied(name), name)
+        self.assertTrue(self.copied("wide"))
+        for name in ("othercase", "last"):
+            self.assertEqual(self.copied(name), words + b"\r\n")
+        self.assertLess(self.memory(player), 400)
+        self.assert_fit(player, main)
+
+    def test_one_that_cannot_be_read_leaves_the_music_and_the_next_track_right(self):
+        program = self.plain_program()
+        tracks = [self.track(name, b"[00:01.00]" + name.encode() + b"\r\n", 30, base=base, step=0)
+                  for name, base in (("one", 300), ("locked", 600), ("three", 900))]
+        os.chmod(self.music + "/locked.lrc", 0)
+        self.write_list(tracks)
+        player, main = self.start(program)
+        recorder = Recorder(self.session)
+        self.addCleanup(recorder.close)
+        for name, tone in (("one", 300), ("locked", 600), ("three", 900)):
+            self.session.key("F6", main)
+            self.assert_title(player, main, name)
+            self.assertTrue(wait_for(lambda: abs((self.now_playing(recorder, 1) or 0) - tone) < 40,
+                                     10), f"{name} is not heard")
+        self.assertIsNone(self.copied("locked"))
+        self.assertEqual(self.copied("three"), b"[00:01.00]three\r\n")
+        self.assert_fit(player, main)
+
+    def test_a_lyric_folder_that_vanishes_while_a_track_plays_does_no_harm(self):
+        tracks = [self.track(name, b"[00:00.00]" + name.encode() + b"\r\n")
+                  for name in ("one", "two", "three")]
+        self.write_list(tracks)
+        player, main = self.start()
+        self.session.key("F6", main)
+        self.assertTrue(wait_for(lambda: self.copied("one"), 10))
+        shutil.rmtree(self.lyric_folder())
+        empty = player.look(main, "lrcBox")
+        self.session.key("F6", main)
+        self.assert_title(player, main, "two")
+        # What lies beside the track is shown, wherever its copy goes or does not go.
+        self.assertTrue(wait_for(lambda: player.look(main, "lrcBox") != empty, 10))
+        shutil.rmtree(self.lyric_folder(), ignore_errors=True)
+        with open(self.lyric_folder(), "wb"):
+            pass  # and now no folder can be made there
+        self.session.key("F6", main)
+        self.assert_title(player, main, "three")
+        self.assert_fit(player, main)
+
+
+class Saving(LyricsTest):
+    OLD = b"[00:01.00]old words\r\n"
+
+    def edit(self, program=PROGRAM):
+        """The editor over a track whose lyric lies in the lyric folder."""
+        os.makedirs(self.lyric_folder(), exist_ok=True)
+        with open(self.lyric_folder("song.Lrc"), "wb") as file:
+            file.write(self.OLD)
+        self.write_list([self.track("song", seconds=60, level=0.05, step=0)])
+        player, main = self.start(program)
+        self.session.key("F6", main)
+        self.assert_title(player, main, "song")
+        player.click(main, "do_Lrc")
+        editor = player.form(EDITOR)
+        self.assertTrue(editor, "no editor comes up")
+        for window, place in ((main, (0, 0)), (editor, (600, 300))):
+            player.tool("windowmove", window, *place)
+            self.assertTrue(wait_for(lambda: player.place(window) == place, 5))
+        self.choose_first(player, editor)
+        player.click(editor, "lrc_Index_Text", form=EDITOR)
+        self.session.key("ctrl+a")
+        quiet("xdotool", "type", "--delay", "8", "[00:02.00]new words", env=self.session.env)
+        self.choose_first(player, editor)  # the keys are the list's
+        return player, main, editor
+
+    @staticmethod
+    def choose_first(player, editor):
+        left, top, _, _ = EDITOR["lrcList"]
+        player.click_at(editor, left + 60, top + 9)
+
+    def confirm(self, player, key):
+        box = player.box()
+        self.assertTrue(box, "no box comes up")
+        self.session.key(key, box)
+        self.assertTrue(player.gone(box))
+
+    def assert_save_fails(self, player, editor):
+        """It asks, it fails and says so; the old lyric is whole and nothing lies beside it."""
+        self.session.key("ctrl+s", editor)
+        self.confirm(player, "y")
+        self.confirm(player, "Return")
+        self.assertEqual(self.copied("song"), self.OLD)
+        self.assertEqual([name for name in os.listdir(self.lyric_folder()) if name != "filler"],
+                         ["song.Lrc"])
+
+    def assert_lines_are_kept(self, player, editor):
+        """Saved where there is room they come out as they were typed."""
+        self.session.key("ctrl+s", editor)
+        self.confirm(player, "y")
+        self.confirm(player, "Return")
+        self.assertIn(b"[00:02.00]new words\r\n", self.copied("song"))
+
+    def test_onto_a_full_disk_leaves_the_old_lyric_and_the_lines(self):
+        os.makedirs(self.lyric_folder())
+        if subprocess.run(["mount", "-t", "tmpfs", "-o", "size=64k", "tmpfs", self.lyric_folder()],
+                          stderr=subprocess.DEVNULL, check=False).returncode != 0:
+            self.skipTest("a small disk cannot be made here")
+        self.addCleanup(subprocess.run, ["umount", "-l", self.lyric_folder()], check=False)
+        player, main, editor = self.edit()
+        with open(self.lyric_folder("filler"), "wb", buffering=0) as file:
+            try:
+                while file.write(bytes(4096)):
+                    pass
+            except OSError:
+                pass
+        self.assert_save_fails(player, editor)
+        os.remove(self.lyric_folder("filler"))
+        self.assert_lines_are_kept(player, editor)
+        self.assert_fit(player, main)
+
+    def test_onto_a_read_only_folder_leaves_the_old_lyric_and_the_lines(self):
+        player, main, editor = self.edit(self.plain_program())
+        os.chmod(self.lyric_folder(), 0o555)
+        self.assert_save_fails(player, editor)
+        os.chmod(self.lyric_folder(), 0o755)
+        self.assert_lines_are_kept(player, editor)
+        self.assert_fit(player, main)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
