@@ -65,6 +65,9 @@ std::optional<std::string> localPath(std::string_view line) {
     }
     if (line.empty() || line.front() != '/')
         return std::nullopt;
+    // Some file managers end a folder's address with a slash; a path has none, but for the root's.
+    while (line.size() > 1 && line.back() == '/')
+        line.remove_suffix(1);
     return unescaped(line);
 }
 

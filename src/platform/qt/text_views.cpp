@@ -29,6 +29,10 @@ QPalette paletteFor(const forms::TextBox &box, QPalette palette) {
     return palette;
 }
 
+QString withoutBreaks(QString text) {
+    return text.remove(QLatin1Char('\r')).remove(QLatin1Char('\n'));
+}
+
 template <typename Edit> class TextChild : public ChildView {
 public:
     TextChild(forms::TextBox &box, const ViewTools &tools, Edit *edit)
@@ -113,11 +117,26 @@ public:
         : TextChild(box, tools, new QLineEdit(parent)) {
         edit_->setFrame(true);
         edit_->setTextMargins(lineMargin, 0, lineMargin, 0);
-        QObject::connect(edit_, &QLineEdit::textEdited, edit_, [this] { edited(); });
+        QObject::connect(edit_, &QLineEdit::textEdited, edit_, [this] {
+            keepOneLine();
+            edited();
+        });
         begin();
     }
 
 private:
+    // What is pasted may hold line breaks, which the user would not see and a name cannot have.
+    void keepOneLine() {
+        const QString text = edit_->text();
+        const QString line = withoutBreaks(text);
+        if (line == text)
+            return;
+        const auto cursor = withoutBreaks(text.left(edit_->cursorPosition())).size();
+        const QSignalBlocker quiet(edit_);
+        edit_->setText(line);
+        edit_->setCursorPosition(static_cast<int>(cursor));
+    }
+
     QString shown() const override { return toQString(box_.text()); }
     QString modelOf(const QString &text) const override { return text; }
     QString present() const override { return edit_->text(); }

@@ -110,6 +110,11 @@ TEST(LocalPaths, TakesLocalFileAddressesInTheirOrder) {
     EXPECT_EQ(platform::qt::localPaths("file:/a"), (std::vector<std::string>{"/a"}));
 }
 
+TEST(LocalPaths, AFolderHasNoSlashAtItsEnd) {
+    EXPECT_EQ(platform::qt::localPaths("file:///a/b/\r\nfile:///c//\r\nfile:///\r\n"),
+              (std::vector<std::string>{"/a/b", "/c", "/"}));
+}
+
 TEST(LocalPaths, PercentBytesAreTakenAsTheyAre) {
     EXPECT_EQ(platform::qt::localPaths("file:///%ff%0A%25%zz%4"),
               (std::vector<std::string>{"/\xff\n%%zz%4"}));

@@ -3,6 +3,7 @@
 #include "tests/desktop/qt/desk.h"
 
 #include <QApplication>
+#include <QClipboard>
 
 namespace velmora::tests {
 namespace {
@@ -67,6 +68,21 @@ TEST_F(EntryTest, TextSetByCodeIsShownWithoutAChange) {
     desk().key("End");
     desk().tool({"type", "--delay", "5", "x"});
     EXPECT_TRUE(desk().pump([&] { return form.line.text() == u"from codex"; }));
+}
+
+TEST_F(EntryTest, ALineTakesNoLineBreakFromWhatIsPasted) {
+    EntryForm form;
+    form.line.setText(u"<>");
+    form.appear();
+    ASSERT_TRUE(focus(form));
+    desk().click(form.screenX(60), form.screenY(32));
+    desk().key("Home");
+    desk().key("Right");
+    QApplication::clipboard()->setText(QStringLiteral("one\r\ntwo\n"));
+    desk().key("ctrl+v");
+    EXPECT_TRUE(desk().pump([&] { return form.line.text() == u"<onetwo>"; }));
+    desk().key("x"); // goes on where the pasted text ends
+    EXPECT_TRUE(desk().pump([&] { return form.line.text() == u"<onetwox>"; }));
 }
 
 TEST_F(EntryTest, LinesOfABlockEndWithCrLfInTheModel) {
