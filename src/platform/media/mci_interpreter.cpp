@@ -4,6 +4,7 @@
 #include "base/text.h"
 #include "platform/media/medium_file.h"
 
+#include <algorithm>
 #include <array>
 #include <type_traits>
 #include <utility>
@@ -13,6 +14,9 @@ namespace velmora::platform::media {
 namespace {
 
 constexpr std::int32_t greatestVolume = 1000;
+
+// Four items under one alias, and as many worded otherwise.
+constexpr std::size_t questionsKept = 8;
 
 std::u16string modeText(Mode mode) {
     switch (mode) {
@@ -59,11 +63,16 @@ MciInterpreter::MciInterpreter(std::unique_ptr<DeviceOpener> sound,
 MciInterpreter::~MciInterpreter() = default;
 
 MciAnswer MciInterpreter::mciSendStringA(std::u16string_view command, int returnSize) {
+    if (const Question *question = knownQuestion(command))
+        return answer(isOpenAs(question->alias) ? act(question->asked)
+                                                : Result{MciError::InvalidDeviceName, {}},
+                      returnSize);
     MciCommand parsed;
     const MciError fault = parseMciCommand(command, parsed);
     if (fault != MciError::None)
         return {static_cast<std::uint32_t>(fault), {}};
-    const Result result = std::visit(
+    remember(command, parsed);
+    Result result = std::visit(
         [&](const auto &action) -> Result {
             if constexpr (std::is_same_v<std::decay_t<decltype(action)>, OpenCommand>)
                 return {open(action, parsed.alias), {}};
@@ -73,9 +82,25 @@ MciAnswer MciInterpreter::mciSendStringA(std::u16string_view command, int return
                 return act(action);
         },
         parsed.action);
+    return answer(std::move(result), returnSize);
+}
+
+MciAnswer MciInterpreter::answer(Result result, int returnSize) {
     if (result.error != MciError::None)
         return {static_cast<std::uint32_t>(result.error), {}};
-    return {0, cutToBuffer(result.text, returnSize)};
+    return {0, cutToBuffer(std::move(result.text), returnSize)};
+}
+
+const MciInterpreter::Question *MciInterpreter::knownQuestion(std::u16string_view command) const {
+    const auto found = std::find_if(questions_.begin(), questions_.end(),
+                                    [&](const Question &known) { return known.text == command; });
+    return found == questions_.end() ? nullptr : &*found;
+}
+
+void MciInterpreter::remember(std::u16string_view command, const MciCommand &parsed) {
+    const auto *status = std::get_if<StatusCommand>(&parsed.action);
+    if (status != nullptr && questions_.size() < questionsKept)
+        questions_.push_back({std::u16string(command), parsed.alias, *status});
 }
 
 bool MciInterpreter::isOpenAs(const std::u16string &alias) const {

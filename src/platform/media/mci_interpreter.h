@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace velmora::platform::media {
 
@@ -33,6 +34,18 @@ private:
         std::u16string text;
     };
 
+    // A question as it was worded. The player asks the same few with every tick of every window, so
+    // that each wording is taken apart once only.
+    struct Question {
+        std::u16string text;
+        std::u16string alias;
+        StatusCommand asked;
+    };
+
+    static MciAnswer answer(Result result, int returnSize);
+    const Question *knownQuestion(std::u16string_view command) const;
+    void remember(std::u16string_view command, const MciCommand &parsed);
+
     MciError open(const OpenCommand &command, const std::u16string &alias);
     std::unique_ptr<Device> openWithSomeDevice(const OpenRequest &request);
     bool isOpenAs(const std::u16string &alias) const;
@@ -51,6 +64,7 @@ private:
     std::unique_ptr<DeviceOpener> picture_;
     std::u16string alias_; // of the open device
     std::unique_ptr<Device> device_;
+    std::vector<Question> questions_;
 };
 
 } // namespace velmora::platform::media

@@ -311,6 +311,33 @@ TEST_F(Interpreter, AnAnswerIsCutToOneLessThanTheBuffer) {
     EXPECT_EQ(answerOf(u"status NOWMUSIC mode", -1), u"");
 }
 
+TEST_F(Interpreter, AQuestionAskedAgainIsAnsweredAsThingsAreThen) {
+    const std::u16string question = u"status NOWMUSIC mode";
+    EXPECT_NE(errorOf(question), 0U);
+    ASSERT_EQ(open("song.mp3"), 0U);
+    sound_->mode = Mode::Playing;
+    EXPECT_EQ(answerOf(question), u"playing");
+    sound_->mode = Mode::Paused;
+    EXPECT_EQ(answerOf(question), u"paused");
+    EXPECT_EQ(answerOf(question, 4), u"pau");
+    ASSERT_EQ(errorOf(u"close NOWMUSIC"), 0U);
+    EXPECT_NE(errorOf(question), 0U);
+}
+
+TEST_F(Interpreter, AnyNumberOfWordingsOfAQuestionIsAnswered) {
+    ASSERT_EQ(open("song.mp3"), 0U);
+    sound_->mode = Mode::Playing;
+    sound_->lengthMs = 1234;
+    for (int round = 0; round < 2; ++round) {
+        for (std::size_t blanks = 1; blanks < 20; ++blanks) {
+            const std::u16string gap(blanks, u' ');
+            EXPECT_EQ(answerOf(u"status" + gap + u"NOWMUSIC mode"), u"playing");
+            EXPECT_EQ(answerOf(u"status NOWMUSIC" + gap + u"length"), u"1234");
+            EXPECT_NE(errorOf(u"status" + gap + u"OTHER mode"), 0U);
+        }
+    }
+}
+
 TEST_F(Interpreter, CommandsWithoutAnAnswerLeaveTheTextEmpty) {
     ASSERT_EQ(open("song.mp3"), 0U);
     EXPECT_EQ(answerOf(u"play NOWMUSIC"), u"");
