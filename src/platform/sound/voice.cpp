@@ -25,7 +25,9 @@ constexpr auto exactPause = 1ms;
 constexpr auto mixSettled = 40ms;
 constexpr int silenceMs = 100;           // behind what was cut off
 constexpr std::int64_t smallStep = 2048; // frames
-constexpr std::int64_t largeStep = 8192;
+// What one block of the server's shared memory holds, 64 KB less its own head: a step of more would
+// take a second block for the few frames that are left.
+constexpr std::int64_t largeStep = 8160;
 
 } // namespace
 
@@ -167,16 +169,18 @@ TimePoint Voice::fill(TimePoint now) {
     const std::int64_t target = std::min(heard + framesOfMs(takenMs + aheadMs), end);
     if (head_ - heard < refill)
         filling_ = true;
-    if (head_ >= target)
-        filling_ = false;
-    if (filling_) {
+    if (filling_ && head_ < target) {
         // Small steps while little is there: the first frames and changes must not wait.
         const std::int64_t step = head_ - heard < framesOfMs(silenceMs * 2) ? smallStep : largeStep;
         const std::int64_t stepEnd = std::min(head_ + step, target);
         write(head_, stepEnd);
         head_ = stepEnd;
+        // The target moves on while it is written. Following it by a few frames at a time would
+        // take a block of the server's memory and a message for each few.
+        filling_ = head_ < target;
         return now;
     }
+    filling_ = false;
     TimePoint due = whenHeard(endOfPiece(), now);
     if (head_ < end)
         due = std::min(due, whenHeard(head_ - refill + 1, now));

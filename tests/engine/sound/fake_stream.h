@@ -25,6 +25,7 @@ public:
     std::int64_t framesWritten = 0;
     int stops = 0;
     std::int64_t lead = 4; // frames that are too late to be written
+    std::int64_t heardInAWrite = 0;
     TimePoint now;
     std::int64_t heard = 0;
     std::vector<float> out; // the left side of what was heard, while running
@@ -71,6 +72,7 @@ public:
             server_.queue[first + static_cast<std::int64_t>(i)] = samples[i * 2];
         ++server_.writes;
         server_.framesWritten += end - first;
+        server_.move(server_.heardInAWrite);
     }
     platform::sound::TimePoint refresh(platform::sound::TimePoint) override {
         return platform::sound::TimePoint::max();

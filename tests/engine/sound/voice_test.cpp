@@ -96,6 +96,17 @@ TEST_F(VoiceTest, WakesRarelyInSteadyPlay) {
     EXPECT_LE(turns_, 7000 / 700 + 2);
 }
 
+TEST_F(VoiceTest, WritesLargePiecesAlthoughMoreIsHeardMeanwhile) {
+    transport(true, 0);
+    play(2000);
+    server_.heardInAWrite = 2;
+    server_.writes = 0;
+    server_.framesWritten = 0;
+    play(5000);
+    ASSERT_GT(server_.framesWritten, 40000);
+    EXPECT_GT(server_.framesWritten / server_.writes, 5000);
+}
+
 TEST_F(VoiceTest, NothingIsDueWhileNothingPlays) {
     EXPECT_EQ(serve(), TimePoint::max());
     transport(true, 0);
