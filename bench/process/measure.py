@@ -6,14 +6,17 @@
 
 import os
 import shutil
+import sqlite3
 import statistics
 import subprocess
 import sys
 import time
+import urllib.parse
 
 # The screen, the sound server and the measures are the tests' own.
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "../../tests/desktop"))
-from session import Recorder, Session, over, pss_mb, quiet, wait_for
+from session import Session, over, pss_mb, quiet, wait_for  # noqa: E402
+from heard import key_cost, latencies, make_tracks, median  # noqa: E402
 
 QUICK = "--quick" in sys.argv
 RUNS = 3 if QUICK else 9
@@ -22,12 +25,22 @@ STRETCH = 4 if QUICK else 15
 APP = "Program Files/Norvane软件/Velmora"
 
 
+def bar_place(share):
+    """A place on the main window's seek bar, in pixels; its design stands in twips."""
+    return int((150 + 6900 * share) / 15), (1560 + 90) // 15
+
+
 class Velmora:
     name = "Velmora"
     key_class = "velmora"
+    keys = {"next": "F6", "pause": "F3", "play": "F2",
+            "seek": [bar_place(share) for share in (0.3, 0.6, 0.2, 0.7)]}
 
-    def __init__(self, program):
+    def __init__(self, program, language=None):
         self.program = program
+        self.language = language
+        if language:
+            self.name += f", {language[1]} texts"
 
     def home(self, session):
         return f"{session.home}/data/velmora/{APP}"
@@ -37,7 +50,23 @@ class Velmora:
         with open(self.home(session) + "/List/zkPlayList.m3u", "w", newline="") as file:
             file.write("".join(path + "\r\n" for path in paths))
 
+    def speak(self, session):
+        """Stores the language, in a registry that the program has made itself."""
+        if not self.language or os.path.exists(f"{session.home}/config/velmora"):
+            return
+        child = session.spawn([self.program])
+        session.window(self.key_class)
+        time.sleep(0.5)
+        session.stop(child)
+        database = sqlite3.connect(f"{session.home}/config/velmora/registry.sqlite")
+        with database:
+            database.execute(
+                "insert or replace into entries select id, 'LANGUAGE', 'Language', 1, 1, ? "
+                "from keys where folded like '%PLAYSET'", (str(self.language[0]),))
+        database.close()
+
     def idle(self, session, paths):
+        self.speak(session)
         self.write_list(session, paths)
         return [self.program]
 
@@ -53,39 +82,52 @@ class Velmora:
 class Peer:
     windows = 1
 
-    def __init__(self, name, command, key_class, play):
+    def __init__(self, name, command, key_class, keys=None, write_list=None):
         self.name = name
         self.command = command
         self.key_class = key_class
-        self.play_options = play
+        self.keys = keys
+        self.write_list = write_list  # of a player that comes up with the list it had
 
     def idle(self, session, paths):
         return self.command
 
     def play(self, session, paths):
-        return self.command + self.play_options + paths[:1]
+        return self.command + paths
 
     def start_playing(self, session, window):
         pass
 
 
+def audacious_list(session, paths):
+    folder = f"{session.home}/config/audacious/playlists"
+    os.makedirs(folder, exist_ok=True)
+    with open(folder + "/order", "w") as file:
+        file.write("1000")
+    with open(folder + "/1000.audpl", "w") as file:
+        file.write("title=Now%20Playing\n")
+        file.write("".join(f"uri=file://{urllib.parse.quote(path)}\n" for path in paths))
+
+
 def peers():
     found = []
     if shutil.which("audacious"):
-        found.append(Peer("Audacious", ["audacious"], "audacious", []))
+        found.append(Peer("Audacious", ["audacious"], "audacious",
+                          {"next": "b", "pause": "c", "play": "c", "seek": ["Right"]},
+                          audacious_list))
     if shutil.which("qmmp"):
-        found.append(Peer("Qmmp", ["qmmp"], "qmmp", []))
+        found.append(Peer("Qmmp", ["qmmp"], "qmmp",
+                          {"next": "b", "pause": "c", "play": "c", "seek": ["Right"]}))
     if shutil.which("mpv"):
         found.append(Peer("mpv", ["mpv", "--force-window=yes", "--idle=yes", "--no-config",
-                                  "--audio-display=no", "--vo=x11"], "mpv", []))
+                                  "--audio-display=no", "--vo=x11"], "mpv",
+                          {"next": "greater", "pause": "space", "play": "space",
+                           "seek": ["Right"]}))
     if shutil.which("vlc"):
-        found.append(Peer("VLC", ["vlc"], "vlc", []))
+        found.append(Peer("VLC", ["vlc"], "vlc",
+                          {"next": "n", "pause": "space", "play": "space",
+                           "seek": ["alt+Right"]}))
     return found
-
-
-def median(values):
-    values = [value for value in values if value is not None]
-    return statistics.median(values) if values else None
 
 
 def shown(value, digits=1):
@@ -134,44 +176,24 @@ def steady(player, paths):
     return result
 
 
-def heard(player, paths):
-    """Velmora's own latencies by its keys: open to sound, pause to silence, resume to sound."""
-    session = Session(window_manager=True)
-    result = {"open": [], "pause": []}
-    try:
-        session.spawn(player.play(session, paths))
-        window = session.window(player.key_class)
-        recorder = Recorder(session)
-        time.sleep(1)
-        for _ in range(3 if QUICK else 7):
-            quiet("xdotool", "windowfocus", "--sync", window, env=session.env)
-            begun = time.monotonic()
-            session.key("F6")
-            result["open"].append(recorder.first(begun))
-            time.sleep(1.2)
-            begun = time.monotonic()
-            session.key("F3")
-            result["pause"].append(recorder.first(begun, loud=False, run=5))
-            time.sleep(0.3)
-            session.key("F4")
-            time.sleep(0.3)
-        # What the tool that sends the keys costs by itself.
-        begun = time.monotonic()
-        for _ in range(10):
-            session.key("F24")
-        result["key"] = 100 * (time.monotonic() - begun)
-        recorder.close()
-    finally:
-        session.close()
-    return result
+class WithList:
+    """A player that comes up with this list."""
+
+    def __init__(self, player):
+        self.player = player
+        self.windows = player.windows
+
+    def idle(self, session, paths):
+        self.player.write_list(session, paths)
+        return self.player.idle(session, paths)
 
 
-def list_starts(watch, velmora, music):
+def list_starts(watch, player, music):
     rows = []
     for count in (0, 1000, 10000, 32767):
         paths = [f"{music}/{number:05d} A song with a name of usual length.mp3"
                  for number in range(count)]
-        rows.append((count, start_times(watch, velmora, paths)))
+        rows.append((count, start_times(watch, WithList(player), paths)[-1]))
     return rows
 
 
@@ -195,7 +217,9 @@ def main():
                    stderr=subprocess.DEVNULL)
     subprocess.run(["lame", "--quiet", "-b", "192", f"{music}/long.wav", mp3], check=True)
     velmora = Velmora(program)
-    everyone = [velmora] + peers()
+    english, chinese = (Velmora(program, language)
+                        for language in ((1, "English"), (0, "Chinese")))
+    others = peers()
 
     print("## Whole process\n")
     print("Medians of warm starts on a private virtual display; playing is a 192 kbit/s mp3 on a null"
@@ -203,7 +227,7 @@ def main():
     print("| player | first window, ms | main window, ms | PSS idle | PSS playing | CPU idle | "
           "CPU playing | X playing | wake-ups/s idle | wake-ups/s playing |")
     print("|---|---|---|---|---|---|---|---|---|---|", flush=True)
-    for player in everyone:
+    for player in [english, chinese, *others]:
         starts = start_times(watch, player, [mp3])
         states = steady(player, [mp3])
         idle, playing = states.get("idle", {}), states.get("playing", {})
@@ -213,13 +237,21 @@ def main():
               f"{shown(playing.get('x'), 2)} | {shown(idle.get('wakeups'))} | "
               f"{shown(playing.get('wakeups'))} |", flush=True)
 
-    latencies = heard(velmora, [mp3])
+    tracks, long = make_tracks(music)
     print("\n## Heard\n")
-    print("From the start of the tool that presses the key to the recorded sound; the tool itself "
-          f"takes {shown(latencies.get('key'))} ms.\n")
-    print("| change | ms |\n|---|---|")
-    print(f"| next track to first sound | {shown(median(latencies['open']))} |")
-    print(f"| pause to silence | {shown(median(latencies['pause']))} |")
+    print("From the start of the tool that presses the key or the mouse to the recorded sound: of the "
+          "next track, of another place in it (in this player after its fade-in's first step), and to "
+          f"silence. The tool itself takes {shown(key_cost())} ms. Tracks are mp3 files of 192 kbit/s; "
+          "medians.\n")
+    print("| player | next track heard, ms | seek heard, ms | pause silent, ms |\n|---|---|---|---|")
+    for player in [velmora, *others]:
+        figures = latencies(player, tracks, long, 3 if QUICK else 9)
+        print(f"| {player.name} | {shown(figures['next'])} | {shown(figures['seek'])} | "
+              f"{shown(figures['pause'])} |", flush=True)
+
+    print("\n## The sound device by itself\n", flush=True)
+    subprocess.run([os.path.join(os.path.dirname(watch), "sound_probe"), f"{music}/piece.wav",
+                    "4" if QUICK else "15"], check=False)
 
     print("\n## Settings\n")
     print("To the painted windows, with the main window, the list and the settings on the screen.\n")
@@ -236,9 +268,12 @@ def main():
             print(f"| {name} | {' | '.join(figures)} |", flush=True)
 
     print("\n## The list at start\n")
-    print("| entries | main window, ms |\n|---|---|")
-    for count, starts in list_starts(watch, velmora, music):
-        print(f"| {count:,} | {shown(starts[-1])} |", flush=True)
+    keepers = [velmora, *(player for player in others if player.write_list)]
+    columns = [list_starts(watch, player, music) for player in keepers]
+    print(f"| entries | {' | '.join(f'{player.name}, ms' for player in keepers)} |")
+    print("|---" * (len(keepers) + 1) + "|")
+    for row in zip(*columns):
+        print(f"| {row[0][0]:,} | {' | '.join(shown(figure) for _, figure in row)} |", flush=True)
     shutil.rmtree(music, ignore_errors=True)
 
 

@@ -149,6 +149,8 @@ private:
 
     bool runs(QDialog &dialog) {
         dialog.setWindowModality(Qt::ApplicationModal);
+        // As message boxes are: a film over the whole screen would hide what it waits for.
+        dialog.setWindowFlag(Qt::WindowStaysOnTopHint);
         windows_.beforeNestedLoop();
         return dialog.exec() == QDialog::Accepted;
     }

@@ -4,10 +4,12 @@
     test_video.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
 """
 
+import re
 import sys
 import unittest
 
-from films import HEIGHT, PICTURE, STRIP, WIDTH, FilmSession, FilmTest, make_film
+from films import (COLUMNS, HEIGHT, PICTURE, STRIP, WIDTH, FilmSession, FilmTest, make_film,
+                   near)
 from player import stairs
 from session import quiet, wait_for
 
@@ -211,6 +213,42 @@ class InTheWindow(FilmTest):
         self.assert_stretched(FULL)
         self.assert_moves(FULL)
         self.assertIsNone(self.video(player, seconds=0.5), "a small window as well")
+
+    def test_a_dialog_is_seen_above_the_film_that_covers_the_screen(self):
+        player, main, window = self.play_in_window("film.mp4")
+        self.session.key("Return", window)
+        full = self.full(player)
+        self.assert_stretched(FULL)
+        player.tool("windowactivate", "--sync", main)
+        self.session.key("F7", main)
+
+        def above():
+            told = quiet("xprop", "-root", "_NET_CLIENT_LIST_STACKING", env=self.session.env)
+            order = [int(number, 16) for number in re.findall(r"0x[0-9a-f]+", told)]
+            return order and order[-1] not in (int(full), int(main)) and str(order[-1])
+        dialog = wait_for(above, 10)
+        self.assertTrue(dialog, "the film hides the dialog that it waits for")
+        x, y = player.point(dialog, 380, 60)
+        self.assertTrue(wait_for(lambda: not any(near(self.session.pixel(x, y), colour)
+                                                 for colour in COLUMNS), 5), "it is not painted")
+        self.session.key("Escape", dialog)
+        self.assertTrue(player.gone(dialog))
+        self.session.key("Escape", full)
+        self.assertTrue(self.video(player), "the film takes no key any more")
+
+    def test_a_window_that_the_manager_closes_is_hidden_and_the_sound_goes_on(self):
+        recorder = self.recorder()
+        player, main, window = self.play_in_window("film.mp4")
+        self.assert_stretched(self.whole(player, window))
+        quiet("wmctrl", "-i", "-c", window, env=self.session.env)
+        self.assertTrue(player.gone(window))
+        second = self.heard_second(recorder)
+        self.assertTrue(wait_for(lambda: (self.heard_second(recorder) or 0) > second + 1.5, 10),
+                        "the sound does not go on")
+        self.session.key("F11", main)
+        window = self.video(player)
+        self.assertTrue(window, "F11 does not show it")
+        self.assert_moves(self.whole(player, window))
 
     def test_stop_takes_the_window_away_and_play_brings_it_back(self):
         player, main, window = self.play_in_window("film.mp4")
