@@ -277,6 +277,7 @@ void QtFormWindow::compositorChanged() {
 }
 
 void QtFormWindow::densityChanged() {
+    density_ = scaleFactor();
     ground_.forget();
     outlineDirty_ = true;
     const Loop::Handler handler(hub_.loop);

@@ -45,6 +45,8 @@ public:
     void setTaskTitle(const QString &title);
     // A compositor came or went.
     void compositorChanged();
+    // The screens are others, or count their pixels in another way.
+    void screensChanged();
 
 private:
     friend class TopWidget;
@@ -95,6 +97,7 @@ private:
     bool raisePosted_ = false;
     bool placing_ = false;
     bool fullScreen_ = false;
+    double density_ = 1; // of the screen when the window was last placed for it
 };
 
 } // namespace velmora::platform::qt

@@ -10,6 +10,9 @@
 #include <QTimer>
 #include <QWindow>
 
+#include <cmath>
+#include <utility>
+
 namespace velmora::platform::qt {
 
 namespace {
@@ -62,6 +65,7 @@ void QtFormWindow::realise() {
     applyPlace();
     scene_.build(*top_);
     top_->winId();
+    density_ = scaleFactor();
     QObject::connect(top_->windowHandle(), &QWindow::screenChanged, top_.get(),
                      [this] { densityChanged(); });
 }
@@ -172,6 +176,41 @@ void QtFormWindow::applyPlace() {
         applyOutline();
         top_->update();
     }
+}
+
+// The toolkit takes a window for as large as before, in pixels of another size: the server is told.
+void QtFormWindow::screensChanged() {
+    if (top_ == nullptr || std::abs(scaleFactor() - density_) < 0.001)
+        return;
+    const double before = std::exchange(density_, scaleFactor());
+    // Its corner stays where it is on the screen.
+    form_.movedTo(static_cast<Twips>(form_.left() * before / density_),
+                  static_cast<Twips>(form_.top() * before / density_));
+    const QRect area = areaOf(form_);
+    placing_ = true;
+    place_.asked(area.topLeft());
+    if (!isFullScreen()) {
+        // The limits that the window manager knows count in the old pixels.
+        top_->setMinimumSize(0, 0);
+        top_->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+        // What the toolkit paints on has the old density until the size is another.
+        top_->setFixedSize(area.size() + QSize(1, 1));
+        top_->repaint();
+        top_->setFixedSize(area.size());
+    }
+    top_->setGeometry(area);
+    constexpr std::uint16_t all = XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
+                                  XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
+    const std::uint32_t values[] = {static_cast<std::uint32_t>(qRound(area.x() * density_)),
+                                    static_cast<std::uint32_t>(qRound(area.y() * density_)),
+                                    static_cast<std::uint32_t>(qRound(area.width() * density_)),
+                                    static_cast<std::uint32_t>(qRound(area.height() * density_))};
+    xcb_configure_window(hub_.x11.connection(), nativeWindow(), all, values);
+    hub_.x11.flush();
+    placing_ = false;
+    densityChanged();
+    applyOutline();
+    top_->update();
 }
 
 void QtFormWindow::moved() {

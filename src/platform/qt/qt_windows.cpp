@@ -91,6 +91,9 @@ QtWindowSystem::QtWindowSystem(std::unique_ptr<Parts> parts) : parts_(std::move(
     });
     parts_->screenWatch = std::make_unique<qt::ScreenWatch>([this] {
         const qt::Loop::Handler handler(parts_->hub.loop);
+        for (auto &[number, entry] : parts_->hub.forms)
+            if (entry.window != nullptr)
+                entry.window->screensChanged();
         if (onScreensChanged)
             onScreensChanged();
     });

@@ -5,11 +5,12 @@
 """
 
 import re
+import signal
 import subprocess
 import sys
 import unittest
 
-from player import PlayerTest, Stranger, stairs
+from player import MAIN, PlayerTest, Stranger, stairs
 from session import quiet, wait_for
 
 WIDTH, HEIGHT = 1280, 800
@@ -211,6 +212,62 @@ class Standing(LyricTest):
             letters = self.letters(player)
             middle = (min(x for x, _ in letters) + max(x for x, _ in letters)) / 2
             self.assertLess(abs(middle - width / 2), 20)
+
+    def test_it_is_placed_again_when_the_screen_is_parted_into_two_monitors(self):
+        player, _ = self.sing(self.LINE)
+        line = self.strip(player)
+        high = player.size(line)[1]
+        env = self.session.env
+        quiet("xrandr", "--setmonitor", "right", "640/160x800/200+640+0", "none", env=env)
+        quiet("xrandr", "--setmonitor", "*left", "640/160x800/200+0+0", "screen", env=env)
+        self.assertTrue(wait_for(lambda: player.size(line) == (640, high) and
+                                 player.place(line) == (0, HEIGHT - high), 10),
+                        player.geometry(line))
+        for name in ("left", "right"):
+            quiet("xrandr", "--delmonitor", name, env=env)
+        self.assertTrue(wait_for(lambda: player.size(line) == (WIDTH, high), 10),
+                        player.geometry(line))
+        self.assertTrue(self.letters(player))
+
+    def test_it_and_the_windows_are_placed_again_when_the_scale_changes(self):
+        settings = self.session.home + "/xsettings"
+
+        def scale(percent):
+            with open(settings, "w", encoding="utf-8") as file:
+                file.write(f"Xft/DPI {1024 * 96 * percent // 100}\n")
+        scale(100)
+        daemon = self.session.spawn(["xsettingsd", "-c", settings])
+        player, main = self.sing(self.LINE)
+        line = self.strip(player)
+        self.assertTrue(self.letters(player))
+        corner = (40, 20)  # apart from the line at every scale
+        player.tool("windowmove", main, *corner)
+        self.assertTrue(wait_for(lambda: player.place(main) == corner, 5))
+        wide, high = player.size(main)
+        line_high = player.size(line)[1]
+        title = player.look(main, "title")
+        for percent in (200, 150, 100):
+            scale(percent)
+            daemon.send_signal(signal.SIGHUP)
+            self.assertTrue(wait_for(
+                lambda: player.size(main) == (wide * percent // 100, high * percent // 100) and
+                abs(player.size(line)[1] - line_high * percent / 100) <= 1 and
+                player.place(line) == (0, HEIGHT - player.size(line)[1]), 10),
+                f"{player.geometry(main)} and {player.geometry(line)} at {percent} percent")
+            self.assertTrue(all(abs(now - before) <= 2 for now, before in
+                                zip(player.place(main), corner)), player.place(main))
+            letters = self.letters(player)
+            middle = (min(x for x, _ in letters) + max(x for x, _ in letters)) / 2
+            self.assertLess(abs(middle - WIDTH / 2), 20)
+            # The mouse finds the switch at its new place.
+            left, top, width, height = (side * percent / 100 for side in MAIN["desktop_Lrc"])
+            if left + width < WIDTH - corner[0]:
+                player.click_at(main, left + width / 2, top + height / 2)
+                self.assertTrue(wait_for(lambda: not self.look(player).differing(GROUND), 10))
+                player.click_at(main, left + width / 2, top + height / 2)
+                self.assertTrue(self.letters(player))
+        self.assertTrue(wait_for(lambda: player.look(main, "title") == title, 5),
+                        "the window does not look as before")
 
     def test_it_moves_up_when_a_panel_comes(self):
         player, _ = self.sing(self.LINE)
