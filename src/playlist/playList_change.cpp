@@ -38,6 +38,7 @@ void playList_Form::askInBox(std::int16_t mode, std::u16string_view heading,
     box.jieGuo.setText(text);
     box.listMode = mode;
     box.show();
+    box.setFocus(&box.jieGuo); // it may have been left at a button
     setEnabled(false);
     app_.Main().setEnabled(false);
 }

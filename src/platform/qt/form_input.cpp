@@ -214,11 +214,17 @@ bool FormInput::key(QWidget &widget, QKeyEvent &event, bool child) {
     const auto keyCode = static_cast<xcb_keycode_t>(event.nativeScanCode());
     // What a toolkit widget has no use for comes by again on its way up.
     const OfferedKey offered{{event.timestamp(), keyCode}, event.type()};
-    if (child)
-        offered_ = offered;
-    else if (offered_ == offered)
+    if (!child && offered_ == offered)
         return true;
     event.accept();
+    const bool taken = newKey(widget, event, keyCode, child);
+    // Only now: a handler that pumps may have met other keys, and this one's release, meanwhile.
+    if (child)
+        offered_ = offered;
+    return taken;
+}
+
+bool FormInput::newKey(QWidget &widget, QKeyEvent &event, xcb_keycode_t keyCode, bool child) {
     const bool repeat = isRepeat(event, keyCode);
     const std::int16_t code = virtualKey(hub_.x11.keySymbols(keyCode), keyCode);
     if (repeat)

@@ -43,6 +43,7 @@ private:
     void entered(QWidget &widget, const QEnterEvent &event);
     bool mouse(QWidget &widget, QMouseEvent &event, bool child);
     bool key(QWidget &widget, QKeyEvent &event, bool child);
+    bool newKey(QWidget &widget, QKeyEvent &event, xcb_keycode_t keyCode, bool child);
     bool keyDown(const QKeyEvent &event, std::int16_t code, std::int16_t shift, bool child);
     bool keyUp(std::int16_t code, std::int16_t shift, bool child);
     bool isRepeat(const QKeyEvent &event, xcb_keycode_t key);

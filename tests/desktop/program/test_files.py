@@ -14,7 +14,7 @@ import unittest
 
 from listing import ListTest, silence
 from player import ASK, LIST, TITLE
-from session import wait_for
+from session import quiet, wait_for
 
 
 def content(path):
@@ -50,6 +50,53 @@ class Renaming(ListTest):
         self.click_row(player, rows, 1)
         self.session.key("F2", rows)
         self.assert_title(player, main, "2/2")
+
+    def test_the_question_is_answered_by_the_keyboard_alone(self):
+        player, _, rows = self.start_with_list()
+        self.click_row(player, rows, 0)
+
+        def ask():
+            player.click(rows, "Alter", form=LIST)
+            window = player.form(ASK)
+            self.assertTrue(window, "no question comes up")
+            quiet("xdotool", "windowfocus", "--sync", window, env=self.session.env)
+            quiet("xdotool", "key", "ctrl+a", env=self.session.env)
+            quiet("xdotool", "type", "--delay", "8", "by hand", env=self.session.env)
+            return window
+        window = ask()
+        for key in ("Tab", "Tab", "Return"):  # OK, Cancel
+            self.session.key(key)
+        self.assertTrue(player.gone(window), "the question stays")
+        self.assert_story(player, rows, self.tracks)
+        window = ask()
+        for key in ("Tab", "space"):
+            self.session.key(key)
+        self.assertTrue(player.gone(window), "the question stays")
+        self.assert_story(player, rows, [self.music + "/by hand.wav", self.tracks[1]])
+
+    def test_a_pasted_line_break_is_no_part_of_the_name(self):
+        player, _, rows = self.start_with_list()
+        self.click_row(player, rows, 0)
+        player.click(rows, "Alter", form=LIST)
+        window = player.form(ASK)
+        self.assertTrue(window, "no question comes up")
+        self.write_into(player, window, "")
+        subprocess.run(["xclip", "-selection", "clipboard"], input=b"one\r\ntwo\n",
+                       env=self.session.env, check=True, stdout=subprocess.DEVNULL,
+                       stderr=subprocess.DEVNULL)
+        self.session.key("ctrl+v")
+        player.click(window, "OK", form=ASK)
+        self.assertTrue(player.gone(window), "the question stays")
+        self.assert_story(player, rows, [self.music + "/onetwo.wav", self.tracks[1]])
+        self.assert_a_reload_changes_nothing(player, rows)
+
+    def test_nothing_is_renamed_onto_a_link_that_leads_nowhere(self):
+        link = self.music + "/dangling.wav"
+        os.symlink("/no/where", link)
+        player, _, rows = self.start_with_list()
+        self.rename(player, rows, 0, "dangling", refused=True)
+        self.assert_story(player, rows, self.tracks)
+        self.assertTrue(os.path.islink(link))
 
     def test_what_is_behind_the_first_point_is_offered_and_the_number_kept_for_the_eye(self):
         numbered = self.music + "/01.Love Song.wav"

@@ -80,6 +80,22 @@ class Keys(ListTest):
         self.assert_title(player, main, "4/4")
         self.assert_story(player, rows, self.tracks)
 
+    def test_f3_to_f6_steer_the_player_from_the_list_too(self):
+        player, main, rows = self.start_with_list()
+        player.click(main, "Volume_ICO")  # no sound to fade in
+        self.click_row(player, rows, 3)
+        self.session.key("F6", rows)
+        self.assert_title(player, main, "1/4")
+        self.session.key("F6", rows)
+        self.assert_title(player, main, "2/4")
+        self.session.key("F5", rows)
+        self.assert_title(player, main, "1/4")
+        playing = player.look(main, "playButton")
+        self.session.key("F3", rows)
+        self.assertTrue(wait_for(lambda: player.look(main, "playButton") != playing), "no pause")
+        self.session.key("F4", rows)
+        self.assertTrue(wait_for(lambda: player.title(main) == TITLE), "no stop")
+
     def test_f7_adds_one_file_and_never_twice(self):
         player, _, rows = self.start_with_list()
         added = self.music + "/another one.wav"

@@ -255,6 +255,28 @@ TEST_F(KeyTest, GoToTheActiveControlAndNotToTheForm) {
     EXPECT_TRUE(down.empty());
 }
 
+TEST_F(KeyTest, AreOnePressThoughTheReleaseComesWhileTheHandlerPumps) {
+    InputForm form;
+    forms::ListBox list{form, "list"};
+    list.move({2400, 750, 1500, 1500});
+    std::vector<int> inList;
+    bool released = false;
+    list.on().KeyDown = [&](forms::KeyEvent &e) {
+        inList.push_back(e.keyCode);
+        if (e.keyCode == 117)
+            desk().pump([&] { return released; });
+    };
+    list.on().KeyUp = [&](forms::KeyEvent &e) { released = released || e.keyCode == 116; };
+    listen(form);
+    form.appear();
+    ASSERT_TRUE(focus(form));
+    desk().tool({"key", "F6", "key", "F5", "key", "Return"});
+    EXPECT_TRUE(desk().pump([&] { return released && inList.size() >= 3; }));
+    desk().pumpFor(100);
+    EXPECT_EQ(inList, (std::vector<int>{117, 116, 13}));
+    EXPECT_TRUE(down.empty());
+}
+
 TEST(VirtualKey, TakesTheFirstLatinSymbolOfAnyGroup) {
     const xcb_keysym_t cyrillicThenLatin[] = {0x06D9, 0x06F9, 's', 'S'};
     EXPECT_EQ(platform::qt::virtualKey(cyrillicThenLatin, 39), 'S');

@@ -40,6 +40,15 @@ TEST_F(InputBox, ItsCloseAndTheWindowManagersAreCancel) {
     }
 }
 
+TEST_F(InputBox, IsReadyToTypeWhereverItWasLeft) {
+    list.Search_Click();
+    EXPECT_EQ(box.activeControl(), &box.jieGuo);
+    box.setFocus(&box.Cancel);
+    box.Cancel.on().Click();
+    list.Search_Click();
+    EXPECT_EQ(box.activeControl(), &box.jieGuo);
+}
+
 TEST_F(InputBox, OffersAtMostAHundredCharactersOfAName) {
     addRow(u"/m/01." + std::u16string(150, u'n') + u".mp3");
     names.setSelected(0, true);
