@@ -92,8 +92,10 @@ class Heard:
                 env=self.session.env).splitlines())
             quiet("xdotool", "mousemove", str(int(shape["X"]) + what[0]),
                   str(int(shape["Y"]) + what[1]), env=self.session.env)
+            # The bar acts when the button is let go, which the tool does some time after the press.
+            quiet("xdotool", "mousedown", "1", env=self.session.env)
             begun = time.monotonic()
-            quiet("xdotool", "click", "1", env=self.session.env)
+            quiet("xdotool", "mouseup", "1", env=self.session.env)
         return begun
 
     def next(self):
