@@ -63,6 +63,24 @@ struct QtWindowSystem::Parts {
         return false;
     }
 
+    // The window manager sees to its own windows when a screen shrinks or goes; the others, shown
+    // or not, would stay where nobody reaches them.
+    void bringBack() {
+        for (const auto &[number, entry] : hub.forms) {
+            forms::Form &form = *entry.form;
+            if (!form.unmanaged())
+                continue;
+            const QRect area =
+                qt::nearest(qt::toPixels({form.left(), form.top(), form.width(), form.height()}));
+            const QRect now(qt::screens::toToolkit(area.topLeft()), area.size());
+            const QRect seen = qt::screens::reachable(now);
+            if (seen.left() != now.left())
+                form.setLeft(form.left() + qt::toTwips(seen.left() - now.left()));
+            if (seen.top() != now.top())
+                form.setTop(form.top() + qt::toTwips(seen.top() - now.top()));
+        }
+    }
+
     PointPixels pointerAt;
     std::chrono::steady_clock::time_point pointerAsked{};
     std::unique_ptr<qt::Application> application; // first made, last to go
@@ -94,6 +112,7 @@ QtWindowSystem::QtWindowSystem(std::unique_ptr<Parts> parts) : parts_(std::move(
         for (auto &[number, entry] : parts_->hub.forms)
             if (entry.window != nullptr)
                 entry.window->screensChanged();
+        parts_->bringBack();
         if (onScreensChanged)
             onScreensChanged();
     });

@@ -19,6 +19,11 @@ RectPixels workArea();
 // The strip at the bottom that the work area leaves free; of zero height if there is none.
 RectPixels taskBar();
 
+// `area` (in the toolkit's coordinates), or where it goes so that it can be reached: onto the
+// primary monitor if no monitor has enough of its columns, or all of it lies below. How far it lies
+// above the upper edge stays.
+QRect reachable(const QRect &area);
+
 QPointF toProgram(QPointF toolkit);
 QPoint toToolkit(QPoint program);
 

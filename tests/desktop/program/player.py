@@ -288,6 +288,20 @@ class PlayerTest(unittest.TestCase):
         with open(path, "rb") as file:
             return file.read(len(beginning)) == beginning
 
+    def screen(self):
+        told = quiet("xdotool", "getdisplaygeometry", env=self.session.env).split()
+        return int(told[0]), int(told[1])
+
+    def resize(self, width, height):
+        """To a smaller resolution than it began with, or back."""
+        env = self.session.env
+        name = f"{width}x{height}"
+        quiet("xrandr", "--newmode", name, "65", *[str(width + more) for more in (0, 24, 160, 320)],
+              *[str(height + more) for more in (0, 3, 9, 38)], env=env)
+        quiet("xrandr", "--addmode", "screen", name, env=env)
+        quiet("xrandr", "--output", "screen", "--mode", name, env=env)
+        self.assertTrue(wait_for(lambda: self.screen() == (width, height), 5))
+
     def start(self, program=PROGRAM):
         player = Player(self.session, program)
         window = player.window()

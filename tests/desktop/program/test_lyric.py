@@ -76,10 +76,6 @@ class LyricTest(PlayerTest):
         return wait_for(lambda: next((number for number in player.windows()
                                       if player.size(number)[0] == self.screen()[0]), None), seconds)
 
-    def screen(self):
-        told = quiet("xdotool", "getdisplaygeometry", env=self.session.env).split()
-        return int(told[0]), int(told[1])
-
     def look(self, player):
         line = self.strip(player)
         x, y = player.place(line)
@@ -190,15 +186,6 @@ class Standing(LyricTest):
             self.assertTrue(wait_for(lambda: f"= {workspace}" in quiet(
                 "xprop", "-root", "_NET_CURRENT_DESKTOP", env=self.session.env), 5))
             self.assert_still_there(player, places, colour)
-
-    def resize(self, width, height):
-        env = self.session.env
-        name = f"{width}x{height}"
-        quiet("xrandr", "--newmode", name, "65", *[str(width + more) for more in (0, 24, 160, 320)],
-              *[str(height + more) for more in (0, 3, 9, 38)], env=env)
-        quiet("xrandr", "--addmode", "screen", name, env=env)
-        quiet("xrandr", "--output", "screen", "--mode", name, env=env)
-        self.assertTrue(wait_for(lambda: self.screen() == (width, height), 5))
 
     def test_it_is_placed_again_when_the_resolution_changes(self):
         player, _ = self.sing(self.LINE)

@@ -153,6 +153,20 @@ class Mini(PlayerTest):
         player.tool("mousemove", 640, 700)
         self.assertIsNone(wait_for(lambda: player.place(strip) != place, 1))
 
+    def test_a_screen_that_shrinks_brings_it_back_to_where_it_can_be_reached(self):
+        player, strip = self.enter()
+        player.click(strip, "auto_Hide_Lock_False", form=MINI)
+        self.aside(player, strip, 480)
+        self.resize(800, 600)
+        self.assertIsNone(wait_for(lambda: player.place(strip) != (480, 0), 0.7),
+                          "it moves though most of it can be seen")
+        self.resize(500, 400)
+        self.assertTrue(wait_for(lambda: player.place(strip) == (0, 0), 5),
+                        f"it stands out of reach at {player.place(strip)}")
+        left, top, width, height = MINI["title_ICO"]
+        player.click_at(strip, left + width / 2, top + height / 2, times=2)
+        self.assertTrue(player.window() and player.gone(strip))
+
     def test_each_way_back_brings_the_main_window(self):
         player, strip = self.enter()
         for number, place in enumerate(("mini_Button", "title_ICO", (205, 8), (205, 25), (170, 3))):
