@@ -74,6 +74,10 @@ class Listening:
         self.assertTrue(wait_for(lambda: abs(self.peak() - level) < 0.08, seconds),
                         f"the amplitude is {self.peak()}, not {level}")
 
+    def assert_faded_in(self):
+        """A stop within the fade would leave the player in use; the bar stands at three quarters."""
+        self.assert_level(0.75)
+
     def assert_silent(self, seconds=5):
         self.assertTrue(wait_for(lambda: self.peak() == 0, seconds), "it is not silent")
 
@@ -146,6 +150,7 @@ class MainWindow(Sound):
         self.press("upButton")
         self.assert_title(self.player, self.main, "one")
         self.assert_second(0, 5)
+        self.assert_faded_in()
         self.press("stopButton")
         self.assert_silent()
         self.press("playButton")
@@ -198,6 +203,7 @@ class MiniWindow(Sound):
         self.assert_second(29, 36)
         self.press_strip("upButton")
         self.assert_second(0, 5)
+        self.assert_faded_in()
         self.press_strip("stopButton")
         self.assert_silent()
         self.press_strip("playButton")
@@ -339,6 +345,7 @@ class VideoWindow(FilmTest, Listening):
         self.renewed()
         self.assert_title(self.player, self.main, "one")
         self.assert_second(0, 10)
+        self.assert_faded_in()
         self.press("stop")
         self.assertTrue(self.player.gone(self.window))
         self.assert_silent()
