@@ -5,12 +5,13 @@
 """
 
 import re
+import shutil
 import sys
 import unittest
 
 from films import (COLUMNS, HEIGHT, PICTURE, STRIP, WIDTH, FilmSession, FilmTest, make_film,
                    near)
-from player import stairs
+from player import SETTINGS, stairs
 from session import quiet, wait_for
 
 SCREEN = (1280, 800)
@@ -353,6 +354,12 @@ class TwoMonitors(FilmTest):
 class TheEnginesWindow(FilmTest):
     interface = "0"
 
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        for name in ("copy.mp4", "last.mp4"):
+            shutil.copy(cls.made + "/film.mp4", f"{cls.made}/{name}")
+
     def test_it_has_the_films_size_and_closing_it_keeps_the_sound(self):
         recorder = self.recorder()
         player, main = self.play("film.mp4")
@@ -368,6 +375,24 @@ class TheEnginesWindow(FilmTest):
         self.assertTrue(wait_for(lambda: (self.heard_second(recorder) or 0) > before + 1.5, 10),
                         "the sound does not go on")
         self.assertIsNone(player.child.poll())
+
+    def test_the_settings_choose_the_window_of_the_next_film(self):
+        player, main = self.play("film.mp4", "copy.mp4", "last.mp4")
+        for size, name in (((640, 360), "film"), ((WIDTH, HEIGHT), "copy"), ((640, 360), "last")):
+            self.assert_title(player, main, f"〗 {name}")
+            window = self.video(player, size)
+            self.assertTrue(window, f"no window of {size} for {name}")
+            rect = (*player.place(window), *size)
+            self.assert_stretched(rect if size == (640, 360) else self.whole(player, window))
+            self.session.key("ctrl+s", main)
+            settings = player.form(SETTINGS)
+            self.assertTrue(settings, "the settings do not come up")
+            # The check box that chooses it, on the page that is shown first; then OK.
+            player.click_at(settings, (2280 + 400) / 15, (480 + 2850 + 165) / 15)
+            player.click(settings, "qd", form=SETTINGS)
+            self.assertTrue(player.gone(settings))
+            self.assertTrue(player.size(window) == size, "it is not for the next film alone")
+            self.session.key("F6", main)
 
 
 if __name__ == "__main__":
