@@ -111,8 +111,12 @@ class ByMouse(SettingsTest):
         stairs(track, 60)
         self.write_list([track])
         self.begin()
+        self.player.click(self.window, "Volume_ICO")  # no sound to fade in
+        empty = self.player.look(self.window, "lrcBox")
         self.session.key("F6", self.window)
         self.assert_title(self.player, self.window, "song")
+        # Before it says that there is no lyric there is no information either.
+        self.assertTrue(wait_for(lambda: self.player.look(self.window, "lrcBox") != empty))
         self.player.click(self.window, "playInfo")
         info = self.player.form(INFO)
         self.assertTrue(info, "no track information")
