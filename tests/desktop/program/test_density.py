@@ -9,7 +9,7 @@ import unittest
 
 from listing import LIST_LEFT, LIST_TOP, ROW, ListTest, silence
 from player import LIST, MAIN, SETTINGS, Player
-from session import Session, wait_for
+from session import Session, quiet, wait_for
 
 FRAME = (2280 / 15, 480 / 15)  # of a settings page, in pixels of the design
 ENGLISH = (40, (960 + 165) / 15)
@@ -64,14 +64,17 @@ class Density(ListTest):
         before = self.player.place(main)
         self.player.tool("mousemove", *self.player.point(main, *self.at(150, 13)))
         self.player.tool("mousedown", 1)
+        # A drag begins where the pointer is when the press is handled.
+        wait_for(lambda: "ABOVE" in quiet("xprop", "-id", main, "_NET_WM_STATE",
+                                          env=self.session.env), 5)
         for _ in range(9):
             self.player.tool("mousemove_relative", "--", -13, 7)
         target = (before[0] - 9 * 13, before[1] + 9 * 7)
-        moved = wait_for(lambda: self.player.place(main) == target, 5)
-        self.player.tool("mouseup", 1)
         # A place between two pixels of the design is rounded.
-        self.assertTrue(moved or all(abs(a - b) <= 1 for a, b in
-                                     zip(self.player.place(main), target)))
+        moved = wait_for(lambda: all(abs(a - b) <= 1 for a, b in
+                                     zip(self.player.place(main), target)), 5)
+        self.player.tool("mouseup", 1)
+        self.assertTrue(moved, f"{self.player.place(main)} instead of {target}")
         self.assert_side_by_side(main, rows)
 
     def test_drop_click_and_settings_land_where_they_are_aimed(self):
