@@ -17,6 +17,8 @@ namespace {
 constexpr std::size_t keptTexts = 96;
 constexpr std::size_t keptFaces = 48;
 constexpr double dotsPerPoint = 96.0 / 72.0;
+constexpr std::size_t mostUnits = 8192;  // that are laid out of a text
+constexpr double piecePixels = 12'000.0; // about the width of a piece: a picture must take it
 
 // Faces with the measures of Arial, best first.
 constexpr const char *latinFaces[] = {"Arial",       "Liberation Sans", "Arimo",
@@ -219,12 +221,37 @@ std::shared_ptr<const ShapedText> Fonts::shape(std::u16string_view text, const f
     return kept_.front().text;
 }
 
+std::vector<std::u16string_view> Fonts::pieces(std::u16string_view text, const forms::Font &font) {
+    text = text.substr(0, mostUnits);
+    const double fit = piecePixels / std::max(1.0, font.size() * dotsPerPoint);
+    const auto most = static_cast<std::size_t>(std::clamp(fit, 16.0, 512.0));
+    std::vector<std::u16string_view> found;
+    if (text.size() <= most || text.find_first_of(u"\r\n") != text.npos)
+        return {text};
+    while (text.size() > most) {
+        const std::size_t blank = text.rfind(u' ', most - 1);
+        std::size_t cut = blank != text.npos && blank >= most / 2 ? blank + 1 : most;
+        if (cut == most && text[cut] >= 0xDC00 && text[cut] <= 0xDFFF)
+            --cut; // not within a pair
+        found.push_back(text.substr(0, cut));
+        text.remove_prefix(cut);
+    }
+    found.push_back(text);
+    return found;
+}
+
 forms::TextExtent Fonts::extent(std::u16string_view text, const forms::Font &font) {
-    const auto shaped = shape(text, font);
+    double width = 0;
+    double height = 0;
+    for (const std::u16string_view piece : pieces(text, font)) {
+        const auto shaped = shape(piece, font);
+        width += shaped->width;
+        height = shaped->height;
+    }
     // Sums of advances in binary fractions: a hair above a whole pixel is that pixel.
     constexpr double hair = 1.0 / 64;
-    return {static_cast<Twips>(std::ceil(shaped->width - hair)) * twipsPerPixel,
-            static_cast<Twips>(shaped->height) * twipsPerPixel};
+    return {static_cast<Twips>(std::ceil(width - hair)) * twipsPerPixel,
+            static_cast<Twips>(height) * twipsPerPixel};
 }
 
 } // namespace velmora::platform::qt

@@ -49,6 +49,11 @@ public:
     std::shared_ptr<const ShapedText> shape(std::u16string_view text, const forms::Font &font,
                                             double wrapWidth = -1);
 
+    // The pieces that a text of one long line is laid out and drawn in, one behind the other, cut
+    // at blanks where there are some; any other text as a whole. Of a line without end only the
+    // beginning counts: it would take an hour to roll by.
+    std::vector<std::u16string_view> pieces(std::u16string_view text, const forms::Font &font);
+
     // The advance rounded up to whole logical pixels and the line height, in twips.
     forms::TextExtent extent(std::u16string_view text, const forms::Font &font);
 

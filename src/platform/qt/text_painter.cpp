@@ -14,6 +14,8 @@ constexpr std::size_t keptPictures = 3;
 constexpr QRgb rimColour = 0xE60A0C10;
 constexpr double largeEm = 24; // from here on glyphs are widened by their outline
 constexpr double boldShare = 1.0 / 20;
+constexpr double mostRim = 8;
+constexpr std::size_t mostWrapped = 8192; // units; no box shows more
 
 double rimWidth(double em) { return std::clamp(em / 22, 1.0, 4.0); }
 
@@ -44,6 +46,14 @@ double startOf(const TextLook &look, const QRectF &box, double width) {
     return box.left();
 }
 
+// What a painter can reach at most, in its own coordinates.
+QRectF seenOf(const QPainter &painter) {
+    const QPaintDevice &device = *painter.device();
+    const QRectF all =
+        painter.worldTransform().inverted().mapRect(QRectF(0, 0, device.width(), device.height()));
+    return painter.hasClipping() ? all.intersected(painter.clipBoundingRect()) : all;
+}
+
 // A line is as high as its letters. Where the rim of those that hang down would be cut, it moves up
 // into the room above.
 double liftOf(const QRectF &ink, double lineHeight, double rim) {
@@ -58,6 +68,35 @@ void TextPainter::draw(QPainter &painter, const QRectF &box, std::u16string_view
                        const TextLook &look) {
     if (text.empty() || box.isEmpty())
         return;
+    const auto pieces = fonts_.pieces(text, *look.font);
+    if (pieces.size() > 1 && !look.wrap)
+        drawPieces(painter, box, pieces, look);
+    else
+        drawLines(painter, box, look.wrap ? text.substr(0, mostWrapped) : pieces.front(), look);
+}
+
+void TextPainter::drawPieces(QPainter &painter, const QRectF &box,
+                             const std::vector<std::u16string_view> &pieces, const TextLook &look) {
+    double width = 0;
+    for (const std::u16string_view piece : pieces)
+        width += fonts_.shape(piece, *look.font)->width;
+    const QRectF seen = seenOf(painter).adjusted(-mostRim, 0, mostRim, 0);
+    TextLook own = look;
+    own.alignment = forms::Alignment::Left;
+    painter.save();
+    painter.setClipRect(box, Qt::IntersectClip);
+    double left = startOf(look, box, width);
+    for (const std::u16string_view piece : pieces) {
+        const double wide = fonts_.shape(piece, *look.font)->width;
+        if (left < seen.right() && left + wide > seen.left())
+            drawLines(painter, {left, box.top(), wide + 1, box.height()}, piece, own);
+        left += wide;
+    }
+    painter.restore();
+}
+
+void TextPainter::drawLines(QPainter &painter, const QRectF &box, std::u16string_view text,
+                            const TextLook &look) {
     const auto shaped = fonts_.shape(text, *look.font, look.wrap ? box.width() : -1);
     const double top =
         look.middle ? box.top() + std::floor((box.height() - shaped->height) / 2) : box.top();

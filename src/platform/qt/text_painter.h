@@ -37,6 +37,10 @@ public:
     }
 
 private:
+    void drawLines(QPainter &painter, const QRectF &box, std::u16string_view text,
+                   const TextLook &look);
+    void drawPieces(QPainter &painter, const QRectF &box,
+                    const std::vector<std::u16string_view> &pieces, const TextLook &look);
     void drawPlain(QPainter &painter, const ShapedText &shaped, const ShapedText::Line &line,
                    QPointF at, const QColor &colour);
     // A text with its rim is costly to draw and moves often: its picture is kept.

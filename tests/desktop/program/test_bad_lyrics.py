@@ -109,6 +109,27 @@ class Playing(LyricsTest):
         self.assertLess(self.memory(player), 400)
         self.assert_fit(player, main)
 
+    def test_a_line_without_end_rolls_by_in_the_window_and_across_the_desktop(self):
+        line = b"[00:00.00]" + b"la " * 5_000_000 + b"la\r\n"
+        self.write_list([self.track("endless", line, 60)])
+        player, main = self.start()
+        self.session.key("F6", main)
+
+        def letters():
+            return any(pixel > 110 for pixel in player.look(main, "lrcBox"))
+        self.assertTrue(wait_for(letters, 15), "it does not come up")
+        player.click(main, "desktop_Lrc")
+        strips = set()
+
+        def rolls():
+            strips.add(player.picture(main, -player.place(main)[0], 745 - player.place(main)[1],
+                                      player.screen_width, 50))
+            return len(strips) > 4 and all(max(strip) > 60 for strip in list(strips)[-3:])
+        self.assertTrue(wait_for(rolls, 15), "it does not roll")
+        self.assertTrue(letters())
+        self.assertLess(self.memory(player), 600)
+        self.assert_fit(player, main)
+
     def test_one_that_cannot_be_read_leaves_the_music_and_the_next_track_right(self):
         program = self.plain_program()
         tracks = [self.track(name, b"[00:01.00]" + name.encode() + b"\r\n", 30, base=base, step=0)

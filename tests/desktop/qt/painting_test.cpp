@@ -156,6 +156,66 @@ TEST_F(PaintTest, AnAutosizeLabelIsExactlyAsWideAsItsText) {
                     2 * desk().windows->textExtent(u"a", form.label.font()).height);
 }
 
+std::u16string repeated(std::u16string_view text, int times) {
+    std::u16string all;
+    for (int i = 0; i < times; ++i)
+        all += text;
+    return all;
+}
+
+TEST_F(PaintTest, ALongLineIsAsWideAsItsWords) {
+    const forms::Font font(u"Arial", 9);
+    const auto widthOf = [&](int words) {
+        return desk().windows->textExtent(repeated(u"word ", words), font).width;
+    };
+    const float word = (widthOf(90) - widthOf(30)) / 60;
+    EXPECT_NEAR(widthOf(1000), widthOf(90) + 910 * word, 60 * 15);
+    const auto pairs = desk().windows->textExtent(repeated(u"\U00020000", 1500), font);
+    const auto pair = desk().windows->textExtent(u"\U00020000", font);
+    EXPECT_NEAR(pairs.width, 1500 * pair.width, 1500 * 15);
+    EXPECT_FLOAT_EQ(pairs.height, pair.height);
+}
+
+TEST_F(PaintTest, OfALineWithoutEndOnlyTheBeginningCounts) {
+    const forms::Font font(u"Arial", 36);
+    const auto most = desk().windows->textExtent(std::u16string(8192, u'x'), font);
+    EXPECT_GT(most.width, 8000 * 15 * 15);
+    EXPECT_FLOAT_EQ(desk().windows->textExtent(std::u16string(15'000'000, u'x'), font).width,
+                    most.width);
+}
+
+TEST_F(PaintTest, ALongLineIsSeenAllAlong) {
+    PaintForm form;
+    form.appear();
+    form.label.setAutoSize(true);
+    form.label.setCaption(repeated(u"word ", 1600));
+    const int wide = static_cast<int>(form.label.width() / 15);
+    // The widest gap between letters of this colour, and whether there are any.
+    const auto gapOf = [&](bool red) {
+        const ScreenPicture picture =
+            desk().screen->picture(form.screenX(0), form.screenY(70), 150, 14);
+        int gap = 0;
+        int widest = 0;
+        for (int x = 0; x < 150; ++x) {
+            bool inked = false;
+            for (int y = 0; y < 14; ++y)
+                inked |= (picture.at(x, y) >> (red ? 16 : 8) & 0xFF) > 0x60;
+            gap = inked ? 0 : gap + 1;
+            widest = std::max(widest, gap);
+        }
+        return widest;
+    };
+    // Wherever it is shifted to there are letters, and no gap wider than a blank.
+    bool red = false;
+    for (const int shift : {0, 700, 5'000, 11'900, 24'100, wide / 2, wide - 300}) {
+        red = !red;
+        form.label.setForeColor(red ? 0x000000FF : 0x0000FF00);
+        form.label.setLeft(static_cast<Twips>(-shift) * 15);
+        EXPECT_TRUE(desk().pump([&] { return gapOf(red) <= 6; }, 2000))
+            << shift << ": " << gapOf(red);
+    }
+}
+
 TEST_F(PaintTest, BoldIsWiderAndChineseIsAsWideAsItsSize) {
     const forms::Font plain(u"Arial", 9);
     const forms::Font bold(u"Arial", 9, true);
