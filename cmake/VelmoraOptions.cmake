@@ -17,7 +17,9 @@ endif()
 
 find_program(VELMORA_CCACHE ccache)
 if(VELMORA_CCACHE)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${VELMORA_CCACHE}")
+    # What it needs to know of to keep what is compiled with precompiled headers.
+    set(CMAKE_CXX_COMPILER_LAUNCHER env CCACHE_SLOPPINESS=pch_defines,time_macros
+        "${VELMORA_CCACHE}")
 endif()
 
 add_library(velmora_flags INTERFACE)
