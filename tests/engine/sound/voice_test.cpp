@@ -75,6 +75,7 @@ protected:
 
     FakeReader::Calls calls_;
     FakeServer server_{rate};
+    FakeServer second_{rate}; // for a stream that comes after the first; outlives the voice as well
     std::shared_ptr<VoiceControl> control_ = std::make_shared<VoiceControl>();
     std::unique_ptr<Voice> voice_;
     int turns_ = 0;
@@ -306,23 +307,22 @@ TEST_F(VoiceTest, GoesOnThroughAnotherStreamWhereTheFirstWasLost) {
     play(1000);
     server_.state = State::Lost;
     serve();
-    FakeServer second(rate);
-    second.now = server_.now;
-    second.state = State::Idle;
-    second.silent = true;
-    voice_->attach(std::make_unique<FakeStream>(second), second.now);
+    second_.now = server_.now;
+    second_.state = State::Idle;
+    second_.silent = true;
+    voice_->attach(std::make_unique<FakeStream>(second_), second_.now);
     EXPECT_TRUE(server_.destroyed);
-    voice_->service(second.now);
-    EXPECT_EQ(second.state, State::Running);
+    voice_->service(second_.now);
+    EXPECT_EQ(second_.state, State::Running);
     const VoiceReport report = control_->report();
     EXPECT_NEAR(static_cast<double>(report.frame), 10000, 20);
     EXPECT_TRUE(report.advancing);
     EXPECT_EQ(report.transport, 1U);
     // Nothing needs to be decoded for nobody.
-    EXPECT_EQ(second.writes, 0);
+    EXPECT_EQ(second_.writes, 0);
     // One call at the end of the file is all that is due.
-    const TimePoint due = voice_->service(second.now);
-    EXPECT_NEAR(static_cast<double>(framesOfTime(due - second.now, rate)), 90000, 50);
+    const TimePoint due = voice_->service(second_.now);
+    EXPECT_NEAR(static_cast<double>(framesOfTime(due - second_.now, rate)), 90000, 50);
 }
 
 TEST_F(VoiceTest, AStreamAttachedInThePauseStaysStill) {
@@ -330,12 +330,11 @@ TEST_F(VoiceTest, AStreamAttachedInThePauseStaysStill) {
     play(500);
     transport(false, 5000);
     play(200);
-    FakeServer second(rate);
-    second.now = server_.now;
-    second.state = State::Idle;
-    voice_->attach(std::make_unique<FakeStream>(second), second.now);
-    EXPECT_EQ(voice_->service(second.now), TimePoint::max());
-    EXPECT_EQ(second.state, State::Idle);
+    second_.now = server_.now;
+    second_.state = State::Idle;
+    voice_->attach(std::make_unique<FakeStream>(second_), second_.now);
+    EXPECT_EQ(voice_->service(second_.now), TimePoint::max());
+    EXPECT_EQ(second_.state, State::Idle);
     EXPECT_EQ(control_->report().frame, 5000);
 }
 
