@@ -1,0 +1,279 @@
+#!/usr/bin/env python3
+"""What the settings' dialogs choose, restore to defaults, and a registry with odd things in it.
+
+    test_settings_stored.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
+"""
+
+import os
+import signal
+import sqlite3
+import subprocess
+import sys
+import unittest
+
+from player import SETTINGS, stairs
+from session import quiet, wait_for
+from settings_window import FRAME, LANGUAGE_ROWS, PAGES, SettingsTest
+
+
+class Dialogs(SettingsTest):
+    """The system's dialogs behind the buttons, and what they change on the screen."""
+
+    # Places within the window, in pixels.
+    DESKTOP_FONT = (FRAME[0] + (150 + 210 + 1425) / 15, FRAME[1] + (300 + 2100 + 195) / 15)
+    DESKTOP_COLOUR = (FRAME[0] + (150 + 3210 + 1425) / 15, FRAME[1] + (300 + 2100 + 195) / 15)
+    OTHER_FONT = (FRAME[0] + (150 + 210 + 1425) / 15, FRAME[1] + (3000 + 1320 + 180) / 15)
+    OTHER_COLOUR = (FRAME[0] + (150 + 3210 + 1425) / 15, FRAME[1] + (3000 + 1320 + 180) / 15)
+    AUTO_OPEN = (FRAME[0] + (150 + 210 + 100) / 15, FRAME[1] + (300 + 300 + 165) / 15)
+    LIST_FOLDER = (FRAME[0] + (5820 + 240) / 15, FRAME[1] + (1845 + 240) / 15)
+
+    def dialog(self, window, place):
+        self.press(window, *place)
+        box = self.message()
+        self.assertTrue(box, "no dialog comes up")
+        quiet("xdotool", "windowfocus", "--sync", box, env=self.session.env)
+        return box
+
+    def assert_gone(self, box):
+        """The dialog is away, and the settings stand as they will."""
+        self.assertTrue(self.player.gone(box), "the dialog stays")
+        settings = self.player.form(SETTINGS)
+        quiet("xdotool", "windowfocus", "--sync", settings, env=self.session.env)
+        self.steady_page(settings)
+
+    def lyrics(self):
+        self.begin()
+        settings = self.open()
+        self.click(settings, SETTINGS, "lrcSet")
+        self.steady_page(settings)
+        return settings
+
+    def test_a_colour_is_chosen_shown_in_the_preview_and_stored_on_apply(self):
+        settings = self.lyrics()
+        before = self.steady_page(settings)
+        box = self.dialog(settings, self.DESKTOP_COLOUR)
+        self.keys("alt+h", "ctrl+a")
+        quiet("xdotool", "type", "#10ff20", env=self.session.env)
+        self.keys("Return")
+        self.assert_gone(box)
+        self.assertNotEqual(self.steady_page(settings), before, "the preview keeps its colour")
+        self.assertIsNone(self.stored("Desktop_Lrc_ForeColor"))
+        self.click(settings, SETTINGS, "yy")
+        self.assert_stored("Desktop_Lrc_ForeColor", 0x20FF10)
+
+    def test_a_cancelled_colour_changes_nothing(self):
+        settings = self.lyrics()
+        preview = (FRAME[0] + (150 + 210) / 15, FRAME[1] + (3000 + 270) / 15, 390, 34)
+        before = self.look(settings, *preview)
+        box = self.dialog(settings, self.OTHER_COLOUR)
+        self.keys("Escape")
+        self.assert_gone(box)
+        self.assertEqual(self.look(settings, *preview), before)
+
+    def test_a_font_size_is_chosen_and_stored_on_apply(self):
+        settings = self.lyrics()
+        box = self.dialog(settings, self.DESKTOP_FONT)
+        self.keys("alt+s", "ctrl+a")
+        quiet("xdotool", "type", "20", env=self.session.env)
+        self.keys("Return")
+        self.assert_gone(box)
+        self.click(settings, SETTINGS, "yy")
+        self.assert_stored("Desktop_Lrc_Size", 20)
+        self.assertEqual(self.stored("Desktop_Lrc_Name"), "微软雅黑")
+
+    def test_the_other_lyrics_keep_their_size(self):
+        settings = self.lyrics()
+        box = self.dialog(settings, self.OTHER_FONT)
+        self.keys("alt+s", "ctrl+a")
+        quiet("xdotool", "type", "30", env=self.session.env)
+        self.keys("Return")
+        self.assert_gone(box)
+        self.click(settings, SETTINGS, "yy")
+        self.assert_stored("Other_Lrc_Size", 14)
+
+    def test_a_folder_is_chosen(self):
+        folder = self.session.home + "/lists of mine"
+        os.makedirs(folder)
+        self.begin()
+        settings = self.open()
+        self.click(settings, SETTINGS, "folderSet")
+        self.steady_page(settings)
+        box = self.dialog(settings, self.LIST_FOLDER)
+        self.type_into(box, folder)
+        self.assert_gone(box)
+        self.click(settings, SETTINGS, "qd")
+        self.assert_closed()
+        self.assert_stored("PlayListSaveFolder", folder + "/")
+
+    def test_the_lyric_lines_change_on_apply_while_a_track_plays(self):
+        track = f"{self.music}/song.wav"
+        stairs(track, 120)
+        with open(f"{self.music}/song.lrc", "w", newline="") as file:
+            for second in range(1, 120):
+                file.write(f"[{second // 60:02}:{second % 60:02}.00]All along the quiet shore\r\n")
+        self.write_list([track])
+        settings = self.lyrics()
+
+        def desktop_line():
+            """The lowest part of the screen, where nothing but the desktop line is."""
+            return subprocess.run(
+                ["import", "-silent", "-window", "root", "-crop", "1280x70+0+730", "-depth", "8",
+                 "rgb:-"], env=self.session.env, stdout=subprocess.PIPE, check=False).stdout
+        bare = desktop_line()
+        self.click(settings, SETTINGS, "qx")
+        self.assert_closed()
+        self.session.key("F6", self.window)
+        self.assert_title(self.player, self.window, "song")
+        plain = self.player.look(self.window, "lrcBox")
+        settings = self.open()
+        self.assertEqual(desktop_line(), bare)
+        self.press(settings, *self.AUTO_OPEN)
+        box = self.dialog(settings, self.OTHER_COLOUR)
+        self.keys("alt+h", "ctrl+a")
+        quiet("xdotool", "type", "#ff00ff", env=self.session.env)
+        self.keys("Return")
+        self.assert_gone(box)
+        self.click(settings, SETTINGS, "yy")
+        self.assertTrue(wait_for(lambda: desktop_line() != bare), "the desktop line does not show")
+        self.assertTrue(wait_for(lambda: self.player.look(self.window, "lrcBox") != plain),
+                        "the line of the main window keeps its colour")
+        self.press(settings, *self.AUTO_OPEN)
+        self.click(settings, SETTINGS, "yy")
+        self.assertTrue(wait_for(lambda: desktop_line() == bare), "the desktop line stays")
+
+
+class Restoring(SettingsTest):
+    def test_restore_to_defaults_restarts_the_program(self):
+        self.begin()
+        settings = self.open()
+        self.click(settings, SETTINGS, "languageSet")
+        self.press(settings, FRAME[0] + 40, FRAME[1] + (LANGUAGE_ROWS["English"] + 165) / 15)
+        self.click(settings, SETTINGS, "yy")
+        self.assert_stored("Language", "1")
+        self.click(settings, SETTINGS, "playSet_Resume")
+        for question in ("whether", "restart"):
+            box = self.message()
+            self.assertTrue(box, f"the question {question} does not come up")
+            quiet("xdotool", "windowfocus", "--sync", box, env=self.session.env)
+            self.keys("Return")
+            self.assertTrue(wait_for(lambda: not self.alive(box)), "the question stays")
+        self.assertTrue(self.player.ended(), "the old program goes on")
+        self.assertEqual(self.player.child.returncode, 0)
+        new = wait_for(self.new_program, 20)
+        self.assertTrue(new, "the new program does not come up")
+        self.addCleanup(self.end, new)
+        self.assertIsNone(self.stored("Language"))
+
+    def alive(self, window):
+        return "IsViewable" in quiet("xwininfo", "-id", window, env=self.session.env)
+
+    def new_program(self):
+        """The process of a visible window that is not the old program's."""
+        for number in quiet("xdotool", "search", "--onlyvisible", "--class", "velmora",
+                            env=self.session.env).split():
+            pid = quiet("xdotool", "getwindowpid", number, env=self.session.env)
+            if pid and int(pid) != self.player.child.pid:
+                return int(pid)
+        return None
+
+    @staticmethod
+    def end(pid):
+        try:
+            os.kill(pid, signal.SIGKILL)
+        except ProcessLookupError:
+            pass
+
+    def test_a_no_keeps_everything(self):
+        self.begin()
+        settings = self.open()
+        self.click(settings, SETTINGS, "yy")
+        self.assert_stored("PlayMode", "0")
+        self.click(settings, SETTINGS, "playSet_Resume")
+        box = self.message()
+        self.assertTrue(box)
+        quiet("xdotool", "windowfocus", "--sync", box, env=self.session.env)
+        self.keys("n")
+        self.assertTrue(wait_for(lambda: not self.alive(box)))
+        self.assertEqual(self.stored("PlayMode"), "0")
+        self.click(settings, SETTINGS, "qx")
+        self.assert_closed()
+
+
+class WithOddSettings(SettingsTest):
+    """Whatever the registry holds, the window opens, applies and closes."""
+
+    def write(self, values):
+        database = sqlite3.connect(self.registry_file())
+        with database:
+            (key,) = database.execute("select id from keys where folded like '%PLAYSET'").fetchone()
+            for name, (kind, data) in values.items():
+                size = 4 if kind == 4 else len(data)
+                database.execute("insert or replace into entries values (?, ?, ?, ?, ?, ?)",
+                                 (key, name.upper(), name, kind, size, data))
+        database.close()
+
+    def run_with(self, values):
+        self.begin()
+        self.session.key("Escape", self.window)
+        self.assertTrue(self.player.ended())
+        self.write(values)
+        self.begin()
+        settings = self.open()
+        for tab in PAGES:
+            self.click(settings, SETTINGS, tab)
+        self.click(settings, SETTINGS, "yy")
+        self.assertTrue(wait_for(lambda: self.stored("VideoInterface") == "0"))
+        self.click(settings, SETTINGS, "qx")
+        self.assert_closed()
+        self.assertIsNone(self.player.child.poll())
+
+    def font(self, name, size):
+        values = {}
+        for which in ("Desktop", "Other"):
+            for stem in ("Bold", "Charset", "Italic", "Strikethrough", "Underline", "Weight"):
+                values[f"{which}_Lrc_{stem}"] = (4, 0xFFFFFFFF)
+            values[f"{which}_Lrc_ForeColor"] = (4, 0xFFFFFFFF)
+            values[f"{which}_Lrc_BackColor"] = (4, 0x80000000)
+            values[f"{which}_Lrc_Name"] = (1, name)
+            values[f"{which}_Lrc_Size"] = (4, size)
+        values["Desktop_Lrc_AutoOpen"] = (1, "1")
+        return values
+
+    def test_the_largest_size_of_a_face_that_is_not_installed(self):
+        self.run_with(self.font("No Such Face", 2160))
+
+    def test_a_size_out_of_range_and_an_endless_name(self):
+        self.run_with(self.font("x" * 100000, 5000))
+
+    def test_texts_for_numbers_and_numbers_for_texts(self):
+        values = {name: (4, 3) for name in
+                  ("AutoUpadate", "isAutoPlay", "PlayMode", "Language", "VideoInterface",
+                   "LrcSaveFolder", "PlayListSaveFolder", "PlayCacheSaveFolder")}
+        self.run_with(values | {"Desktop_Lrc_Size": (1, "36"), "Desktop_Lrc_AutoOpen": (4, 1)})
+
+    def test_numbers_out_of_range(self):
+        self.run_with({"AutoUpadate": (1, "99999999999"), "isAutoPlay": (1, "-3"),
+                       "PlayMode": (1, "77"), "Language": (1, "9"), "VideoInterface": (1, "-1"),
+                       "AutoShowWelcome": (1, "x"), "Desktop_Lrc_AutoOpen": (1, "7")})
+
+    def test_folders_that_are_files_relative_or_end_in_separators(self):
+        file = self.session.home + "/a file"
+        with open(file, "w") as out:
+            out.write("kept")
+        self.run_with({"LrcSaveFolder": (1, file), "PlayListSaveFolder": (1, "lists of mine/"),
+                       "PlayCacheSaveFolder": (1, self.session.home + "/cached//")})
+        with open(file) as kept:
+            self.assertEqual(kept.read(), "kept")
+        self.assertEqual(self.stored("LrcSaveFolder"), file)
+        self.assertTrue(os.path.isdir(self.session.home + "/cached"))
+        # A relative one counts from where the program was started.
+        self.assertTrue(os.path.isdir(self.session.home + "/lists of mine"))
+
+    def test_folders_that_cannot_be(self):
+        self.run_with({"LrcSaveFolder": (1, "/proc/nowhere/lyrics"),
+                       "PlayListSaveFolder": (1, "a\r\nb\x00c//"),
+                       "PlayCacheSaveFolder": (1, "/" + "long" * 30000)})
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
