@@ -43,8 +43,6 @@ function(velmora_test)
     target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest_main
         velmora_flags)
     target_include_directories(${arg_NAME} PRIVATE "${CMAKE_SOURCE_DIR}/src" "${CMAKE_SOURCE_DIR}")
-    target_compile_definitions(${arg_NAME} PRIVATE
-        VELMORA_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data")
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 120)
     endif()
