@@ -64,16 +64,11 @@ public:
     }
 
 private:
-    // A cut file claims its whole length (FLAC) or does not know it (Ogg).
+    // A cut Ogg file does not know its length.
     void correctLength() {
         const int form = info_.format & SF_FORMAT_TYPEMASK;
-        std::optional<std::int64_t> present;
-        if (form == SF_FORMAT_FLAC)
-            present = flacSamplesPresent(*source_);
-        else if (form == SF_FORMAT_OGG && info_.frames == SF_COUNT_MAX)
-            present = oggSamplesPresent(*source_);
-        if (present)
-            info_.frames = info_.frames <= 0 ? *present : std::min(info_.frames, *present);
+        if (form == SF_FORMAT_OGG && info_.frames == SF_COUNT_MAX)
+            info_.frames = oggSamplesPresent(*source_).value_or(info_.frames);
     }
 
     std::shared_ptr<const SndfileTable> library_;
@@ -90,6 +85,13 @@ std::unique_ptr<Reader> openSndfileReader(std::unique_ptr<ByteSource> source,
                                           std::shared_ptr<const SndfileTable> library) {
     if (!library)
         return nullptr;
+    // A cut FLAC file claims its whole length, and one that was made on the fly none at all.
+    if (const auto present = flacSamplesPresent(*source)) {
+        if (*present == 0)
+            return nullptr;
+        if (*present != flacTotal(*source))
+            source = withFlacTotal(std::move(source), *present);
+    }
     auto reader = std::make_unique<SndfileReader>(std::move(source), std::move(library));
     return reader->open() ? std::move(reader) : nullptr;
 }

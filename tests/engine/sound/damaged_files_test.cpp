@@ -1,8 +1,7 @@
 // Files that are cut, empty, no media at all, or that lie: a failed open or what is really there,
 // in bounded time.
 
-#include "midi_bytes.h"
-#include "sound_testing.h"
+#include "flac_bytes.h"
 
 #include <chrono>
 #include <gtest/gtest.h>
@@ -168,6 +167,47 @@ TEST_F(Damaged, RatesAndChannelCountsThatNoServerTakesAreRefused) {
         bytes[23] = static_cast<std::uint8_t>(channels >> 8);
         const auto reader = open(bytes);
         EXPECT_TRUE(!reader || (reader->channels() >= 1 && reader->channels() <= 64)) << channels;
+    }
+}
+
+// Sound of any values; near its end some that read as the header of the sixth frame.
+std::vector<std::int16_t> noiseWithAChanceHeader(std::size_t samples) {
+    std::mt19937 random(3);
+    std::vector<std::int16_t> noise(samples);
+    for (auto &sample : noise)
+        sample = static_cast<std::int16_t>(random());
+    const auto chance = soundLikeAFlacHeader(5);
+    std::copy(chance.begin(), chance.end(), noise.end() - 2000);
+    return noise;
+}
+
+TEST_F(Damaged, AFlacWithAHeaderByChanceInItsLastFrameIsPlayedToItsEnd) {
+    const auto noise = noiseWithAChanceHeader(400000);
+    for (const std::size_t junk : {0U, 700U}) {
+        Bytes file = flacFile(noise);
+        file.resize(file.size() + junk, 0x33);
+        const auto reader = open(file);
+        ASSERT_TRUE(reader);
+        EXPECT_EQ(reader->frames(), 400000);
+        ASSERT_TRUE(reader->seek(399000));
+        std::vector<float> end(1000);
+        ASSERT_EQ(reader->read(end.data(), 1000), 1000U) << junk;
+        for (std::size_t i = 0; i < end.size(); ++i)
+            ASSERT_EQ(end[i], static_cast<float>(noise[399000 + i]) / 32768) << i;
+    }
+}
+
+TEST_F(Damaged, AFlacWhoseHeaderTellsNoTotalOrAWrongOneIsPlayedToItsEnd) {
+    const auto noise = noiseWithAChanceHeader(400000);
+    for (const int told : {0, 1000, 500000}) {
+        Bytes file = flacFile(noise);
+        const Bytes lying = flacHeader(told);
+        std::copy(lying.begin(), lying.end(), file.begin());
+        const auto reader = open(file);
+        ASSERT_TRUE(reader) << told;
+        EXPECT_EQ(reader->frames(), 400000) << told;
+        EXPECT_EQ(decodeAll(*reader), 400000) << told;
+        EXPECT_TRUE(reader->seek(200000)) << told;
     }
 }
 

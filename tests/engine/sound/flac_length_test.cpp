@@ -1,7 +1,8 @@
 #include "platform/sound/flac_length.h"
 
-#include "sound_testing.h"
+#include "flac_bytes.h"
 
+#include <chrono>
 #include <gtest/gtest.h>
 
 namespace velmora::platform::sound {
@@ -9,65 +10,38 @@ namespace {
 
 using namespace velmora::tests;
 
-std::uint8_t crc8(const Bytes &bytes) {
-    unsigned crc = 0;
-    for (const auto byte : bytes) {
-        crc ^= byte;
-        for (int i = 0; i < 8; ++i)
-            crc = (crc & 0x80) != 0 ? ((crc << 1) ^ 0x07) & 0xFF : (crc << 1) & 0xFF;
-    }
-    return static_cast<std::uint8_t>(crc);
+constexpr std::int16_t steady = 0x5555;
+constexpr std::size_t frameBytes = 9 + 2 * flacBlock; // with a number below 128
+
+Bytes flac(int frames, int lastSamples = flacBlock) {
+    const int samples = std::max(frames - 1, 0) * flacBlock + (frames > 0 ? lastSamples : 0);
+    return flacFile(std::vector<std::int16_t>(static_cast<std::size_t>(samples), steady));
 }
 
-std::uint16_t crc16(const Bytes &bytes) {
-    unsigned crc = 0;
-    for (const auto byte : bytes) {
-        crc ^= unsigned{byte} << 8;
-        for (int i = 0; i < 8; ++i)
-            crc = (crc & 0x8000) != 0 ? ((crc << 1) ^ 0x8005) & 0xFFFF : (crc << 1) & 0xFFFF;
-    }
-    return static_cast<std::uint16_t>(crc);
+// A file whose last frame has sound in its middle that reads as the header of another frame.
+Bytes flacWithChance(int frames, int number) {
+    std::vector<std::int16_t> samples(static_cast<std::size_t>(frames * flacBlock), steady);
+    const auto chance = soundLikeAFlacHeader(number);
+    std::copy(chance.begin(), chance.end(), samples.end() - flacBlock / 2);
+    return flacFile(samples);
 }
 
-// Frames of 4096 samples with a body of the same bytes; the last may be shorter.
-Bytes flac(int frames, int lastSamples = 4096) {
-    Bytes file = {'f', 'L', 'a', 'C', 0x80, 0, 0, 34, 0x10, 0, 0x10, 0};
-    file.resize(42);
-    for (int i = 0; i < frames; ++i) {
-        const bool shorter = i + 1 == frames && lastSamples != 4096;
-        Bytes frame = {0xFF, 0xF8, static_cast<std::uint8_t>(shorter ? 0x79 : 0xC9), 0x18};
-        if (i < 0x80) {
-            frame.push_back(static_cast<std::uint8_t>(i));
-        } else { // up to 0x7FF
-            frame.push_back(static_cast<std::uint8_t>(0xC0 | i >> 6));
-            frame.push_back(static_cast<std::uint8_t>(0x80 | (i & 0x3F)));
-        }
-        if (shorter) {
-            frame.push_back(static_cast<std::uint8_t>((lastSamples - 1) >> 8));
-            frame.push_back(static_cast<std::uint8_t>(lastSamples - 1));
-        }
-        frame.push_back(crc8(frame));
-        frame.insert(frame.end(), 700, 0x55);
-        const std::uint16_t crc = crc16(frame);
-        frame.push_back(static_cast<std::uint8_t>(crc >> 8));
-        frame.push_back(static_cast<std::uint8_t>(crc));
-        file.insert(file.end(), frame.begin(), frame.end());
-    }
-    return file;
+std::optional<std::int64_t> present(const Bytes &file) {
+    return flacSamplesPresent(MemorySource(file));
 }
 
 TEST(FlacLength, AWholeFileCountsItsLastFrame) {
-    EXPECT_EQ(flacSamplesPresent(MemorySource(flac(3))), 3 * 4096);
-    EXPECT_EQ(flacSamplesPresent(MemorySource(flac(300))), 300 * 4096);
-    EXPECT_EQ(flacSamplesPresent(MemorySource(flac(3, 1000))), 2 * 4096 + 1000);
+    EXPECT_EQ(present(flac(3)), 3 * flacBlock);
+    EXPECT_EQ(present(flac(150)), 150 * flacBlock);
+    EXPECT_EQ(present(flac(3, 1000)), 2 * flacBlock + 1000);
 }
 
 TEST(FlacLength, ACutFrameDoesNotCount) {
     Bytes file = flac(10);
     file.resize(file.size() - 1);
-    EXPECT_EQ(flacSamplesPresent(MemorySource(file)), 9 * 4096);
-    file.resize(file.size() - 1500);
-    EXPECT_EQ(flacSamplesPresent(MemorySource(file)), 7 * 4096);
+    EXPECT_EQ(present(file), 9 * flacBlock);
+    file.resize(file.size() - 2 * frameBytes);
+    EXPECT_EQ(present(file), 7 * flacBlock);
 }
 
 TEST(FlacLength, ATagBehindTheMusicDoesNotCount) {
@@ -77,22 +51,106 @@ TEST(FlacLength, ATagBehindTheMusicDoesNotCount) {
     file[music] = 'T';
     file[music + 1] = 'A';
     file[music + 2] = 'G';
-    EXPECT_EQ(flacSamplesPresent(MemorySource(file)), 10 * 4096);
+    EXPECT_EQ(present(file), 10 * flacBlock);
 }
 
 TEST(FlacLength, WithoutAFrameThereIsNoAnswer) {
-    EXPECT_FALSE(flacSamplesPresent(MemorySource(flac(0))));
-    EXPECT_FALSE(flacSamplesPresent(MemorySource({})));
-    EXPECT_FALSE(flacSamplesPresent(MemorySource(Bytes(5000, 0xFF))));
+    EXPECT_FALSE(present(flac(0)));
+    EXPECT_FALSE(present({}));
+    EXPECT_FALSE(present(Bytes(5000, 0xFF)));
 }
 
-TEST(FlacLength, AFrameFarFromTheEndIsFoundToo) {
-    Bytes file = flac(5);
-    file.resize(file.size() + 300000, 0x55);
-    EXPECT_EQ(flacSamplesPresent(MemorySource(file)), 4 * 4096); // its end cannot be proved
-    file = flac(5);
-    file.resize(file.size() + 300000); // zeros leave the check sum as it is
-    EXPECT_EQ(flacSamplesPresent(MemorySource(file)), 5 * 4096);
+TEST(FlacLength, JunkOfAnyKindBehindTheLastFrameCostsNothing) {
+    for (const std::uint8_t junk : {0x55, 0x00, 0xFF}) {
+        for (const std::size_t size : {1U, 300U, 300000U}) {
+            Bytes file = flac(5, 1000);
+            file.resize(file.size() + size, junk);
+            EXPECT_EQ(present(file), 4 * flacBlock + 1000) << size;
+        }
+    }
+}
+
+TEST(FlacLength, AHeaderByChanceInsideTheLastFrameIsNoEnd) {
+    for (const int number : {0, 5}) {
+        Bytes file = flacWithChance(150, number);
+        EXPECT_EQ(present(file), 150 * flacBlock) << number;
+        file.resize(file.size() + 50, 0x55); // with junk behind it, too
+        EXPECT_EQ(present(file), 150 * flacBlock) << number;
+    }
+}
+
+TEST(FlacLength, AHeaderByChanceInsideACutFrameIsNoEnd) {
+    Bytes file = flacWithChance(150, 5);
+    file.resize(file.size() - 100);
+    EXPECT_EQ(present(file), 149 * flacBlock);
+}
+
+TEST(FlacLength, AHeaderOfAnotherFormIsNoEnd) {
+    Bytes file = flac(10);
+    file.resize(file.size() - 1);
+    Bytes other = {0xFF, 0xF8, 0xC8, 0x08, 3}; // 32 kHz
+    other.push_back(flacCrc8(other));
+    other.insert(other.end(), 100, 0x55);
+    const std::uint16_t crc = flacCrc16(other);
+    append(other, {crc >> 8, crc});
+    append(file, other);
+    EXPECT_EQ(present(file), 9 * flacBlock);
+}
+
+TEST(FlacLength, AnotherPieceJoinedToItDoesNotShortenIt) {
+    for (const int second : {1, 50, 140}) {
+        Bytes file = flac(150);
+        append(file, flac(second));
+        EXPECT_EQ(present(file).value_or(150 * flacBlock), 150 * flacBlock) << second;
+    }
+}
+
+TEST(FlacLength, WhatIsThereCountsWhateverTheTotalSays) {
+    for (const int told : {0, 5 * flacBlock, 1000 * flacBlock}) {
+        Bytes file = flac(150);
+        const Bytes lying = flacHeader(told);
+        std::copy(lying.begin(), lying.end(), file.begin());
+        EXPECT_EQ(present(file), 150 * flacBlock) << told;
+    }
+}
+
+// Nothing but headers: each may lead to each.
+TEST(FlacLength, AFileMadeOfHeadersIsGivenUpSoon) {
+    Bytes file = flacHeader(1000 * flacBlock);
+    while (file.size() < (std::size_t{9} << 20)) {
+        Bytes header = {0xFF, 0xF8, 0xC9, 0x08, static_cast<std::uint8_t>(file.size() % 97)};
+        header.push_back(flacCrc8(header));
+        append(file, header);
+    }
+    const auto start = std::chrono::steady_clock::now();
+    present(file);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)); // usually 1 or 2
+}
+
+TEST(FlacTotal, IsWhatTheHeaderTells) {
+    EXPECT_EQ(flacTotal(MemorySource(flac(3))), 3 * flacBlock);
+    EXPECT_EQ(flacTotal(MemorySource(flacHeader(0))), 0);
+    EXPECT_EQ(flacTotal(MemorySource(Bytes(100, 1))), 0);
+}
+
+TEST(FlacTotal, AnotherOneChangesNothingElse) {
+    const Bytes file = flac(3);
+    const auto other = withFlacTotal(std::make_unique<MemorySource>(file), 0x912345678);
+    EXPECT_EQ(flacTotal(*other), 0x912345678);
+    Bytes whole(file.size());
+    ASSERT_EQ(other->read(0, whole), file.size());
+    for (std::size_t from = 0; from < 40; ++from) { // read in any pieces
+        Bytes piece(7);
+        ASSERT_EQ(other->read(static_cast<std::int64_t>(from), piece), piece.size());
+        EXPECT_TRUE(std::equal(piece.begin(), piece.end(),
+                               whole.begin() + static_cast<std::ptrdiff_t>(from)));
+    }
+    for (std::size_t at = 0; at < file.size(); ++at) {
+        if (at < 21 || at > 25) {
+            ASSERT_EQ(whole[at], file[at]) << at;
+        }
+    }
+    EXPECT_EQ(whole[21] >> 4, file[21] >> 4);
 }
 
 } // namespace
