@@ -27,9 +27,26 @@ def wait_for(condition, seconds=15.0, step=0.02):
     return None
 
 
+# The tool that waits for the window manager; scripts that only measure go on without it.
+TAKEN = None
+# After these the window manager may hold back a press, or move the keyboard to another window.
+HELD = {"click", "mousedown", "mouseup", "windowfocus"}
+
+
 def quiet(*command, **options):
-    return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False,
-                          text=True, **options).stdout.strip()
+    out = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False,
+                         text=True, **options).stdout.strip()
+    if TAKEN and command[0] == "xdotool" and HELD.intersection(command):
+        taken(**options)
+    return out
+
+
+def taken(window=None, env=None):
+    """Returns once the window manager, and the program of a window, took in what was sent before.
+
+    Without it keys overtake a press: they go straight to whatever has the keyboard."""
+    return subprocess.run([TAKEN, window] if window else [TAKEN], env=env,
+                          stderr=subprocess.DEVNULL, check=False).returncode == 0
 
 
 class Session:

@@ -16,9 +16,11 @@ import unittest
 import wave
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+import session  # noqa: E402
 from session import RATE, Recorder, Session, quiet, wait_for  # noqa: E402
 
 PROGRAM, PIECE, SOURCE, DRAG = sys.argv[1:5]
+session.TAKEN = os.path.join(os.path.dirname(os.path.abspath(DRAG)), "velmora_taken")
 APP = "Program Files/Norvane软件/Velmora"
 TITLE = "Velmora 2011"
 

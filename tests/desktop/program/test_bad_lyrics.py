@@ -173,14 +173,13 @@ class Saving(LyricsTest):
     OLD = b"[00:01.00]old words\r\n"
 
     def edit(self, program=PROGRAM):
-        """The editor over a track whose lyric lies in the lyric folder."""
+        """The editor over a track whose lyric was copied into the lyric folder."""
         os.makedirs(self.lyric_folder(), exist_ok=True)
-        with open(self.lyric_folder("song.Lrc"), "wb") as file:
-            file.write(self.OLD)
-        self.write_list([self.track("song", seconds=60, level=0.05, step=0)])
+        self.write_list([self.track("song", self.OLD, 60, level=0.05, step=0)])
         player, main = self.start(program)
         self.session.key("F6", main)
-        self.assert_title(player, main, "song")
+        # Loaded, after the fade, and then copied: a load while the editor is open fills it anew.
+        self.assertTrue(wait_for(lambda: self.copied("song") == self.OLD, 20))
         player.click(main, "do_Lrc")
         editor = player.form(EDITOR)
         self.assertTrue(editor, "no editor comes up")
