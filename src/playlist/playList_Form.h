@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace velmora {
@@ -92,8 +93,17 @@ private:
     void dropOne(const std::u16string &path, Twips y);
     bool isFolderChoice(std::u16string_view folder) const;
 
-    bool removeLowest(std::int16_t mode, std::u16string &report, bool last);
+    // The paths of the selected rows, or of all, in the order of the list.
+    std::vector<std::u16string> chosenPaths(bool all) const;
+    using Paths = std::unordered_set<std::u16string>;
+    // The lowest row that is selected and was chosen, or -1.
+    std::int32_t lowestOf(const Paths &chosen) const;
+    std::int32_t countOf(const Paths &chosen) const;
+    bool isSure();
+    void removeRow(std::int32_t row);
+    void removeOne(std::int32_t row, std::int16_t mode, std::u16string &report, bool last);
     void writeDeleteReport(const std::u16string &report);
+    void renameChosen();
     void askInBox(std::int16_t mode, std::u16string_view heading, std::u16string_view prompt,
                   std::u16string_view text);
 
@@ -102,6 +112,7 @@ private:
 
     // Alive from the start of a search or renaming to its end.
     std::u16string findText_;
+    std::u16string alterPath_;   // of the row that is renamed, whichever is current by then
     std::u16string alterRest_;   // the name behind its first "."
     std::u16string alterPrefix_; // the name up to and including its first "."
     std::u16string alterFolder_; // with the trailing separator

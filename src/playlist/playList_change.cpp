@@ -8,6 +8,7 @@
 #include "playlist/Search.h"
 #include "playlist/copyFile.h"
 #include "playlist/listControl_Form.h"
+#include "playlist/list_work.h"
 #include "playlist/playList_Form.h"
 #include "playlist/saveOrOpenFile.h"
 #include "settings/Language.h"
@@ -52,6 +53,7 @@ void playList_Form::Alter_Click() {
     const std::u16string path = List1.list(row);
     const std::size_t point = name.find(u'.');
     const std::size_t prefix = point == std::u16string::npos ? 0 : point + 1;
+    alterPath_ = path;
     alterRest_ = leftPart(std::u16string_view(name).substr(prefix), restLength);
     alterPrefix_ = name.substr(0, prefix);
     alterFolder_ = app_.Search().getFolderPart(path);
@@ -63,28 +65,41 @@ void playList_Form::Alter_Click() {
              trim(alterRest_));
 }
 
+// Acts on the row for which the box was opened; a track that has begun since has made another one
+// current.
 void playList_Form::alter_Jieguo() {
     alterNew_ = app_.listControl_Form().listControl_Result;
-    if (alterNew_.empty()) {
+    if (alterNew_.empty() || !app_.Search().isInPlayList(alterPath_)) {
         return;
     }
-    const auto error = trapped([this] {
-        const std::int16_t row = playList_Item.listIndex();
-        const bool wasPlaying = app_.player().get_PlayStatus() == playing;
-        app_.player().close_Sub(0);
-        const std::u16string renamed =
-            trimmed(alterFolder_) + trimmed(alterNew_) + trimmed(alterTail_);
-        app_.platform().files.Name(List1.list(row), renamed);
-        List1.setList(row, renamed);
-        // The prefix is kept for the display only; the file does without it.
-        playList_Item.setList(row, trimmed(alterPrefix_) + trimmed(alterNew_));
-        if (wasPlaying) {
-            app_.player().open_File(renamed);
-            app_.player().play_Sub();
-        }
-    });
+    const ListWork still(app_);
+    const auto error = trapped([this] { renameChosen(); });
     app_.saveOrOpenFile().savePlayList();
     showError(error, app_.Language().msg_Error);
+}
+
+void playList_Form::renameChosen() {
+    const bool wasPlaying = app_.player().get_PlayStatus() == playing;
+    app_.player().close_Sub(0);
+    const std::u16string renamed = trimmed(alterFolder_) + trimmed(alterNew_) + trimmed(alterTail_);
+    // The question how the player stands may have started the next track, and let events in.
+    if (!app_.Search().isInPlayList(alterPath_)) {
+        return;
+    }
+    app_.platform().files.Name(alterPath_, renamed);
+    // A renaming replaces no file, so the file of a row that has this path already was gone.
+    const std::int16_t stale = renamed == alterPath_ ? std::int16_t{-1} : List1.find(renamed);
+    if (stale >= 0) {
+        removeRow(stale);
+    }
+    const std::int16_t row = List1.find(alterPath_);
+    List1.setList(row, renamed);
+    // The prefix is kept for the display only; the file does without it.
+    playList_Item.setList(row, trimmed(alterPrefix_) + trimmed(alterNew_));
+    if (wasPlaying) {
+        app_.player().open_File(renamed);
+        app_.player().play_Sub();
+    }
 }
 
 void playList_Form::Search_Click() {
@@ -116,7 +131,11 @@ void playList_Form::to_Folder() {
                          platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
         return;
     }
-    const auto error = trapped([this] {
+    // Tracks begin and select their rows while the user looks for a folder, and while files are
+    // copied.
+    const std::vector<std::u16string> chosen = chosenPaths(false);
+    const ListWork still(app_);
+    const auto error = trapped([&] {
         controlEnabled(false);
         app_.Main().song_GoTo_List.setEnabled(false);
         waitAdd.setVisible(true);
@@ -126,11 +145,10 @@ void playList_Form::to_Folder() {
         if (!isFolderChoice(folder)) {
             return;
         }
-        for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
-            if (!playList_Item.selected(row)) {
+        for (const std::u16string &path : chosen) {
+            if (!app_.Search().isInPlayList(path)) {
                 continue;
             }
-            const std::u16string path = List1.list(row);
             showProgress(u"From：" + path, u"CopyFile To：" + folder);
             app_.copyFile().copyOneFile(path, folder);
         }

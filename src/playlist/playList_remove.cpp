@@ -7,6 +7,7 @@
 #include "platform/windows.h"
 #include "playback/Main.h"
 #include "playback/player.h"
+#include "playlist/list_work.h"
 #include "playlist/playList_Form.h"
 #include "playlist/saveOrOpenFile.h"
 #include "settings/setControl.h"
@@ -23,13 +24,58 @@ constexpr std::size_t ruleLength = 66;
 
 } // namespace
 
+std::vector<std::u16string> playList_Form::chosenPaths(bool all) const {
+    std::vector<std::u16string> paths;
+    for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
+        if (all || playList_Item.selected(row)) {
+            paths.push_back(List1.list(row));
+        }
+    }
+    return paths;
+}
+
+std::int32_t playList_Form::lowestOf(const Paths &chosen) const {
+    const std::int16_t rows = playList_Item.listCount();
+    for (std::int32_t row = playList_Item.firstSelected(); row >= 0 && row < rows; ++row) {
+        if (playList_Item.selected(row) && chosen.contains(List1.list(row))) {
+            return row;
+        }
+    }
+    return -1;
+}
+
+std::int32_t playList_Form::countOf(const Paths &chosen) const {
+    std::int32_t count = 0;
+    for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
+        count += playList_Item.selected(row) && chosen.contains(List1.list(row)) ? 1 : 0;
+    }
+    return count;
+}
+
+bool playList_Form::isSure() {
+    return windows().MsgBox(sureQuestion, platform::MsgBoxButtons::YesNo,
+                            platform::MsgBoxIcon::None,
+                            app_.Main().title.caption()) == platform::MsgBoxResult::Yes;
+}
+
+void playList_Form::removeRow(std::int32_t row) {
+    playList_Item.removeItem(row);
+    List1.removeItem(row);
+}
+
+// What came into the list while the question stood was not asked about.
 void playList_Form::delAll_Click() {
-    if (windows().MsgBox(sureQuestion, platform::MsgBoxButtons::YesNo, platform::MsgBoxIcon::None,
-                         app_.Main().title.caption()) != platform::MsgBoxResult::Yes) {
+    const std::vector<std::u16string> asked = chosenPaths(true);
+    const Paths chosen(asked.begin(), asked.end());
+    const ListWork still(app_);
+    if (!isSure()) {
         return;
     }
-    playList_Item.clear();
-    List1.clear();
+    for (std::int32_t row = playList_Item.listCount() - 1; row >= 0; --row) {
+        if (chosen.contains(List1.list(row))) {
+            removeRow(row);
+        }
+    }
     app_.saveOrOpenFile().savePlayList();
 }
 
@@ -40,21 +86,26 @@ void playList_Form::delIndx_Click() {
 
 // Asks first. From the disk: the open track is closed before anything else, whatever is selected,
 // so that no file is held open. The list stays enabled; the panel over it keeps the user out.
+//
+// The rows are those that were chosen when it was asked for. A track that begins while the question
+// stands, or between two rows, is selected then: it must never be taken for one of them.
 void playList_Form::delOne(std::int16_t mode, bool all) {
-    if (windows().MsgBox(sureQuestion, platform::MsgBoxButtons::YesNo, platform::MsgBoxIcon::None,
-                         app_.Main().title.caption()) != platform::MsgBoxResult::Yes) {
+    const std::vector<std::u16string> asked = chosenPaths(mode == 1 && all);
+    const Paths chosen(asked.begin(), asked.end());
+    const ListWork still(app_);
+    if (!isSure()) {
         return;
     }
     waitAdd.setVisible(true);
     if (mode == 1) {
         app_.player().close_Sub(0);
-        if (all) {
-            for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
+        for (std::int32_t row = 0; all && row < playList_Item.listCount(); ++row) {
+            if (chosen.contains(List1.list(row))) {
                 playList_Item.setSelected(row, true);
             }
         }
     }
-    const std::int32_t count = playList_Item.selCount();
+    const std::int32_t count = countOf(chosen);
     if (count == 0) {
         waitAdd.setVisible(false);
         return;
@@ -62,9 +113,13 @@ void playList_Form::delOne(std::int16_t mode, bool all) {
     std::u16string report;
     for (std::int32_t done = 0; done < count; ++done) {
         windows().DoEvents();
-        if (!removeLowest(mode, report, done + 1 == count)) {
+        // The indices shift after each removal.
+        const std::int32_t row = lowestOf(chosen);
+        if (row < 0) {
+            app_.saveOrOpenFile().savePlayList(); // the last one was a step's
             break;
         }
+        removeOne(row, mode, report, done + 1 == count);
     }
     waitAdd.setVisible(false);
     if (mode == 1) {
@@ -72,13 +127,9 @@ void playList_Form::delOne(std::int16_t mode, bool all) {
     }
 }
 
-// The indices shift after each removal, so the lowest selected row is looked for anew. A file that
-// cannot be deleted leaves the list all the same. False when no selected row is left.
-bool playList_Form::removeLowest(std::int16_t mode, std::u16string &report, bool last) {
-    const std::int16_t row = playList_Item.firstSelected();
-    if (row < 0) {
-        return false;
-    }
+// A file that cannot be deleted leaves the list all the same.
+void playList_Form::removeOne(std::int32_t row, std::int16_t mode, std::u16string &report,
+                              bool last) {
     const std::u16string path = List1.list(row);
     if (mode == 0) {
         showProgress(path, listTitle);
@@ -92,17 +143,16 @@ bool playList_Form::removeLowest(std::int16_t mode, std::u16string &report, bool
                       crLf + u"    " + path;
         }
     }
-    playList_Item.removeItem(row);
-    List1.removeItem(row);
+    removeRow(row);
     app_.saveOrOpenFile().savePlayList(last ? SaveKind::Settled : SaveKind::Step);
-    return true;
 }
 
-// Rewritten whole by each deletion from the disk. Shown in the user's text editor.
+// Rewritten whole by each deletion from the disk. Shown in the user's text editor, but never the
+// one of an earlier deletion, which tells of other files.
 void playList_Form::writeDeleteReport(const std::u16string &report) {
     const std::u16string path =
         app_.setControl().Path_DelFilesLog + app_.platform().files.separator() + u"delFile.log";
-    passOver([&] {
+    const bool isWritten = passOver([&] {
         platform::Clock &clock = app_.platform().clock;
         const std::time_t now = clock.now();
         const std::u16string rule(ruleLength, u'-');
@@ -112,7 +162,7 @@ void playList_Form::writeDeleteReport(const std::u16string &report) {
         app_.platform().files.writeWhole(path, app_.platform().ansi.encode(text), true);
     });
     passOver([&] {
-        if (app_.saveOrOpenFile().fileExists(path)) {
+        if (isWritten && app_.saveOrOpenFile().fileExists(path)) {
             app_.saveOrOpenFile().shellOpen(path);
         }
     });

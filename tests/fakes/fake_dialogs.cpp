@@ -34,7 +34,11 @@ FakeDialogs::~FakeDialogs() {
 
 std::optional<std::u16string> FakeDialogs::SHBrowseForFolderA(const platform::BROWSEINFO &record) {
     browses.push_back(record);
-    return next(folders_, "a folder").value_or(std::nullopt);
+    const Folder folder = next(folders_, "a folder").value_or(Folder{});
+    if (folder.meanwhile) {
+        folder.meanwhile();
+    }
+    return folder.answer;
 }
 
 bool FakeDialogs::ChooseColorA(platform::CHOOSECOLOR &record) {
@@ -73,6 +77,9 @@ std::int32_t FakeDialogs::ChooseFontA(platform::CHOOSEFONT &record) {
 std::int32_t FakeDialogs::SHFileOperationA(platform::SHFILEOPSTRUCT &operation) {
     operations.push_back(operation);
     const Copy copy = next(copies_, "a copy").value_or(Copy{});
+    if (copy.meanwhile) {
+        copy.meanwhile();
+    }
     operation.anyOperationsAborted = copy.aborted;
     return copy.answer;
 }

@@ -17,9 +17,9 @@ class FakeDialogs : public platform::Dialogs {
 public:
     ~FakeDialogs() override;
 
-    // Absent: cancel.
-    void expectFolder(std::optional<std::u16string> answer) {
-        folders_.push_back(std::move(answer));
+    // Absent: cancel. `meanwhile` runs while the dialog stands.
+    void expectFolder(std::optional<std::u16string> answer, std::function<void()> meanwhile = {}) {
+        folders_.push_back({std::move(answer), std::move(meanwhile)});
     }
     void expectOpen(std::optional<std::u16string> path) { opens_.push_back(std::move(path)); }
     void expectSave(std::optional<std::u16string> path) { saves_.push_back(std::move(path)); }
@@ -31,8 +31,9 @@ public:
     struct Copy {
         std::int32_t answer = 0;
         bool aborted = false;
+        std::function<void()> meanwhile = {};
     };
-    void expectCopy(Copy copy) { copies_.push_back(copy); }
+    void expectCopy(Copy copy) { copies_.push_back(std::move(copy)); }
 
     // --- what was asked ---
     std::vector<platform::BROWSEINFO> browses;
@@ -49,10 +50,16 @@ public:
     std::int32_t SHFileOperationA(platform::SHFILEOPSTRUCT &operation) override;
 
 private:
+    struct Folder {
+        std::optional<std::u16string> answer;
+        std::function<void()> meanwhile;
+    };
+
     bool fileDialog(std::deque<std::optional<std::u16string>> &script,
                     platform::OPENFILENAME &record);
 
-    std::deque<std::optional<std::u16string>> folders_, opens_, saves_;
+    std::deque<Folder> folders_;
+    std::deque<std::optional<std::u16string>> opens_, saves_;
     std::deque<std::optional<Colour>> colours_;
     std::deque<std::function<std::int32_t(platform::CHOOSEFONT &)>> fonts_;
     std::deque<Copy> copies_;

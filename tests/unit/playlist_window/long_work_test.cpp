@@ -243,6 +243,7 @@ TEST_F(LongWork, CopyingTellsFromAndToAndKeepsTheListStill) {
     list.to_Folder();
     ASSERT_EQ(seen.size(), 2U) << "one for each file";
     EXPECT_FALSE(seen[0].list);
+    EXPECT_FALSE(seen[0].mainPlay);
     EXPECT_TRUE(seen[0].panel);
     EXPECT_EQ(seen[0].text, u"From：/m/a.mp3");
     EXPECT_EQ(seen[0].title, u"CopyFile To：/usb/");
@@ -264,6 +265,23 @@ TEST_F(LongWork, CopyingShowsItsPanelAheadOfTheFolderDialog) {
     expectAllGivenBack();
     EXPECT_EQ(dialogs.browses.at(0).title, app.Language().msg_Select_Folder);
     EXPECT_EQ(dialogs.browses.at(0).owner, list.hWnd());
+}
+
+// --- renaming ------------------------------------------------------------------------------------
+
+TEST_F(LongWork, ARenamingKeepsMainStillUntilTheTrackPlaysAgain) {
+    addRow(u"/m/a.mp3");
+    media.addMedium(files.GetShortPathNameA(u"/m/b.mp3"));
+    setVolumeBar(10);
+    openAndPlay(u"/m/a.mp3");
+    names.setSelected(0, true);
+    list.Alter_Click();
+    app.listControl_Form().jieGuo.setText(u"b");
+    const auto &seen = watch();
+    app.listControl_Form().OK_Click();
+    ASSERT_FALSE(seen.empty()) << "the fade lets events in";
+    EXPECT_FALSE(seen.front().mainPlay);
+    expectAllGivenBack();
 }
 
 // --- removing ------------------------------------------------------------------------------------
@@ -297,6 +315,45 @@ TEST_F(LongWork, RemovingFromTheDiskNamesEachFileAndRepaints) {
     EXPECT_EQ(seen[1].title, u"Form the Hard-Drive removeing,Please wait...");
     EXPECT_EQ(seen[1].text, u"/m/a.mp3");
     EXPECT_EQ(windows.refreshes, 2);
+    expectAllGivenBack();
+}
+
+TEST_F(LongWork, ARemovalKeepsMainStillFromItsQuestionOn) {
+    for (const int mode : {0, 1}) {
+        addRow(u"/m/a.mp3");
+        names.setSelected(0, true);
+        bool playWhileAsked = true;
+        windows.expectMsgBox(
+            {u"是否决定该操作？", MsgBoxButtons::YesNo, MsgBoxIcon::None, title2011},
+            MsgBoxResult::Yes, [&] { playWhileAsked = app.Main().playButton.enabled(); });
+        const auto &seen = watch();
+        list.delOne(static_cast<std::int16_t>(mode), false);
+        EXPECT_FALSE(playWhileAsked);
+        ASSERT_FALSE(seen.empty());
+        EXPECT_FALSE(seen.back().mainPlay);
+        expectAllGivenBack();
+    }
+}
+
+TEST_F(LongWork, AnAnswerOfNoAndAnEmptyChoiceGiveMainBack) {
+    addRow(u"/m/a.mp3");
+    answerSure(MsgBoxResult::No);
+    list.delOne(1, false);
+    expectAllGivenBack();
+    answerSure(MsgBoxResult::Yes);
+    list.delOne(1, false);
+    expectAllGivenBack();
+    answerSure(MsgBoxResult::No);
+    list.delAll_Click();
+    expectAllGivenBack();
+}
+
+TEST_F(LongWork, ClearingKeepsMainStillWhileItAsks) {
+    bool play = true;
+    windows.expectMsgBox({u"是否决定该操作？", MsgBoxButtons::YesNo, MsgBoxIcon::None, title2011},
+                         MsgBoxResult::Yes, [&] { play = app.Main().playButton.enabled(); });
+    list.delAll_Click();
+    EXPECT_FALSE(play);
     expectAllGivenBack();
 }
 

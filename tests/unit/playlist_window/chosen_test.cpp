@@ -1,0 +1,292 @@
+// An operation acts on the rows that were chosen when it was asked for, whatever happens meanwhile.
+
+#include "tests/unit/playlist_window/list_fixture.h"
+
+namespace velmora {
+namespace {
+
+class Chosen : public ListTest {
+protected:
+    Chosen() {
+        setVolumeBar(0);
+        for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"}) {
+            addRow(path);
+        }
+    }
+    listControl_Form &box = app.listControl_Form();
+
+    void selectOnly(std::initializer_list<int> wanted) {
+        for (std::int32_t row = 0; row < names.listCount(); ++row) {
+            names.setSelected(row, false);
+        }
+        for (const int row : wanted) {
+            names.setSelected(row, true);
+        }
+    }
+    // The question ahead of every removal, with what happens while it stands.
+    void answerSure(MsgBoxResult answer, std::function<void()> meanwhile = {}) {
+        windows.expectMsgBox(
+            {u"是否决定该操作？", MsgBoxButtons::YesNo, MsgBoxIcon::None, title2011}, answer,
+            std::move(meanwhile));
+    }
+    // The playing track ends and the next one of the list begins.
+    void trackEnds() {
+        media.reachEnd();
+        tickMain();
+    }
+    void rename(int row, std::u16string_view text) {
+        selectOnly({row});
+        list.Alter_Click();
+        box.jieGuo.setText(text);
+        box.OK_Click();
+    }
+    Texts savesOfTheList() {
+        Texts saves;
+        for (const std::u16string &change : files.changes()) {
+            if (contains(change, listFile())) {
+                saves.push_back(change);
+            }
+        }
+        return saves;
+    }
+    Texts filesLeft() {
+        Texts left;
+        for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"}) {
+            if (files.hasFile(path)) {
+                left.emplace_back(path);
+            }
+        }
+        return left;
+    }
+};
+
+using ChosenToGo = Chosen;
+using ChosenToBeCleared = Chosen;
+using ChosenForANewName = Chosen;
+using ChosenToBeCopied = Chosen;
+
+// --- removing and deleting -----------------------------------------------------------------------
+
+TEST_F(ChosenToGo, ATrackThatBeginsWhileTheQuestionStandsIsNotTakenForTheChosenRow) {
+    openAndPlay(u"/m/a.mp3");
+    app.player().nowPlay_Index = 1;
+    selectOnly({2});
+    answerSure(MsgBoxResult::Yes, [&] { trackEnds(); });
+    list.delOne(1, false);
+    EXPECT_EQ(app.player().nowPlay_File, u"/m/b.mp3") << "the change of the track came about";
+    EXPECT_TRUE(files.hasFile(u"/m/b.mp3"));
+    EXPECT_EQ(rows(), 4);
+    EXPECT_FALSE(list.waitAdd.visible());
+}
+
+TEST_F(ChosenToGo, OfTheChosenRowsThoseThatAreStillSelectedGo) {
+    openAndPlay(u"/m/a.mp3");
+    app.player().nowPlay_Index = 1;
+    selectOnly({1, 2, 3});
+    answerSure(MsgBoxResult::Yes, [&] { trackEnds(); });
+    list.delOne(1, false);
+    EXPECT_EQ(filesLeft(), (Texts{u"/m/a.mp3", u"/m/c.mp3", u"/m/d.mp3"})) << "b is selected again";
+}
+
+TEST_F(ChosenToGo, ARepeatedTrackIsNotTakenForTheChosenRowEither) {
+    app.setControl().PlayMode = 2;
+    openAndPlay(u"/m/a.mp3");
+    selectOnly({2});
+    answerSure(MsgBoxResult::Yes, [&] { trackEnds(); });
+    list.delOne(1, false);
+    EXPECT_EQ(filesLeft().size(), 4U);
+}
+
+TEST_F(ChosenToGo, FromTheListItIsTheSame) {
+    openAndPlay(u"/m/a.mp3");
+    app.player().nowPlay_Index = 1;
+    selectOnly({2});
+    answerSure(MsgBoxResult::Yes, [&] { trackEnds(); });
+    list.delIndx_Click();
+    EXPECT_EQ(rows(), 4);
+}
+
+TEST_F(ChosenToGo, ARowThatIsSelectedInTheMiddleOfTheWorkStays) {
+    openAndPlay(u"/m/b.mp3");
+    selectOnly({0, 2, 3});
+    answerSure(MsgBoxResult::Yes);
+    windows.atNextPump([] {});
+    windows.atNextPump([&] { app.Main().song_GoTo_List_Click(); });
+    list.delOne(1, false);
+    EXPECT_EQ(filesLeft(), (Texts{u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"}));
+    EXPECT_EQ(pathRows(), (Texts{u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"}));
+}
+
+TEST_F(ChosenToGo, RowsSelectedBesidesAreLeftOutAndTheChosenOnesGo) {
+    selectOnly({1, 3});
+    answerSure(MsgBoxResult::Yes);
+    windows.atNextPump([&] {
+        names.setSelected(0, true);
+        names.setSelected(2, true);
+    });
+    list.delOne(1, false);
+    EXPECT_EQ(filesLeft(), (Texts{u"/m/a.mp3", u"/m/c.mp3"}));
+    EXPECT_EQ(selectedNames(), (Texts{u"a", u"c"}));
+}
+
+TEST_F(ChosenToGo, RowsThatCameMeanwhileDoNotShiftTheChoice) {
+    selectOnly({1, 2});
+    answerSure(MsgBoxResult::Yes);
+    windows.atNextPump([&] {
+        names.addItem(u"new", 0);
+        paths.addItem(u"/m/new.mp3", 0);
+    });
+    list.delOne(1, false);
+    EXPECT_EQ(filesLeft(), (Texts{u"/m/a.mp3", u"/m/d.mp3"}));
+    EXPECT_EQ(pathRows(), (Texts{u"/m/new.mp3", u"/m/a.mp3", u"/m/d.mp3"}));
+}
+
+TEST_F(ChosenToGo, AllMeansTheRowsThatStoodWhenItWasAskedFor) {
+    answerSure(MsgBoxResult::Yes, [&] { addRow(u"/m/new.mp3"); });
+    list.delOne(1, true);
+    EXPECT_EQ(pathRows(), Texts{u"/m/new.mp3"});
+    EXPECT_TRUE(files.hasFile(u"/m/new.mp3"));
+    EXPECT_EQ(filesLeft(), Texts{});
+}
+
+TEST_F(ChosenToGo, WorkThatEndsEarlyIsSavedForGoodAllTheSame) {
+    selectOnly({0, 1});
+    answerSure(MsgBoxResult::Yes);
+    windows.atNextPump([] {});
+    windows.atNextPump([&] { names.setSelected(0, false); });
+    files.clearChanges();
+    list.delOne(1, false);
+    EXPECT_EQ(savedList(), "/m/b.mp3\r\n/m/c.mp3\r\n/m/d.mp3\r\n");
+    EXPECT_EQ(savesOfTheList().back(), u"sync " + listFile());
+}
+
+// --- clearing ------------------------------------------------------------------------------------
+
+TEST_F(ChosenToBeCleared, TakesTheRowsThatStoodWhenItWasAskedFor) {
+    answerSure(MsgBoxResult::Yes, [&] {
+        addRowOnly(u"/m/new.mp3");
+        names.addItem(u"first", 0);
+        paths.addItem(u"/m/first.mp3", 0);
+    });
+    list.delAll_Click();
+    EXPECT_EQ(pathRows(), (Texts{u"/m/first.mp3", u"/m/new.mp3"}));
+    EXPECT_EQ(nameRows(), (Texts{u"first", u"new"}));
+    EXPECT_EQ(savedList(), "/m/first.mp3\r\n/m/new.mp3\r\n");
+}
+
+// --- renaming ------------------------------------------------------------------------------------
+
+TEST_F(ChosenForANewName, ATrackThatBeginsWhileTheBoxIsUpIsNotRenamed) {
+    names.setSelected(0, true);
+    list.Alter_Click();
+    openAndPlay(u"/m/b.mp3");
+    box.jieGuo.setText(u"x");
+    box.OK_Click();
+    EXPECT_TRUE(files.hasFile(u"/m/b.mp3"));
+    EXPECT_FALSE(files.hasFile(u"/m/a.mp3"));
+    EXPECT_TRUE(files.hasFile(u"/m/x.mp3"));
+    EXPECT_EQ(pathRows(), (Texts{u"/m/x.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"}));
+    EXPECT_EQ(nameRows(), (Texts{u"x", u"b", u"c", u"d"}));
+}
+
+TEST_F(ChosenForANewName, ARowThatHasMovedIsFoundWhereItIs) {
+    names.setSelected(2, true);
+    list.Alter_Click();
+    names.removeItem(0);
+    paths.removeItem(0);
+    box.jieGuo.setText(u"x");
+    box.OK_Click();
+    EXPECT_EQ(pathRows(), (Texts{u"/m/b.mp3", u"/m/x.mp3", u"/m/d.mp3"}));
+}
+
+TEST_F(ChosenForANewName, ARowThatHasGoneIsNotRenamedAndTheMusicGoesOn) {
+    openAndPlay(u"/m/b.mp3");
+    names.setSelected(0, true);
+    list.Alter_Click();
+    names.removeItem(0);
+    paths.removeItem(0);
+    box.jieGuo.setText(u"x");
+    box.OK_Click();
+    EXPECT_EQ(filesLeft().size(), 4U);
+    EXPECT_EQ(pathRows(), (Texts{u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"}));
+    EXPECT_EQ(media.mode(), u"playing");
+    EXPECT_FALSE(box.visible());
+    EXPECT_TRUE(list.enabled());
+}
+
+TEST_F(ChosenForANewName, ATrackThatEndsAtTheVeryMomentOfTheRenamingIsNotTakenForTheRow) {
+    openAndPlay(u"/m/a.mp3");
+    app.player().nowPlay_Index = 1;
+    selectOnly({0});
+    list.Alter_Click();
+    media.reachEnd(); // the question how the player stands starts the next track
+    box.jieGuo.setText(u"x");
+    box.OK_Click();
+    EXPECT_TRUE(files.hasFile(u"/m/b.mp3"));
+    EXPECT_TRUE(files.hasFile(u"/m/x.mp3"));
+}
+
+TEST_F(ChosenForANewName, ARowOfTheNewPathWhoseFileHadGoneMakesRoom) {
+    addRowOnly(u"/m/gone.mp3");
+    rename(1, u"gone");
+    EXPECT_EQ(pathRows(), (Texts{u"/m/a.mp3", u"/m/gone.mp3", u"/m/c.mp3", u"/m/d.mp3"}));
+    EXPECT_EQ(nameRows(), (Texts{u"a", u"gone", u"c", u"d"}));
+    EXPECT_EQ(savedList(), "/m/a.mp3\r\n/m/gone.mp3\r\n/m/c.mp3\r\n/m/d.mp3\r\n");
+}
+
+TEST_F(ChosenForANewName, SoDoesOneAboveIt) {
+    files.remove(u"/m/a.mp3");
+    rename(2, u"a");
+    EXPECT_EQ(pathRows(), (Texts{u"/m/b.mp3", u"/m/a.mp3", u"/m/d.mp3"}));
+    EXPECT_EQ(nameRows(), (Texts{u"b", u"a", u"d"}));
+    EXPECT_TRUE(files.hasFile(u"/m/a.mp3"));
+}
+
+TEST_F(ChosenForANewName, ARowOfTheNewPathWhoseFileIsThereStays) {
+    expectError(u"File exists", app.Language().msg_Error);
+    rename(0, u"b");
+    EXPECT_EQ(rows(), 4);
+    EXPECT_EQ(filesLeft().size(), 4U);
+}
+
+// --- copying -------------------------------------------------------------------------------------
+
+TEST_F(ChosenToBeCopied, ATrackThatBeginsInTheFolderDialogLeavesTheChoice) {
+    selectOnly({0, 2, 3});
+    dialogs.expectFolder(u"/usb", [&] { app.player().selectEntryOfFile(u"/m/b.mp3"); });
+    for (int copy = 0; copy < 3; ++copy) {
+        dialogs.expectCopy({});
+    }
+    list.to_Folder();
+    ASSERT_EQ(dialogs.operations.size(), 3U);
+    EXPECT_TRUE(startsWith(dialogs.operations[0].from, u"/m/a.mp3"));
+    EXPECT_TRUE(startsWith(dialogs.operations[1].from, u"/m/c.mp3"));
+    EXPECT_TRUE(startsWith(dialogs.operations[2].from, u"/m/d.mp3"));
+}
+
+TEST_F(ChosenToBeCopied, ATrackThatBeginsInAPumpOrInTheCopyLeavesTheChoice) {
+    selectOnly({0, 1, 3});
+    dialogs.expectFolder(u"/usb");
+    windows.atNextPump([&] { app.player().selectEntryOfFile(u"/m/c.mp3"); });
+    dialogs.expectCopy({});
+    dialogs.expectCopy({0, false, [&] { app.player().selectEntryOfFile(u"/m/a.mp3"); }});
+    dialogs.expectCopy({});
+    list.to_Folder();
+    ASSERT_EQ(dialogs.operations.size(), 3U);
+    EXPECT_TRUE(startsWith(dialogs.operations[2].from, u"/m/d.mp3"));
+}
+
+TEST_F(ChosenToBeCopied, ARowThatHasLeftTheListIsNotCopied) {
+    selectOnly({0, 1});
+    dialogs.expectFolder(u"/usb", [&] {
+        names.removeItem(0);
+        paths.removeItem(0);
+    });
+    dialogs.expectCopy({});
+    list.to_Folder();
+    ASSERT_EQ(dialogs.operations.size(), 1U);
+    EXPECT_TRUE(startsWith(dialogs.operations[0].from, u"/m/b.mp3"));
+}
+
+} // namespace
+} // namespace velmora
