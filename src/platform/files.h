@@ -101,8 +101,9 @@ public:
     // an empty folder leads. `durable` also syncs file and folder.
     virtual void writeWhole(std::u16string_view path, std::string_view bytes, bool durable) = 0;
 
-    // Keeps the present file as a copy under another path, replacing what lies there. Raises as
-    // `writeWhole` does, and when there is no present file.
+    // Keeps the present file as a copy under another path, replacing what lies there, before the
+    // file itself is written over. Raises as `writeWhole` does for either path, and when there is
+    // no present file.
     virtual void keepAs(std::u16string_view path, std::u16string_view keptPath) = 0;
 
     // CreateFileA with GENERIC_WRITE, no sharing and OPEN_ALWAYS: an existing file keeps its bytes

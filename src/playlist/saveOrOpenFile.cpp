@@ -47,8 +47,15 @@ bool saveOrOpenFile::deleteFileChecked(std::u16string_view path) {
     }
 }
 
-bool saveOrOpenFile::fileExists(std::u16string_view path) {
-    return !app_.platform().files.Dir(path).empty();
+std::u16string saveOrOpenFile::fileOnDisk(std::u16string_view path) {
+    platform::FileSystem &files = app_.platform().files;
+    std::u16string found = files.Dir(path);
+    if (!found.empty()) {
+        const std::size_t separator = path.rfind(files.separatorOf(path));
+        if (separator != std::u16string_view::npos)
+            found.insert(0, path.substr(0, separator + 1));
+    }
+    return found;
 }
 
 bool saveOrOpenFile::isValidFileName(std::u16string_view name) noexcept {

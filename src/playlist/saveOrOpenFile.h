@@ -6,6 +6,7 @@
 // paths) and nowhere else; this module carries it to and from "zkPlayList.m3u" in the folder
 // `setControl::Path_List`. One full path a line, bare, each line ended by CR LF; nothing else.
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -30,14 +31,21 @@ class saveOrOpenFile {
 public:
     explicit saveOrOpenFile(Velmora &app);
 
-    // Writes the whole list. Always true: a save that fails leaves the old file as it was and says
-    // nothing. The first save behind a load that could not take every line keeps the old file as
-    // "zkPlayList.m3u.old" first; where that cannot be done nothing is written.
+    // Writes the whole list, over the file there in whatever case it is spelt. Always true: a save
+    // that fails leaves the old file as it was and says nothing. A file that this run has neither
+    // read to its end nor written, or that another has changed since, is first kept by `keepOld`;
+    // where that cannot be done, or the disk cannot tell what is there, nothing is written.
     bool savePlayList(SaveKind kind = SaveKind::Settled);
 
-    // Replaces the list by the file's. False when there is no file (the list is not touched then).
-    // Handles pending events ahead of each line. A list that is full takes no further line.
+    // Replaces the list by the file's, found in whatever case it is spelt. False when there is no
+    // file (the list is not touched then). Handles pending events ahead of each line. A list that
+    // is full takes no further line.
     bool loadPlayList();
+
+    // Keeps a file that is about to be written over as a copy beside it: under its name and ".old",
+    // or the first free of ".old.1" to ".old.9", of which the last gives way. Raises where it
+    // cannot be kept, and where it could not be written over anyway.
+    void keepOld(const std::u16string &path);
 
     // Writes a lyric under a path, over the file there in whatever case it is spelt. False when it
     // could not be written whole; the old file is then as it was.
@@ -51,8 +59,10 @@ public:
     bool deleteFileChecked(std::u16string_view path);
     std::u16string lastDeleteError;
 
-    // Whether the directory search finds a file by that path.
-    bool fileExists(std::u16string_view path);
+    // The file that the directory search finds by that path, spelt as it lies on the disk: the
+    // exact name first, then one that differs in case alone. Empty when it finds none.
+    std::u16string fileOnDisk(std::u16string_view path);
+    bool fileExists(std::u16string_view path) { return !fileOnDisk(path).empty(); }
 
     // 1 to 222 units, not only blanks, none of \ / : * ? " < > |
     static bool isValidFileName(std::u16string_view name) noexcept;
@@ -66,9 +76,17 @@ public:
     bool shellMd(std::u16string_view path);
 
 private:
+    // A file by its path and length: what is read, written or kept is known by it.
+    struct KnownFile {
+        std::u16string path;
+        std::int64_t length = 0;
+        bool operator==(const KnownFile &) const = default;
+    };
+
     std::u16string playListPath() const;
+    void writeList(bool durable);
     void encodeList();
-    bool keepOldFile(std::u16string_view path);
+    bool isKeptAs(const KnownFile &file, const std::u16string &keptPath);
     bool readLines(const std::u16string &path);
     bool takeLine(std::string_view line);
     void showLoading(std::string_view line, std::string_view pathBytes, const std::u16string &path);
@@ -77,8 +95,8 @@ private:
     // The room for a save's bytes. It is kept, empty, from step to step of an operation, so that
     // not each of a thousand saves asks the system for the memory of a whole list anew.
     std::string saved_;
-    // The play list file whose last load left lines behind; empty when there is none.
-    std::u16string partlyLoaded_;
+    // The play list file as this run knows it.
+    KnownFile known_;
 };
 
 } // namespace velmora

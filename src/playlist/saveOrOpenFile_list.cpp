@@ -35,29 +35,56 @@ std::string_view trimmed(std::string_view line) {
 
 } // namespace
 
+// Spelt in one way, however the folder is: what is known of the file is known by its path.
 std::u16string saveOrOpenFile::playListPath() const {
     const std::u16string &folder = app_.setControl().Path_List;
     // Without a folder there is no file; the root of the system is not meant.
     if (folder.empty())
         return {};
-    return folder + app_.platform().files.separator() + u"zkPlayList.m3u";
+    const char16_t separator = app_.platform().files.separator();
+    std::u16string path;
+    for (const char16_t unit : folder + separator)
+        if (unit != separator || path.empty() || path.back() != separator)
+            path += unit;
+    return path + u"zkPlayList.m3u";
 }
 
 // --- saving --------------------------------------------------------------------------------------
 
 bool saveOrOpenFile::savePlayList(SaveKind kind) {
-    const std::u16string path = playListPath();
     const bool last = kind == SaveKind::Settled;
-    if (!path.empty() && keepOldFile(path))
-        passOver([&] {
-            encodeList();
-            app_.platform().files.writeWhole(path, saved_, last);
-        });
+    passOver([&] { writeList(last); });
     if (last)
         std::string().swap(saved_);
     else
         saved_.clear();
     return true;
+}
+
+void saveOrOpenFile::writeList(bool durable) {
+    platform::FileSystem &files = app_.platform().files;
+    std::u16string path = playListPath();
+    if (path.empty())
+        return;
+    if (const std::u16string found = fileOnDisk(path); !found.empty())
+        path = found;
+    // The search answers a disk that fails and a file that is not there alike; the length does not.
+    KnownFile there{path, 0};
+    bool isThere = true;
+    try {
+        there.length = files.FileLen(path);
+    } catch (const RunTimeError &error) {
+        if (error.number() != ErrorNumber::FileNotFound)
+            throw;
+        isThere = false;
+    }
+    if (isThere && there != known_) {
+        keepOld(path);
+        known_ = there;
+    }
+    encodeList();
+    files.writeWhole(path, saved_, durable);
+    known_ = {path, static_cast<std::int64_t>(saved_.size())};
 }
 
 void saveOrOpenFile::encodeList() {
@@ -75,16 +102,31 @@ void saveOrOpenFile::encodeList() {
     }
 }
 
-// What a load could not take exists in the old file alone: it is put aside before the list as it
-// stands goes over it.
-bool saveOrOpenFile::keepOldFile(std::u16string_view path) {
-    if (partlyLoaded_.empty() || partlyLoaded_ != path)
-        return true;
-    if (fileExists(path) &&
-        !passOver([&] { app_.platform().files.keepAs(path, std::u16string(path) + u".old"); }))
-        return false;
-    partlyLoaded_.clear();
-    return true;
+void saveOrOpenFile::keepOld(const std::u16string &path) {
+    constexpr char16_t lastPlace = u'9';
+    platform::FileSystem &files = app_.platform().files;
+    const KnownFile file{path, files.FileLen(path)};
+    const std::u16string first = path + u".old";
+    std::u16string place = first;
+    for (char16_t number = u'1'; fileExists(place) && number <= lastPlace; ++number) {
+        if (isKeptAs(file, place))
+            return;
+        place = first + u"." + number;
+    }
+    files.keepAs(path, place);
+}
+
+// A save that fails behind the keeping must not fill the folder with copies of one file.
+bool saveOrOpenFile::isKeptAs(const KnownFile &file, const std::u16string &keptPath) {
+    constexpr std::int64_t step = std::int64_t{1} << 20;
+    platform::FileSystem &files = app_.platform().files;
+    bool isSame = false;
+    passOver([&] {
+        isSame = files.FileLen(keptPath) == file.length;
+        for (std::int64_t at = 0; isSame && at < file.length; at += step)
+            isSame = files.readBytes(file.path, at, step) == files.readBytes(keptPath, at, step);
+    });
+    return isSame;
 }
 
 // --- loading -------------------------------------------------------------------------------------
@@ -92,8 +134,8 @@ bool saveOrOpenFile::keepOldFile(std::u16string_view path) {
 bool saveOrOpenFile::loadPlayList() {
     platform::WindowSystem &windows = app_.platform().windows;
     passOver([&] { windows.DoEvents(); });
-    const std::u16string path = playListPath();
-    if (!fileExists(path))
+    const std::u16string path = fileOnDisk(playListPath());
+    if (path.empty())
         return false;
 
     velmora::playList_Form &form = app_.playList_Form();
@@ -101,7 +143,10 @@ bool saveOrOpenFile::loadPlayList() {
     form.List1.clear();
     passOver([&] { form.controlEnabled(false); });
     form.waitAdd.setVisible(true);
-    partlyLoaded_ = readLines(path) ? std::u16string() : path;
+    // Asked for ahead of the lines: what comes to the file meanwhile is not taken for read.
+    KnownFile file{path, 0};
+    const bool isKnown = passOver([&] { file.length = app_.platform().files.FileLen(path); });
+    known_ = readLines(path) && isKnown ? std::move(file) : KnownFile();
     form.waitAdd.setVisible(false);
     passOver([&] { form.controlEnabled(true); });
     return true;

@@ -17,6 +17,7 @@ namespace {
     throw RunTimeError(number, std::move(description));
 }
 [[noreturn]] void missing() { fail(ErrorNumber::FileNotFound, u"No such file or directory"); }
+[[noreturn]] void failing() { fail(ErrorNumber::DeviceIo, u"Input/output error"); }
 [[noreturn]] void refused() { fail(ErrorNumber::PermissionDenied, u"Permission denied"); }
 
 } // namespace
@@ -115,6 +116,9 @@ void FakeFiles::setReadOnly(std::u16string_view path, bool readOnly) {
 void FakeFiles::setUnreadable(std::u16string_view path, bool unreadable) {
     entries_.at(normal(path)).unreadable = unreadable;
 }
+void FakeFiles::setUnreachable(std::u16string_view path, bool unreachable) {
+    entries_.at(normal(path)).unreachable = unreachable;
+}
 void FakeFiles::failReadAtLine(std::u16string_view path, std::size_t line) {
     entries_.at(normal(path)).failAtLine = line;
 }
@@ -163,12 +167,12 @@ std::u16string FakeFiles::Dir(std::u16string_view path, SearchFor what) {
     const Kind wanted = what == SearchFor::Files ? Kind::File : Kind::Folder;
     if (path.empty())
         return {};
-    if (const Entry *exact = find(path); exact && exact->kind == wanted)
+    if (const Entry *exact = find(path); exact && exact->kind == wanted && !exact->unreachable)
         return std::u16string(platform::baseName(normal(path)));
     const std::u16string folder = parentOf(path);
     const std::u16string name(platform::baseName(normal(path)));
     for (const auto &[other, entry] : entries_)
-        if (entry.kind == wanted && parentOf(other) == folder &&
+        if (entry.kind == wanted && !entry.unreachable && parentOf(other) == folder &&
             equalsIgnoringCase(platform::baseName(other), name))
             return std::u16string(platform::baseName(other));
     return {};
@@ -201,6 +205,8 @@ FakeFiles::Entry &FakeFiles::readable(std::u16string_view path) {
     Entry *entry = find(path);
     if (!entry)
         missing();
+    if (entry->unreachable)
+        failing();
     if (entry->kind == Kind::Folder)
         fail(ErrorNumber::PermissionDenied, u"Is a directory");
     if (entry->kind == Kind::Special)
@@ -215,6 +221,8 @@ std::int64_t FakeFiles::FileLen(std::u16string_view path) {
     const Entry *entry = find(path);
     if (!entry)
         missing();
+    if (entry->unreachable)
+        failing();
     return entry->length >= 0 ? entry->length : static_cast<std::int64_t>(entry->bytes.size());
 }
 
@@ -284,6 +292,8 @@ void FakeFiles::checkFolderWritable(std::u16string_view path) const {
 void FakeFiles::checkTarget(std::u16string_view path) const {
     checkFolderWritable(path);
     if (const Entry *old = find(path)) {
+        if (old->unreachable)
+            failing();
         if (old->kind == Kind::Folder)
             fail(ErrorNumber::PermissionDenied, u"Is a directory");
         if (old->kind == Kind::Special)
@@ -314,6 +324,7 @@ void FakeFiles::writeWhole(std::u16string_view path, std::string_view bytes, boo
 
 void FakeFiles::keepAs(std::u16string_view path, std::u16string_view keptPath) {
     count("keepAs");
+    checkTarget(path);
     const std::string bytes = readable(path).bytes;
     store(keptPath, bytes);
     note(u"keep", path, keptPath);

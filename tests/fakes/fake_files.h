@@ -40,6 +40,8 @@ public:
     void setReadOnly(std::u16string_view path, bool readOnly = true);
     // A file that nothing may read, a folder that lists empty.
     void setUnreadable(std::u16string_view path, bool unreadable = true);
+    // A file that the disk cannot tell of: a search does not find it, all else raises DeviceIo.
+    void setUnreachable(std::u16string_view path, bool unreachable = true);
     // Bytes that can still be written before the disk is full; absent: no limit.
     void setFreeSpace(std::optional<std::size_t> bytes) { freeSpace_ = bytes; }
     // Reading line `line` (from 0) of the file raises.
@@ -97,6 +99,7 @@ private:
         std::time_t created = 0;
         bool readOnly = false;
         bool unreadable = false;
+        bool unreachable = false;
         std::optional<std::size_t> failAtLine;
     };
     struct Failure {

@@ -48,30 +48,34 @@ std::string afterLinks(std::string path) {
     raiseSystemError(ELOOP);
 }
 
-AtomicFile::AtomicFile(const std::string &path, While writing) : target_(afterLinks(path)) {
+std::optional<struct ::stat> replaceable(const std::string &target) {
     // Directly below the root lie the files of a folder that is empty or unknown: never written,
     // whoever asks.
-    if (folderOf(target_) == "/")
+    if (folderOf(target) == "/")
         raiseSystemError(EACCES);
     struct ::stat info {};
-    const bool exists = ::lstat(target_.c_str(), &info) == 0;
-    if (!exists && errno != ENOENT)
-        raiseSystemError(errno);
-    if (exists) {
-        if (!S_ISREG(info.st_mode))
-            raiseSystemError(S_ISDIR(info.st_mode) ? EISDIR : ESPIPE);
-        if ((info.st_mode & anyWriteBit) == 0)
-            raiseSystemError(EACCES);
-        const Descriptor probe(
-            ::open(target_.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
-        if (!probe)
+    if (::lstat(target.c_str(), &info) != 0) {
+        if (errno != ENOENT)
             raiseSystemError(errno);
+        return std::nullopt;
     }
+    if (!S_ISREG(info.st_mode))
+        raiseSystemError(S_ISDIR(info.st_mode) ? EISDIR : ESPIPE);
+    if ((info.st_mode & anyWriteBit) == 0)
+        raiseSystemError(EACCES);
+    const Descriptor probe(::open(target.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
+    if (!probe)
+        raiseSystemError(errno);
+    return info;
+}
+
+AtomicFile::AtomicFile(const std::string &path, While writing) : target_(afterLinks(path)) {
+    const std::optional<struct ::stat> old = replaceable(target_);
     createBeside(folderOf(target_), writing);
     try {
-        if (exists)
-            copyOwnership(target_);
-        const mode_t mode = exists ? info.st_mode & 07777 : modeOfNewFiles();
+        if (old)
+            copyOwnership(*old);
+        const mode_t mode = old ? old->st_mode & 07777 : modeOfNewFiles();
         if (::fchmod(file_.number(), mode) != 0)
             raiseSystemError(errno);
     } catch (...) {
@@ -119,11 +123,9 @@ void AtomicFile::giveName() {
 
 // A file of another user, written by root, stays that user's. Where that is not allowed the new
 // file is the writer's, as with any program.
-void AtomicFile::copyOwnership(const std::string &target) {
-    struct ::stat info {};
-    if (::stat(target.c_str(), &info) == 0 &&
-        (info.st_uid != ::geteuid() || info.st_gid != ::getegid())) {
-        const int ignored = ::fchown(file_.number(), info.st_uid, info.st_gid);
+void AtomicFile::copyOwnership(const struct ::stat &old) {
+    if (old.st_uid != ::geteuid() || old.st_gid != ::getegid()) {
+        const int ignored = ::fchown(file_.number(), old.st_uid, old.st_gid);
         static_cast<void>(ignored);
     }
 }

@@ -4,6 +4,9 @@
 
 #include "platform/linux/descriptor.h"
 
+#include <sys/stat.h>
+
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,9 +21,8 @@ public:
     // that is found out, and `Named` asks for it.
     enum class While { Unnamed, Named };
 
-    // Follows links. Refuses a target that is no regular file, has no write bit (whoever asks), or
-    // cannot be opened for writing, and any file directly below the root, which is where the name
-    // of an empty folder leads. The new file gets the old one's mode.
+    // Follows links, and refuses what `replaceable` refuses behind them. The new file gets the old
+    // one's mode.
     explicit AtomicFile(const std::string &path, While writing = While::Unnamed);
     ~AtomicFile();
     AtomicFile(const AtomicFile &) = delete;
@@ -35,7 +37,7 @@ public:
 private:
     void createBeside(const std::string &folder, While writing);
     void giveName();
-    void copyOwnership(const std::string &target);
+    void copyOwnership(const struct ::stat &old);
 
     std::string target_;
     std::string place_;     // the folder, with its separator
@@ -44,6 +46,11 @@ private:
     Descriptor file_;
     std::size_t written_ = 0;
 };
+
+// What lies at a place that is to be written to; absent while nothing does. Raises for what is no
+// regular file, has no write bit (whoever asks) or cannot be opened for writing, and for any place
+// directly below the root, which is where the name of an empty folder leads.
+std::optional<struct ::stat> replaceable(const std::string &target);
 
 // Where a path leads after links in its last part, also when nothing lies there yet. Raises on a
 // loop of links.

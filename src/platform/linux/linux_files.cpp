@@ -109,6 +109,7 @@ void LinuxFiles::writeWhole(std::u16string_view path, std::string_view bytes, bo
 
 void LinuxFiles::keepAs(std::u16string_view path, std::u16string_view keptPath) {
     constexpr std::size_t step = std::size_t{1} << 20;
+    replaceable(afterLinks(systemPathOrRaise(path)));
     const OpenRegular source = openOrRaise(path);
     AtomicFile kept(systemPathOrRaise(keptPath));
     for (std::int64_t at = 0;;) {

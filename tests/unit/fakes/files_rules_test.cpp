@@ -185,5 +185,13 @@ TYPED_TEST(FilesRules, writeTextsInTheirAnsiFormAndKeepOldFiles) {
     this->errorOf([&] { this->files.keepAs(this->path("no"), this->path("x")); });
 }
 
+TYPED_TEST(FilesRules, doNotKeepWhatMayNotBeReplacedAnyway) {
+    this->file("locked", "x");
+    this->readOnly("locked");
+    EXPECT_EQ(this->errorOf([&] { this->files.keepAs(this->path("locked"), this->path("kept")); }),
+              ErrorNumber::PermissionDenied);
+    EXPECT_EQ(this->files.Dir(this->path("kept")), u"");
+}
+
 } // namespace
 } // namespace velmora::platform

@@ -146,10 +146,11 @@ TEST_F(TheListOnDisk, WithoutReadPermissionEmptiesTheListAndIsKept) {
 
 TEST_F(TheListOnDisk, StaysWholeWhereverAWriteIsCutShort) {
     const std::string before = "/m/old.mp3\r\n";
-    add(u"/m/a.mp3");
-    add(u"/m/晚霞.mp3");
-    for (::rlim_t bytes = 0; bytes < 25; ++bytes) {
+    for (::rlim_t bytes = 0; bytes < 37; ++bytes) {
         folder.write(listName, before);
+        load();
+        add(u"/m/a.mp3");
+        add(u"/m/晚霞.mp3");
         {
             const WriteLimit limit(bytes);
             EXPECT_TRUE(save());
@@ -158,7 +159,50 @@ TEST_F(TheListOnDisk, StaysWholeWhereverAWriteIsCutShort) {
         EXPECT_THAT(folder.names(), ElementsAre(listName)) << bytes;
     }
     save();
-    EXPECT_EQ(folder.read(listName), "/m/a.mp3\r\n/m/晚霞.mp3\r\n");
+    EXPECT_EQ(folder.read(listName), before + "/m/a.mp3\r\n/m/晚霞.mp3\r\n");
+}
+
+TEST_F(TheListOnDisk, ThatWasNotReadIsKeptBeforeItIsWrittenOver) {
+    folder.write(listName, "/m/1.mp3\r\n/m/2.mp3\r\n");
+    folder.mode(listName, 0640);
+    add(u"/m/a.mp3");
+    save();
+    EXPECT_EQ(folder.read(oldName), "/m/1.mp3\r\n/m/2.mp3\r\n");
+    EXPECT_EQ(folder.read(listName), "/m/a.mp3\r\n");
+    EXPECT_EQ(folder.mode(listName), 0640U);
+}
+
+TEST_F(TheListOnDisk, ThatWasNotReadIsKeptBesideTheLinkThatLeadsToIt) {
+    folder.makeFolder("elsewhere");
+    folder.link(listName, "elsewhere/list"); // to what comes later
+    EXPECT_FALSE(load());
+    folder.write("elsewhere/list", "/m/1.mp3\r\n");
+    add(u"/m/a.mp3");
+    save();
+    EXPECT_EQ(folder.read(oldName), "/m/1.mp3\r\n");
+    EXPECT_EQ(folder.read("elsewhere/list"), "/m/a.mp3\r\n");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.bytes(listName)));
+}
+
+TEST_F(TheListOnDisk, ThatWasNotReadStaysAloneWhereNothingMayBeMadeBesideIt) {
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "the superuser may write everywhere";
+    folder.write(listName, "/m/1.mp3\r\n");
+    folder.mode(".", 0555);
+    add(u"/m/a.mp3");
+    save();
+    folder.mode(".", 0755);
+    EXPECT_EQ(folder.read(listName), "/m/1.mp3\r\n");
+    EXPECT_THAT(folder.names(), ElementsAre(listName));
+}
+
+TEST_F(TheListOnDisk, InAnotherCaseIsReadAndSavedUnderItsName) {
+    folder.write("zkplaylist.M3U", "/m/a.mp3\r\n");
+    EXPECT_TRUE(load());
+    add(u"/m/b.mp3");
+    save();
+    EXPECT_EQ(folder.read("zkplaylist.M3U"), "/m/a.mp3\r\n/m/b.mp3\r\n");
+    EXPECT_THAT(folder.names(), ElementsAre("zkplaylist.M3U"));
 }
 
 TEST_F(TheListOnDisk, OfBinaryBytesDoesNoHarm) {
