@@ -94,12 +94,14 @@ std::int16_t player::open_File(std::u16string path) {
 }
 
 void player::openFile(std::u16string path, std::int16_t &result) {
-    if (path.empty() || !app_.saveOrOpenFile().fileExists(path)) {
+    // The engine takes names as they are: it gets the one that the search found.
+    const std::u16string onDisk = app_.saveOrOpenFile().fileOnDisk(path);
+    if (onDisk.empty()) {
         return;
     }
     close_Sub(0);
     app_.Main().stop_Sub();
-    const std::u16string shortPath(untilNul(app_.platform().files.GetShortPathNameA(path)));
+    const std::u16string shortPath(untilNul(app_.platform().files.GetShortPathNameA(onDisk)));
     const std::u16string device = get_DeviceType(shortPath);
     if (device == u"RealPlayer") {
         media_Kind = realPlayerKind;

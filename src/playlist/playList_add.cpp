@@ -252,11 +252,13 @@ void playList_Form::filesDropped(const std::vector<std::u16string> &paths, Twips
 // Each file asks anew for the row under the drop, so several go in one before the other.
 void playList_Form::dropOne(const std::u16string &path, Twips y) {
     platform::FileSystem &files = app_.platform().files;
-    if (!files.Dir(path, platform::SearchFor::Folders).empty()) {
+    // The exact file comes ahead of a folder whose name differs from it in case alone.
+    const std::u16string file = app_.saveOrOpenFile().fileOnDisk(path);
+    if (file != path && !files.Dir(path, platform::SearchFor::Folders).empty()) {
         addDroppedFolder(path + std::u16string(1, files.separatorOf(path)));
         return;
     }
-    if (files.Dir(path, platform::SearchFor::Files).empty()) {
+    if (file.empty()) {
         return;
     }
     showProgress(path, app_.Language().msg_Loading_Tracks);

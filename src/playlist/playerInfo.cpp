@@ -69,10 +69,11 @@ std::u16string playerInfo::genreName(std::int32_t code) const {
 }
 
 bool playerInfo::readId3v1(std::u16string_view path) {
-    if (!app_.saveOrOpenFile().fileExists(path))
+    const std::u16string onDisk = app_.saveOrOpenFile().fileOnDisk(path);
+    if (onDisk.empty())
         return true;
     try {
-        return readTag(path);
+        return readTag(onDisk);
     } catch (const RunTimeError &) {
         return false;
     }

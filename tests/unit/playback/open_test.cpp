@@ -100,6 +100,26 @@ TEST_F(Opening, OfAMissingFileThenPlayGoesOnWithTheOldMedium) {
     EXPECT_EQ(media.positionMs(), 5000);
 }
 
+TEST_F(Opening, OfANameThatDiffersInCaseAloneOpensTheFileAsItLiesOnTheDisk) {
+    openAndPlay(addTrack(u"/music/old.mp3"));
+    addTrack(u"/music/Song One.MP3");
+    addRowOnly(u"/music/song one.mp3");
+    EXPECT_EQ(app.player().open_File(u"/music/song one.mp3"), -1);
+    EXPECT_EQ(media.openPath(), u"/music/Song%20One.MP3");
+    // The row and the last played file keep their own text.
+    EXPECT_EQ(app.player().nowPlay_File, u"/music/song one.mp3");
+    EXPECT_EQ(app.setControl().get_LastPlayFile(), u"/music/song one.mp3");
+    EXPECT_TRUE(app.playList_Form().playList_Item.selected(0));
+    EXPECT_EQ(app.player().nowPlay_Title, u"〖1/1〗 song one");
+}
+
+TEST_F(Opening, PrefersTheExactNameToOneInAnotherCase) {
+    addTrack(u"/music/SONG.mp3");
+    addTrack(u"/music/song.mp3");
+    app.player().open_File(u"/music/song.mp3");
+    EXPECT_EQ(media.openPath(), u"/music/song.mp3");
+}
+
 TEST_F(Opening, RemembersTheFileForTheNextStart) {
     addTrack(u"/music/a.mp3");
     app.player().open_File(u"/music/a.mp3");

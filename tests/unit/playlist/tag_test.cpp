@@ -75,6 +75,14 @@ TEST_F(Tags, TheMarkMustBeInPlaceAndInCapitals) {
     EXPECT_FALSE(read(tag({"Title"}) + "x"));
 }
 
+TEST_F(Tags, OfAFileThatDiffersInCaseAloneAreThoseOfTheFileOnTheDisk) {
+    files.addFile(u"/m/A.MP3", std::string(1000, 'x') + tag({"Title", "Artist"}));
+    EXPECT_TRUE(info.readId3v1(u"/m/a.mp3"));
+    EXPECT_EQ(title(), u"Title");
+    files.addFile(u"/m/B.MP3", "no tag");
+    EXPECT_FALSE(info.readId3v1(u"/m/b.mp3"));
+}
+
 TEST_F(Tags, AFileThatIsGoneIsTrueAndTouchesNoBox) {
     form().playInfo_TitleText.setText(u"Before");
     EXPECT_TRUE(info.readId3v1(u"/m/gone.mp3"));

@@ -269,6 +269,15 @@ TEST_F(Drop, AFolderIsFlatAndAppended) {
     EXPECT_EQ(nameRows(), (Texts{u"1", u"x"}));
 }
 
+TEST_F(Drop, AFileBesideAFolderOfItsNameInAnotherCaseIsTheFile) {
+    files.addFile(u"/n/Live.mp3");
+    files.addFile(u"/n/live.MP3/inside.mp3");
+    list.filesDropped({u"/n/Live.mp3"}, 0);
+    EXPECT_EQ(pathRows(), Texts{u"/n/Live.mp3"});
+    list.filesDropped({u"/n/live.MP3"}, 0);
+    EXPECT_EQ(pathRows(), (Texts{u"/n/Live.mp3", u"/n/live.MP3/inside.mp3"}));
+}
+
 TEST_F(Drop, AFolderEnablesTheListInMidDrop) {
     files.addFile(u"/n/x.mp3");
     files.addFile(u"/m/y.mp3");
