@@ -108,7 +108,7 @@ bool update::askForDownload() {
 
 void update::startNewProgram() {
     say(u"准备重启...");
-    if (app_.saveOrOpenFile().shellOpen(newProgramPath())) {
+    if (app_.saveOrOpenFile().shellStart(newProgramPath())) {
         app_.startLoad_Form().unload();
         return;
     }

@@ -66,6 +66,11 @@ bool saveOrOpenFile::isValidFileName(std::u16string_view name) noexcept {
 }
 
 bool saveOrOpenFile::shellOpen(std::u16string_view target) {
+    shellStart(target);
+    return true;
+}
+
+bool saveOrOpenFile::shellStart(std::u16string_view target) {
     constexpr std::int32_t lastFailure = 32;
     return app_.platform().shell.ShellExecuteA(app_.playList_Form().hWnd(), u"open", target,
                                                showNormal) > lastFailure;

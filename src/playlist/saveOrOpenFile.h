@@ -67,8 +67,10 @@ public:
     // 1 to 222 units, not only blanks, none of \ / : * ? " < > |
     static bool isValidFileName(std::u16string_view name) noexcept;
 
-    // Hands a path or address to the desktop. True when the system reports success.
+    // Hands a path or address to the desktop. Always true.
     bool shellOpen(std::u16string_view target);
+    // The same, for what has to know: true when the system reports success.
+    bool shellStart(std::u16string_view target);
     // Opens the mail program with this address.
     void mailTo(std::u16string_view address);
     // Removes a file, makes a folder with its parents: hidden and not waited for, no result.

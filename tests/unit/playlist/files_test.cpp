@@ -143,11 +143,18 @@ TEST_F(FilesAndShell, OpeningGoesToTheDesktopForThePlayListWindow) {
                                            app.playList_Form().hWnd(), u"open", u"/m/folder/", 1}));
 }
 
-TEST_F(FilesAndShell, OpeningIsTrueWhenTheSystemReportsSuccess) {
+TEST_F(FilesAndShell, OpeningIsTrueWhateverTheSystemReports) {
     fake.shell.answer = 32;
-    EXPECT_FALSE(work.shellOpen(u"http://norvane.example"));
-    fake.shell.answer = 33;
     EXPECT_TRUE(work.shellOpen(u"http://norvane.example"));
+    EXPECT_EQ(fake.shell.executions.size(), 1U);
+}
+
+TEST_F(FilesAndShell, StartingIsTrueWhenTheSystemReportsSuccess) {
+    fake.shell.answer = 32;
+    EXPECT_FALSE(work.shellStart(u"/opt/velmora/new"));
+    fake.shell.answer = 33;
+    EXPECT_TRUE(work.shellStart(u"/opt/velmora/new"));
+    EXPECT_EQ(fake.shell.executions[1].target, u"/opt/velmora/new");
 }
 
 TEST_F(FilesAndShell, MailGoesOutWithoutAVerb) {
