@@ -101,6 +101,10 @@ public:
     // an empty folder leads. `durable` also syncs file and folder.
     virtual void writeWhole(std::u16string_view path, std::string_view bytes, bool durable) = 0;
 
+    // The same for a file that is not there yet: whatever lies under that exact name, a dangling
+    // link too, stays as it is, and "file exists" is raised. No link is followed.
+    virtual void writeNew(std::u16string_view path, std::string_view bytes, bool durable) = 0;
+
     // Keeps the present file as a copy under another path, replacing what lies there, before the
     // file itself is written over. Raises as `writeWhole` does for either path, and when there is
     // no present file.

@@ -322,6 +322,14 @@ void FakeFiles::writeWhole(std::u16string_view path, std::string_view bytes, boo
     note(durable ? u"sync" : u"write", path);
 }
 
+void FakeFiles::writeNew(std::u16string_view path, std::string_view bytes, bool durable) {
+    count("writeNew");
+    if (find(path))
+        fail(ErrorNumber::FileExists, u"File exists");
+    store(path, bytes);
+    note(durable ? u"sync" : u"write", path);
+}
+
 void FakeFiles::keepAs(std::u16string_view path, std::u16string_view keptPath) {
     count("keepAs");
     checkTarget(path);

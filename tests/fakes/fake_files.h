@@ -48,8 +48,8 @@ public:
     void failReadAtLine(std::u16string_view path, std::size_t line);
     // The next such operation raises this, whatever the path. Never asked for: fails the test.
     // Operations: "CreateTextFile", "DeleteFile", "DateCreated", "FileLen", "openInput",
-    // "readBytes", "writeWhole", "keepAs", "Name", "CreateFileSystemObject", "CreateFileA",
-    // "MkDir"; "WriteFile" gives false instead of raising.
+    // "readBytes", "writeWhole", "writeNew", "keepAs", "Name", "CreateFileSystemObject",
+    // "CreateFileA", "MkDir"; "WriteFile" gives false instead of raising.
     void failNext(const std::string &operation, ErrorNumber number = ErrorNumber::DeviceIo,
                   std::u16string description = {});
 
@@ -80,6 +80,7 @@ public:
     std::string readBytes(std::u16string_view path, std::int64_t offset,
                           std::size_t count) override;
     void writeWhole(std::u16string_view path, std::string_view bytes, bool durable) override;
+    void writeNew(std::u16string_view path, std::string_view bytes, bool durable) override;
     void keepAs(std::u16string_view path, std::u16string_view keptPath) override;
     std::unique_ptr<platform::OutputFile> CreateFileA(std::u16string_view path) override;
     void MkDir(std::u16string_view path) override;

@@ -1,6 +1,7 @@
 #include "platform/linux/atomic_write.h"
 
 #include "platform/linux/errors.h"
+#include "platform/linux/free_name.h"
 #include "platform/linux/open_file.h"
 
 #include <fcntl.h>
@@ -21,6 +22,20 @@ std::string folderOf(const std::string &path) {
     if (last == std::string::npos)
         return ".";
     return last == 0 ? "/" : path.substr(0, last);
+}
+
+// What lies at a place that is to be written to, without following a link.
+std::optional<struct ::stat> found(const std::string &target) {
+    // Directly below the root lie the files of a folder that is empty or unknown: never written,
+    // whoever asks.
+    if (folderOf(target) == "/")
+        raiseSystemError(EACCES);
+    struct ::stat info {};
+    if (::lstat(target.c_str(), &info) == 0)
+        return info;
+    if (errno != ENOENT)
+        raiseSystemError(errno);
+    return std::nullopt;
 }
 
 mode_t modeOfNewFiles() {
@@ -49,19 +64,12 @@ std::string afterLinks(std::string path) {
 }
 
 std::optional<struct ::stat> replaceable(const std::string &target) {
-    // Directly below the root lie the files of a folder that is empty or unknown: never written,
-    // whoever asks.
-    if (folderOf(target) == "/")
-        raiseSystemError(EACCES);
-    struct ::stat info {};
-    if (::lstat(target.c_str(), &info) != 0) {
-        if (errno != ENOENT)
-            raiseSystemError(errno);
-        return std::nullopt;
-    }
-    if (!S_ISREG(info.st_mode))
-        raiseSystemError(S_ISDIR(info.st_mode) ? EISDIR : ESPIPE);
-    if ((info.st_mode & anyWriteBit) == 0)
+    const std::optional<struct ::stat> info = found(target);
+    if (!info)
+        return info;
+    if (!S_ISREG(info->st_mode))
+        raiseSystemError(S_ISDIR(info->st_mode) ? EISDIR : ESPIPE);
+    if ((info->st_mode & anyWriteBit) == 0)
         raiseSystemError(EACCES);
     const Descriptor probe(::open(target.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
     if (!probe)
@@ -69,8 +77,12 @@ std::optional<struct ::stat> replaceable(const std::string &target) {
     return info;
 }
 
-AtomicFile::AtomicFile(const std::string &path, While writing) : target_(afterLinks(path)) {
-    const std::optional<struct ::stat> old = replaceable(target_);
+AtomicFile::AtomicFile(const std::string &path, While writing, Over over)
+    : over_(over), target_(over == Over::OldFile ? afterLinks(path) : path) {
+    if (over == Over::Nothing && found(target_))
+        raiseSystemError(EEXIST);
+    const std::optional<struct ::stat> old =
+        over == Over::OldFile ? replaceable(target_) : std::nullopt;
     createBeside(folderOf(target_), writing);
     try {
         if (old)
@@ -148,7 +160,9 @@ void AtomicFile::commit(bool durable) {
         giveName();
     if (file_.close() != 0) // a network file system reports the last write here
         raiseSystemError(errno);
-    if (::rename(temporary_.c_str(), target_.c_str()) != 0)
+    if (over_ == Over::Nothing)
+        renameToFreeName(temporary_, target_);
+    else if (::rename(temporary_.c_str(), target_.c_str()) != 0)
         raiseSystemError(errno);
     temporary_.clear();
     // The content is in place: a folder that cannot be synced is no failure of the write.

@@ -1,6 +1,6 @@
 #pragma once
 
-// Replaces a file by a complete new one, or not at all.
+// Replaces a file by a complete new one, or makes a complete new one, or does nothing at all.
 
 #include "platform/linux/descriptor.h"
 
@@ -21,16 +21,22 @@ public:
     // that is found out, and `Named` asks for it.
     enum class While { Unnamed, Named };
 
-    // Follows links, and refuses what `replaceable` refuses behind them. The new file gets the old
-    // one's mode.
-    explicit AtomicFile(const std::string &path, While writing = While::Unnamed);
+    // What may lie under the name when the new file takes it. `OldFile`: the file that is replaced,
+    // if any. Links are followed, what `replaceable` refuses behind them is refused, and the new
+    // file gets the old one's mode. `Nothing`: whatever has that exact name, a dangling link too,
+    // is left alone and raises "file exists", now or in `commit`; what `replaceable` says of the
+    // root holds as well.
+    enum class Over { OldFile, Nothing };
+
+    explicit AtomicFile(const std::string &path, While writing = While::Unnamed,
+                        Over over = Over::OldFile);
     ~AtomicFile();
     AtomicFile(const AtomicFile &) = delete;
     AtomicFile &operator=(const AtomicFile &) = delete;
 
     void write(std::string_view bytes);
 
-    // Checks that every byte arrived and renames over the target. `durable` also waits until file
+    // Checks that every byte arrived and takes the name. `durable` also waits until file
     // and folder are on the disk.
     void commit(bool durable);
 
@@ -39,6 +45,7 @@ private:
     void giveName();
     void copyOwnership(const struct ::stat &old);
 
+    Over over_;
     std::string target_;
     std::string place_;     // the folder, with its separator
     std::string temporary_; // the passing name, empty while there is none

@@ -2,6 +2,7 @@
 
 #include "platform/linux/atomic_write.h"
 #include "platform/linux/errors.h"
+#include "platform/linux/free_name.h"
 #include "platform/linux/line_reader.h"
 #include "platform/linux/open_file.h"
 #include "platform/linux/output_file.h"
@@ -55,17 +56,6 @@ private:
     const AnsiText &ansi_;
 };
 
-// The way of file systems that cannot rename without replacing: a second name, then the first goes.
-void linkAndUnlink(const std::string &from, const std::string &to) {
-    if (::linkat(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), 0) != 0)
-        raiseSystemError(errno);
-    if (::unlink(from.c_str()) != 0) {
-        const int error = errno;
-        ::unlink(to.c_str());
-        raiseSystemError(error);
-    }
-}
-
 } // namespace
 
 char16_t LinuxFiles::separatorOf(std::u16string_view path) const { return pathSeparatorOf(path); }
@@ -103,6 +93,12 @@ std::string LinuxFiles::readBytes(std::u16string_view path, std::int64_t offset,
 
 void LinuxFiles::writeWhole(std::u16string_view path, std::string_view bytes, bool durable) {
     AtomicFile file(systemPathOrRaise(path));
+    file.write(bytes);
+    file.commit(durable);
+}
+
+void LinuxFiles::writeNew(std::u16string_view path, std::string_view bytes, bool durable) {
+    AtomicFile file(systemPathOrRaise(path), AtomicFile::While::Unnamed, AtomicFile::Over::Nothing);
     file.write(bytes);
     file.commit(durable);
 }
@@ -151,14 +147,7 @@ void renameWithoutReplacing(std::u16string_view from, std::u16string_view to) {
     if (folderPart(from) != folderPart(to) || name.empty() || name == u"." || name == u".." ||
         name.find(u'\0') != std::u16string_view::npos)
         raiseSystemError(EINVAL);
-    const std::string source = systemPathOrRaise(from);
-    const std::string target = pathBytes(to);
-    if (::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0)
-        return;
-    if (errno == EINVAL || errno == ENOSYS)
-        linkAndUnlink(source, target);
-    else
-        raiseSystemError(errno);
+    renameToFreeName(systemPathOrRaise(from), pathBytes(to));
 }
 
 void deleteFile(std::u16string_view path) {

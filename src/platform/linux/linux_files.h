@@ -23,6 +23,7 @@ public:
     std::string readBytes(std::u16string_view path, std::int64_t offset,
                           std::size_t count) override;
     void writeWhole(std::u16string_view path, std::string_view bytes, bool durable) override;
+    void writeNew(std::u16string_view path, std::string_view bytes, bool durable) override;
     void keepAs(std::u16string_view path, std::u16string_view keptPath) override;
     std::unique_ptr<OutputFile> CreateFileA(std::u16string_view path) override;
     void MkDir(std::u16string_view path) override;

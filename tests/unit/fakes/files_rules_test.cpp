@@ -122,6 +122,21 @@ TYPED_TEST(FilesRules, writeWholeFilesOrRaise) {
     this->errorOf([&] { this->files.writeWhole(u"", "x", false); });
 }
 
+TYPED_TEST(FilesRules, writeNewFilesAndLeaveWhatIsThere) {
+    this->files.writeNew(this->path("f"), "one", true);
+    EXPECT_EQ(this->content("f"), "one");
+    this->makeFolder("sub");
+    this->special("special");
+    for (const char *name : {"f", "sub", "special"})
+        EXPECT_EQ(this->errorOf([&] { this->files.writeNew(this->path(name), "two", false); }),
+                  ErrorNumber::FileExists)
+            << name;
+    EXPECT_EQ(this->content("f"), "one");
+    this->errorOf([&] { this->files.writeNew(this->path("no/f"), "x", false); });
+    this->errorOf([&] { this->files.writeNew(u"/in-the-root", "x", false); });
+    this->errorOf([&] { this->files.writeNew(u"", "x", false); });
+}
+
 TYPED_TEST(FilesRules, renameWithoutReplacing) {
     this->file("a", "A");
     this->file("b", "B");
