@@ -2,6 +2,7 @@
 
 #include "base/run_time_error.h"
 #include "base/text.h"
+#include "platform/ansi.h"
 #include "platform/files.h"
 #include "platform/system.h"
 #include "playback/Main.h"
@@ -13,6 +14,9 @@ namespace velmora {
 namespace {
 
 constexpr std::int32_t showNormal = 1;
+// The probe's name, and those it takes where something else has that name.
+constexpr std::u16string_view probeNames[] = {u"zkPlay.tmp", u"zkPlay-2.tmp", u"zkPlay-3.tmp",
+                                              u"zkPlay-4.tmp"};
 
 std::u16string quoted(std::u16string_view path) {
     return std::u16string(u"\"").append(path).append(u"\"");
@@ -25,16 +29,37 @@ saveOrOpenFile::saveOrOpenFile(Velmora &app) : app_(app) {}
 bool saveOrOpenFile::canWriteFolder(std::u16string_view folder) {
     if (folder.empty())
         return false;
-    const std::u16string probe =
-        std::u16string(folder) + app_.platform().files.separator() + u"zkPlay.tmp";
     std::unique_ptr<platform::FileSystemObject> object;
-    // A failure stays pending whatever succeeds behind it.
-    bool isFine = passOver([&] { object = app_.platform().files.CreateFileSystemObject(); });
-    if (!object)
+    if (!passOver([&] { object = app_.platform().files.CreateFileSystemObject(); }))
         return false;
-    isFine &= passOver([&] { object->CreateTextFile(probe, app_.Main().title.caption()); });
-    isFine &= passOver([&] { object->DeleteFile(probe); });
-    return isFine;
+    const std::string bytes = app_.platform().ansi.encode(app_.Main().title.caption());
+    for (const std::u16string_view name : probeNames) {
+        const std::u16string probe =
+            std::u16string(folder).append(1, app_.platform().files.separator()).append(name);
+        const Probe outcome = makeProbe(probe, bytes, *object);
+        if (outcome == Probe::Made)
+            return passOver([&] { object->DeleteFile(probe); });
+        if (outcome == Probe::Failed)
+            return false;
+    }
+    return false;
+}
+
+// What lies there already is nobody's to overwrite or delete, except what a probe left behind that
+// was cut short: that holds what this one is about to write.
+saveOrOpenFile::Probe saveOrOpenFile::makeProbe(std::u16string_view path, std::string_view bytes,
+                                                platform::FileSystemObject &object) {
+    platform::FileSystem &files = app_.platform().files;
+    passOver([&] {
+        if (fileExists(path) && files.readBytes(path, 0, bytes.size() + 1) == bytes)
+            object.DeleteFile(path);
+    });
+    try {
+        files.writeNew(path, bytes, false);
+        return Probe::Made;
+    } catch (const RunTimeError &error) {
+        return error.number() == ErrorNumber::FileExists ? Probe::Taken : Probe::Failed;
+    }
 }
 
 bool saveOrOpenFile::deleteFileChecked(std::u16string_view path) {

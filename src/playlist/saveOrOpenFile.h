@@ -12,6 +12,9 @@
 
 namespace velmora {
 
+namespace platform {
+class FileSystemObject;
+}
 class Velmora;
 
 // How much a save promises when it returns. Both are atomic: the file is the old one or the new
@@ -23,7 +26,7 @@ enum class SaveKind {
 
 // Whose lines `writeLrcFile` writes.
 enum class LyricSource {
-    Memory, // those of lrcForm.List1 as they stand
+    Memory, // those of lrcForm.List1 as they stand in its file: with their own bytes
     Editor  // doLrcForm: the four tags from its boxes, then its list, blank rows included
 };
 
@@ -47,12 +50,16 @@ public:
     // cannot be kept, and where it could not be written over anyway.
     void keepOld(const std::u16string &path);
 
-    // Writes a lyric under a path, over the file there in whatever case it is spelt. False when it
-    // could not be written whole; the old file is then as it was.
+    // Writes a lyric under exactly this path. False when it could not be written whole; what lies
+    // there is then as it was. The lyric in memory only makes a new file. The editor's goes over an
+    // old one, which is kept beside it first where its bytes would be lost (`isOnlyPlaceOf`).
     bool writeLrcFile(std::u16string_view path, LyricSource source);
+    // The same with what `doLrcForm::editedLyric` gave when the save was asked for.
+    bool writeLrcFile(std::u16string_view path, std::u16string_view editedLyric);
 
     // Whether a file can be made, written and deleted in the folder (no trailing separator). Makes
-    // "zkPlay.tmp" there for the moment. An empty folder never can.
+    // "zkPlay.tmp" there for the moment; what lies there under that name, a link too, is neither
+    // written nor deleted, and another name is taken. An empty folder never can.
     bool canWriteFolder(std::u16string_view folder);
 
     // Deletes the exact path. On failure false, and `lastDeleteError` is the system's description.
@@ -85,6 +92,9 @@ private:
         bool operator==(const KnownFile &) const = default;
     };
 
+    enum class Probe { Made, Taken, Failed };
+    Probe makeProbe(std::u16string_view path, std::string_view bytes,
+                    platform::FileSystemObject &object);
     std::u16string playListPath() const;
     void writeList(bool durable);
     void encodeList();

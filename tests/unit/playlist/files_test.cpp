@@ -33,10 +33,32 @@ TEST_F(FilesAndShell, TheProbeHoldsTheTitleForItsMoment) {
     EXPECT_EQ(files.contents(u"/words/zkPlay.tmp"), "Velmora 晚霞");
 }
 
-TEST_F(FilesAndShell, AProbeLeftBehindIsOverwritten) {
-    files.addFile(u"/words/zkPlay.tmp", "old");
+TEST_F(FilesAndShell, AProbeLeftBehindIsTakenAway) {
+    app.Main().title.setCaption(u"Velmora 2011");
+    files.addFile(u"/words/zkPlay.tmp", "Velmora 2011");
     EXPECT_TRUE(work.canWriteFolder(u"/words"));
-    EXPECT_FALSE(files.hasFile(u"/words/zkPlay.tmp"));
+    EXPECT_THAT(files.files(), IsEmpty());
+}
+
+TEST_F(FilesAndShell, WhatElseHasTheNameOfTheProbeStaysAndTheFolderIsProbedUnderAnother) {
+    app.Main().title.setCaption(u"Velmora 2011");
+    files.addFile(u"/words/zkPlay.tmp", "Velmora 2011, my notes");
+    EXPECT_TRUE(work.canWriteFolder(u"/words"));
+    EXPECT_EQ(files.contents(u"/words/zkPlay.tmp"), "Velmora 2011, my notes");
+    EXPECT_THAT(files.files(), ElementsAre(u"/words/zkPlay.tmp"));
+    files.addFolder(u"/music/zkPlay.tmp");
+    files.addSpecial(u"/music/zkPlay-2.tmp");
+    EXPECT_TRUE(work.canWriteFolder(u"/music"));
+    EXPECT_TRUE(files.hasFolder(u"/music/zkPlay.tmp"));
+}
+
+TEST_F(FilesAndShell, AFolderInWhichEveryNameOfTheProbeIsTakenFailsIt) {
+    const Texts taken{u"/words/zkPlay-2.tmp", u"/words/zkPlay-3.tmp", u"/words/zkPlay-4.tmp",
+                      u"/words/zkPlay.tmp"};
+    for (const std::u16string &path : taken)
+        files.addFile(path, "somebody's");
+    EXPECT_FALSE(work.canWriteFolder(u"/words"));
+    EXPECT_EQ(files.files(), taken);
 }
 
 TEST_F(FilesAndShell, AFolderThatNothingMayWriteToFailsTheProbe) {
@@ -51,11 +73,11 @@ TEST_F(FilesAndShell, AFullDiskFailsTheProbe) {
     EXPECT_FALSE(work.canWriteFolder(u"/words"));
 }
 
-TEST_F(FilesAndShell, AFailedWriteStaysPendingEvenWhenTheDeletionWorks) {
-    files.addFile(u"/words/zkPlay.tmp", "old");
-    files.failNext("CreateTextFile");
+TEST_F(FilesAndShell, AFailedWriteFailsTheProbeAndDeletesNothing) {
+    files.addFolder(u"/words");
+    files.failNext("writeNew");
     EXPECT_FALSE(work.canWriteFolder(u"/words"));
-    EXPECT_FALSE(files.hasFile(u"/words/zkPlay.tmp"));
+    EXPECT_THAT(files.changes(), IsEmpty());
 }
 
 TEST_F(FilesAndShell, WithoutTheFileSystemObjectTheProbeFails) {
@@ -76,7 +98,7 @@ TEST_F(FilesAndShell, NoFolderIsNotTheRootAndProbesNothing) {
     files.addFolder(u"/");
     EXPECT_FALSE(work.canWriteFolder(u""));
     EXPECT_THAT(files.changes(), IsEmpty());
-    EXPECT_EQ(files.calls("CreateTextFile"), 0);
+    EXPECT_EQ(files.calls("writeNew"), 0);
 }
 
 // --- existence and deletion ----------------------------------------------------------------------

@@ -250,6 +250,15 @@ TEST_F(TheListOnDisk, TheProbeOfAFolderLeavesNothing) {
     EXPECT_FALSE(app.saveOrOpenFile().canWriteFolder(u"/proc"));
 }
 
+TEST_F(TheListOnDisk, TheProbeOfAFolderGoesThroughNoLinkAndTakesNoneAway) {
+    folder.makeFolder("shared");
+    folder.write("list.txt", "mine");
+    folder.link("shared/zkPlay.tmp", folder.bytes("list.txt"));
+    EXPECT_TRUE(app.saveOrOpenFile().canWriteFolder(folder.text("shared")));
+    EXPECT_EQ(folder.read("list.txt"), "mine");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.bytes("shared/zkPlay.tmp")));
+}
+
 TEST_F(TheListOnDisk, ADeletionTakesALinkAndNotItsTarget) {
     folder.write("track.mp3", "sound");
     folder.link("link.mp3", "track.mp3");
