@@ -27,6 +27,9 @@ public:
     // reading and what was read stays; a file without a line to edit is told to the user.
     void addFile_To_List(std::u16string_view path);
 
+    // What would be saved now: the four tags, then every row, each line ended by CR LF.
+    std::u16string editedLyric() const;
+
     void addTime_Label_Button_Click();
     void delTime_Label_Button_Click();
     void save_Button_Click();
@@ -47,6 +50,7 @@ private:
     void loadFromLyric();
     bool takeLine(std::u16string_view line);
     void selectRow(std::int32_t row);
+    void saveAs(std::u16string_view stem, std::u16string_view lyric);
     bool lyricExists(std::u16string_view stem) const;
     void tell(std::u16string_view stem, std::u16string_view outcome, std::u16string_view path,
               bool isFailure);

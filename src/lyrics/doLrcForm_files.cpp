@@ -4,6 +4,7 @@
 
 #include "base/text.h"
 #include "lyrics/lrcForm.h"
+#include "lyrics/lyric_file.h"
 #include "platform/files.h"
 #include "platform/windows.h"
 #include "playback/Main.h"
@@ -42,19 +43,40 @@ bool doLrcForm::lyricExists(std::u16string_view stem) const {
     return upper(platform.files.Dir(path)) == upper(std::u16string(stem) + u".lrc");
 }
 
+std::u16string doLrcForm::editedLyric() const {
+    std::u16string text;
+    text.append(u"[Ti:").append(lrc_Ti_Str.text()).append(u"]").append(crLf);
+    text.append(u"[Ar:").append(lrc_Ar_Str.text()).append(u"]").append(crLf);
+    text.append(u"[Al:").append(lrc_Al_Str.text()).append(u"]").append(crLf);
+    text.append(u"[By:").append(lrc_By_Str.text()).append(u"]").append(crLf);
+    for (std::int32_t row = 0; row < lrcList.listCount(); ++row) {
+        text.append(lrcList.row(row)).append(crLf);
+    }
+    return text;
+}
+
+// The lyric is taken before the question: a track that begins while it stands fills the editor with
+// its own.
 void doLrcForm::save_Button_Click() {
-    const std::u16string stem = app_.player().getFileStem(app_.player().nowPlay_File);
+    const std::u16string track = app_.player().nowPlay_File;
+    const std::u16string stem = app_.player().getFileStem(track);
+    const std::u16string lyric = editedLyric();
     if (lyricExists(stem) &&
         windows().MsgBox(u"该歌词文件已存在，是否覆盖？\r\n\r\n【Y】：覆盖\r\n【N】：另存为",
                          platform::MsgBoxButtons::YesNoCancel, platform::MsgBoxIcon::None,
                          app_.Main().title.caption()) != platform::MsgBoxResult::Yes) {
-        anotherSave_Button_Click();
+        saveAs(stem, lyric);
         return;
     }
     const std::u16string path =
         app_.setControl().Path_Lrc + app_.platform().files.separator() + stem + u".Lrc";
-    if (!app_.saveOrOpenFile().writeLrcFile(path, LyricSource::Editor)) {
+    // The file that was asked about, in whatever case it is spelt: a lyric never lies there twice.
+    if (!app_.saveOrOpenFile().writeLrcFile(pathOnDisk(app_.platform(), path), lyric)) {
         tell(stem, notSaved, path, true);
+        return;
+    }
+    if (app_.player().nowPlay_File != track) {
+        tell(stem, saved, path, false);
         return;
     }
     app_.lrcForm().startLoad(path);
@@ -63,14 +85,17 @@ void doLrcForm::save_Button_Click() {
 }
 
 void doLrcForm::anotherSave_Button_Click() {
-    const std::u16string stem = app_.player().getFileStem(app_.player().nowPlay_File);
+    saveAs(app_.player().getFileStem(app_.player().nowPlay_File), editedLyric());
+}
+
+void doLrcForm::saveAs(std::u16string_view stem, std::u16string_view lyric) {
     savePath = app_.myCommondialog().file_Dialog(
         hWnd(), dialogSave, u"选择要保存歌词同步文件的地址 - " + app_.Main().title.caption(), stem,
         saveFilter, u"", u"lrc");
     if (savePath.empty()) {
         return;
     }
-    const bool isSaved = app_.saveOrOpenFile().writeLrcFile(savePath, LyricSource::Editor);
+    const bool isSaved = app_.saveOrOpenFile().writeLrcFile(savePath, lyric);
     tell(stem, isSaved ? saved : notSaved, savePath, !isSaved);
 }
 

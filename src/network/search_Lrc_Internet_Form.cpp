@@ -1,6 +1,7 @@
 #include "network/search_Lrc_Internet_Form.h"
 
 #include "base/numbers.h"
+#include "base/run_time_error.h"
 #include "base/text.h"
 #include "lyrics/lrcForm.h"
 #include "lyrics/lyric_file.h"
@@ -74,7 +75,11 @@ void search_Lrc_Internet_Form::setHandlers() {
     save.on().Click = [this] { save_Click(); };
     anotherSave.on().Click = [this] { anotherSave_Click(); };
     goto_Internet.on().Click = [this] { goto_Internet_Click(); };
-    search_Lrc_List.on().DblClick = [this] { fetchAndMatch(); };
+    search_Lrc_List.on().DblClick = [this] {
+        // An empty list takes double clicks too, for the windows that add to it so.
+        if (search_Lrc_List.listIndex() >= 0)
+            fetchAndMatch();
+    };
     search_Lrc_List.on().MouseMove = [this](const forms::MouseEvent &event) { showTip(event.y); };
     on().QueryUnload = [this](bool &cancel) {
         cancel = true;
@@ -146,25 +151,35 @@ std::u16string search_Lrc_Internet_Form::lyricTarget() {
                           app_.player().getFileStem(app_.player().nowPlay_File) + u".LRC");
 }
 
-bool search_Lrc_Internet_Form::fetch(const std::u16string &target, bool canWrite,
-                                     std::u16string_view notWritable) {
+std::u16string search_Lrc_Internet_Form::chosenAddress() const {
+    return lower(search_Lrc_List.list(search_Lrc_List.listIndex()));
+}
+
+bool search_Lrc_Internet_Form::fetch(std::u16string_view address, const std::u16string &target,
+                                     bool canWrite, std::u16string_view notWritable) {
     if (!canWrite) {
         show_Label.setCaption(notWritable);
         return false;
     }
-    const std::u16string address = lower(search_Lrc_List.list(search_Lrc_List.listIndex()));
-    const bool isFetched = downloadToLocal(app_.platform(), address, target);
+    const bool isFetched = passOver([&] {
+                               if (isOnlyPlaceOf(app_.platform(), target, WrittenOverBy::Another))
+                                   app_.saveOrOpenFile().keepOld(target);
+                           }) &&
+                           downloadToLocal(app_.platform(), address, target);
     show_Label.setCaption(isFetched ? fetched : notFetched);
     return isFetched;
 }
 
 void search_Lrc_Internet_Form::fetchAndMatch() {
+    const std::u16string track = app_.player().nowPlay_File;
     const std::u16string target = lyricTarget();
     show_Label.setCaption(fetching);
-    if (!fetch(target, app_.saveOrOpenFile().canWriteFolder(app_.setControl().Path_Lrc),
+    if (!fetch(chosenAddress(), target,
+               app_.saveOrOpenFile().canWriteFolder(app_.setControl().Path_Lrc),
                lyricFolderRefuses))
         return;
-    if (app_.player().get_PlayStatus() == statusEnded)
+    // The lyric belongs to the track that it was fetched for; another may have begun meanwhile.
+    if (app_.player().get_PlayStatus() == statusEnded || app_.player().nowPlay_File != track)
         return;
     app_.lrcForm().startLoad(target);
     app_.playInfo_Form().lrcInfo_Frame.setEnabled(true);
@@ -182,20 +197,21 @@ void search_Lrc_Internet_Form::save_Click() {
     if (!chosenOrComplain())
         return;
     show_Label.setCaption(fetching);
-    fetch(lyricTarget(), app_.saveOrOpenFile().canWriteFolder(app_.setControl().Path_Lrc),
-          lyricFolderRefuses);
+    fetch(chosenAddress(), lyricTarget(),
+          app_.saveOrOpenFile().canWriteFolder(app_.setControl().Path_Lrc), lyricFolderRefuses);
 }
 
 void search_Lrc_Internet_Form::anotherSave_Click() {
     if (!chosenOrComplain())
         return;
+    const std::u16string address = chosenAddress();
     const std::u16string target = app_.myCommondialog().file_Dialog(
         hWnd(), dialogSave, std::u16string(saveTitle).append(app_.Main().title.caption()),
         app_.player().getFileStem(app_.player().nowPlay_File), saveFilter, u"", u"lrc");
     if (target.empty())
         return;
     show_Label.setCaption(fetching);
-    fetch(target, canWriteBeside(app_, target), chosenFolderRefuses);
+    fetch(address, target, canWriteBeside(app_, target), chosenFolderRefuses);
 }
 
 // --- the window ----------------------------------------------------------------------------------

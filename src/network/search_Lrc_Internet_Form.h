@@ -4,7 +4,7 @@
 // Chinese in every language; the title alone is translated.
 //
 // Each row of the list is the address of a lyric file, in lower case. An existing lyric of the same
-// name is overwritten without asking.
+// name is overwritten without asking, and kept as ".old" first where it could not be read.
 
 #include "network/search_Lrc_Internet_Form.design.h"
 
@@ -40,7 +40,9 @@ private:
     void enableSaving(bool flag);
     bool chosenOrComplain();
     std::u16string lyricTarget();
-    bool fetch(const std::u16string &target, bool canWrite, std::u16string_view notWritable);
+    std::u16string chosenAddress() const;
+    bool fetch(std::u16string_view address, const std::u16string &target, bool canWrite,
+               std::u16string_view notWritable);
     void showTip(Twips y);
 
     Velmora &app_;

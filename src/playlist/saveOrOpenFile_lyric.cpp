@@ -3,7 +3,6 @@
 #include "playlist/saveOrOpenFile.h"
 
 #include "base/run_time_error.h"
-#include "base/text.h"
 #include "lyrics/doLrcForm.h"
 #include "lyrics/lrcForm.h"
 #include "lyrics/lyric_file.h"
@@ -13,36 +12,18 @@
 
 namespace velmora {
 
-namespace {
-
-void addLines(std::u16string &text, const forms::ListBox &list) {
-    for (std::int32_t row = 0; row < list.listCount(); ++row) {
-        text.append(list.row(row)).append(crLf);
-    }
-}
-
-std::u16string editedLyric(const velmora::doLrcForm &editor) {
-    std::u16string text;
-    text.append(u"[Ti:").append(editor.lrc_Ti_Str.text()).append(u"]").append(crLf);
-    text.append(u"[Ar:").append(editor.lrc_Ar_Str.text()).append(u"]").append(crLf);
-    text.append(u"[Al:").append(editor.lrc_Al_Str.text()).append(u"]").append(crLf);
-    text.append(u"[By:").append(editor.lrc_By_Str.text()).append(u"]").append(crLf);
-    addLines(text, editor.lrcList);
-    return text;
-}
-
-} // namespace
-
 bool saveOrOpenFile::writeLrcFile(std::u16string_view path, LyricSource source) {
+    if (source == LyricSource::Editor) {
+        return writeLrcFile(path, app_.doLrcForm().editedLyric());
+    }
+    return passOver([&] { copyLyricFile(app_.platform(), app_.lrcForm().lrcPath, path); });
+}
+
+bool saveOrOpenFile::writeLrcFile(std::u16string_view path, std::u16string_view text) {
     return passOver([&] {
-        std::u16string text;
-        if (source == LyricSource::Memory) {
-            addLines(text, app_.lrcForm().List1);
-        } else {
-            text = editedLyric(app_.doLrcForm());
-        }
-        app_.platform().files.writeWhole(pathOnDisk(app_.platform(), path),
-                                         app_.platform().ansi.encode(text), true);
+        if (isOnlyPlaceOf(app_.platform(), path, WrittenOverBy::Itself))
+            keepOld(std::u16string(path));
+        app_.platform().files.writeWhole(path, app_.platform().ansi.encode(text), true);
     });
 }
 

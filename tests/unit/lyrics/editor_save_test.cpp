@@ -99,6 +99,41 @@ TEST_F(EditorSave, AsWritesWhereTheUserSaysAndLoadsNothing) {
     EXPECT_EQ(editor().savePath, u"/m/other.lrc");
 }
 
+TEST_F(EditorSave, AsGoesUnderExactlyTheNameThatWasChosen) {
+    files.addFile(u"/lrc/Song.Lrc", "kept");
+    fake.dialogs.expectSave(u"/lrc/Song.lrc");
+    expectTold(u"已成功保存！", u"/lrc/Song.lrc", MsgBoxIcon::Information);
+    press(keyS, forms::shiftMask);
+    EXPECT_EQ(files.contents(u"/lrc/Song.Lrc"), "kept");
+    EXPECT_EQ(files.contents(u"/lrc/Song.lrc"), written);
+}
+
+// Nothing lets another track begin while the question stands but a command from outside.
+TEST_F(EditorSave, SavesTheLinesThatItWasAskedForThoughAnotherTrackBegins) {
+    for (const MsgBoxResult answer : {MsgBoxResult::Yes, MsgBoxResult::No}) {
+        app.player().nowPlay_File = u"/m/Song.mp3";
+        editor().addFile_To_List(u"/m/words.txt");
+        files.addFile(u"/lrc/Song.Lrc", "old");
+        files.addFile(u"/lrc/Next.Lrc", "[00:01]next");
+        windows.expectMsgBox({u"该歌词文件已存在，是否覆盖？\r\n\r\n【Y】：覆盖\r\n【N】：另存为",
+                              MsgBoxButtons::YesNoCancel, MsgBoxIcon::None, u"Velmora 2011"},
+                             answer, [&] {
+                                 app.player().nowPlay_File = u"/m/Next.mp3";
+                                 lyric().startLoad(u"/lrc/Next.Lrc");
+                             });
+        const std::u16string path =
+            answer == MsgBoxResult::Yes ? u"/lrc/Song.Lrc" : u"/lrc/other.lrc";
+        if (answer == MsgBoxResult::No) {
+            fake.dialogs.expectSave(path);
+        }
+        expectTold(u"已成功保存！", path, MsgBoxIcon::Information);
+        press(keyS, forms::ctrlMask);
+        EXPECT_EQ(files.contents(path), written);
+        EXPECT_EQ(files.contents(u"/lrc/Next.Lrc"), "[00:01]next");
+        EXPECT_EQ(lyric().lrcPath, u"/lrc/Next.Lrc") << "the lyric of the track that plays";
+    }
+}
+
 TEST_F(EditorSave, AsThatFailsTells) {
     fake.dialogs.expectSave(u"/gone/other.lrc");
     expectTold(u"保存失败，请确定您有写入权限！", u"/gone/other.lrc", MsgBoxIcon::Critical);

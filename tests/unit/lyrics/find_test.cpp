@@ -29,6 +29,28 @@ TEST_F(TrackLyric, BesideTheTrackIsLoadedFromThereAndCopied) {
     EXPECT_EQ(files.changes(), (Texts{u"sync /lrc/Song.Lrc"}));
 }
 
+TEST_F(TrackLyric, IsCopiedWithItsLinesOwnBytesWhateverPageTheyAreIn) {
+    const std::string shiftJis = "[00:01]\x83\x65\x81\x99";
+    const std::string latin = "[00:02]\xC9toile \xFF";
+    const std::string wide("\xFF\xFE[\0", 4);
+    files.addFile(u"/m/Song.lrc", shiftJis + "\r\r  \r" + latin + "\n" + wide);
+    find(u"/m/Song.mp3");
+    EXPECT_TRUE(lyric().hasLrc);
+    EXPECT_EQ(files.contents(u"/lrc/Song.Lrc"), shiftJis + "\r\n" + latin + "\r\n" + wide + "\r\n");
+}
+
+// The look-up in the lyric folder may fail though the lyric is there: the folder lists nothing, or
+// the file has come since.
+TEST_F(TrackLyric, ThatIsCopiedReplacesNothing) {
+    files.addFile(u"/m/Song.lrc", "[00:01]beside the track");
+    files.beforeLine = [&](std::u16string_view, std::size_t) {
+        files.addFile(u"/lrc/Song.Lrc", "[00:01]timed by hand");
+    };
+    find(u"/m/Song.mp3");
+    EXPECT_TRUE(lyric().hasLrc);
+    EXPECT_EQ(files.contents(u"/lrc/Song.Lrc"), "[00:01]timed by hand");
+}
+
 TEST_F(TrackLyric, InTheLyricFolderWinsOverTheOneBesideTheTrack) {
     files.addFile(u"/lrc/Song.lrc", "[00:01]mine");
     files.addFile(u"/m/Song.lrc", "[00:01]other");
@@ -184,25 +206,31 @@ TEST_F(LyricWriting, OfTheEditorWritesFourTagsAheadOfTheLinesBlankOnesIncluded) 
               "[Ti:]\r\n[Ar:Me]\r\n[Al:]\r\n[By:]\r\n[00:01]a\r\n[00:02]灯\r\n\r\n");
 }
 
-TEST_F(LyricWriting, GoesOverTheNamesakeInWhateverCase) {
+TEST_F(LyricWriting, GoesUnderExactlyItsPath) {
     files.addFile(u"/lrc/SONG.LRC", "old");
     load("[00:01]a", u"/m/x.lrc");
-    EXPECT_TRUE(app.saveOrOpenFile().writeLrcFile(u"/lrc/Song.Lrc", LyricSource::Memory));
-    EXPECT_EQ(files.contents(u"/lrc/SONG.LRC"), "[00:01]a\r\n");
-    EXPECT_FALSE(files.hasFile(u"/lrc/Song.Lrc"));
+    EXPECT_TRUE(app.saveOrOpenFile().writeLrcFile(u"/lrc/Song.Lrc", LyricSource::Editor));
+    EXPECT_EQ(files.contents(u"/lrc/SONG.LRC"), "old");
+    EXPECT_TRUE(files.hasFile(u"/lrc/Song.Lrc"));
 }
 
 TEST_F(LyricWriting, OnAFullDiskOrIntoAReadOnlyFolderLeavesTheOldFileWhole) {
     load("[00:01]a", u"/m/x.lrc");
     files.addFile(u"/lrc/Song.Lrc", "old");
-    files.setFreeSpace(3);
-    EXPECT_FALSE(app.saveOrOpenFile().writeLrcFile(u"/lrc/Song.Lrc", LyricSource::Memory));
-    EXPECT_EQ(files.contents(u"/lrc/Song.Lrc"), "old");
-    files.setFreeSpace(std::nullopt);
-    files.setReadOnly(u"/lrc");
-    EXPECT_FALSE(app.saveOrOpenFile().writeLrcFile(u"/lrc/Song.Lrc", LyricSource::Memory));
-    EXPECT_EQ(files.contents(u"/lrc/Song.Lrc"), "old");
-    EXPECT_FALSE(app.saveOrOpenFile().writeLrcFile(u"/gone/Song.Lrc", LyricSource::Memory));
+    for (const LyricSource source : {LyricSource::Editor, LyricSource::Memory}) {
+        files.setReadOnly(u"/lrc", false);
+        files.setFreeSpace(3);
+        EXPECT_FALSE(app.saveOrOpenFile().writeLrcFile(u"/lrc/Song.Lrc", source));
+        EXPECT_FALSE(app.saveOrOpenFile().writeLrcFile(u"/lrc/New.Lrc", source));
+        EXPECT_EQ(files.contents(u"/lrc/Song.Lrc"), "old");
+        files.setFreeSpace(std::nullopt);
+        files.setReadOnly(u"/lrc");
+        EXPECT_FALSE(app.saveOrOpenFile().writeLrcFile(u"/lrc/Song.Lrc", source));
+        EXPECT_FALSE(app.saveOrOpenFile().writeLrcFile(u"/lrc/New.Lrc", source));
+        EXPECT_EQ(files.contents(u"/lrc/Song.Lrc"), "old");
+        EXPECT_FALSE(app.saveOrOpenFile().writeLrcFile(u"/gone/Song.Lrc", source));
+    }
+    EXPECT_FALSE(files.hasFile(u"/lrc/New.Lrc"));
 }
 
 TEST_F(LyricWriting, WithAnEmptyLyricFolderFails) {

@@ -215,6 +215,60 @@ TEST_F(LyricWindow, oneLyricIsNeverTwoFiles) {
     EXPECT_FALSE(files.hasFile(u"/lrc/own/Song.LRC"));
 }
 
+TEST_F(LyricWindow, aLyricThatCouldNotBeReadIsKeptBesideTheOneThatReplacesIt) {
+    openTrack(u"/m/Song.mp3");
+    haveRows();
+    net.setDownload(u"http://sitea/asp/lrc.asp?1", "[00:01.00]new\r\n");
+    const std::string lossy = "[00:01]\xFF words\n";
+    const std::string gbk = "[00:01]\xD4\xC2\xC1\xC1\n";
+    form.search_Lrc_List.userClicked(0, 0, false);
+    for (int fetch = 0; fetch < 2; ++fetch) {
+        files.addFile(u"/lrc/own/Song.LRC", lossy);
+        click(form.save);
+        EXPECT_EQ(files.contents(u"/lrc/own/Song.LRC"), "[00:01.00]new\r\n");
+    }
+    EXPECT_EQ(files.contents(u"/lrc/own/Song.LRC.old"), lossy);
+    // One that could be read goes without a word, whatever its page.
+    files.addFile(u"/m/chosen.lrc", gbk);
+    fake.dialogs.expectSave(u"/m/chosen.lrc");
+    click(form.anotherSave);
+    EXPECT_EQ(files.contents(u"/m/chosen.lrc"), "[00:01.00]new\r\n");
+    EXPECT_EQ(files.files(), (Texts{u"/lrc/own/Song.LRC", u"/lrc/own/Song.LRC.old", u"/m/Song.mp3",
+                                    u"/m/chosen.lrc"}));
+}
+
+TEST_F(LyricWindow, fetchesNothingOverALyricThatCouldBeNeitherReadNorKept) {
+    openTrack(u"/m/Song.mp3");
+    haveRows();
+    files.addFile(u"/lrc/own/Song.LRC", "[00:01]words");
+    files.setUnreadable(u"/lrc/own/Song.LRC");
+    doubleClick(form.search_Lrc_List, 0);
+    EXPECT_EQ(label(), u"无法下载改歌词，请选择其他链接！");
+    EXPECT_TRUE(net.log.empty());
+    EXPECT_EQ(files.contents(u"/lrc/own/Song.LRC"), "[00:01]words");
+}
+
+TEST_F(LyricWindow, theLyricOfATrackIsNotShownToTheNext) {
+    openTrack(u"/m/Song.mp3");
+    app.player().play_Sub();
+    haveRows();
+    net.setDownload(u"http://siteb/lrcdown/2.lrc", "[00:01.00]words\r\n");
+    windows.onPump = [&] { app.player().nowPlay_File = u"/m/Next.mp3"; };
+    doubleClick(form.search_Lrc_List, 1);
+    windows.onPump = {};
+    EXPECT_EQ(files.contents(u"/lrc/own/Song.LRC"), "[00:01.00]words\r\n");
+    EXPECT_FALSE(app.lrcForm().hasLrc);
+}
+
+TEST_F(LyricWindow, anEmptyListIsNotDoubleClicked) {
+    openTrack(u"/m/Song.mp3");
+    form.show_Label.setCaption(u"before");
+    form.search_Lrc_List.userDoubleClicked(-1);
+    EXPECT_EQ(label(), u"before");
+    EXPECT_TRUE(net.log.empty());
+    EXPECT_TRUE(files.changes().empty());
+}
+
 TEST_F(LyricWindow, aDoubleClickDoesNotMatchOnceTheTrackHasEnded) {
     openTrack(u"/m/Song.mp3");
     app.player().play_Sub();
