@@ -54,6 +54,7 @@ private:
     void say(std::u16string_view text); // behind the window's name in its title
     void sayReady();
     bool chosenOrComplain();
+    void readRow();
     void fetchIntoCache(Then then);
     void fetch(const std::u16string &target, bool canWrite, bool nameIsValid, Then then);
     bool mayReplace(const std::u16string &target);
@@ -74,6 +75,7 @@ private:
     std::vector<std::u16string> songRecord_; // the row's record
     std::vector<std::u16string> linkParts_;  // the row's link
     std::u16string songFileName_;            // worked out of the two
+    std::u16string songAddress_;             // the link as it is fetched
     std::u16string songName_;
     std::u16string songSinger_;
     std::u16string songAlbum_;

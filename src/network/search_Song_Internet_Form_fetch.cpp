@@ -66,6 +66,13 @@ std::u16string percentText(double percent) {
     return text;
 }
 
+// CR and LF by the units that stand for them inside a file name: as they are they would end a line
+// of the play list within a path.
+std::u16string asFileName(std::u16string_view text) {
+    return replaceAll(replaceAll(text, u"\r", std::u16string(1, u'\xDC0D')), u"\n",
+                      std::u16string(1, u'\xDC0A'));
+}
+
 std::vector<std::u16string> splitAt(std::u16string_view text, std::u16string_view separator) {
     std::vector<std::u16string> pieces;
     for (;;) {
@@ -101,6 +108,7 @@ void search_Song_Internet_Form::readFileName(std::int32_t row) {
     else
         songFileName_ =
             (songSinger_.empty() ? u"" : songSinger_ + u" ") + songName_ + u"." + songFormat_;
+    songFileName_ = asFileName(songFileName_);
 }
 
 // --- the three ways of fetching ------------------------------------------------------------------
@@ -118,11 +126,18 @@ void search_Song_Internet_Form::save_Click() {
         fetchIntoCache(Then::Nothing);
 }
 
-void search_Song_Internet_Form::fetchIntoCache(Then then) {
+// What is fetched is the row that is chosen now, whatever questions stand before the transfer.
+void search_Song_Internet_Form::readRow() {
+    const std::int16_t row = search_Song_List.listIndex();
     say(fetching);
     title.refresh();
-    readRecord(search_Song_List.listIndex(), 5);
-    readFileName(search_Song_List.listIndex());
+    readRecord(row, 5);
+    readFileName(row);
+    songAddress_ = lower(List1.list(row));
+}
+
+void search_Song_Internet_Form::fetchIntoCache(Then then) {
+    readRow();
     const std::u16string folder = app_.setControl().Path_Cache;
     // A NUL would be lost on the way to the disk, and another name written.
     const bool isValid =
@@ -134,10 +149,7 @@ void search_Song_Internet_Form::fetchIntoCache(Then then) {
 void search_Song_Internet_Form::anotherSave_Click() {
     if (!chosenOrComplain())
         return;
-    say(fetching);
-    title.refresh();
-    readRecord(search_Song_List.listIndex(), 5);
-    readFileName(search_Song_List.listIndex());
+    readRow();
     const std::u16string target = app_.myCommondialog().file_Dialog(
         hWnd(), dialogSave, std::u16string(saveTitle).append(app_.Main().title.caption()),
         songFileName_, saveFilter, u"", u"");
@@ -176,7 +188,7 @@ bool search_Song_Internet_Form::mayReplace(const std::u16string &target) {
 void search_Song_Internet_Form::transfer(const std::u16string &target, Then then) {
     setControlsEnabled(false);
     DownFileBox.setVisible(true);
-    wd.URL = lower(List1.list(search_Song_List.listIndex()));
+    wd.URL = songAddress_;
     wd.FileName = target;
     showTransfer();
     const bool isFetched = wd.DownloadToFile(u"music");

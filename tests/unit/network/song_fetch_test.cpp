@@ -108,6 +108,22 @@ TEST_F(SongFetch, saysAtOnceThatItFetches) {
     EXPECT_EQ(fakes::FakeWindows::windowOf(form)->refreshes, before + 2);
 }
 
+TEST_F(SongFetch, fetchesTheRowThatItAskedAboutThoughAnotherIsChosenMeanwhile) {
+    addSong();
+    addSong(u"0@@OTHER@@A@@S@@1@@MP3", u"HTTP://SONGS/OTHER");
+    choose(0);
+    files.addFile(u"/data/cache/SINGER NAME.MP3", "old");
+    windows.expectMsgBox(
+        {u"该曲目文件已存在，是否覆盖？如果指定文件是当前播放的文件，将停止当前播放"
+         u"的曲目！",
+         platform::MsgBoxButtons::YesNo, platform::MsgBoxIcon::None, u"Velmora 2011"},
+        platform::MsgBoxResult::Yes, [&] { choose(1); });
+    answerWith("sound");
+    click(form.save);
+    EXPECT_EQ(form.wd.URL, u"http://songs/a/b.mp3");
+    EXPECT_EQ(files.contents(u"/data/cache/SINGER NAME.MP3"), "sound");
+}
+
 // --- names ---------------------------------------------------------------------------------------
 
 TEST_F(SongFetch, namesTheFileByTheRecordOrTheLink) {

@@ -44,6 +44,18 @@ TEST_F(SongPlay, aFileOfTheListIsSelectedWithItsNamesakesAndPlayed) {
     EXPECT_EQ(app.player().get_PlayStatus(), statusPlaying);
 }
 
+TEST_F(SongPlay, aLineEndInARecordIsPartOfTheNameAndOfOneRowOfTheList) {
+    const std::u16string path = u"/data/cache/S NA\xDC0D\xDC0AME.MP3";
+    addSong(u"0@@NA\r\nME@@A@@S@@1@@MP3");
+    playable(path);
+    answerWith("sound");
+    fetchByDoubleClick();
+    EXPECT_EQ(files.contents(path), "sound");
+    EXPECT_EQ(rowsOf(app.playList_Form().List1), Texts{path});
+    ASSERT_TRUE(app.saveOrOpenFile().loadPlayList());
+    EXPECT_EQ(rowsOf(app.playList_Form().List1), Texts{path});
+}
+
 TEST_F(SongPlay, namesakesOfAFileThatDoesNotOpenStaySelected) {
     addRow(u"/m/other.mp3");
     addRowOnly(u"/m/Name.mp3");
