@@ -4,11 +4,10 @@
 #include "base/run_time_error.h"
 #include "tests/fakes/fake_ansi.h"
 #include "tests/unit/linux/temp_folder.h"
+#include "tests/unit/small_disk.h"
 
 #include <gtest/gtest.h>
 
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -195,25 +194,9 @@ TEST_F(Writing, leavesNothingBehindWhenANewFileCannotBeWritten) {
     EXPECT_EQ(folder.names(), Names{});
 }
 
-// Runs on a file system of its own of 64 KB, in a child process. The child's answer: 0 as expected,
-// 77 where the system does not allow it.
-int onSmallDisk(const std::string &place, const std::function<int()> &work) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        if (::unshare(CLONE_NEWNS) != 0 ||
-            ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            ::mount("none", place.c_str(), "tmpfs", 0, "size=64k") != 0)
-            ::_exit(77);
-        ::_exit(work());
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
-}
-
 TEST_F(Writing, leavesTheOldFileWholeOnAFullDisk) {
     folder.makeFolder("disk");
-    const int answer = onSmallDisk(folder.bytes("disk"), [&] {
+    const int answer = onSmallDisk(folder.bytes("disk"), "64k", [&] {
         files.writeWhole(folder.text("disk/f"), std::string(30'000, 'o'), true);
         int wrong = 0;
         std::u16string description;
@@ -232,7 +215,7 @@ TEST_F(Writing, leavesTheOldFileWholeOnAFullDisk) {
         wrong += folder.read("disk/f") != "small";
         return wrong;
     });
-    if (answer == 77)
+    if (answer == noSmallDisk)
         GTEST_SKIP() << "no file system can be mounted here";
     EXPECT_EQ(answer, 0);
 }
