@@ -53,6 +53,9 @@ public:
     virtual std::int32_t RegSetValueExA(RegistryHandle handle, std::u16string_view valueName,
                                         std::uint32_t value) = 0;
 
+    // Waits until what was written so far lies on the disk; where nothing changed, for nothing.
+    virtual std::int32_t RegFlushKey(RegistryHandle handle) = 0;
+
     virtual std::int32_t RegCloseKey(RegistryHandle handle) = 0;
 
     // Deletes the key with its values; ERROR_FILE_NOT_FOUND when there is none. A key that still

@@ -118,6 +118,11 @@ std::int32_t FakeRegistry::RegSetValueExA(RegistryHandle handle, std::u16string_
     return ERROR_SUCCESS;
 }
 
+std::int32_t FakeRegistry::RegFlushKey(RegistryHandle handle) {
+    log_.emplace_back(u"flush");
+    return handles_.count(handle) != 0 ? writeError_ : ERROR_INVALID_HANDLE;
+}
+
 std::int32_t FakeRegistry::RegCloseKey(RegistryHandle handle) {
     log_.emplace_back(u"close");
     return handles_.erase(handle) != 0 ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;

@@ -36,8 +36,8 @@ public:
     void setProviderMissing(bool missing) { providerMissing_ = missing; }
 
     // --- what was asked ---
-    // In order: "create KEY", "set NAME SZ COUNT TEXT", "set NAME DWORD NUMBER", "close",
-    // "delete KEY", "provider", "read KEY NAME". Failed ones too.
+    // In order: "create KEY", "set NAME SZ COUNT TEXT", "set NAME DWORD NUMBER", "flush",
+    // "close", "delete KEY", "provider", "read KEY NAME". Failed ones too.
     const std::vector<std::u16string> &log() const { return log_; }
     void clearLog() { log_.clear(); }
     std::size_t openHandles() const { return handles_.size(); }
@@ -51,6 +51,7 @@ public:
                                 std::uint32_t byteCount) override;
     std::int32_t RegSetValueExA(platform::RegistryHandle handle, std::u16string_view valueName,
                                 std::uint32_t value) override;
+    std::int32_t RegFlushKey(platform::RegistryHandle handle) override;
     std::int32_t RegCloseKey(platform::RegistryHandle handle) override;
     std::int32_t RegDeleteKeyA(std::uint32_t hive, std::u16string_view subKey) override;
     std::shared_ptr<platform::StdRegProv> GetObject(std::u16string_view moniker) override;

@@ -4,7 +4,10 @@
 // and again after `close`.
 //
 // A damaged file is kept aside under another name, told once on standard error, and a fresh one
-// made. Where the file cannot be opened, locked or made, statements say so and nothing else
+// made. A file of a newer version is read as far as it answers, and neither written nor kept aside;
+// that is told once as well. Where no shared memory or no room for it is to be had the file is held
+// alone, and where nothing can be written it is only read: a statement that writes then tries to
+// open it anew. Where the file cannot be read, locked or made, statements say so and nothing else
 // happens: the next one tries again.
 
 #include <cstdint>
@@ -70,20 +73,33 @@ public:
     void rollBack();
     int failure() const noexcept { return failure_; }
 
+    // What was committed since the last call lies on the disk afterwards. The engine's result code.
+    int sync() noexcept;
+
     // Moves everything into the one file and closes it.
     void close() noexcept;
 
 private:
     friend class SqliteStatement;
 
-    bool open();
+    enum class Use { Read, Write };
+    enum class Hold { Shared, Alone };
+
+    static const char *const queryTexts[];
+
+    bool open(Use use);
     int openOnce();
+    int openToWrite(Hold hold, bool fresh);
+    int openToRead();
     int configure(bool fresh);
+    int makeTables(bool fresh);
     int checkTables();
+    void noteVersion(std::string_view version);
     std::optional<std::string> answerOf(const char *text, int &failure);
     bool execute(const char *sql);
     void noteResult(int code, bool locks) noexcept;
     void keepAside();
+    void complain(const std::string &what);
     static int waitForLock(void *self, int attempt);
 
     // How long all waiting for another process's lock may take until a lock is had again.
@@ -94,6 +110,10 @@ private:
     sqlite3_stmt *statements_[static_cast<int>(Query::Count)] = {};
     int failure_ = 0;
     int patienceLeftMs_ = patienceMs;
+    int changesSynced_ = 0;
+    bool unsyncedFile_ = false; // made in this run without a sync
+    bool onlyRead_ = false;
+    bool newer_ = false;
     bool damaged_ = false;
     bool complained_ = false;
 };

@@ -139,6 +139,10 @@ std::int32_t SqliteRegistry::RegCreateKeyA(std::uint32_t hive, std::u16string_vi
     return ERROR_SUCCESS;
 }
 
+std::int32_t SqliteRegistry::RegFlushKey(RegistryHandle handle) {
+    return handles_.count(handle) != 0 ? errorOf(database_.sync()) : ERROR_INVALID_HANDLE;
+}
+
 std::int32_t SqliteRegistry::RegCloseKey(RegistryHandle handle) {
     return handles_.erase(handle) != 0 ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }

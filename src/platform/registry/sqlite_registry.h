@@ -3,12 +3,13 @@
 // The registry over one SQLite file (contract: platform/registry.h).
 //
 // Each value written is a transaction of its own, in a write-ahead journal without a sync: ending
-// the process at any instant leaves the last or the last but one state. Texts are kept as Unicode
-// with the type and the byte count that were given.
+// the process at any instant leaves the last or the last but one state. A power cut may take what
+// was written since the last `RegFlushKey`. Texts are kept as Unicode with the type and the byte
+// count that were given.
 //
-// Where the file is locked by another process, cannot be written or cannot be made, writes answer
-// an ERROR_ number and reads answer absence, after at most 200 ms of waiting in all. A damaged file
-// is kept aside and a fresh one made.
+// Where the file cannot be written or made, writes answer an ERROR_ number; where it is locked by
+// another process or missing, reads answer absence, after at most 200 ms of waiting in all. A
+// damaged file is kept aside and a fresh one made; one of a newer version is read alone.
 
 #include "platform/ansi.h"
 #include "platform/registry.h"
@@ -38,6 +39,7 @@ public:
                                 std::uint32_t byteCount) override;
     std::int32_t RegSetValueExA(RegistryHandle handle, std::u16string_view valueName,
                                 std::uint32_t value) override;
+    std::int32_t RegFlushKey(RegistryHandle handle) override;
     std::int32_t RegCloseKey(RegistryHandle handle) override;
     std::int32_t RegDeleteKeyA(std::uint32_t hive, std::u16string_view subKey) override;
     std::shared_ptr<StdRegProv> GetObject(std::u16string_view moniker) override;

@@ -144,9 +144,12 @@ TYPED_TEST(RegistryRules, refuseAHandleThatIsNotOpen) {
     EXPECT_EQ(this->registry.RegSetValueExA(1234, u"v", 1U), ERROR_INVALID_HANDLE);
     EXPECT_EQ(this->registry.RegSetValueExA(1234, u"v", REG_SZ, u"x", 1), ERROR_INVALID_HANDLE);
     EXPECT_EQ(this->registry.RegCloseKey(1234), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(this->registry.RegFlushKey(1234), ERROR_INVALID_HANDLE);
     const RegistryHandle handle = this->open();
+    EXPECT_EQ(this->registry.RegFlushKey(handle), ERROR_SUCCESS);
     EXPECT_EQ(this->registry.RegCloseKey(handle), ERROR_SUCCESS);
     EXPECT_EQ(this->registry.RegCloseKey(handle), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(this->registry.RegFlushKey(handle), ERROR_INVALID_HANDLE);
     EXPECT_EQ(this->registry.RegSetValueExA(handle, u"v", 1U), ERROR_INVALID_HANDLE);
 }
 

@@ -1,13 +1,9 @@
 // What the file behind the registry goes through: ends of the process, damage, locks, full disks.
 
-#include "platform/registry/sqlite_registry.h"
+#include "tests/unit/registry/sqlite_file.h"
 
 #include "base/numbers.h"
 #include "base/run_time_error.h"
-#include "tests/fakes/fake_ansi.h"
-#include "tests/unit/linux/temp_folder.h"
-
-#include <gtest/gtest.h>
 
 #include <sqlite3.h>
 #include <sys/resource.h>
@@ -19,48 +15,6 @@
 
 namespace velmora::platform {
 namespace {
-
-constexpr char16_t key[] = u"SOFTWARE\\Norvane\\zkPlayer\\playSet";
-
-struct SqliteFile : testing::Test {
-    TempFolder folder;
-    fakes::FakeAnsi ansi;
-    std::string file = folder.bytes("config/velmora/registry.sqlite");
-
-    static std::int32_t set(SqliteRegistry &registry, std::u16string_view name,
-                            std::u16string_view text, std::uint32_t bytes) {
-        RegistryHandle handle = 0;
-        const auto error = registry.RegCreateKeyA(HKEY_LOCAL_MACHINE, key, handle);
-        if (error != ERROR_SUCCESS)
-            return error;
-        const auto answer = registry.RegSetValueExA(handle, name, REG_SZ, text, bytes);
-        registry.RegCloseKey(handle);
-        return answer;
-    }
-    static std::int32_t set(SqliteRegistry &registry, std::u16string_view name,
-                            std::u16string_view text) {
-        return set(registry, name, text, static_cast<std::uint32_t>(text.size()));
-    }
-    static std::optional<std::u16string> get(SqliteRegistry &registry, std::u16string_view name) {
-        return registry.GetObject(u"x:StdRegProv")->GetStringValue(HKEY_LOCAL_MACHINE, key, name);
-    }
-    static SqliteRegistry::Value stored(SqliteRegistry &registry, std::u16string_view name) {
-        return registry.stored(HKEY_LOCAL_MACHINE, key, name).value_or(SqliteRegistry::Value{});
-    }
-    std::vector<std::string> damaged() const {
-        std::vector<std::string> found;
-        for (const auto &entry :
-             std::filesystem::directory_iterator(folder.bytes("config/velmora")))
-            if (entry.path().filename().string().find(".damaged-") != std::string::npos)
-                found.push_back(entry.path().filename().string());
-        std::sort(found.begin(), found.end());
-        return found;
-    }
-    void makeSound() {
-        SqliteRegistry registry(file, ansi);
-        ASSERT_EQ(set(registry, u"v", u"kept"), ERROR_SUCCESS);
-    }
-};
 
 // --- values as they are kept ---------------------------------------------------------------------
 
@@ -151,6 +105,50 @@ TEST_F(SqliteFile, takesDoubledSeparatorsInKeysForOne) {
                            handle);
     registry.RegSetValueExA(handle, u"v", REG_SZ, u"x", 1);
     EXPECT_EQ(get(registry, u"v"), u"x");
+}
+
+// --- its description -----------------------------------------------------------------------------
+
+// The statements that the description of the file gives, one text for each example.
+std::vector<std::string> describedStatements() {
+    std::ifstream file(VELMORA_DOCS "/registry.md");
+    std::vector<std::string> found;
+    bool inside = false;
+    for (std::string line; std::getline(file, line);) {
+        const bool begins = line == "```sql";
+        if (begins)
+            found.emplace_back();
+        else if (inside && line != "```")
+            found.back() += line + "\n";
+        inside = begins || (inside && line != "```");
+    }
+    return found;
+}
+
+TEST_F(SqliteFile, theStatementsOfItsDescriptionSetAHostAndTheCodePage) {
+    { SqliteRegistry(file, ansi).RegDeleteKeyA(HKEY_LOCAL_MACHINE, key); } // started once
+    const std::vector<std::string> statements = describedStatements();
+    ASSERT_EQ(statements.size(), 2U);
+    sqlite3 *hand = nullptr;
+    ASSERT_EQ(sqlite3_open(file.c_str(), &hand), SQLITE_OK);
+    for (int again = 0; again < 2; ++again)
+        for (const std::string &text : statements)
+            ASSERT_EQ(sqlite3_exec(hand, text.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+                << sqlite3_errmsg(hand);
+    sqlite3_close(hand);
+    SqliteRegistry registry(file, ansi);
+    const auto value = [&](std::u16string_view subKey, std::u16string_view name) {
+        return registry.stored(HKEY_LOCAL_MACHINE, subKey, name);
+    };
+    EXPECT_EQ(value(u"SOFTWARE\\Norvane\\zkPlayer\\hosts", u"maker"),
+              (SqliteRegistry::Value{REG_SZ, 24, u"http://that-machine:8420", 0}));
+    EXPECT_EQ(value(u"SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage", u"ACP"),
+              (SqliteRegistry::Value{REG_SZ, 4, u"1252", 0}));
+    // What the program writes there afterwards takes the place of it.
+    RegistryHandle handle = 0;
+    registry.RegCreateKeyA(HKEY_LOCAL_MACHINE, u"SOFTWARE\\Norvane\\zkPlayer\\hosts", handle);
+    EXPECT_EQ(registry.RegSetValueExA(handle, u"Maker", REG_SZ, u"x", 1), ERROR_SUCCESS);
+    EXPECT_EQ(value(u"SOFTWARE\\Norvane\\zkPlayer\\hosts", u"maker")->text, u"x");
 }
 
 // --- the file ------------------------------------------------------------------------------------
