@@ -182,6 +182,9 @@ void setControl::openKey(std::u16string_view key) {
     app_.platform().registry.RegCreateKeyA(platform::HKEY_LOCAL_MACHINE, key, hKey_Settings_);
 }
 
+// Once for a whole group: a power cut takes the last one at most.
+void setControl::flushKey() { app_.platform().registry.RegFlushKey(hKey_Settings_); }
+
 void setControl::closeKey() { app_.platform().registry.RegCloseKey(hKey_Settings_); }
 
 void setControl::writeText(std::u16string_view name, std::u16string_view text,
@@ -221,6 +224,7 @@ void setControl::writePlaySet() {
     writeText(u"LrcSaveFolder", form.save_Lrc_Path.text());
     writeText(u"PlayListSaveFolder", form.save_PlayList_Path.text());
     writeText(u"PlayCacheSaveFolder", form.save_PlayCache_Path.text());
+    flushKey();
     closeKey();
 }
 
@@ -244,6 +248,7 @@ void setControl::save_AutoShowWelcome(std::u16string_view state) {
     passOver([&] { openKey(keys::playSet); });
     if (isTrue || isFalse)
         passOver([&] { writeText(u"AutoShowWelcome", isTrue ? u"1" : u"0", 1); });
+    passOver([&] { flushKey(); });
     passOver([&] { closeKey(); });
 }
 

@@ -114,6 +114,7 @@ private:
     std::u16string getFolder(std::u16string_view name, const std::u16string &otherwise);
     std::u16string getHost(std::u16string_view name);
     void openKey(std::u16string_view key);
+    void flushKey();
     void closeKey();
     void writeText(std::u16string_view name, std::u16string_view text, std::uint32_t byteCount);
     void writeText(std::u16string_view name, std::u16string_view text);

@@ -7,6 +7,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 class Writing : public SettingsFixture {
 protected:
@@ -31,7 +32,7 @@ TEST_F(Writing, GeneralSettingsGoOutInOrderWithTheirByteCounts) {
                             u"set isAutoPlay SZ 2 0", u"set PlayMode SZ 2 2",
                             u"set Language SZ 2 3", u"set VideoInterface SZ 2 1",
                             u"set LrcSaveFolder SZ 6 /words", u"set PlayListSaveFolder SZ 7 /列表",
-                            u"set PlayCacheSaveFolder SZ 0 ", u"close"));
+                            u"set PlayCacheSaveFolder SZ 0 ", u"flush", u"close"));
 }
 
 TEST_F(Writing, GeneralSettingsReadBackAsTheyWere) {
@@ -131,6 +132,13 @@ TEST_F(Writing, AWelcomeSwitchThatIsNoBooleanIsNotStored) {
     settings.save_AutoShowWelcome(u"");
     EXPECT_FALSE(registry.value(playSetKey, u"AutoShowWelcome").has_value());
     EXPECT_EQ(registry.openHandles(), 0U);
+}
+
+TEST_F(Writing, WhatThePersonSwitchesIsOnTheDiskAtOnceAndTheLastFileWhenTheSystemWritesIt) {
+    settings.save_AutoShowWelcome(u"1");
+    EXPECT_THAT(logged(u"flush"), SizeIs(1));
+    settings.save_LastPlayFile(u"/m/a.mp3"); // at every track: no wait for the disk
+    EXPECT_THAT(logged(u"flush"), SizeIs(1));
 }
 
 TEST_F(Writing, DeletingTheSettingsTakesTheirKeyAlone) {
