@@ -9,6 +9,7 @@
 #include "playlist/playList_Form.h"
 #include "settings/playSetForm.h"
 #include "ui/aboutForm.h"
+#include "ui/formSet.h"
 #include "velmora.h"
 
 namespace velmora {
@@ -80,10 +81,13 @@ void MenuForm::about_Click() {
     }
 }
 
-// The help is a page of the settings; nothing of theirs is read for it.
+// The help is a page of the settings, and its OK theirs: it must find in the boxes what is stored.
+// What the person is changing in an open window stays.
 void MenuForm::help_Click() {
     app_.Main().setEnabled(false);
     app_.playList_Form().setEnabled(false);
+    if (!app_.playSetForm().visible())
+        app_.formSet().fill_PlaySet();
     app_.playSetForm().help_Click();
     app_.playSetForm().show();
 }

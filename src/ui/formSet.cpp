@@ -187,6 +187,11 @@ void formSet::trayClicked() {
 
 // Each value is read for each of its tests: every getter reads the store anew.
 void formSet::open_PlaySet() {
+    fill_PlaySet();
+    app_.playSetForm().show();
+}
+
+void formSet::fill_PlaySet() {
     velmora::setControl &settings = app_.setControl();
     velmora::playSetForm &form = app_.playSetForm();
     if (settings.get_AutoUpdate() == 1) {
@@ -209,7 +214,6 @@ void formSet::open_PlaySet() {
     }
     form.isAutoPlay_Click();
     form.language_Load(settings.Language_Index);
-    form.show();
 }
 
 } // namespace velmora

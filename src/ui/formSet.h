@@ -61,10 +61,11 @@ public:
     std::int32_t tray_WndProc(platform::HWND window, std::uint32_t message, std::int32_t wParam,
                               std::int32_t lParam);
 
-    // --- settings and keys
-    // -------------------------------------------------------------------------- Fills the settings
-    // window from the stored settings and shows it.
+    // --- settings and keys -----------------------------------------------------------------------
+    // Fills the settings window from the stored settings and shows it.
     void open_PlaySet();
+    // The first half of it.
+    void fill_PlaySet();
     // The key routine of Main ("main") and of the play list ("playlist_Form").
     void form_KeyDown(std::int16_t keyCode, std::int16_t shift, std::u16string_view formName);
 

@@ -118,14 +118,69 @@ TEST_F(SettingsPages, ReopenWhereTheyWereLeft) {
     EXPECT_FALSE(form.playFrame.visible());
 }
 
-TEST_F(SettingsPages, OpenWithTheHelpFromTheMenuWithoutReadingAnything) {
+TEST_F(SettingsPages, OpenWithTheHelpFromTheMenu) {
     app.MenuForm().help.choose();
     expectOpen();
     EXPECT_TRUE(form.help_Frame.visible());
     EXPECT_FALSE(form.playFrame.visible());
-    EXPECT_THAT(logged(u"read "), IsEmpty());
     cancel();
     expectClosed();
+}
+
+TEST_F(SettingsPages, WhatWasGivenUpByCancelStaysGivenUpInTheHelp) {
+    open();
+    form.isAutoPlay.setValue(0);
+    form.isAutoPlay_Click();
+    form.Language_English.setValue(true);
+    cancel();
+    app.MenuForm().help.choose();
+    okay();
+    EXPECT_EQ(stored(u"isAutoPlay"), u"0");
+    EXPECT_EQ(stored(u"Language"), u"0");
+    EXPECT_TRUE(form.Play_Order.enabled());
+}
+
+TEST_F(SettingsPages, TheHelpLeavesWhatIsBeingChangedInTheOpenWindow) {
+    open();
+    form.autoUpdate.setValue(1);
+    form.Language_English.setValue(true);
+    app.MenuForm().help.choose();
+    okay();
+    EXPECT_EQ(stored(u"AutoUpadate"), u"1");
+    EXPECT_EQ(stored(u"Language"), u"1");
+}
+
+// A person's settings, none of them the designed one.
+struct SettingsInUse : SettingsWindow {
+    void SetUp() override {
+        for (const auto &[name, text] : kept)
+            registry.setText(playSetKey, name, text);
+        storeFontSet(u"Desktop");
+        storeFontSet(u"Other");
+        SettingsWindow::SetUp();
+    }
+
+    const std::vector<std::pair<std::u16string, std::u16string>> kept{
+        {u"AutoUpadate", u"1"},
+        {u"isAutoPlay", u"1"},
+        {u"PlayMode", u"2"},
+        {u"Language", u"1"},
+        {u"VideoInterface", u"1"},
+        {u"LrcSaveFolder", u"/music/words"},
+        {u"PlayListSaveFolder", u"/music/lists"},
+        {u"PlayCacheSaveFolder", u"/music/cache"},
+        {u"Desktop_Lrc_Name", u"Noto Sans"},
+        {u"Desktop_Lrc_AutoOpen", u"1"},
+        {u"Other_Lrc_Name", u"Noto Sans"}};
+};
+
+TEST_F(SettingsInUse, OkInTheHelpFromTheMenuChangesNothing) {
+    app.MenuForm().help.choose();
+    okay();
+    for (const auto &[name, text] : kept)
+        EXPECT_EQ(stored(name), text) << toUtf8(name);
+    EXPECT_EQ(settings.Language_Index, 1);
+    EXPECT_EQ(registry.value(playSetKey, u"Desktop_Lrc_Size")->number, 24U);
 }
 
 // --- opening ---------------------------------------------------------------------------------

@@ -143,12 +143,12 @@ TEST_F(WindowRules, TheRemovalOfTheMenuSavesEvenWithNothingSelected) {
               "/m/a.mp3\r\n/m/b.mp3\r\n/m/c.mp3\r\n");
 }
 
-TEST_F(WindowRules, TheMenusHelpShowsTheSettingsWithoutReadingThem) {
+TEST_F(WindowRules, TheMenusHelpShowsTheSettingsAsTheyAreStored) {
     app.playSetForm().autoUpdate.setValue(0);
     fake.registry.setText(u"SOFTWARE\\Norvane\\zkPlayer\\playSet", u"AutoUpadate", u"1");
     app.MenuForm().help.choose();
     EXPECT_TRUE(app.playSetForm().visible());
-    EXPECT_EQ(app.playSetForm().autoUpdate.value(), 0);
+    EXPECT_EQ(app.playSetForm().autoUpdate.value(), 1);
 }
 
 TEST_F(WindowRules, TheMenusPlayReopensAStoppedTrackAsTheButtonDoes) {
