@@ -57,6 +57,9 @@ public:
     // The root part of an absolute path: three characters where there is a drive letter, else the
     // program's data home with its separator.
     virtual std::u16string rootPart(std::u16string_view path) = 0;
+    // The folder that a person means by a text: "~" at its beginning, alone or before a separator,
+    // is the home. Anything else is the text itself.
+    virtual std::u16string typedFolder(std::u16string_view text) = 0;
 };
 
 // --- version records ----------------------------------------------------------------------------

@@ -4,6 +4,7 @@
 
 #include "base/numbers.h"
 #include "lyrics/lrcForm.h"
+#include "platform/system.h"
 #include "playback/Main.h"
 #include "playback/player.h"
 #include "settings/setControl.h"
@@ -83,9 +84,10 @@ void playSetForm::takeAutoOpen() {
 // From here on the list of this run is saved elsewhere; nothing moves what is there already.
 void playSetForm::takeFolders() {
     velmora::setControl &settings = app_.setControl();
-    settings.Path_List = save_PlayList_Path.text();
-    settings.Path_Lrc = save_Lrc_Path.text();
-    settings.Path_Cache = save_PlayCache_Path.text();
+    platform::Folders &folders = app_.platform().folders;
+    settings.Path_List = folders.typedFolder(save_PlayList_Path.text());
+    settings.Path_Lrc = folders.typedFolder(save_Lrc_Path.text());
+    settings.Path_Cache = folders.typedFolder(save_PlayCache_Path.text());
 }
 
 void playSetForm::takePreview(const forms::TextBox &preview) {

@@ -60,7 +60,8 @@ void setControl::fixFolders() {
 }
 
 void setControl::load_Save_Paths() {
-    const auto stripped = [&](std::u16string folder) {
+    const auto stripped = [&](std::u16string_view text) {
+        std::u16string folder = app_.platform().folders.typedFolder(text);
         if (!folder.empty() && folder.back() == app_.platform().files.separatorOf(folder))
             folder.pop_back();
         return folder;

@@ -3,6 +3,7 @@
 // Processes, folders, version records, shell, clock and waitable timers in memory.
 
 #include "platform/ansi.h"
+#include "platform/linux/text/path_text.h"
 #include "platform/system.h"
 
 #include <functional>
@@ -51,6 +52,7 @@ public:
     std::u16string system = u"/home/user/.local/share/velmora/System32";
     std::u16string temporary = u"/run/user/1000/velmora/";
     std::u16string dataHome = u"/home/user/.local/share/velmora/";
+    std::u16string home = u"/home/user";
     std::vector<std::int32_t> asked;
 
     std::optional<std::u16string> SHGetSpecialFolder(std::int32_t number) override;
@@ -58,6 +60,9 @@ public:
     std::u16string GetSystemDirectoryA() override { return system; }
     std::u16string GetTempPathA() override { return temporary; }
     std::u16string rootPart(std::u16string_view path) override;
+    std::u16string typedFolder(std::u16string_view text) override {
+        return platform::typedFolder(text, home);
+    }
 };
 
 // Holds records by path; asking them is the real reader's work.

@@ -94,4 +94,8 @@ std::u16string LinuxFolders::rootPart(std::u16string_view path) {
     return pathFromBytes(homes_.programData() + "/");
 }
 
+std::u16string LinuxFolders::typedFolder(std::u16string_view text) {
+    return platform::typedFolder(text, pathFromBytes(homes_.home));
+}
+
 } // namespace velmora::platform

@@ -16,6 +16,7 @@ public:
     std::u16string GetSystemDirectoryA() override;
     std::u16string GetTempPathA() override;
     std::u16string rootPart(std::u16string_view path) override;
+    std::u16string typedFolder(std::u16string_view text) override;
 
 private:
     std::string userFolder(std::string_view name, const char *otherwise) const;

@@ -160,6 +160,12 @@ TEST_F(FolderTest, theSystemFolderLiesBelowItsRoot) {
     EXPECT_EQ(folders.rootPart(u""), root);
 }
 
+TEST_F(FolderTest, aTypedFolderMayBeginAtTheHome) {
+    EXPECT_EQ(folders.typedFolder(u"~/歌 词"), folder.text("歌 词"));
+    EXPECT_EQ(folders.typedFolder(u"/songs"), u"/songs");
+    EXPECT_EQ(LinuxFolders(HomeFolders{}).typedFolder(u"~/songs"), u"~/songs");
+}
+
 // --- the temporary folder ------------------------------------------------------------------------
 
 TEST_F(FolderTest, temporaryFilesLieInTheRuntimeFolder) {

@@ -59,6 +59,19 @@ TEST(PathParts, divideAtTheLastSeparator) {
     EXPECT_EQ(baseName(u"/m/"), u"");
 }
 
+TEST(TypedFolder, beginsAtHomeBehindATilde) {
+    EXPECT_EQ(typedFolder(u"~/Music/lists", u"/home/user"), u"/home/user/Music/lists");
+    EXPECT_EQ(typedFolder(u"~/", u"/home/user"), u"/home/user/");
+    EXPECT_EQ(typedFolder(u"~", u"/home/user"), u"/home/user");
+}
+
+TEST(TypedFolder, isTheTextItselfOtherwise) {
+    for (const char16_t *text : {u"", u"/music", u"music", u"~user/music", u"./~/music", u"/~/x",
+                                 u" ~/music", u"~~", u"C:\\~"})
+        EXPECT_EQ(typedFolder(text, u"/home/user"), text);
+    EXPECT_EQ(typedFolder(u"~/music", u""), u"~/music");
+}
+
 TEST(ShortPath, needsNoQuotingAndIsPlainAscii) {
     EXPECT_EQ(shortPath(u"/m/a.mp3"), u"/m/a.mp3");
     EXPECT_EQ(shortPath(u"/my music/50% \"live\".mp3"), u"/my%20music/50%25%20%22live%22.mp3");

@@ -175,6 +175,18 @@ TEST_F(AtTheStart, FoldersWithLineBreaksOrRelativeOnesAreTakenAsTheyAre) {
     EXPECT_EQ(settings.Path_List, u"lists");
 }
 
+TEST_F(AtTheStart, AFolderThatBeginsWithATildeLiesInTheHome) {
+    registry.setText(playSetKey, u"LrcSaveFolder", u"~/words/");
+    registry.setText(playSetKey, u"PlayListSaveFolder", u"~");
+    registry.setText(playSetKey, u"PlayCacheSaveFolder", u"~cache");
+    settings.init_PlaySet();
+    EXPECT_EQ(settings.Path_Lrc, u"/home/user/words");
+    EXPECT_EQ(app.playSetForm().save_Lrc_Path.text(), u"/home/user/words");
+    EXPECT_EQ(settings.Path_List, u"/home/user");
+    EXPECT_EQ(settings.Path_Cache, u"~cache");
+    EXPECT_TRUE(files.hasFolder(u"/home/user/words"));
+}
+
 TEST_F(AtTheStart, AFreshMachineHasTheDefaultsEverywhere) {
     start();
     EXPECT_TRUE(files.hasFolder(home + u"/Lyrics"));

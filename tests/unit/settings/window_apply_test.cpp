@@ -187,6 +187,20 @@ TEST_F(SettingsApplied, EverythingIsStoredInOneOrderAndTheLanguageIsReadBack) {
     EXPECT_THAT(registry.log(), ElementsAreArray(expected));
 }
 
+TEST_F(SettingsApplied, AFolderTypedWithATildeLiesInTheHomeAndIsStoredAsItWasTyped) {
+    open();
+    form.save_Lrc_Path.setText(u"~/words");
+    form.save_PlayList_Path.setText(u"~/lists");
+    form.save_PlayCache_Path.setText(u"~/cache");
+    apply();
+    EXPECT_EQ(memory.Path_Lrc, u"/home/user/words");
+    EXPECT_EQ(memory.Path_List, u"/home/user/lists");
+    EXPECT_EQ(memory.Path_Cache, u"/home/user/cache");
+    EXPECT_TRUE(files.hasFolder(u"/home/user/lists"));
+    EXPECT_EQ(form.save_Lrc_Path.text(), u"~/words");
+    EXPECT_EQ(stored(u"LrcSaveFolder"), u"~/words");
+}
+
 // The folders are made between the general settings and the fonts: what holds at that moment.
 TEST_F(SettingsApplied, ChoicesDesktopLineAndFoldersAreTakenBeforeStoringAndTheLooksAfterIt) {
     form.Play_Random.userChose();

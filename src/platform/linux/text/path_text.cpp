@@ -87,6 +87,13 @@ std::u16string_view folderPart(std::u16string_view path) noexcept {
     return last == std::u16string_view::npos ? std::u16string_view() : path.substr(0, last + 1);
 }
 
+std::u16string typedFolder(std::u16string_view text, std::u16string_view home) {
+    const bool atHome = text == u"~" || text.substr(0, 2) == u"~/";
+    if (!atHome || home.empty())
+        return std::u16string(text);
+    return std::u16string(home).append(text.substr(1));
+}
+
 std::u16string shortPath(std::u16string_view path) {
     constexpr char16_t digits[] = u"0123456789ABCDEF";
     std::u16string result;

@@ -20,6 +20,10 @@ char16_t pathSeparatorOf(std::u16string_view path) noexcept;
 std::u16string_view baseName(std::u16string_view path) noexcept;
 std::u16string_view folderPart(std::u16string_view path) noexcept;
 
+// A folder as a person types it: "~" at the beginning, alone or before "/", stands for `home` where
+// there is one.
+std::u16string typedFolder(std::u16string_view text, std::u16string_view home);
+
 // Every blank, double quote, "%", control and non-ASCII byte as %XX.
 std::u16string shortPath(std::u16string_view path);
 // What a short path stands for; a "%" without two hexadecimal digits behind it stays.
