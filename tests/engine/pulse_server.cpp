@@ -1,8 +1,10 @@
 #include "pulse_server.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -147,24 +149,64 @@ void PulseServer::thaw() {
         ::kill(pid_, SIGCONT);
 }
 
+std::string PulseServer::tellsOfSink(const std::string &name) const {
+    const std::string command = "LC_ALL=C pactl -s '" + address() + "' list sinks";
+    FILE *answer = popen(command.c_str(), "r");
+    if (!answer)
+        return {};
+    std::string text;
+    for (std::array<char, 4096> part{}; fgets(part.data(), part.size(), answer);)
+        text += part.data();
+    pclose(answer);
+    // Each sink begins with its number and its state; its name follows.
+    const std::size_t sink = text.find("Name: " + sinkName() + "\n");
+    if (sink == std::string::npos)
+        return {};
+    const std::size_t begin = text.rfind("Sink #", sink);
+    const std::size_t at = text.find(name, begin);
+    return at == std::string::npos ? "" : text.substr(at + name.size(), text.find('\n', at) - at);
+}
+
+int PulseServer::millisecondsOfSink(const std::string &name) const {
+    const std::string micros = tellsOfSink(name);
+    return micros.empty() ? -1 : static_cast<int>(std::atoll(micros.c_str()) / 1000);
+}
+
+int PulseServer::mixesAheadMs() const { return millisecondsOfSink("configured "); }
+
+int PulseServer::mixedMs() const { return millisecondsOfSink("Latency: "); }
+
+bool PulseServer::sinkPlays() const { return tellsOfSink("State: ").starts_with("RUNNING"); }
+
+SilentPlayer::SilentPlayer(const PulseServer &server, int latencyMs)
+    : pid_(spawn({"pacat", "-s", server.address(), "-d", server.sinkName(),
+                  "--latency-msec=" + std::to_string(latencyMs), "/dev/zero"},
+                 {{"HOME", server.directory()}}, -1)) {
+    const auto limit = std::chrono::steady_clock::now() + 10s;
+    while (!server.sinkPlays() && std::chrono::steady_clock::now() < limit)
+        std::this_thread::sleep_for(10ms);
+}
+
+SilentPlayer::~SilentPlayer() { endProcess(pid_); }
+
 void PulseServer::exportToEnvironment() const {
     setenv("PULSE_SERVER", address().c_str(), 1);
     setenv("XDG_RUNTIME_DIR", directory_.c_str(), 1);
     setenv("PULSE_RUNTIME_PATH", directory_.c_str(), 1);
 }
 
-MonitorRecorder::MonitorRecorder(const PulseServer &server) : rate_(server.rate()) {
+MonitorRecorder::MonitorRecorder(const PulseServer &server, int latencyMs) : rate_(server.rate()) {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0)
         return;
     pid_ = spawn({"parec", "-s", server.address(), "-d", server.sinkName() + ".monitor",
-                  "--latency-msec=20", "--format=float32le", "--rate=" + std::to_string(rate_),
-                  "--channels=2"},
+                  "--latency-msec=" + std::to_string(latencyMs), "--format=float32le",
+                  "--rate=" + std::to_string(rate_), "--channels=2"},
                  {{"HOME", server.directory()}}, ends[1]);
     close(ends[1]);
     pipe_ = ends[0];
     reader_ = std::thread(&MonitorRecorder::read, this);
-    waitForFrames(1, 5000);
+    waitForFrames(1, 10000);
 }
 
 MonitorRecorder::~MonitorRecorder() {

@@ -52,24 +52,49 @@ public:
     int rate() const { return options_.rate; }
     pid_t pid() const { return pid_; }
 
+    // How much the null sink is set to mix ahead of being heard, and how much of it is left just
+    // now; -1: it cannot be told.
+    int mixesAheadMs() const;
+    int mixedMs() const;
+    // Whether anybody plays into the null sink.
+    bool sinkPlays() const;
+
     // Sets PULSE_SERVER, XDG_RUNTIME_DIR and PULSE_RUNTIME_PATH of this process, for libraries that
     // take the server from the environment.
     void exportToEnvironment() const;
 
 private:
+    // What the server tells of the null sink behind a name; empty: nothing.
+    std::string tellsOfSink(const std::string &name) const;
+    int millisecondsOfSink(const std::string &name) const;
+
     Options options_;
     std::string directory_;
     pid_t pid_ = -1;
 };
 
+// Another program that plays: silence, into the null sink, until it is destroyed.
+class SilentPlayer {
+public:
+    // Returns when it plays (or after ten seconds).
+    SilentPlayer(const PulseServer &server, int latencyMs);
+    ~SilentPlayer();
+    SilentPlayer(const SilentPlayer &) = delete;
+    SilentPlayer &operator=(const SilentPlayer &) = delete;
+
+private:
+    pid_t pid_;
+};
+
 // Records the null sink's monitor from its construction on, as 32-bit float stereo at the sink's
-// rate. It keeps the sink at a latency of about 20 ms; construct it before the first play.
+// rate. It keeps the sink at a latency of half of its own, usually about 10 ms, and what it records
+// arrives as much late; construct it before the first play.
 class MonitorRecorder {
 public:
     using Clock = std::chrono::steady_clock;
 
-    // Returns when the first samples have arrived (or after five seconds).
-    explicit MonitorRecorder(const PulseServer &server);
+    // Returns when the first samples have arrived (or after ten seconds).
+    explicit MonitorRecorder(const PulseServer &server, int latencyMs = 20);
     ~MonitorRecorder();
     MonitorRecorder(const MonitorRecorder &) = delete;
     MonitorRecorder &operator=(const MonitorRecorder &) = delete;

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 
 namespace velmora::platform::sound {
 
@@ -61,6 +62,8 @@ public:
     // How far ahead of being heard the other side takes frames, where that is so far that more than
     // usual must be written.
     virtual int takenAheadMs() const { return 0; }
+    // How many frames ahead of being heard the other side holds. What is written beyond is lost.
+    virtual std::int64_t mostAhead() const { return std::numeric_limits<std::int64_t>::max(); }
 };
 
 // Keeps time where no sound can be put out.

@@ -11,10 +11,12 @@ using namespace std::chrono_literals;
 
 constexpr std::int64_t frameBytes = 2 * sizeof(float);
 
-// The server holds so much of us, of which its own mixing buffer is a small part: what is changed
-// then is cheap to mix again. Where it cannot take back what it mixed, or would do so with a click
-// (its resampler begins anew), the part is so short that a change need not wait for it long.
-constexpr int bufferMs = 1800;
+// The server asks for more when so much of what it holds of us has been heard. Its own mixing
+// buffer is a small part beside that: what is changed then is cheap to mix again. Where it cannot
+// take back what it mixed, or would do so with a click (its resampler begins anew), the part is so
+// short that a change need not wait for it long.
+constexpr int requestMs = 840;
+constexpr int leastRequestMs = 200;
 constexpr int mixMsTakenBack = 60;
 constexpr int mixMsKept = 24;
 // An idle device may have mixed silence for two seconds. It is taken back only as far as the
@@ -24,6 +26,7 @@ constexpr int idleAheadMs = 100;
 
 // On the way to the server and through it.
 constexpr int writeMs = 4;
+constexpr int heardMarginMs = 15;
 constexpr auto timingEach = 900ms;
 constexpr auto timingAtStart = 4ms;
 constexpr auto timingStanding = 100ms;
@@ -34,11 +37,13 @@ constexpr auto exactWait = 3ms;
 } // namespace
 
 PulseStream::PulseStream(PulseLink &link, int rate, TimePoint now)
-    : link_(link), table_(link.table()), rate_(rate), mixMs_(mixMsTakenBack), started_(now) {
+    : link_(link), table_(link.table()), rate_(rate), mixMs_(mixMsTakenBack),
+      askedMixMs_(mixMsTakenBack), started_(now) {
     connect();
 }
 
 PulseStream::~PulseStream() {
+    cancel(buffering_);
     cancel(timing_);
     cancel(sinkInfo_);
     if (!stream_)
@@ -77,30 +82,49 @@ void PulseStream::connect() {
         [](pa_stream *, void *self) { static_cast<PulseStream *>(self)->startedNow_ = true; },
         this);
     const pa_buffer_attr buffer = bufferFor(mixMs_);
-    const auto flags =
-        static_cast<pa_stream_flags_t>(PA_STREAM_START_CORKED | PA_STREAM_ADJUST_LATENCY);
-    if (table_.pa_stream_connect_playback(stream_, nullptr, &buffer, flags, nullptr, nullptr) < 0)
+    if (table_.pa_stream_connect_playback(stream_, nullptr, &buffer, PA_STREAM_START_CORKED,
+                                          nullptr, nullptr) < 0)
         state_ = State::Lost;
 }
 
-// No pre-buffering: the server's time runs while the stream is not corked, written to or not.
+std::uint32_t PulseStream::bytesOf(int ms) const {
+    return static_cast<std::uint32_t>(std::int64_t{rate_} * ms / 1000 * frameBytes);
+}
+
+std::int64_t PulseStream::grantedBytes() const {
+    const pa_buffer_attr *granted = stream_ ? table_.pa_stream_get_buffer_attr(stream_) : nullptr;
+    return granted ? granted->maxlength : 0;
+}
+
+int PulseStream::fittingMixMs(int mixMs) const {
+    const std::int64_t granted = grantedBytes() / frameBytes * 1000 / rate_;
+    if (granted == 0)
+        return mixMs;
+    return std::clamp(static_cast<int>(granted) - 2 * leastRequestMs, 1, mixMs);
+}
+
+// The mixing buffer is what two requests leave of the whole, and the whole is at most what the
+// server holds of anybody, at high rates little. No pre-buffering: the server's time runs while the
+// stream is not corked, written to or not.
 pa_buffer_attr PulseStream::bufferFor(int mixMs) const {
-    const auto bytes = [this](int ms) {
-        return static_cast<std::uint32_t>(std::int64_t{rate_} * ms / 1000 * frameBytes);
-    };
-    const int whole = std::max(bufferMs, 3 * mixMs);
     pa_buffer_attr buffer;
-    buffer.maxlength = bytes(whole * 3);
-    buffer.tlength = bytes(whole);
+    buffer.maxlength = static_cast<std::uint32_t>(-1);
+    buffer.tlength = bytesOf(mixMs + 2 * requestMs);
+    if (const std::int64_t granted = grantedBytes(); granted > 0)
+        buffer.tlength =
+            static_cast<std::uint32_t>(std::min<std::int64_t>(buffer.tlength, granted));
     buffer.prebuf = 0;
-    buffer.minreq = bytes((whole - 2 * mixMs) / 2); // the server halves what remains
+    buffer.minreq =
+        static_cast<std::uint32_t>((buffer.tlength - bytesOf(mixMs)) / 2 / frameBytes * frameBytes);
     buffer.fragsize = static_cast<std::uint32_t>(-1);
     return buffer;
 }
 
 void PulseStream::setMixBuffer(int mixMs) {
-    const pa_buffer_attr buffer = bufferFor(mixMs);
-    ignore(table_.pa_stream_set_buffer_attr(stream_, &buffer, nullptr, nullptr));
+    askedMixMs_ = fittingMixMs(mixMs);
+    const pa_buffer_attr buffer = bufferFor(askedMixMs_);
+    cancel(buffering_);
+    buffering_ = table_.pa_stream_set_buffer_attr(stream_, &buffer, nullptr, nullptr);
 }
 
 void PulseStream::askSink() {
@@ -126,7 +150,10 @@ void PulseStream::takeSink(const pa_sink_info &info) {
     takesBack_ = link_.rewinds() && (info.flags & PA_SINK_DYNAMIC_LATENCY) != 0 &&
                  info.sample_spec.rate == static_cast<std::uint32_t>(rate_);
     const int mixMs = takesBack_ ? mixMsTakenBack : mixMsKept;
-    if (mixMs != mixMs_ && !pulled_)
+    // The first wish may have been more than the server holds: it then mixes in its shortest parts.
+    const bool overdrawn =
+        state_ == State::Starting && bytesOf(mixMs_ + 2 * requestMs) > grantedBytes();
+    if ((mixMs != mixMs_ || overdrawn) && !pulled_)
         setMixBuffer(mixMs);
     mixMs_ = mixMs;
 }
@@ -201,7 +228,22 @@ std::int64_t PulseStream::earliest(TimePoint now) const {
     return taken;
 }
 
-int PulseStream::takenAheadMs() const { return pulled_ ? mixMsOfIdleDevice : 0; }
+int PulseStream::takenAheadMs() const {
+    int ms = askedMixMs_;
+    const bool told =
+        !buffering_ || table_.pa_operation_get_state(buffering_) != PA_OPERATION_RUNNING;
+    if (const pa_timing_info *info = told ? table_.pa_stream_get_timing_info(stream_) : nullptr)
+        ms = static_cast<int>(std::min<pa_usec_t>(info->configured_sink_usec, 10'000'000) / 1000);
+    return ms > idleAheadMs ? ms : 0;
+}
+
+std::int64_t PulseStream::mostAhead() const {
+    const std::int64_t granted = grantedBytes() / frameBytes;
+    // The server counts from what it has taken, which lies behind what is heard by no more than the
+    // error of that.
+    return granted > 0 ? std::max<std::int64_t>(granted - rate_ * heardMarginMs / 1000, 1)
+                       : OutputStream::mostAhead();
+}
 
 void PulseStream::write(std::int64_t first, std::int64_t end, const Producer &producer) {
     while (first < end && state() != State::Lost) {

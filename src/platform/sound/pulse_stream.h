@@ -28,11 +28,17 @@ public:
     void write(std::int64_t first, std::int64_t end, const Producer &producer) override;
     TimePoint refresh(TimePoint now) override;
     int takenAheadMs() const override;
+    std::int64_t mostAhead() const override;
 
 private:
     void connect();
+    // The longest mixing buffer that can be asked for beside what the server holds of us.
+    int fittingMixMs(int mixMs) const;
     pa_buffer_attr bufferFor(int mixMs) const;
     void setMixBuffer(int mixMs);
+    std::uint32_t bytesOf(int ms) const;
+    // What the server has granted to hold of us; 0: it has not told yet.
+    std::int64_t grantedBytes() const;
     void askSink();
     void takeSink(const pa_sink_info &info);
     bool mixesShortParts() const;
@@ -63,6 +69,8 @@ private:
     bool advancing_ = false;
     bool pulled_ = false; // see pullBack()
 
+    pa_operation *buffering_ = nullptr;
+    int askedMixMs_;
     pa_operation *timing_ = nullptr;
     pa_operation *sinkInfo_ = nullptr;
     TimePoint asked_;

@@ -40,6 +40,7 @@ namespace velmora::platform::sound {
     F(pa_stream_cork)                                                                              \
     F(pa_stream_flush)                                                                             \
     F(pa_stream_set_buffer_attr)                                                                   \
+    F(pa_stream_get_buffer_attr)                                                                   \
     F(pa_stream_get_device_index)                                                                  \
     F(pa_stream_update_timing_info)                                                                \
     F(pa_stream_get_timing_info)                                                                   \

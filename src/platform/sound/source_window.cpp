@@ -9,19 +9,20 @@ namespace {
 
 constexpr std::int64_t decodeStep = 2048; // frames
 
+// Decoding runs up to a step ahead of what is asked for.
+std::int64_t capacityFor(std::int64_t frames) {
+    return std::max(frames, decodeStep * 4) + decodeStep;
+}
+
 } // namespace
 
 SourceWindow::SourceWindow(std::unique_ptr<Reader> reader, int capacityMs)
-    : reader_(std::move(reader)), mix_(reader_->channels()), capacity_(capacityOf(capacityMs)),
+    : reader_(std::move(reader)), mix_(reader_->channels()),
+      capacity_(capacityFor(std::int64_t{reader_->rate()} * capacityMs / 1000)),
       length_(reader_->frames()) {}
 
-std::int64_t SourceWindow::capacityOf(int ms) const {
-    // Decoding runs up to a step ahead of what is asked for.
-    return std::max(std::int64_t{reader_->rate()} * ms / 1000, decodeStep * 4) + decodeStep;
-}
-
-void SourceWindow::keep(int capacityMs) {
-    const std::int64_t capacity = capacityOf(capacityMs);
+void SourceWindow::keep(std::int64_t frames) {
+    const std::int64_t capacity = capacityFor(frames);
     if (capacity <= capacity_)
         return;
     std::vector<float> old = std::move(ring_);

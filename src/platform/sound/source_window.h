@@ -21,8 +21,8 @@ public:
     // Where the sound ends: the reader's length, or earlier where decoding turned out to stop.
     std::int64_t length() const { return length_; }
 
-    // Keeps more than before from now on; less is not taken back.
-    void keep(int capacityMs);
+    // Keeps so many frames from now on, if that is more than before.
+    void keep(std::int64_t frames);
 
     // Makes `frame` the next one to be copied. What is there already is not decoded again.
     void seek(std::int64_t frame);
@@ -32,7 +32,6 @@ public:
     void copy(std::int64_t frame, float *out, std::size_t count);
 
 private:
-    std::int64_t capacityOf(int ms) const;
     void decodeTo(std::int64_t frame);
     bool decodeSome();
 

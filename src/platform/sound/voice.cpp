@@ -14,7 +14,6 @@ constexpr TimePoint never = TimePoint::max();
 constexpr int fadeMs = 5;     // of what is cut off and of what begins in the middle
 constexpr int rampMs = 8;     // of a change of gain
 constexpr int aheadMs = 1400; // written in steady play
-constexpr int refillMs = 700; // written again when less than this is left
 constexpr int keptMs = 400;   // decoded and kept beyond that
 // While changes follow each other, as in a fade, only so much is rendered anew for each; the rest
 // waits until they stop or it comes near.
@@ -157,16 +156,17 @@ TimePoint Voice::fill(TimePoint now) {
     if (stream_->silent())
         return whenHeard(endOfPiece(), now);
     catchUp(now);
-    const int takenMs = stream_->takenAheadMs();
-    if (takenMs > 0)
-        window_.keep(takenMs + aheadMs + keptMs);
-    const std::int64_t refill = framesOfMs(takenMs + refillMs);
+    const std::int64_t taken = framesOfMs(stream_->takenAheadMs());
+    const std::int64_t ahead = std::min(taken + framesOfMs(aheadMs), stream_->mostAhead());
+    window_.keep(ahead + framesOfMs(keptMs));
+    // Half way between what is taken at once and what there can be.
+    const std::int64_t refill = ahead - std::max<std::int64_t>(ahead - taken, 2) / 2;
     const std::int64_t heard = stream_->heard(now);
     if (rewriteStale(now, heard))
         return now;
     // Silence follows the end, at least over all that was ever written there.
     const std::int64_t end = std::max(endOfPiece() + framesOfMs(silenceMs * 2), written_);
-    const std::int64_t target = std::min(heard + framesOfMs(takenMs + aheadMs), end);
+    const std::int64_t target = std::min(heard + ahead, end);
     if (head_ - heard < refill)
         filling_ = true;
     if (filling_ && head_ < target) {

@@ -3,6 +3,7 @@
 #include "platform/sound/output_stream.h"
 
 #include <cmath>
+#include <limits>
 #include <map>
 #include <vector>
 
@@ -25,6 +26,9 @@ public:
     std::int64_t framesWritten = 0;
     int stops = 0;
     std::int64_t lead = 4; // frames that are too late to be written
+    int takenAheadMs = 0;
+    std::int64_t most = std::numeric_limits<std::int64_t>::max(); // held; what is beyond is refused
+    std::int64_t refused = 0;
     std::int64_t heardInAWrite = 0;
     TimePoint now;
     std::int64_t heard = 0;
@@ -68,8 +72,11 @@ public:
         const auto count = static_cast<std::size_t>(end - first);
         std::vector<float> samples(count * 2);
         producer(samples.data(), first, count);
-        for (std::size_t i = 0; i < count; ++i)
-            server_.queue[first + static_cast<std::int64_t>(i)] = samples[i * 2];
+        if (end - server_.heard > server_.most)
+            server_.refused += end - first;
+        else
+            for (std::size_t i = 0; i < count; ++i)
+                server_.queue[first + static_cast<std::int64_t>(i)] = samples[i * 2];
         ++server_.writes;
         server_.framesWritten += end - first;
         server_.move(server_.heardInAWrite);
@@ -77,6 +84,8 @@ public:
     platform::sound::TimePoint refresh(platform::sound::TimePoint) override {
         return platform::sound::TimePoint::max();
     }
+    int takenAheadMs() const override { return server_.takenAheadMs; }
+    std::int64_t mostAhead() const override { return server_.most; }
 
 private:
     FakeServer &server_;

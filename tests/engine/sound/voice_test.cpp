@@ -108,6 +108,29 @@ TEST_F(VoiceTest, WritesLargePiecesAlthoughMoreIsHeardMeanwhile) {
     EXPECT_GT(server_.framesWritten / server_.writes, 5000);
 }
 
+TEST_F(VoiceTest, WritesNoMoreThanTheOtherSideHoldsAndMissesNothing) {
+    server_.most = 9000; // less than is usually written
+    transport(true, 0);
+    play(6000);
+    EXPECT_EQ(server_.refused, 0);
+    ASSERT_GE(server_.out.size(), 59000U);
+    for (std::size_t i = 0; i < 59000; i += 7)
+        ASSERT_EQ(server_.out[i], FakeReader::valueAt(static_cast<std::int64_t>(i))) << i;
+}
+
+// Of 2.7 s that the other side holds it takes 2 s at once: these are there whenever it does.
+TEST_F(VoiceTest, WhatIsTakenAtOnceIsThereInTimeWhereLittleMoreIsHeld) {
+    server_.most = 27000;
+    server_.takenAheadMs = 2000;
+    transport(true, 0);
+    play(100);
+    for (int i = 0; i < 60; ++i) {
+        play(50);
+        ASSERT_TRUE(server_.queue.contains(server_.heard + 20000)) << i;
+    }
+    EXPECT_EQ(server_.refused, 0);
+}
+
 TEST_F(VoiceTest, NothingIsDueWhileNothingPlays) {
     EXPECT_EQ(serve(), TimePoint::max());
     transport(true, 0);
