@@ -1,171 +1,55 @@
 #include "platform/sound/output_engine.h"
 
-#include "platform/sound/pulse_stream.h"
-
 #include <algorithm>
-#include <csignal>
-#include <pthread.h>
 
 namespace velmora::platform::sound {
 
-namespace {
-
-using namespace std::chrono_literals;
-
-constexpr TimePoint never = TimePoint::max();
-
-constexpr auto silentAfter = 400ms; // without an answer of the server play begins in silence
-constexpr auto connectLimit = 5s;
-constexpr auto retryEach = 3s;
-constexpr auto closeLimit = 150ms;
-
-bool usable(const OutputStream *stream) {
-    return stream && stream->state() != OutputStream::State::Lost;
+OutputEngine::~OutputEngine() {
+    for (const auto &left : left_) {
+        if (const auto thread = left.lock())
+            thread->end();
+    }
+    if (thread_)
+        thread_->end();
 }
 
-} // namespace
-
-OutputEngine::OutputEngine(PulseLinkOptions options) : options_(std::move(options)) {}
-
-OutputEngine::~OutputEngine() {
-    {
-        const std::lock_guard lock(mutex_);
-        quit_ = true;
-    }
-    wakeUp_.signal();
-    if (thread_.joinable())
-        thread_.join();
+bool OutputEngine::start() {
+    if (!thread_)
+        thread_ = OutputThread::start(options_);
+    return thread_ != nullptr;
 }
 
 void OutputEngine::add(std::unique_ptr<Voice> voice) {
-    {
-        const std::lock_guard lock(mutex_);
-        added_.push_back(std::move(voice));
-    }
-    if (thread_.joinable()) {
-        wake();
+    if (!start())
         return;
-    }
-    // Signals are the program's matter: its own threads take them.
-    sigset_t all, old;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &old);
-    thread_ = std::thread(&OutputEngine::run, this);
-    pthread_sigmask(SIG_SETMASK, &old, nullptr);
-    pthread_setname_np(thread_.native_handle(), "sound");
+    std::vector<std::unique_ptr<Voice>> voices;
+    voices.push_back(std::move(voice));
+    thread_->add(std::move(voices));
+    tend();
 }
 
 void OutputEngine::wake() {
-    if (!signalled_.exchange(true))
-        wakeUp_.signal();
+    if (thread_)
+        thread_->wake();
+    for (const auto &left : left_) {
+        if (const auto thread = left.lock())
+            thread->wake();
+    }
 }
 
-void OutputEngine::run() {
-    PulseLink link(options_, wakeUp_);
-    for (;;) {
-        signalled_ = false;
-        {
-            const std::lock_guard lock(mutex_);
-            if (quit_)
-                break;
-        }
-        const TimePoint now = Clock::now();
-        takeNew(now);
-        TimePoint due = lines_.empty() ? never : connect(link, now);
-        for (Line &line : lines_)
-            due = std::min(due, serve(line, link, now));
-        const auto finished = [now](const Line &line) {
-            return line.voice->finished(now) || now >= line.closeBy;
-        };
-        lines_.erase(std::remove_if(lines_.begin(), lines_.end(), finished), lines_.end());
-        link.wait(due);
+void OutputEngine::tend() {
+    if (!thread_)
+        return;
+    auto waiting = thread_->takeBack();
+    if (waiting.empty())
+        return;
+    if (auto other = OutputThread::start(options_)) {
+        thread_->leave();
+        std::erase_if(left_, [](const auto &left) { return left.expired(); });
+        left_.push_back(thread_);
+        thread_ = std::move(other);
     }
-    lines_.clear(); // the streams go before the link
-}
-
-void OutputEngine::takeNew(TimePoint now) {
-    const std::lock_guard lock(mutex_);
-    for (std::unique_ptr<Voice> &voice : added_) {
-        Line line;
-        line.voice = std::move(voice);
-        line.since = line.retry = now;
-        lines_.push_back(std::move(line));
-    }
-    added_.clear();
-}
-
-// Keeps trying to reach the server while somebody wants to be heard.
-TimePoint OutputEngine::connect(PulseLink &link, TimePoint now) {
-    if (!link.usable() || link.state() == PulseLink::State::Ready)
-        return never;
-    if (link.state() == PulseLink::State::Connecting) {
-        if (now < connectSince_ + connectLimit)
-            return connectSince_ + connectLimit;
-        link.disconnect();
-        connectRetry_ = now + retryEach;
-        return connectRetry_;
-    }
-    // A medium just opened is worth a try at once; one that stands still is not worth waking up.
-    const bool fresh = std::any_of(lines_.begin(), lines_.end(), [this](const Line &line) {
-        return !line.voice->stream() && line.since > connectSince_;
-    });
-    const bool playing = std::any_of(lines_.begin(), lines_.end(),
-                                     [](const Line &line) { return line.voice->wantsToPlay(); });
-    if (!fresh && !playing)
-        return never;
-    if (!fresh && now < connectRetry_)
-        return connectRetry_;
-    connectSince_ = now;
-    connectRetry_ = now + retryEach;
-    link.connect();
-    return link.state() == PulseLink::State::Connecting ? connectSince_ + connectLimit
-                                                        : connectRetry_;
-}
-
-TimePoint OutputEngine::serve(Line &line, PulseLink &link, TimePoint now) {
-    TimePoint due = provide(line, link, now);
-    due = std::min(due, line.voice->service(now));
-    if (line.voice->closing()) {
-        line.closeBy = std::min(line.closeBy, now + closeLimit);
-        due = std::min(due, line.closeBy);
-    }
-    // A stream that the server would not have, or that hangs, must not keep the others from it.
-    if (!usable(line.voice->stream()) && line.voice->stream())
-        due = now;
-    return due;
-}
-
-// Sees to it that the voice has the best stream that is to be had.
-TimePoint OutputEngine::provide(Line &line, PulseLink &link, TimePoint now) {
-    OutputStream *present = line.voice->stream();
-    if (usable(present) && !present->silent())
-        return never;
-    if (present && !usable(present)) {
-        line.coming.reset();
-        line.retry = link.state() == PulseLink::State::Ready ? now + retryEach : now;
-        line.voice->attach(std::make_unique<SilentStream>(line.voice->rate()), now);
-        return now;
-    }
-    if (line.coming && line.coming->state() == OutputStream::State::Idle) {
-        line.voice->attach(std::move(line.coming), now);
-        return never;
-    }
-    if (line.coming && !usable(line.coming.get())) {
-        line.coming.reset();
-        line.retry = now + retryEach;
-    }
-    const bool ready = link.state() == PulseLink::State::Ready;
-    if (!line.coming && ready && now >= line.retry && (!present || line.voice->wantsToPlay()))
-        line.coming = std::make_unique<PulseStream>(link, line.voice->rate(), now);
-    if (!present) {
-        const bool hope = link.usable() && (line.coming || link.state() != PulseLink::State::Down);
-        if (hope && now < line.since + silentAfter)
-            return line.since + silentAfter;
-        line.voice->attach(std::make_unique<SilentStream>(line.voice->rate()), now);
-        return now;
-    }
-    const bool again = !line.coming && ready && line.voice->wantsToPlay();
-    return again ? line.retry : never;
+    thread_->add(std::move(waiting));
 }
 
 } // namespace velmora::platform::sound

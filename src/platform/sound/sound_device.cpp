@@ -87,6 +87,7 @@ std::int32_t SoundDevice::positionMs() {
 }
 
 void SoundDevice::noteEnd() {
+    engine_.tend();
     if (mode_ != Mode::Playing)
         return;
     const VoiceReport report = control_->report();

@@ -17,7 +17,7 @@ public:
     std::unique_ptr<media::Device> open(const media::OpenRequest &request) override {
         auto reader =
             openReader(request.path, libraries_, soundFonts_, request.type == "Sequencer");
-        if (!reader)
+        if (!reader || !engine_.start())
             return nullptr;
         return std::make_unique<SoundDevice>(std::move(reader), engine_);
     }

@@ -108,7 +108,9 @@ void Voice::silence(TimePoint now) {
     }
     playing_ = false;
     staleFrom_.reset();
-    window_.seek(wish_.frame);
+    // What is closed is never played again: the file is left alone.
+    if (!wish_.closed)
+        window_.seek(wish_.frame);
 }
 
 // Ends what is heard within a few milliseconds; the first frame behind that.

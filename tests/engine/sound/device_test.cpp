@@ -5,6 +5,9 @@
 
 #include "midi_bytes.h"
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 namespace velmora::platform::sound {
 namespace {
 
@@ -210,6 +213,30 @@ TEST(SoundOpener, WithoutTheServersLibraryPlayIsSilentAndInTime) {
     ASSERT_TRUE(waitFor(15000, [&] { return device->mode() == Mode::Stopped; }));
     EXPECT_NEAR(msSince(start), 1500, 150);
     EXPECT_EQ(device->positionMs(), 1500);
+}
+
+// As an ordinary user may start none; root always may.
+void allowNoMoreThreads() {
+    constexpr uid_t nobody = 65534;
+    if (getuid() == 0 && setresuid(nobody, nobody, nobody) != 0)
+        _exit(3);
+    const rlimit none{0, 0};
+    setrlimit(RLIMIT_NPROC, &none);
+}
+
+TEST(SoundOpener, WhereNoThreadIsToBeHadAFileIsRefusedAndTheProgramGoesOn) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const TemporaryFolder folder;
+    const std::string path = folder.write("short.wav", readFile(mediaFile("short.wav")));
+    std::filesystem::permissions(folder.path(""), std::filesystem::perms(0755));
+    EXPECT_EXIT(
+        {
+            allowNoMoreThreads();
+            const auto opener = makeSoundOpener({});
+            _exit(opener->open({path, "Waveaudio"}) ? 2 : 0);
+        },
+        testing::ExitedWithCode(0), "");
+    EXPECT_TRUE(makeSoundOpener({})->open({path, "Waveaudio"}));
 }
 
 TEST(SoundOpener, AnOpenerThatOpenedNothingStartsNothing) {

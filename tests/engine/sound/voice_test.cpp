@@ -375,6 +375,21 @@ TEST_F(VoiceTest, ClosedIsFinishedOnceItsFadeWasHeard) {
     EXPECT_LT(biggestStep(4990, server_.out.size()), 0.06F / 50 + 0.001F);
 }
 
+TEST_F(VoiceTest, ClosingReadsNothingOfTheFile) {
+    transport(true, 50000);
+    play(4000); // its beginning is no longer kept
+    const auto decoded = calls_.decoded;
+    const auto seeks = calls_.seeks;
+    control_->change([](VoiceWish &wish) {
+        wish.closed = true;
+        ++wish.transport;
+    });
+    play(15);
+    ASSERT_TRUE(voice_->finished(server_.now));
+    EXPECT_EQ(calls_.seeks, seeks);
+    EXPECT_EQ(calls_.decoded, decoded);
+}
+
 TEST_F(VoiceTest, ClosedBeforeItEverPlayedIsFinishedAtOnce) {
     control_->change([](VoiceWish &wish) { wish.closed = true; });
     serve();
