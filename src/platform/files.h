@@ -96,18 +96,19 @@ public:
 
     // "Open for output, write, close": the whole new content at once. Written beside the old file
     // and renamed over it, every byte count and flush checked, so a failure of any kind leaves the
-    // old file as it was and raises. Follows links and keeps the file's mode. Refuses a target that
-    // is no regular file or has no write bit, and any target directly below the root: that is where
-    // an empty folder leads. `durable` also syncs file and folder.
+    // old file as it was and raises. Follows links and keeps the file's mode, rights and attributes
+    // as far as the file system lets it. Refuses a target that is no regular file or has no write
+    // bit, and any target directly below the root: that is where an empty folder leads. `durable`
+    // also syncs file and folder.
     virtual void writeWhole(std::u16string_view path, std::string_view bytes, bool durable) = 0;
 
     // The same for a file that is not there yet: whatever lies under that exact name, a dangling
     // link too, stays as it is, and "file exists" is raised. No link is followed.
     virtual void writeNew(std::u16string_view path, std::string_view bytes, bool durable) = 0;
 
-    // Keeps the present file as a copy under another path, replacing what lies there, before the
-    // file itself is written over. Raises as `writeWhole` does for either path, and when there is
-    // no present file.
+    // Keeps the present file as a copy under another path before it is written over. Raises as
+    // `writeWhole` does for the present file, and when there is none, and as `writeNew` does for
+    // the copy.
     virtual void keepAs(std::u16string_view path, std::u16string_view keptPath) = 0;
 
     // CreateFileA with GENERIC_WRITE, no sharing and OPEN_ALWAYS: an existing file keeps its bytes
@@ -117,9 +118,10 @@ public:
     // Makes one folder. Raises when something of that name is there or its own folder is not.
     virtual void MkDir(std::u16string_view path) = 0;
 
-    // Renames within a folder, without ever replacing. The same path is success without action. A
-    // new bare name with a separator or NUL, or "." or "..", raises before the disk is touched: so
-    // does a new path in another folder, since only such a name leads there.
+    // Renames within a folder, without ever replacing. The same path is success without action; a
+    // file system that ignores case still spells its file anew. A new bare name with a separator or
+    // NUL, or "." or "..", raises before the disk is touched: so does a new path in another folder,
+    // since only such a name leads there.
     virtual void Name(std::u16string_view from, std::u16string_view to) = 0;
 
     // The path with every blank, quote, "%", control and non-ASCII byte as %XX: a text that needs

@@ -98,7 +98,8 @@ private:
     std::u16string playListPath() const;
     void writeList(bool durable);
     void encodeList();
-    bool isKeptAs(const KnownFile &file, const std::u16string &keptPath);
+    bool keepsAs(const KnownFile &file, const std::u16string &place);
+    bool isCopy(const KnownFile &file, const std::u16string &other);
     bool readLines(const std::u16string &path);
     bool takeLine(std::string_view line);
     void showLoading(std::string_view line, std::string_view pathBytes, const std::u16string &path);

@@ -103,28 +103,43 @@ void saveOrOpenFile::encodeList() {
 }
 
 void saveOrOpenFile::keepOld(const std::u16string &path) {
-    constexpr char16_t lastPlace = u'9';
+    constexpr std::u16string_view numbers = u"123456789";
     platform::FileSystem &files = app_.platform().files;
     const KnownFile file{path, files.FileLen(path)};
-    const std::u16string first = path + u".old";
-    std::u16string place = first;
-    for (char16_t number = u'1'; fileExists(place) && number <= lastPlace; ++number) {
-        if (isKeptAs(file, place))
+    std::u16string place = path + u".old";
+    if (keepsAs(file, place))
+        return;
+    place += u".0";
+    for (const char16_t number : numbers) {
+        place.back() = number;
+        if (keepsAs(file, place))
             return;
-        place = first + u"." + number;
     }
+    files.CreateFileSystemObject()->DeleteFile(place);
     files.keepAs(path, place);
 }
 
+// False where something else has that place.
+bool saveOrOpenFile::keepsAs(const KnownFile &file, const std::u16string &place) {
+    try {
+        app_.platform().files.keepAs(file.path, place);
+        return true;
+    } catch (const RunTimeError &error) {
+        if (error.number() != ErrorNumber::FileExists)
+            throw;
+        return isCopy(file, place);
+    }
+}
+
 // A save that fails behind the keeping must not fill the folder with copies of one file.
-bool saveOrOpenFile::isKeptAs(const KnownFile &file, const std::u16string &keptPath) {
+bool saveOrOpenFile::isCopy(const KnownFile &file, const std::u16string &other) {
     constexpr std::int64_t step = std::int64_t{1} << 20;
     platform::FileSystem &files = app_.platform().files;
     bool isSame = false;
     passOver([&] {
-        isSame = files.FileLen(keptPath) == file.length;
+        isSame = files.FileLen(other) == file.length;
         for (std::int64_t at = 0; isSame && at < file.length; at += step)
-            isSame = files.readBytes(file.path, at, step) == files.readBytes(keptPath, at, step);
+            isSame = files.readBytes(file.path, at, step) == files.readBytes(other, at, step);
     });
     return isSame;
 }

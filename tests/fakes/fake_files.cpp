@@ -334,6 +334,8 @@ void FakeFiles::keepAs(std::u16string_view path, std::u16string_view keptPath) {
     count("keepAs");
     checkTarget(path);
     const std::string bytes = readable(path).bytes;
+    if (find(keptPath))
+        fail(ErrorNumber::FileExists, u"File exists");
     store(keptPath, bytes);
     note(u"keep", path, keptPath);
 }

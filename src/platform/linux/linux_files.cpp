@@ -1,5 +1,7 @@
 #include "platform/linux/linux_files.h"
 
+#include "base/run_time_error.h"
+#include "base/text.h"
 #include "platform/linux/atomic_write.h"
 #include "platform/linux/errors.h"
 #include "platform/linux/free_name.h"
@@ -12,7 +14,8 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstdio>
+#include <filesystem>
+#include <system_error>
 
 namespace velmora::platform {
 
@@ -31,14 +34,53 @@ OpenRegular openOrRaise(std::u16string_view path) {
     return result;
 }
 
+void write(std::u16string_view path, std::string_view bytes, bool durable, AtomicFile::Over over,
+           const FileCalls &calls) {
+    AtomicFile file(systemPathOrRaise(path), AtomicFile::While::Unnamed, over, calls);
+    file.write(bytes);
+    file.commit(durable);
+}
+
+void deleteFile(std::u16string_view path) {
+    const std::string bytes = systemPathOrRaise(path);
+    struct ::stat info {};
+    if (::lstat(bytes.c_str(), &info) != 0)
+        raiseSystemError(errno);
+    if (S_ISDIR(info.st_mode))
+        raiseSystemError(EISDIR);
+    // By the bits alone: root could, and must not either.
+    if (S_ISREG(info.st_mode) && (info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0)
+        raiseSystemError(EACCES);
+    if (::unlink(bytes.c_str()) != 0)
+        raiseSystemError(errno);
+}
+
+// Whether two names of a folder that differ in case alone are one file's: a file system that does
+// not tell them apart lists only the one.
+bool areOneFiles(std::u16string_view from, std::u16string_view to) {
+    if (!equalsIgnoringCase(baseName(from), baseName(to)))
+        return false;
+    const std::u16string folder(folderPart(from));
+    std::error_code error;
+    bool hasOld = false;
+    bool hasNew = false;
+    for (std::filesystem::directory_iterator entry(folder.empty() ? "." : pathBytes(folder), error),
+         end;
+         !error && entry != end; entry.increment(error)) {
+        const std::string name = entry->path().filename();
+        hasOld = hasOld || name == pathBytes(baseName(from));
+        hasNew = hasNew || name == pathBytes(baseName(to));
+    }
+    return !error && hasOld && !hasNew;
+}
+
 class LinuxFileObject : public FileSystemObject {
 public:
-    explicit LinuxFileObject(const AnsiText &ansi) : ansi_(ansi) {}
+    LinuxFileObject(const AnsiText &ansi, FileCalls calls)
+        : ansi_(ansi), calls_(std::move(calls)) {}
 
     void CreateTextFile(std::u16string_view path, std::u16string_view text) override {
-        AtomicFile file(systemPathOrRaise(path));
-        file.write(ansi_.encode(text));
-        file.commit(false);
+        write(path, ansi_.encode(text), false, AtomicFile::Over::OldFile, calls_);
     }
 
     void DeleteFile(std::u16string_view path) override { deleteFile(path); }
@@ -54,6 +96,7 @@ public:
 
 private:
     const AnsiText &ansi_;
+    FileCalls calls_;
 };
 
 } // namespace
@@ -92,22 +135,20 @@ std::string LinuxFiles::readBytes(std::u16string_view path, std::int64_t offset,
 }
 
 void LinuxFiles::writeWhole(std::u16string_view path, std::string_view bytes, bool durable) {
-    AtomicFile file(systemPathOrRaise(path));
-    file.write(bytes);
-    file.commit(durable);
+    write(path, bytes, durable, AtomicFile::Over::OldFile, calls_);
 }
 
 void LinuxFiles::writeNew(std::u16string_view path, std::string_view bytes, bool durable) {
-    AtomicFile file(systemPathOrRaise(path), AtomicFile::While::Unnamed, AtomicFile::Over::Nothing);
-    file.write(bytes);
-    file.commit(durable);
+    write(path, bytes, durable, AtomicFile::Over::Nothing, calls_);
 }
 
 void LinuxFiles::keepAs(std::u16string_view path, std::u16string_view keptPath) {
     constexpr std::size_t step = std::size_t{1} << 20;
     replaceable(afterLinks(systemPathOrRaise(path)));
     const OpenRegular source = openOrRaise(path);
-    AtomicFile kept(systemPathOrRaise(keptPath));
+    AtomicFile kept(systemPathOrRaise(keptPath), AtomicFile::While::Unnamed,
+                    AtomicFile::Over::Nothing, calls_);
+    kept.takeAfter(source.file.number(), source.info);
     for (std::int64_t at = 0;;) {
         const auto bytes = readAt(source.file.number(), at, step);
         if (!bytes)
@@ -130,16 +171,6 @@ void LinuxFiles::MkDir(std::u16string_view path) {
 }
 
 void LinuxFiles::Name(std::u16string_view from, std::u16string_view to) {
-    renameWithoutReplacing(from, to);
-}
-
-std::u16string LinuxFiles::GetShortPathNameA(std::u16string_view path) { return shortPath(path); }
-
-std::unique_ptr<FileSystemObject> LinuxFiles::CreateFileSystemObject() {
-    return std::make_unique<LinuxFileObject>(ansi_);
-}
-
-void renameWithoutReplacing(std::u16string_view from, std::u16string_view to) {
     if (from == to)
         return;
     // Another folder means that the new name itself held a separator.
@@ -147,21 +178,22 @@ void renameWithoutReplacing(std::u16string_view from, std::u16string_view to) {
     if (folderPart(from) != folderPart(to) || name.empty() || name == u"." || name == u".." ||
         name.find(u'\0') != std::u16string_view::npos)
         raiseSystemError(EINVAL);
-    renameToFreeName(systemPathOrRaise(from), pathBytes(to));
+    const std::string source = systemPathOrRaise(from);
+    const std::string target = pathBytes(to);
+    try {
+        renameToFreeName(source, target, calls_);
+    } catch (const RunTimeError &error) {
+        if (error.number() != ErrorNumber::FileExists || !areOneFiles(from, to))
+            throw;
+        if (calls_.rename(source.c_str(), target.c_str(), 0) != 0)
+            raiseSystemError(errno);
+    }
 }
 
-void deleteFile(std::u16string_view path) {
-    const std::string bytes = systemPathOrRaise(path);
-    struct ::stat info {};
-    if (::lstat(bytes.c_str(), &info) != 0)
-        raiseSystemError(errno);
-    if (S_ISDIR(info.st_mode))
-        raiseSystemError(EISDIR);
-    // By the bits alone: root could, and must not either.
-    if (S_ISREG(info.st_mode) && (info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0)
-        raiseSystemError(EACCES);
-    if (::unlink(bytes.c_str()) != 0)
-        raiseSystemError(errno);
+std::u16string LinuxFiles::GetShortPathNameA(std::u16string_view path) { return shortPath(path); }
+
+std::unique_ptr<FileSystemObject> LinuxFiles::CreateFileSystemObject() {
+    return std::make_unique<LinuxFileObject>(ansi_, calls_);
 }
 
 } // namespace velmora::platform

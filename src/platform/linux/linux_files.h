@@ -5,13 +5,15 @@
 #include "platform/ansi.h"
 #include "platform/files.h"
 #include "platform/linux/directory.h"
+#include "platform/linux/file_calls.h"
 
 namespace velmora::platform {
 
 class LinuxFiles : public FileSystem {
 public:
     // `ansi` encodes what `CreateTextFile` writes.
-    explicit LinuxFiles(const AnsiText &ansi) : ansi_(ansi) {}
+    explicit LinuxFiles(const AnsiText &ansi, FileCalls calls = {})
+        : ansi_(ansi), calls_(std::move(calls)) {}
 
     char16_t separator() const override { return u'/'; }
     char16_t separatorOf(std::u16string_view path) const override;
@@ -33,11 +35,8 @@ public:
 
 private:
     const AnsiText &ansi_;
+    FileCalls calls_;
     FolderWalks walks_;
 };
-
-// The operations behind `Name` and `DeleteFile`; they raise.
-void renameWithoutReplacing(std::u16string_view from, std::u16string_view to);
-void deleteFile(std::u16string_view path);
 
 } // namespace velmora::platform

@@ -1,6 +1,7 @@
 #include "platform/linux/linux_shell.h"
 
 #include "base/text.h"
+#include "platform/linux/file_calls.h"
 #include "platform/linux/home_folders.h"
 #include "platform/linux/linux_processes.h"
 #include "platform/linux/open_file.h"
@@ -68,7 +69,8 @@ std::int32_t execute(const std::string &path, bool makeExecutable) {
         return accessDenied;
     if (makeExecutable) { // whoever may read it may run it then
         const mode_t mode = info.st_mode & 07777;
-        if (::chmod(path.c_str(), mode | (mode & 0444) >> 2 | S_IXUSR) != 0)
+        if (::chmod(path.c_str(), mode | (mode & 0444) >> 2 | S_IXUSR) != 0 &&
+            !isNotKnownHere(errno)) // where modes cannot be set they are the mount's
             return answerOf(errno);
     }
     return answerOf(startProgram({path}));

@@ -286,24 +286,24 @@ TEST_F(Writing, keepsTheOldFileUnderAnotherName) {
     const std::string content = std::string(3'000'000, 'k') + "end";
     folder.write("list", content);
     folder.mode("list", 0600);
-    folder.write("list.old", "older");
     files.keepAs(folder.text("list"), folder.text("list.old"));
     EXPECT_EQ(folder.read("list.old"), content);
     EXPECT_EQ(folder.read("list"), content);
+    EXPECT_EQ(folder.mode("list.old"), 0600U);
     EXPECT_EQ(folder.names(), (Names{"list", "list.old"}));
+    EXPECT_EQ(errorOf([&] { files.keepAs(folder.text("list"), folder.text("list.old")); }),
+              ErrorNumber::FileExists);
     errorOf([&] { files.keepAs(folder.text("missing"), folder.text("kept")); });
     EXPECT_FALSE(folder.exists("kept"));
 }
 
-TEST_F(Writing, keepsAllOfTheOldFileOrTheOlderOne) {
+TEST_F(Writing, keepsAllOfTheOldFileOrNothing) {
     folder.write("list", std::string(100'000, 'k'));
-    folder.write("list.old", "older");
     {
         const SizeLimit limit(4096);
         errorOf([&] { files.keepAs(folder.text("list"), folder.text("list.old")); });
     }
-    EXPECT_EQ(folder.read("list.old"), "older");
-    EXPECT_EQ(folder.names(), (Names{"list", "list.old"}));
+    EXPECT_EQ(folder.names(), Names{"list"});
 }
 
 // --- renaming ------------------------------------------------------------------------------------
