@@ -41,6 +41,9 @@ public:
         if (!file_ || info_.channels < 1 || info_.channels > maxChannels ||
             info_.samplerate < minRate || info_.samplerate > maxRate)
             return false;
+        // Of a few forms the library reads each sample once only. Another device plays them.
+        if (info_.seekable == 0)
+            return false;
         correctLength();
         return info_.frames > 0 && info_.frames < SF_COUNT_MAX;
     }

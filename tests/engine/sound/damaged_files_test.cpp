@@ -211,6 +211,16 @@ TEST_F(Damaged, AFlacWhoseHeaderTellsNoTotalOrAWrongOneIsPlayedToItsEnd) {
     }
 }
 
+// A few old forms can only be read from their beginning to their end.
+TEST_F(Damaged, SoundThatCannotBeSoughtInIsLeftToTheOtherDevice) {
+    Bytes adpcm = {'.', 's', 'n', 'd', 0, 0, 0,    24,   0, 0, 0x9C, 0x40,
+                   0,   0,   0,   23,  0, 0, 0x1F, 0x40, 0, 0, 0,    1}; // 8 kHz, mono
+    adpcm.resize(24 + 40000, 0x53);
+    EXPECT_FALSE(open(adpcm));
+    adpcm[15] = 1; // a form that can
+    EXPECT_TRUE(open(adpcm));
+}
+
 TEST_F(Damaged, JoinedMp3FilesHaveTheLengthOfBoth) {
     Bytes bytes = readFile(mediaFile("cbr.mp3"));
     append(bytes, readFile(mediaFile("cbr.mp3")));
