@@ -16,15 +16,11 @@ namespace velmora::platform::sound {
     F(mpg123_new)                                                                                  \
     F(mpg123_delete)                                                                               \
     F(mpg123_param)                                                                                \
-    F(mpg123_replace_reader_handle)                                                                \
-    F(mpg123_open_handle)                                                                          \
-    F(mpg123_getformat)                                                                            \
+    F(mpg123_open_feed)                                                                            \
     F(mpg123_format_none)                                                                          \
     F(mpg123_format)                                                                               \
-    F(mpg123_length)                                                                               \
-    F(mpg123_scan)                                                                                 \
-    F(mpg123_seek)                                                                                 \
-    F(mpg123_read)
+    F(mpg123_feed)                                                                                 \
+    F(mpg123_decode_frame)
 
 #define VELMORA_SNDFILE_FUNCTIONS(F)                                                               \
     F(sf_open_virtual)                                                                             \

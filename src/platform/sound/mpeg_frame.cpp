@@ -18,38 +18,10 @@ constexpr int bitrates[2][3][16] = {
      {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160, -1}}};
 constexpr int rates[3] = {44100, 48000, 32000};
 
-// Enough for the longest chain that is asked for, behind the junk.
-constexpr std::size_t chainBytes = 16384;
-constexpr std::int64_t countLimit = std::int64_t{1} << 29;
-
 std::uint32_t bigEndian(std::span<const std::uint8_t> bytes) {
     return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 |
            std::uint32_t{bytes[2]} << 8 | bytes[3];
 }
-
-// A window on a source that moves forward with large reads.
-class Window {
-public:
-    explicit Window(const ByteSource &source) : source_(source), bytes_(262144) {}
-
-    // At least four bytes at the place, as many as are at hand; empty at the end.
-    std::span<const std::uint8_t> at(std::int64_t offset) {
-        if (offset < start_ || offset + 4 > start_ + static_cast<std::int64_t>(filled_)) {
-            start_ = offset;
-            filled_ = source_.read(offset, bytes_);
-        }
-        const auto skip = static_cast<std::size_t>(offset - start_);
-        if (filled_ < skip + 4)
-            return {};
-        return std::span<const std::uint8_t>(bytes_).subspan(skip, filled_ - skip);
-    }
-
-private:
-    const ByteSource &source_;
-    std::vector<std::uint8_t> bytes_;
-    std::int64_t start_ = 0;
-    std::size_t filled_ = 0;
-};
 
 // The distance to the next header alike: the size of a free format frame, which no field tells.
 int freeFormatSize(std::span<const std::uint8_t> bytes, const MpegFrame &first) {
@@ -63,43 +35,37 @@ int freeFormatSize(std::span<const std::uint8_t> bytes, const MpegFrame &first) 
     return 0;
 }
 
-struct Chain {
-    int headers = 0;
-    bool reachesEnd = false; // the last header's frame ends at or beyond the end of the file
-};
-
-Chain followChain(std::span<const std::uint8_t> bytes, bool bytesAreAll, int wanted) {
-    Chain chain;
-    const auto first = parseMpegFrame(bytes);
-    if (!first)
-        return chain;
-    const int freeSize = first->size == 0 ? freeFormatSize(bytes, *first) : 0;
-    if (first->size == 0 && freeSize == 0)
-        return chain;
-    std::size_t at = 0;
-    while (chain.headers < wanted) {
-        if (at + 4 > bytes.size()) {
-            chain.reachesEnd = bytesAreAll;
-            break;
-        }
-        const auto frame = parseMpegFrame(bytes.subspan(at));
-        if (!frame || !frame->alike(*first)) {
-            // A tag may follow the last frame.
-            chain.reachesEnd = bytesAreAll && bytes.size() - at >= 3 &&
-                               std::memcmp(bytes.data() + at, "TAG", 3) == 0;
-            break;
-        }
-        ++chain.headers;
-        at += static_cast<std::size_t>(frame->size != 0 ? frame->size
-                                                        : freeSize + (frame->padded ? 1 : 0));
-    }
-    return chain;
-}
-
 bool chainHolds(std::span<const std::uint8_t> bytes, bool bytesAreAll, bool atOnce) {
     const int wanted = atOnce ? 3 : 4;
-    const Chain chain = followChain(bytes, bytesAreAll, wanted);
+    const MpegChain chain = followMpegChain(bytes, bytesAreAll, wanted);
     return chain.headers >= wanted || (atOnce && chain.headers >= 2 && chain.reachesEnd);
+}
+
+// The kinds of fields that are there are named in front of them; the encoder's own follow.
+void readXingFields(std::span<const std::uint8_t> bytes, MpegSeekHeader &header) {
+    constexpr std::array<std::size_t, 4> sizes{4, 4, 100, 4}; // frames, bytes, places, quality
+    header.constantRate = bytes[0] == 'I';
+    const std::uint32_t fields = bigEndian(bytes.subspan(4));
+    std::size_t at = 8;
+    for (std::size_t field = 0; field < sizes.size(); ++field) {
+        if ((fields >> field & 1) == 0)
+            continue;
+        if (at + sizes[field] > bytes.size())
+            return;
+        if (field == 0)
+            header.frames = bigEndian(bytes.subspan(at));
+        else if (field == 1)
+            header.bytes = bigEndian(bytes.subspan(at));
+        at += sizes[field];
+    }
+    constexpr std::size_t delayAt = 21; // behind the encoder's name and what it says of its sound
+    if (at + delayAt + 3 > bytes.size() || bytes[at] == 0)
+        return;
+    const std::uint32_t both = std::uint32_t{bytes[at + delayAt]} << 16 |
+                               std::uint32_t{bytes[at + delayAt + 1]} << 8 |
+                               bytes[at + delayAt + 2];
+    header.delay = static_cast<int>(both >> 12);
+    header.padding = static_cast<int>(both & 0xFFF);
 }
 
 } // namespace
@@ -115,6 +81,7 @@ std::optional<MpegFrame> parseMpegFrame(std::span<const std::uint8_t> bytes) {
     if (versionBits == 1 || layerBits == 0 || bitrateIndex == 15 || rateIndex == 3 || emphasis == 2)
         return std::nullopt;
     MpegFrame frame;
+    frame.header = bigEndian(bytes);
     frame.version = versionBits == 3 ? 1 : versionBits == 2 ? 2 : 3;
     frame.layer = 4 - layerBits;
     // Version 2.5 exists for layer III alone; elsewhere the pattern is chance.
@@ -136,9 +103,37 @@ std::optional<MpegFrame> parseMpegFrame(std::span<const std::uint8_t> bytes) {
     return frame;
 }
 
+MpegChain followMpegChain(std::span<const std::uint8_t> bytes, bool bytesAreAll, int wanted) {
+    MpegChain chain;
+    const auto first = parseMpegFrame(bytes);
+    if (!first)
+        return chain;
+    chain.first = *first;
+    chain.freeSize = first->size == 0 ? freeFormatSize(bytes, *first) : 0;
+    if (first->size == 0 && chain.freeSize == 0)
+        return chain;
+    std::size_t at = 0;
+    while (chain.headers < wanted) {
+        if (at + 4 > bytes.size()) {
+            chain.reachesEnd = bytesAreAll;
+            break;
+        }
+        const auto frame = parseMpegFrame(bytes.subspan(at));
+        if (!frame || !frame->alike(*first)) {
+            // A tag may follow the last frame.
+            chain.reachesEnd = bytesAreAll && bytes.size() - at >= 3 &&
+                               std::memcmp(bytes.data() + at, "TAG", 3) == 0;
+            break;
+        }
+        ++chain.headers;
+        at += static_cast<std::size_t>(chain.sizeOf(*frame));
+    }
+    return chain;
+}
+
 std::optional<std::int64_t> findMpegStream(const ByteSource &source, std::int64_t from,
                                            std::int64_t junk) {
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(junk) + chainBytes);
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(junk) + mpegChainBytes);
     bytes.resize(source.read(from, bytes));
     const bool all = from + static_cast<std::int64_t>(bytes.size()) >= source.size();
     const std::span<const std::uint8_t> window(bytes);
@@ -152,63 +147,29 @@ std::optional<std::int64_t> findMpegStream(const ByteSource &source, std::int64_
 }
 
 std::optional<MpegSeekHeader> readMpegSeekHeader(const ByteSource &source, std::int64_t start) {
-    std::array<std::uint8_t, 64> bytes{};
+    std::array<std::uint8_t, 192> bytes{};
     const std::size_t got = source.read(start, bytes);
     const auto frame = parseMpegFrame(std::span(bytes).first(got));
     if (!frame || frame->layer != 3)
         return std::nullopt;
     const std::size_t side =
         frame->version == 1 ? (frame->channels == 1 ? 17 : 32) : (frame->channels == 1 ? 9 : 17);
+    const auto isAt = [&](std::size_t at, const char *mark) {
+        return std::memcmp(bytes.data() + at, mark, 4) == 0;
+    };
     MpegSeekHeader header;
     const std::size_t xing = 4 + side;
-    if (got >= xing + 16 && (std::memcmp(bytes.data() + xing, "Xing", 4) == 0 ||
-                             std::memcmp(bytes.data() + xing, "Info", 4) == 0)) {
-        const std::uint32_t fields = bigEndian(std::span(bytes).subspan(xing + 4));
-        std::size_t at = xing + 8;
-        if ((fields & 1) != 0) {
-            header.frames = bigEndian(std::span(bytes).subspan(at));
-            at += 4;
-        }
-        if ((fields & 2) != 0)
-            header.bytes = bigEndian(std::span(bytes).subspan(at));
+    if (got >= xing + 16 && (isAt(xing, "Xing") || isAt(xing, "Info"))) {
+        readXingFields(std::span(bytes).first(got).subspan(xing), header);
         return header;
     }
     constexpr std::size_t vbri = 36;
-    if (got >= vbri + 18 && std::memcmp(bytes.data() + vbri, "VBRI", 4) == 0) {
+    if (got >= vbri + 18 && isAt(vbri, "VBRI")) {
         header.bytes = bigEndian(std::span(bytes).subspan(vbri + 10));
         header.frames = bigEndian(std::span(bytes).subspan(vbri + 14));
         return header;
     }
     return std::nullopt;
-}
-
-std::optional<std::int64_t> countMpegFrames(const ByteSource &source, std::int64_t start) {
-    const std::int64_t end = endBeforeTags(source);
-    Window window(source);
-    const auto first = parseMpegFrame(window.at(start));
-    if (!first || first->size == 0)
-        return std::nullopt;
-    std::int64_t frames = 0;
-    std::int64_t at = start;
-    while (at < end) {
-        if (at - start > countLimit)
-            return frames + (end - at) * frames / (at - start);
-        const auto bytes = window.at(at);
-        if (bytes.empty())
-            break;
-        const auto frame = parseMpegFrame(bytes);
-        if (frame && frame->alike(*first)) {
-            // The last frame counts only whole: a decoder drops what is cut.
-            if (at + frame->size > end)
-                break;
-            ++frames;
-            at += frame->size;
-            continue;
-        }
-        const auto again = std::find(bytes.begin() + 1, bytes.end(), std::uint8_t{0xFF});
-        at += again - bytes.begin();
-    }
-    return frames;
 }
 
 std::int64_t id3v2Size(const ByteSource &source, std::int64_t offset) {

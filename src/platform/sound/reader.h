@@ -5,8 +5,11 @@
 #include "platform/sound/byte_source.h"
 #include "platform/sound/library_tables.h"
 
+#include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -18,9 +21,15 @@ class Reader {
 public:
     virtual ~Reader() = default;
 
-    virtual int rate() const = 0;            // frames a second
-    virtual int channels() const = 0;        // 1 to maxChannels
-    virtual std::int64_t frames() const = 0; // what is really there; at least 1
+    virtual int rate() const = 0;     // frames a second
+    virtual int channels() const = 0; // 1 to maxChannels
+    // What is really there; at least 1. A length that could only be reckoned in the time that an
+    // open may take is put right by and by, as the file is read and sought in.
+    virtual std::int64_t frames() const = 0;
+    // The same for another thread, also while this one reads. Null: it never changes.
+    virtual std::shared_ptr<const std::atomic<std::int64_t>> changingFrames() const {
+        return nullptr;
+    }
 
     // The next read begins exactly at this frame, 0 to frames(). False when the file does not let
     // itself be read there.
@@ -34,9 +43,13 @@ public:
     static constexpr int maxRate = 384000;
 };
 
+using TimeNow = std::function<std::chrono::steady_clock::time_point()>;
+
 // Each takes the part of the file that holds the sound. Null: the library is missing or refuses.
+// `now`: the time by which this one limits how long it counts the frames of the file.
 std::unique_ptr<Reader> openMpegReader(std::unique_ptr<ByteSource> source,
-                                       std::shared_ptr<const Mpg123Table> library);
+                                       std::shared_ptr<const Mpg123Table> library,
+                                       TimeNow now = std::chrono::steady_clock::now);
 std::unique_ptr<Reader> openSndfileReader(std::unique_ptr<ByteSource> source,
                                           std::shared_ptr<const SndfileTable> library);
 // The first sound font of the list that can be loaded is played with; none: null.

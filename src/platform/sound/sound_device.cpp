@@ -9,7 +9,7 @@ using media::Mode;
 
 SoundDevice::SoundDevice(std::unique_ptr<Reader> reader, OutputEngine &engine)
     : engine_(engine), control_(std::make_shared<VoiceControl>()), rate_(reader->rate()),
-      frames_(reader->frames()), lengthMs_(msOf(frames_)) {
+      frames_(reader->frames()), changing_(reader->changingFrames()) {
     engine_.add(std::make_unique<Voice>(control_, std::move(reader)));
 }
 
@@ -26,10 +26,9 @@ bool SoundDevice::play() {
     noteEnd();
     if (mode_ == Mode::Playing)
         return true;
-    const bool again = standing_ >= frames_;
-    if (again)
+    if (atEnd_)
         lastMs_ = 0;
-    moveTo(true, again ? 0 : standing_);
+    moveTo(true, atEnd_ ? 0 : standing_);
     mode_ = Mode::Playing;
     return true;
 }
@@ -47,10 +46,12 @@ bool SoundDevice::pause() {
 }
 
 bool SoundDevice::seek(std::int32_t ms) {
-    if (ms < 0 || ms > lengthMs_)
+    const std::int64_t end = frames();
+    if (ms < 0 || ms > msOf(end))
         return false;
     const std::int64_t frame = (std::int64_t{ms} * rate_ + 500) / 1000;
-    moveTo(false, ms == lengthMs_ ? frames_ : std::min(frame, frames_));
+    moveTo(false, ms == msOf(end) ? end : std::min(frame, end));
+    atEnd_ = standing_ == end;
     lastMs_ = ms;
     mode_ = Mode::Paused;
     return true;
@@ -83,7 +84,7 @@ std::int32_t SoundDevice::positionMs() {
     noteEnd();
     if (mode_ == Mode::Playing)
         lastMs_ = std::max(lastMs_, msOf(heardFrame()));
-    return lastMs_;
+    return std::min(lastMs_, lengthMs());
 }
 
 void SoundDevice::noteEnd() {
@@ -94,13 +95,15 @@ void SoundDevice::noteEnd() {
     if (report.transport != transport_ || !report.ended)
         return;
     mode_ = Mode::Stopped;
-    standing_ = frames_;
-    lastMs_ = lengthMs_;
+    atEnd_ = true;
+    standing_ = frames();
+    lastMs_ = lengthMs();
 }
 
 void SoundDevice::moveTo(bool playing, std::int64_t frame) {
     ++transport_;
     standing_ = frame;
+    atEnd_ = false;
     control_->change([&](VoiceWish &wish) {
         wish.transport = transport_;
         wish.playing = playing;
@@ -126,7 +129,7 @@ std::int64_t SoundDevice::heardFrame() const {
     std::int64_t frame = report.frame;
     if (report.advancing)
         frame += std::max<std::int64_t>(framesOfTime(Clock::now() - report.time, rate_), 0);
-    return std::clamp<std::int64_t>(frame, 0, frames_);
+    return std::clamp<std::int64_t>(frame, 0, frames());
 }
 
 std::int32_t SoundDevice::msOf(std::int64_t frame) const {

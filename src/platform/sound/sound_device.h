@@ -6,6 +6,7 @@
 #include "platform/sound/output_engine.h"
 #include "platform/sound/reader.h"
 
+#include <atomic>
 #include <memory>
 
 namespace velmora::platform::sound {
@@ -26,7 +27,7 @@ public:
 
     media::Mode mode() override;
     std::int32_t positionMs() override;
-    std::int32_t lengthMs() override { return lengthMs_; }
+    std::int32_t lengthMs() override { return msOf(frames()); }
     std::uintptr_t windowHandle() override { return 0; }
 
 private:
@@ -35,16 +36,19 @@ private:
     void mix();
     std::int64_t heardFrame() const;
     std::int32_t msOf(std::int64_t frame) const;
+    std::int64_t frames() const { return changing_ ? changing_->load() : frames_; }
 
     OutputEngine &engine_;
     std::shared_ptr<VoiceControl> control_;
     const int rate_;
     const std::int64_t frames_;
-    std::int32_t lengthMs_;
+    // Where the reader puts its length right by and by, on the output thread.
+    const std::shared_ptr<const std::atomic<std::int64_t>> changing_;
 
     media::Mode mode_ = media::Mode::Stopped;
     std::uint64_t transport_ = 0;
     std::int64_t standing_ = 0; // where it is while it does not play
+    bool atEnd_ = false;        // there, wherever that turns out to be
     std::int32_t lastMs_ = 0;   // told last: it never goes back in play
     std::int32_t volume_ = 1000;
     media::Channel channel_ = media::Channel::Stereo;

@@ -18,8 +18,7 @@ std::int64_t capacityFor(std::int64_t frames) {
 
 SourceWindow::SourceWindow(std::unique_ptr<Reader> reader, int capacityMs)
     : reader_(std::move(reader)), mix_(reader_->channels()),
-      capacity_(capacityFor(std::int64_t{reader_->rate()} * capacityMs / 1000)),
-      length_(reader_->frames()) {}
+      capacity_(capacityFor(std::int64_t{reader_->rate()} * capacityMs / 1000)) {}
 
 void SourceWindow::keep(std::int64_t frames) {
     const std::int64_t capacity = capacityFor(frames);
@@ -36,13 +35,13 @@ void SourceWindow::seek(std::int64_t frame) {
     if (frame >= begin_ && frame <= end_)
         return;
     begin_ = end_ = frame;
-    if (!reader_->seek(frame))
-        length_ = std::min(length_, frame);
+    // Each place is tried anew: what could not be reached once may be reached from elsewhere.
+    stop_ = reader_->seek(frame) ? std::numeric_limits<std::int64_t>::max() : frame;
 }
 
 void SourceWindow::copy(std::int64_t frame, float *out, std::size_t count) {
     const std::int64_t wanted = frame + static_cast<std::int64_t>(count);
-    decodeTo(std::min(wanted, length_));
+    decodeTo(wanted);
     for (std::int64_t at = frame; at < wanted;) {
         if (at < begin_ || at >= end_) {
             const std::int64_t gap = at < begin_ ? std::min(wanted, begin_) - at : wanted - at;
@@ -59,10 +58,11 @@ void SourceWindow::copy(std::int64_t frame, float *out, std::size_t count) {
     }
 }
 
+// A reader may find, as it goes on, that there is more than it had told.
 void SourceWindow::decodeTo(std::int64_t frame) {
-    while (end_ < frame) {
+    while (end_ < std::min(frame, length())) {
         if (!decodeSome()) {
-            length_ = std::min(length_, end_);
+            stop_ = end_;
             return;
         }
     }

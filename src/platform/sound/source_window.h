@@ -6,7 +6,9 @@
 #include "platform/sound/mixer.h"
 #include "platform/sound/reader.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -19,7 +21,7 @@ public:
 
     int rate() const { return reader_->rate(); }
     // Where the sound ends: the reader's length, or earlier where decoding turned out to stop.
-    std::int64_t length() const { return length_; }
+    std::int64_t length() const { return std::min(reader_->frames(), stop_); }
 
     // Keeps so many frames from now on, if that is more than before.
     void keep(std::int64_t frames);
@@ -38,7 +40,7 @@ private:
     std::unique_ptr<Reader> reader_;
     StereoMix mix_;
     std::int64_t capacity_;
-    std::int64_t length_;
+    std::int64_t stop_ = std::numeric_limits<std::int64_t>::max();
     std::int64_t begin_ = 0; // frames [begin_, end_) are in the ring
     std::int64_t end_ = 0;
     std::vector<float> ring_; // of stereo frames; frame f lies at f % capacity

@@ -80,8 +80,10 @@ TEST_P(CutShort, SeeksWithinWhatItHas) {
     const auto reader = open(bytes);
     ASSERT_TRUE(reader) << test.file;
     ASSERT_TRUE(reader->seek(reader->frames() / 2));
-    std::vector<float> buffer(static_cast<std::size_t>(1000 * reader->channels()));
-    EXPECT_EQ(reader->read(buffer.data(), 1000), 1000U) << test.file;
+    const auto left = std::min<std::size_t>(
+        static_cast<std::size_t>(reader->frames() - reader->frames() / 2), 1000);
+    std::vector<float> buffer(left * static_cast<std::size_t>(reader->channels()));
+    EXPECT_EQ(reader->read(buffer.data(), left), left) << test.file;
 }
 
 TEST_F(Damaged, WhatIsNoMediumIsRefused) {

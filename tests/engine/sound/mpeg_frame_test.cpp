@@ -1,4 +1,5 @@
 #include "platform/sound/mpeg_frame.h"
+#include "platform/sound/mpeg_index.h"
 
 #include "sound_testing.h"
 
@@ -99,25 +100,89 @@ TEST(FindMpegStream, FewFramesCountOnlyWhereTheFileEndsWithThem) {
     EXPECT_EQ(findMpegStream(MemorySource(cut), 0, 4096), 0);
 }
 
-TEST(CountMpegFrames, CountsWholeFramesOnly) {
-    EXPECT_EQ(countMpegFrames(MemorySource(frames(100)), 0), 100);
+std::int64_t countedFrames(const Bytes &bytes) {
+    const MemorySource source(bytes);
+    MpegIndex index(source, 0);
+    while (index.countOn()) {
+    }
+    return index.frames();
+}
+
+TEST(MpegIndex, CountsWholeFramesOnly) {
+    EXPECT_EQ(countedFrames(frames(100)), 100);
     Bytes cut = frames(100);
     cut.resize(cut.size() - 1);
-    EXPECT_EQ(countMpegFrames(MemorySource(cut), 0), 99);
+    EXPECT_EQ(countedFrames(cut), 99);
 }
 
-TEST(CountMpegFrames, PassesOverGarbageAndTags) {
-    Bytes bytes = joined(frames(10), Bytes(777, 3));
-    bytes = joined(bytes, frames(20));
-    Bytes tag(128, 0);
-    tag[0] = 'T';
-    tag[1] = 'A';
-    tag[2] = 'G';
-    EXPECT_EQ(countMpegFrames(MemorySource(joined(bytes, tag)), 0), 30);
+TEST(MpegIndex, PassesOverGarbageAndTags) {
+    const Bytes bytes = joined(joined(frames(10), Bytes(777, 3)), frames(20));
+    EXPECT_EQ(countedFrames(bytes), 30);
+    EXPECT_EQ(countedFrames(joined(bytes, Bytes(200000, 7))), 30);
+    EXPECT_EQ(countedFrames(joined(Bytes(200000, 7), bytes)), 30);
 }
 
-TEST(CountMpegFrames, AWindowsEdgeInsideAHeaderLosesNoFrame) {
-    EXPECT_EQ(countMpegFrames(MemorySource(frames(5000)), 0), 5000); // 2 MB
+TEST(MpegIndex, AHeaderByChanceInGarbageIsNoFrame) {
+    for (const int distance : {0, 1, 200, 416}) {
+        Bytes garbage(1000, 3);
+        const Bytes header = {0xFF, 0xFB, 0x90, 0x64};
+        std::copy(header.begin(), header.end(), garbage.begin() + 1000 - 5 - distance);
+        EXPECT_EQ(countedFrames(joined(joined(frames(10), garbage), frames(20))), 30) << distance;
+    }
+}
+
+TEST(MpegIndex, ATagInTheMiddleIsPassedOverWhateverItHolds) {
+    Bytes tag = {'I', 'D', '3', 4, 0, 0, 0, 0, 0x20, 0}; // 4096 bytes
+    tag.resize(10 + 4096, 9);
+    const Bytes inside = frames(3);
+    std::copy(inside.begin(), inside.end(), tag.begin() + 500);
+    EXPECT_EQ(countedFrames(joined(joined(frames(10), tag), frames(20))), 30);
+    tag[8] = 0x7F; // it lies about its size: it is garbage
+    EXPECT_EQ(countedFrames(joined(joined(frames(10), tag), frames(20))), 33);
+}
+
+TEST(MpegIndex, AWindowsEdgeInsideAHeaderLosesNoFrame) {
+    EXPECT_EQ(countedFrames(frames(5000)), 5000); // 2 MB
+}
+
+TEST(MpegIndex, PartsOfOtherFormsAreRuns) {
+    Bytes other = frames(30);
+    for (std::size_t at = 0; at < other.size(); at += 417)
+        other[at + 2] = 0x94; // 48 kHz: 384 bytes to the frame
+    Bytes shorter;
+    for (std::size_t at = 0; at < other.size(); at += 417)
+        shorter.insert(shorter.end(), other.begin() + static_cast<std::ptrdiff_t>(at),
+                       other.begin() + static_cast<std::ptrdiff_t>(at + 384));
+    const Bytes bytes = joined(joined(frames(50), shorter), frames(40));
+    const MemorySource source(bytes);
+    MpegIndex index(source, 0);
+    while (index.countOn()) {
+    }
+    EXPECT_EQ(index.frames(), 120);
+    ASSERT_EQ(index.runs().size(), 3U);
+    EXPECT_EQ(index.runs()[0].firstFrame, 0);
+    EXPECT_EQ(index.runs()[0].form.rate, 44100);
+    EXPECT_EQ(index.runs()[1].firstFrame, 50);
+    EXPECT_EQ(index.runs()[1].form.rate, 48000);
+    EXPECT_EQ(index.runs()[2].firstFrame, 80);
+    EXPECT_EQ(index.runOf(79), 1U);
+    EXPECT_EQ(index.runOf(80), 2U);
+    std::int64_t frame = 70;
+    const MpegPlace place = index.placeOf(frame);
+    EXPECT_EQ(frame, 64);
+    EXPECT_EQ(place.offset, 50 * 417 + 14 * 384);
+    EXPECT_EQ(place.form.rate, 48000);
+}
+
+TEST(MpegIndex, CountsAPieceAtATime) {
+    const Bytes bytes = frames(5000);
+    const MemorySource source(bytes);
+    MpegIndex index(source, 0);
+    ASSERT_TRUE(index.countOn());
+    EXPECT_GT(index.frames(), 100);
+    EXPECT_LT(index.frames(), 1000);
+    EXPECT_EQ(index.reached(), index.frames() * 417);
+    EXPECT_FALSE(index.isComplete());
 }
 
 TEST(Id3v2Size, CountsTheWholeTag) {

@@ -41,5 +41,34 @@ TEST_F(OddFiles, AFlacWithAHeaderByChanceIsHeardWhole) {
     EXPECT_NEAR(heardSeconds(folder_.write("file", flacFile(tone)), 15000), 1.5, 0.05);
 }
 
+TEST_F(OddFiles, PartsOfTwoRatesAreHeardToTheEndOfTheSecond) {
+    Bytes joined;
+    double expected = 0; // each by itself
+    for (const char *name : {"cbr_bare.mp3", "rate_48.mp3"}) {
+        Bytes part = readFile(mediaFile(name));
+        part.resize(20000);
+        const auto device = opener_->open({folder_.write("part", part), "MPEGVideo"});
+        ASSERT_TRUE(device);
+        expected += device->lengthMs() / 1000.0;
+        append(joined, part);
+    }
+    ASSERT_GT(expected, 2);
+    const auto from = recorder().frames();
+    EXPECT_NEAR(heardSeconds(folder_.write("file", joined), 30000), expected, 0.1);
+    // The second begins again where the sine is lowest.
+    const auto all = recorder().channel(0, from, recorder().frames() - from);
+    const std::size_t tenth = static_cast<std::size_t>(rate()) / 10;
+    double highest = 0;
+    bool fellBack = false;
+    for (std::size_t at = 0; at + tenth < all.size(); at += tenth) {
+        const std::vector<float> piece(all.begin() + static_cast<std::ptrdiff_t>(at),
+                                       all.begin() + static_cast<std::ptrdiff_t>(at + tenth));
+        const double pitch = rms(piece) > 0.3 ? frequencyOf(piece, rate()) : 0;
+        fellBack = fellBack || (pitch > 0 && pitch < highest - 100);
+        highest = std::max(highest, pitch);
+    }
+    EXPECT_TRUE(fellBack);
+}
+
 } // namespace
 } // namespace velmora::platform::sound

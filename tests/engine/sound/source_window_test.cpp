@@ -99,6 +99,24 @@ TEST_F(Window, ARefusedSeekEndsTheSoundThere) {
     EXPECT_EQ(out[0], 0);
 }
 
+TEST_F(Window, ARefusedSeekDoesNotEndTheSoundElsewhere) {
+    auto window = make(100000);
+    calls_.refuseSeek = true;
+    window.seek(40000);
+    calls_.refuseSeek = false;
+    window.seek(50000);
+    EXPECT_EQ(window.length(), 100000);
+    expectFrames(copy(window, 50000, 100), 50000);
+}
+
+TEST_F(Window, WhatAReaderFindsBehindTheLengthItToldIsHeard) {
+    calls_.more = 500;
+    auto window = make(5000);
+    EXPECT_EQ(window.length(), 5000);
+    expectFrames(copy(window, 0, 5400), 0);
+    EXPECT_EQ(window.length(), 5500);
+}
+
 TEST(WindowOfFloats, WhatIsNoNumberBecomesSilence) {
     class Odd final : public Reader {
     public:
