@@ -93,6 +93,8 @@ private:
     int openToRead();
     int configure(bool fresh);
     int makeTables(bool fresh);
+    int checkPages();
+    bool canBeRead(int which);
     int checkTables();
     void noteVersion(std::string_view version);
     std::optional<std::string> answerOf(const char *text, int &failure);

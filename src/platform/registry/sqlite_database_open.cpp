@@ -2,12 +2,13 @@
 
 #include "platform/registry/sqlite_database.h"
 
-#include <fcntl.h>
+#include "base/run_time_error.h"
+#include "platform/linux/free_name.h"
+
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <ctime>
@@ -215,12 +216,8 @@ int SqliteDatabase::configure(bool fresh) {
         return code;
     if (*version == "0")
         return makeTables(fresh);
-    // The file is a few pages long, so that damage anywhere in it is found here and not at some
-    // later write.
-    const auto check = answerOf("PRAGMA quick_check(1)", code);
-    if (!check)
-        return code;
-    return *check == "ok" ? checkTables() : SQLITE_CORRUPT;
+    code = checkPages();
+    return code == SQLITE_OK ? checkTables() : code;
 }
 
 // A file that a later program made is that program's.
@@ -239,6 +236,39 @@ int SqliteDatabase::makeTables(bool fresh) {
     if (!fresh)
         return checkTables();
     return sqlite3_exec(handle_, "PRAGMA synchronous = NORMAL", nullptr, nullptr, nullptr);
+}
+
+// The file is a few pages long, so that damage anywhere in it is found here and not at some later
+// write. A page that could not be read is told like a damaged one: what is damaged says so twice,
+// and can be read.
+int SqliteDatabase::checkPages() {
+    bool isSound = false;
+    for (int look = 0; look < 2 && !isSound; ++look) {
+        int code = SQLITE_OK;
+        const auto check = answerOf("PRAGMA quick_check(1)", code);
+        if (!check)
+            return code;
+        isSound = *check == "ok";
+    }
+    if (isSound)
+        return SQLITE_OK;
+    return canBeRead(SQLITE_FCNTL_FILE_POINTER) && canBeRead(SQLITE_FCNTL_JOURNAL_POINTER)
+               ? SQLITE_CORRUPT
+               : SQLITE_IOERR_READ;
+}
+
+// The file itself or its journal, to its end.
+bool SqliteDatabase::canBeRead(int which) {
+    sqlite3_file *file = nullptr;
+    sqlite3_int64 size = 0;
+    if (sqlite3_file_control(handle_, "main", which, &file) != SQLITE_OK || file == nullptr ||
+        file->pMethods == nullptr)
+        return true; // there is none
+    int code = file->pMethods->xFileSize(file, &size);
+    char page[4096];
+    for (sqlite3_int64 at = 0; code == SQLITE_OK && at < size; at += sqlite3_int64{sizeof page})
+        code = file->pMethods->xRead(file, page, sizeof page, at);
+    return code == SQLITE_OK || code == SQLITE_IOERR_SHORT_READ;
 }
 
 // Tables of other columns are as good as damage: every query must be one that the file can answer.
@@ -273,9 +303,13 @@ void SqliteDatabase::keepAside() {
     const std::string base = path_ + ".damaged-" + timeStamp();
     for (int number = 1; number < 100; ++number) {
         kept = number == 1 ? base : base + "-" + std::to_string(number);
-        if (::renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, kept.c_str(), RENAME_NOREPLACE) == 0 ||
-            errno != EEXIST)
+        try {
+            renameToFreeName(path_, kept);
             break;
+        } catch (const RunTimeError &error) {
+            if (error.number() != ErrorNumber::FileExists)
+                break;
+        }
     }
     const bool moved = !exists(path_);
     if (moved) {

@@ -3,6 +3,7 @@
 
 #include "tests/unit/registry/sqlite_file.h"
 
+#include "tests/unit/registry/failing_reads.h"
 #include "tests/unit/small_disk.h"
 #include "tests/unit/write_limit.h"
 
@@ -10,6 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <functional>
 
 namespace velmora::platform {
@@ -53,6 +55,34 @@ struct Opening : SqliteFile {
         return WIFEXITED(answer) ? WEXITSTATUS(answer) : 1;
     }
 };
+
+// --- a disk that stammers ------------------------------------------------------------------------
+
+TEST_F(Opening, takesNoReadThatFailsForDamage) {
+    makeSound();
+    int reads = 0;
+    for (int spared = 0; spared == 0 || spared < reads; ++spared)
+        for (const int failing : {1, 1000}) {
+            {
+                const int before = FailingReads::reads();
+                const FailingReads stammer(spared, failing);
+                SqliteRegistry registry(file, ansi);
+                get(registry, u"v");
+                reads = std::max(reads, FailingReads::reads() - before);
+            }
+            EXPECT_TRUE(damaged().empty()) << spared << ' ' << failing;
+            SqliteRegistry registry(file, ansi);
+            EXPECT_EQ(get(registry, u"v"), u"kept") << spared << ' ' << failing;
+        }
+    EXPECT_GT(reads, 4);
+}
+
+TEST_F(Opening, readsAllTheSameWhereOneReadFailsInTheCheck) {
+    makeSound();
+    const FailingReads stammer(4, 1);
+    SqliteRegistry registry(file, ansi);
+    EXPECT_EQ(get(registry, u"v"), u"kept");
+}
 
 // --- room ----------------------------------------------------------------------------------------
 
