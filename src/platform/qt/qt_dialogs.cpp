@@ -4,6 +4,7 @@
 #include "platform/linux/text/path_text.h"
 #include "platform/qt/copy_file.h"
 #include "platform/qt/dialog_filters.h"
+#include "platform/qt/save_dialog.h"
 #include "platform/qt/text_convert.h"
 
 #include <QColorDialog>
@@ -86,9 +87,7 @@ public:
 
     bool GetSaveFileNameA(OPENFILENAME &record) override {
         speak();
-        QFileDialog dialog;
-        dialog.setAcceptMode(QFileDialog::AcceptSave);
-        dialog.setFileMode(QFileDialog::AnyFile);
+        qt::SaveDialog dialog(record.filter, record.defaultExtension);
         dialog.setOption(QFileDialog::DontConfirmOverwrite,
                          (record.flags & OFN_OVERWRITEPROMPT) == 0);
         return fileName(dialog, record);
@@ -182,9 +181,6 @@ private:
         dialog.setNameFilters(qt::nameFilters(record.filter));
         if (!record.initialDirectory.empty()) {
             dialog.setDirectory(fromPath(record.initialDirectory));
-        }
-        if (!record.defaultExtension.empty()) {
-            dialog.setDefaultSuffix(qt::toQString(record.defaultExtension));
         }
         const std::u16string_view proposed = untilNul(record.file);
         if (!proposed.empty()) {

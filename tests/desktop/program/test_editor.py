@@ -22,13 +22,17 @@ STAMP = r"\[00:(\d\d)\.(\d{1,2})\]"
 class EditorTest(PlayerTest):
     def setUp(self):
         super().setUp()
-        self.track = self.music + "/song.wav"
+        self.have_track("song")
+
+    def have_track(self, name):
+        self.name = name
+        self.track = f"{self.music}/{name}.wav"
         stairs(self.track, 60, level=0.05, step=0)
         self.write_list([self.track])
 
     def edit(self, *lines):
         """Plays the track with this lyric and opens the editor on it."""
-        self.write_lyric(self.music + "/song.lrc", *lines)
+        self.write_lyric(f"{self.music}/{self.name}.lrc", *lines)
         player, main = self.start()
         self.session.key("F6", main)
         # Loaded, after the fade, and then copied: a load while the editor is open fills it anew.
@@ -62,7 +66,7 @@ class EditorTest(PlayerTest):
         def look():
             for folder, _, names in os.walk(self.session.env["XDG_DATA_HOME"]):
                 for name in names:
-                    if name.lower() == "song.lrc":
+                    if name.lower() == self.name.lower() + ".lrc":
                         return os.path.join(folder, name)
             return None
         return wait_for(look, 10)
@@ -144,6 +148,17 @@ class Editing(EditorTest):
         self.assertTrue(player.gone(dialog))
         self.save(player, editor)
         self.assertIn("[00:07.00]from another file", self.saved(self.lyric_file()))
+
+    def test_save_as_gives_a_title_with_a_point_in_it_the_extension(self):
+        self.have_track("Mr. Blue")
+        player, _, editor = self.edit("[00:01.00]first")
+        self.session.key("shift+s", editor)
+        self.confirm(player, "Return")  # the name that it proposes, in the working folder
+        path = self.session.home + "/Mr. Blue"
+        self.assertTrue(wait_for(lambda: os.path.exists(path + ".lrc"), 10))
+        self.confirm(player, "Return")
+        self.assertIn("[00:01.00]first", self.saved(path + ".lrc"))
+        self.assertFalse(os.path.exists(path))
 
     def test_a_save_into_a_folder_that_is_gone_tells_of_it_and_keeps_the_lines(self):
         player, _, editor = self.edit("[00:01.00]first")
