@@ -75,8 +75,10 @@ class Playing(LyricsTest):
             "longline": (long, long),
             "nuls": (words + b"\0\0\0\r\n\0\r\n", words + b"\0\0\0\r\n\0\r\n"),
             "marked": (MARK + words + b"\r\n", MARK + words + b"\r\n"),
-            "legacy": ("[00:01.00]月亮".encode("gb18030") + b"\r\n",
-                       "[00:01.00]月亮\r\n".encode()),
+            "legacy": ("[00:01.00]月亮".encode("gb18030") + b"\n",
+                       "[00:01.00]月亮".encode("gb18030") + b"\r\n"),
+            "elsewhere": ("[00:01.00]テ☆".encode("cp932") + b"\xff",
+                          "[00:01.00]テ☆".encode("cp932") + b"\xff\r\n"),
             "mixed": (words + b"\r" + words + b"\n\n\r" + words + b"\r\n" + words,
                       (words + b"\r\n") * 4),
             "empty": (b"", b""),
@@ -103,14 +105,16 @@ class Playing(LyricsTest):
                 self.assertTrue(wait_for(lambda: self.copied(name) == lyrics[name][1], 10), name)
         for name in ("manylines", "folder", "dangling", "huge"):
             self.assertIsNone(self.copied(name), name)
-        self.assertTrue(self.copied("wide"))
+        wide = "[00:01.00]words".encode("utf-16")
+        self.assertEqual(self.copied("wide"), wide + b"\r\n\0\r\n\0\r\n")
         for name in ("othercase", "last"):
             self.assertEqual(self.copied(name), words + b"\r\n")
         self.assertLess(self.memory(player), 400)
         self.assert_fit(player, main)
 
     def test_a_line_without_end_rolls_by_in_the_window_and_across_the_desktop(self):
-        line = b"[00:00.00]" + b"la " * 5_000_000 + b"la\r\n"
+        # Its first second may be over by the time that it has been read.
+        line = b"[00:00.00][00:03.00][00:06.00]" + b"la " * 5_000_000 + b"la\r\n"
         self.write_list([self.track("endless", line, 60)])
         player, main = self.start()
         self.session.key("F6", main)
@@ -219,6 +223,17 @@ class Saving(LyricsTest):
         self.confirm(player, "y")
         self.confirm(player, "Return")
         self.assertIn(b"[00:02.00]new words\r\n", self.copied("song"))
+
+    def test_over_bytes_that_are_no_text_keeps_them_beside_the_new_lyric(self):
+        self.OLD = b"[00:01.00]\xff\xfe words\r\n"
+        player, main, editor = self.edit()
+        for _ in range(2):
+            self.assert_lines_are_kept(player, editor)
+            self.choose_first(player, editor)
+        with open(self.lyric_folder("song.Lrc.old"), "rb") as file:
+            self.assertEqual(file.read(), self.OLD)
+        self.assertEqual(sorted(os.listdir(self.lyric_folder())), ["song.Lrc", "song.Lrc.old"])
+        self.assert_fit(player, main)
 
     def test_onto_a_full_disk_leaves_the_old_lyric_and_the_lines(self):
         os.makedirs(self.lyric_folder())
