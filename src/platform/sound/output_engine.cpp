@@ -25,10 +25,10 @@ void OutputEngine::add(std::unique_ptr<Voice> voice) {
     std::vector<std::unique_ptr<Voice>> voices;
     voices.push_back(std::move(voice));
     thread_->add(std::move(voices));
-    tend();
 }
 
 void OutputEngine::wake() {
+    tend();
     if (thread_)
         thread_->wake();
     for (const auto &left : left_) {

@@ -16,13 +16,12 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr TimePoint never = TimePoint::max();
-constexpr TimePoint waiting = TimePoint::min();
 
 constexpr auto silentAfter = 400ms; // without an answer of the server play begins in silence
 constexpr auto connectLimit = 5s;
 constexpr auto retryEach = 3s;
 constexpr auto closeLimit = 150ms;
-constexpr auto turnLimit = 50ms; // a turn of work is over in a few
+constexpr auto takeUpLimit = 100ms; // usually some microseconds
 constexpr auto endLimit = 300ms;
 
 bool usable(const OutputStream *stream) {
@@ -53,16 +52,18 @@ std::shared_ptr<OutputThread> OutputThread::start(PulseLinkOptions options) {
 void OutputThread::add(std::vector<std::unique_ptr<Voice>> voices) {
     {
         const std::lock_guard lock(mutex_);
+        if (added_.empty())
+            addedAt_ = Clock::now();
         std::move(voices.begin(), voices.end(), std::back_inserter(added_));
     }
     wake();
 }
 
 std::vector<std::unique_ptr<Voice>> OutputThread::takeBack() {
-    const TimePoint since = atWorkSince_;
-    if (since == waiting || Clock::now() < since + turnLimit)
-        return {};
     const std::lock_guard lock(mutex_);
+    // Another thread would not load the library any sooner.
+    if (!begun_ || added_.empty() || Clock::now() < addedAt_ + takeUpLimit)
+        return {};
     return std::exchange(added_, {});
 }
 
@@ -98,12 +99,10 @@ void OutputThread::run() {
     {
         PulseLink link(options_, wakeUp_);
         while (!isOver()) {
-            const TimePoint now = Clock::now();
-            atWorkSince_ = now;
             signalled_ = false;
+            const TimePoint now = Clock::now();
             takeNew(now);
             const TimePoint due = turn(link, now);
-            atWorkSince_ = waiting;
             if (!isOver())
                 link.wait(due);
         }
@@ -121,6 +120,7 @@ bool OutputThread::isOver() {
 
 void OutputThread::takeNew(TimePoint now) {
     const std::lock_guard lock(mutex_);
+    begun_ = true;
     for (std::unique_ptr<Voice> &voice : added_) {
         Line line;
         line.voice = std::move(voice);

@@ -26,8 +26,7 @@ public:
 
     // Hands over voices. Each lives until its wish says closed.
     void add(std::vector<std::unique_ptr<Voice>> voices);
-    // Those that it has not come to take up, while something holds it up for longer than any turn
-    // of its own work lasts; else none.
+    // Those that it has not come to take up, once it is plain that something holds it up; else none.
     std::vector<std::unique_ptr<Voice>> takeBack();
     // A wish has changed. Cheap, also when called very often.
     void wake();
@@ -57,11 +56,11 @@ private:
     PulseLinkOptions options_;
     WakeUp wakeUp_;
     std::atomic<bool> signalled_ = false;
-    // Since when it has been at work; the least time while it waits.
-    std::atomic<TimePoint> atWorkSince_ = TimePoint::min();
-    std::mutex mutex_; // of the five below
+    std::mutex mutex_; // of the seven below
     std::condition_variable hasEnded_;
     std::vector<std::unique_ptr<Voice>> added_;
+    TimePoint addedAt_; // the first of them
+    bool begun_ = false;
     bool left_ = false;
     bool quit_ = false;
     bool ended_ = false;
