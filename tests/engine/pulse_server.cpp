@@ -24,9 +24,30 @@ namespace {
 
 using namespace std::chrono_literals;
 
+// A socket that a program takes over when somebody has called it.
+struct Activation {
+    int socket = -1;
+    int afterMs = 0;
+};
+
+// As a service manager does it.
+void waitForCall(const Activation &activation) {
+    pollfd event{activation.socket, POLLIN, 0};
+    poll(&event, 1, -1);
+    poll(nullptr, 0, activation.afterMs);
+    constexpr int firstHandedOver = 3;
+    if (activation.socket == firstHandedOver)
+        fcntl(firstHandedOver, F_SETFD, 0);
+    else
+        dup2(activation.socket, firstHandedOver);
+    setenv("LISTEN_FDS", "1", 1);
+    setenv("LISTEN_PID", std::to_string(getpid()).c_str(), 1);
+}
+
 // Runs a program that dies with this one. `output` becomes its standard output, -1: /dev/null.
 pid_t spawn(const std::vector<std::string> &arguments,
-            const std::vector<std::pair<std::string, std::string>> &environment, int output) {
+            const std::vector<std::pair<std::string, std::string>> &environment, int output,
+            const Activation &activation = {}) {
     std::vector<char *> argv;
     for (const std::string &argument : arguments)
         argv.push_back(const_cast<char *>(argument.c_str()));
@@ -41,6 +62,8 @@ pid_t spawn(const std::vector<std::string> &arguments,
     dup2(null, 0);
     dup2(output >= 0 ? output : null, 1);
     dup2(null, 2);
+    if (activation.socket >= 0)
+        waitForCall(activation);
     execvp(argv[0], argv.data());
     _exit(127);
 }
@@ -53,16 +76,28 @@ void endProcess(pid_t &pid) {
     pid = -1;
 }
 
-bool accepts(const std::string &path) {
+using SocketCall = int (*)(int, const sockaddr *, socklen_t);
+
+// A socket bound or connected to a path; -1: it cannot be.
+int socketAt(const std::string &path, SocketCall bindOrConnect) {
     const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (fd < 0 || path.size() >= sizeof address.sun_path)
-        return false;
+        return -1;
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
-    const bool ok = connect(fd, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
+    if (bindOrConnect(fd, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0)
+        return fd;
     close(fd);
-    return ok;
+    return -1;
+}
+
+bool accepts(const std::string &path) {
+    const int fd = socketAt(path, connect);
+    if (fd < 0)
+        return false;
+    close(fd);
+    return true;
 }
 
 } // namespace
@@ -116,10 +151,16 @@ bool PulseServer::start() {
     // Last, so that whoever can connect finds the sinks.
     arguments.insert(arguments.end(),
                      {"-L", "module-native-protocol-unix auth-anonymous=1 socket=" + socketPath()});
-    pid_ = spawn(
-        arguments,
-        {{"XDG_RUNTIME_DIR", directory_}, {"HOME", directory_}, {"XDG_CONFIG_HOME", directory_}},
-        -1);
+    const std::vector<std::pair<std::string, std::string>> environment = {
+        {"XDG_RUNTIME_DIR", directory_}, {"HOME", directory_}, {"XDG_CONFIG_HOME", directory_}};
+    if (options_.startedByCallAfterMs >= 0) {
+        const int socket = socketAt(socketPath(), bind);
+        if (socket >= 0 && listen(socket, 8) == 0)
+            pid_ = spawn(arguments, environment, -1, {socket, options_.startedByCallAfterMs});
+        close(socket);
+        return running();
+    }
+    pid_ = spawn(arguments, environment, -1);
     const auto limit = std::chrono::steady_clock::now() + 10s;
     while (std::chrono::steady_clock::now() < limit) {
         if (accepts(socketPath())) {

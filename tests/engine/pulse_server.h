@@ -20,6 +20,9 @@ struct PulseServerOptions {
     int channels = 2;
     // Without it the server makes its own dummy sink, as on a machine without a sound card.
     bool nullSink = true;
+    // Not negative: the server is started by the first that calls it, so long after the call. The
+    // socket is there before.
+    int startedByCallAfterMs = -1;
     // Further arguments of the server, e.g. {"-L", "module-null-sink sink_name=null2"}.
     std::vector<std::string> arguments = {};
 };

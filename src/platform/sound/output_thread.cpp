@@ -1,12 +1,11 @@
 #include "platform/sound/output_thread.h"
 
 #include "platform/sound/pulse_stream.h"
+#include "platform/sound/quiet_thread.h"
 
 #include <algorithm>
-#include <csignal>
 #include <iterator>
 #include <pthread.h>
-#include <system_error>
 #include <utility>
 
 namespace velmora::platform::sound {
@@ -34,19 +33,11 @@ OutputThread::OutputThread(PulseLinkOptions options) : options_(std::move(option
 
 std::shared_ptr<OutputThread> OutputThread::start(PulseLinkOptions options) {
     auto made = std::make_shared<OutputThread>(std::move(options));
-    // Signals are the program's matter: its own threads take them.
-    sigset_t all, old;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &old);
-    bool started = true;
-    try {
-        made->thread_ = std::thread([made] { made->run(); });
-        pthread_setname_np(made->thread_.native_handle(), "sound");
-    } catch (const std::system_error &) {
-        started = false;
-    }
-    pthread_sigmask(SIG_SETMASK, &old, nullptr);
-    return started ? made : nullptr;
+    made->thread_ = startQuietThread([made] { made->run(); });
+    if (!made->thread_.joinable())
+        return nullptr;
+    pthread_setname_np(made->thread_.native_handle(), "sound");
+    return made;
 }
 
 void OutputThread::add(std::vector<std::unique_ptr<Voice>> voices) {
@@ -164,7 +155,7 @@ TimePoint OutputThread::connect(PulseLink &link, TimePoint now) {
         return connectRetry_;
     connectSince_ = now;
     connectRetry_ = now + retryEach;
-    link.connect();
+    link.connect(fresh);
     return link.state() == PulseLink::State::Connecting ? connectSince_ + connectLimit
                                                         : connectRetry_;
 }

@@ -26,7 +26,8 @@ public:
 
     // Hands over voices. Each lives until its wish says closed.
     void add(std::vector<std::unique_ptr<Voice>> voices);
-    // Those that it has not come to take up, once it is plain that something holds it up; else none.
+    // Those that it has not come to take up, once it is plain that something holds it up; else
+    // none.
     std::vector<std::unique_ptr<Voice>> takeBack();
     // A wish has changed. Cheap, also when called very often.
     void wake();

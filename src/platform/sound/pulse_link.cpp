@@ -65,7 +65,7 @@ PulseLink::State PulseLink::state() const {
     }
 }
 
-void PulseLink::connect() {
+void PulseLink::connect(bool mayStartServer) {
     if (!loop_)
         return;
     disconnect();
@@ -94,7 +94,8 @@ void PulseLink::connect() {
         },
         this);
     const char *server = options_.server.empty() ? nullptr : options_.server.c_str();
-    if (table_->pa_context_connect(context_, server, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
+    const auto flags = mayStartServer ? PA_CONTEXT_NOFLAGS : PA_CONTEXT_NOAUTOSPAWN;
+    if (table_->pa_context_connect(context_, server, flags, nullptr) < 0)
         disconnect();
 }
 

@@ -48,8 +48,9 @@ public:
     // False: the library is missing; the state stays Down for ever.
     bool usable() const { return loop_ != nullptr; }
     State state() const;
-    // Down only. Never starts a server.
-    void connect();
+    // Down only. Where there is no server it may be started, as the user's settings have it; this
+    // call or wait() then lasts until it is up.
+    void connect(bool mayStartServer);
     void disconnect();
     // Whether the server takes back what it has already mixed (PulseAudio does, PipeWire does not).
     bool rewinds() const { return rewinds_; }

@@ -3,14 +3,26 @@
 #include "platform/sound/byte_source.h"
 #include "platform/sound/pulse_link.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <filesystem>
 #include <string_view>
-#include <unistd.h>
+#include <thread>
 
 namespace velmora::platform::sound {
 
 namespace {
+
+using namespace std::chrono_literals;
+
+// The call of a server that is started by it is taken at once, and answered when all is loaded.
+constexpr auto answerLimit = 5s;
+constexpr auto sinksLimit = 2s;
+constexpr auto sinksEach = 100ms;
+
+// The sink that a server makes by itself so that programs find one; nobody hears it.
+constexpr std::string_view dummySink = "auto_null";
 
 std::string environment(const char *name) {
     const char *value = std::getenv(name);
@@ -26,27 +38,51 @@ std::string socketOf(std::string_view address) {
     return address.starts_with('/') ? std::string(address) : std::string();
 }
 
-// Whether a configuration file names another server than the user's own.
+bool namesServer(const std::string &path) {
+    const auto file = FileSource::open(path);
+    if (!file)
+        return false;
+    std::string text(65536, '\0');
+    text.resize(file->read(0, {reinterpret_cast<std::uint8_t *>(text.data()), text.size()}));
+    // At the start of a line: comments begin with ";" or "#".
+    std::size_t at = 0;
+    while (at < text.size()) {
+        at = text.find_first_not_of(" \t\r\n", at);
+        if (at == std::string::npos)
+            break;
+        if (std::string_view(text).substr(at).starts_with("default-server"))
+            return true;
+        at = std::min(text.find('\n', at), text.size());
+    }
+    return false;
+}
+
+// Each name of a folder; none where it cannot be read.
+std::vector<std::string> namesIn(const std::string &folder) {
+    std::vector<std::string> names;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error))
+        names.push_back(entry->path().filename().string());
+    return names;
+}
+
+// Whether a configuration file, or one of the folder beside it, names another server than the
+// user's own.
 bool configNamesServer() {
     const std::string config = environment("XDG_CONFIG_HOME");
     for (const std::string &path :
          {environment("PULSE_CLIENTCONFIG"),
           (config.empty() ? environment("HOME") + "/.config" : config) + "/pulse/client.conf",
           std::string("/etc/pulse/client.conf")}) {
-        const auto file = path.empty() ? nullptr : FileSource::open(path);
-        if (!file)
+        if (path.empty())
             continue;
-        std::string text(65536, '\0');
-        text.resize(file->read(0, {reinterpret_cast<std::uint8_t *>(text.data()), text.size()}));
-        // At the start of a line: comments begin with ";" or "#".
-        std::size_t at = 0;
-        while (at < text.size()) {
-            at = text.find_first_not_of(" \t\r\n", at);
-            if (at == std::string::npos)
-                break;
-            if (std::string_view(text).substr(at).starts_with("default-server"))
+        if (namesServer(path))
+            return true;
+        const std::string folder = path + ".d";
+        for (const std::string &name : namesIn(folder)) {
+            if (name.ends_with(".conf") && namesServer(folder + "/" + name))
                 return true;
-            at = std::min(text.find('\n', at), text.size());
         }
     }
     return false;
@@ -57,11 +93,34 @@ std::vector<std::string> ownSockets() {
     std::vector<std::string> paths;
     if (const std::string own = environment("PULSE_RUNTIME_PATH"); !own.empty())
         paths.push_back(own + "/native");
-    const std::string runtime = environment("XDG_RUNTIME_DIR");
-    paths.push_back((runtime.empty() ? "/run/user/" + std::to_string(getuid()) : runtime) +
-                    "/pulse/native");
+    if (const std::string runtime = environment("XDG_RUNTIME_DIR"); !runtime.empty())
+        paths.push_back(runtime + "/pulse/native");
     paths.emplace_back("/var/run/pulse/native");
     return paths;
+}
+
+bool hasCard(const std::string &cards) {
+    const std::vector<std::string> names = namesIn(cards);
+    return std::any_of(names.begin(), names.end(),
+                       [](const std::string &name) { return name.starts_with("card"); });
+}
+
+std::optional<ServerDescription> heardOnly(std::optional<ServerDescription> answer) {
+    if (answer)
+        std::erase_if(answer->sinks, [](const auto &sink) { return sink.name == dummySink; });
+    return answer;
+}
+
+// A server that began a moment ago has nothing but its dummy until its devices are set up.
+std::optional<ServerDescription> askSocket(const std::string &path, const std::string &cards,
+                                           TimePoint until) {
+    auto answer = heardOnly(queryBySocket(path, until));
+    const TimePoint sinksUntil = Clock::now() + sinksLimit;
+    while (answer && answer->sinks.empty() && Clock::now() < sinksUntil && hasCard(cards)) {
+        std::this_thread::sleep_for(sinksEach);
+        answer = heardOnly(queryBySocket(path, Clock::now() + answerLimit));
+    }
+    return answer;
 }
 
 } // namespace
@@ -76,23 +135,30 @@ std::uint16_t parseHexId(const std::string &text) {
     return error == std::errc() && end == digits.data() + digits.size() ? value : std::uint16_t{0};
 }
 
-std::optional<ServerDescription> queryServer(const std::string &server,
-                                             const std::string &pulseLibrary,
-                                             std::chrono::milliseconds limit) {
-    const auto until = std::chrono::steady_clock::now() + limit;
-    const std::string address = server.empty() ? environment("PULSE_SERVER") : server;
+std::optional<ServerDescription> queryServer(const ServerQuery &query) {
+    const TimePoint until = Clock::now() + answerLimit;
+    const auto askLibrary = [&](const std::string &address) {
+        return heardOnly(queryByLibrary(address, query.library, until));
+    };
+    const std::string address = query.server.empty() ? environment("PULSE_SERVER") : query.server;
     if (!address.empty()) {
         const std::string path = socketOf(address);
-        return path.empty() ? queryByLibrary(address, pulseLibrary, until)
-                            : queryBySocket(path, until);
+        return path.empty() ? askLibrary(address) : askSocket(path, query.cards, until);
     }
     if (configNamesServer())
-        return queryByLibrary({}, pulseLibrary, until);
+        return askLibrary({});
+    std::optional<ServerDescription> first;
     for (const std::string &path : ownSockets()) {
-        if (auto answer = queryBySocket(path, until))
+        auto answer = askSocket(path, query.cards, until);
+        if (answer && !answer->sinks.empty())
             return answer;
+        if (!first)
+            first = std::move(answer);
     }
-    return std::nullopt;
+    // Clients look in further places, and have a server started. One that hung has used up the
+    // time.
+    auto found = Clock::now() < until ? askLibrary({}) : std::nullopt;
+    return found ? found : first;
 }
 
 } // namespace velmora::platform::sound

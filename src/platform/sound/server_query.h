@@ -1,8 +1,8 @@
 #pragma once
 
 // One question to the sound server: which devices are there. Asked over the server's own protocol
-// where it listens on this machine, so that nothing has to be loaded for it; through libpulse where
-// it is elsewhere.
+// where it listens on this machine, so that nothing has to be loaded for it; through libpulse, as
+// sound is put out, where it is elsewhere or has to be looked for or started.
 
 #include <chrono>
 #include <cstdint>
@@ -26,15 +26,20 @@ struct ServerDescription {
     std::vector<SinkDescription> sinks;
 };
 
-// No value: no server answered within the limit. `server` is an address as PULSE_SERVER has it;
-// empty: the user's own.
-std::optional<ServerDescription> queryServer(const std::string &server,
-                                             const std::string &pulseLibrary,
-                                             std::chrono::milliseconds limit);
+struct ServerQuery {
+    std::string server;  // an address as PULSE_SERVER has it; empty: the user's own
+    std::string library; // file name of libpulse
+    std::string cards;   // folder where the kernel lists the machine's sound cards
+};
 
-// The two ways.
+// The sinks that somebody can hear. No value: no server answered. A server that is being started is
+// waited for some seconds, and a moment its devices where the machine has a card.
+std::optional<ServerDescription> queryServer(const ServerQuery &query);
+
+// The two ways, with every sink.
 std::optional<ServerDescription> queryBySocket(const std::string &path,
                                                std::chrono::steady_clock::time_point until);
+// The user's own server may be started.
 std::optional<ServerDescription> queryByLibrary(const std::string &server,
                                                 const std::string &pulseLibrary,
                                                 std::chrono::steady_clock::time_point until);

@@ -1,9 +1,18 @@
 #include "platform/sound/pulse_link.h"
+#include "platform/sound/quiet_thread.h"
 #include "platform/sound/server_query.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
 
 namespace velmora::platform::sound {
 
 namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto connectLimit = 1s; // to another machine
 
 struct Answers {
     const PulseTable *table = nullptr;
@@ -37,21 +46,29 @@ void takeSink(pa_context *, const pa_sink_info *info, int end, void *data) {
          parseHexId(property(PA_PROP_DEVICE_PRODUCT_ID))});
 }
 
-} // namespace
+bool isReady(PulseLink &link, TimePoint until) {
+    const TimePoint connectUntil = std::min(until, Clock::now() + connectLimit);
+    while (link.state() == PulseLink::State::Connecting) {
+        const bool called =
+            link.table().pa_context_get_state(link.context()) != PA_CONTEXT_CONNECTING;
+        const TimePoint end = called ? until : connectUntil;
+        if (Clock::now() >= end)
+            return false;
+        link.wait(end);
+    }
+    return link.state() == PulseLink::State::Ready;
+}
 
-std::optional<ServerDescription> queryByLibrary(const std::string &server,
-                                                const std::string &pulseLibrary,
-                                                std::chrono::steady_clock::time_point until) {
+std::optional<ServerDescription> ask(const std::string &server, const std::string &pulseLibrary,
+                                     TimePoint until) {
     Answers answers;
     WakeUp wakeUp;
     PulseLink link({pulseLibrary, server, "Velmora", ""}, wakeUp);
     if (!link.usable())
         return std::nullopt;
     answers.table = &link.table();
-    link.connect();
-    while (link.state() == PulseLink::State::Connecting && Clock::now() < until)
-        link.wait(until);
-    if (link.state() != PulseLink::State::Ready)
+    link.connect(true);
+    if (!isReady(link, until))
         return std::nullopt;
     pa_operation *info =
         link.table().pa_context_get_server_info(link.context(), takeInfo, &answers);
@@ -70,6 +87,38 @@ std::optional<ServerDescription> queryByLibrary(const std::string &server,
     if (!answers.infoDone || !answers.sinksDone)
         return std::nullopt;
     return answers.server;
+}
+
+} // namespace
+
+// On a thread of its own: the library waits without a limit for a server that it starts.
+std::optional<ServerDescription> queryByLibrary(const std::string &server,
+                                                const std::string &pulseLibrary, TimePoint until) {
+    struct Shared {
+        std::mutex mutex;
+        std::condition_variable done;
+        bool isDone = false;
+        std::optional<ServerDescription> answer;
+    };
+    const auto shared = std::make_shared<Shared>();
+    std::thread thread = startQuietThread([=] {
+        auto answer = ask(server, pulseLibrary, until);
+        const std::lock_guard lock(shared->mutex);
+        shared->answer = std::move(answer);
+        shared->isDone = true;
+        shared->done.notify_all();
+    });
+    if (!thread.joinable())
+        return std::nullopt;
+    std::unique_lock lock(shared->mutex);
+    const bool inTime =
+        shared->done.wait_until(lock, until + 100ms, [&] { return shared->isDone; });
+    lock.unlock();
+    if (inTime)
+        thread.join();
+    else
+        thread.detach();
+    return inTime ? std::move(shared->answer) : std::nullopt;
 }
 
 } // namespace velmora::platform::sound

@@ -94,11 +94,19 @@ public:
     }
 
 private:
-    bool wait(short events) {
-        const auto left =
-            std::chrono::ceil<std::chrono::milliseconds>(until_ - std::chrono::steady_clock::now());
-        pollfd event{fd_, events, 0};
-        return left.count() > 0 && poll(&event, 1, static_cast<int>(left.count())) > 0;
+    // Whether a call that did not succeed is to be made again, once there is something to do.
+    bool isWorthAnother(short events) {
+        while (errno == EAGAIN || errno == EINTR) {
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(
+                until_ - std::chrono::steady_clock::now());
+            if (left.count() <= 0)
+                return false;
+            pollfd event{fd_, events, 0};
+            const int ready = poll(&event, 1, static_cast<int>(left.count()));
+            if (ready >= 0)
+                return ready > 0;
+        }
+        return false;
     }
 
     bool send(const std::vector<std::uint8_t> &message) {
@@ -113,7 +121,7 @@ private:
             const ssize_t sent = sendWithCredentials(packet.data() + done, packet.size() - done);
             if (sent > 0)
                 done += static_cast<std::size_t>(sent);
-            else if (errno != EAGAIN || !wait(POLLOUT))
+            else if (!isWorthAnother(POLLOUT))
                 return false;
         }
         return true;
@@ -154,7 +162,7 @@ private:
             const ssize_t got = recv(fd_, out.data() + done, out.size() - done, 0);
             if (got > 0)
                 done += static_cast<std::size_t>(got);
-            else if (got == 0 || errno != EAGAIN || !wait(POLLIN))
+            else if (got == 0 || !isWorthAnother(POLLIN))
                 return false;
         }
         return true;

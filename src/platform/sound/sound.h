@@ -30,8 +30,16 @@ struct SoundOptions {
 // open. Devices must be gone before the opener is destroyed.
 std::unique_ptr<media::DeviceOpener> makeSoundOpener(SoundOptions options = {});
 
-// Asks the sound server anew with each call, keeps nothing running and loads no library unless the
-// server is not on this machine. `server` as above.
-std::unique_ptr<WaveOut> makePulseWaveOut(std::string server = {}, LibraryNames libraries = {});
+struct WaveOutOptions {
+    std::string server = {}; // as above
+    LibraryNames libraries = {};
+    // Folder where the kernel lists the machine's sound cards.
+    std::string cards = "/sys/class/sound";
+};
+
+// Asks the sound server anew with each call and keeps nothing running. It finds the server that
+// sound is put out by; no library is loaded unless that is not on this machine, or not found at the
+// usual places. A call lasts up to some seconds where a server is being started, or hangs.
+std::unique_ptr<WaveOut> makePulseWaveOut(WaveOutOptions options = {});
 
 } // namespace velmora::platform::sound

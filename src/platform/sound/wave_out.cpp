@@ -9,8 +9,6 @@ namespace velmora::platform::sound {
 
 namespace {
 
-using namespace std::chrono_literals;
-
 // Error numbers of the wave calls.
 constexpr std::uint32_t badDeviceId = 2;
 constexpr std::uint32_t noDriver = 6;
@@ -19,15 +17,11 @@ constexpr std::uint32_t invalidParameter = 11;
 // The program's record ends inside the last field, whose upper half it does not use.
 constexpr std::uint32_t smallestRecord = 50;
 
-constexpr auto answerLimit = 300ms;
 constexpr std::size_t nameUnits = 31;
 constexpr std::uint32_t monoFormats = 0x555; // 8 and 16 bits at three rates
 constexpr std::uint32_t stereoFormats = 0xAAA;
 constexpr std::uint32_t volumeSupport = 4;
 constexpr std::uint32_t leftRightSupport = 8;
-
-// The sink that a server makes by itself so that programs find one; nobody hears it.
-constexpr std::string_view dummySink = "auto_null";
 
 // "16.1" is 0x1001.
 std::uint16_t versionWord(std::string_view text) {
@@ -51,8 +45,7 @@ std::u16string deviceName(const SinkDescription &sink) {
 
 class PulseWaveOut final : public WaveOut {
 public:
-    PulseWaveOut(std::string server, std::string library)
-        : server_(std::move(server)), library_(std::move(library)) {}
+    explicit PulseWaveOut(ServerQuery query) : query_(std::move(query)) {}
 
     std::uint32_t waveOutGetNumDevs() override {
         const auto answer = ask();
@@ -82,29 +75,24 @@ public:
     }
 
 private:
-    // The sinks that somebody can hear, the default one first.
+    // The default sink comes first.
     std::optional<ServerDescription> ask() const {
-        auto answer = queryServer(server_, library_, answerLimit);
-        if (!answer)
-            return answer;
-        auto &sinks = answer->sinks;
-        sinks.erase(std::remove_if(sinks.begin(), sinks.end(),
-                                   [](const auto &sink) { return sink.name == dummySink; }),
-                    sinks.end());
-        std::stable_partition(sinks.begin(), sinks.end(), [&](const SinkDescription &sink) {
-            return sink.name == answer->defaultSink;
-        });
+        auto answer = queryServer(query_);
+        if (answer)
+            std::stable_partition(
+                answer->sinks.begin(), answer->sinks.end(),
+                [&](const SinkDescription &sink) { return sink.name == answer->defaultSink; });
         return answer;
     }
 
-    std::string server_;
-    std::string library_;
+    ServerQuery query_;
 };
 
 } // namespace
 
-std::unique_ptr<WaveOut> makePulseWaveOut(std::string server, LibraryNames libraries) {
-    return std::make_unique<PulseWaveOut>(std::move(server), std::move(libraries.pulse));
+std::unique_ptr<WaveOut> makePulseWaveOut(WaveOutOptions options) {
+    return std::make_unique<PulseWaveOut>(ServerQuery{
+        std::move(options.server), std::move(options.libraries.pulse), std::move(options.cards)});
 }
 
 } // namespace velmora::platform::sound

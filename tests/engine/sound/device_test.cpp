@@ -4,9 +4,7 @@
 #include "device_fixture.h"
 
 #include "midi_bytes.h"
-
-#include <sys/resource.h>
-#include <unistd.h>
+#include "ordinary_user.h"
 
 namespace velmora::platform::sound {
 namespace {
@@ -213,15 +211,6 @@ TEST(SoundOpener, WithoutTheServersLibraryPlayIsSilentAndInTime) {
     ASSERT_TRUE(waitFor(15000, [&] { return device->mode() == Mode::Stopped; }));
     EXPECT_NEAR(msSince(start), 1500, 150);
     EXPECT_EQ(device->positionMs(), 1500);
-}
-
-// As an ordinary user may start none; root always may.
-void allowNoMoreThreads() {
-    constexpr uid_t nobody = 65534;
-    if (getuid() == 0 && setresuid(nobody, nobody, nobody) != 0)
-        _exit(3);
-    const rlimit none{0, 0};
-    setrlimit(RLIMIT_NPROC, &none);
 }
 
 TEST(SoundOpener, WhereNoThreadIsToBeHadAFileIsRefusedAndTheProgramGoesOn) {

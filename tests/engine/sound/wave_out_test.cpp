@@ -19,7 +19,7 @@ PulseServer::Options with(std::vector<std::string> modules) {
 }
 
 TEST(WaveOut, WithoutAServerThereIsNoDevice) {
-    const auto waves = makePulseWaveOut("unix:/nowhere/at/all");
+    const auto waves = makePulseWaveOut({"unix:/nowhere/at/all"});
     EXPECT_EQ(waves->waveOutGetNumDevs(), 0U);
     WaveOutCaps caps;
     caps.channels = 77;
@@ -30,7 +30,7 @@ TEST(WaveOut, WithoutAServerThereIsNoDevice) {
 TEST(WaveOut, TellsTheDefaultDevicesCapabilities) {
     const PulseServer server(with({}));
     ASSERT_TRUE(server.running());
-    const auto waves = makePulseWaveOut(server.address());
+    const auto waves = makePulseWaveOut({server.address()});
     EXPECT_EQ(waves->waveOutGetNumDevs(), 1U);
     WaveOutCaps caps;
     ASSERT_EQ(waves->waveOutGetDevCapsA(0, caps, record), 0U);
@@ -51,7 +51,7 @@ TEST(WaveOut, VendorAndProductAreTheSinksNumbers) {
     ASSERT_TRUE(server.running());
     ASSERT_EQ(std::system(("pactl -s " + server.address() + " set-default-sink card").c_str()), 0);
     WaveOutCaps caps;
-    ASSERT_EQ(makePulseWaveOut(server.address())->waveOutGetDevCapsA(0, caps, record), 0U);
+    ASSERT_EQ(makePulseWaveOut({server.address()})->waveOutGetDevCapsA(0, caps, record), 0U);
     EXPECT_EQ(caps.productName, u"A Card");
     EXPECT_EQ(caps.manufacturerId, 0x8086);
     EXPECT_EQ(caps.productId, 0xA0C8);
@@ -78,7 +78,7 @@ TEST(WaveOut, DeviceZeroIsTheDefaultOneAndMonoHasNoStereo) {
     ASSERT_TRUE(server.running());
     ASSERT_EQ(std::system(("pactl -s " + server.address() + " set-default-sink single").c_str()),
               0);
-    const auto waves = makePulseWaveOut(server.address());
+    const auto waves = makePulseWaveOut({server.address()});
     EXPECT_EQ(waves->waveOutGetNumDevs(), 2U);
     WaveOutCaps caps;
     ASSERT_EQ(waves->waveOutGetDevCapsA(0, caps, record), 0U);
@@ -98,7 +98,7 @@ TEST(WaveOut, ALongNameIsCutToItsPlace) {
     ASSERT_TRUE(server.running());
     ASSERT_EQ(std::system(("pactl -s " + server.address() + " set-default-sink long").c_str()), 0);
     WaveOutCaps caps;
-    ASSERT_EQ(makePulseWaveOut(server.address())->waveOutGetDevCapsA(0, caps, record), 0U);
+    ASSERT_EQ(makePulseWaveOut({server.address()})->waveOutGetDevCapsA(0, caps, record), 0U);
     EXPECT_EQ(caps.productName, u"ABCDEFGHIJKLMNOPQRSTUVWXYZ01234");
 }
 
@@ -112,7 +112,7 @@ TEST(WaveOut, TheServersOwnDummyIsNoDevice) {
         const auto answer = queryBySocket(server.socketPath(), Clock::now() + Ms(1000));
         return answer && !answer->sinks.empty();
     }));
-    const auto waves = makePulseWaveOut(server.address());
+    const auto waves = makePulseWaveOut({server.address()});
     EXPECT_EQ(waves->waveOutGetNumDevs(), 0U);
     WaveOutCaps caps;
     EXPECT_EQ(waves->waveOutGetDevCapsA(0, caps, record), 2U);
@@ -121,47 +121,26 @@ TEST(WaveOut, TheServersOwnDummyIsNoDevice) {
 TEST(WaveOut, ARecordTooSmallIsRefused) {
     const PulseServer server;
     WaveOutCaps caps;
-    const auto waves = makePulseWaveOut(server.address());
+    const auto waves = makePulseWaveOut({server.address()});
     EXPECT_EQ(waves->waveOutGetDevCapsA(0, caps, 49), 11U);
     EXPECT_EQ(waves->waveOutGetDevCapsA(0, caps, 52), 0U);
 }
 
-TEST(WaveOut, AServerThatHangsIsNotWaitedForLong) {
+TEST(WaveOut, AServerThatHangsIsWaitedForSomeSecondsAtMost) {
     PulseServer server;
     ASSERT_TRUE(server.running());
     server.freeze();
     const auto start = Clock::now();
-    EXPECT_EQ(makePulseWaveOut(server.address())->waveOutGetNumDevs(), 0U);
-    EXPECT_LT(msSince(start), 3000); // usually 300
+    EXPECT_EQ(makePulseWaveOut({server.address()})->waveOutGetNumDevs(), 0U);
+    EXPECT_LT(msSince(start), 20000); // usually 5000
     server.thaw();
-}
-
-TEST(WaveOut, FindsTheUsersOwnServer) {
-    const PulseServer server;
-    ASSERT_TRUE(server.running());
-    const TemporaryFolder runtime;
-    std::filesystem::create_directory(runtime.path("pulse"));
-    std::filesystem::create_symlink(server.socketPath(), runtime.path("pulse/native"));
-    for (const char *name : {"PULSE_SERVER", "PULSE_RUNTIME_PATH"})
-        unsetenv(name);
-    const char *old = getenv("XDG_RUNTIME_DIR");
-    const std::string kept = old ? old : "";
-    setenv("XDG_RUNTIME_DIR", runtime.path("").c_str(), 1);
-    EXPECT_EQ(makePulseWaveOut()->waveOutGetNumDevs(), 1U);
-    setenv("PULSE_SERVER", "unix:/nowhere/at/all", 1);
-    EXPECT_EQ(makePulseWaveOut()->waveOutGetNumDevs(), 0U);
-    unsetenv("PULSE_SERVER");
-    if (old)
-        setenv("XDG_RUNTIME_DIR", kept.c_str(), 1);
-    else
-        unsetenv("XDG_RUNTIME_DIR");
 }
 
 TEST(WaveOut, LoadsNoLibraryForAServerOnThisMachine) {
     const PulseServer server;
     LibraryNames names;
     names.pulse = "libthere-is-no-such-thing.so.0";
-    EXPECT_EQ(makePulseWaveOut(server.address(), names)->waveOutGetNumDevs(), 1U);
+    EXPECT_EQ(makePulseWaveOut({server.address(), names})->waveOutGetNumDevs(), 1U);
 }
 
 } // namespace
