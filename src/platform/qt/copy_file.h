@@ -10,9 +10,10 @@ namespace velmora::platform::qt {
 
 enum class CopyOutcome { Done, Cancelled, Failed };
 
-// Copies `source` into `folder` under its own name: into a temporary file there, renamed when it is
-// complete, with the source's time stamp and mode. Asks before it overwrites; an error is told in a
-// box of its own. Nothing half done stays behind. Handles events between the pieces.
+// Copies `source` into `folder` under its own name: into a file without a name there (a passing one
+// where the file system knows no such files), which gets its name when it is complete, with the
+// source's time stamp and mode. Asks before it overwrites, also what came there meanwhile; an error
+// is told in a box of its own. Nothing half done stays behind. Handles events between the pieces.
 CopyOutcome copyIntoFolder(QtWindowSystem &windows, std::u16string_view source,
                            std::u16string_view folder);
 

@@ -225,7 +225,18 @@ class Copying(ListTest):
         self.answer(player, "Return")
         self.assertTrue(wait_for(lambda: os.listdir(self.target) == ["track 1.wav"], 10))
 
-    def test_a_copy_cancelled_half_way_leaves_nothing(self):
+    def is_copying(self, player):
+        """Whether the player holds a file in the target folder open, be it without a name."""
+        folder = f"/proc/{player.child.pid}/fd/"
+        for number in os.listdir(folder):
+            try:
+                if os.readlink(folder + number).startswith(self.target + "/"):
+                    return True
+            except FileNotFoundError:
+                pass  # closed meanwhile
+        return False
+
+    def begin_a_big_copy(self):
         big = self.music + "/big.wav"
         shutil.copy(self.tracks[0], big)
         os.truncate(big, 2 << 30)
@@ -235,7 +246,17 @@ class Copying(ListTest):
         self.session.key("F10", rows)
         dialog = player.box()
         self.type_into(dialog, self.target)
-        self.assertTrue(wait_for(lambda: os.listdir(self.target), 10, 0.002), "no copy began")
+        self.assertTrue(wait_for(lambda: self.is_copying(player), 10, 0.002), "no copy began")
+        return player, rows, big
+
+    def test_a_copy_cut_short_by_force_leaves_nothing(self):
+        player, _, _ = self.begin_a_big_copy()
+        player.child.kill()
+        player.child.wait()
+        self.assertEqual(os.listdir(self.target), [])
+
+    def test_a_copy_cancelled_half_way_leaves_nothing(self):
+        player, rows, big = self.begin_a_big_copy()
         # It is held while the hand moves: the copy might be through before that.
         os.kill(player.child.pid, signal.SIGSTOP)
         wait_for(lambda: False, 0.6)  # longer than a copy lasts that shows no progress
