@@ -40,7 +40,7 @@ bool CurlClient::receiveInto(Exchange &exchange, const std::string &path) {
     } while (!bytes.empty());
     if (exchange.ending() != Ending::Whole)
         return false;
-    file.commit(false);
+    file.commit(true);
     return true;
 }
 

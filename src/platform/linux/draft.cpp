@@ -157,7 +157,7 @@ void Draft::replace(const std::string &target) {
     if (calls_.rename(passing_.c_str(), target.c_str(), 0) != 0)
         raiseSystemError(errno);
     passing_.clear();
-    syncFolder();
+    syncName();
 }
 
 void Draft::takeFreeName(const std::string &target) {
@@ -169,7 +169,7 @@ void Draft::takeFreeName(const std::string &target) {
     if (!passing_.empty())
         renameToFreeName(passing_, target, calls_);
     passing_.clear();
-    syncFolder();
+    syncName();
 }
 
 // The same content once more, with a passing name.
@@ -193,12 +193,9 @@ void Draft::rewriteNamed() {
 }
 
 // The content is in place: a folder that cannot be synced is no failure of the write.
-void Draft::syncFolder() {
-    if (!isDurable_)
-        return;
-    const Descriptor folder(::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder)
-        ::fsync(folder.number());
+void Draft::syncName() {
+    if (isDurable_)
+        syncFolder(folder_);
 }
 
 } // namespace velmora::platform

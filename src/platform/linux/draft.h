@@ -46,7 +46,7 @@ private:
     void makeNamed();
     int link(const std::string &name);
     void rewriteNamed();
-    void syncFolder();
+    void syncName();
 
     FileCalls calls_;
     std::string folder_;

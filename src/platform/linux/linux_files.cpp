@@ -188,6 +188,7 @@ void LinuxFiles::Name(std::u16string_view from, std::u16string_view to) {
         if (calls_.rename(source.c_str(), target.c_str(), 0) != 0)
             raiseSystemError(errno);
     }
+    syncFolder(folderOf(target)); // ahead of the list that knows the new name alone
 }
 
 std::u16string LinuxFiles::GetShortPathNameA(std::u16string_view path) { return shortPath(path); }

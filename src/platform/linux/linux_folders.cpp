@@ -11,15 +11,17 @@ namespace velmora::platform {
 
 namespace {
 
-// Makes a folder that belongs to this user alone, or takes the one that is there if it does. A
-// link, and a folder of somebody else, is refused: names in it are foreseeable.
-bool makeOwnFolder(const std::string &path) {
-    if (::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST)
-        return false;
+// A link, and a folder of somebody else, is refused: names in it are foreseeable.
+bool isOwnItself(const std::string &path) {
     struct ::stat info {};
-    if (::lstat(path.c_str(), &info) != 0 || !S_ISDIR(info.st_mode) || info.st_uid != ::geteuid())
-        return false;
-    return (info.st_mode & 0777) == 0700 || ::chmod(path.c_str(), 0700) == 0;
+    return !path.empty() && ::lstat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode) &&
+           info.st_uid == ::geteuid() &&
+           ((info.st_mode & 0777) == 0700 || ::chmod(path.c_str(), 0700) == 0);
+}
+
+// Makes a folder that belongs to this user alone, or takes the one that is there if it does.
+bool makeOwnFolder(const std::string &path) {
+    return (::mkdir(path.c_str(), 0700) == 0 || errno == EEXIST) && isOwnItself(path);
 }
 
 bool isOwnFolder(const std::string &path) {
@@ -75,16 +77,23 @@ std::u16string LinuxFolders::GetSystemDirectoryA() {
     return pathFromBytes(homes_.programData() + "/System32");
 }
 
+// Where it was found once it stays: what lies in it would be looked for in vain in another.
 std::u16string LinuxFolders::GetTempPathA() {
+    if (!isOwnItself(temporary_))
+        temporary_ = ownTemporaryFolder();
+    return pathFromBytes(temporary_ + "/"); // in the root nothing may be written
+}
+
+std::string LinuxFolders::ownTemporaryFolder() const {
     if (isOwnFolder(homes_.runtime)) {
-        const std::string folder = homes_.runtime + "/velmora";
+        std::string folder = homes_.runtime + "/velmora";
         if (makeOwnFolder(folder))
-            return pathFromBytes(folder + "/");
+            return folder;
     }
     if (!homes_.cache.empty() && makeFolders(homes_.cache, 0700) &&
         makeOwnFolder(homes_.programCache()))
-        return pathFromBytes(homes_.programCache() + "/");
-    return u"/"; // nothing may write there
+        return homes_.programCache();
+    return {};
 }
 
 std::u16string LinuxFolders::rootPart(std::u16string_view path) {

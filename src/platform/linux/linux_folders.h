@@ -21,7 +21,10 @@ public:
 private:
     std::string userFolder(std::string_view name, const char *otherwise) const;
 
+    std::string ownTemporaryFolder() const;
+
     HomeFolders homes_;
+    std::string temporary_; // without a separator; empty until it was found
 };
 
 } // namespace velmora::platform

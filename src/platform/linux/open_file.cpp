@@ -86,4 +86,10 @@ bool writeAll(int descriptor, std::string_view bytes) noexcept {
     return true;
 }
 
+void syncFolder(const std::string &folder) noexcept {
+    const Descriptor open(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (open)
+        ::fsync(open.number());
+}
+
 } // namespace velmora::platform

@@ -28,4 +28,7 @@ std::optional<std::string> readAt(int descriptor, std::int64_t offset, std::size
 // Writes all of it; false on an error (errno).
 bool writeAll(int descriptor, std::string_view bytes) noexcept;
 
+// Waits until the names in a folder are on the disk, where the file system can be asked to.
+void syncFolder(const std::string &folder) noexcept;
+
 } // namespace velmora::platform

@@ -205,6 +205,19 @@ TEST_F(FolderTest, theTemporaryFolderBelongsToNobodyElse) {
     EXPECT_EQ(folders.GetTempPathA(), u"/");
 }
 
+TEST_F(FolderTest, theTemporaryFolderStaysWhereItWasFound) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can give a folder away";
+    folder.makeFolder("run");
+    EXPECT_EQ(folders.GetTempPathA(), folder.text("run/velmora/"));
+    // Now none would be found there any more.
+    ASSERT_EQ(::chown(folder.bytes("run").c_str(), 65534, 65534), 0);
+    EXPECT_EQ(folders.GetTempPathA(), folder.text("run/velmora/"));
+    EXPECT_FALSE(folder.exists("cache"));
+    std::filesystem::remove(folder.bytes("run/velmora"));
+    EXPECT_EQ(folders.GetTempPathA(), folder.text("cache/velmora/"));
+}
+
 TEST_F(FolderTest, withoutAnyPlaceTheTemporaryFolderIsTheRoot) {
     folder.write("cache", "");
     EXPECT_EQ(folders.GetTempPathA(), u"/");
