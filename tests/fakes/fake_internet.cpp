@@ -172,6 +172,8 @@ bool FakeInternet::InternetReadFile(InternetHandle request, std::size_t count, s
 
 bool FakeInternet::InternetCloseHandle(InternetHandle handle) {
     note({u"InternetCloseHandle", decimal(handle)});
+    if (failing("InternetCloseHandle"))
+        raise(ErrorNumber::General);
     return open_.erase(handle) != 0;
 }
 

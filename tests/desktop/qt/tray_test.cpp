@@ -86,6 +86,10 @@ protected:
         return seen;
     }
 
+    static std::ptrdiff_t releases(const std::vector<int> &seen) {
+        return std::count(seen.begin(), seen.end(), 0x202);
+    }
+
     TestForm form;
     pid_t tray_ = -1;
     int iconX = 0;
@@ -114,11 +118,14 @@ TEST_F(TrayTest, ADoubleClickIsTheLeftReleaseTwice) {
 
 TEST_F(TrayTest, WithoutAHookTheMessagesGoNowhere) {
     ASSERT_TRUE(add());
-    desk().windows->unhookWindowProc(form.hWnd(), 0);
+    // One click heard, then one without the hook, then one heard again: had the second been kept
+    // for later, or the icon died of it, the third would not come alone.
+    EXPECT_EQ(releases(clickIcon({"1"})), 1);
     desk().session.run(
         {"xdotool", "mousemove", std::to_string(iconX), std::to_string(iconY), "click", "1"});
     int rounds = 0;
     runUntil([&] { return ++rounds > 10; });
+    EXPECT_EQ(releases(clickIcon({"1"})), 1);
 }
 
 TEST_F(TrayTest, GoesWhenItIsDeleted) {

@@ -12,6 +12,10 @@
 #include <sys/file.h>
 
 #include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
 
 namespace velmora::platform {
 namespace {
@@ -96,10 +100,33 @@ TEST_F(ProcessTest, theFirstInstanceHoldsTheLockForLife) {
     EXPECT_EQ(elsewhere.line(), "first");
 }
 
+// Whether the process has the lock's file open and has gone to sleep over it, seen within a limit.
+// Between opening and the first try it never sleeps.
+bool waitsForTheLock(pid_t process) {
+    const std::string place = "/proc/" + std::to_string(process);
+    const auto giveUp = steady_clock::now() + milliseconds(10'000);
+    while (steady_clock::now() < giveUp) {
+        bool open = false;
+        std::error_code gone;
+        for (const auto &entry : std::filesystem::directory_iterator(place + "/fd", gone)) {
+            const auto file = std::filesystem::read_symlink(entry.path(), gone);
+            open = open || file.filename() == "instance.lock";
+        }
+        std::string state;
+        std::getline(std::ifstream(place + "/stat"), state);
+        const std::size_t name = state.rfind(") ");
+        if (open && name != std::string::npos && state[name + 2] == 'S')
+            return true;
+        std::this_thread::yield();
+    }
+    return false;
+}
+
 TEST_F(ProcessTest, anInstanceThatIsJustEndingDoesNotRefuseItsSuccessor) {
     ChildProcess first({helper, "lock"}, environment());
     ASSERT_EQ(first.line(), "first");
     ChildProcess second({helper, "lock"}, environment());
+    ASSERT_TRUE(waitsForTheLock(second.number()));
     first.kill();
     EXPECT_EQ(second.line(), "first");
 }

@@ -265,6 +265,11 @@ TEST_F(Header, beforeAnyRequestIsNothing) {
 // --- stopping, cookies --------------------------------------------------------------------------
 
 TEST_F(Header, stoppingGoesOnWhereACallRaises) {
+    receive({"HTTP/1.1 200 OK", "Content-Length: 9"});
+    net.log.clear();
+    net.failNext("InternetCloseHandle"); // the first of three
+    EXPECT_NO_THROW(wd.bStop());
+    EXPECT_EQ(net.log, stopLines);
     net.failNext("DeleteUrlCacheEntryA");
     EXPECT_NO_THROW(wd.bStop());
 }

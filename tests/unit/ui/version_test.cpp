@@ -81,15 +81,26 @@ TEST_F(Version, OfADamagedRecordDoesNotRaise) {
     EXPECT_EQ(record().ver_FileVersion, u"");
 }
 
-TEST_F(Version, CutShortAtAnyByteDoesNotRaise) {
+// A record says how long it is: one that is cut is none, wherever the cut falls.
+TEST_F(Version, CutShortAtAnyByteIsNoRecord) {
+    const platform::VersionString strings[] = {{u"FileDescription", u"A player 播放器"},
+                                               {u"InternalName", u"zkPlayer"}};
     platform::VersionFields fields;
+    fields.fileVersion = {1, 2, 3, 4};
+    fields.strings = strings;
     const auto block = platform::buildVersionBlock<8192>(fields);
     const std::string bytes(block.bytes.begin(),
                             block.bytes.begin() + static_cast<std::ptrdiff_t>(block.size));
     for (std::size_t size = 0; size < bytes.size(); ++size) {
         fake.versions.addRecordBytes(path, bytes.substr(0, size));
-        EXPECT_NO_THROW(record().read_File_Version(path));
+        ASSERT_NO_THROW(record().read_File_Version(path));
+        ASSERT_EQ(all(), Texts(13)) << size;
     }
+    fake.versions.addRecordBytes(path, bytes);
+    record().read_File_Version(path);
+    EXPECT_EQ(record().ver_FileDescription, strings[0].value);
+    EXPECT_EQ(record().ver_InternalName, strings[1].value);
+    EXPECT_EQ(record().ver_FileVersion, u"1.2.3.4");
 }
 
 TEST_F(Version, JoinsTheNumbersByPoints) {
