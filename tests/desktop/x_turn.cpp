@@ -28,6 +28,7 @@ XTurn::XTurn(const std::string &display) : connection_(xcb_connect(display.c_str
     const std::uint32_t heard = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection_, screen_->root, XCB_CW_EVENT_MASK, &heard);
     own_ = xcb_generate_id(connection_);
+    extents_ = atom("_NET_FRAME_EXTENTS");
     const std::uint32_t changes = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_create_window(connection_, 0, own_, screen_->root, -1, -1, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_ONLY, screen_->root_visual, XCB_CW_EVENT_MASK,
@@ -97,7 +98,10 @@ void XTurn::readEvents() {
     while (auto event = owned(xcb_poll_for_event(connection_))) {
         const int kind = event->response_type & 0x7F;
         if (kind == XCB_PROPERTY_NOTIFY) {
-            managerAnswered_ = true;
+            // Some write others first, and are not done with those when their answer is.
+            const auto *change = reinterpret_cast<const xcb_property_notify_event_t *>(event.get());
+            if (change->atom == extents_)
+                managerAnswered_ = true;
         } else if (kind == XCB_CLIENT_MESSAGE) {
             const auto *message = reinterpret_cast<const xcb_client_message_event_t *>(event.get());
             if (message->data.data32[1] == asks_ && message->data.data32[2] == asked_)

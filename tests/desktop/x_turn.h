@@ -42,6 +42,7 @@ private:
     xcb_connection_t *connection_;
     xcb_screen_t *screen_ = nullptr;
     xcb_window_t own_ = XCB_WINDOW_NONE;
+    xcb_atom_t extents_ = XCB_ATOM_NONE;
     xcb_window_t asked_ = XCB_WINDOW_NONE;
     std::uint32_t asks_ = 0; // tells the answers apart
     bool managerAnswered_ = false;
