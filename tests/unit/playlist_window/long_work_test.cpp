@@ -11,14 +11,19 @@ protected:
         bool list = false;
         bool button = false;
         bool mainPlay = false;
+        bool mainGoTo = false;
         bool panel = false;
         std::u16string title;
         std::u16string text;
     };
     Seen now() {
-        return {
-            names.enabled(),        list.addFile.enabled(),       app.Main().playButton.enabled(),
-            list.waitAdd.visible(), list.waitAdd_Title.caption(), list.waitAdd_Show.caption()};
+        return {names.enabled(),
+                list.addFile.enabled(),
+                app.Main().playButton.enabled(),
+                app.Main().song_GoTo_List.enabled(),
+                list.waitAdd.visible(),
+                list.waitAdd_Title.caption(),
+                list.waitAdd_Show.caption()};
     }
     // What each pump from now on sees.
     std::vector<Seen> &watch() {
@@ -190,15 +195,17 @@ TEST_F(LongWork, ADroppedFolderTakesMediaAloneAndPumpsAndRepaintsForEachFile) {
     EXPECT_EQ(seen[2].title, app.Language().msg_Loading_Tracks);
 }
 
-TEST_F(LongWork, ADroppedFolderTakesThePanelAwayInMidDropAndMainStaysStill) {
+TEST_F(LongWork, ADroppedFolderWakesTheListInMidDropAndOfMainTheWayToTheListAlone) {
     files.addFile(u"/n/x.mp3");
     files.addFile(u"/m/y.mp3");
     const auto &seen = watch();
     list.filesDropped({u"/n", u"/m/y.mp3"}, 0);
     ASSERT_EQ(seen.size(), 3U);
+    EXPECT_FALSE(seen[1].mainGoTo);
     EXPECT_FALSE(seen[2].panel);
     EXPECT_TRUE(seen[2].list);
     EXPECT_FALSE(seen[2].mainPlay);
+    EXPECT_TRUE(seen[2].mainGoTo);
 }
 
 TEST_F(LongWork, ASecondDroppedFolderBringsThePanelBackAndStillsTheListAgain) {
