@@ -60,7 +60,8 @@ int play() {
     platform::SqliteRegistry registry(homes.registryFile(), *ansi);
     settings = &registry;
     const auto clock = platform::makeClock();
-    const auto files = platform::makeFileSystem(*ansi);
+    const platform::FileCalls calls = platform::makeFileCalls(homes);
+    const auto files = platform::makeFileSystem(*ansi, calls);
     const auto folders = platform::makeFolders(homes);
     platform::media::MciInterpreter media(platform::sound::makeSoundOpener(),
                                           platform::makePictureOpener());
@@ -74,10 +75,14 @@ int play() {
     const auto waveOut = platform::sound::makePulseWaveOut();
     const auto profiles = platform::makeProfiles(*files, *ansi);
     Velmora *running = nullptr;
-    const auto internet = platform::makeInternet(*ansi, [&running] {
-        return running != nullptr ? hostsOf(running->setControl()) : std::vector<std::u16string>();
-    });
-    const auto dialogs = platform::makeQtDialogs(*windows, *ansi);
+    const auto internet = platform::makeInternet(
+        *ansi,
+        [&running] {
+            return running != nullptr ? hostsOf(running->setControl())
+                                      : std::vector<std::u16string>();
+        },
+        {}, calls);
+    const auto dialogs = platform::makeQtDialogs(*windows, *ansi, calls);
 
     Velmora program({*ansi, *clock, *dialogs, *files, *folders, *internet, media, *processes,
                      *profiles, registry, *shell, *versions, *waitableTimers, *waveOut, *windows});

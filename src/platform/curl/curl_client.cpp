@@ -11,8 +11,8 @@ namespace velmora::platform {
 
 std::unique_ptr<Internet> makeInternet(const AnsiText &ansi,
                                        std::function<std::vector<std::u16string>()> hosts,
-                                       const InternetLimits &limits) {
-    return std::make_unique<http::CurlClient>(ansi, std::move(hosts), limits);
+                                       const InternetLimits &limits, FileCalls calls) {
+    return std::make_unique<http::CurlClient>(ansi, std::move(hosts), limits, std::move(calls));
 }
 
 } // namespace velmora::platform

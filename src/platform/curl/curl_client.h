@@ -14,8 +14,8 @@ namespace velmora::platform::http {
 class CurlClient : public Internet {
 public:
     CurlClient(const AnsiText &ansi, std::function<std::vector<std::u16string>()> hosts,
-               const InternetLimits &limits)
-        : ansi_(ansi), hosts_(std::move(hosts)), limits_(limits) {}
+               const InternetLimits &limits, FileCalls calls)
+        : ansi_(ansi), hosts_(std::move(hosts)), limits_(limits), calls_(std::move(calls)) {}
     ~CurlClient() override;
 
     std::int32_t InternetGetConnectedState(std::uint32_t &flags) override;
@@ -78,6 +78,7 @@ private:
     const AnsiText &ansi_;
     std::function<std::vector<std::u16string>()> hosts_;
     InternetLimits limits_;
+    FileCalls calls_;
     std::shared_ptr<const CurlLibrary> curl_; // loaded at first use
     CURLSH *jar_ = nullptr;
     std::map<InternetHandle, Entry> handles_;

@@ -32,7 +32,7 @@ bool CurlClient::receiveInto(Exchange &exchange, const std::string &path) {
         return false;
     const auto least =
         static_cast<std::size_t>(limits_.stall.count()) * limits_.downloadBytesPerSecond / 1000;
-    AtomicFile file(path);
+    AtomicFile file(path, AtomicFile::While::Unnamed, AtomicFile::Over::OldFile, calls_);
     std::string bytes;
     do {
         exchange.read(pieceSize, least, bytes);

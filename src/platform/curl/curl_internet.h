@@ -4,6 +4,7 @@
 
 #include "platform/ansi.h"
 #include "platform/internet.h"
+#include "platform/linux/file_calls.h"
 
 #include <chrono>
 #include <cstddef>
@@ -24,9 +25,10 @@ struct InternetLimits {
 };
 
 // `hosts` answers the hosts that are configured ("http://name:port"), for the question whether the
-// machine is online; it is asked each time. `ansi` must outlive the result.
+// machine is online; it is asked each time. `calls` write what is downloaded. `ansi` must outlive
+// the result.
 std::unique_ptr<Internet> makeInternet(const AnsiText &ansi,
                                        std::function<std::vector<std::u16string>()> hosts,
-                                       const InternetLimits &limits = {});
+                                       const InternetLimits &limits = {}, FileCalls calls = {});
 
 } // namespace velmora::platform

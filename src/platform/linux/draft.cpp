@@ -84,6 +84,7 @@ Draft::~Draft() {
 }
 
 void Draft::makeNamed() {
+    calls_.beforePassingName(folder_);
     for (int number = 0; number < mostNames; ++number) {
         std::string name = passingName(folder_, number);
         file_ = Descriptor(::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
@@ -144,6 +145,8 @@ int Draft::link(const std::string &name) {
 // A file without a name cannot take another one's at once: it gets a passing one first.
 void Draft::replace(const std::string &target) {
     int error = EEXIST;
+    if (passing_.empty())
+        calls_.beforePassingName(folder_);
     for (int number = 0; passing_.empty() && error == EEXIST && number < mostNames; ++number) {
         std::string name = passingName(folder_, number);
         error = link(name);

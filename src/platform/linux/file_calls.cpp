@@ -19,7 +19,8 @@ FileCalls::FileCalls()
           return ::linkat(AT_FDCWD, from, AT_FDCWD, to, flags);
       }),
       setMode([](int file, mode_t mode) { return ::fchmod(file, mode); }),
-      setTimes([](int file, const std::timespec *times) { return ::futimens(file, times); }) {}
+      setTimes([](int file, const std::timespec *times) { return ::futimens(file, times); }),
+      beforePassingName([](const std::string &) {}) {}
 
 bool isNotKnownHere(int error) noexcept {
     return error == EPERM || error == ENOTSUP || error == ENOSYS || error == EINVAL;

@@ -7,6 +7,7 @@
 
 #include <ctime>
 #include <functional>
+#include <string>
 
 namespace velmora::platform {
 
@@ -23,6 +24,9 @@ struct FileCalls {
     std::function<int(const char *from, const char *to, int flags)> link;
     std::function<int(int file, mode_t mode)> setMode;
     std::function<int(int file, const std::timespec *accessAndChange)> setTimes;
+    // Comes before a file gets a passing name in a folder. Nothing here; the program notes the
+    // folder, so that its next start finds what may be cut short there.
+    std::function<void(const std::string &folder)> beforePassingName;
 };
 
 // Whether an error only says that a mode or time stamp cannot be set here: the file system knows

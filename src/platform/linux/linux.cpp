@@ -9,6 +9,7 @@
 #include "platform/linux/linux_timers.h"
 #include "platform/linux/linux_versions.h"
 #include "platform/linux/text/ansi_conversion.h"
+#include "platform/linux/unfinished_folders.h"
 
 namespace velmora::platform {
 
@@ -16,8 +17,16 @@ std::unique_ptr<AnsiText> makeAnsiText(std::function<std::u16string()> activePag
     return std::make_unique<AnsiConversion>(std::move(activePage));
 }
 
-std::unique_ptr<FileSystem> makeFileSystem(const AnsiText &ansi) {
-    return std::make_unique<LinuxFiles>(ansi);
+FileCalls makeFileCalls(const HomeFolders &homes) {
+    const auto folders = std::make_shared<UnfinishedFolders>(homes.programCache());
+    folders->clear();
+    FileCalls calls;
+    calls.beforePassingName = [folders](const std::string &folder) { folders->note(folder); };
+    return calls;
+}
+
+std::unique_ptr<FileSystem> makeFileSystem(const AnsiText &ansi, FileCalls calls) {
+    return std::make_unique<LinuxFiles>(ansi, std::move(calls));
 }
 
 std::unique_ptr<Folders> makeFolders(const HomeFolders &homes) {

@@ -5,6 +5,7 @@
 
 #include "platform/ansi.h"
 #include "platform/files.h"
+#include "platform/linux/file_calls.h"
 #include "platform/linux/home_folders.h"
 #include "platform/profiles.h"
 #include "platform/system.h"
@@ -20,7 +21,11 @@ namespace velmora::platform {
 // at the first text that is not plain ASCII.
 std::unique_ptr<AnsiText> makeAnsiText(std::function<std::u16string()> activePage);
 
-std::unique_ptr<FileSystem> makeFileSystem(const AnsiText &ansi);
+// The calls of all that write files here. Takes away what earlier runs had to leave unfinished, and
+// notes in the cache where this run may leave something.
+FileCalls makeFileCalls(const HomeFolders &homes);
+
+std::unique_ptr<FileSystem> makeFileSystem(const AnsiText &ansi, FileCalls calls = {});
 
 std::unique_ptr<Folders> makeFolders(const HomeFolders &homes);
 

@@ -65,10 +65,11 @@ bool finish(FileCopy &copy, bool replacing, QtWindowSystem &windows, const std::
 
 // `concerned` is what an error is about.
 CopyOutcome copyOrRaise(QtWindowSystem &windows, std::u16string_view source,
-                        std::u16string_view folder, std::u16string &concerned) {
+                        std::u16string_view folder, const FileCalls &calls,
+                        std::u16string &concerned) {
     const std::u16string name(baseName(source));
     concerned = source;
-    FileCopy copy(pathBytes(source), pathBytes(folder));
+    FileCopy copy(pathBytes(source), pathBytes(folder), calls);
     const bool replacing = copy.isTaken();
     if (replacing && !mayReplace(windows, name)) {
         return CopyOutcome::Cancelled;
@@ -84,10 +85,10 @@ CopyOutcome copyOrRaise(QtWindowSystem &windows, std::u16string_view source,
 } // namespace
 
 CopyOutcome copyIntoFolder(QtWindowSystem &windows, std::u16string_view source,
-                           std::u16string_view folder) {
+                           std::u16string_view folder, const FileCalls &calls) {
     std::u16string concerned;
     try {
-        return copyOrRaise(windows, source, folder, concerned);
+        return copyOrRaise(windows, source, folder, calls, concerned);
     } catch (const RunTimeError &error) {
         windows.MsgBox(concerned + crLf + error.description(), MsgBoxButtons::Ok,
                        MsgBoxIcon::Critical, heading);

@@ -2,6 +2,7 @@
 
 // The system's copy of one file, with its question and its progress.
 
+#include "platform/linux/file_calls.h"
 #include "platform/qt/qt_windows.h"
 
 #include <string_view>
@@ -15,6 +16,6 @@ enum class CopyOutcome { Done, Cancelled, Failed };
 // source's time stamp and mode. Asks before it overwrites, also what came there meanwhile; an error
 // is told in a box of its own. Nothing half done stays behind. Handles events between the pieces.
 CopyOutcome copyIntoFolder(QtWindowSystem &windows, std::u16string_view source,
-                           std::u16string_view folder);
+                           std::u16string_view folder, const FileCalls &calls = {});
 
 } // namespace velmora::platform::qt

@@ -50,7 +50,8 @@ Colour toColour(const QColor &colour) {
 
 class QtDialogs : public Dialogs {
 public:
-    QtDialogs(QtWindowSystem &windows, const AnsiText &ansi) : windows_(windows), ansi_(ansi) {}
+    QtDialogs(QtWindowSystem &windows, const AnsiText &ansi, FileCalls calls)
+        : windows_(windows), ansi_(ansi), calls_(std::move(calls)) {}
 
     std::optional<std::u16string> SHBrowseForFolderA(const BROWSEINFO &record) override {
         speak();
@@ -129,7 +130,7 @@ public:
         }
         windows_.beforeNestedLoop();
         const auto outcome =
-            qt::copyIntoFolder(windows_, untilNul(operation.from), untilNul(operation.to));
+            qt::copyIntoFolder(windows_, untilNul(operation.from), untilNul(operation.to), calls_);
         operation.anyOperationsAborted = outcome == qt::CopyOutcome::Cancelled;
         return outcome == qt::CopyOutcome::Failed ? 1 : 0;
     }
@@ -195,13 +196,15 @@ private:
 
     QtWindowSystem &windows_;
     const AnsiText &ansi_;
+    FileCalls calls_;
     std::unique_ptr<QTranslator> words_;
 };
 
 } // namespace
 
-std::unique_ptr<Dialogs> makeQtDialogs(QtWindowSystem &windows, const AnsiText &ansi) {
-    return std::make_unique<QtDialogs>(windows, ansi);
+std::unique_ptr<Dialogs> makeQtDialogs(QtWindowSystem &windows, const AnsiText &ansi,
+                                       FileCalls calls) {
+    return std::make_unique<QtDialogs>(windows, ansi, std::move(calls));
 }
 
 } // namespace velmora::platform

@@ -4,13 +4,16 @@
 
 #include "platform/ansi.h"
 #include "platform/dialogs.h"
+#include "platform/linux/file_calls.h"
 #include "platform/qt/qt_windows.h"
 
 #include <memory>
 
 namespace velmora::platform {
 
-// Both must outlive the dialogs. `ansi` carries the names of fonts.
-std::unique_ptr<Dialogs> makeQtDialogs(QtWindowSystem &windows, const AnsiText &ansi);
+// `windows` and `ansi`, which carries the names of fonts, must outlive the dialogs. `calls` write
+// what is copied.
+std::unique_ptr<Dialogs> makeQtDialogs(QtWindowSystem &windows, const AnsiText &ansi,
+                                       FileCalls calls = {});
 
 } // namespace velmora::platform

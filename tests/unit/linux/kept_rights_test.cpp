@@ -1,24 +1,17 @@
-// What a file keeps besides its content when it is written over, and what an interrupted writing
-// leaves.
+// What a file keeps besides its content when it is written over.
 
 #include "platform/linux/atomic_write.h"
-#include "platform/linux/passing_name.h"
 
 #include "tests/unit/linux/temp_folder.h"
 
 #include <gtest/gtest.h>
 
-#include <sys/file.h>
-#include <sys/wait.h>
 #include <sys/xattr.h>
 
-#include <csignal>
 #include <cstring>
 
 namespace velmora::platform {
 namespace {
-
-using Names = std::vector<std::string>;
 
 constexpr char accessRights[] = "system.posix_acl_access";
 constexpr char defaultRights[] = "system.posix_acl_default";
@@ -112,65 +105,6 @@ TEST_F(KeptRights, AnotherUsersFileWrittenByRootStaysThatUsers) {
         EXPECT_EQ(info.st_uid, 4711U);
         EXPECT_EQ(info.st_gid, 4712U);
     }
-}
-
-// --- what was cut short --------------------------------------------------------------------------
-
-struct Unfinished : testing::Test {
-    TempFolder folder;
-
-    // A process that is killed in the middle of writing a file with a passing name.
-    void killAWriter() {
-        const pid_t child = ::fork();
-        if (child == 0) {
-            AtomicFile file(folder.bytes("f"), AtomicFile::While::Named);
-            file.write(std::string(100'000, 'n'));
-            ::kill(::getpid(), SIGKILL);
-        }
-        ::waitpid(child, nullptr, 0);
-    }
-};
-
-TEST_F(Unfinished, FilesOfAKilledWriterAreCleared) {
-    folder.write("f", "old");
-    killAWriter();
-    EXPECT_EQ(folder.names().size(), 2U);
-    clearUnfinished(folder.path());
-    EXPECT_EQ(folder.names(), Names{"f"});
-    EXPECT_EQ(folder.read("f"), "old");
-}
-
-TEST_F(Unfinished, FilesThatAreBeingWrittenStay) {
-    AtomicFile file(folder.bytes("f"), AtomicFile::While::Named);
-    file.write("half");
-    clearUnfinished(folder.path());
-    EXPECT_EQ(folder.names().size(), 1U);
-    file.commit(false);
-    EXPECT_EQ(folder.names(), Names{"f"});
-}
-
-TEST_F(Unfinished, FilesWithoutAWriteBitAreClearedToo) {
-    const std::string path = passingName(folder.path(), 7);
-    const std::string name = path.substr(folder.path().size() + 1);
-    folder.write(name, "copied");
-    folder.mode(name, 0444);
-    clearUnfinished(folder.path());
-    EXPECT_EQ(folder.names(), Names{});
-}
-
-TEST_F(Unfinished, NothingElseIsCleared) {
-    const Names names = {".velmora",       ".velmora-",     ".velmora-1",     ".velmora-1-",
-                         ".velmora-1-2.x", ".velmora-a-1",  ".velmora-1-2-3", "velmora-1-2",
-                         ".velmora--1",    ".velmora-1 - 2"};
-    for (const std::string &name : names)
-        folder.write(name, "a person's");
-    folder.makeFolder(".velmora-1-2");
-    folder.write("target", "a person's");
-    folder.link(".velmora-3-4", "target");
-    folder.pipe(".velmora-5-6");
-    clearUnfinished(folder.path());
-    EXPECT_EQ(folder.names().size(), names.size() + 4);
-    clearUnfinished(folder.bytes("gone"));
 }
 
 } // namespace
