@@ -227,6 +227,8 @@ void Main::welcome_Click() {
 }
 
 void Main::get_Focus() {
+    if (!visible() && app_.miniForm().visible())
+        return; // the strip stands for this window, and goes on doing so
     hide();
     show();
 }

@@ -4,6 +4,7 @@
 
 #include "playback/MenuForm.h"
 #include "playback/miniForm.h"
+#include "settings/playSetForm.h"
 
 namespace velmora {
 namespace {
@@ -42,6 +43,27 @@ TEST_F(MiniReturn, WithoutTheListLeavesMainWhereItIs) {
     EXPECT_TRUE(main().visible());
     EXPECT_EQ(main().left(), 6000);
     EXPECT_FALSE(app.playList_Form().visible());
+}
+
+TEST_F(MiniReturn, MainStaysAwayWhenTheSettingsOfTheStripAreLeft) {
+    for (forms::Control *way : {static_cast<forms::Control *>(&app.playSetForm().qd),
+                                static_cast<forms::Control *>(&app.playSetForm().qx)}) {
+        app.MenuForm().playSet.choose();
+        ASSERT_TRUE(app.playSetForm().visible());
+        click(*way);
+        EXPECT_FALSE(app.playSetForm().visible());
+        EXPECT_FALSE(main().visible());
+        EXPECT_TRUE(main().enabled());
+        EXPECT_TRUE(app.miniForm().visible());
+        EXPECT_EQ(main().left(), 6000);
+    }
+}
+
+TEST_F(MiniReturn, MainComesForwardWhenTheSettingsAreLeftWithoutTheStrip) {
+    click(app.miniForm().mini_Button);
+    main().hide();
+    main().get_Focus();
+    EXPECT_TRUE(main().visible());
 }
 
 TEST_F(MiniReturn, TheStripHasNoMenuWhileItsPlayIsDisabled) {
