@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace velmora {
 
@@ -181,8 +182,11 @@ void zkButton::mouseMove(const forms::MouseEvent &event) {
     }
     forms::raiseEvent(MouseOut);
     if (watch) {
-        // The way back goes on from the alpha where the fade stands.
+        // The way back goes on from the alpha where the fade stands. A button that had come to rest
+        // has to go it too: it would stay as it is until the pointer comes again.
         state_ = State::ToNormal;
+        if (rested_ != State::ToNormal && enabled())
+            TimerPaint.setRunning(true);
     }
 }
 
@@ -248,7 +252,7 @@ void zkButton::tick() {
     changed(forms::Change::Look);
     if (fade_ == std::numeric_limits<std::uint8_t>::max()) {
         fade_ = 0;
-        state_ = State::Idle;
+        rested_ = std::exchange(state_, State::Idle);
     }
 }
 
@@ -259,6 +263,7 @@ void zkButton::enabledChanged() {
     }
     TimerPaint.setRunning(false);
     state_ = State::Idle;
+    rested_ = State::ToNormal;
     fade_ = 0;
     captionColor_ = foreColor_;
     if (asked_) {

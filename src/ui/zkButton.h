@@ -84,6 +84,7 @@ private:
     Colour captionColor_;
     std::int32_t speed_;
     State state_ = State::Idle;
+    State rested_ = State::ToNormal; // where the last whole fade went
     std::uint8_t fade_ = 0;
     float last_X_ = 0;
     float last_Y_ = 0;

@@ -70,15 +70,17 @@ TEST_F(ButtonTest, PressAndReleaseStartNoTicks) {
     EXPECT_EQ(button.state(), State::ToHot);
 }
 
-TEST_F(ButtonTest, ALeaveOfAButtonAtRestWaitsForTheNextMoveInside) {
+TEST_F(ButtonTest, ALeaveOfAButtonAtRestIsSoftToo) {
     enter();
     tick(12);
     ASSERT_FALSE(button.ticking());
     leave();
     EXPECT_EQ(button.state(), State::ToNormal);
-    EXPECT_FALSE(button.ticking()) << "only a move inside starts the ticks";
-    tick(10);
-    expectLook(forms::Picture::button_hot);
+    tick();
+    EXPECT_EQ(button.fade(), 1);
+    tick(256);
+    expectLook(forms::Picture::button_normal);
+    EXPECT_FALSE(button.ticking());
 }
 
 TEST_F(ButtonTest, TheWayBackKeepsTheAlphaOfThePressedFade) {

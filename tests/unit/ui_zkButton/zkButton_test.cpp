@@ -88,6 +88,29 @@ TEST_F(ButtonTest, TheLeaveOfTheWindowIsALeave) {
     EXPECT_EQ(button.state(), State::ToNormal);
 }
 
+TEST_F(ButtonTest, AButtonClickedAtRestIsNormalAgainWhenItsWindowHasGone) {
+    button.on().Click = [this] { form.hide(); };
+    form.show();
+    enter();
+    tick(10);
+    ASSERT_FALSE(button.ticking()); // the pointer rests, and the button is hot
+    press(310, 310);
+    release(310, 310);
+    form.pointerLeft();
+    tick(300);
+    form.show();
+    expectLook(forms::Picture::button_normal);
+    EXPECT_EQ(button.look().captionColor, faceColour);
+    EXPECT_FALSE(button.ticking());
+}
+
+TEST_F(ButtonTest, ADisabledButtonStaysStillWhenThePointerLeaves) {
+    enter();
+    button.setEnabled(false);
+    form.pointerLeft();
+    EXPECT_FALSE(button.ticking());
+}
+
 TEST_F(ButtonTest, LeavingIsToldOnce) {
     logAll();
     enter();
