@@ -122,43 +122,43 @@ void Procedure_Description::clear() {
 
 void Procedure_Description::read_File_Version(std::u16string_view path) {
     clear();
-    std::string record;
-    passOver([&] {
-        platform::VersionRecords &versions = app_.platform().versions;
-        const std::uint32_t size = versions.GetFileVersionInfoSizeA(path);
-        if (size >= 1) {
-            record = versions.GetFileVersionInfoA(path, size);
-        }
-    });
-    if (record.empty()) {
+    platform::VersionRecords &versions = app_.platform().versions;
+    std::uint32_t size = 0;
+    passOver([&] { size = versions.GetFileVersionInfoSizeA(path); });
+    if (size < 1) {
         return;
     }
+    std::string record;
+    passOver([&] { record = versions.GetFileVersionInfoA(path, size); });
     passOver([&] { readFixedPart(record); });
     passOver([&] { readStrings(record); });
 }
 
+// A record without a sound fixed part says nothing, and nothing has numbers and words too.
 void Procedure_Description::readFixedPart(std::string_view record) {
-    const auto part = app_.platform().versions.VerQueryValueA(record, u"\\");
-    if (!part || part->size() < fixedPartSize) {
-        return;
-    }
-    ver_StrucVersion = twoNumbers(wordAt(*part, structure));
-    ver_FileVersion =
-        twoNumbers(wordAt(*part, fileHigh)) + u"." + twoNumbers(wordAt(*part, fileLow));
+    std::string part(fixedPartSize, '\0');
+    passOver([&] {
+        const auto found = app_.platform().versions.VerQueryValueA(record, u"\\");
+        if (found && found->size() >= fixedPartSize) {
+            part = *found;
+        }
+    });
+    ver_StrucVersion = twoNumbers(wordAt(part, structure));
+    ver_FileVersion = twoNumbers(wordAt(part, fileHigh)) + u"." + twoNumbers(wordAt(part, fileLow));
     ver_ProductVersion =
-        twoNumbers(wordAt(*part, productHigh)) + u"." + twoNumbers(wordAt(*part, productLow));
+        twoNumbers(wordAt(part, productHigh)) + u"." + twoNumbers(wordAt(part, productLow));
     for (const Wording &flag : flagWords) {
-        if ((wordAt(*part, flags) & flag.value) != 0) {
+        if ((wordAt(part, flags) & flag.value) != 0) {
             ver_Flags = std::u16string(flag.words) + ver_Flags;
         }
     }
-    ver_OS = wordsFor(wordAt(*part, system), systemWords, u"未知操作系统");
-    const std::uint32_t fileType = wordAt(*part, type);
+    ver_OS = wordsFor(wordAt(part, system), systemWords, u"未知操作系统");
+    const std::uint32_t fileType = wordAt(part, type);
     ver_FileType = wordsFor(fileType, typeWords, u"未知");
     if (fileType == typeDriver) {
-        ver_FileSubtype = wordsFor(wordAt(*part, subtype), driverWords, u"");
+        ver_FileSubtype = wordsFor(wordAt(part, subtype), driverWords, u"");
     } else if (fileType == typeFont) {
-        ver_FileSubtype = wordsFor(wordAt(*part, subtype), fontWords, u"");
+        ver_FileSubtype = wordsFor(wordAt(part, subtype), fontWords, u"");
     }
 }
 

@@ -78,7 +78,19 @@ TEST_F(Version, OfAFileWithoutARecordIsEmptyThroughout) {
 TEST_F(Version, OfADamagedRecordDoesNotRaise) {
     fake.versions.addRecordBytes(path, "no record at all");
     EXPECT_NO_THROW(record().read_File_Version(path));
-    EXPECT_EQ(record().ver_FileVersion, u"");
+    EXPECT_EQ(record().ver_InternalName, u"");
+}
+
+TEST_F(Version, OfARecordWithoutAFixedPartHasTheWordsOfAnEmptyOne) {
+    fake.versions.addRecordBytes(path, "no record at all");
+    record().read_File_Version(path);
+    EXPECT_EQ(record().ver_StrucVersion, u"0.0");
+    EXPECT_EQ(record().ver_FileVersion, u"0.0.0.0");
+    EXPECT_EQ(record().ver_ProductVersion, u"0.0.0.0");
+    EXPECT_EQ(record().ver_Flags, u"");
+    EXPECT_EQ(record().ver_OS, u"未知操作系统");
+    EXPECT_EQ(record().ver_FileType, u"未知");
+    EXPECT_EQ(record().ver_FileSubtype, u"");
 }
 
 // A record says how long it is: one that is cut is none, wherever the cut falls.
