@@ -29,8 +29,23 @@ MarqueeState marqueeStep(MarqueeState now, Twips textWidth, Twips boxWidth,
     return now;
 }
 
+Twips leftInSight(Twips left, Twips textWidth, Twips boxWidth,
+                  const MarqueeMeasure &measure) noexcept {
+    if (left + textWidth <= 0)
+        return boxWidth - textWidth - measure.margin;
+    return left >= boxWidth ? measure.margin : left;
+}
+
+void settleLabel(forms::Label &label, Twips boxWidth, const MarqueeMeasure &measure) {
+    if (label.width() > boxWidth)
+        label.setLeft(leftInSight(label.left(), label.width(), boxWidth, measure));
+    else
+        centreLabel(label, boxWidth);
+}
+
 void rollLabel(forms::Label &label, Twips boxWidth, const MarqueeMeasure &measure) {
-    const MarqueeState before{label.left(), leadingNumber(label.tag()) == 1};
+    const MarqueeState before{leftInSight(label.left(), label.width(), boxWidth, measure),
+                              leadingNumber(label.tag()) == 1};
     const MarqueeState after = marqueeStep(before, label.width(), boxWidth, measure);
     label.setLeft(after.left);
     if (after.movingRight != before.movingRight) {

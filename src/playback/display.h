@@ -36,12 +36,21 @@ struct MarqueeState {
 MarqueeState marqueeStep(MarqueeState now, Twips textWidth, Twips boxWidth,
                          const MarqueeMeasure &measure) noexcept;
 
-// The same on a label. Its tag is the direction: "1" right, anything else left; written only when
-// the direction turns ("1" and "2").
+// Where a text that is wider than its box stands after another took its place: where it stood, so
+// long as the box shows some of it, else with the end that is nearer `margin` inside.
+Twips leftInSight(Twips left, Twips textWidth, Twips boxWidth,
+                  const MarqueeMeasure &measure) noexcept;
+
+// The same step on a label that is wider than its box, from where it is in sight. Its tag is the
+// direction: "1" right, anything else left; written only when the direction turns ("1" and "2").
 void rollLabel(forms::Label &label, Twips boxWidth, const MarqueeMeasure &measure);
 
 // Half the box less half the label.
 void centreLabel(forms::Label &label, Twips boxWidth);
+
+// Puts a label right whose text was changed between two steps: centred where it fits, else in
+// sight.
+void settleLabel(forms::Label &label, Twips boxWidth, const MarqueeMeasure &measure);
 
 // Shows the current lyric line: rolls it when it is wider than the box, a new line (told by
 // `shownLine`) starting at the left edge; centres it otherwise.

@@ -7,6 +7,7 @@
 #include "playback/Main.h"
 #include "playback/VideoScreen_Form.h"
 #include "playback/check_SoundDriver_Form.h"
+#include "playback/display.h"
 #include "playback/miniForm.h"
 #include "settings/language_common.h"
 #include "settings/language_tables.h"
@@ -117,11 +118,26 @@ template <> std::span<const Row<lrcForm>> rowsOf() { return lyricRows; }
 template <> std::span<const Row<check_SoundDriver_Form_Design>> rowsOf() { return soundRows; }
 template <> std::span<const Row<VideoScreen_Form_Design>> rowsOf() { return videoRows; }
 
+// The greeting takes the place of a title that may have rolled far, and while paused no step moves
+// it.
+template <typename Form> static void settleGreeting(Velmora &app, Form &(Velmora::*form)()) {
+    if (!isLanguage(app.setControl().Language_Index))
+        return;
+    Form &window = (app.*form)();
+    settleLabel(window.playInfo_Show, window.nameBox.width(), titleMarquee);
+}
+
 } // namespace texts
 
-void Language_Set::language_Main() { texts::putIn<Main_Design>(app_, &Velmora::Main); }
+void Language_Set::language_Main() {
+    texts::putIn<Main_Design>(app_, &Velmora::Main);
+    texts::settleGreeting(app_, &Velmora::Main);
+}
 
-void Language_Set::language_miniForm() { texts::putIn<miniForm_Design>(app_, &Velmora::miniForm); }
+void Language_Set::language_miniForm() {
+    texts::putIn<miniForm_Design>(app_, &Velmora::miniForm);
+    texts::settleGreeting(app_, &Velmora::miniForm);
+}
 
 void Language_Set::language_lrcForm() { texts::putIn<lrcForm>(app_, &Velmora::lrcForm); }
 

@@ -38,5 +38,17 @@ TEST(MarqueeStep, OfTheDesktopLineTurnsLeftWithoutMovingThereInThatTick) {
     EXPECT_EQ(marqueeStep({1050, false}, 9000, 8000, desktopMarquee), (MarqueeState{900, false}));
 }
 
+TEST(TextInSight, StaysWhereItIs) {
+    for (const Twips left : {-999.0F, -200.0F, 0.0F, 799.0F})
+        EXPECT_EQ(leftInSight(left, 1000, 800, titleMarquee), left);
+}
+
+TEST(TextInSight, ComesBackWithTheEndThatIsNearer) {
+    for (const Twips left : {-1000.0F, -30000.0F})
+        EXPECT_EQ(leftInSight(left, 1000, 800, titleMarquee), -400);
+    for (const Twips left : {800.0F, 30000.0F})
+        EXPECT_EQ(leftInSight(left, 1000, 800, titleMarquee), 200);
+}
+
 } // namespace
 } // namespace velmora

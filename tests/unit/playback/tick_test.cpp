@@ -7,6 +7,7 @@
 #include "network/search_Lrc_Internet_Form.h"
 #include "network/search_Song_Internet_Form.h"
 #include "playback/display.h"
+#include "playback/miniForm.h"
 
 namespace velmora {
 namespace {
@@ -255,6 +256,53 @@ TEST_F(Tick, RollsAWideTitleInStepsOf30AndDoesNotRestartItForANewOne) {
     app.player().nowPlay_Title = wide(main().nameBox, 9);
     tickMain();
     EXPECT_EQ(main().playInfo_Show.left(), -90);
+}
+
+TEST_F(Tick, ShowsAShorterTitleAtOnceThatComesBehindALongOneThatHadRolledFar) {
+    play();
+    media.advance(1000);
+    app.player().nowPlay_Title = wide(main().nameBox, 200);
+    auto &label = main().playInfo_Show;
+    label.setTag(u"");
+    label.setLeft(0);
+    tickMain();
+    label.setLeft(-15000);
+    app.player().nowPlay_Title = wide(main().nameBox);
+    tickMain();
+    EXPECT_GT(label.left() + label.width(), 0);
+    EXPECT_LT(label.left(), main().nameBox.width());
+}
+
+TEST_F(Tick, ShowsALineAtOnceWhoseLettersBecameSmallerWhileItHadRolledFar) {
+    play();
+    app.lrcForm().nowLrcLine = wide(main().lrcBox, 200);
+    tickMain();
+    main().lrc_Text.setLeft(-15000);
+    app.lrcForm().nowLrcLine = wide(main().lrcBox);
+    main().lrc_Text.setCaption(app.lrcForm().nowLrcLine);
+    tickMain(); // a new line starts at the left
+    main().lrc_Text.setLeft(-15000);
+    tickMain();
+    EXPECT_GT(main().lrc_Text.left() + main().lrc_Text.width(), 0);
+}
+
+TEST_F(Tick, TheGreetingOfAnotherLanguageIsSeenWhereATitleHadRolledFarAndPlayIsPaused) {
+    app.setControl().Language_Index = 1;
+    play();
+    media.advance(1000);
+    app.player().nowPlay_Title = wide(main().nameBox, 200);
+    tickMain();
+    auto &mini = app.miniForm();
+    mini.playInfo_Show.setCaption(app.player().nowPlay_Title);
+    for (forms::Label *label : {&main().playInfo_Show, &mini.playInfo_Show})
+        label->setLeft(-15000);
+    app.player().pause_Sub();
+    app.Language_Set().apply_Language();
+    tickMain();
+    EXPECT_EQ(main().playInfo_Show.caption(), u"Welcome to Velmora");
+    EXPECT_EQ(main().playInfo_Show.left(),
+              main().nameBox.width() / 2 - main().playInfo_Show.width() / 2);
+    EXPECT_EQ(mini.playInfo_Show.left(), mini.nameBox.width() / 2 - mini.playInfo_Show.width() / 2);
 }
 
 TEST_F(Tick, TurnsAWideTitleAtBothMarginsOf200) {
