@@ -9,12 +9,16 @@
 #include "ui/formSet.h"
 #include "velmora.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace velmora {
 
 lrcForm::lrcForm(Velmora &app) : lrcForm_Design(app.platform().windows), app_(app) {}
 
 void lrcForm::load() {
     lrc_Text.setCaption(u"");
+    givenFont_ = lrc_Text.font();
     passOver([this] { app_.formSet().set_ColourKey(*this); });
     passOver([this] { app_.formSet().keep_Topmost(); });
     Timer1.onTimer = [this] { tick(); };
@@ -63,13 +67,27 @@ void lrcForm::showLine() {
     rollLabel(lrc_Text, width(), desktopMarquee);
 }
 
+// Letters that are higher than the screen would show nothing of the line, and take all its clicks.
+forms::Font lrcForm::fittingFont(Twips room) const {
+    forms::Font font = givenFont_;
+    for (;;) {
+        const Twips high = textExtent(lrc_Text.caption(), font).height;
+        if (high <= room || font.size() <= 1 || room <= 0)
+            return font;
+        const float fitting = std::floor(font.size() * room / high);
+        font.setSize(std::max(1.0F, std::min(fitting, font.size() - 1)));
+    }
+}
+
 void lrcForm::position() {
     velmora::formSet &rules = app_.formSet();
     rules.read_Tray_Area();
-    const Twips high = lrc_Text.height();
     // The task bar's height counts in pixels here, as it always has.
     const auto floor = static_cast<Twips>(
         (rules.work_Area.bottom - rules.work_Area.top) * rules.twips_Per_Pixel - rules.tray_Height);
+    if (const forms::Font font = fittingFont(floor); font != lrc_Text.font())
+        lrc_Text.setFont(font);
+    const Twips high = lrc_Text.height();
     move({0, floor - high, windows().screenWidth(), high});
     lrc_Text.move({0, 0, width(), high});
     isCentred_ = false; // a narrower window may be too narrow for the line

@@ -46,6 +46,9 @@ public:
 
     // The lowest row of List1 that contains the text anywhere, or -1.
     std::int16_t ListIndex(std::u16string_view text) const;
+    // The font that the line is to have. `position` makes it smaller where a line of it would be
+    // higher than the screen.
+    void dress(const forms::Font &font) { givenFont_ = font; }
     // Places the window across the screen above the task bar, and brings it to the top.
     void position();
 
@@ -57,8 +60,10 @@ private:
     void forgetLyric();
     void followLyric();
     void showLine();
+    forms::Font fittingFont(Twips room) const;
 
     Velmora &app_;
+    forms::Font givenFont_;
     bool isCentred_ = false; // the line was last shown centred, in this font
     forms::Font centredFont_;
 };

@@ -38,8 +38,10 @@ void skinSet::apply_Desktop_Lrc_Font(bool fromStaging) {
     forms::TextBox &preview = app_.playSetForm().desktop_Lrc_Preview;
     if (fromStaging)
         takeStaging(preview, app_.setControl());
-    dress(app_.lrcForm().lrc_Text, preview);
-    app_.lrcForm().position();
+    velmora::lrcForm &lyric = app_.lrcForm();
+    lyric.lrc_Text.setForeColor(preview.foreColor());
+    lyric.dress(preview.font());
+    lyric.position();
 }
 
 void skinSet::apply_Other_Lrc_Font(bool fromStaging) {

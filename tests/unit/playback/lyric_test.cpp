@@ -259,6 +259,40 @@ TEST_F(DesktopLine, IsPlacedAgainWhenTheScreensChange) {
     EXPECT_TRUE(form().visible());
 }
 
+TEST_F(DesktopLine, OfAnySizeStaysWithinTheScreensHeight) {
+    forms::Font font = form().lrc_Text.font();
+    for (const float size : {512.0F, 2160.0F}) {
+        font.setSize(size);
+        form().dress(font);
+        form().position();
+        EXPECT_GE(form().top(), 0);
+        EXPECT_LE(form().top() + form().height(), windows.workArea.bottom * 15);
+        EXPECT_GT(form().height(), 700 * 15) << "far smaller than it had to be";
+        EXPECT_EQ(form().lrc_Text.height(), form().height());
+    }
+}
+
+TEST_F(DesktopLine, HasItsOwnSizeAgainWhereThereIsRoomForIt) {
+    forms::Font font = form().lrc_Text.font();
+    font.setSize(200);
+    form().dress(font);
+    form().position();
+    EXPECT_EQ(form().lrc_Text.font().size(), 200);
+    windows.workArea = {0, 0, 320, 240};
+    windows.onScreensChanged();
+    EXPECT_LT(form().lrc_Text.font().size(), 200);
+    EXPECT_LE(form().height(), 240 * 15);
+    windows.workArea = {0, 0, 1280, 760};
+    windows.onScreensChanged();
+    EXPECT_EQ(form().lrc_Text.font().size(), 200);
+}
+
+TEST_F(DesktopLine, KeepsItsSizeWhereTheScreenIsNotKnown) {
+    windows.workArea = {0, 0, 0, 0};
+    form().position();
+    EXPECT_EQ(form().lrc_Text.font().size(), 36);
+}
+
 TEST_F(DesktopLine, ThatNoLongerFitsANarrowerScreenRolls) {
     form().position();
     const std::u16string line(40, u'w');

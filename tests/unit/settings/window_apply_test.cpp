@@ -187,6 +187,17 @@ TEST_F(SettingsApplied, EverythingIsStoredInOneOrderAndTheLanguageIsReadBack) {
     EXPECT_THAT(registry.log(), ElementsAreArray(expected));
 }
 
+TEST_F(SettingsApplied, ASizeThatNoScreenHoldsIsKeptAndShownAsLargeAsTheScreenAllows) {
+    forms::Font font = form.desktop_Lrc_Preview.font();
+    font.setSize(2160);
+    form.desktop_Lrc_Preview.setFont(font);
+    apply();
+    EXPECT_LT(desktopLine().font().size(), 2160);
+    EXPECT_GE(app.lrcForm().top(), 0);
+    EXPECT_EQ(form.desktop_Lrc_Preview.font().size(), 2160);
+    EXPECT_EQ(registry.value(playSetKey, u"Desktop_Lrc_Size")->number, 2160U);
+}
+
 TEST_F(SettingsApplied, AFolderTypedWithATildeLiesInTheHomeAndIsStoredAsItWasTyped) {
     open();
     form.save_Lrc_Path.setText(u"~/words");
