@@ -34,10 +34,10 @@ setControl::setControl(Velmora &app) : app_(app) {}
 // --- start ---------------------------------------------------------------------------------------
 
 void setControl::init_PlaySet() {
-    passOver([&] { fixFolders(); });
-    passOver([&] { load_Save_Paths(); });
-    passOver([&] { make_Folders(); });
-    passOver([&] { writeIdentity(); });
+    fixFolders();
+    load_Save_Paths();
+    make_Folders();
+    writeIdentity();
     // Both keys are there from now on, without values. The handles opened so far are overwritten;
     // only the last one is closed.
     passOver([&] { openKey(keys::playSet); });
@@ -48,14 +48,16 @@ void setControl::init_PlaySet() {
 void setControl::fixFolders() {
     const platform::Platform &platform = app_.platform();
     const std::u16string separator(1, platform.files.separator());
-    System_Dir = platform.folders.GetSystemDirectoryA();
-    System_Root = platform.folders.rootPart(System_Dir);
+    passOver([&] { System_Dir = platform.folders.GetSystemDirectoryA(); });
+    passOver([&] { System_Root = platform.folders.rootPart(System_Dir); });
     Path_App = System_Root + u"Program Files" + separator + u"Norvane软件" + separator + u"Velmora";
     Path_Lrc = Path_App + separator + u"Lyrics";
     Path_Cache = Path_App + separator + u"Cache";
     Path_List = Path_App + separator + u"List";
-    Path_Data = app_.system_SpecialFolder().get_Special_Folder(folderMyDocuments) + u"Norvane" +
-                separator + u"Velmora";
+    passOver([&] {
+        Path_Data = app_.system_SpecialFolder().get_Special_Folder(folderMyDocuments) + u"Norvane" +
+                    separator + u"Velmora";
+    });
     Path_DelFilesLog = Path_Data + separator + u"DelFilesLog";
 }
 
@@ -66,18 +68,28 @@ void setControl::load_Save_Paths() {
             folder.pop_back();
         return folder;
     };
-    Path_Lrc = stripped(get_LrcSaveFolder());
-    app_.playSetForm().save_Lrc_Path.setText(Path_Lrc);
-    Path_List = stripped(get_PlayListSaveFolder());
-    app_.playSetForm().save_PlayList_Path.setText(Path_List);
-    Path_Cache = stripped(get_PlayCacheSaveFolder());
-    app_.playSetForm().save_PlayCache_Path.setText(Path_Cache);
+    velmora::playSetForm &form = app_.playSetForm();
+    struct Row {
+        std::u16string &folder;
+        std::u16string (setControl::*stored)();
+        forms::TextBox &box;
+    };
+    const Row rows[] = {
+        {Path_Lrc, &setControl::get_LrcSaveFolder, form.save_Lrc_Path},
+        {Path_List, &setControl::get_PlayListSaveFolder, form.save_PlayList_Path},
+        {Path_Cache, &setControl::get_PlayCacheSaveFolder, form.save_PlayCache_Path},
+    };
+    for (const Row &row : rows)
+        passOver([&] {
+            row.folder = stripped((this->*row.stored)());
+            row.box.setText(row.folder);
+        });
 }
 
 bool setControl::make_Folders() {
     for (const std::u16string *folder :
          {&Path_App, &Path_Lrc, &Path_Cache, &Path_List, &Path_Data, &Path_DelFilesLog})
-        app_.saveOrOpenFile().shellMd(*folder);
+        passOver([&] { app_.saveOrOpenFile().shellMd(*folder); });
     return true;
 }
 

@@ -37,6 +37,8 @@ void FakeProcesses::end(int status) {
 
 std::optional<std::u16string> FakeFolders::SHGetSpecialFolder(std::int32_t number) {
     asked.push_back(number);
+    if (onSpecial)
+        onSpecial(number);
     const auto found = special.find(number);
     return found == special.end() ? std::nullopt : std::optional(found->second);
 }

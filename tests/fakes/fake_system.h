@@ -54,6 +54,9 @@ public:
     std::u16string dataHome = u"/home/user/.local/share/velmora/";
     std::u16string home = u"/home/user";
     std::vector<std::int32_t> asked;
+    // Called before each answer; may raise.
+    std::function<void(std::int32_t number)> onSpecial;
+    std::function<void(std::u16string_view text)> onTyped;
 
     std::optional<std::u16string> SHGetSpecialFolder(std::int32_t number) override;
     std::u16string GetWindowsDirectoryA() override { return windows; }
@@ -61,6 +64,8 @@ public:
     std::u16string GetTempPathA() override { return temporary; }
     std::u16string rootPart(std::u16string_view path) override;
     std::u16string typedFolder(std::u16string_view text) override {
+        if (onTyped)
+            onTyped(text);
         return platform::typedFolder(text, home);
     }
 };

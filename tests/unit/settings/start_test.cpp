@@ -2,6 +2,8 @@
 
 #include "tests/unit/settings/settings_fixture.h"
 
+#include "base/run_time_error.h"
+
 namespace velmora {
 namespace {
 
@@ -120,6 +122,39 @@ TEST_F(AtTheStart, ARegistryThatRefusesEverythingStopsNothing) {
 }
 
 // --- the three folder settings -------------------------------------------------------------------
+
+TEST_F(AtTheStart, AFolderThatCannotBeMadeKeepsNoOtherFromBeingMade) {
+    fake.shell.onCommandLine = [&](std::u16string_view line) {
+        if (contains(line, u"Lyrics") || contains(line, u"List"))
+            raise(ErrorNumber::General);
+    };
+    settings.init_PlaySet();
+    EXPECT_EQ(fake.shell.commandLines.size(), 6U);
+    EXPECT_TRUE(files.hasFolder(home + u"/Cache"));
+    EXPECT_TRUE(files.hasFolder(data + u"/DelFilesLog"));
+    EXPECT_TRUE(registry.value(identityKey, u"URLInfoAbout").has_value());
+}
+
+TEST_F(AtTheStart, AFolderThatCannotBeReadKeepsNoOtherFromBeingRead) {
+    registry.setText(playSetKey, u"LrcSaveFolder", u"~words");
+    registry.setText(playSetKey, u"PlayListSaveFolder", u"/lists");
+    fake.folders.onTyped = [](std::u16string_view text) {
+        if (text == u"~words")
+            raise(ErrorNumber::General);
+    };
+    settings.init_PlaySet();
+    EXPECT_EQ(settings.Path_Lrc, home + u"/Lyrics");
+    EXPECT_EQ(settings.Path_List, u"/lists");
+    EXPECT_TRUE(files.hasFolder(u"/lists"));
+}
+
+TEST_F(AtTheStart, WithoutADocumentsFolderTheOthersAreFixed) {
+    fake.folders.onSpecial = [](std::int32_t) { raise(ErrorNumber::General); };
+    settings.init_PlaySet();
+    EXPECT_EQ(settings.Path_Data, u"");
+    EXPECT_EQ(settings.Path_DelFilesLog, u"/DelFilesLog");
+    EXPECT_TRUE(files.hasFolder(home + u"/List"));
+}
 
 TEST_F(AtTheStart, AFolderSettingLosesOneSeparatorAtItsEnd) {
     registry.setText(playSetKey, u"LrcSaveFolder", u"/words/");
