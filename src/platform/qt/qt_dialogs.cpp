@@ -12,7 +12,6 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFontDialog>
-#include <QFontInfo>
 #include <QHeaderView>
 #include <QLibraryInfo>
 #include <QLocale>
@@ -105,7 +104,8 @@ public:
         font.setUnderline(record.logFont.underline);
         speak();
         QFontDialog dialog(font);
-        // What it shows for a font that is not installed.
+        // What it shows by itself for a font that is not installed: confirming that is no choice,
+        // any other name is.
         const QString substitute = dialog.currentFont().family();
         if (!runs(dialog)) {
             return 0;
@@ -114,10 +114,7 @@ public:
         record.logFont.weight = chosen.bold() ? boldWeight : regularWeight;
         record.logFont.italic = chosen.italic();
         record.logFont.underline = chosen.underline();
-        // Where the dialog knows only the substitute of the font, the name that was asked for
-        // stays.
-        if (chosen.family() != font.family() && chosen.family() != substitute &&
-            chosen.family() != QFontInfo(font).family()) {
+        if (chosen.family() != substitute) {
             record.logFont.faceName = ansi_.encode(qt::fromQString(chosen.family()));
         }
         record.pointSize = static_cast<std::int32_t>(std::lround(chosen.pointSizeF() * tenths));
