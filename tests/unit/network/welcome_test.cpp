@@ -197,6 +197,7 @@ TEST_F(Welcome, TakesItsColoursFontAndGapFromTheFile) {
         EXPECT_EQ(line->font().name(), u"Mono");
         EXPECT_EQ(line->font().size(), 12);
         EXPECT_EQ(line->mousePointer(), 99);
+        EXPECT_EQ(line->mouseIcon(), forms::MouseIcon::Hand);
         EXPECT_TRUE(line->transparent());
     }
 }
@@ -393,6 +394,36 @@ TEST_F(Welcome, WithACountThatBeginsWithANumberTakesThat) {
                 "databases_2_1_Str=b\ndatabases_2_2_Str=c\n"));
     EXPECT_EQ(lines(page().FrameDate_2).size(), 2U);
     EXPECT_FALSE(page().load_Failed);
+}
+
+TEST_F(Welcome, ClosedByTheWindowManagerIsClosedAsByItsButtonAndStays) {
+    start(whole());
+    ASSERT_TRUE(files.hasFile(file()));
+    page().unload();
+    expectClosed();
+    start(whole());
+    EXPECT_TRUE(page().visible());
+    EXPECT_EQ(page().title.caption(), u"News");
+}
+
+TEST_F(Welcome, IsDraggedByItselfItsTitleAndItsIcon) {
+    start(whole());
+    const std::array<forms::ControlEvents *, 3> handles{&page().on(), &page().title.on(),
+                                                        &page().title_ICO.on()};
+    for (forms::ControlEvents *handle : handles) {
+        page().move({3000, 3000, page().width(), page().height()});
+        windows.cursor = {210, 220};
+        handle->MouseDown({forms::leftButton, 0, 150, 300});
+        windows.cursor = {220, 240};
+        handle->MouseMove({forms::leftButton, 0, 150, 300});
+        EXPECT_EQ(page().left(), 3150);
+        EXPECT_EQ(page().top(), 3300);
+    }
+}
+
+TEST_F(Welcome, SaysAtLastThatItLoadsWhatItFetched) {
+    start(whole());
+    EXPECT_EQ(page().loadStr.caption(), u"加载数据中...");
 }
 
 TEST_F(Welcome, ClosedTakesItsFileAndBannerAlongAndShowsTheHintAgain) {

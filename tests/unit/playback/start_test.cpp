@@ -90,6 +90,28 @@ TEST_F(SayingStart, SaysThatItLooksForAnUpdateOnlyWhenItDoes) {
     EXPECT_EQ(texts().size(), 9U);
 }
 
+TEST_F(SayingStart, PaintsWhatAnUpdateSaysAtOnce) {
+    fake.registry.setText(playSetKey, u"AutoUpadate", u"1");
+    fake.registry.setText(u"SOFTWARE\\Norvane\\zkPlayer\\hosts", u"maker", u"http://maker");
+    fake.files.addFolder(fake.folders.temporary);
+    fake.internet.setDownload(u"http://maker/source/softwareDate/zkPlayerUpdate.php",
+                              "[check]\r\nvesion=99.0.0\r\ndownload=http://maker/new\r\n");
+    fake.internet.setDownload(u"http://maker/new", "program");
+    app.Language_Set().language_Messages();
+    const velmora::Language &words = app.Language();
+    for (const auto &[text, answer] :
+         {std::pair(std::u16string(words.msg_Upgrade_Ask) + u"99.0.0】？\r\n\r\n",
+                    platform::MsgBoxResult::Yes),
+          std::pair(std::u16string(words.msg_Upgrade_Done), platform::MsgBoxResult::No)})
+        windows.expectMsgBox(
+            {text, platform::MsgBoxButtons::YesNo, platform::MsgBoxIcon::None, u"Velmora 2011"},
+            answer);
+    app.start();
+    EXPECT_EQ(texts()[5], u"发现最新版本：【99.0.0】，等待用户选择是否下载...");
+    EXPECT_EQ(texts()[6], u"正在下载最新版本：【99.0.0】，请稍后...");
+    EXPECT_EQ(texts()[7], u"成功下载最新版本：【99.0.0】，等待用户选择是否重启...");
+}
+
 TEST_F(SayingStart, StaysChineseInEveryLanguage) {
     fake.registry.setText(playSetKey, u"Language", u"1");
     app.start();
