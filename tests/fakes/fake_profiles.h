@@ -1,23 +1,24 @@
 #pragma once
 
-// INI files on the disk in memory, by the rules of the contract, with a log of the calls.
+// The real INI files over the disk in memory, with a log of the calls and writes that fail on
+// request: what a test proves of them is what the program does.
 
 #include "platform/ansi.h"
+#include "platform/linux/linux_profiles.h"
 #include "platform/profiles.h"
+#include "tests/fakes/fake_files.h"
 
 #include <string>
 #include <vector>
 
 namespace velmora::fakes {
 
-class FakeFiles;
-
 class FakeProfiles : public platform::Profiles {
 public:
-    FakeProfiles(const platform::AnsiText &ansi, FakeFiles &files) : ansi_(ansi), files_(files) {}
+    FakeProfiles(const platform::AnsiText &ansi, FakeFiles &files) : real_(files, ansi) {}
 
-    // "read SECTION KEY FALLBACK SIZE FILE", "write SECTION KEY VALUE FILE" ("-": a null value),
-    // "size NUMBER".
+    // "read SECTION KEY FALLBACK SIZE FILE", "keys SECTION FILE", "write SECTION KEY VALUE FILE"
+    // ("-": a null value), "size NUMBER", "hold FILE", "release FILE".
     std::vector<std::u16string> log;
     bool writesFail = false;
 
@@ -29,20 +30,11 @@ public:
     bool WritePrivateProfileStringA(std::u16string_view section, std::u16string_view key,
                                     std::optional<std::u16string_view> value,
                                     std::u16string_view file) override;
-    // Holds nothing back: each write lies on the disk at once. "hold FILE", "release FILE".
     std::unique_ptr<Hold> holdFile(std::u16string_view file) override;
     std::u16string StrFormatByteSizeA(std::int32_t size) override;
 
 private:
-    struct Place {
-        std::vector<std::u16string> lines;
-        std::size_t sectionEnd = 0;      // where a new key goes; 0: no such section
-        std::optional<std::size_t> line; // of the key
-    };
-    Place find(std::u16string_view section, std::u16string_view key, std::u16string_view file);
-
-    const platform::AnsiText &ansi_;
-    FakeFiles &files_;
+    platform::LinuxProfiles real_;
 };
 
 } // namespace velmora::fakes

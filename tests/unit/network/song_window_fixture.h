@@ -3,6 +3,7 @@
 // The song search window with rows as a search leaves them, and a cache folder.
 
 #include "tests/unit/network/network_fixture.h"
+#include "tests/unit/pointer.h"
 
 namespace velmora {
 
@@ -28,6 +29,8 @@ protected:
         form.search_Song_List.addItem(std::u16string(link));
         form.List1.addItem(link);
         form.List2.addItem(packed);
+        form.save.setEnabled(true); // as a search leaves them
+        form.anotherSave.setEnabled(true);
     }
     void choose(std::int32_t row) { form.search_Song_List.userClicked(row, 0, false); }
     void fetchByDoubleClick(std::int32_t row = 0) { doubleClick(form.search_Song_List, row); }
@@ -40,7 +43,7 @@ protected:
     }
     std::u16string heading() { return form.title.caption(); }
     std::u16string label() { return form.show_Label.caption(); }
-    static void click(zkButton &button) { button.on().Click(); }
+    static void click(zkButton &button) { clickOn(button); }
     void expectSaving(bool enabled) {
         EXPECT_EQ(form.save.enabled(), enabled);
         EXPECT_EQ(form.anotherSave.enabled(), enabled);

@@ -297,11 +297,11 @@ TEST_F(Welcome, LosesTheEmptyKeysThatItReads) {
                 "databases_0_Ubound=1\ndatabases_0_0_Str=\ndatabases_0_0_Link=\n"
                 "databases_0_1_Str=\nother=\n"));
     EXPECT_EQ(files.contents(file()),
-              "[check]\r\nvesion=1.0.0\r\nupdate=0\r\n[config]\r\ntitle=News\r\n"
-              "provider=Norvane\r\nproviderLink=http://p/\r\nbuttonStr0=A\r\nbuttonStr1=B\r\n"
-              "buttonStr2=C\r\n[Advertising]\r\nAdvertisingNumbers=2\r\nindex_1_Str=b\r\n"
-              "index_2_Str=\r\n[databases]\r\ndatabases_0_Ubound=1\r\ndatabases_0_1_Str=\r\n"
-              "other=\r\n")
+              "[check]\nvesion=1.0.0\nupdate=0\n[config]\ntitle=News\n"
+              "provider=Norvane\nproviderLink=http://p/\nbuttonStr0=A\nbuttonStr1=B\n"
+              "buttonStr2=C\n[Advertising]\nAdvertisingNumbers=2\nindex_1_Str=b\n"
+              "index_2_Str=\n[databases]\ndatabases_0_Ubound=1\ndatabases_0_1_Str=\n"
+              "other=\n")
         << "those that it does not ask for stay";
 }
 

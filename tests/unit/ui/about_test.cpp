@@ -1,5 +1,6 @@
 // The about window.
 
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 #include "settings/playSetForm.h"
@@ -20,7 +21,7 @@ protected:
         app.playList_Form().setEnabled(false);
         app.playSetForm().setEnabled(false);
     }
-    static void click(forms::Control &control) { control.on().Click(); }
+    static void click(forms::Control &control) { clickOn(control); }
 };
 
 TEST_F(About, OpensForMainByKeyWithMainAndListDisabled) {
