@@ -106,9 +106,9 @@ public:
     // link too, stays as it is, and "file exists" is raised. No link is followed.
     virtual void writeNew(std::u16string_view path, std::string_view bytes, bool durable) = 0;
 
-    // Keeps the present file as a copy under another path before it is written over. Raises as
-    // `writeWhole` does for the present file, and when there is none, and as `writeNew` does for
-    // the copy.
+    // Keeps the present file as a copy under another path before it is written over; one that may
+    // be written but not read goes there itself. Raises as `writeWhole` does for the present file,
+    // and when there is none, and as `writeNew` does for the copy.
     virtual void keepAs(std::u16string_view path, std::u16string_view keptPath) = 0;
 
     // CreateFileA with GENERIC_WRITE, no sharing and OPEN_ALWAYS: an existing file keeps its bytes

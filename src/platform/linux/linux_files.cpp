@@ -144,8 +144,15 @@ void LinuxFiles::writeNew(std::u16string_view path, std::string_view bytes, bool
 
 void LinuxFiles::keepAs(std::u16string_view path, std::u16string_view keptPath) {
     constexpr std::size_t step = std::size_t{1} << 20;
-    replaceable(afterLinks(systemPathOrRaise(path)));
-    const OpenRegular source = openOrRaise(path);
+    const std::string file = afterLinks(systemPathOrRaise(path));
+    replaceable(file);
+    OpenRegular source;
+    source.file = openRegular(file, source.info);
+    // What may not be read cannot be copied, but it can be put aside whole.
+    if (!source.file && errno == EACCES)
+        return renameToFreeName(file, systemPathOrRaise(keptPath), calls_);
+    if (!source.file)
+        raiseSystemError(errno);
     AtomicFile kept(systemPathOrRaise(keptPath), AtomicFile::While::Unnamed,
                     AtomicFile::Over::Nothing, calls_);
     kept.takeAfter(source.file.number(), source.info);
