@@ -169,6 +169,18 @@ TEST_F(SettingsApplied, TheListOfThisRunIsSavedElsewhereFromTheNextSaveOnAndNoth
     EXPECT_EQ(files.contents(old), "/m/a.mp3\r\n");
 }
 
+TEST_F(SettingsApplied, AnOlderListInTheFolderChosenIsKeptBeforeItIsWrittenOver) {
+    const std::u16string there = u"/songs/lists/zkPlayList.m3u";
+    files.addFile(there, "/m/older.mp3\r\n");
+    addRow(u"/m/a.mp3");
+    form.save_PlayList_Path.userEdited(u"/songs/lists/");
+    apply();
+    EXPECT_EQ(files.contents(there), "/m/older.mp3\r\n");
+    app.saveOrOpenFile().savePlayList();
+    EXPECT_EQ(files.contents(there), "/m/a.mp3\r\n");
+    EXPECT_EQ(files.contents(there + u".old"), "/m/older.mp3\r\n");
+}
+
 TEST_F(SettingsApplied, AFolderIsTakenAsItWasTyped) {
     for (const char16_t *odd :
          {u"/a//", u"/a/", u"relative", u"", u" /blank ", u"/a\r\nb", u"/m/song.mp3"}) {
