@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 
 namespace velmora::platform {
@@ -148,27 +149,13 @@ std::u16string_view withoutTrailingSeparators(std::u16string_view path) noexcept
     return path;
 }
 
-// Of several names that differ only in case the first one in binary order.
-std::u16string findIgnoringCase(std::u16string_view folderPath, std::u16string_view name,
-                                SearchFor what) {
-    const auto path = folderPath.empty() ? std::string(".") : pathBytes(folderPath);
-    const Folder folder = openFolder(path);
-    if (!folder || name.empty())
-        return {};
-    std::u16string found;
-    const std::u16string wanted = upper(name);
-    while (const ::dirent *entry = ::readdir(folder.get())) {
-        std::u16string candidate = pathFromBytes(entry->d_name);
-        if (candidate.size() == wanted.size() && (found.empty() || candidate < found) &&
-            upper(candidate) == wanted && isWanted(::dirfd(folder.get()), *entry, what))
-            found = std::move(candidate);
-    }
-    return found;
+std::uint64_t hashOf(std::u16string_view upperName) noexcept {
+    return std::hash<std::u16string_view>{}(upperName);
 }
 
 } // namespace
 
-std::u16string findName(std::u16string_view path, SearchFor what) {
+std::u16string NameSearch::find(std::u16string_view path, SearchFor what) {
     if (what == SearchFor::Folders)
         path = withoutTrailingSeparators(path);
     const auto bytes = systemPath(path);
@@ -178,7 +165,90 @@ std::u16string findName(std::u16string_view path, SearchFor what) {
     struct ::stat info {};
     if (::stat(bytes->c_str(), &info) == 0 && isWanted(info.st_mode, what))
         return std::u16string(name.empty() ? path : name); // only a root has no name
-    return findIgnoringCase(folderPart(path), name, what);
+    return name.empty() ? std::u16string() : findIgnoringCase(folderPart(path), name, what);
+}
+
+std::u16string NameSearch::findIgnoringCase(std::u16string_view folderPath,
+                                            std::u16string_view name, SearchFor what) {
+    const Folder folder = openFolder(folderPath.empty() ? std::string(".") : pathBytes(folderPath));
+    struct ::stat before {};
+    if (!folder || ::fstat(::dirfd(folder.get()), &before) != 0)
+        return {};
+    const std::u16string wanted = upper(name);
+    if (const auto known = remembered(before, wanted)) {
+        struct ::stat info {};
+        if (known->empty() ||
+            (::fstatat(::dirfd(folder.get()), pathBytes(*known).c_str(), &info, 0) == 0 &&
+             isWanted(info.st_mode, what)))
+            return *known;
+    }
+    Known now{before.st_dev, before.st_ino, before.st_mtim, before.st_ctim, now_(), {}, {}};
+    std::u16string found = readNames(folder.get(), wanted, what, now.names);
+    remember(before, std::move(now), wanted, found);
+    return found;
+}
+
+// Of several names that differ only in case the first one in binary order.
+std::u16string NameSearch::readNames(::DIR *folder, std::u16string_view wanted, SearchFor what,
+                                     std::vector<std::uint64_t> &names) {
+    ++foldersRead_;
+    std::u16string found;
+    while (const ::dirent *entry = ::readdir(folder)) {
+        std::u16string candidate = pathFromBytes(entry->d_name);
+        const std::u16string key = upper(candidate);
+        names.push_back(hashOf(key));
+        if (key == wanted && (found.empty() || candidate < found) &&
+            isWanted(::dirfd(folder), *entry, what))
+            found = std::move(candidate);
+    }
+    return found;
+}
+
+// The answer that an unchanged folder gave, empty where it has no such name. No value: it has to be
+// read.
+std::optional<std::u16string> NameSearch::remembered(const struct ::stat &folder,
+                                                     const std::u16string &wanted) {
+    constexpr std::time_t longestSeconds = 300; // some disks stamp their folders once for all
+    const std::lock_guard lock(mutex_);
+    const auto known = std::find_if(known_.begin(), known_.end(), [&](const Known &one) {
+        return one.device == folder.st_dev && one.node == folder.st_ino;
+    });
+    if (known == known_.end())
+        return std::nullopt;
+    const std::time_t age = now_() - known->learnt;
+    if (!isSame(known->modified, folder.st_mtim) || !isSame(known->changed, folder.st_ctim) ||
+        age < 0 || age > longestSeconds) {
+        known_.erase(known);
+        return std::nullopt;
+    }
+    if (!std::binary_search(known->names.begin(), known->names.end(), hashOf(wanted)))
+        return std::u16string();
+    const auto found = known->found.find(wanted);
+    return found == known->found.end() ? std::nullopt : std::optional(found->second);
+}
+
+void NameSearch::remember(const struct ::stat &folder, Known now, const std::u16string &wanted,
+                          const std::u16string &found) {
+    constexpr std::size_t mostFolders = 4;
+    constexpr std::size_t mostNames = 500'000;
+    constexpr std::size_t mostFound = 64;
+    if (!isSettled(folder, now.learnt) || now.names.size() > mostNames)
+        return;
+    std::sort(now.names.begin(), now.names.end());
+    const std::lock_guard lock(mutex_);
+    const auto old = std::find_if(known_.begin(), known_.end(), [&](const Known &one) {
+        return one.device == now.device && one.node == now.node;
+    });
+    if (old != known_.end()) {
+        if (old->found.size() < mostFound)
+            now.found = std::move(old->found);
+        known_.erase(old);
+    }
+    if (!found.empty())
+        now.found[wanted] = found;
+    known_.push_back(std::move(now));
+    if (known_.size() > mostFolders)
+        known_.erase(known_.begin());
 }
 
 bool FolderWalks::enters(const Identity &folder, SearchFor what, std::uint32_t walk) {

@@ -4,13 +4,16 @@
 
 #include "platform/files.h"
 
+#include <dirent.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
 #include <functional>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -20,8 +23,47 @@
 
 namespace velmora::platform {
 
-// `FileSystem::Dir`.
-std::u16string findName(std::u16string_view path, SearchFor what);
+// `FileSystem::Dir`, from any thread.
+//
+// The same few names are asked for again and again (the lyric of a track, at each seek), and where
+// none of that spelling is there a whole folder has to be read, which on a share takes its time. So
+// the names of the folders that were read last are remembered for as long as these stand unchanged.
+class NameSearch {
+public:
+    // `now` as with `FolderWalks`.
+    explicit NameSearch(std::function<std::time_t()> now = [] { return std::time(nullptr); })
+        : now_(std::move(now)) {}
+
+    std::u16string find(std::u16string_view path, SearchFor what);
+
+    // How often a folder was read: what the questions cost.
+    std::size_t foldersRead() const { return foldersRead_; }
+
+private:
+    struct Known {
+        std::uint64_t device = 0;
+        std::uint64_t node = 0;
+        struct ::timespec modified {};
+        struct ::timespec changed {};
+        std::time_t learnt = 0;
+        std::vector<std::uint64_t> names;               // hashes of the upper-cased names, sorted
+        std::map<std::u16string, std::u16string> found; // answers by the upper-cased name
+    };
+
+    std::u16string findIgnoringCase(std::u16string_view folder, std::u16string_view name,
+                                    SearchFor what);
+    std::u16string readNames(::DIR *folder, std::u16string_view wanted, SearchFor what,
+                             std::vector<std::uint64_t> &names);
+    std::optional<std::u16string> remembered(const struct ::stat &folder,
+                                             const std::u16string &wanted);
+    void remember(const struct ::stat &folder, Known now, const std::u16string &wanted,
+                  const std::u16string &found);
+
+    std::function<std::time_t()> now_;
+    std::atomic<std::size_t> foldersRead_ = 0;
+    std::mutex mutex_; // of what follows; never held while the disk is asked
+    std::vector<Known> known_;
+};
 
 // `FileSystem::list`, with the memory of which folders a walk has entered.
 //

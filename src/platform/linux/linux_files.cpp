@@ -104,7 +104,7 @@ private:
 char16_t LinuxFiles::separatorOf(std::u16string_view path) const { return pathSeparatorOf(path); }
 
 std::u16string LinuxFiles::Dir(std::u16string_view path, SearchFor what) {
-    return findName(path, what);
+    return names_->find(path, what);
 }
 
 std::vector<std::u16string> LinuxFiles::list(std::u16string_view folder, SearchFor what,

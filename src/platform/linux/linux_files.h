@@ -37,6 +37,7 @@ private:
     const AnsiText &ansi_;
     FileCalls calls_;
     FolderWalks walks_;
+    std::shared_ptr<NameSearch> names_ = std::make_shared<NameSearch>();
 };
 
 } // namespace velmora::platform

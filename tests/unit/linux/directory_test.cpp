@@ -172,6 +172,82 @@ TEST_F(Directory, remembersAWalkWhileManyOthersCome) {
 // Far behind all time stamps, so that every folder counts as long unchanged.
 std::time_t muchLater() { return std::time(nullptr) + 3600; }
 
+// The stamps of a folder go on in small steps; in life it has to stand for seconds.
+void changeStampOf(const TempFolder &folder) {
+    const auto stamp = [&] { return std::filesystem::last_write_time(folder.text()); };
+    const auto before = stamp();
+    for (int i = 0; i < 1'000'000 && stamp() == before; ++i) {
+        folder.write("passing", "");
+        std::filesystem::remove(folder.text("passing"));
+    }
+    ASSERT_NE(stamp(), before);
+}
+
+TEST_F(Directory, readsALargeFolderOnceForTheNamesThatItDoesNotHave) {
+    for (int i = 0; i < 100; ++i)
+        folder.write("song " + std::to_string(i) + ".mp3", "");
+    NameSearch names(muchLater);
+    for (int seek = 0; seek < 10; ++seek) {
+        EXPECT_EQ(names.find(folder.text("song 7.LRC"), SearchFor::Files), u"");
+        EXPECT_EQ(names.find(folder.text("song 8.LRC"), SearchFor::Files), u"");
+    }
+    EXPECT_EQ(names.foldersRead(), 1U);
+}
+
+TEST_F(Directory, readsALargeFolderOnceForANameOfAnotherCase) {
+    folder.write("Song.lrc", "");
+    folder.write("Other.lrc", "");
+    NameSearch names(muchLater);
+    for (int seek = 0; seek < 10; ++seek) {
+        EXPECT_EQ(names.find(folder.text("Song.LRC"), SearchFor::Files), u"Song.lrc");
+        EXPECT_EQ(names.find(folder.text("Song.LRC"), SearchFor::Folders), u"");
+    }
+    EXPECT_LE(names.foldersRead(), 11U); // of a folder of that name it cannot be sure
+    const std::size_t read = names.foldersRead();
+    EXPECT_EQ(names.find(folder.text("OTHER.LRC"), SearchFor::Files), u"Other.lrc");
+    EXPECT_EQ(names.find(folder.text("Song.LRC"), SearchFor::Files), u"Song.lrc");
+    EXPECT_EQ(names.foldersRead(), read + 1);
+}
+
+TEST_F(Directory, seesWhatCameAndWentBetweenTwoQuestions) {
+    folder.write("Gone.lrc", "");
+    NameSearch names(muchLater);
+    EXPECT_EQ(names.find(folder.text("come.LRC"), SearchFor::Files), u"");
+    EXPECT_EQ(names.find(folder.text("GONE.LRC"), SearchFor::Files), u"Gone.lrc");
+    changeStampOf(folder);
+    folder.write("Come.lrc", "");
+    std::filesystem::remove(folder.text("Gone.lrc"));
+    EXPECT_EQ(names.find(folder.text("come.LRC"), SearchFor::Files), u"Come.lrc");
+    EXPECT_EQ(names.find(folder.text("GONE.LRC"), SearchFor::Files), u"");
+}
+
+TEST_F(Directory, trustsNoFolderThatHasJustChangedNorOneForEver) {
+    std::time_t now = std::time(nullptr);
+    NameSearch names([&] { return now; });
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(names.find(folder.text("a.LRC"), SearchFor::Files), u"");
+    EXPECT_EQ(names.foldersRead(), 3U) << "its stamps may not tell of the next change";
+    now += 60;
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(names.find(folder.text("a.LRC"), SearchFor::Files), u"");
+    EXPECT_EQ(names.foldersRead(), 4U);
+    now += 600;
+    EXPECT_EQ(names.find(folder.text("a.LRC"), SearchFor::Files), u"");
+    EXPECT_EQ(names.foldersRead(), 5U);
+}
+
+TEST_F(Directory, remembersTheFoldersAskedLast) {
+    NameSearch names(muchLater);
+    for (int round = 0; round < 3; ++round) {
+        for (const char *sub : {"a", "b", "c"}) {
+            if (round == 0)
+                folder.makeFolder(sub);
+            EXPECT_EQ(names.find(folder.text(std::string(sub) + "/x"), SearchFor::Files), u"");
+        }
+    }
+    EXPECT_EQ(names.foldersRead(), 3U);
+}
+
 TEST_F(Directory, givesAFolderThatStoodUnchangedItsFilesFromTheFirstReading) {
     folder.makeFolder("sub");
     folder.makeFolder("sub/below");
