@@ -34,6 +34,12 @@ OpenRegular openOrRaise(std::u16string_view path) {
     return result;
 }
 
+template <class Answer> Answer inTime(std::optional<Answer> answer) {
+    if (!answer)
+        raiseSystemError(ETIMEDOUT);
+    return *std::move(answer);
+}
+
 void write(std::u16string_view path, std::string_view bytes, bool durable, AtomicFile::Over over,
            const FileCalls &calls) {
     AtomicFile file(systemPathOrRaise(path), AtomicFile::While::Unnamed, over, calls);
@@ -76,8 +82,8 @@ bool areOneFiles(std::u16string_view from, std::u16string_view to) {
 
 class LinuxFileObject : public FileSystemObject {
 public:
-    LinuxFileObject(const AnsiText &ansi, FileCalls calls)
-        : ansi_(ansi), calls_(std::move(calls)) {}
+    LinuxFileObject(const AnsiText &ansi, FileCalls calls, PatientDisk &disk)
+        : ansi_(ansi), calls_(std::move(calls)), disk_(disk) {}
 
     void CreateTextFile(std::u16string_view path, std::u16string_view text) override {
         write(path, ansi_.encode(text), false, AtomicFile::Over::OldFile, calls_);
@@ -86,17 +92,21 @@ public:
     void DeleteFile(std::u16string_view path) override { deleteFile(path); }
 
     std::time_t DateCreated(std::u16string_view path) override {
-        struct ::statx info {};
-        if (::statx(AT_FDCWD, systemPathOrRaise(path).c_str(), 0, STATX_BTIME | STATX_MTIME,
-                    &info) != 0)
-            raiseSystemError(errno);
-        const bool hasBirth = (info.stx_mask & STATX_BTIME) != 0;
-        return static_cast<std::time_t>(hasBirth ? info.stx_btime.tv_sec : info.stx_mtime.tv_sec);
+        const std::string bytes = systemPathOrRaise(path);
+        return inTime(disk_.ask(bytes, [bytes] {
+            struct ::statx info {};
+            if (::statx(AT_FDCWD, bytes.c_str(), 0, STATX_BTIME | STATX_MTIME, &info) != 0)
+                raiseSystemError(errno);
+            const bool hasBirth = (info.stx_mask & STATX_BTIME) != 0;
+            return static_cast<std::time_t>(hasBirth ? info.stx_btime.tv_sec
+                                                     : info.stx_mtime.tv_sec);
+        }));
     }
 
 private:
     const AnsiText &ansi_;
     FileCalls calls_;
+    PatientDisk &disk_;
 };
 
 } // namespace
@@ -104,41 +114,65 @@ private:
 char16_t LinuxFiles::separatorOf(std::u16string_view path) const { return pathSeparatorOf(path); }
 
 std::u16string LinuxFiles::Dir(std::u16string_view path, SearchFor what) {
-    return names_->find(path, what);
+    const auto bytes = systemPath(path);
+    if (!bytes)
+        return {};
+    return disk_
+        .ask(*bytes, [names = names_, path = std::u16string(path),
+                      what] { return names->find(path, what); })
+        .value_or(u"");
 }
 
 std::vector<std::u16string> LinuxFiles::list(std::u16string_view folder, SearchFor what,
                                              std::uint32_t walk) {
+    const auto bytes = systemPath(folder);
+    if (!bytes || disk_.isSilent(*bytes))
+        return {};
     return walks_.list(folder, what, walk);
 }
 
 std::int64_t LinuxFiles::FileLen(std::u16string_view path) {
-    struct ::stat info {};
-    if (::stat(systemPathOrRaise(path).c_str(), &info) != 0)
-        raiseSystemError(errno);
-    if (!S_ISREG(info.st_mode))
-        raiseSystemError(S_ISDIR(info.st_mode) ? EISDIR : ESPIPE);
-    return info.st_size;
+    const std::string bytes = systemPathOrRaise(path);
+    return inTime(disk_.ask(bytes, [bytes]() -> std::int64_t {
+        struct ::stat info {};
+        if (::stat(bytes.c_str(), &info) != 0)
+            raiseSystemError(errno);
+        if (!S_ISREG(info.st_mode))
+            raiseSystemError(S_ISDIR(info.st_mode) ? EISDIR : ESPIPE);
+        return info.st_size;
+    }));
 }
 
 std::unique_ptr<LineReader> LinuxFiles::openInput(std::u16string_view path) {
+    raiseIfSilent(path);
     return std::make_unique<FileLineReader>(openOrRaise(path).file);
 }
 
 std::string LinuxFiles::readBytes(std::u16string_view path, std::int64_t offset,
                                   std::size_t count) {
-    const OpenRegular open = openOrRaise(path);
-    auto bytes = readAt(open.file.number(), offset, count);
-    if (!bytes)
-        raiseSystemError(errno);
-    return *std::move(bytes);
+    const auto read = [path = std::u16string(path), offset, count] {
+        const OpenRegular open = openOrRaise(path);
+        auto bytes = readAt(open.file.number(), offset, count);
+        if (!bytes)
+            raiseSystemError(errno);
+        return *std::move(bytes);
+    };
+    return inTime(disk_.ask(systemPathOrRaise(path), read, PatientDisk::About::Bytes));
+}
+
+// For what cannot be left to itself, such as a write.
+void LinuxFiles::raiseIfSilent(std::u16string_view path) {
+    if (disk_.isSilent(systemPathOrRaise(path)))
+        raiseSystemError(ETIMEDOUT);
 }
 
 void LinuxFiles::writeWhole(std::u16string_view path, std::string_view bytes, bool durable) {
+    raiseIfSilent(path);
     write(path, bytes, durable, AtomicFile::Over::OldFile, calls_);
 }
 
 void LinuxFiles::writeNew(std::u16string_view path, std::string_view bytes, bool durable) {
+    raiseIfSilent(path);
     write(path, bytes, durable, AtomicFile::Over::Nothing, calls_);
 }
 
@@ -169,10 +203,12 @@ void LinuxFiles::keepAs(std::u16string_view path, std::u16string_view keptPath) 
 }
 
 std::unique_ptr<OutputFile> LinuxFiles::CreateFileA(std::u16string_view path) {
+    raiseIfSilent(path);
     return std::make_unique<LinuxOutputFile>(path);
 }
 
 void LinuxFiles::MkDir(std::u16string_view path) {
+    raiseIfSilent(path);
     if (::mkdir(systemPathOrRaise(path).c_str(), 0777) != 0)
         raiseSystemError(errno);
 }
@@ -201,7 +237,7 @@ void LinuxFiles::Name(std::u16string_view from, std::u16string_view to) {
 std::u16string LinuxFiles::GetShortPathNameA(std::u16string_view path) { return shortPath(path); }
 
 std::unique_ptr<FileSystemObject> LinuxFiles::CreateFileSystemObject() {
-    return std::make_unique<LinuxFileObject>(ansi_, calls_);
+    return std::make_unique<LinuxFileObject>(ansi_, calls_, disk_);
 }
 
 } // namespace velmora::platform

@@ -6,6 +6,7 @@
 #include "platform/files.h"
 #include "platform/linux/directory.h"
 #include "platform/linux/file_calls.h"
+#include "platform/linux/patient_disk.h"
 
 namespace velmora::platform {
 
@@ -34,9 +35,13 @@ public:
     std::unique_ptr<FileSystemObject> CreateFileSystemObject() override;
 
 private:
+    void raiseIfSilent(std::u16string_view path);
+
     const AnsiText &ansi_;
     FileCalls calls_;
+    PatientDisk disk_;
     FolderWalks walks_;
+    // Goes on reading a folder that takes long when nobody waits any more.
     std::shared_ptr<NameSearch> names_ = std::make_shared<NameSearch>();
 };
 

@@ -6,6 +6,7 @@
 //
 // Called from one thread only; a device's own threads never call out.
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -22,6 +23,8 @@ struct OpenRequest {
     std::string type;        // "MPEGVideo", "MPEGVideo2", "Waveaudio", "Sequencer", "AVIVideo"
     bool styleChild = false; // "style child" was given
     std::uintptr_t parentWindow = 0; // the window after "parent", 0 if none
+    // An open that is not done by then is to fail: nobody sees the program wait for longer.
+    std::chrono::steady_clock::time_point end = std::chrono::steady_clock::time_point::max();
 };
 
 class Device {
@@ -44,7 +47,7 @@ public:
 };
 
 // Opens media of its kind. Null: not a medium this device plays (the next opener is asked) or it
-// cannot be opened. Answers in bounded time whatever the file holds.
+// cannot be opened. Answers in bounded time whatever the file holds and the disk does.
 class DeviceOpener {
 public:
     virtual ~DeviceOpener() = default;

@@ -2,6 +2,7 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
+#include "base/within_time.h"
 #include "platform/media/medium_file.h"
 
 #include <algorithm>
@@ -57,8 +58,9 @@ std::u16string cutToBuffer(std::u16string text, int returnSize) {
 } // namespace
 
 MciInterpreter::MciInterpreter(std::unique_ptr<DeviceOpener> sound,
-                               std::unique_ptr<DeviceOpener> picture)
-    : sound_(std::move(sound)), picture_(std::move(picture)) {}
+                               std::unique_ptr<DeviceOpener> picture,
+                               std::chrono::milliseconds openLimit)
+    : sound_(std::move(sound)), picture_(std::move(picture)), openLimit_(openLimit) {}
 
 MciInterpreter::~MciInterpreter() = default;
 
@@ -116,21 +118,29 @@ MciError MciInterpreter::open(const OpenCommand &command, const std::u16string &
     if (!type)
         return MciError::InvalidDeviceName;
     const auto path = decodeShortPath(command.shortPath);
-    if (!path || !isRegularFile(*path))
+    if (!path)
         return MciError::FileNotFound;
-    device_ = openWithSomeDevice({*path, *type, command.styleChild, command.parentWindow});
+    const auto end = std::chrono::steady_clock::now() + openLimit_;
+    const auto file = withinTime(openLimit_, [path = *path] { return lookAtMedium(path); });
+    if (!file)
+        return MciError::CannotLoad;
+    if (!file->isRegular)
+        return MciError::FileNotFound;
+    device_ = openWithSomeDevice({*path, *type, command.styleChild, command.parentWindow, end},
+                                 file->beginning);
     if (device_ == nullptr)
         return MciError::CannotLoad;
     alias_ = alias;
     return MciError::None;
 }
 
-std::unique_ptr<Device> MciInterpreter::openWithSomeDevice(const OpenRequest &request) {
+std::unique_ptr<Device> MciInterpreter::openWithSomeDevice(const OpenRequest &request,
+                                                           std::string_view beginning) {
     std::array<DeviceOpener *, 2> openers{sound_.get(), picture_.get()};
-    if (belongsToPictureDevice(beginningOf(request.path)))
+    if (belongsToPictureDevice(beginning))
         std::swap(openers[0], openers[1]);
     for (DeviceOpener *opener : openers) {
-        if (opener == nullptr)
+        if (opener == nullptr || std::chrono::steady_clock::now() >= request.end)
             continue;
         if (auto device = opener->open(request))
             return device;

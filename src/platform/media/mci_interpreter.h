@@ -6,6 +6,7 @@
 #include "platform/media/device.h"
 #include "platform/media/mci_command.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,11 +20,13 @@ namespace velmora::platform::media {
 // What "open" does beyond the text: the path must lead to a regular file (nothing else is ever
 // opened), and the devices are asked in turn, the sound device first unless the file begins like
 // something for the picture device. The device type takes no part in the choice. The first device
-// that opens the file has it.
+// that opens the file has it. A disk that does not answer makes an open fail when its time is over,
+// and no further device is asked.
 class MciInterpreter : public MediaControl {
 public:
     // Either opener may be null: a player without that kind of device.
-    MciInterpreter(std::unique_ptr<DeviceOpener> sound, std::unique_ptr<DeviceOpener> picture);
+    MciInterpreter(std::unique_ptr<DeviceOpener> sound, std::unique_ptr<DeviceOpener> picture,
+                   std::chrono::milliseconds openLimit = std::chrono::seconds(10));
     ~MciInterpreter() override;
 
     MciAnswer mciSendStringA(std::u16string_view command, int returnSize) override;
@@ -47,7 +50,8 @@ private:
     void remember(std::u16string_view command, const MciCommand &parsed);
 
     MciError open(const OpenCommand &command, const std::u16string &alias);
-    std::unique_ptr<Device> openWithSomeDevice(const OpenRequest &request);
+    std::unique_ptr<Device> openWithSomeDevice(const OpenRequest &request,
+                                               std::string_view beginning);
     bool isOpenAs(const std::u16string &alias) const;
 
     Result act(const CloseCommand &command);
@@ -62,6 +66,7 @@ private:
 
     std::unique_ptr<DeviceOpener> sound_;
     std::unique_ptr<DeviceOpener> picture_;
+    std::chrono::milliseconds openLimit_;
     std::u16string alias_; // of the open device
     std::unique_ptr<Device> device_;
     std::vector<Question> questions_;

@@ -97,6 +97,12 @@ std::string beginningOf(const std::string &path, std::size_t limit) {
     return tag == 0 ? bytes : readAt(file, tag, limit);
 }
 
+MediumFile lookAtMedium(const std::string &path) {
+    if (!isRegularFile(path))
+        return {};
+    return {true, beginningOf(path)};
+}
+
 bool belongsToPictureDevice(std::string_view beginning) {
     for (const Mark &mark : marks) {
         if (hasAt(beginning, mark.offset, mark.bytes))

@@ -47,8 +47,8 @@ double seekLead(const std::string &format, bool hasPicture) {
 
 Opening::Opening(std::unique_ptr<MpvCore> core, const media::OpenRequest &request,
                  const PictureOptions &options)
-    : request_(request), options_(options), end_(Clock::now() + milliseconds(options.openLimitMs)),
-      core_(*core) {
+    : request_(request), options_(options),
+      end_(std::min(Clock::now() + milliseconds(options.openLimitMs), request.end)), core_(*core) {
     medium_.core = std::move(core);
     medium_.path = absolutePath(request.path);
     medium_.pixelScale = options.pixelScale;

@@ -244,7 +244,7 @@ std::vector<std::uint8_t> readPart(const ByteSource &source, std::int64_t start,
 
 std::optional<std::int64_t> samplesUpTo(const ByteSource &source, const Stream &stream,
                                         std::int64_t end) {
-    constexpr std::int64_t firstTail = 131072;
+    constexpr std::int64_t firstTail = 32768;
     constexpr std::int64_t longestTail = std::int64_t{1} << 23;
     for (std::int64_t tail = firstTail;; tail *= 8) {
         const std::int64_t start = std::max<std::int64_t>(end - tail, 0);

@@ -21,8 +21,9 @@ FluidsynthTable::FluidsynthTable(const Library &library) {
 
 namespace {
 
-template <class Table>
-std::shared_ptr<const Table> load(std::shared_ptr<const Table> &table, const std::string &name) {
+template <class Table> std::shared_ptr<const Table>
+load(std::mutex &mutex, std::shared_ptr<const Table> &table, const std::string &name) {
+    const std::lock_guard lock(mutex);
     if (!table)
         table = std::make_shared<const Table>(Library(name));
     return table->complete ? table : nullptr;
@@ -31,15 +32,15 @@ std::shared_ptr<const Table> load(std::shared_ptr<const Table> &table, const std
 } // namespace
 
 std::shared_ptr<const Mpg123Table> DecoderLibraries::mpg123() {
-    return load(mpg123_, names_.mpg123);
+    return load(*mutex_, mpg123_, names_.mpg123);
 }
 
 std::shared_ptr<const SndfileTable> DecoderLibraries::sndfile() {
-    return load(sndfile_, names_.sndfile);
+    return load(*mutex_, sndfile_, names_.sndfile);
 }
 
 std::shared_ptr<const FluidsynthTable> DecoderLibraries::fluidsynth() {
-    return load(fluidsynth_, names_.fluidsynth);
+    return load(*mutex_, fluidsynth_, names_.fluidsynth);
 }
 
 } // namespace velmora::platform::sound

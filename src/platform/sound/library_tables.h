@@ -7,6 +7,7 @@
 #include <fluidsynth.h>
 #include <memory>
 #include <mpg123.h>
+#include <mutex>
 #include <sndfile.h>
 
 namespace velmora::platform::sound {
@@ -77,7 +78,8 @@ struct LibraryNames {
 };
 
 // Each library, loaded when its table is first asked for. Null when it is missing or lacks a
-// function. The tables are shared by the readers that use them. Called from one thread.
+// function. The tables are shared by the readers that use them. Called from any thread: an open
+// that nobody waits for may still be at it.
 class DecoderLibraries {
 public:
     explicit DecoderLibraries(LibraryNames names) : names_(std::move(names)) {}
@@ -88,6 +90,7 @@ public:
 
 private:
     LibraryNames names_;
+    std::unique_ptr<std::mutex> mutex_ = std::make_unique<std::mutex>();
     std::shared_ptr<const Mpg123Table> mpg123_;
     std::shared_ptr<const SndfileTable> sndfile_;
     std::shared_ptr<const FluidsynthTable> fluidsynth_;

@@ -23,6 +23,7 @@ struct SoundOptions {
     // For MIDI: the first that can be loaded. None: media of this kind fail to open.
     std::vector<std::string> soundFonts = defaultSoundFonts();
     LibraryNames libraries = {};
+    int openLimitMs = 10'000; // an open whose disk does not answer fails then
 };
 
 // Opens wav, aiff, au, flac, ogg, opus, MPEG audio and MIDI by their content; anything else, a

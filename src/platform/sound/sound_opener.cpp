@@ -1,30 +1,51 @@
+#include "base/within_time.h"
 #include "platform/sound/output_engine.h"
 #include "platform/sound/reader.h"
 #include "platform/sound/sound.h"
 #include "platform/sound/sound_device.h"
 
+#include <algorithm>
+#include <chrono>
+
 namespace velmora::platform::sound {
 
 namespace {
 
+// What an open needs that nobody waits for any more.
+struct Decoders {
+    std::vector<std::string> soundFonts;
+    DecoderLibraries libraries;
+};
+
 class SoundDeviceOpener final : public media::DeviceOpener {
 public:
     explicit SoundDeviceOpener(SoundOptions options)
-        : soundFonts_(std::move(options.soundFonts)), libraries_(options.libraries),
-          engine_({options.libraries.pulse, options.server, options.applicationName,
-                   options.iconName}) {}
+        : decoders_(std::make_shared<Decoders>(
+              Decoders{std::move(options.soundFonts), DecoderLibraries(options.libraries)})),
+          openLimit_(options.openLimitMs), engine_({options.libraries.pulse, options.server,
+                                                    options.applicationName, options.iconName}) {}
 
     std::unique_ptr<media::Device> open(const media::OpenRequest &request) override {
-        auto reader =
-            openReader(request.path, libraries_, soundFonts_, request.type == "Sequencer");
+        auto reader = openInTime(request);
         if (!reader || !engine_.start())
             return nullptr;
         return std::make_unique<SoundDevice>(std::move(reader), engine_);
     }
 
 private:
-    std::vector<std::string> soundFonts_;
-    DecoderLibraries libraries_;
+    std::unique_ptr<Reader> openInTime(const media::OpenRequest &request) const {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(
+            request.end - std::chrono::steady_clock::now());
+        auto reader =
+            withinTime(std::min(openLimit_, left), [decoders = decoders_, path = request.path,
+                                                    midiOnly = request.type == "Sequencer"] {
+                return openReader(path, decoders->libraries, decoders->soundFonts, midiOnly);
+            });
+        return reader ? std::move(*reader) : nullptr;
+    }
+
+    std::shared_ptr<Decoders> decoders_;
+    std::chrono::milliseconds openLimit_;
     OutputEngine engine_;
 };
 

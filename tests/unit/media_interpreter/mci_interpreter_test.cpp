@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -181,6 +182,32 @@ TEST_F(Interpreter, AMissingDeviceIsPassedOver) {
     EXPECT_EQ(open("song.mp3"), 0U);
     mci_ = std::make_unique<MciInterpreter>(nullptr, nullptr);
     EXPECT_EQ(open("song.mp3"), 277U);
+}
+
+// Takes all the time that an open has, and opens nothing.
+class SlowOpener : public DeviceOpener {
+public:
+    std::unique_ptr<Device> open(const OpenRequest &request) override {
+        while (std::chrono::steady_clock::now() < request.end)
+            std::this_thread::yield();
+        return nullptr;
+    }
+};
+
+TEST_F(Interpreter, WhenTheTimeOfAnOpenIsOverNoFurtherDeviceIsAsked) {
+    mci_ = std::make_unique<MciInterpreter>(std::make_unique<SlowOpener>(),
+                                            std::make_unique<FakeOpener>("picture", log_, picture_),
+                                            std::chrono::milliseconds(100));
+    EXPECT_EQ(open("song.mp3"), 277U);
+    EXPECT_THAT(log_->asked, ElementsAre());
+    EXPECT_EQ(errorOf(u"status NOWMUSIC length"), 263U);
+}
+
+TEST_F(Interpreter, EachOpenIsToldWhenItsTimeIsOver) {
+    const auto before = std::chrono::steady_clock::now();
+    ASSERT_EQ(open("song.mp3"), 0U);
+    EXPECT_GE(log_->requests[0].end, before + std::chrono::seconds(10));
+    EXPECT_LE(log_->requests[0].end, std::chrono::steady_clock::now() + std::chrono::seconds(10));
 }
 
 TEST_F(Interpreter, AMissingFileAFolderAndAPipeFailBeforeAnyDeviceIsAsked) {
