@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "network/check_Network.h"
 #include "network/controlINI.h"
+#include "network/temporary_names.h"
 #include "platform/files.h"
 #include "platform/internet.h"
 #include "platform/system.h"
@@ -126,7 +127,7 @@ bool update::fetch_UpdateInfo() {
     const std::u16string folder = app_.system_SpecialFolder().get_Special_Folder(folderTemporary);
     if (!app_.saveOrOpenFile().canWriteFolder(folder))
         return false;
-    update_TmpFile = folder + u"zkPlayerUpdate.tmp";
+    update_TmpFile = folder + std::u16string(updateFileName);
     app_.saveOrOpenFile().shellDel(update_TmpFile);
     app_.platform().windows.DoEvents();
     update_Result = app_.platform().internet.URLDownloadToFileA(address, update_TmpFile);

@@ -4,6 +4,7 @@
 #include "base/run_time_error.h"
 #include "base/text.h"
 #include "network/check_Network.h"
+#include "network/temporary_names.h"
 #include "network/update.h"
 #include "platform/internet.h"
 #include "platform/windows.h"
@@ -102,8 +103,8 @@ void welcomeForm::Start(bool silent) {
     autoShow.setValue(app_.setControl().get_AutoShowWelcome() ? 1 : 0);
     load_Failed = false;
     loadStr.setCaption(u"正在下载资源...");
-    welcome_File =
-        app_.system_SpecialFolder().get_Special_Folder(folderTemporary) + u"zkPlayerWelcome.tmp";
+    welcome_File = app_.system_SpecialFolder().get_Special_Folder(folderTemporary) +
+                   std::u16string(welcomeFileName);
     welcome_Url = app_.setControl().get_MakerHost() + std::u16string(pagePath);
     if (!check_Network(app_.platform().internet)) {
         giveUp(app_.Language().msg_No_Network, !silent);

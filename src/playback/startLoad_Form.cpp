@@ -4,6 +4,7 @@
 #include "base/run_time_error.h"
 #include "base/text.h"
 #include "lyrics/lrcForm.h"
+#include "network/temporary_names.h"
 #include "network/update.h"
 #include "network/welcomeForm.h"
 #include "platform/files.h"
@@ -70,6 +71,7 @@ void startLoad_Form::startLoad() {
     initialise();
     say(u"检测程序启动数...");
     checkInstances();
+    passOver([this] { clearLeftovers(); });
     passOver([this] { prepareTray(); });
     say(u"检测系统声卡...");
     passOver([this] { checkSound(); });
@@ -173,6 +175,20 @@ std::int32_t startLoad_Form::countInstances() {
 }
 
 // --- the rest of the sequence --------------------------------------------------------------------
+
+// What a run that was ended by force left behind, beside what the platform clears by itself.
+void startLoad_Form::clearLeftovers() {
+    velmora::saveOrOpenFile &files = app_.saveOrOpenFile();
+    const velmora::setControl &settings = app_.setControl();
+    const std::u16string temporary =
+        app_.system_SpecialFolder().get_Special_Folder(folderTemporary);
+    for (const std::u16string &folder : {settings.Path_Lrc, settings.Path_Cache, temporary}) {
+        files.clearProbes(folder);
+    }
+    for (const std::u16string_view name : {updateFileName, welcomeFileName}) {
+        files.shellDel(temporary + std::u16string(name));
+    }
+}
 
 void startLoad_Form::prepareTray() {
     app_.formSet().tray_Add(app_.Main());

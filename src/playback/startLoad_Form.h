@@ -37,6 +37,7 @@ private:
     void checkInstances();
     bool alreadyRunning();
     std::int32_t countInstances();
+    void clearLeftovers();
     void prepareTray();
     void checkSound();
     void checkUpdate();

@@ -34,8 +34,7 @@ bool saveOrOpenFile::canWriteFolder(std::u16string_view folder) {
         return false;
     const std::string bytes = app_.platform().ansi.encode(app_.Main().title.caption());
     for (const std::u16string_view name : probeNames) {
-        const std::u16string probe =
-            std::u16string(folder).append(1, app_.platform().files.separator()).append(name);
+        const std::u16string probe = probePath(folder, name);
         const Probe outcome = makeProbe(probe, bytes, *object);
         if (outcome == Probe::Made)
             return passOver([&] { object->DeleteFile(probe); });
@@ -43,6 +42,10 @@ bool saveOrOpenFile::canWriteFolder(std::u16string_view folder) {
             return false;
     }
     return false;
+}
+
+std::u16string saveOrOpenFile::probePath(std::u16string_view folder, std::u16string_view name) {
+    return std::u16string(folder).append(1, app_.platform().files.separator()).append(name);
 }
 
 // What lies there already is nobody's to overwrite or delete, except what a probe left behind that
@@ -60,6 +63,17 @@ saveOrOpenFile::Probe saveOrOpenFile::makeProbe(std::u16string_view path, std::s
     } catch (const RunTimeError &error) {
         return error.number() == ErrorNumber::FileExists ? Probe::Taken : Probe::Failed;
     }
+}
+
+void saveOrOpenFile::clearProbes(std::u16string_view folder) {
+    platform::FileSystem &files = app_.platform().files;
+    const std::string bytes = app_.platform().ansi.encode(app_.Main().title.caption());
+    for (const std::u16string_view name : probeNames)
+        passOver([&] {
+            const std::u16string probe = probePath(folder, name);
+            if (files.readBytes(probe, 0, bytes.size() + 1) == bytes)
+                files.CreateFileSystemObject()->DeleteFile(probe);
+        });
 }
 
 bool saveOrOpenFile::deleteFileChecked(std::u16string_view path) {

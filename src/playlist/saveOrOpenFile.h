@@ -62,6 +62,10 @@ public:
     // written nor deleted, and another name is taken. An empty folder never can.
     bool canWriteFolder(std::u16string_view folder);
 
+    // Deletes the files of probes that were cut short: those under their names that hold what a
+    // probe writes.
+    void clearProbes(std::u16string_view folder);
+
     // Deletes the exact path. On failure false, and `lastDeleteError` is the system's description.
     bool deleteFileChecked(std::u16string_view path);
     std::u16string lastDeleteError;
@@ -92,6 +96,7 @@ private:
         bool operator==(const KnownFile &) const = default;
     };
 
+    std::u16string probePath(std::u16string_view folder, std::u16string_view name);
     enum class Probe { Made, Taken, Failed };
     Probe makeProbe(std::u16string_view path, std::string_view bytes,
                     platform::FileSystemObject &object);

@@ -50,6 +50,13 @@ TEST_F(StartingTwice, HasMadeFoldersAndIdentityBeforeItIsRefused) {
     EXPECT_TRUE(fake.registry.hasKey(parametersKey));
 }
 
+TEST_F(StartingTwice, WhenRefusedLeavesToTheFirstWhatItIsFetching) {
+    fake.processes.otherInstance = true;
+    files.addFile(fake.folders.temporary + u"zkPlayerUpdate.tmp", "[check]");
+    expectRefusal();
+    EXPECT_TRUE(files.hasFile(fake.folders.temporary + u"zkPlayerUpdate.tmp"));
+}
+
 TEST_F(StartingTwice, WhenRefusedAddsNoTrayIconAndShowsNoMain) {
     fake.processes.executables = {programPath, programPath};
     expectRefusal();

@@ -285,6 +285,25 @@ TEST_F(Start, LeavesTheDesignedFontsOnAFreshMachine) {
 
 // --- update --------------------------------------------------------------------------------------
 
+TEST_F(Start, TakesAwayWhatAProbeOrAFetchLeftThatWasCutShort) {
+    app.setControl().init_PlaySet();
+    const std::u16string lyrics = app.setControl().Path_Lrc + u"/zkPlay.tmp";
+    const std::u16string cache = app.setControl().Path_Cache + u"/zkPlay-2.tmp";
+    const std::u16string temporary = fake.folders.temporary;
+    const std::u16string mine = app.setControl().Path_Lrc + u"/zkPlay-3.tmp";
+    for (const std::u16string &left : {lyrics, cache, temporary + u"zkPlay.tmp"})
+        files.addFile(left, "Velmora 2011");
+    files.addFile(temporary + u"zkPlayerUpdate.tmp", "[check]");
+    files.addFile(temporary + u"zkPlayerWelcome.tmp", "[check]");
+    files.addFile(mine, "Velmora 2011, my notes");
+    start();
+    for (const std::u16string &left :
+         {lyrics, cache, temporary + u"zkPlay.tmp", temporary + u"zkPlayerUpdate.tmp",
+          temporary + u"zkPlayerWelcome.tmp"})
+        EXPECT_FALSE(files.hasFile(left)) << toUtf8(left);
+    EXPECT_TRUE(files.hasFile(mine));
+}
+
 TEST_F(Start, LooksForAnUpdateSilently) {
     set(u"AutoUpadate", u"1");
     fake.internet.connectedState = 0; // somebody who asked would be told
