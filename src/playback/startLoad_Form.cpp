@@ -134,8 +134,10 @@ std::int16_t startLoad_Form::restart_Marker(bool write) {
 
 void startLoad_Form::checkInstances() {
     if (app_.saveOrOpenFile().fileExists(restart_Marker_Path())) {
-        // The instance before asked for this start and may still be ending.
+        // The instance before asked for this start and may still be ending. Only the refusal is
+        // skipped: from now on this is the instance that others are refused for.
         restart_Marker(false);
+        passOver([&] { app_.platform().processes.previousInstance(); });
         return;
     }
     if (alreadyRunning()) {

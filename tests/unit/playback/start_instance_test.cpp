@@ -102,6 +102,14 @@ TEST_F(StartingTwice, IsExpectedWhenTheMarkerLiesThere) {
     EXPECT_FALSE(files.hasFile(markerPath));
 }
 
+// The next start has to find it by the lock, whoever started it.
+TEST_F(StartingTwice, TheExpectedOneIsAnInstanceLikeAnyOther) {
+    files.addFile(markerPath);
+    app.start();
+    EXPECT_EQ(fake.processes.instanceTests, 1);
+    EXPECT_TRUE(app.Main().visible());
+}
+
 TEST_F(StartingTwice, IsExpectedEvenWhenTheMarkerCannotBeDeleted) {
     files.addFile(markerPath);
     files.setReadOnly(markerPath);
