@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace velmora::platform::picture {
 
@@ -67,14 +68,18 @@ void PictureDevice::handle(const mpv_event &event) {
     }
     case MPV_EVENT_HOOK:
         // Only a reload gets here: its tracks are known.
+        beginLoaded();
         core_.continueHook(static_cast<const mpv_event_hook *>(event.data)->id);
         break;
     case MPV_EVENT_END_FILE:
         isUnloaded_ = true;
+        loading_.reset();
         seeks_.forget();
         break;
     case MPV_EVENT_FILE_LOADED:
         isUnloaded_ = false;
+        if (const auto target = std::exchange(loading_, std::nullopt); target != begun_)
+            sendSeek(target.value_or(0.0));
         break;
     case MPV_EVENT_QUEUE_OVERFLOW:
         seeks_.forget();
@@ -99,7 +104,7 @@ void PictureDevice::refresh() {
         return;
     if (isUnloaded_ || isShut_)
         endReached();
-    else if (seeks_.isSettled() && isReadingDue(now))
+    else if (!loading_ && seeks_.isSettled() && isReadingDue(now))
         readEngine();
 }
 
@@ -149,15 +154,28 @@ double PictureDevice::seconds() const { return static_cast<double>(medium_.lengt
 
 void PictureDevice::seekEngine(double target) {
     clock_.stopAt(target);
+    if (loading_)
+        loading_ = target;
+    else
+        sendSeek(target);
+}
+
+void PictureDevice::sendSeek(double target) {
     const std::uint64_t id = core_.command({"seek", std::to_string(target), "absolute+exact"});
     if (id != 0)
         seeks_.sent(id);
 }
 
-void PictureDevice::reload() {
-    clock_.stopAt(0.0);
+void PictureDevice::reload(double target) {
+    clock_.stopAt(target);
     core_.command({"loadfile", medium_.path});
     isUnloaded_ = false;
+    loading_ = target;
+}
+
+void PictureDevice::beginLoaded() {
+    begun_ = loading_;
+    core_.set("start", std::to_string(begun_.value_or(0.0)));
 }
 
 bool PictureDevice::play() {
@@ -167,7 +185,7 @@ bool PictureDevice::play() {
     if (mode_ == Mode::Playing)
         return true;
     if (isUnloaded_)
-        reload();
+        reload(0.0);
     else if (isAtEnd_)
         seekEngine(0.0);
     isAtEnd_ = false;
@@ -194,9 +212,11 @@ bool PictureDevice::seek(std::int32_t ms) {
     if (isShut_ || ms < 0 || ms > medium_.lengthMs)
         return false;
     core_.set("pause", true);
+    const double target = static_cast<double>(ms) / 1000.0;
     if (isUnloaded_)
-        reload();
-    seekEngine(static_cast<double>(ms) / 1000.0);
+        reload(target);
+    else
+        seekEngine(target);
     isAtEnd_ = ms == medium_.lengthMs;
     if (wasPlayed_ || ms > 0)
         mode_ = Mode::Paused;

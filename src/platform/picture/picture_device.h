@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace velmora::platform::picture {
@@ -60,7 +61,10 @@ private:
     bool hasPicture();
     double seconds() const;
     void seekEngine(double seconds);
-    void reload();
+    void sendSeek(double seconds);
+    void reload(double seconds);
+    // Tells the engine where to begin with the medium whose tracks it knows.
+    void beginLoaded();
     void dropBufferedSound();
 
     static constexpr std::chrono::milliseconds settlingTime{1000};
@@ -74,6 +78,10 @@ private:
     bool wasPlayed_ = false;  // played or moved since the open
     bool isAtEnd_ = false;    // the next play starts from the beginning
     bool isUnloaded_ = false; // the engine has let go of the medium, at a fault in it
+    // While the engine loads the medium anew it takes no seek: where it is to be then, and where
+    // it was told to begin.
+    std::optional<double> loading_;
+    std::optional<double> begun_;
     bool isShut_ = false;     // the engine itself has ended
     bool isPictureGone_ = false;
     PlaybackClock clock_;

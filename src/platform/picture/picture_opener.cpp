@@ -89,15 +89,19 @@ MpvCore::Options PictureOpener::engineOptions() const {
     };
 }
 
-std::unique_ptr<media::Device> PictureOpener::open(const media::OpenRequest &request) {
+std::optional<OpenMedium> PictureOpener::load(const media::OpenRequest &request) {
     if (library_ == nullptr)
         library_ = MpvLibrary::load();
     if (library_ == nullptr)
-        return nullptr;
+        return std::nullopt;
     auto core = MpvCore::start(library_, engineOptions());
     if (core == nullptr)
-        return nullptr;
-    auto medium = Opening(std::move(core), request, options_).run();
+        return std::nullopt;
+    return Opening(std::move(core), request, options_).run();
+}
+
+std::unique_ptr<media::Device> PictureOpener::open(const media::OpenRequest &request) {
+    auto medium = load(request);
     if (!medium)
         return nullptr;
     return std::make_unique<PictureDevice>(std::move(*medium));

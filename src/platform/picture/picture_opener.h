@@ -6,6 +6,7 @@
 #include "platform/picture/picture_device.h"
 
 #include <memory>
+#include <optional>
 
 namespace velmora::platform::picture {
 
@@ -14,6 +15,8 @@ public:
     explicit PictureOpener(PictureOptions options) : options_(std::move(options)) {}
 
     std::unique_ptr<media::Device> open(const media::OpenRequest &request) override;
+    // The half of it behind which the device begins. Absent where open() answers null.
+    std::optional<OpenMedium> load(const media::OpenRequest &request);
 
 private:
     MpvCore::Options engineOptions() const;

@@ -1,0 +1,109 @@
+// An engine that lets go of its medium, as at some faults in a file: the next command opens it
+// anew.
+
+#include "picture_testing.h"
+
+#include "platform/picture/picture_opener.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace velmora::tests {
+namespace {
+
+class LetGo : public testing::Test {
+protected:
+    LetGo()
+        : opener_([] {
+              platform::PictureOptions options;
+              options.audioOutput = "null";
+              return options;
+          }()) {}
+
+    void SetUp() override {
+        auto medium = opener_.load({mediaFile("sound.m4a"), "MPEGVideo", false, 0});
+        ASSERT_TRUE(medium);
+        core_ = medium->core.get();
+        device_ = std::make_unique<platform::picture::PictureDevice>(std::move(*medium));
+        ASSERT_TRUE(playUpTo(*device_, 300));
+        letGo();
+    }
+    void letGo() {
+        ASSERT_NE(core_->command({"stop"}), 0U);
+        ASSERT_TRUE(waitUntil([&] { return device_->mode() == Mode::Stopped; }));
+        EXPECT_EQ(device_->positionMs(), device_->lengthMs());
+    }
+    // Where the engine itself is, in ms; -1: nowhere.
+    int engineMs() {
+        const auto seconds = core_->number("time-pos");
+        return seconds ? static_cast<int>(*seconds * 1000) : -1;
+    }
+    // Plays on for half a second from a place and nowhere else.
+    void expectPlaysFrom(int ms) {
+        int least = ms;
+        ASSERT_TRUE(waitUntil([&] {
+            const int told = device_->positionMs();
+            least = std::min(least, told);
+            return told >= ms + 500;
+        }));
+        EXPECT_EQ(least, ms);
+        EXPECT_LT(device_->positionMs(), ms + 1500);
+        EXPECT_NEAR(engineMs(), device_->positionMs(), 200);
+        EXPECT_EQ(device_->mode(), Mode::Playing);
+    }
+
+    platform::picture::PictureOpener opener_;
+    platform::picture::MpvCore *core_ = nullptr;
+    std::unique_ptr<platform::picture::PictureDevice> device_;
+};
+
+TEST_F(LetGo, PlayBeginsAnew) {
+    ASSERT_TRUE(device_->play());
+    expectPlaysFrom(0);
+}
+
+TEST_F(LetGo, ASeekGoesToItsPlace) {
+    ASSERT_TRUE(device_->seek(6000));
+    EXPECT_EQ(device_->mode(), Mode::Paused);
+    EXPECT_EQ(device_->positionMs(), 6000);
+    ASSERT_TRUE(device_->play());
+    expectPlaysFrom(6000);
+}
+
+TEST_F(LetGo, OfTwoSeeksTheLastCounts) {
+    ASSERT_TRUE(device_->seek(6000));
+    ASSERT_TRUE(device_->seek(9000));
+    ASSERT_TRUE(device_->seek(3000));
+    EXPECT_EQ(device_->positionMs(), 3000);
+    ASSERT_TRUE(device_->play());
+    expectPlaysFrom(3000);
+}
+
+TEST_F(LetGo, OfSeeksAllTheWhileItLoadsTheLastCounts) {
+    int target = 3000;
+    ASSERT_TRUE(device_->seek(target));
+    // Whatever the engine is just then at.
+    ASSERT_TRUE(waitUntil([&] { return device_->seek(++target) && engineMs() >= 0; }));
+    ASSERT_LT(target, 9000);
+    ASSERT_TRUE(device_->play());
+    expectPlaysFrom(target);
+}
+
+TEST_F(LetGo, PlayAfterASeekToTheEndStartsOver) {
+    ASSERT_TRUE(device_->seek(device_->lengthMs()));
+    ASSERT_TRUE(device_->play());
+    expectPlaysFrom(0);
+}
+
+TEST_F(LetGo, PlayAfterASeekAndASecondFaultBeginsAnew) {
+    ASSERT_TRUE(device_->seek(6000));
+    ASSERT_TRUE(device_->play());
+    expectPlaysFrom(6000);
+    letGo();
+    ASSERT_TRUE(device_->play());
+    expectPlaysFrom(0);
+}
+
+} // namespace
+} // namespace velmora::tests
