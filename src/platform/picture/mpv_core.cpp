@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <cstring>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 namespace velmora::platform::picture {
@@ -21,20 +22,35 @@ void useDecimalPoint() {
         std::setlocale(LC_NUMERIC, "C");
 }
 
-// Runs `work` on a thread of its own and waits for it up to the limit.
-void runBounded(std::function<void()> work, milliseconds limit) {
+// Starts a thread that nobody waits for. False: the system has none to give.
+bool startAlone(const std::function<void()> &work) {
+    try {
+        std::thread(work).detach();
+    } catch (const std::system_error &) {
+        return false;
+    }
+    return true;
+}
+
+// Runs `work` on a thread of its own and waits for it up to the limit; without a limit where there
+// is no thread to be had.
+void runBounded(const std::function<void()> &work, milliseconds limit) {
     struct Shared {
         std::mutex mutex;
         std::condition_variable done;
         bool isDone = false;
     };
     auto shared = std::make_shared<Shared>();
-    std::thread([shared, work = std::move(work)] {
+    const bool isAlone = startAlone([shared, work] {
         work();
         const std::lock_guard lock(shared->mutex);
         shared->isDone = true;
         shared->done.notify_all();
-    }).detach();
+    });
+    if (!isAlone) {
+        work();
+        return;
+    }
     std::unique_lock lock(shared->mutex);
     shared->done.wait_for(lock, limit, [&] { return shared->isDone; });
 }
@@ -43,6 +59,9 @@ void runBounded(std::function<void()> work, milliseconds limit) {
 
 std::unique_ptr<MpvCore> MpvCore::start(std::shared_ptr<const MpvLibrary> library,
                                         const Options &options) {
+    // The engine would wait for its own threads for ever.
+    if (!startAlone([] {}))
+        return nullptr;
     useDecimalPoint();
     mpv_handle *handle = library->create();
     if (handle == nullptr)

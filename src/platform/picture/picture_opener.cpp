@@ -13,9 +13,10 @@ namespace {
 
 // A graphics card that can draw for us shows as a render node.
 bool hasGraphicsCard() {
-    std::error_code none;
-    for (const auto &node : std::filesystem::directory_iterator("/dev/dri", none)) {
-        if (node.path().filename().string().starts_with("renderD"))
+    std::error_code error;
+    for (std::filesystem::directory_iterator node("/dev/dri", error), end; !error && node != end;
+         node.increment(error)) {
+        if (node->path().filename().string().starts_with("renderD"))
             return true;
     }
     return false;

@@ -2,6 +2,8 @@
 
 #include "picture_testing.h"
 
+#include "tests/engine/ordinary_user.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -89,6 +91,33 @@ INSTANTIATE_TEST_SUITE_P(Files, NoMedium,
                                          "huge_header.mp4", "list.mp4", "edl.mp4", "cue.mp4",
                                          "hls.mp4", "concat.mp4", "still.mp4", "missing.mp4"),
                          [](const auto &file) { return nameOf(file.param); });
+
+TEST(WithoutThreads, AMediumIsRefusedAndTheProgramGoesOn) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const std::string file = mediaFile("sound.m4a");
+    EXPECT_EXIT(
+        {
+            allowNoMoreThreads();
+            _exit(silentOpener()->open({file, "MPEGVideo", false, 0}) ? 2 : 0);
+        },
+        testing::ExitedWithCode(0), "");
+    EXPECT_TRUE(openSilently("sound.m4a"));
+}
+
+TEST(WithoutThreads, AMediumIsClosedAllTheSame) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    ASSERT_TRUE(std::filesystem::exists(mediaFile("sound.m4a")));
+    EXPECT_EXIT(
+        {
+            becomeOrdinaryUser();
+            auto device = openSilently("sound.m4a");
+            const bool isOpen = device && device->play();
+            allowNoMoreThreads();
+            device.reset();
+            _exit(isOpen ? 0 : 2);
+        },
+        testing::ExitedWithCode(0), "");
+}
 
 class DamagedMedium : public testing::TestWithParam<const char *> {};
 
