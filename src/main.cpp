@@ -63,8 +63,10 @@ int play() {
     const platform::FileCalls calls = platform::makeFileCalls(homes);
     const auto files = platform::makeFileSystem(*ansi, calls);
     const auto folders = platform::makeFolders(homes);
+    platform::PictureOptions pictures;
+    pictures.soundServerAnswers = [] { return platform::sound::soundServerAnswers(); };
     platform::media::MciInterpreter media(platform::sound::makeSoundOpener(),
-                                          platform::makePictureOpener());
+                                          platform::makePictureOpener(pictures));
     const auto processes = platform::makeProcesses(homes, [&registry] { registry.flush(); });
     const auto shell = platform::makeShell();
     const auto versions = platform::makeVersionRecords(*ansi);

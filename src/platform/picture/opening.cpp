@@ -52,6 +52,7 @@ Opening::Opening(std::unique_ptr<MpvCore> core, const media::OpenRequest &reques
     medium_.core = std::move(core);
     medium_.path = absolutePath(request.path);
     medium_.pixelScale = options.pixelScale;
+    medium_.soundServerAnswers = options.soundServerAnswers;
     core_.listen([this](const mpv_event &event) { handle(event); });
 }
 

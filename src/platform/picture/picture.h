@@ -6,6 +6,7 @@
 
 #include "platform/media/device.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -23,6 +24,10 @@ struct PictureOptions {
     double pixelScale = 1.0;
     // An open that has not come to an end by then fails.
     int openLimitMs = 10'000;
+    // Whether a sound server answers just now. A medium that plays silently for want of one asks
+    // every few seconds, in the thread of the program, and is heard from then on. Without it such a
+    // medium stays silent.
+    std::function<bool()> soundServerAnswers = {};
 };
 
 // The opener takes media with at least one sound or moving picture that can be decoded. Texts,

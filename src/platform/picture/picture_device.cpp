@@ -81,6 +81,9 @@ void PictureDevice::handle(const mpv_event &event) {
         if (const auto target = std::exchange(loading_, std::nullopt); target != begun_)
             sendSeek(target.value_or(0.0));
         break;
+    case MPV_EVENT_AUDIO_RECONFIG:
+        mayBeUnheard_ = true;
+        break;
     case MPV_EVENT_QUEUE_OVERFLOW:
         seeks_.forget();
         break;
@@ -106,6 +109,23 @@ void PictureDevice::refresh() {
         endReached();
     else if (!loading_ && seeks_.isSettled() && isReadingDue(now))
         readEngine();
+    if (mayBeUnheard_ && mode_ == Mode::Playing && !loading_ && now - looked_ >= serverInterval)
+        lookForServer(now);
+}
+
+void PictureDevice::lookForServer(Clock::time_point now) {
+    looked_ = now;
+    const bool canBeHeard = medium_.hasSound && medium_.soundServerAnswers;
+    const auto output = canBeHeard ? core_.text("current-ao") : std::nullopt;
+    if (canBeHeard && !output)
+        return; // between two
+    mayBeUnheard_ = output == "null";
+    if (!mayBeUnheard_ || !medium_.soundServerAnswers())
+        return;
+    watchClosely();
+    if (medium_.window == nullptr || isPictureGone_)
+        core_.command({"ao-reload"});
+    dropBufferedSound();
 }
 
 bool PictureDevice::isReadingDue(Clock::time_point now) const {

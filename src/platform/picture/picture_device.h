@@ -8,6 +8,7 @@
 #include "platform/picture/playback_clock.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -25,6 +26,7 @@ struct OpenMedium {
     bool isOwnWindow = false; // not inside a window of the program
     std::int32_t lengthMs = 0;
     double pixelScale = 1.0;
+    std::function<bool()> soundServerAnswers; // see PictureOptions; may be empty
 };
 
 class PictureDevice : public media::Device {
@@ -66,10 +68,13 @@ private:
     // Tells the engine where to begin with the medium whose tracks it knows.
     void beginLoaded();
     void dropBufferedSound();
+    // The engine puts sound out into nothing where it found no server, and never looks again.
+    void lookForServer(Clock::time_point now);
 
     static constexpr std::chrono::milliseconds settlingTime{1000};
     static constexpr std::chrono::milliseconds closeInterval{10};
     static constexpr std::chrono::milliseconds steadyInterval{250};
+    static constexpr std::chrono::milliseconds serverInterval{3000};
 
     OpenMedium medium_;
     MpvCore &core_;
@@ -82,7 +87,7 @@ private:
     // it was told to begin.
     std::optional<double> loading_;
     std::optional<double> begun_;
-    bool isShut_ = false;     // the engine itself has ended
+    bool isShut_ = false; // the engine itself has ended
     bool isPictureGone_ = false;
     PlaybackClock clock_;
     SeekTracker seeks_;
@@ -90,6 +95,8 @@ private:
     Clock::time_point settling_{}; // until then it is read closely
     Clock::time_point read_{};
     Clock::time_point watched_{};
+    bool mayBeUnheard_ = true; // the engine has begun its output anew since it was looked at
+    Clock::time_point looked_ = Clock::now();
 };
 
 } // namespace velmora::platform::picture

@@ -2,6 +2,7 @@
 
 #include "platform/sound/byte_source.h"
 #include "platform/sound/pulse_link.h"
+#include "platform/sound/sound.h"
 
 #include <algorithm>
 #include <charconv>
@@ -18,6 +19,7 @@ using namespace std::chrono_literals;
 
 // The call of a server that is started by it is taken at once, and answered when all is loaded.
 constexpr auto answerLimit = 5s;
+constexpr auto hangLimit = 100ms;
 constexpr auto sinksLimit = 2s;
 constexpr auto sinksEach = 100ms;
 
@@ -27,6 +29,10 @@ constexpr std::string_view dummySink = "auto_null";
 std::string environment(const char *name) {
     const char *value = std::getenv(name);
     return value ? value : "";
+}
+
+std::string addressOf(const std::string &server) {
+    return server.empty() ? environment("PULSE_SERVER") : server;
 }
 
 // The path of a socket address; empty when the address is of another kind.
@@ -135,12 +141,22 @@ std::uint16_t parseHexId(const std::string &text) {
     return error == std::errc() && end == digits.data() + digits.size() ? value : std::uint16_t{0};
 }
 
+bool soundServerAnswers(const std::string &server) {
+    const TimePoint until = Clock::now() + hangLimit;
+    const std::string address = addressOf(server);
+    const std::vector<std::string> paths =
+        address.empty() ? ownSockets() : std::vector<std::string>{socketOf(address)};
+    return std::any_of(paths.begin(), paths.end(), [until](const std::string &path) {
+        return queryBySocket(path, until).has_value();
+    });
+}
+
 std::optional<ServerDescription> queryServer(const ServerQuery &query) {
     const TimePoint until = Clock::now() + answerLimit;
     const auto askLibrary = [&](const std::string &address) {
         return heardOnly(queryByLibrary(address, query.library, until));
     };
-    const std::string address = query.server.empty() ? environment("PULSE_SERVER") : query.server;
+    const std::string address = addressOf(query.server);
     if (!address.empty()) {
         const std::string path = socketOf(address);
         return path.empty() ? askLibrary(address) : askSocket(path, query.cards, until);

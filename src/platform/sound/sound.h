@@ -31,6 +31,10 @@ struct SoundOptions {
 // open. Devices must be gone before the opener is destroyed.
 std::unique_ptr<media::DeviceOpener> makeSoundOpener(SoundOptions options = {});
 
+// Whether a sound server on this machine answers just now. Never starts one, and lasts a tenth of a
+// second at most where one hangs. `server` as above.
+bool soundServerAnswers(const std::string &server = {});
+
 struct WaveOutOptions {
     std::string server = {}; // as above
     LibraryNames libraries = {};

@@ -11,6 +11,7 @@ import subprocess
 import sys
 import unittest
 
+from films import ffmpeg
 from listing import ListTest
 from player import LIST, PROGRAM, SETTINGS, SPLASH, TITLE, Player, PlayerTest, stairs
 from session import Recorder, quiet, wait_for
@@ -229,7 +230,7 @@ class LateServer(Server):
     """None is there at the start."""
     sound = False
 
-    def test_one_that_dies_and_comes_back_is_heard_again_at_its_place(self):
+    def hear_what_begins_without_a_server(self):
         self.player = Player(self.session)
         box = self.player.box()
         self.assertTrue(box, "no message comes up")
@@ -241,6 +242,16 @@ class LateServer(Server):
         self.session.start_sound()
         self.assertIsNotNone(self.second(self.recorder()), "the late server plays nothing")
 
+    def test_it_is_found(self):
+        self.hear_what_begins_without_a_server()
+
+    def test_it_is_found_by_the_engine_of_films_too(self):
+        film = self.music + "/stairs.m4a"
+        ffmpeg("-i", self.track, film)
+        self.write_list([film])
+        self.hear_what_begins_without_a_server()
+
+    test_one_that_dies_and_comes_back_is_heard_again_at_its_place = None
     test_one_that_hangs_holds_no_key_up = None
 
 

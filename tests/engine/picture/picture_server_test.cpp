@@ -3,11 +3,15 @@
 
 #include "picture_testing.h"
 
+#include "platform/sound/sound.h"
 #include "pulse_server.h"
+#include "xvfb_server.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <functional>
 
 namespace velmora::tests {
 namespace {
@@ -65,6 +69,84 @@ TEST(SoundServer, OneThatDiesLeavesTheMediumPlaying) {
     ASSERT_TRUE(device->play());
     EXPECT_TRUE(waitUntil([&] { return device->mode() == Mode::Stopped; }));
 }
+
+class LateServer : public testing::TestWithParam<const char *> {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(screen_.running());
+        ASSERT_TRUE(server_.running());
+        screen_.exportToEnvironment();
+        server_.exportToEnvironment();
+        server_.kill();
+        platform::PictureOptions options;
+        options.videoOutput = "x11";
+        options.soundServerAnswers = [] { return platform::sound::soundServerAnswers(); };
+        device_ = platform::makePictureOpener(options)->open(
+            {mediaFile(GetParam()), "MPEGVideo", true, 0});
+        ASSERT_TRUE(device_);
+        ASSERT_EQ(device_->windowHandle() != 0, std::string(GetParam()) == "film.mp4");
+    }
+    // Whoever asks where it is, as the program does all the time, has the server looked for.
+    bool playUntil(const std::function<bool()> &condition) {
+        return waitUntil([&] {
+            const auto passed =
+                std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - begun_);
+            const auto off = device_->positionMs() - first_ - static_cast<int>(passed.count());
+            mostOff_ = std::max(mostOff_, std::abs(off));
+            return condition();
+        });
+    }
+
+    XvfbServer screen_;
+    PulseServer server_;
+    std::unique_ptr<Device> device_;
+    steady_clock::time_point begun_;
+    int first_ = 0;
+    int mostOff_ = 0; // from even time
+};
+
+TEST_P(LateServer, IsFoundInPlayWhichGoesOnEvenly) {
+    ASSERT_TRUE(playUpTo(*device_, 1000));
+    begun_ = steady_clock::now();
+    first_ = device_->positionMs();
+    ASSERT_TRUE(server_.start());
+    const MonitorRecorder recorder(server_);
+    std::size_t heard = MonitorRecorder::frameNone;
+    ASSERT_TRUE(playUntil([&] {
+        heard = recorder.waitForLoud(0.01F, 0, 1);
+        return heard != MonitorRecorder::frameNone;
+    }));
+    ASSERT_TRUE(playUntil([&] { return recorder.frames() > heard + recorder.framesOf(1000); }));
+    EXPECT_LT(mostOff_, 250); // usually 10
+    EXPECT_EQ(device_->mode(), Mode::Playing);
+    const double told = device_->positionMs() / 1000.0;
+    const auto piece = recorder.channel(0, recorder.frames() - 11025, 11025);
+    const auto match = SourceSound().find(piece, 0, told - 0.25, 0.5);
+    EXPECT_GT(match.correlation, 0.7);
+    EXPECT_NEAR(match.seconds + 0.25, told, 0.2);
+}
+
+TEST_P(LateServer, IsFoundAgainAfterItDied) {
+    for (int life = 0; life < 2; ++life) {
+        ASSERT_TRUE(server_.start());
+        const MonitorRecorder recorder(server_);
+        ASSERT_TRUE(device_->play());
+        EXPECT_TRUE(waitUntil([&] {
+            return device_->mode() == Mode::Playing &&
+                   recorder.waitForLoud(0.01F, 0, 1) != MonitorRecorder::frameNone;
+        })) << life;
+        // Long enough to believe that it stays.
+        const int heardAt = device_->positionMs();
+        EXPECT_TRUE(waitUntil([&] { return life > 0 || device_->positionMs() >= heardAt + 4000; }));
+        server_.kill();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, LateServer, testing::Values("sound.m4a", "film.mp4"),
+                         [](const auto &file) {
+                             const std::string name = file.param;
+                             return name.substr(0, name.find('.'));
+                         });
 
 TEST(SoundServer, OneThatHangsWhilePlayingHoldsNobodyUp) {
     PulseServer server;

@@ -150,6 +150,24 @@ TEST(FindServer, AlsoWhileSignalsArrive) {
     sigaction(SIGUSR1, &old, nullptr);
 }
 
+TEST(FindServer, WhetherOneAnswersIsToldSoonWhateverItDoes) {
+    PulseServer server(named("Own"));
+    ASSERT_TRUE(server.running());
+    EXPECT_TRUE(soundServerAnswers(server.address()));
+    {
+        const SoundEnvironment session({{"PULSE_RUNTIME_PATH", server.directory()}});
+        EXPECT_TRUE(soundServerAnswers());
+    }
+    server.freeze();
+    const auto start = Clock::now();
+    EXPECT_FALSE(soundServerAnswers(server.address()));
+    EXPECT_LT(msSince(start), 1000); // usually 100
+    server.thaw();
+    server.kill();
+    EXPECT_FALSE(soundServerAnswers(server.address()));
+    EXPECT_FALSE(soundServerAnswers("tcp:localhost"));
+}
+
 // As PipeWire begins: the session manager makes the devices a moment later.
 class DummyFirst : public testing::Test {
 protected:
