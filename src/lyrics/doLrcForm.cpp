@@ -63,13 +63,22 @@ void doLrcForm::setHandlers() {
 
 void doLrcForm::setListHandlers() {
     forms::ControlEvents &list = lrcList.on();
-    list.Click = [this] { lrc_Index_Text.setText(lrcList.list(lrcList.listIndex())); };
-    list.MouseUp = [this](const forms::MouseEvent &) { nowRow = lrcList.listIndex(); };
-    list.KeyUp = [this](forms::KeyEvent &) { nowRow = lrcList.listIndex(); };
+    list.Click = [this] { showRow(); };
+    list.MouseUp = [this](const forms::MouseEvent &) { released(); };
+    list.KeyUp = [this](forms::KeyEvent &) { released(); };
     list.KeyDown = [this](forms::KeyEvent &event) { keyPressed(event.keyCode, event.shift); };
     lrc_Index_Text.on().Change = [this] {
         lrcList.setList(lrcList.listIndex(), lrc_Index_Text.text());
     };
+}
+
+void doLrcForm::showRow() { lrc_Index_Text.setText(lrcList.list(lrcList.listIndex())); }
+
+// A stamp on a row that is not left raises no click: the box takes it with the release of the key,
+// or else the next letter typed there would write the row without it.
+void doLrcForm::released() {
+    showRow();
+    nowRow = lrcList.listIndex();
 }
 
 void doLrcForm::keyPressed(std::int16_t keyCode, std::int16_t shift) {

@@ -45,6 +45,8 @@ public:
 private:
     void setHandlers();
     void setListHandlers();
+    void showRow();
+    void released();
     void keyPressed(std::int16_t keyCode, std::int16_t shift);
     void emptyControls();
     void loadFromLyric();

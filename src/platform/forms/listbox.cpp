@@ -36,6 +36,9 @@ void ListBox::setSelected(std::int32_t row, bool selected) {
     if (!has(row)) {
         raise(ErrorNumber::InvalidCall);
     }
+    if (selected && !multiSelect_) {
+        ensureVisible(row);
+    }
     const bool isNew = at(row).selected != selected;
     const bool moves = selected && listIndex_ != row;
     if (!isNew && !moves) {
@@ -68,6 +71,9 @@ std::int16_t ListBox::firstSelected() const noexcept {
 void ListBox::setListIndex(std::int32_t row) {
     if (row < -1 || row >= listCount()) {
         raise(ErrorNumber::InvalidPropertyValue);
+    }
+    if (!multiSelect_) {
+        ensureVisible(row);
     }
     if (listIndex_ == row) {
         return;

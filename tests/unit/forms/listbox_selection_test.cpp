@@ -96,12 +96,38 @@ TEST_F(SelectionTest, SelectingARowThatIsNotThereRaises) {
     EXPECT_EQ(errorOf([&] { list.setListIndex(-2); }), invalidValue);
 }
 
-TEST_F(SelectionTest, SelectingByCodeLeavesTheTopRow) {
+TEST_F(SelectionTest, SelectingByCodeInAnExtendedListLeavesTheTopRow) {
+    list.setMultiSelect(true);
     for (int i = 0; i < 40; ++i) {
         list.addItem(u"more");
     }
     list.setSelected(40, true);
     EXPECT_EQ(list.topIndex(), 0);
+    list.setListIndex(41);
+    EXPECT_EQ(list.topIndex(), 0);
+}
+
+TEST_F(SelectionTest, TheOneSelectedRowOfASimpleListComesIntoViewAheadOfItsClick) {
+    list.setDesignRows(17);
+    for (int i = 0; i < 40; ++i) {
+        list.addItem(u"more");
+    }
+    std::int16_t topAtClick = 0;
+    list.on().Click = [&] { topAtClick = list.topIndex(); };
+    list.setSelected(40, true);
+    EXPECT_EQ(list.topIndex(), 24);
+    EXPECT_EQ(topAtClick, 24);
+    list.setListIndex(20);
+    EXPECT_EQ(list.topIndex(), 20);
+    list.setTopIndex(0);
+    list.setListIndex(20);
+    EXPECT_EQ(list.topIndex(), 4) << "the row was selected already";
+    list.setTopIndex(0);
+    list.setSelected(20, true);
+    EXPECT_EQ(list.topIndex(), 4);
+    list.setSelected(30, false);
+    list.setListIndex(-1);
+    EXPECT_EQ(list.topIndex(), 4);
 }
 
 TEST_F(SelectionTest, AnUnchangedSelectionDrawsNothing) {

@@ -74,22 +74,54 @@ TEST_F(EditorRules, TheReleaseOfAStampKeyStaysOnTheRowThatThePressReached) {
     EXPECT_EQ(editor().nowRow, 1);
 }
 
-// The row is not selected anew, so its new text does not reach the box.
-TEST_F(EditorRules, F9OnTheLastRowLeavesTheLineToEditAndTypingLosesTheStamp) {
+// The row is not selected anew: its new text reaches the box with the release.
+TEST_F(EditorRules, TypingBehindAStampOnTheLastRowKeepsTheStamp) {
     open("one");
     at(u"1000");
     press(f9);
-    EXPECT_EQ(editor().lrcList.list(0), u"[00:01.00]one");
     EXPECT_EQ(editor().lrc_Index_Text.text(), u"one");
-    editor().lrc_Index_Text.userEdited(u"ones");
-    EXPECT_EQ(editor().lrcList.list(0), u"ones");
+    release(f9);
+    EXPECT_EQ(editor().lrc_Index_Text.text(), u"[00:01.00]one");
+    editor().lrc_Index_Text.userEdited(u"[00:01.00]ones");
+    EXPECT_EQ(editor().lrcList.list(0), u"[00:01.00]ones");
 }
 
-TEST_F(EditorRules, F10OnTheFirstRowLeavesTheLineToEdit) {
+TEST_F(EditorRules, TheLineToEditFollowsTheReleaseOfF10OnTheFirstRow) {
     open("[00:01.00]one\ntwo");
     press(f10);
     EXPECT_EQ(editor().lrcList.list(0), u"one");
-    EXPECT_EQ(editor().lrc_Index_Text.text(), u"[00:01.00]one");
+    release(f10);
+    EXPECT_EQ(editor().lrc_Index_Text.text(), u"one");
+}
+
+TEST_F(EditorRules, TheLineToEditFollowsTheReleaseOfTheMouse) {
+    open("one\ntwo");
+    at(u"1000");
+    press(f9);
+    editor().lrcList.setSelected(0, true);
+    press(f9); // the second row, which the mouse has left
+    editor().lrcList.setListIndex(1);
+    editor().lrcList.setList(1, u"changed by code");
+    editor().lrcList.on().MouseUp({forms::leftButton, 0, 0, 0});
+    EXPECT_EQ(editor().lrc_Index_Text.text(), u"changed by code");
+    EXPECT_EQ(editor().nowRow, 1);
+}
+
+TEST_F(EditorRules, TheRowThatIsStampedStaysInView) {
+    std::string rows;
+    for (int row = 0; row < 40; ++row)
+        rows += "line\n";
+    open(rows);
+    for (int stamp = 0; stamp < 20; ++stamp) {
+        press(f9);
+        release(f9);
+    }
+    EXPECT_EQ(editor().nowRow, 20);
+    EXPECT_EQ(editor().lrcList.topIndex(), 4);
+    editor().lrcList.setTopIndex(23);
+    press(f10);
+    EXPECT_EQ(editor().nowRow, 19);
+    EXPECT_EQ(editor().lrcList.topIndex(), 19);
 }
 
 TEST_F(EditorRules, ThePositionIsAskedForOnceAStamp) {
