@@ -232,6 +232,18 @@ TEST_F(LyricLoad, KnowsNoByteOrderMark) {
     EXPECT_EQ(lyric().lrcTi, u"");
 }
 
+// What lies between its letters keeps tags and times from being found; it counts as a lyric.
+TEST_F(LyricLoad, KnowsNoUtf16) {
+    std::string wide = "\xFF\xFE";
+    for (const char letter : std::string("[ti:Song]\r\n[00:01.00]a\r\n"))
+        wide += std::string({letter, '\0'});
+    load(wide);
+    EXPECT_TRUE(lyric().hasLrc);
+    EXPECT_EQ(lyric().lrcTi, u"");
+    EXPECT_EQ(lyric().ListIndex(u"00:01"), -1);
+    EXPECT_NE(lyric().nowLrcLine, lyric().lrcMissText);
+}
+
 TEST_F(LyricLoad, FindsTheFileInAnotherCase) {
     files.addFile(u"/lrc/SONG.lrc", "[00:01]a");
     lyric().startLoad(u"/lrc/Song.LRC");

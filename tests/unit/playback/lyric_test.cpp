@@ -49,6 +49,19 @@ TEST_F(Lyric, IsFoundByATimeInItsWords) {
     EXPECT_EQ(at(u"45000"), u"see you at 00:45");
 }
 
+TEST_F(Lyric, ShowsTheStampsOfSingleWordsAndIsFoundByThemToo) {
+    lines({u"[00:30.00]<00:30.00>one <00:32.00>two"});
+    EXPECT_EQ(at(u"30000"), u"<00:30.00>one <00:32.00>two");
+    form().nowLrcLine = u"between";
+    EXPECT_EQ(at(u"32000"), u"<00:30.00>one <00:32.00>two");
+}
+
+TEST_F(Lyric, IsMovedByNoOffset) {
+    lines({u"[offset:2000]", u"[00:05.00]A", u"[00:07.00]B"});
+    EXPECT_EQ(at(u"5000"), u"A");
+    EXPECT_EQ(at(u"7000"), u"B");
+}
+
 TEST_F(Lyric, StaysBetweenTwoLabels) {
     lines({u"[00:05.00]A", u"[00:10.00]B"});
     at(u"5000");
