@@ -9,6 +9,7 @@
 #include "platform/picture/picture.h"
 #include "platform/qt/qt_dialogs.h"
 #include "platform/qt/qt_windows.h"
+#include "platform/registry/active_page.h"
 #include "platform/registry/sqlite_registry.h"
 #include "platform/sound/sound.h"
 #include "settings/setControl.h"
@@ -28,19 +29,6 @@ void note(std::string_view line) {
     std::fprintf(stderr, "velmora: %.*s\n", static_cast<int>(line.size()), line.data());
 }
 
-// The page that the user put in force, if any: "ACP" as on the design's own platform.
-std::u16string activePage(platform::Registry &registry) {
-    std::u16string page;
-    passOver([&] {
-        const auto provider = registry.GetObject(u"StdRegProv");
-        page = provider
-                   ->GetStringValue(platform::HKEY_LOCAL_MACHINE,
-                                    u"SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage", u"ACP")
-                   .value_or(std::u16string());
-    });
-    return page;
-}
-
 std::vector<std::u16string> hostsOf(setControl &settings) {
     return {settings.get_LrcSearchHost(), settings.get_LrcSiteAHost(), settings.get_LrcSiteBHost(),
             settings.get_SongSearchHost(), settings.get_MakerHost()};
@@ -56,7 +44,8 @@ int play() {
 
     const platform::HomeFolders homes = platform::homeFolders();
     platform::SqliteRegistry *settings = nullptr;
-    const auto ansi = platform::makeAnsiText([&settings] { return activePage(*settings); });
+    const auto ansi = platform::makeAnsiText(
+        [&settings] { return platform::activePage(*settings); }, platform::textLocale());
     platform::SqliteRegistry registry(homes.registryFile(), *ansi);
     settings = &registry;
     const auto clock = platform::makeClock();

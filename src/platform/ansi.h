@@ -2,10 +2,10 @@
 
 // The system's ANSI conversion. Nothing above the platform knows which code page is in force.
 //
-// By default text is UTF-8, with a legacy page (936, read as GB18030) for bytes that are no UTF-8;
-// writing is always UTF-8. The registry value "ACP" in the platform's own key
-// "SYSTEM\CurrentControlSet\Control\Nls\CodePage" overrides it: with 936, 932, 950, 1252 or 65001
-// that page alone is read and written.
+// What is read is UTF-8, or else, where it is none, a legacy page: the one that the text value
+// "ACP" in the platform's own key "SYSTEM\CurrentControlSet\Control\Nls\CodePage" sets (936, 932,
+// 949, 950 or 1252; 65001 for none), without it the one of the user's language. What is written is
+// UTF-8, or the page that is set wherever all of the text would be read back from it.
 //
 // A file-name byte that is no text, and CR and LF inside a file name, live in memory as the unit
 // U+DC00 + byte. They are written as the three-byte form of that unit, and that form counts as
@@ -22,7 +22,7 @@ class AnsiText {
 public:
     virtual ~AnsiText() = default;
 
-    // Text to the bytes of the page in force. A unit that the page cannot hold becomes "?".
+    // Text to the bytes of the page in force. Half a surrogate pair becomes "?".
     virtual std::string encode(std::u16string_view text) const = 0;
 
     // The same, onto the end of `bytes`: for what is put together from many texts.
@@ -35,8 +35,9 @@ public:
     // UTF-8 as a whole it is that, else the legacy page. Undecodable bytes give U+FFFD.
     virtual std::u16string decode(std::string_view bytes) const = 0;
 
-    // One path text, decided by itself: valid UTF-8 (file-name units included) is that; else raw
-    // file-name bytes if it begins with "/"; else the legacy page.
+    // One path text, decided by itself: valid UTF-8 (file-name units included) is that; else what
+    // the page that is set can read; else raw file-name bytes if it begins with "/"; else the
+    // legacy page.
     virtual std::u16string decodePath(std::string_view bytes) const = 0;
 
     // Texts that decide together, such as the lines of a lyric or the fields of a tag: the majority

@@ -8,8 +8,8 @@ namespace velmora::fakes {
 
 class FakeAnsi : public platform::AnsiConversion {
 public:
-    // 0: UTF-8 with page 936 behind it, the program's normal state. Else one page alone, as the
-    // override sets it: 936, 932, 950, 1252 or 65001.
+    // 0: UTF-8 with page 936 behind it, where no page is set. Else the page that is set: 932, 936,
+    // 949, 950, 1252 or 65001.
     explicit FakeAnsi(int page = 0);
 };
 

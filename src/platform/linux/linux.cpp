@@ -9,12 +9,24 @@
 #include "platform/linux/linux_timers.h"
 #include "platform/linux/linux_versions.h"
 #include "platform/linux/text/ansi_conversion.h"
+#include "platform/linux/text/locale_page.h"
 #include "platform/linux/unfinished_folders.h"
+
+#include <cstdlib>
 
 namespace velmora::platform {
 
-std::unique_ptr<AnsiText> makeAnsiText(std::function<std::u16string()> activePage) {
-    return std::make_unique<AnsiConversion>(std::move(activePage));
+std::unique_ptr<AnsiText> makeAnsiText(std::function<std::u16string()> activePage,
+                                       std::string_view locale) {
+    return std::make_unique<AnsiConversion>(std::move(activePage), legacyPageOf(locale));
+}
+
+// The order is the C library's.
+std::string textLocale() {
+    for (const char *variable : {"LC_ALL", "LC_CTYPE", "LANG"})
+        if (const char *value = std::getenv(variable); value != nullptr && *value != '\0')
+            return value;
+    return {};
 }
 
 FileCalls makeFileCalls(const HomeFolders &homes) {

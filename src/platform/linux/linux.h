@@ -14,12 +14,18 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace velmora::platform {
 
-// `activePage` answers the registry's override of the code page, empty for none. It is asked once,
-// at the first text that is not plain ASCII.
-std::unique_ptr<AnsiText> makeAnsiText(std::function<std::u16string()> activePage);
+// `activePage` answers the code page that is set in the registry, empty for none. It is asked once,
+// at the first text that is not plain ASCII. `locale` names the language whose old texts are read
+// where none is set; empty stands for Chinese.
+std::unique_ptr<AnsiText> makeAnsiText(std::function<std::u16string()> activePage,
+                                       std::string_view locale = {});
+
+// The name of the locale that decides about characters; empty for none.
+std::string textLocale();
 
 // The calls of all that write files here. Takes away what earlier runs had to leave unfinished, and
 // notes in the cache where this run may leave something.

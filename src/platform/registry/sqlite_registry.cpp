@@ -2,7 +2,6 @@
 
 #include "base/run_time_error.h"
 #include "base/text.h"
-#include "base/utf8.h"
 #include "platform/linux/text/utf8_units.h"
 
 #include <sqlite3.h>
@@ -42,21 +41,6 @@ std::u16string normalPath(std::u16string_view subKey) {
 }
 
 std::string folded(std::u16string_view name) { return encodeUtf8Units(upper(name)); }
-
-// The longest beginning whose form takes no more than `limit` bytes, no pair cut in half.
-std::u16string_view beginningOfSize(const AnsiText &ansi, std::u16string_view text,
-                                    std::size_t limit) {
-    std::size_t fits = 0;
-    std::size_t tooLong = text.size() + 1;
-    while (tooLong - fits > 1) {
-        const std::size_t middle = fits + (tooLong - fits) / 2;
-        (ansi.byteCount(text.substr(0, middle)) <= limit ? fits : tooLong) = middle;
-    }
-    if (fits > 0 && fits < text.size() && isHighSurrogate(text[fits - 1]) &&
-        isLowSurrogate(text[fits]))
-        --fits;
-    return text.substr(0, fits);
-}
 
 class Provider : public StdRegProv {
 public:
@@ -181,29 +165,14 @@ std::int32_t SqliteRegistry::RegDeleteKeyA(std::uint32_t hive, std::u16string_vi
 // --- values --------------------------------------------------------------------------------------
 
 // What a text is after its way through the code page, cut to the byte count. A character that the
-// cut splits becomes U+FFFD; file-name units stay in every page.
+// cut splits becomes U+FFFD.
 std::u16string SqliteRegistry::keptText(std::u16string_view text, std::uint32_t byteCount) const {
-    bool split = false;
-    if (ansi_.byteCount(text) > byteCount) {
-        text = beginningOfSize(ansi_, text, byteCount);
-        split = ansi_.byteCount(text) < byteCount;
-    }
-    std::u16string kept;
-    std::size_t begin = 0;
-    const auto convert = [&](std::size_t end) {
-        kept += ansi_.decode(ansi_.encode(text.substr(begin, end - begin)));
-    };
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (isHighSurrogate(text[i]) && i + 1 < text.size() && isLowSurrogate(text[i + 1])) {
-            ++i;
-        } else if (isFileNameUnit(text[i])) {
-            convert(i);
-            kept += text[i];
-            begin = i + 1;
-        }
-    }
-    convert(text.size());
-    if (split)
+    std::string bytes = ansi_.encode(text);
+    if (bytes.size() <= byteCount)
+        return ansi_.decode(bytes);
+    bytes.resize(byteCount);
+    std::u16string kept = ansi_.decodeTogether({bytes}, true).front();
+    if (ansi_.byteCount(kept) < byteCount)
         kept += u'\xFFFD';
     return kept;
 }

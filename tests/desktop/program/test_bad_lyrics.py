@@ -6,6 +6,7 @@
 
 import os
 import shutil
+import sqlite3
 import subprocess
 import sys
 import unittest
@@ -173,7 +174,7 @@ class Playing(LyricsTest):
         self.assert_fit(player, main)
 
 
-class Saving(LyricsTest):
+class EditedTest(LyricsTest):
     OLD = b"[00:01.00]old words\r\n"
 
     def edit(self, program=PROGRAM):
@@ -224,6 +225,8 @@ class Saving(LyricsTest):
         self.confirm(player, "Return")
         self.assertIn(b"[00:02.00]new words\r\n", self.copied("song"))
 
+
+class Saving(EditedTest):
     def test_over_bytes_that_are_no_text_keeps_them_beside_the_new_lyric(self):
         self.OLD = b"[00:01.00]\xff\xfe words\r\n"
         player, main, editor = self.edit()
@@ -260,6 +263,48 @@ class Saving(LyricsTest):
         os.chmod(self.lyric_folder(), 0o755)
         self.assert_lines_are_kept(player, editor)
         self.assert_fit(player, main)
+
+
+class Pages(EditedTest):
+    """A lyric in the old page of Japan, edited and saved: the new file tells how it was read."""
+    LINE = "[00:05.00]テ☆"
+    OLD = b"[00:01.00]old words\r\n" + LINE.encode("cp932") + b"\r\n"
+
+    def set_page(self, page):
+        """As a person does, once there is a registry."""
+        player, main = self.start()
+        self.session.key("Escape", main)
+        self.assertTrue(player.ended())
+        key = "SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage"
+        with sqlite3.connect(self.registry_file()) as database:
+            database.execute("insert into keys (hive, folded, path) values (2147483650, ?, ?)",
+                             (key.upper(), key))
+            database.execute("insert into entries (key, folded, name, type, bytes, data) "
+                             "select id, 'ACP', 'ACP', 1, ?, ? from keys where folded = ?",
+                             (len(page), page, key.upper()))
+        database.close()
+
+    def saved_line(self):
+        player, main, editor = self.edit()
+        self.assert_lines_are_kept(player, editor)
+        self.assert_fit(player, main)
+        return next(line for line in self.copied("song").split(b"\r\n")
+                    if line.startswith(b"[00:05"))
+
+    def test_the_systems_language_tells_the_page(self):
+        self.session.env["LC_ALL"] = "ja_JP.UTF-8"
+        self.assertEqual(self.saved_line(), self.LINE.encode())
+
+    def test_a_page_that_is_set_is_read_and_written(self):
+        self.set_page("932")
+        self.assertEqual(self.saved_line(), self.LINE.encode("cp932"))
+        self.assertFalse(os.path.exists(self.lyric_folder("song.Lrc.old")), "nothing was lost")
+
+    def test_65001_reads_no_page(self):
+        self.session.env["LC_ALL"] = "ja_JP.UTF-8"
+        self.set_page("65001")
+        lost = self.LINE.encode("cp932").decode("utf-8", "replace")
+        self.assertEqual(self.saved_line(), lost.encode())
 
 
 if __name__ == "__main__":

@@ -1,5 +1,9 @@
 #include "platform/linux/text/ansi_conversion.h"
 
+#include "base/text.h"
+#include "platform/linux/linux.h"
+#include "platform/linux/text/locale_page.h"
+#include "platform/linux/text/path_text.h"
 #include "tests/fakes/fake_ansi.h"
 
 #include <gtest/gtest.h>
@@ -39,7 +43,7 @@ TEST(Ansi, readsUtf8AsSuchAndAnythingElseInTheLegacyPage) {
 }
 
 TEST(Ansi, countsTheBytesThatItWrites) {
-    for (const int page : {0, 936, 932, 950, 1252, 65001}) {
+    for (const int page : {0, 936, 932, 949, 950, 1252, 65001}) {
         const FakeAnsi ansi(page);
         for (const std::u16string &text :
              {u""s, u"abc"s, u"中国é"s, u"😀"s, u"\xD83D"s, u"a\xDCFF\xDC0A"s, u"\xDE00x"s})
@@ -48,7 +52,7 @@ TEST(Ansi, countsTheBytesThatItWrites) {
 }
 
 TEST(Ansi, appendsWhatItWritesWhereverTheFirstUnitBeyondAsciiStands) {
-    for (const int page : {0, 936, 932, 950, 1252, 65001}) {
+    for (const int page : {0, 936, 932, 949, 950, 1252, 65001}) {
         const FakeAnsi ansi(page);
         const std::string odd = ansi.encode(u"é");
         for (std::size_t before = 0; before <= 40; ++before) {
@@ -150,49 +154,132 @@ TEST(AnsiTogether, doesNotCountTheIncompleteCharacterAgainstUtf8) {
     EXPECT_EQ(ansi.decodeTogether({"x\xED\xB2"}, true), (List{u"x"})); // a file-name unit cut short
 }
 
-// --- the override --------------------------------------------------------------------------------
+// --- the page behind UTF-8 -----------------------------------------------------------------------
 
-TEST(AnsiOverride, readsAndWritesOnePageAlone) {
-    EXPECT_EQ(FakeAnsi(936).encode(u"中国"), gbk);
-    EXPECT_EQ(FakeAnsi(936).decode(gbk), u"中国");
-    EXPECT_EQ(FakeAnsi(936).decode("é"), u"\u8305"); // valid UTF-8 is not looked for
-    EXPECT_EQ(FakeAnsi(932).encode(u"日本"), "\x93\xFA\x96\x7B");
-    EXPECT_EQ(FakeAnsi(932).decode("\x93\xFA\x96\x7B\xB1"), u"日本\uFF71");
-    EXPECT_EQ(FakeAnsi(950).encode(u"中國"), "\xA4\xA4\xB0\xEA");
-    EXPECT_EQ(FakeAnsi(950).decode("\xA4\xA4\xB0\xEA"), u"中國");
-    EXPECT_EQ(FakeAnsi(1252).encode(u"é€"), "\xE9\x80");
-    EXPECT_EQ(FakeAnsi(1252).decode("\xE9\x80"), u"é€");
-    EXPECT_EQ(FakeAnsi(65001).encode(u"中"), "中");
+// Each in its page; none is UTF-8.
+const std::string shiftJis = "\x93\xFA\x96\x7B\xB1"; // 日本ｱ
+const std::string big5 = "\xA4\xA4\xB0\xEA";         // 中國
+const std::string korean = "\xC7\xD1\xB1\xDB";       // 한글
+const std::string latin = "\xC9toile";               // Étoile
+
+TEST(AnsiPage, isTheOneOfTheUsersLanguageWhereNoneIsSet) {
+    struct Case {
+        const char *locale;
+        int page;
+    };
+    for (const Case &one : {Case{"ja_JP.UTF-8", 932}, {"ja", 932},          {"ko_KR.UTF-8", 949},
+                            {"zh_TW.UTF-8", 950},     {"zh_HK", 950},       {"zh_MO.Big5", 950},
+                            {"zh_CN.UTF-8", 936},     {"zh_SG", 936},       {"zh", 936},
+                            {"fr_FR.UTF-8", 1252},    {"fr_CA", 1252},      {"de_AT@euro", 1252},
+                            {"es_MX", 1252},          {"it_IT", 1252},      {"pt_BR.UTF-8", 1252},
+                            {"nl_NL", 1252},          {"da_DK", 1252},      {"fi_FI", 1252},
+                            {"is_IS", 1252},          {"nb_NO", 1252},      {"nn_NO", 1252},
+                            {"sv_SE", 1252},          {"en_US.UTF-8", 936}, {"ru_RU", 936},
+                            {"C.UTF-8", 936},         {"POSIX", 936},       {"", 936},
+                            {"jam_JM", 936},          {"_", 936},           {"zh_TWX", 936}})
+        EXPECT_EQ(legacyPageOf(one.locale), one.page) << one.locale;
+}
+
+TEST(AnsiPage, ofALanguageIsReadBehindUtf8AndNeverWritten) {
+    struct Case {
+        const char *locale;
+        std::string bytes;
+        const char16_t *text;
+    };
+    for (const Case &one : {Case{"ja_JP.UTF-8", shiftJis, u"日本ｱ"},
+                            {"ko_KR", korean, u"한글"},
+                            {"zh_TW", big5, u"中國"},
+                            {"fr_FR", latin, u"Étoile"},
+                            {"zh_CN", gbk, u"中国"}}) {
+        const auto ansi = makeAnsiText([] { return u""s; }, one.locale);
+        EXPECT_EQ(ansi->decode(one.bytes), one.text) << one.locale;
+        EXPECT_EQ(ansi->decode("Étoile 中国"), u"Étoile 中国") << one.locale;
+        EXPECT_EQ(ansi->decodeTogether({one.bytes, "x"}, false), (List{one.text, u"x"}));
+        EXPECT_EQ(ansi->decodeTogether({"é", "中"}, false), (List{u"é", u"中"}));
+        EXPECT_EQ(ansi->encode(one.text), toUtf8(one.text)) << one.locale;
+        EXPECT_EQ(ansi->decodePath("/m/" + one.bytes), pathFromBytes("/m/" + one.bytes))
+            << "the bytes of a name: " << one.locale;
+    }
+}
+
+TEST(AnsiPage, thatIsSetIsReadBehindUtf8) {
+    struct Case {
+        int page;
+        std::string bytes;
+        const char16_t *text;
+    };
+    for (const Case &one : {Case{936, gbk, u"中国"},
+                            {932, shiftJis, u"日本ｱ"},
+                            {950, big5, u"中國"},
+                            {949, korean, u"한글"},
+                            {1252, "\xE9\x80", u"é€"}}) {
+        const FakeAnsi ansi(one.page);
+        EXPECT_EQ(ansi.decode(one.bytes), one.text) << one.page;
+        EXPECT_EQ(ansi.decode("Étoile 中国"), u"Étoile 中国") << one.page;
+        EXPECT_EQ(ansi.decodeTogether({"é", one.bytes, one.bytes}, false).at(2), one.text);
+        EXPECT_EQ(ansi.decodeTogether({"é", "中", one.bytes}, false).at(1), u"中") << one.page;
+        EXPECT_EQ(ansi.decodePath("/m/é 中.mp3"), u"/m/é 中.mp3") << one.page;
+    }
     EXPECT_EQ(FakeAnsi(65001).decode(gbk2), u"\uFFFD\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(FakeAnsi(65001).decodeTogether({gbk2, gbk2, "é"}, false),
+              (List{u"\uFFFD\uFFFD\uFFFD\uFFFD", u"\uFFFD\uFFFD\uFFFD\uFFFD", u"é"}));
 }
 
-TEST(AnsiOverride, decidesForTextsTogetherToo) {
-    EXPECT_EQ(FakeAnsi(936).decodeTogether({"é", gbk}, false), (List{u"\u8305", u"中国"}));
-    EXPECT_EQ(FakeAnsi(65001).decodeTogether({gbk2, "é"}, false),
-              (List{u"\uFFFD\uFFFD\uFFFD\uFFFD", u"é"}));
-    EXPECT_EQ(FakeAnsi(1252).decodeTogether({"\xE9", "\xE8"}, false), (List{u"é", u"è"}));
+TEST(AnsiPage, thatIsSetIsWrittenWhereEveryCharacterFits) {
+    EXPECT_EQ(FakeAnsi(936).encode(u"中国"), gbk);
+    EXPECT_EQ(FakeAnsi(932).encode(u"日本ｱ"), shiftJis);
+    EXPECT_EQ(FakeAnsi(950).encode(u"中國"), big5);
+    EXPECT_EQ(FakeAnsi(949).encode(u"한글"), korean);
+    EXPECT_EQ(FakeAnsi(1252).encode(u"é€"), "\xE9\x80");
+    EXPECT_EQ(FakeAnsi(65001).encode(u"中"), "中");
+    EXPECT_EQ(FakeAnsi(936).encode(u"中国\r\nñ"), "中国\r\nñ"); // 936 has no ñ
+    EXPECT_EQ(FakeAnsi(936).encode(u"é😀"), "é😀");
+    EXPECT_EQ(FakeAnsi(1252).encode(u"é中"), "é中");
+    EXPECT_EQ(FakeAnsi(932).encode(u"日¥"), "日¥"); // it would come back as "\"
 }
 
-TEST(AnsiOverride, writesAQuestionMarkForEachUnitThatThePageLacks) {
-    EXPECT_EQ(FakeAnsi(936).encode(u"aéñb"), "a\xA8\xA6?b"); // 936 has é, not ñ
-    EXPECT_EQ(FakeAnsi(936).encode(u"😀"), "??");
-    EXPECT_EQ(FakeAnsi(1252).encode(u"中x"), "?x");
+// Some letters of a page are, one behind the other, other letters in UTF-8.
+TEST(AnsiPage, isNotWrittenWhereItWouldBeReadAsUtf8) {
+    EXPECT_EQ(FakeAnsi(936).encode(u"模"), "模"); // C4 A3, which is "ģ"
+    EXPECT_EQ(FakeAnsi(1252).encode(u"Ã©"), "Ã©");
+    const FakeAnsi ansi(932);
+    EXPECT_EQ(ansi.encode(u"ﾃ｡"), "ﾃ｡"); // C3 A1, which is "á"
+    EXPECT_EQ(ansi.encode(u"日本\r\nﾃ｡\r\n"), "日本\r\nﾃ｡\r\n");
+    EXPECT_EQ(ansi.encode(u"日本 ﾃ｡\r\n"), "\x93\xFA\x96\x7B \xC3\xA1\r\n");
 }
 
-TEST(AnsiOverride, keepsNamesInTheFileNameUnits) {
-    for (const int page : {936, 932, 950, 1252, 65001}) {
+TEST(AnsiPage, givesBackWhateverIsWritten) {
+    const std::u16string units = u"中国國日本ｱ月é€ñß模ﾃ｡ĢÃ©¥‾〜～∥한글😀—…";
+    for (const int page : {0, 936, 932, 949, 950, 1252, 65001}) {
         const FakeAnsi ansi(page);
-        const std::string bytes = ansi.encode(u"/m/\xDC0A.mp3");
-        EXPECT_EQ(bytes, "/m/\xED\xB0\x8A.mp3") << page;
-        if (page != 932 && page != 1252) { // there these bytes are characters
-            EXPECT_EQ(ansi.decodePath(bytes), u"/m/\xDC0A.mp3") << page;
-        }
+        for (std::size_t from = 0; from < units.size(); ++from)
+            for (std::size_t size = 1; size <= 3 && from + size <= units.size(); ++size) {
+                const std::u16string text = u"/" + units.substr(from, size);
+                if ((text.back() & 0xFC00) == 0xD800 || (text[1] & 0xFC00) == 0xDC00)
+                    continue; // half a pair
+                const std::string bytes = ansi.encode(text);
+                EXPECT_EQ(ansi.decode(bytes), text) << page;
+                EXPECT_EQ(ansi.decodePath(bytes), text) << page;
+                EXPECT_EQ(ansi.decodeTogether({bytes, "x"}, false).front(), text) << page;
+                EXPECT_EQ(ansi.byteCount(text), bytes.size()) << page;
+            }
+    }
+}
+
+TEST(AnsiPage, keepsNamesInTheFileNameUnits) {
+    for (const int page : {936, 932, 949, 950, 1252, 65001}) {
+        const FakeAnsi ansi(page);
+        const std::u16string name = u"/音é/\xDC0A\xDCFF.mp3";
+        EXPECT_EQ(ansi.encode(name), "/音é/\xED\xB0\x8A\xED\xB3\xBF.mp3") << page;
+        EXPECT_EQ(ansi.decodePath(ansi.encode(name)), name) << page;
+        EXPECT_EQ(ansi.decode(ansi.encode(name)), name) << page;
     }
     EXPECT_EQ(FakeAnsi(936).decodePath("/m/\xD6\xD0.mp3"), u"/m/中.mp3");
+    EXPECT_EQ(FakeAnsi(936).decodePath("/m/\xD6\xD0\xFF.mp3"), u"/m/\xDCD6\xDCD0\xDCFF.mp3");
     EXPECT_EQ(FakeAnsi(65001).decodePath("/m/\xD6\xD0.mp3"), u"/m/\xDCD6\xDCD0.mp3");
 }
 
-TEST(AnsiOverride, isAskedOnceAndOnlyWhenATextIsNotAscii) {
+TEST(AnsiPage, isAskedForOnceAndOnlyWhenATextIsNotAscii) {
     int asked = 0;
     const AnsiConversion ansi([&] {
         ++asked;
@@ -207,15 +294,15 @@ TEST(AnsiOverride, isAskedOnceAndOnlyWhenATextIsNotAscii) {
     EXPECT_EQ(asked, 1);
 }
 
-TEST(AnsiOverride, isPassedOverWhenItNamesNoKnownPage) {
+TEST(AnsiPage, isTheLanguagesWhereWhatIsSetIsNoKnownPage) {
     for (const char16_t *page : {u"", u"0", u"1251", u"936x", u"GBK", u"99999999999"}) {
-        const AnsiConversion ansi([page] { return std::u16string(page); });
+        const AnsiConversion ansi([page] { return std::u16string(page); }, 932);
         EXPECT_EQ(ansi.encode(u"中"), "中");
-        EXPECT_EQ(ansi.decode(gbk), u"中国");
+        EXPECT_EQ(ansi.decode(shiftJis), u"日本ｱ");
     }
 }
 
-TEST(AnsiOverride, mayConvertTextWhileItIsAsked) {
+TEST(AnsiPage, mayBeFoundOutByConvertingText) {
     const AnsiConversion *inside = nullptr;
     const AnsiConversion ansi([&] { return inside->encode(u"é") == "é" ? u"936"s : u""s; });
     inside = &ansi;

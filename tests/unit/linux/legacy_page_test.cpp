@@ -7,10 +7,10 @@
 namespace velmora::platform {
 namespace {
 
-TEST(LegacyPage, knowsFourPages) {
-    for (const int page : {932, 936, 950, 1252})
+TEST(LegacyPage, knowsFivePages) {
+    for (const int page : {932, 936, 949, 950, 1252})
         EXPECT_TRUE(LegacyPage::isKnown(page));
-    for (const int page : {0, 437, 949, 1251, 65001})
+    for (const int page : {0, 437, 874, 1251, 65001})
         EXPECT_FALSE(LegacyPage::isKnown(page));
 }
 
@@ -78,6 +78,29 @@ TEST(Page1252, givesAReplacementForItsHoles) {
     EXPECT_EQ(page.decode("\x93quoted\x94"), u"“quoted”");
 }
 
+TEST(Page949, readsAndWritesWhatTheOlderPageLacks) {
+    const LegacyPage page(949);
+    EXPECT_EQ(page.decode("\xC7\xD1\xB1\xDB \x8C\x63"), u"한글 똠");
+    EXPECT_EQ(page.encode(u"한글 똠"), "\xC7\xD1\xB1\xDB \x8C\x63");
+    EXPECT_EQ(page.decode("\xC7\"z"), u"\uFFFD\"z");
+}
+
+TEST(LegacyPage, encodesWholeTextsThatComeBackOrNone) {
+    EXPECT_EQ(LegacyPage(936).encode(u"aéb"), "a\xA8\xA6"
+                                              "b");
+    EXPECT_EQ(LegacyPage(936).encode(u"aéñb"), std::nullopt);
+    EXPECT_EQ(LegacyPage(936).encode(u"😀"), std::nullopt);
+    EXPECT_EQ(LegacyPage(936).encode(u"a\xD83D"), std::nullopt);
+    EXPECT_EQ(LegacyPage(932).encode(u"¥"), std::nullopt);
+    EXPECT_EQ(LegacyPage(1252).encode(u"\u0081"), std::nullopt);
+    EXPECT_EQ(LegacyPage(950).encode(std::u16string(3000, u'中')), [] {
+        std::string bytes;
+        for (int i = 0; i < 3000; ++i)
+            bytes += "\xA4\xA4";
+        return bytes;
+    }());
+}
+
 TEST(LegacyPage, decodesStrictlyOrNotAtAll) {
     EXPECT_EQ(LegacyPage(936).decodeStrictly("\xD6\xD0"), u"中");
     EXPECT_EQ(LegacyPage(936).decodeStrictly("\xD6\xD0\xFF"), std::nullopt);
@@ -86,7 +109,7 @@ TEST(LegacyPage, decodesStrictlyOrNotAtAll) {
 }
 
 TEST(LegacyPage, survivesEveryPairOfBytes) {
-    for (const int number : {932, 936, 950, 1252}) {
+    for (const int number : {932, 936, 949, 950, 1252}) {
         const LegacyPage page(number);
         for (int first = 0x80; first < 0x100; ++first)
             for (int second = 0; second < 0x100; ++second) {
@@ -105,7 +128,7 @@ TEST(LegacyPage, survivesEveryPairOfBytes) {
 TEST(LegacyPage, withoutAConverterGivesReplacements) {
     const LegacyPage unknown(4711);
     EXPECT_EQ(unknown.decode("a\xE9z"), u"a\uFFFDz");
-    EXPECT_EQ(unknown.encode(u"aéz"), "a?z");
+    EXPECT_EQ(unknown.encode(u"aéz"), std::nullopt);
 }
 
 } // namespace

@@ -59,8 +59,13 @@ TEST_F(SqliteFile, countsInThePageInForce) {
     EXPECT_EQ(get(registry, u"v"), u"中");
     set(registry, u"v", u"a\xDCFF", 4);
     EXPECT_EQ(get(registry, u"v"), u"a\xDCFF");
-    set(registry, u"v", u"😀", 2); // what the page lacks is lost in writing
-    EXPECT_EQ(get(registry, u"v"), u"??");
+    // Where the page lacks a character the text is counted in UTF-8.
+    set(registry, u"v", u"中😀", 7);
+    EXPECT_EQ(get(registry, u"v"), u"中😀");
+    set(registry, u"v", u"中😀", 4);
+    EXPECT_EQ(get(registry, u"v"), u"中\xFFFD");
+    set(registry, u"v", u"中\xDCFF", 6);
+    EXPECT_EQ(get(registry, u"v"), u"中\xDCFF");
 }
 
 TEST_F(SqliteFile, keepsTextsWhenThePageChangesLater) {

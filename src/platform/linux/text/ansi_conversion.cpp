@@ -12,7 +12,6 @@ namespace velmora::platform {
 
 namespace {
 
-constexpr int defaultLegacyPage = 936;
 constexpr int utf8Page = 65001;
 
 bool isAscii(std::string_view bytes) noexcept { return asciiRun(bytes) == bytes.size(); }
@@ -21,44 +20,57 @@ bool isAscii(std::u16string_view text) noexcept {
     return std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
 }
 
-// The legacy pages know no file-name units: they are written as in UTF-8.
-std::string encodeLegacy(const LegacyPage &page, std::u16string_view text) {
-    std::string result;
-    std::size_t begin = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (isHighSurrogate(text[i]) && i + 1 < text.size() && isLowSurrogate(text[i + 1])) {
-            ++i;
-        } else if (isFileNameUnit(text[i])) {
-            result += page.encode(text.substr(begin, i - begin));
-            result += encodeUtf8Units(text.substr(i, 1));
-            begin = i + 1;
-        }
+// Whether a reader would take one of the lines for UTF-8. Some letters of a page, one behind the
+// other, are such bytes by chance.
+bool hasUtf8Line(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const std::size_t end = std::min(bytes.find_first_of("\r\n"), bytes.size());
+        const std::string_view line = bytes.substr(0, end);
+        if (!isAscii(line) && decodeUtf8Units(line))
+            return true;
+        bytes.remove_prefix(std::min(end + 1, bytes.size()));
     }
-    result += page.encode(text.substr(begin));
-    return result;
+    return false;
+}
+
+// Absent where reading the bytes would not give the text again.
+std::optional<std::string> encodeLegacy(const LegacyPage &page, std::u16string_view text) {
+    auto bytes = page.encode(text);
+    if (bytes && hasUtf8Line(*bytes))
+        bytes.reset();
+    return bytes;
 }
 
 } // namespace
 
-AnsiConversion::AnsiConversion(std::function<std::u16string()> activePage)
-    : activePage_(std::move(activePage)) {}
+AnsiConversion::AnsiConversion(std::function<std::u16string()> activePage, int usualPage)
+    : activePage_(std::move(activePage)), usualPage_(usualPage) {}
 
 AnsiConversion::~AnsiConversion() = default;
 
-AnsiConversion::Mode AnsiConversion::mode() const {
-    if (!mode_) {
-        // Set first: what answers the question may itself convert text.
-        mode_ = Mode::Utf8ThenLegacy;
-        legacy_.emplace(defaultLegacyPage);
-        const auto page = activePage_ ? strictInt32(activePage_()) : std::nullopt;
-        if (page == utf8Page) {
-            mode_ = Mode::Utf8Alone;
-        } else if (page && LegacyPage::isKnown(*page)) {
-            mode_ = Mode::LegacyAlone;
-            legacy_.emplace(*page);
-        }
+void AnsiConversion::askForPage() const {
+    if (asked_)
+        return;
+    // Set first: what answers the question may itself convert text.
+    asked_ = true;
+    legacy_.emplace(usualPage_);
+    const auto page = activePage_ ? strictInt32(activePage_()) : std::nullopt;
+    if (page == utf8Page) {
+        legacy_.reset();
+    } else if (page && LegacyPage::isKnown(*page)) {
+        legacy_.emplace(*page);
+        isSet_ = true;
     }
-    return *mode_;
+}
+
+const LegacyPage *AnsiConversion::legacy() const {
+    askForPage();
+    return legacy_ ? &*legacy_ : nullptr;
+}
+
+const LegacyPage *AnsiConversion::written() const {
+    const LegacyPage *page = legacy();
+    return isSet_ ? page : nullptr;
 }
 
 std::string AnsiConversion::encode(std::u16string_view text) const {
@@ -76,8 +88,9 @@ void AnsiConversion::appendTo(std::string &bytes, std::u16string_view text) cons
         return;
     bytes.resize(begin + run);
     text.remove_prefix(run);
-    if (mode() == Mode::LegacyAlone)
-        bytes += encodeLegacy(*legacy_, text);
+    const LegacyPage *page = written();
+    if (const auto legacy = page ? encodeLegacy(*page, text) : std::nullopt)
+        bytes += *legacy;
     else
         appendUtf8Units(bytes, text);
 }
@@ -85,44 +98,27 @@ void AnsiConversion::appendTo(std::string &bytes, std::u16string_view text) cons
 std::size_t AnsiConversion::byteCount(std::u16string_view text) const {
     if (isAscii(text))
         return text.size();
-    return mode() == Mode::LegacyAlone ? encode(text).size() : utf8UnitsByteCount(text);
+    return written() ? encode(text).size() : utf8UnitsByteCount(text);
 }
 
 std::u16string AnsiConversion::decode(std::string_view bytes) const {
     if (isAscii(bytes))
         return fromAscii(bytes);
-    switch (mode()) {
-    case Mode::LegacyAlone:
-        return legacy_->decode(bytes);
-    case Mode::Utf8Alone:
-        return decodeUtf8UnitsAnyway(bytes);
-    case Mode::Utf8ThenLegacy:
-        break;
-    }
-    auto text = decodeUtf8Units(bytes);
-    return text ? *std::move(text) : legacy_->decode(bytes);
+    if (auto text = decodeUtf8Units(bytes))
+        return *std::move(text);
+    return legacy() ? legacy()->decode(bytes) : decodeUtf8UnitsAnyway(bytes);
 }
 
 std::u16string AnsiConversion::decodePath(std::string_view bytes) const {
     if (isAscii(bytes))
         return fromAscii(bytes);
-    if (mode() == Mode::LegacyAlone)
-        return decodeLegacyPath(bytes);
     if (auto text = decodeUtf8Units(bytes))
         return *std::move(text);
-    if (bytes.front() == '/')
-        return pathFromBytes(bytes);
-    return mode() == Mode::Utf8Alone ? decodeUtf8UnitsAnyway(bytes) : legacy_->decode(bytes);
-}
-
-// Under an override the page comes first; what it cannot read may hold file-name units, or be the
-// raw bytes of a name.
-std::u16string AnsiConversion::decodeLegacyPath(std::string_view bytes) const {
-    if (auto text = legacy_->decodeStrictly(bytes))
-        return *std::move(text);
-    if (auto text = decodeUtf8Units(bytes))
-        return *std::move(text);
-    return bytes.front() == '/' ? pathFromBytes(bytes) : legacy_->decode(bytes);
+    // In the page that is set as it was written; else these are the bytes of the name itself.
+    if (written())
+        if (auto text = written()->decodeStrictly(bytes))
+            return *std::move(text);
+    return bytes.front() == '/' ? pathFromBytes(bytes) : decode(bytes);
 }
 
 std::vector<std::u16string> AnsiConversion::decodeTogether(const std::vector<std::string> &texts,
@@ -131,13 +127,14 @@ std::vector<std::u16string> AnsiConversion::decodeTogether(const std::vector<std
     for (const std::string &text : texts)
         if (!isAscii(text))
             balance += decodeUtf8Units(text, fixedLength) ? 1 : -1;
+    const LegacyPage *page = balance < 0 ? legacy() : nullptr;
     std::vector<std::u16string> result;
     result.reserve(texts.size());
     for (const std::string &text : texts) {
         if (isAscii(text))
             result.push_back(fromAscii(text));
-        else if (mode() == Mode::LegacyAlone || (mode() == Mode::Utf8ThenLegacy && balance < 0))
-            result.push_back(legacy_->decode(text, fixedLength));
+        else if (page)
+            result.push_back(page->decode(text, fixedLength));
         else
             result.push_back(decodeUtf8UnitsAnyway(text, fixedLength));
     }

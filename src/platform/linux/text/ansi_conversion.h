@@ -13,10 +13,11 @@ namespace velmora::platform {
 
 class AnsiConversion : public AnsiText {
 public:
-    // `activePage` answers the text of the override: the number of one of the known pages, or
-    // anything else for none. It is asked once, when a conversion first meets a byte or unit above
-    // 127, so that making the object costs nothing.
-    explicit AnsiConversion(std::function<std::u16string()> activePage);
+    // `activePage` answers the text of the page that is set: the number of one of the known pages,
+    // or anything else for none. It is asked once, when a conversion first meets a byte or unit
+    // above 127, so that making the object costs nothing. `usualPage` is the page to read with
+    // where none is set.
+    explicit AnsiConversion(std::function<std::u16string()> activePage, int usualPage = 936);
     ~AnsiConversion() override;
 
     std::string encode(std::u16string_view text) const override;
@@ -28,13 +29,16 @@ public:
                                                bool fixedLength) const override;
 
 private:
-    enum class Mode { Utf8ThenLegacy, Utf8Alone, LegacyAlone };
-
-    Mode mode() const;
-    std::u16string decodeLegacyPath(std::string_view bytes) const;
+    // The page behind UTF-8; none where only UTF-8 is read.
+    const LegacyPage *legacy() const;
+    // The same, where it is set: the page that is written.
+    const LegacyPage *written() const;
+    void askForPage() const;
 
     std::function<std::u16string()> activePage_;
-    mutable std::optional<Mode> mode_;
+    int usualPage_;
+    mutable bool asked_ = false;
+    mutable bool isSet_ = false;
     mutable std::optional<LegacyPage> legacy_;
 };
 

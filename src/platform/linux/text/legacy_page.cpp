@@ -21,10 +21,8 @@ struct PageRow {
 };
 
 constexpr PageRow pageRows[] = {
-    {936, "GB18030", "CP936", true},
-    {932, "CP932", "CP932", true},
-    {950, "CP950", "CP950", true},
-    {1252, "CP1252", "CP1252", false},
+    {936, "GB18030", "CP936", true}, {932, "CP932", "CP932", true},     {949, "UHC", "UHC", true},
+    {950, "CP950", "CP950", true},   {1252, "CP1252", "CP1252", false},
 };
 
 const PageRow *rowOf(int number) noexcept {
@@ -38,7 +36,7 @@ void *const noConverter = reinterpret_cast<void *>(std::intptr_t{-1});
 
 // The converter's other side: 32-bit code points in the machine's order, built into the library,
 // so that only the page's own table is loaded.
-constexpr const char *codePoints = "WCHAR_T";
+constexpr const char *codePointForm = "WCHAR_T";
 
 void *opened(void *&converter, const char *to, const char *from) {
     if (converter == nullptr)
@@ -113,7 +111,7 @@ bool LegacyPage::decodeInto(std::u16string &result, std::string_view bytes, bool
         if (bytes.empty())
             break;
         Stop stop = Stop::Invalid;
-        void *converter = row ? opened(reader_, codePoints, row->readName) : noConverter;
+        void *converter = row ? opened(reader_, codePointForm, row->readName) : noConverter;
         if (converter != noConverter)
             stop = convertRun(converter, bytes, result);
         if (stop == Stop::Done || (stop == Stop::CutEnd && dropCutEnd))
@@ -144,31 +142,30 @@ std::optional<std::u16string> LegacyPage::decodeStrictly(std::string_view bytes)
     return result;
 }
 
-std::string LegacyPage::encode(std::u16string_view text) const {
-    const PageRow *row = rowOf(number_);
-    std::string result;
-    result.reserve(text.size() * 2);
+std::optional<std::string> LegacyPage::encode(std::u16string_view text) const {
+    std::u32string codePoints;
+    codePoints.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char16_t unit = text[i];
-        if (unit < 0x80) {
-            result += static_cast<char>(unit);
-            continue;
-        }
         const bool pair =
             isHighSurrogate(unit) && i + 1 < text.size() && isLowSurrogate(text[i + 1]);
-        char32_t codePoint = pair ? pairCodePoint(unit, text[++i]) : char32_t{unit};
-        char *in = reinterpret_cast<char *>(&codePoint);
-        std::size_t inLeft = sizeof codePoint;
-        char buffer[8];
-        char *out = buffer;
-        std::size_t outLeft = sizeof buffer;
-        void *converter = row ? opened(writer_, row->writeName, codePoints) : noConverter;
-        if (converter != noConverter &&
-            iconv(converter, &in, &inLeft, &out, &outLeft) != static_cast<std::size_t>(-1))
-            result.append(buffer, out);
-        else
-            result += pair ? "??" : "?";
+        codePoints += pair ? pairCodePoint(unit, text[++i]) : char32_t{unit};
     }
+    const PageRow *row = rowOf(number_);
+    void *converter = row ? opened(writer_, row->writeName, codePointForm) : noConverter;
+    if (converter == noConverter)
+        return std::nullopt;
+    std::string result(codePoints.size() * 2, '\0'); // no page has more for one
+    char *in = reinterpret_cast<char *>(codePoints.data());
+    std::size_t inLeft = codePoints.size() * sizeof codePoints[0];
+    char *out = result.data();
+    std::size_t outLeft = result.size();
+    if (iconv(converter, &in, &inLeft, &out, &outLeft) == static_cast<std::size_t>(-1))
+        return std::nullopt;
+    result.resize(result.size() - outLeft);
+    // Some signs are written as another that looks like them.
+    if (decodeStrictly(result) != text)
+        return std::nullopt;
     return result;
 }
 

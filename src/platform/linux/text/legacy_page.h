@@ -10,7 +10,7 @@ namespace velmora::platform {
 
 class LegacyPage {
 public:
-    // Page 936 is read as its superset GB18030 and written as itself; 932, 950 and 1252 likewise.
+    // 936, 932, 949, 950 or 1252. Page 936 is read as its superset GB18030.
     explicit LegacyPage(int number) noexcept : number_(number) {}
     ~LegacyPage();
     LegacyPage(const LegacyPage &) = delete;
@@ -27,8 +27,8 @@ public:
     // Absent when something in the bytes decodes to nothing.
     std::optional<std::u16string> decodeStrictly(std::string_view bytes) const;
 
-    // Each unit that the page cannot hold becomes "?".
-    std::string encode(std::u16string_view text) const;
+    // Absent when the page cannot hold all of the text so that it is read back as itself.
+    std::optional<std::string> encode(std::u16string_view text) const;
 
 private:
     using Converter = void *;
