@@ -55,6 +55,7 @@ void ListBox::setSelected(std::int32_t row, bool selected) {
     }
     changed(Change::Selection);
     if (selected && !multiSelect_) {
+        ensureVisible(row);
         raiseClick();
     }
 }
@@ -85,6 +86,9 @@ void ListBox::setListIndex(std::int32_t row) {
     }
     changed(Change::Selection);
     if (row >= 0) {
+        if (!multiSelect_) {
+            ensureVisible(row);
+        }
         raiseClick();
     }
 }
@@ -223,6 +227,12 @@ void ListBox::userClicked(std::int32_t row, std::int16_t shift, bool dragging) {
     chosen(row);
 }
 
+void ListBox::userRightClicked(std::int32_t row) {
+    if (!selected(row)) {
+        userClicked(row, 0, false);
+    }
+}
+
 void ListBox::userMoved(std::int32_t row, std::int16_t shift) {
     if (!isLive() || rows_.empty()) {
         return;
@@ -245,6 +255,9 @@ void ListBox::userMoved(std::int32_t row, std::int16_t shift) {
 
 void ListBox::userDoubleClicked(std::int32_t row) {
     const bool wanted = has(row) || rows_.empty();
+    if (row != listIndex_) {
+        userClicked(row, 0, false);
+    }
     if (isLive() && wanted && events() != nullptr) {
         raiseEvent(events()->DblClick);
     }

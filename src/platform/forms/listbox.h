@@ -3,6 +3,7 @@
 #include "platform/forms/control.h"
 #include "platform/forms/font.h"
 
+#include <limits>
 #include <memory>
 
 namespace velmora::forms {
@@ -11,10 +12,10 @@ namespace velmora::forms {
 // holds at most 32,767; one more raises Overflow.
 //
 // Reading a row out of range gives the empty text; writing or removing one raises. Writing a row's
-// selection true makes it the current row (and raises Click when it changes the selection of a
-// single-selection list by code); false does not. The current row is -1 until one is chosen. It
-// follows its row on insertion and removal above; if its row goes, the row now at that index is
-// current, and is not selected by that (-1 when none is left there).
+// selection true makes it the current row (and, in a single-selection list, raises Click when it
+// changes the selection by code, and brings the row into view); false does not. The current row is
+// -1 until one is chosen. It follows its row on insertion and removal above; if its row goes, the
+// row now at that index is current, and is not selected by that (-1 when none is left there).
 //
 // The index behind `find` lives here; nothing outside holds a second copy of the rows.
 class ListBox : public Control {
@@ -24,6 +25,7 @@ public:
     Kind kind() const noexcept override { return Kind::ListBox; }
     bool takesFocus() const noexcept override { return true; }
 
+    static constexpr std::int16_t mostRows = std::numeric_limits<std::int16_t>::max();
     std::int16_t listCount() const noexcept { return static_cast<std::int16_t>(rows_.size()); }
     const std::u16string &list(std::int32_t row) const noexcept; // the empty text out of range
     // The same for rows that the caller knows to be there.
@@ -78,6 +80,10 @@ public:
     // Arrow, page, home and end keys; a row beyond the ends counts as the end. Shift selects from
     // the anchor; Ctrl moves the current row of an extended list alone, and raises nothing.
     void userMoved(std::int32_t row, std::int16_t shift);
+    // A press of the right button: a row that is not selected is chosen alone, whatever keys are
+    // held; a selected one leaves everything as it is.
+    void userRightClicked(std::int32_t row);
+    // A second press chooses its row alone if another one has become current since the first.
     // DblClick is raised on a row, or on a list without rows.
     void userDoubleClicked(std::int32_t row);
     void userScrolled(std::int32_t topRow);

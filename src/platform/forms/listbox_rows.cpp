@@ -4,15 +4,12 @@
 #include "platform/forms/listbox.h"
 
 #include <algorithm>
-#include <limits>
 #include <set>
 #include <unordered_map>
 
 namespace velmora::forms {
 
 namespace {
-
-constexpr std::size_t mostRows = std::numeric_limits<std::int16_t>::max();
 
 // The distance of labels at the end of the list, and the share of a gap that a run of insertions at
 // one place takes each time; both make it rare that all rows must be labelled anew.
@@ -123,7 +120,7 @@ void ListBox::addItem(std::u16string_view text, std::int32_t row) {
     if (row < 0 || row > listCount()) {
         raise(ErrorNumber::InvalidCall);
     }
-    if (rows_.size() >= mostRows) {
+    if (listCount() == mostRows) {
         raise(ErrorNumber::Overflow);
     }
     lastLabel_ = labelFor(row);

@@ -5,6 +5,7 @@
 #include "platform/qt/look.h"
 #include "platform/qt/text_convert.h"
 
+#include <QApplication>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -80,9 +81,11 @@ void ListView::paintRow(QPainter &painter, int row, const QRectF &place, double 
 
 void ListView::mousePressEvent(QMouseEvent *event) {
     event->accept();
+    const Loop::Handler handler(loop_);
+    if (event->button() == Qt::RightButton)
+        list_.userRightClicked(rowAt(event->position().y()));
     if (event->button() != Qt::LeftButton)
         return;
-    const Loop::Handler handler(loop_);
     dragging_ = true;
     dragY_ = event->position().y();
     dragShift_ = shiftState(event->modifiers());
@@ -106,7 +109,23 @@ void ListView::mouseMoveEvent(QMouseEvent *event) {
     }
 }
 
+// A release that goes to a box, a menu or a disabled window never comes here.
+bool ListView::isDragOver() const {
+    return (QGuiApplication::mouseButtons() & Qt::LeftButton) == 0 || !list_.isLive() ||
+           QApplication::activeModalWidget() != nullptr ||
+           QApplication::activePopupWidget() != nullptr;
+}
+
+void ListView::endDrag() {
+    dragging_ = false;
+    scroll_.stop();
+}
+
 void ListView::drag() {
+    if (isDragOver()) {
+        endDrag();
+        return;
+    }
     if (list_.listCount() == 0)
         return;
     const Loop::Handler handler(loop_);
@@ -118,13 +137,15 @@ void ListView::drag() {
 
 void ListView::mouseReleaseEvent(QMouseEvent *event) {
     event->accept();
-    if (event->button() == Qt::LeftButton) {
-        dragging_ = false;
-        scroll_.stop();
-    }
+    if (event->button() == Qt::LeftButton)
+        endDrag();
 }
 
 void ListView::mouseDoubleClickEvent(QMouseEvent *event) {
+    if (event->button() == Qt::RightButton) {
+        mousePressEvent(event);
+        return;
+    }
     event->accept();
     if (event->button() != Qt::LeftButton)
         return;
@@ -178,6 +199,9 @@ void ListView::keyPressEvent(QKeyEvent *event) {
 }
 
 void ListView::focusInEvent(QFocusEvent * /*event*/) { update(); }
-void ListView::focusOutEvent(QFocusEvent * /*event*/) { update(); }
+void ListView::focusOutEvent(QFocusEvent * /*event*/) {
+    endDrag();
+    update();
+}
 
 } // namespace velmora::platform::qt

@@ -38,6 +38,8 @@ private:
     double rowHeight() const;
     void paintRow(QPainter &painter, int row, const QRectF &place, double density);
     void drag();
+    bool isDragOver() const;
+    void endDrag();
     int rowFor(int key) const;
 
     forms::ListBox &list_;

@@ -2,6 +2,7 @@
 
 #include "tests/desktop/qt/desk.h"
 
+#include <QApplication>
 #include <QWidget>
 
 #include <chrono>
@@ -103,16 +104,98 @@ TEST_F(ListTest, ADragHeldBelowTheListScrollsIt) {
     EXPECT_EQ(form.list.topIndex(), top) << "released, it stands";
 }
 
-TEST_F(ListTest, ARightClickChangesNeitherSelectionNorCurrentRow) {
+TEST_F(ListTest, ARightClickChoosesARowThatIsNotSelectedBeforeItsRelease) {
+    ListForm form;
+    std::vector<int> atRelease;
+    form.list.on().MouseUp = [&](const forms::MouseEvent &e) {
+        if (e.button == forms::rightButton)
+            atRelease = form.selection();
+    };
+    form.appear();
+    desk().click(form.screenX(100), form.rowY(2));
+    desk().click(form.screenX(100), form.rowY(5), 3);
+    EXPECT_TRUE(desk().pump([&] { return atRelease == (std::vector<int>{5}); }));
+    EXPECT_EQ(form.list.listIndex(), 5);
+    desk().click(form.screenX(100), form.rowY(7), 3); // at once: two quick presses are two presses
+    EXPECT_TRUE(desk().pump([&] { return atRelease == (std::vector<int>{7}); }));
+}
+
+TEST_F(ListTest, ARightClickOnASelectedRowLeavesTheSelection) {
     ListForm form;
     int ups = 0;
     form.list.on().MouseUp = [&](const forms::MouseEvent &e) { ups += e.button == 2; };
     form.appear();
     desk().click(form.screenX(100), form.rowY(2));
-    desk().click(form.screenX(100), form.rowY(5), 3);
+    desk().movePointer(form.screenX(100), form.rowY(4));
+    desk().tool({"keydown", "shift", "click", "1", "keyup", "shift"});
+    EXPECT_TRUE(desk().pump([&] { return form.selection() == (std::vector<int>{2, 3, 4}); }));
+    desk().click(form.screenX(100), form.rowY(3), 3);
     EXPECT_TRUE(desk().pump([&] { return ups == 1; }));
-    EXPECT_EQ(form.selection(), (std::vector<int>{2}));
-    EXPECT_EQ(form.list.listIndex(), 2);
+    EXPECT_EQ(form.selection(), (std::vector<int>{2, 3, 4}));
+    EXPECT_EQ(form.list.listIndex(), 4);
+}
+
+// Begins to draw a selection down beyond the list's foot, and holds it there.
+class HeldDrag : public ListTest {
+protected:
+    ListForm form;
+    forms::Timer timer{form, "timer"};
+
+    void hold() {
+        form.appear();
+        desk().movePointer(form.screenX(100), form.rowY(1));
+        desk().tool({"mousedown", "1"});
+        desk().movePointer(form.screenX(100), form.screenY(230));
+        ASSERT_TRUE(desk().pump([&] { return form.list.topIndex() >= 2; }));
+    }
+    // Releases the button while something else takes the release, and looks at the selection from
+    // then on: what it was, and what it is when the other has gone.
+    void releaseMeanwhile(const std::function<bool()> &isUp, const std::function<void()> &run,
+                          const std::string &closing) {
+        timer.setInterval(10);
+        int ticks = 0;
+        timer.onTimer = [&] {
+            if (!isUp())
+                return;
+            ++ticks;
+            if (ticks == 10)
+                desk().session.run({"xdotool", "mouseup", "1"});
+            if (ticks == 30)
+                whenUp = form.selection();
+            if (ticks == 60)
+                desk().session.run({"xdotool", "key", closing});
+        };
+        timer.setRunning(true);
+        run();
+        timer.setRunning(false);
+        EXPECT_FALSE(whenUp.empty());
+        EXPECT_EQ(form.selection(), whenUp) << "it went on selecting behind what was up";
+        const auto closed = form.selection();
+        desk().pumpFor(300);
+        EXPECT_EQ(form.selection(), closed) << "it goes on behind it";
+        EXPECT_LT(static_cast<int>(closed.size()), form.list.listCount());
+    }
+    std::vector<int> whenUp;
+};
+
+TEST_F(HeldDrag, EndsWhenABoxTakesItsRelease) {
+    hold();
+    releaseMeanwhile([] { return QApplication::activeModalWidget() != nullptr; },
+                     [&] {
+                         desk().windows->MsgBox(u"Really?", platform::MsgBoxButtons::Ok,
+                                                platform::MsgBoxIcon::None, u"Velmora");
+                     },
+                     "Return");
+}
+
+TEST_F(HeldDrag, EndsWhenItsWindowIsDisabledAtTheRelease) {
+    hold();
+    form.setEnabled(false);
+    desk().tool({"mouseup", "1"});
+    const auto held = form.selection();
+    form.setEnabled(true);
+    desk().pumpFor(300);
+    EXPECT_EQ(form.selection(), held);
 }
 
 TEST_F(ListTest, AWheelNotchIsThreeRows) {

@@ -327,7 +327,77 @@ TEST_F(SelectionTest, TheUsersChoiceComesIntoView) {
     EXPECT_EQ(list.topIndex(), 2);
 }
 
+TEST_F(SelectionTest, ARightClickChoosesARowThatIsNotSelectedAloneWhateverKeysAreHeld) {
+    for (const bool multi : {true, false}) {
+        list.setMultiSelect(multi);
+        userClick(1);
+        userClick(2, ctrlMask);
+        const int before = clicks();
+        list.userRightClicked(5);
+        EXPECT_THAT(chosen(), ElementsAre(5));
+        EXPECT_EQ(list.listIndex(), 5);
+        EXPECT_EQ(clicks(), before + 1) << "what follows the choice follows this one, too";
+        userClick(7, shiftMask); // from the row of the right click on
+        EXPECT_EQ(chosen().front(), multi ? 5 : 7);
+    }
+}
+
+TEST_F(SelectionTest, ARightClickOnASelectedRowChangesNothing) {
+    list.setMultiSelect(true);
+    userClick(1);
+    userClick(4, shiftMask);
+    const int before = clicks();
+    list.userRightClicked(2);
+    EXPECT_THAT(chosen(), ElementsAre(1, 2, 3, 4));
+    EXPECT_EQ(list.listIndex(), 4);
+    EXPECT_EQ(clicks(), before);
+}
+
+TEST_F(SelectionTest, ARightClickBesideTheRowsOrInADisabledListChangesNothing) {
+    list.setMultiSelect(true);
+    userClick(1);
+    list.userRightClicked(8);
+    list.userRightClicked(-1);
+    list.setEnabled(false);
+    list.userRightClicked(3);
+    EXPECT_THAT(chosen(), ElementsAre(1));
+}
+
+TEST_F(SelectionTest, ASecondPressChoosesItsRowWhenAnotherOneHasBecomeCurrent) {
+    list.setMultiSelect(true);
+    userClick(3);
+    list.setSelected(3, false);
+    list.setSelected(6, true);
+    int current = -1;
+    list.on().DblClick = [&] { current = list.listIndex(); };
+    list.userDoubleClicked(3);
+    EXPECT_EQ(current, 3);
+    EXPECT_THAT(chosen(), ElementsAre(3));
+}
+
+TEST_F(SelectionTest, ASecondPressOnTheCurrentRowLeavesTheSelection) {
+    list.setMultiSelect(true);
+    userClick(1);
+    userClick(3, ctrlMask);
+    list.userDoubleClicked(3);
+    EXPECT_THAT(chosen(), ElementsAre(1, 3));
+}
+
+TEST_F(SelectionTest, ARowSetByCodeComesIntoViewInASimpleListAlone) {
+    list.setDesignRows(3);
+    list.setMultiSelect(true);
+    list.setSelected(7, true);
+    EXPECT_EQ(list.topIndex(), 0);
+    list.setMultiSelect(false);
+    list.setSelected(6, true);
+    EXPECT_EQ(list.topIndex(), 4);
+    list.setListIndex(1);
+    EXPECT_EQ(list.topIndex(), 1);
+}
+
 TEST_F(SelectionTest, ADoubleClickIsRaisedOnARow) {
+    userClick(3);
+    log.clear();
     list.userDoubleClicked(3);
     EXPECT_EQ(log, Log{"list double"});
     list.userDoubleClicked(8);
