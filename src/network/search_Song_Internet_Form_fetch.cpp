@@ -234,8 +234,7 @@ void search_Song_Internet_Form::play_Downloaded(const std::u16string &path) {
             forms::ListBox &names = app_.playList_Form().playList_Item;
             names.addItem(stem);
             app_.playList_Form().List1.addItem(path);
-            // One beyond the new row, as the row has been counted already.
-            player.nowPlay_Index = addInt16(names.listCount(), 1);
+            player.countAddedRow();
         }
     }
     if (player.get_PlayStatus() == statusPlaying)

@@ -106,10 +106,10 @@ void Main::loadLastFile() {
         player.close_Sub(0);
     } else {
         player.open_File(path);
-        player.play_Sub();
-        // The row that the opening selected.
+        // The row that the opening selected, which another one may not be by the end of the fade.
         player.nowPlay_Index =
             static_cast<std::int16_t>(app_.playList_Form().playList_Item.listIndex() + 1);
+        player.play_Sub();
     }
 }
 

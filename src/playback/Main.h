@@ -86,7 +86,7 @@ private:
     void setBarHandlers();
     void setDragHandlers();
     void loadLastFile();
-    void takeChosenFile();
+    void takeChosenFile(const std::u16string &path);
     StateControls stateControls();
     void tick();
     void keepScrollBars();

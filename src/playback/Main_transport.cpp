@@ -19,6 +19,8 @@
 #include "ui/myCommondialog.h"
 #include "velmora.h"
 
+#include <optional>
+
 namespace velmora {
 
 namespace {
@@ -65,36 +67,47 @@ void Main::openFile_Button_Click() {
 }
 
 void Main::take_Chosen_File(std::u16string path) {
-    chosen_File = std::move(path);
-    passOver([this] {
-        if (!chosen_File.empty()) {
-            takeChosenFile();
+    chosen_File = path;
+    std::optional<RunTimeError> failure;
+    if (!path.empty()) {
+        try {
+            takeChosenFile(path);
+        } catch (const RunTimeError &error) {
+            failure = error;
         }
-    });
+    }
     app_.playList_Form().setEnabled(true);
     setEnabled(true);
     chosen_File.clear();
+    if (failure && failure->number() == ErrorNumber::Overflow) {
+        windows().MsgBox(failure->description(), platform::MsgBoxButtons::Ok,
+                         platform::MsgBoxIcon::Critical, title.caption());
+    }
 }
 
-void Main::takeChosenFile() {
+// Events run in here, so the file is the one that was handed over, whatever is chosen meanwhile.
+void Main::takeChosenFile(const std::u16string &path) {
     velmora::player &player = app_.player();
     forms::ListBox &names = app_.playList_Form().playList_Item;
-    const std::u16string stem = player.getFileStem(chosen_File);
-    if (app_.Search().isInPlayList(chosen_File)) {
+    const std::u16string stem = player.getFileStem(path);
+    if (app_.Search().isInPlayList(path)) {
         if (!stem.empty()) {
             selectNamesakes(stem);
         }
         return;
+    }
+    // A full list takes nothing more, and the music goes on.
+    if (!stem.empty() && names.listCount() == forms::ListBox::mostRows) {
+        velmora::raise(ErrorNumber::Overflow);
     }
     if (player.get_PlayStatus() == statusPlaying) {
         player.close_Sub(0);
     }
     if (!stem.empty()) {
         names.addItem(stem);
-        app_.playList_Form().List1.addItem(chosen_File);
-        // One beyond the new row, as the row has been counted already.
-        player.nowPlay_Index = addInt16(names.listCount(), 1);
-        player.open_File(chosen_File);
+        app_.playList_Form().List1.addItem(path);
+        player.countAddedRow();
+        player.open_File(path);
         player.play_Sub();
     } else {
         windows().MsgBox(app_.Language().msg_Bad_Path, platform::MsgBoxButtons::Ok,

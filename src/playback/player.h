@@ -112,6 +112,9 @@ public:
     std::u16string getFileStem(std::u16string_view path) const;
     // Fills the four labels of playInfo_Form.
     void show_FileInfo(std::u16string_view path);
+    // Makes a row that was just added at the list's end the current track: one beyond it, as the
+    // row has been counted already. So the next track is the first one, also of a full list.
+    void countAddedRow();
     // Selects the row of this path alone and brings it into view. An empty path does nothing.
     void selectEntryOfFile(std::u16string_view path);
 

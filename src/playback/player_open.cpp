@@ -21,6 +21,7 @@
 #include "ui/formSet.h"
 #include "velmora.h"
 
+#include <algorithm>
 #include <array>
 
 namespace velmora {
@@ -212,6 +213,11 @@ void player::show_FileInfo(std::u16string_view path) {
     info.playFile_DateCreated.setCaption(std::u16string(texts.msg_Created) +
                                          clock.shortDate(created) + u" " +
                                          clock.shortTime(created));
+}
+
+void player::countAddedRow() {
+    const std::int16_t rows = app_.playList_Form().playList_Item.listCount();
+    nowPlay_Index = toInt16(std::min<std::int32_t>(rows + 1, forms::ListBox::mostRows));
 }
 
 void player::selectEntryOfFile(std::u16string_view path) {

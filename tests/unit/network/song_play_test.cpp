@@ -68,6 +68,19 @@ TEST_F(SongPlay, namesakesOfAFileThatDoesNotOpenStaySelected) {
     EXPECT_TRUE(list.selected(2));
 }
 
+TEST_F(SongPlay, theLastRowThatFitsIsPlayedAndSaved) {
+    forms::ListBox &names = app.playList_Form().playList_Item;
+    for (int row = 0; row < 32766; ++row) {
+        names.addItem(u"x");
+        app.playList_Form().List1.addItem(u"/x");
+    }
+    addTrack(cached);
+    form.play_Downloaded(cached);
+    EXPECT_EQ(app.player().nowPlay_File, cached);
+    EXPECT_EQ(app.player().nowPlay_Index, 32767);
+    EXPECT_TRUE(files.contents(u"/data/cache/zkPlayList.m3u").ends_with("SINGER NAME.MP3\r\n"));
+}
+
 TEST_F(SongPlay, whatPlaysIsClosedAhead) {
     openAndPlay(addTrack(u"/m/before.mp3"));
     addTrack(cached);

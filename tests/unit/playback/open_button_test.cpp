@@ -114,6 +114,60 @@ TEST_F(OpenButton, OfAFileWithoutAStemClosesAPlayingMediumAllTheSame) {
     EXPECT_FALSE(media.isOpen());
 }
 
+// --- a list that is full, or nearly
+// ----------------------------------------------------------------
+
+class OpenButtonOfALongList : public OpenButton {
+protected:
+    void fillTo(int count) {
+        forms::ListBox &paths = app.playList_Form().List1;
+        for (int row = rows(); row < count; ++row) {
+            names().addItem(u"x");
+            paths.addItem(u"/x");
+        }
+    }
+};
+
+TEST_F(OpenButtonOfALongList, TheLastRowThatFitsIsPlayedAndSaved) {
+    fillTo(32766);
+    main().take_Chosen_File(addTrack(u"/m/new.mp3"));
+    EXPECT_EQ(media.openPath(), u"/m/new.mp3");
+    EXPECT_EQ(media.mode(), u"playing");
+    EXPECT_EQ(app.player().nowPlay_Index, 32767);
+    EXPECT_TRUE(saved());
+    app.player().next_Sub(directionNext);
+    EXPECT_EQ(app.player().nowPlay_Index, 1) << "as behind any row that was added";
+}
+
+TEST_F(OpenButtonOfALongList, AFullListIsReportedAndTheMusicGoesOn) {
+    openAndPlay(u"/m/a.mp3");
+    fillTo(32767);
+    windows.expectMsgBox(
+        boxOf(u"Overflow", platform::MsgBoxIcon::Critical, app.Main().title.caption()),
+        platform::MsgBoxResult::Ok, [&] { EXPECT_TRUE(main().enabled()); });
+    main().take_Chosen_File(addTrack(u"/m/new.mp3"));
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+    EXPECT_EQ(media.mode(), u"playing");
+    EXPECT_EQ(rows(), 32767);
+    EXPECT_EQ(app.playList_Form().List1.listCount(), 32767);
+    EXPECT_EQ(main().chosen_File, u"");
+}
+
+TEST_F(OpenButton, TakesTheFileItWasGivenThoughAnotherOneIsTakenMeanwhile) {
+    addTrack(u"/m/new.mp3");
+    addTrack(u"/m/other.mp3");
+    setVolumeBar(10);
+    app.player().nowPlay_Index = 1;
+    openAndPlay(u"/m/a.mp3");
+    media.reachEnd(); // asked how it stands, the player starts the next track: events run
+    windows.atNextPump([&] { main().take_Chosen_File(u"/m/other.mp3"); });
+    main().take_Chosen_File(u"/m/new.mp3");
+    forms::ListBox &paths = app.playList_Form().List1;
+    EXPECT_GE(paths.find(u"/m/new.mp3"), 0);
+    EXPECT_EQ(paths.find(u""), -1) << "an empty path never exists";
+    EXPECT_EQ(app.player().nowPlay_File, u"/m/new.mp3");
+}
+
 TEST(OpenButtonDialog, StandsOverDisabledWindows) {
     fakes::FakePlatform fake;
     WatchingDialogs dialogs;

@@ -25,6 +25,19 @@ TEST_F(Start, ResumesTheLastFileOfTheList) {
     EXPECT_EQ(app.player().nowPlay_Title, u"〖2/3〗 b");
 }
 
+TEST_F(Start, CountsTheRowThatItResumesThoughAnotherOneIsChosenInTheFade) {
+    addTrack(u"/m/b.mp3");
+    savedList({u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"});
+    lastPlayed(u"/m/b.mp3");
+    windows.onPump = [&] {
+        if (media.mode() == u"playing") {
+            app.playList_Form().playList_Item.setSelected(2, true);
+        }
+    };
+    app.start();
+    EXPECT_EQ(app.player().nowPlay_Index, 2);
+}
+
 TEST_F(Start, ResumesALastFileThatIsNotInTheListWithIndex0) {
     addTrack(u"/m/other.mp3");
     savedList({u"/m/a.mp3"});
