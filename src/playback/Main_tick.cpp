@@ -146,8 +146,8 @@ void Main::endDrag(const forms::MouseEvent &event) {
     topmost_Main = app_.formSet().set_Topmost(hWnd(), false);
     topmost_PlayList = app_.formSet().set_Topmost(app_.playList_Form().hWnd(), false);
     app_.formSet().keep_Topmost();
-    if (event.button == forms::rightButton && playButton.enabled()) {
-        windows().PopupMenu(*this, app_.MenuForm().menu);
+    if (event.button == forms::rightButton) {
+        app_.MenuForm().open_Menu(*this);
     }
 }
 

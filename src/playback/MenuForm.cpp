@@ -6,6 +6,7 @@
 #include "playback/miniForm.h"
 #include "playback/player.h"
 #include "playback/startLoad_Form.h"
+#include "playlist/list_work.h"
 #include "playlist/playList_Form.h"
 #include "settings/playSetForm.h"
 #include "ui/aboutForm.h"
@@ -41,27 +42,61 @@ void MenuForm::load() {
         {check_SoundDriver, [](Velmora &app) { app.Main().check_SoundDriver_Click(); }},
         {search_Lrc_To_Internet, [](Velmora &app) { app.Main().search_Lrc_Internet_Click(); }},
         {detection_Update, [](Velmora &app) { app.update().check_Update(true); }},
-        {close, [](Velmora &app) { app.startLoad_Form().unload(); }},
-        {playlist_Play, [](Velmora &app) { app.playList_Form().playThis(); }},
-        {playlist_AddFile, [](Velmora &app) { app.playList_Form().addFile_Click(); }},
-        {playlist_AddFolder, [](Velmora &app) { app.playList_Form().addDir_Click(); }},
-        {playlist_DelSelect, [](Velmora &app) { app.playList_Form().delIndx_Click(); }},
-        {playlist_DelAll, [](Velmora &app) { app.playList_Form().delAll_Click(); }},
-        {hardDrive_DelSelect, [](Velmora &app) { app.playList_Form().delOne(1, false); }},
-        {hardDrive_DelAll, [](Velmora &app) { app.playList_Form().delOne(1, true); }},
-        {playlist_Search, [](Velmora &app) { app.playList_Form().Search_Click(); }},
-        {playlist_Alter, [](Velmora &app) { app.playList_Form().Alter_Click(); }},
-        {playlist_OpenFolder, [](Velmora &app) { app.playList_Form().open_Folder(); }},
-        {playlist_Send, [](Velmora &app) { app.playList_Form().to_Folder(); }},
-        {playlist_afreshLoad, [](Velmora &app) { app.playList_Form().afresh_Load_Click(); }},
-        {playlist_Hide, [](Velmora &app) { app.playList_Form().close_Click(); }},
     };
     for (const Row &row : rows) {
-        row.entry.on().Click = [this, work = row.work] { work(app_); };
+        row.entry.on().Click = [this, work = row.work] {
+            if (!ListWork::isGoingOn(app_)) {
+                work(app_);
+            }
+        };
     }
+    close.on().Click = [this] { app_.startLoad_Form().unload(); };
     mode.on().Click = [this] { mode_Click(); };
     about.on().Click = [this] { about_Click(); };
     help.on().Click = [this] { help_Click(); };
+    loadListMenu();
+}
+
+void MenuForm::loadListMenu() {
+    using List = velmora::playList_Form;
+    struct Row {
+        forms::Menu &entry;
+        void (*work)(List &, const ListChoice &);
+    };
+    const Row rows[] = {
+        {playlist_Play, [](List &list, const ListChoice &chosen) { list.playThis(chosen); }},
+        {playlist_AddFile, [](List &list, const ListChoice &) { list.addFile_Click(); }},
+        {playlist_AddFolder, [](List &list, const ListChoice &) { list.addDir_Click(); }},
+        {playlist_DelSelect,
+         [](List &list, const ListChoice &chosen) { list.delIndx_Click(chosen); }},
+        {playlist_DelAll, [](List &list, const ListChoice &) { list.delAll_Click(); }},
+        {hardDrive_DelSelect,
+         [](List &list, const ListChoice &chosen) { list.delOne(1, false, chosen); }},
+        {hardDrive_DelAll,
+         [](List &list, const ListChoice &chosen) { list.delOne(1, true, chosen); }},
+        {playlist_Search, [](List &list, const ListChoice &) { list.Search_Click(); }},
+        {playlist_Alter, [](List &list, const ListChoice &chosen) { list.Alter_Click(chosen); }},
+        {playlist_OpenFolder,
+         [](List &list, const ListChoice &chosen) { list.open_Folder(chosen); }},
+        {playlist_Send, [](List &list, const ListChoice &chosen) { list.to_Folder(chosen); }},
+        {playlist_afreshLoad, [](List &list, const ListChoice &) { list.afresh_Load_Click(); }},
+        {playlist_Hide, [](List &list, const ListChoice &) { list.close_Click(); }},
+    };
+    for (const Row &row : rows) {
+        row.entry.on().Click = [this, work = row.work] {
+            List &list = app_.playList_Form();
+            const ListChoice chosen = list.takeMenuChoice();
+            if (!ListWork::isGoingOn(app_)) {
+                work(list, chosen);
+            }
+        };
+    }
+}
+
+void MenuForm::open_Menu(forms::Form &owner) {
+    if (!ListWork::isGoingOn(app_)) {
+        windows().PopupMenu(owner, menu);
+    }
 }
 
 void MenuForm::mode_Click() {

@@ -13,7 +13,11 @@ public:
     explicit MenuForm(Velmora &app);
     void load();
 
+    // Opens the player's menu for a window; not while an operation on the list is at work.
+    void open_Menu(forms::Form &owner);
+
 private:
+    void loadListMenu();
     void mode_Click();
     void about_Click();
     void help_Click();

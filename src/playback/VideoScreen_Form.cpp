@@ -86,7 +86,7 @@ void VideoScreen_Form::setDragHandlers() {
         app_.formSet().make_Draggable(*this, *area);
         area->MouseUp = [this](const forms::MouseEvent &event) {
             if (event.button == forms::rightButton && playButton.enabled()) {
-                windows().PopupMenu(*this, app_.MenuForm().menu);
+                app_.MenuForm().open_Menu(*this);
             }
         };
     }

@@ -78,7 +78,7 @@ void miniForm::setStripHandlers() {
 
 void miniForm::mouseUp(const forms::MouseEvent &event) {
     if (event.button == forms::rightButton && playButton.enabled()) {
-        windows().PopupMenu(*this, app_.MenuForm().menu);
+        app_.MenuForm().open_Menu(*this);
     }
 }
 

@@ -19,6 +19,13 @@ namespace velmora {
 
 class Velmora;
 
+// What an operation on rows acts on: by path, so that it stays the same whatever the list does
+// before the operation comes to it.
+struct ListChoice {
+    std::vector<std::u16string> selected; // in the order of the list
+    std::u16string current;               // empty: none
+};
+
 class playList_Form : public playList_Form_Design {
 public:
     explicit playList_Form(Velmora &app);
@@ -36,9 +43,18 @@ public:
     // Hides the window and docks.
     void close_Click();
 
+    // The choice as it is now.
+    ListChoice choice() const;
+    // For an entry of the list's menu: the choice that the menu was opened for, since tracks begin
+    // and select their rows while it is open; without a menu, the choice as it is now.
+    ListChoice takeMenuChoice();
+
+    // Each operation on rows acts on a choice, or on the choice as it is now.
+
     // --- playing ---------------------------------------------------------------------------
     // Plays the current row.
     void playThis();
+    void playThis(const ListChoice &chosen);
     // The row under a point of the list; row 0 for a point below the last row.
     std::int32_t rowAtPoint(Twips x, Twips y) const;
 
@@ -50,17 +66,22 @@ public:
 
     // --- removing --------------------------------------------------------------------------
     void delIndx_Click();
+    void delIndx_Click(const ListChoice &chosen);
     void delAll_Click();
     // Mode 0: from the list; mode 1: from the disk too, with a report; `all`: every row first.
     void delOne(std::int16_t mode, bool all);
+    void delOne(std::int16_t mode, bool all, const ListChoice &chosen);
 
     // --- renaming, searching, copying --------------------------------------------------------
     void Alter_Click();
+    void Alter_Click(const ListChoice &chosen);
     void alter_Jieguo(); // the input box said OK
     void Search_Click();
     void search_Jieguo(); // the input box said OK
     void to_Folder();
+    void to_Folder(const ListChoice &chosen);
     void open_Folder();
+    void open_Folder(const ListChoice &chosen);
 
 private:
     // What `body` raised, if anything.
@@ -79,6 +100,10 @@ private:
     void setHandlers();
     void setScrollHandlers();
     void setDragHandlers();
+    void setMenuHandlers();
+    void openMenu();
+    void playRow(std::int16_t row);
+    void askForName(std::int16_t row);
 
     void takeFile(const std::u16string &path);
     void deselectAll();
@@ -108,7 +133,8 @@ private:
                   std::u16string_view text);
 
     Velmora &app_;
-    std::uint32_t walk_ = 0; // identity of the folder walk going on
+    std::optional<ListChoice> pointed_; // from the press of the right button to the menu's entry
+    std::uint32_t walk_ = 0;            // identity of the folder walk going on
 
     // Alive from the start of a search or renaming to its end.
     std::u16string findText_;

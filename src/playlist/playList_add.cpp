@@ -10,6 +10,7 @@
 #include "playback/Main.h"
 #include "playback/player.h"
 #include "playlist/Search.h"
+#include "playlist/list_work.h"
 #include "playlist/playList_Form.h"
 #include "playlist/saveOrOpenFile.h"
 #include "settings/Language.h"
@@ -115,10 +116,8 @@ void playList_Form::takeFile(const std::u16string &path) {
 
 // A long operation keeps the buttons of the main window still as well, and so its menu.
 void playList_Form::addDir_Click() {
-    std::optional<RunTimeError> pending = trapped([this] {
-        controlEnabled(false);
-        app_.Main().meActiveControl_Enabled(false);
-    });
+    const ListWork still(app_);
+    std::optional<RunTimeError> pending = trapped([this] { controlEnabled(false); });
     std::u16string folder;
     const auto early = trapped([&] {
         folder = app_.myCommondialog().browse_Folder(hWnd(), app_.Language().msg_Select_Folder);
@@ -149,7 +148,6 @@ void playList_Form::addDir_Click() {
     hideProgress();
     showError(pending, app_.Main().title.caption());
     app_.saveOrOpenFile().savePlayList();
-    app_.Main().meActiveControl_Enabled(true);
     controlEnabled(true);
 }
 
@@ -230,9 +228,9 @@ void playList_Form::append(const std::u16string &path) {
 }
 
 void playList_Form::filesDropped(const std::vector<std::u16string> &paths, Twips y) {
+    const ListWork still(app_);
     const auto error = trapped([&] {
         controlEnabled(false);
-        app_.Main().meActiveControl_Enabled(false);
         waitAdd.setVisible(true);
         for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
             playList_Item.setSelected(row, false);
@@ -245,7 +243,6 @@ void playList_Form::filesDropped(const std::vector<std::u16string> &paths, Twips
     hideProgress();
     showError(error, app_.Main().title.caption());
     app_.saveOrOpenFile().savePlayList();
-    app_.Main().meActiveControl_Enabled(true);
     controlEnabled(true);
 }
 

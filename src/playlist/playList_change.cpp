@@ -44,8 +44,13 @@ void playList_Form::askInBox(std::int16_t mode, std::u16string_view heading,
     app_.Main().setEnabled(false);
 }
 
-void playList_Form::Alter_Click() {
-    const std::int16_t row = playList_Item.listIndex();
+void playList_Form::Alter_Click() { askForName(playList_Item.listIndex()); }
+
+void playList_Form::Alter_Click(const ListChoice &chosen) {
+    askForName(List1.find(chosen.current));
+}
+
+void playList_Form::askForName(std::int16_t row) {
     if (row < 0) {
         return;
     }
@@ -122,18 +127,18 @@ void playList_Form::search_Jieguo() {
     }
 }
 
-void playList_Form::to_Folder() {
+void playList_Form::to_Folder() { to_Folder(choice()); }
+
+// Tracks begin and select their rows while the user looks for a folder, and while files are copied.
+void playList_Form::to_Folder(const ListChoice &chosen) {
     if (playList_Item.listCount() == 0) {
         return;
     }
-    if (playList_Item.selCount() == 0) {
+    if (chosen.selected.empty()) {
         windows().MsgBox(app_.Language().msg_Select_One_File, platform::MsgBoxButtons::Ok,
                          platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
         return;
     }
-    // Tracks begin and select their rows while the user looks for a folder, and while files are
-    // copied.
-    const std::vector<std::u16string> chosen = chosenPaths(false);
     const ListWork still(app_);
     const auto error = trapped([&] {
         controlEnabled(false);
@@ -145,7 +150,7 @@ void playList_Form::to_Folder() {
         if (!isFolderChoice(folder)) {
             return;
         }
-        for (const std::u16string &path : chosen) {
+        for (const std::u16string &path : chosen.selected) {
             if (!app_.Search().isInPlayList(path)) {
                 continue;
             }
@@ -160,18 +165,19 @@ void playList_Form::to_Folder() {
     showError(error, app_.Main().title.caption());
 }
 
-void playList_Form::open_Folder() {
+void playList_Form::open_Folder() { open_Folder(choice()); }
+
+void playList_Form::open_Folder(const ListChoice &chosen) {
     if (playList_Item.listCount() == 0) {
         return;
     }
-    if (playList_Item.selCount() != 1) {
+    if (chosen.selected.size() != 1) {
         windows().MsgBox(app_.Language().msg_One_Dir_Only, platform::MsgBoxButtons::Ok,
                          platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
         return;
     }
     // The current row, which need not be the selected one.
-    app_.saveOrOpenFile().shellOpen(
-        app_.Search().getFolderPart(List1.list(playList_Item.listIndex())));
+    app_.saveOrOpenFile().shellOpen(app_.Search().getFolderPart(chosen.current));
 }
 
 } // namespace velmora

@@ -79,18 +79,23 @@ void playList_Form::delAll_Click() {
     app_.saveOrOpenFile().savePlayList();
 }
 
-void playList_Form::delIndx_Click() {
-    delOne(0, false);
+void playList_Form::delIndx_Click() { delIndx_Click(choice()); }
+
+void playList_Form::delIndx_Click(const ListChoice &chosen) {
+    delOne(0, false, chosen);
     app_.saveOrOpenFile().savePlayList();
 }
+
+void playList_Form::delOne(std::int16_t mode, bool all) { delOne(mode, all, choice()); }
 
 // Asks first. From the disk: the open track is closed before anything else, whatever is selected,
 // so that no file is held open. The list stays enabled; the panel over it keeps the user out.
 //
 // The rows are those that were chosen when it was asked for. A track that begins while the question
 // stands, or between two rows, is selected then: it must never be taken for one of them.
-void playList_Form::delOne(std::int16_t mode, bool all) {
-    const std::vector<std::u16string> asked = chosenPaths(mode == 1 && all);
+void playList_Form::delOne(std::int16_t mode, bool all, const ListChoice &choice) {
+    const std::vector<std::u16string> asked =
+        mode == 1 && all ? chosenPaths(true) : choice.selected;
     const Paths chosen(asked.begin(), asked.end());
     const ListWork still(app_);
     if (!isSure()) {

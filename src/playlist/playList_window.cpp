@@ -6,15 +6,26 @@
 #include "playback/Main.h"
 #include "playback/MenuForm.h"
 #include "playback/player.h"
+#include "playlist/list_work.h"
 #include "playlist/playList_Form.h"
 #include "ui/formSet.h"
 #include "ui/scrollBar.h"
 #include "velmora.h"
 
+#include <utility>
+
 namespace velmora {
 
-void playList_Form::playThis() {
-    const std::int16_t row = playList_Item.listIndex();
+void playList_Form::playThis() { playRow(playList_Item.listIndex()); }
+
+void playList_Form::playThis(const ListChoice &chosen) {
+    const std::int16_t row = List1.find(chosen.current);
+    if (row >= 0 || chosen.current.empty()) {
+        playRow(row);
+    }
+}
+
+void playList_Form::playRow(std::int16_t row) {
     app_.player().nowPlay_Index = addInt16(row, 1);
     app_.player().close_Sub(0);
     app_.player().open_File(List1.list(row));
@@ -43,11 +54,15 @@ void playList_Form::setHandlers() {
         {Alter, &playList_Form::Alter_Click},
         {Search, &playList_Form::Search_Click},
         {afresh_Load, &playList_Form::afresh_Load_Click},
-        {close, &playList_Form::close_Click},
     };
     for (const Button &button : buttons) {
-        button.control.on().Click = [this, work = button.work] { (this->*work)(); };
+        button.control.on().Click = [this, work = button.work] {
+            if (!ListWork::isGoingOn(app_)) {
+                (this->*work)();
+            }
+        };
     }
+    close.on().Click = [this] { close_Click(); };
     forms::ControlEvents &list = playList_Item.on();
     list.DblClick = [this] { playThis(); };
     list.KeyDown = [this](forms::KeyEvent &event) {
@@ -56,11 +71,6 @@ void playList_Form::setHandlers() {
     list.MouseMove = [this](const forms::MouseEvent &event) {
         playList_Item.setToolTip(List1.list(rowAtPoint(event.x, event.y)));
     };
-    list.MouseUp = [this](const forms::MouseEvent &event) {
-        if (event.button == forms::rightButton) {
-            windows().PopupMenu(*this, app_.MenuForm().playlist_Menu);
-        }
-    };
     list.OLEDragDrop = [this](const forms::FilesDropped &drop) {
         filesDropped(drop.files, drop.y);
     };
@@ -68,8 +78,48 @@ void playList_Form::setHandlers() {
         cancel = true;
         close_Click();
     };
+    setMenuHandlers();
     setScrollHandlers();
     setDragHandlers();
+}
+
+// What the menu is for is what the press of the right button pointed at.
+void playList_Form::setMenuHandlers() {
+    forms::ControlEvents &list = playList_Item.on();
+    list.MouseDown = [this](const forms::MouseEvent &event) {
+        if (event.button == forms::rightButton) {
+            pointed_ = choice();
+        }
+    };
+    list.Click = [this] {
+        if (pointed_) {
+            pointed_ = choice(); // the press has chosen another row
+        }
+    };
+    list.MouseUp = [this](const forms::MouseEvent &event) {
+        if (event.button == forms::rightButton) {
+            openMenu();
+        }
+    };
+}
+
+void playList_Form::openMenu() {
+    if (playList_Item.enabled() && !ListWork::isGoingOn(app_)) {
+        if (!pointed_) {
+            pointed_ = choice();
+        }
+        windows().PopupMenu(*this, app_.MenuForm().playlist_Menu);
+    }
+    pointed_.reset();
+}
+
+ListChoice playList_Form::choice() const {
+    return {chosenPaths(false), List1.list(playList_Item.listIndex())};
+}
+
+ListChoice playList_Form::takeMenuChoice() {
+    const auto pointed = std::exchange(pointed_, std::nullopt);
+    return pointed ? *pointed : choice();
 }
 
 void playList_Form::setScrollHandlers() {
@@ -103,7 +153,7 @@ void playList_Form::setDragHandlers() {
             app_.formSet().set_Topmost(app_.Main().hWnd(), false);
             app_.formSet().keep_Topmost();
             if (isForm && event.button == forms::rightButton) {
-                windows().PopupMenu(*this, app_.MenuForm().playlist_Menu);
+                openMenu();
             }
         };
     }

@@ -37,7 +37,8 @@ public:
     // Writes the whole list, over the file there in whatever case it is spelt. Always true: a save
     // that fails leaves the old file as it was and says nothing. A file that this run has neither
     // read to its end nor written, or that another has changed since, is first kept by `keepOld`;
-    // where that cannot be done, or the disk cannot tell what is there, nothing is written.
+    // where that cannot be done, or the disk cannot tell what is there, nothing is written. A save
+    // that is asked for while the list is being loaded is made when all of it is there.
     bool savePlayList(SaveKind kind = SaveKind::Settled);
 
     // Replaces the list by the file's, found in whatever case it is spelt. False when there is no
@@ -115,6 +116,8 @@ private:
     std::string saved_;
     // The play list file as this run knows it.
     KnownFile known_;
+    bool isLoading_ = false;
+    bool isSaveWanted_ = false; // while loading
 };
 
 } // namespace velmora

@@ -6,11 +6,14 @@
 #include "platform/files.h"
 #include "platform/windows.h"
 #include "playback/player.h"
+#include "playlist/list_work.h"
 #include "playlist/playList_Form.h"
 #include "playlist/saveOrOpenFile.h"
 #include "settings/Language.h"
 #include "settings/setControl.h"
 #include "velmora.h"
+
+#include <utility>
 
 namespace velmora {
 
@@ -52,6 +55,11 @@ std::u16string saveOrOpenFile::playListPath() const {
 // --- saving --------------------------------------------------------------------------------------
 
 bool saveOrOpenFile::savePlayList(SaveKind kind) {
+    // Half a list must not go over the whole one that is being read.
+    if (isLoading_) {
+        isSaveWanted_ = true;
+        return true;
+    }
     const bool last = kind == SaveKind::Settled;
     passOver([&] { writeList(last); });
     if (last)
@@ -148,6 +156,7 @@ bool saveOrOpenFile::isCopy(const KnownFile &file, const std::u16string &other) 
 
 bool saveOrOpenFile::loadPlayList() {
     platform::WindowSystem &windows = app_.platform().windows;
+    const ListWork still(app_);
     passOver([&] { windows.DoEvents(); });
     const std::u16string path = fileOnDisk(playListPath());
     if (path.empty())
@@ -161,9 +170,13 @@ bool saveOrOpenFile::loadPlayList() {
     // Asked for ahead of the lines: what comes to the file meanwhile is not taken for read.
     KnownFile file{path, 0};
     const bool isKnown = passOver([&] { file.length = app_.platform().files.FileLen(path); });
+    isLoading_ = true;
     known_ = readLines(path) && isKnown ? std::move(file) : KnownFile();
+    isLoading_ = false;
     form.waitAdd.setVisible(false);
     passOver([&] { form.controlEnabled(true); });
+    if (std::exchange(isSaveWanted_, false))
+        savePlayList();
     return true;
 }
 

@@ -163,7 +163,7 @@ std::int32_t formSet::tray_WndProc(platform::HWND window, std::uint32_t message,
         } else if (lParam == leftButtonUp) {
             trayClicked();
         } else if (lParam == rightButtonUp) {
-            app_.platform().windows.PopupMenu(app_.MenuForm(), app_.MenuForm().menu);
+            app_.MenuForm().open_Menu(app_.MenuForm());
         }
     });
     return result;

@@ -65,7 +65,7 @@ FakeWindows::~FakeWindows() {
     for (const ScriptedBox &box : scriptedBoxes_) {
         ADD_FAILURE() << "a message box was expected and never came: " << toUtf8(box.box.text);
     }
-    for (const auto &[menu, entry] : scriptedPopups_) {
+    for (const auto &[menu, entry, meanwhile] : scriptedPopups_) {
         ADD_FAILURE() << "a popup menu was expected and never came: " << menu << ", " << entry;
     }
 }
@@ -104,8 +104,9 @@ void FakeWindows::expectMsgBox(Box box, platform::MsgBoxResult answer,
     scriptedBoxes_.push_back({std::move(box), answer, std::move(meanwhile)});
 }
 
-void FakeWindows::expectPopup(std::string menu, std::string entry) {
-    scriptedPopups_.emplace_back(std::move(menu), std::move(entry));
+void FakeWindows::expectPopup(std::string menu, std::string entry,
+                              std::function<void()> meanwhile) {
+    scriptedPopups_.push_back({std::move(menu), std::move(entry), std::move(meanwhile)});
 }
 
 std::int32_t FakeWindows::send(platform::HWND window, std::uint32_t message, std::int32_t wParam,
@@ -313,9 +314,12 @@ void FakeWindows::PopupMenu(forms::Form & /*owner*/, forms::Menu &menu) {
         ADD_FAILURE() << "a popup menu that nobody expected: " << menu.name();
         return;
     }
-    const auto [name, wanted] = scriptedPopups_.front();
+    const auto [name, wanted, meanwhile] = std::move(scriptedPopups_.front());
     scriptedPopups_.pop_front();
     EXPECT_EQ(name, menu.name());
+    if (meanwhile) {
+        meanwhile();
+    }
     if (wanted.empty()) {
         return;
     }

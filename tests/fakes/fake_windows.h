@@ -80,8 +80,9 @@ public:
         friend bool operator==(const Box &, const Box &) = default;
     };
     void expectMsgBox(Box box, platform::MsgBoxResult answer, std::function<void()> meanwhile = {});
-    // Chooses an entry of the next popup by its control name; an empty name dismisses it.
-    void expectPopup(std::string menu, std::string entry);
+    // Chooses an entry of the next popup by its control name, after what happens while it is open;
+    // an empty name dismisses it.
+    void expectPopup(std::string menu, std::string entry, std::function<void()> meanwhile = {});
 
     // --- what the system is ----------------------------------------------------------------------
     RectPixels workArea{0, 0, 1280, 760};
@@ -165,6 +166,11 @@ private:
         platform::MsgBoxResult answer;
         std::function<void()> meanwhile;
     };
+    struct ScriptedPopup {
+        std::string menu;
+        std::string entry;
+        std::function<void()> meanwhile;
+    };
     void runIdleWork();
 
     FakeClock &clock_;
@@ -172,7 +178,7 @@ private:
     std::map<platform::HWND, forms::Form *> forms_;
     std::map<platform::HWND, platform::WindowProc> hooks_;
     std::deque<ScriptedBox> scriptedBoxes_;
-    std::deque<std::pair<std::string, std::string>> scriptedPopups_;
+    std::deque<ScriptedPopup> scriptedPopups_;
     std::deque<std::function<void()>> pumpWork_;
     std::vector<std::function<void()>> idleWork_;
     platform::HWND nextWindow_ = 0x10001;

@@ -336,8 +336,9 @@ class ListMenu(ListTest):
 
     def test_the_mouse_plays_by_the_first_entry_and_hides_by_the_last(self):
         player, main, rows = self.start_with_list()
-        self.click_row(player, rows, 2)
-        menu = self.open_menu(player, rows, 0)  # the right button chooses no row
+        self.click_row(player, rows, 0)
+        menu = self.open_menu(player, rows, 2)  # the right button chooses its row
+        self.assertFalse(self.is_selected(player, rows, 0))
         player.click_at(menu, 30, 14)
         self.assert_title(player, main, "3/4")
         menu = self.open_menu(player, rows, 0)
@@ -346,13 +347,14 @@ class ListMenu(ListTest):
 
     def test_the_keyboard_removes_from_the_list(self):
         player, _, rows = self.start_with_list()
-        self.click_row(player, rows, 3)
-        self.open_menu(player, rows, 0)
+        self.click_row(player, rows, 2)
+        self.click_row(player, rows, 3, held="shift")
+        self.open_menu(player, rows, 3)  # a row of the selection, which stays
         self.choose("Down", "Down", "Down", "Right")
         self.assertTrue(player.menus(2), "no submenu comes up")
         self.choose("Return")
         self.answer(player, "y")
-        self.assert_story(player, rows, self.tracks[:3])
+        self.assert_story(player, rows, self.tracks[:2])
         self.open_menu(player, rows, 0)
         self.choose("Down", "Down", "Down", "Right", "Down", "Return")  # the whole list
         self.answer(player, "y")

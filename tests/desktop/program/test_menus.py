@@ -61,18 +61,18 @@ class MenuTest(ListTest):
         player.click(main, "Volume_ICO")
         return player, main
 
-    def open_menu(self, player, window):
-        """By the right button on the window's title or the list."""
+    def open_menu(self, player, window, row):
+        """By the right button on the window's title or a row of the list, which it chooses."""
         if window == self.rows:
-            self.click_row(player, window, 0, button=3)
+            self.click_row(player, window, row, button=3)
         else:
             player.click(window, "title", button=3)
         menus = player.menus()
         self.assertTrue(menus, "no menu comes up")
         return menus[0]
 
-    def choose(self, player, window, *path):
-        menu = self.open_menu(player, window)
+    def choose(self, player, window, *path, row=0):
+        menu = self.open_menu(player, window, row)
         entries = TREE["playlist_Menu" if window == self.rows else "menu"]
         for level, name in enumerate(path):
             names = [entry[0] for entry in entries]
@@ -199,10 +199,9 @@ class ListMenu(MenuTest):
         player, main, self.rows = self.start_with_list()
         rows = self.rows
 
-        def choose(*path):
-            self.choose(player, rows, *path)
-        self.click_row(player, rows, 1)
-        choose("playlist_Play")
+        def choose(*path, row=0):
+            self.choose(player, rows, *path, row=row)
+        choose("playlist_Play", row=1)
         self.assert_title(player, main, "2/3")
         added = self.music + "/added.wav"
         silence(added)
@@ -233,7 +232,7 @@ class ListMenu(MenuTest):
         self.write_into(player, ask, "added")
         player.click(ask, "OK", form=ASK)
         self.assertTrue(wait_for(lambda: self.is_selected(player, rows, 3)), "no hit")
-        choose("playlist_Alter")
+        choose("playlist_Alter", row=3)
         ask = self.assert_window(player, ASK)
         player.click(ask, "Cancel", form=ASK)
         self.assertTrue(player.gone(ask))
@@ -242,8 +241,8 @@ class ListMenu(MenuTest):
         choose("playlist_Del", "playlist_DelSelect")
         self.answer(player, "y")
         self.assert_story(player, rows, self.tracks[1:] + [added, inner + "/deep.wav"])
-        self.click_row(player, rows, 2)
-        choose("hardDrive_Del", "hardDrive_DelSelect")
+        self.click_row(player, rows, 1)
+        choose("hardDrive_Del", "hardDrive_DelSelect", row=2)
         self.answer(player, "y")
         self.assert_story(player, rows, self.tracks[1:] + [inner + "/deep.wav"])
         self.assertFalse(os.path.exists(added))

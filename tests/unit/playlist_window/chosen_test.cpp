@@ -2,6 +2,8 @@
 
 #include "tests/unit/playlist_window/list_fixture.h"
 
+#include "ui/formSet.h"
+
 namespace velmora {
 namespace {
 
@@ -34,6 +36,16 @@ protected:
         media.reachEnd();
         tickMain();
     }
+    void rightButton(const std::function<void(const forms::MouseEvent &)> &event, int row) {
+        event({forms::rightButton, 0, 0, names.rowHeight() * static_cast<Twips>(row)});
+    }
+    // Opens the list's menu as the mouse does, and chooses an entry after what happens meanwhile.
+    void fromMenu(const char *entry, int row, std::function<void()> meanwhile = {}) {
+        windows.expectPopup("playlist_Menu", entry, std::move(meanwhile));
+        rightButton(names.on().MouseDown, row);
+        names.userRightClicked(row);
+        rightButton(names.on().MouseUp, row);
+    }
     void rename(int row, std::u16string_view text) {
         selectOnly({row});
         list.Alter_Click();
@@ -64,6 +76,8 @@ using ChosenToGo = Chosen;
 using ChosenToBeCleared = Chosen;
 using ChosenForANewName = Chosen;
 using ChosenToBeCopied = Chosen;
+using ChosenForTheMenu = Chosen;
+using ChosenByAKey = Chosen;
 
 // --- removing and deleting -----------------------------------------------------------------------
 
@@ -286,6 +300,122 @@ TEST_F(ChosenToBeCopied, ARowThatHasLeftTheListIsNotCopied) {
     list.to_Folder();
     ASSERT_EQ(dialogs.operations.size(), 1U);
     EXPECT_TRUE(startsWith(dialogs.operations[0].from, u"/m/b.mp3"));
+}
+
+// --- by the list's menu --------------------------------------------------------------------------
+
+TEST_F(ChosenForTheMenu, ATrackThatBeginsWhileItIsOpenIsNotDeleted) {
+    openAndPlay(u"/m/a.mp3");
+    app.player().nowPlay_Index = 1;
+    answerSure(MsgBoxResult::Yes);
+    fromMenu("hardDrive_DelSelect", 2, [&] { trackEnds(); });
+    EXPECT_EQ(app.player().nowPlay_File, u"/m/b.mp3");
+    EXPECT_EQ(filesLeft().size(), 4U);
+    answerSure(MsgBoxResult::Yes);
+    fromMenu("playlist_DelSelect", 2, [&] { app.player().selectEntryOfFile(u"/m/b.mp3"); });
+    EXPECT_EQ(rows(), 4);
+}
+
+TEST_F(ChosenForTheMenu, ATrackThatBeginsBetweenPressAndReleaseIsNotDeletedEither) {
+    answerSure(MsgBoxResult::Yes);
+    windows.expectPopup("playlist_Menu", "hardDrive_DelSelect");
+    rightButton(names.on().MouseDown, 2);
+    names.userRightClicked(2);
+    app.player().selectEntryOfFile(u"/m/b.mp3");
+    rightButton(names.on().MouseUp, 2);
+    EXPECT_EQ(filesLeft().size(), 4U);
+}
+
+TEST_F(ChosenForTheMenu, ItsRowIsPlayedRenamedCopiedAndShownInItsFolder) {
+    const auto other = [&] { app.player().selectEntryOfFile(u"/m/b.mp3"); };
+    fromMenu("playlist_Play", 2, other);
+    EXPECT_EQ(media.openPath(), u"/m/c.mp3");
+    EXPECT_EQ(app.player().nowPlay_Index, 3);
+
+    dialogs.expectFolder(u"/usb");
+    dialogs.expectCopy({});
+    fromMenu("playlist_Send", 3, other);
+    EXPECT_TRUE(startsWith(dialogs.operations.at(0).from, u"/m/d.mp3"));
+
+    addRow(u"/n/e.mp3");
+    fake.shell.executions.clear();
+    fromMenu("playlist_OpenFolder", 4, other);
+    EXPECT_EQ(fake.shell.executions.at(0).target, u"/n/");
+
+    fromMenu("playlist_Alter", 3, other);
+    EXPECT_EQ(box.jieGuo.text(), u"d");
+    box.jieGuo.setText(u"x");
+    box.OK_Click();
+    EXPECT_EQ(pathRows(), (Texts{u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/x.mp3", u"/n/e.mp3"}));
+}
+
+TEST_F(ChosenForTheMenu, ARowThatHasGoneIsNeitherPlayedNorRenamed) {
+    openAndPlay(u"/m/a.mp3");
+    fromMenu("playlist_Play", 2, [&] {
+        names.removeItem(2);
+        paths.removeItem(2);
+    });
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+    fromMenu("playlist_Alter", 2, [&] {
+        names.removeItem(2);
+        paths.removeItem(2);
+    });
+    EXPECT_FALSE(box.visible());
+}
+
+TEST_F(ChosenForTheMenu, WhatIsChosenAfterItHasClosedCounts) {
+    windows.expectPopup("playlist_Menu", "");
+    rightButton(names.on().MouseDown, 0);
+    names.userRightClicked(0);
+    rightButton(names.on().MouseUp, 0);
+    selectOnly({2});
+    answerSure(MsgBoxResult::Yes);
+    list.delOne(1, false);
+    EXPECT_EQ(filesLeft(), (Texts{u"/m/a.mp3", u"/m/b.mp3", u"/m/d.mp3"}));
+}
+
+TEST_F(ChosenForTheMenu, WhatIsChosenWhileItsEntryWorksCounts) {
+    setVolumeBar(10);
+    fromMenu("playlist_Play", 0, [&] {
+        windows.atNextPump([&] { // of the fade
+            selectOnly({2});
+            answerSure(MsgBoxResult::Yes);
+            list.delOne(1, false);
+        });
+    });
+    EXPECT_EQ(filesLeft(), (Texts{u"/m/a.mp3", u"/m/b.mp3", u"/m/d.mp3"}));
+}
+
+TEST_F(ChosenForTheMenu, OpenedBesideTheRowsItIsForTheSelection) {
+    selectOnly({1, 2});
+    windows.expectPopup("playlist_Menu", "hardDrive_DelSelect");
+    answerSure(MsgBoxResult::Yes);
+    list.on().MouseUp({forms::rightButton, 0, 0, 0});
+    EXPECT_EQ(filesLeft(), (Texts{u"/m/a.mp3", u"/m/d.mp3"}));
+}
+
+// --- by keys -------------------------------------------------------------------------------------
+
+TEST_F(ChosenByAKey, BothQuestionsOfShiftAndDeleteAreAboutTheSameRows) {
+    openAndPlay(u"/m/a.mp3");
+    app.player().nowPlay_Index = 1;
+    selectOnly({2});
+    answerSure(MsgBoxResult::Yes, [&] { trackEnds(); });
+    answerSure(MsgBoxResult::Yes);
+    forms::KeyEvent key{46, forms::shiftMask};
+    names.on().KeyDown(key);
+    EXPECT_EQ(rows(), 4) << "the track that began meanwhile leaves the list neither";
+}
+
+TEST_F(ChosenByAKey, AllAreSelectedThoughATrackBeginsMeanwhile) {
+    openAndPlay(u"/m/a.mp3");
+    windows.atNextPump([] {});
+    windows.atNextPump([] {});
+    windows.atNextPump([&] { app.player().selectEntryOfFile(u"/m/b.mp3"); });
+    forms::KeyEvent key{65, forms::ctrlMask};
+    names.on().KeyDown(key);
+    EXPECT_EQ(names.selCount(), 4);
+    EXPECT_EQ(names.listIndex(), 3);
 }
 
 } // namespace
