@@ -55,7 +55,6 @@ void ListBox::setSelected(std::int32_t row, bool selected) {
     }
     changed(Change::Selection);
     if (selected && !multiSelect_) {
-        ensureVisible(row);
         raiseClick();
     }
 }
@@ -86,9 +85,6 @@ void ListBox::setListIndex(std::int32_t row) {
     }
     changed(Change::Selection);
     if (row >= 0) {
-        if (!multiSelect_) {
-            ensureVisible(row);
-        }
         raiseClick();
     }
 }

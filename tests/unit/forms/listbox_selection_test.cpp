@@ -383,18 +383,6 @@ TEST_F(SelectionTest, ASecondPressOnTheCurrentRowLeavesTheSelection) {
     EXPECT_THAT(chosen(), ElementsAre(1, 3));
 }
 
-TEST_F(SelectionTest, ARowSetByCodeComesIntoViewInASimpleListAlone) {
-    list.setDesignRows(3);
-    list.setMultiSelect(true);
-    list.setSelected(7, true);
-    EXPECT_EQ(list.topIndex(), 0);
-    list.setMultiSelect(false);
-    list.setSelected(6, true);
-    EXPECT_EQ(list.topIndex(), 4);
-    list.setListIndex(1);
-    EXPECT_EQ(list.topIndex(), 1);
-}
-
 TEST_F(SelectionTest, ADoubleClickIsRaisedOnARow) {
     userClick(3);
     log.clear();
