@@ -264,6 +264,17 @@ class PlayerTest(unittest.TestCase):
             return None
         return row[0].decode() if isinstance(row[0], bytes) else row[0]
 
+    def store(self, values):
+        """Sets what a program that has ended finds in its settings: a type and a value by name."""
+        database = sqlite3.connect(self.registry_file())
+        with database:
+            (key,) = database.execute("select id from keys where folded like '%PLAYSET'").fetchone()
+            for name, (kind, data) in values.items():
+                size = 4 if kind == 4 else len(data)
+                database.execute("insert or replace into entries values (?, ?, ?, ?, ?, ?)",
+                                 (key, name.upper(), name, kind, size, data))
+        database.close()
+
     def assert_stored(self, name, value):
         self.assertTrue(wait_for(lambda: self.stored(name) == value),
                         f"{name} is {self.stored(name)!r}, not {value!r}")

@@ -5,6 +5,7 @@
 """
 
 import os
+import shutil
 import signal
 import sqlite3
 import subprocess
@@ -108,6 +109,66 @@ class Settings(HardshipTest):
         self.end(player, main)
         with open(self.file, "rb") as file:
             self.assertEqual(file.read(), before)
+
+    def test_a_start_on_a_full_disk_reads_everything_and_stores_again_when_there_is_room(self):
+        folder = os.path.dirname(self.file)
+        aside = self.session.home + "/aside"
+        player, main = self.start(self.program_with(
+            f"cp -r \"{folder}\" \"{aside}\"",
+            f"mount -t tmpfs -o size=128k tmpfs \"{folder}\"",
+            f"cp \"{aside}/registry.sqlite\" \"{folder}\"",
+            f"cat /dev/zero > \"{folder}/filler\" 2> /dev/null || true"))
+        self.assert_title(player, main, "track 0")  # the last file is known
+        seen = f"/proc/{player.child.pid}/root{folder}"
+        self.assertGreater(os.path.getsize(seen + "/filler"), 10_000, "the disk is not full")
+        self.session.key("F6", main)
+        self.assert_title(player, main, "track 1")
+        os.remove(seen + "/filler")
+        self.session.key("F6", main)
+        self.assert_title(player, main, "track 2")
+        # Looked at in a copy: the program holds this file alone.
+        self.file = aside + "/registry.sqlite"
+
+        def stored():
+            for name in os.listdir(seen):
+                shutil.copy(f"{seen}/{name}", aside)
+            return self.last_file() == [self.tracks[2].encode()]
+        self.assertTrue(wait_for(stored, 10), "with room again nothing is stored")
+        self.end(player, main)
+        self.assertEqual(self.errors(), [])
+
+    def test_read_only_beside_a_journal_it_is_read(self):
+        folder = os.path.dirname(self.file)
+        player, main = self.start()
+        self.session.key("F6", main)
+        self.assert_title(player, main, "track 1")
+        self.assertTrue(wait_for(lambda: self.last_file() == [self.tracks[1].encode()], 10))
+        os.kill(player.child.pid, signal.SIGKILL)
+        self.assertTrue(player.ended())
+        os.remove(self.file + "-shm")
+        self.assertTrue(os.path.getsize(self.file + "-wal"))
+        player, main = self.start(self.program_with(
+            f"mount --bind {folder} {folder}", f"mount -o remount,ro,bind {folder}"))
+        self.assert_title(player, main, "track 1")  # which only the journal knows
+        self.end(player, main)
+        self.assertEqual(self.errors(), [])
+
+    def test_of_a_newer_program_it_is_read_and_left_to_it(self):
+        database = sqlite3.connect(self.file)
+        database.execute("pragma user_version = 2")
+        database.execute("alter table entries add column later integer not null default 1")
+        database.close()
+        with open(self.file, "rb") as file:
+            before = file.read()
+        player, main = self.start()
+        self.assert_title(player, main, "track 0")
+        self.session.key("F6", main)
+        self.assert_title(player, main, "track 1")
+        self.end(player, main)
+        with open(self.file, "rb") as file:
+            self.assertEqual(file.read(), before)
+        self.assertEqual([line for line in self.errors() if "newer version" in line], self.errors())
+        self.assertEqual(len(self.errors()), 1)
 
     def test_a_full_disk_keeps_what_it_holds(self):
         player, main = self.start()

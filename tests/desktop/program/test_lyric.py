@@ -130,6 +130,40 @@ class Standing(LyricTest):
         if self.compositor:
             self.assertGreater(smooth, 30, "its edge is not smooth")
 
+    def test_of_any_size_it_stays_on_the_screen_and_lets_clicks_through_between_its_letters(self):
+        player, main = self.start()
+        self.session.key("Escape", main)
+        self.assertTrue(player.ended())
+        font = {stem: (4, 0) for stem in ("Bold", "Charset", "Italic", "Strikethrough",
+                                          "Underline", "BackColor")}
+        font |= {"Name": (1, "Liberation Sans"), "Size": (4, 2160), "Weight": (4, 400),
+                 "ForeColor": (4, 0xFFFFFF)}
+        self.store({f"Desktop_Lrc_{stem}": value for stem, value in font.items()} |
+                   {"Desktop_Lrc_AutoOpen": (1, "0")})
+        player, main = self.sing("[00:00.00]II")
+        player.tool("windowminimize", "--sync", main)  # it lies below the letters
+        self.assertTrue(player.gone(main))
+        line = self.strip(player)
+        (_, top), (_, height) = player.place(line), player.size(line)
+        self.assertGreaterEqual(top, 0)
+        self.assertGreater(height, HEIGHT * 0.7)
+        self.assertLessEqual(top + height, HEIGHT)
+        letters = set(self.letters(player))
+        # Down the middle, between the two strokes.
+        column = [y for y in range(height) if (WIDTH // 2, y) not in letters]
+        self.assertGreater(len(column), height // 2, "there is no gap between the letters")
+        heart = next(place for place in sorted(letters)
+                     if all((place[0] + dx, place[1] + dy) in letters
+                            for dx in (-5, 0, 5) for dy in (-5, 0, 5)))
+        gap = (WIDTH // 2, column[len(column) // 2])
+        stranger = Stranger(self.session, 0, 0, WIDTH, HEIGHT)
+        self.assertTrue(stranger.window)
+        for place in (heart, gap):
+            player.tool("mousemove", *player.point(line, *place))
+            player.tool("click", 1)
+        self.assertTrue(wait_for(stranger.presses, 5), "the click is held back")
+        self.assertEqual(stranger.presses(), [player.point(line, *gap)])
+
     def test_it_is_gone_when_switched_off_and_comes_back(self):
         player, main = self.sing(self.LINE)
         self.assertTrue(self.letters(player))

@@ -192,6 +192,39 @@ class MainMenuByKeyboard(MainMenu):
     by_mouse = False
 
 
+class SettingsFromTheMenu(MenuTest):
+    by_mouse = True
+    rows = None
+
+    def test_ok_in_the_help_changes_no_setting(self):
+        player, main = self.start_aside()
+        self.session.key("Escape", main)
+        self.assertTrue(player.ended())
+        kept = {"Language": "1", "isAutoPlay": "1", "AutoUpadate": "1", "VideoInterface": "1",
+                "PlayMode": "2"}
+        self.store({name: (1, text) for name, text in kept.items()})
+        player, main = self.start_aside()
+        self.choose(player, main, "help")
+        self.close(player, self.assert_window(player, SETTINGS), SETTINGS, "qd")
+        # What OK does is through when its key has opened the window anew.
+        self.session.key("ctrl+s", main)
+        self.assert_window(player, SETTINGS)
+        self.assertEqual({name: self.stored(name) for name in kept}, kept)
+        self.assertIsNotNone(self.stored("LrcSaveFolder"), "OK stored nothing at all")
+
+    def test_the_main_window_stays_away_when_the_settings_of_the_strip_are_left(self):
+        player, main = self.start_aside()
+        player.click(main, "mini_Button")
+        strip = self.assert_window(player, MINI)
+        self.assertTrue(player.gone(main))
+        for way in ("qd", "qx"):
+            self.choose(player, strip, "playSet")
+            self.close(player, self.assert_window(player, SETTINGS), SETTINGS, way)
+            self.assertEqual([window for window in player.windows() if player.is_form(window, MAIN)],
+                             [], "the main window stands beside its strip")
+            self.assertIn(strip, player.windows())
+
+
 class ListMenu(MenuTest):
     by_mouse = True
 

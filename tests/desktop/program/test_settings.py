@@ -8,7 +8,7 @@ import os
 import sys
 import unittest
 
-from player import ABOUT, LIST, SETTINGS, stairs
+from player import ABOUT, LIST, PROGRAM, SETTINGS, stairs
 from session import quiet, wait_for
 from settings_window import FRAME, INFO, LANGUAGE_ROWS, PAGES, SettingsTest
 
@@ -259,6 +259,25 @@ class ByKeyboard(SettingsTest):
         self.assert_closed()
         self.assert_stored("PlayListSaveFolder", folder)
         self.assertTrue(wait_for(lambda: os.path.isdir(folder)), "the folder is not made")
+
+    def test_a_folder_typed_with_a_tilde_is_made_in_the_home(self):
+        elsewhere = self.session.home + "/elsewhere"
+        os.makedirs(elsewhere)
+        starter = self.session.home + "/starter"
+        with open(starter, "w") as script:
+            script.write(f'#!/bin/sh\ncd "{elsewhere}" && exec "{os.path.abspath(PROGRAM)}"\n')
+        os.chmod(starter, 0o755)
+        self.player, self.window = self.start(starter)
+        self.open_page("folderSet")
+        self.on(2)
+        self.keys("ctrl+a")
+        quiet("xdotool", "type", "--delay", "10", "~/my lists", env=self.session.env)
+        self.keys("ctrl+s")
+        self.assert_closed()
+        self.assert_stored("PlayListSaveFolder", "~/my lists")
+        self.assertTrue(wait_for(lambda: os.path.isdir(self.session.home + "/my lists")),
+                        "the folder is not made in the home")
+        self.assertEqual(os.listdir(elsewhere), [])
 
     def test_each_folder_is_chosen_in_its_dialog_without_a_mouse(self):
         names = ("LrcSaveFolder", "PlayListSaveFolder", "PlayCacheSaveFolder")

@@ -6,12 +6,11 @@
 
 import os
 import signal
-import sqlite3
 import subprocess
 import sys
 import unittest
 
-from player import SETTINGS, stairs
+from player import APP, SETTINGS, stairs
 from session import quiet, wait_for
 from settings_window import FRAME, LANGUAGE_ROWS, PAGES, SettingsTest
 
@@ -80,6 +79,20 @@ class Dialogs(SettingsTest):
         self.click(settings, SETTINGS, "yy")
         self.assert_stored("Desktop_Lrc_Size", 20)
         self.assertEqual(self.stored("Desktop_Lrc_Name"), "微软雅黑")
+
+    def test_the_first_face_that_is_chosen_is_stored(self):
+        """Also the one that stands in for the face of the design, which is not installed."""
+        face = subprocess.run(["fc-match", "-f", "%{family[0]}", "微软雅黑"],
+                              env=self.session.env, stdout=subprocess.PIPE, text=True,
+                              check=True).stdout
+        settings = self.lyrics()
+        box = self.dialog(settings, self.DESKTOP_FONT)
+        self.keys("alt+f")
+        quiet("xdotool", "type", face, env=self.session.env)
+        self.keys("Return")
+        self.assert_gone(box)
+        self.click(settings, SETTINGS, "yy")
+        self.assert_stored("Desktop_Lrc_Name", face)
 
     def test_the_other_lyrics_keep_their_size(self):
         settings = self.lyrics()
@@ -200,23 +213,17 @@ class Restoring(SettingsTest):
 
 
 class WithOddSettings(SettingsTest):
-    """Whatever the registry holds, the window opens, applies and closes."""
+    """Whatever the registry holds, the window opens, applies and closes; what the program takes of
+    it is stored as it was, the rest gives way to what the program has.
+    """
 
-    def write(self, values):
-        database = sqlite3.connect(self.registry_file())
-        with database:
-            (key,) = database.execute("select id from keys where folded like '%PLAYSET'").fetchone()
-            for name, (kind, data) in values.items():
-                size = 4 if kind == 4 else len(data)
-                database.execute("insert or replace into entries values (?, ?, ?, ?, ?, ?)",
-                                 (key, name.upper(), name, kind, size, data))
-        database.close()
+    FLAGS = ("Bold", "Italic", "Strikethrough", "Underline")
 
     def run_with(self, values):
         self.begin()
         self.session.key("Escape", self.window)
         self.assertTrue(self.player.ended())
-        self.write(values)
+        self.store(values)
         self.begin()
         settings = self.open()
         for tab in PAGES:
@@ -226,6 +233,22 @@ class WithOddSettings(SettingsTest):
         self.click(settings, SETTINGS, "qx")
         self.assert_closed()
         self.assertIsNone(self.player.child.poll())
+
+    def assert_all_stored(self, expected):
+        self.assertEqual({name: self.stored(name) for name in expected}, expected)
+
+    def default_folder(self, name):
+        return f"{self.session.env['XDG_DATA_HOME']}/velmora/{APP}/{name}"
+
+    def assert_on_the_screen(self):
+        """The desktop's line, which is as wide as the screen, lies within its height."""
+        width, height = self.screen()
+        lines = [number for number in self.player.windows() if self.player.size(number)[0] == width]
+        self.assertEqual(len(lines), 1)
+        (_, top), (_, high) = self.player.place(lines[0]), self.player.size(lines[0])
+        self.assertGreaterEqual(top, 0)
+        self.assertLessEqual(top + high, height)
+        return high
 
     def font(self, name, size):
         values = {}
@@ -241,20 +264,39 @@ class WithOddSettings(SettingsTest):
 
     def test_the_largest_size_of_a_face_that_is_not_installed(self):
         self.run_with(self.font("No Such Face", 2160))
+        self.assert_all_stored({"Desktop_Lrc_Name": "No Such Face", "Desktop_Lrc_Size": 2160,
+                                "Other_Lrc_Name": "No Such Face", "Other_Lrc_Size": 2160,
+                                "Desktop_Lrc_ForeColor": 0xFFFFFFFF, "Desktop_Lrc_AutoOpen": "1"} |
+                               {f"Desktop_Lrc_{flag}": 0 for flag in self.FLAGS})
+        self.assertGreater(self.assert_on_the_screen(), self.screen()[1] * 0.7)
 
     def test_a_size_out_of_range_and_an_endless_name(self):
         self.run_with(self.font("x" * 100000, 5000))
+        self.assert_all_stored({"Desktop_Lrc_Name": "x" * 100000, "Desktop_Lrc_Size": 36,
+                                "Other_Lrc_Name": "x" * 100000, "Other_Lrc_Size": 14})
+        self.assertLess(self.assert_on_the_screen(), self.screen()[1] / 4)
 
     def test_texts_for_numbers_and_numbers_for_texts(self):
         values = {name: (4, 3) for name in
                   ("AutoUpadate", "isAutoPlay", "PlayMode", "Language", "VideoInterface",
                    "LrcSaveFolder", "PlayListSaveFolder", "PlayCacheSaveFolder")}
         self.run_with(values | {"Desktop_Lrc_Size": (1, "36"), "Desktop_Lrc_AutoOpen": (4, 1)})
+        self.assert_all_stored({"AutoUpadate": "0", "isAutoPlay": "0", "PlayMode": "0",
+                                "Language": "0", "Desktop_Lrc_AutoOpen": "0",
+                                "LrcSaveFolder": self.default_folder("Lyrics"),
+                                "PlayListSaveFolder": self.default_folder("List"),
+                                "PlayCacheSaveFolder": self.default_folder("Cache"),
+                                "Desktop_Lrc_Name": "微软雅黑", "Desktop_Lrc_Size": 36,
+                                "Desktop_Lrc_ForeColor": 0x0000FF})
 
     def test_numbers_out_of_range(self):
         self.run_with({"AutoUpadate": (1, "99999999999"), "isAutoPlay": (1, "-3"),
                        "PlayMode": (1, "77"), "Language": (1, "9"), "VideoInterface": (1, "-1"),
                        "AutoShowWelcome": (1, "x"), "Desktop_Lrc_AutoOpen": (1, "7")})
+        # What is no state of a box leaves it as it is designed; a mode that is none is kept.
+        self.assert_all_stored({"AutoUpadate": "0", "isAutoPlay": "1", "PlayMode": "77",
+                                "Language": "0", "AutoShowWelcome": "x",
+                                "Desktop_Lrc_AutoOpen": "0"})
 
     def test_folders_that_are_files_relative_or_end_in_separators(self):
         file = self.session.home + "/a file"
@@ -270,9 +312,12 @@ class WithOddSettings(SettingsTest):
         self.assertTrue(os.path.isdir(self.session.home + "/lists of mine"))
 
     def test_folders_that_cannot_be(self):
+        endless = "/" + "long" * 30000
         self.run_with({"LrcSaveFolder": (1, "/proc/nowhere/lyrics"),
                        "PlayListSaveFolder": (1, "a\r\nb\x00c//"),
-                       "PlayCacheSaveFolder": (1, "/" + "long" * 30000)})
+                       "PlayCacheSaveFolder": (1, endless)})
+        self.assert_all_stored({"LrcSaveFolder": "/proc/nowhere/lyrics",
+                                "PlayListSaveFolder": "a\r\nb", "PlayCacheSaveFolder": endless})
 
 
 if __name__ == "__main__":

@@ -1,8 +1,15 @@
-// Message boxes, popup menus and tool tips.
+// Message boxes, popup menus, tool tips, and what the font dialog gives back.
 
 #include "tests/desktop/qt/desk.h"
 
+#include "platform/linux/linux.h"
+#include "platform/qt/qt_dialogs.h"
+
 #include <QApplication>
+#include <QFontDatabase>
+#include <QFontDialog>
+#include <QFontInfo>
+#include <QListView>
 #include <QMenu>
 #include <QToolTip>
 
@@ -133,6 +140,56 @@ TEST_F(MessageBoxTest, ShowsItsTitleToTheWindowManagerAndIsDark) {
                            u"标题");
     EXPECT_EQ(title, "标题");
     EXPECT_LT((pixel >> 8) & 0xFF, 0x40U);
+}
+
+class FontDialogTest : public DeskTest {
+protected:
+    static constexpr auto missing = "No Such Face";
+
+    // Opens it for a face, picks another in its list if one is named, and confirms. Answers the
+    // name that comes back.
+    std::string pick(const std::string &asked, const QString &family = {}) {
+        const auto ansi = platform::makeAnsiText([] { return std::u16string(); });
+        const auto dialogs = platform::makeQtDialogs(*desk().windows, *ansi);
+        platform::CHOOSEFONT record;
+        record.logFont.faceName = asked;
+        record.pointSize = 200;
+        Meanwhile meanwhile(boxIsUp, [&] {
+            auto *dialog = qobject_cast<QFontDialog *>(QApplication::activeModalWidget());
+            if (dialog != nullptr) {
+                shownFirst = dialog->currentFont().family();
+                auto *families = dialog->findChild<QListView *>(); // the first of its lists
+                const QModelIndexList rows = families->model()->match(
+                    families->model()->index(0, 0), Qt::DisplayRole, family, 1, Qt::MatchExactly);
+                if (!family.isEmpty() && !rows.isEmpty())
+                    families->setCurrentIndex(rows.front());
+            }
+            press("Return");
+        });
+        EXPECT_EQ(dialogs->ChooseFontA(record), 1);
+        return record.logFont.faceName;
+    }
+    QString shownFirst; // by the dialog itself
+};
+
+TEST_F(FontDialogTest, EveryFaceThatIsPickedComesBackTheFirstTimeToo) {
+    pick(missing);
+    int picked = 0;
+    for (const QString &family : QFontDatabase::families()) {
+        const bool named = family == QFontInfo(QFont(missing)).family() ||
+                           family == QLatin1String("Liberation Mono");
+        if (!named || family == shownFirst)
+            continue;
+        ++picked;
+        EXPECT_EQ(pick(missing, family), family.toStdString());
+    }
+    EXPECT_EQ(picked, 2) << "the face that stands in for a missing one, and another";
+}
+
+TEST_F(FontDialogTest, WhatItShowsByItselfIsNoChoice) {
+    EXPECT_EQ(pick(missing), missing);
+    EXPECT_EQ(pick(missing, shownFirst), missing);
+    EXPECT_EQ(pick("Liberation Mono"), "Liberation Mono");
 }
 
 struct MenuOwner : TestForm {
