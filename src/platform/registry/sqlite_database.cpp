@@ -80,7 +80,8 @@ std::string SqliteStatement::bytes(int column) const {
 
 // --- the database --------------------------------------------------------------------------------
 
-SqliteDatabase::SqliteDatabase(std::string path) : path_(std::move(path)) {}
+SqliteDatabase::SqliteDatabase(std::string path, FileCalls calls)
+    : path_(std::move(path)), calls_(std::move(calls)) {}
 
 SqliteDatabase::~SqliteDatabase() { close(); }
 

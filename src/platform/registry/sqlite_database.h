@@ -10,6 +10,8 @@
 // open it anew. Where the file cannot be read, locked or made, statements say so and nothing else
 // happens: the next one tries again.
 
+#include "platform/linux/file_calls.h"
+
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -57,8 +59,8 @@ private:
 
 class SqliteDatabase {
 public:
-    // `path` is the file's own bytes. Nothing is touched yet.
-    explicit SqliteDatabase(std::string path);
+    // `path` is the file's own bytes. Nothing is touched yet. `calls` renames what is damaged.
+    explicit SqliteDatabase(std::string path, FileCalls calls = {});
     ~SqliteDatabase();
     SqliteDatabase(const SqliteDatabase &) = delete;
     SqliteDatabase &operator=(const SqliteDatabase &) = delete;
@@ -108,6 +110,7 @@ private:
     static constexpr int patienceMs = 200;
 
     std::string path_;
+    FileCalls calls_;
     sqlite3 *handle_ = nullptr;
     sqlite3_stmt *statements_[static_cast<int>(Query::Count)] = {};
     int failure_ = 0;

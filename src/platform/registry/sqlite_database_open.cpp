@@ -304,7 +304,7 @@ void SqliteDatabase::keepAside() {
     for (int number = 1; number < 100; ++number) {
         kept = number == 1 ? base : base + "-" + std::to_string(number);
         try {
-            renameToFreeName(path_, kept);
+            renameToFreeName(path_, kept, calls_);
             break;
         } catch (const RunTimeError &error) {
             if (error.number() != ErrorNumber::FileExists)

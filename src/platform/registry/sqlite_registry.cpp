@@ -68,8 +68,8 @@ private:
 
 } // namespace
 
-SqliteRegistry::SqliteRegistry(std::string file, const AnsiText &ansi)
-    : database_(std::move(file)), ansi_(ansi) {}
+SqliteRegistry::SqliteRegistry(std::string file, const AnsiText &ansi, FileCalls calls)
+    : database_(std::move(file), std::move(calls)), ansi_(ansi) {}
 
 SqliteRegistry::~SqliteRegistry() = default;
 

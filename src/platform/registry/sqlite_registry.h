@@ -29,7 +29,7 @@ class SqliteRegistry : public Registry {
 public:
     // `file` is the path's own bytes; the file and its folders are made at the first use. `ansi`
     // measures byte counts, and is first asked when a text beyond ASCII is written.
-    SqliteRegistry(std::string file, const AnsiText &ansi);
+    SqliteRegistry(std::string file, const AnsiText &ansi, FileCalls calls = {});
     ~SqliteRegistry() override;
 
     std::int32_t RegCreateKeyA(std::uint32_t hive, std::u16string_view subKey,
