@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <poll.h>
 #include <sched.h>
+#include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -131,6 +132,10 @@ PulseServer::~PulseServer() {
         std::filesystem::remove_all(directory_, ignored);
 }
 
+bool PulseServer::isInstalled() {
+    return std::system("command -v pulseaudio >/dev/null && command -v parec >/dev/null") == 0;
+}
+
 bool PulseServer::start() {
     if (running() || directory_.empty())
         return running();
@@ -247,7 +252,12 @@ MonitorRecorder::MonitorRecorder(const PulseServer &server, int latencyMs) : rat
     close(ends[1]);
     pipe_ = ends[0];
     reader_ = std::thread(&MonitorRecorder::read, this);
-    waitForFrames(1, 10000);
+    if (waitForFrames(1, 10000))
+        return;
+    endProcess(pid_);
+    reader_.join();
+    close(pipe_);
+    throw std::runtime_error("nothing is recorded");
 }
 
 MonitorRecorder::~MonitorRecorder() {

@@ -28,7 +28,7 @@ struct PulseServerOptions {
 };
 
 // Starts in the constructor, ends (at once) in the destructor. A server that could not be started
-// (the program is not installed) answers false to running().
+// answers false to running(), whatever kept it from that.
 class PulseServer {
 public:
     using Options = PulseServerOptions;
@@ -37,6 +37,10 @@ public:
     ~PulseServer();
     PulseServer(const PulseServer &) = delete;
     PulseServer &operator=(const PulseServer &) = delete;
+
+    // Whether the programs of the server and the recorder are there at all: only without them may a
+    // test be skipped.
+    static bool isInstalled();
 
     // True once the server answers on its socket; waits for it with a limit.
     bool start();
@@ -96,7 +100,7 @@ class MonitorRecorder {
 public:
     using Clock = std::chrono::steady_clock;
 
-    // Returns when the first samples have arrived (or after ten seconds).
+    // Returns when the first samples have arrived; throws when none do within ten seconds.
     explicit MonitorRecorder(const PulseServer &server, int latencyMs = 20);
     ~MonitorRecorder();
     MonitorRecorder(const MonitorRecorder &) = delete;

@@ -43,8 +43,9 @@ constexpr int startLimitMs = 1500;
 class Listened : public testing::Test {
 protected:
     void SetUp() override {
-        if (!server().running())
+        if (!PulseServer::isInstalled())
             GTEST_SKIP() << "pulseaudio is not installed";
+        ASSERT_TRUE(server().running());
         SoundOptions options;
         options.server = server().address();
         opener_ = platform::sound::makeSoundOpener(options);

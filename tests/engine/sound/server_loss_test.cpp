@@ -12,8 +12,9 @@ constexpr auto none = MonitorRecorder::frameNone;
 class ServerLoss : public testing::Test {
 protected:
     void SetUp() override {
-        if (!server_.running())
+        if (!PulseServer::isInstalled())
             GTEST_SKIP() << "pulseaudio is not installed";
+        ASSERT_TRUE(server_.running());
     }
     std::unique_ptr<DeviceOpener> opener() const {
         SoundOptions options;
