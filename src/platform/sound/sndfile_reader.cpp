@@ -54,19 +54,55 @@ public:
 
     bool seek(std::int64_t frame) override {
         position_ = frame;
+        silent_ = 0;
         return frame >= info_.frames || library_->sf_seek(file_, frame, SEEK_SET) == frame;
     }
 
     std::size_t read(float *out, std::size_t frameCount) override {
         const auto left = static_cast<std::size_t>(std::max<std::int64_t>(frames() - position_, 0));
         const auto wanted = static_cast<sf_count_t>(std::min(frameCount, left));
-        const sf_count_t got =
-            std::max<sf_count_t>(wanted > 0 ? library_->sf_readf_float(file_, out, wanted) : 0, 0);
+        if (wanted == 0)
+            return 0;
+        sf_count_t got = silent_ > 0 ? 0 : library_->sf_readf_float(file_, out, wanted);
+        if (got <= 0 && (silent_ > 0 || passDamage())) {
+            got = std::min(wanted, silent_);
+            silent_ -= got;
+            std::fill_n(out, got * info_.channels, 0.0F);
+        }
+        got = std::max<sf_count_t>(got, 0);
         position_ += got;
         return static_cast<std::size_t>(got);
     }
 
 private:
+    // The library gives up at what it cannot decode. Behind that the sound goes on at its time:
+    // what lies between is silent.
+    bool passDamage() {
+        for (sf_count_t step = 2048; step <= info_.frames - position_; step *= 2) {
+            const sf_count_t behind = position_ + step;
+            if (!reopen())
+                return false;
+            float frame[maxChannels];
+            if (library_->sf_seek(file_, behind, SEEK_SET) == behind &&
+                library_->sf_readf_float(file_, frame, 1) == 1 &&
+                library_->sf_seek(file_, behind, SEEK_SET) == behind) {
+                silent_ = step;
+                return true;
+            }
+        }
+        return false;
+    }
+
+    // After a failure it no longer seeks.
+    bool reopen() {
+        SF_VIRTUAL_IO io{fileSize, seekBytes, readBytes, writeBytes, tellBytes};
+        SF_INFO same{};
+        library_->sf_close(file_);
+        cursor_.position = 0;
+        file_ = library_->sf_open_virtual(&io, SFM_READ, &same, &cursor_);
+        return file_ != nullptr && same.channels == info_.channels;
+    }
+
     // A cut Ogg file does not know its length.
     void correctLength() {
         const int form = info_.format & SF_FORMAT_TYPEMASK;
@@ -80,6 +116,7 @@ private:
     SNDFILE *file_ = nullptr;
     SF_INFO info_{};
     std::int64_t position_ = 0;
+    sf_count_t silent_ = 0; // frames of damage that are still to come
 };
 
 } // namespace

@@ -160,15 +160,13 @@ TEST_F(Damaged, RatesAndChannelCountsThatNoServerTakesAreRefused) {
         Bytes bytes = sound;
         for (int i = 0; i < 4; ++i)
             bytes[24 + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(rate >> (8 * i));
-        const auto reader = open(bytes);
-        EXPECT_TRUE(!reader || (reader->rate() >= 100 && reader->rate() <= 384000)) << rate;
+        EXPECT_FALSE(open(bytes)) << rate;
     }
     for (const int channels : {0, 65, 255, 1000, 65535}) {
         Bytes bytes = sound;
         bytes[22] = static_cast<std::uint8_t>(channels);
         bytes[23] = static_cast<std::uint8_t>(channels >> 8);
-        const auto reader = open(bytes);
-        EXPECT_TRUE(!reader || (reader->channels() >= 1 && reader->channels() <= 64)) << channels;
+        EXPECT_FALSE(open(bytes)) << channels;
     }
 }
 
