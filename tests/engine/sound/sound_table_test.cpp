@@ -273,7 +273,9 @@ TEST(SoundTable, OddFilesArePlayedByWhomeverTheyArePlayedElsewhere) {
         for (const auto &[what, bytes] : odd) {
             const std::string name = form.ending + " " + form.coder.substr(5) + ", " + what;
             const Measured found = measure(name, folder().write("odd", bytes), false);
-            if (found.isOurs) {
+            // Of a coder's page that is lost in junk the rest may be past decoding for anybody.
+            const bool othersStopThere = std::abs(found.decodedMs - found.referenceMs) < 50;
+            if (found.isOurs && !othersStopThere) {
                 EXPECT_NEAR(found.toldMs, found.decodedMs, 50) << name;
             }
         }
