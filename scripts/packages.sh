@@ -14,7 +14,7 @@ packages_headless="xvfb openbox xdotool xclip x11-utils x11-xserver-utils imagem
  pulseaudio-utils xauth sqlite3 hsetroot"
 
 packages_test="libgtest-dev libgmock-dev clang clang-format clang-tidy libclang-rt-14-dev picom wmctrl
- trayer xsettingsd locales sox libsox-fmt-all ffmpeg lame flac python3 procps zlib1g-dev openssl
+ trayer xsettingsd dbus at-spi2-core locales sox libsox-fmt-all ffmpeg lame flac python3 procps zlib1g-dev openssl
  strace dosfstools exfat-fuse exfatprogs bindfs"
 
 packages_bench="libbenchmark-dev"

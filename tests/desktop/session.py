@@ -31,9 +31,20 @@ def wait_for(condition, seconds=15.0, step=0.02):
 TAKEN = None
 # After these the window manager may hold back a press, or move the keyboard to another window.
 HELD = {"click", "mousedown", "mouseup", "windowfocus"}
+# VELMORA_SLOW=manager or =program makes that one stand still for a moment at every key and press,
+# as on a busy machine: a test that fails then did not wait for what it needs.
+SLOW = os.environ.get("VELMORA_SLOW")
+STILL_S = 0.4
+
+
+def let_pass(seconds):
+    """Where the time itself is the condition, and nothing that could be looked at tells of it."""
+    time.sleep(seconds)
 
 
 def quiet(*command, **options):
+    if SLOW and command[0] == "xdotool" and {"key", "type", *HELD}.intersection(command):
+        Session.live[options["env"]["DISPLAY"]].stand_still()
     out = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False,
                          text=True, **options).stdout.strip()
     if TAKEN and command[0] == "xdotool" and HELD.intersection(command):
@@ -52,6 +63,7 @@ def taken(window=None, env=None):
 class Session:
     screen = "1280x800x24"
     server_options = ()  # further ones of the display server
+    live = {}  # by display
 
     def __init__(self, window_manager, sound=True):
         self.home = tempfile.mkdtemp(prefix="velmora-bench-")
@@ -66,8 +78,10 @@ class Session:
         self.children = []
         self.pulse = None
         self._display()
+        Session.live[self.env["DISPLAY"]] = self
+        self.manager = None
         if window_manager:
-            self.spawn(["openbox"])
+            self.manager = self.spawn(["openbox"])
             if not wait_for(lambda: "window id" in quiet(
                     "xprop", "-root", "_NET_SUPPORTING_WM_CHECK", env=self.env), 30):
                 self.close()
@@ -100,6 +114,18 @@ class Session:
         if not wait_for(lambda: "null1" in quiet("pactl", "list", "short", "sinks", env=self.env)):
             raise RuntimeError("no sound server")
 
+    def start_words(self):
+        """A bus on which programs started from now on tell what their windows say."""
+        reading, writing = os.pipe()
+        self.spawn(["dbus-daemon", "--session", "--nofork", f"--print-address={writing}"],
+                   pass_fds=[writing])
+        os.close(writing)
+        with os.fdopen(reading) as told:
+            address = told.readline().strip()
+        if not address:
+            raise RuntimeError("no bus")
+        self.env.update(DBUS_SESSION_BUS_ADDRESS=address, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+
     def spawn(self, command, **options):
         child = subprocess.Popen(command, env=self.env, stdout=subprocess.DEVNULL,
                                  stderr=subprocess.DEVNULL, start_new_session=True, **options)
@@ -115,6 +141,15 @@ class Session:
         if child in self.children:
             self.children.remove(child)
 
+    def stand_still(self):
+        for child in self.children:
+            if (child is self.manager) != (SLOW == "manager") or child.poll() is not None:
+                continue
+            child.send_signal(signal.SIGSTOP)
+            go_on = threading.Timer(STILL_S, child.send_signal, [signal.SIGCONT])
+            go_on.daemon = True
+            go_on.start()
+
     def window(self, pid_or_class, seconds=15.0):
         """The number of a visible window of the class."""
         found = wait_for(lambda: quiet("xdotool", "search", "--onlyvisible", "--class",
@@ -127,6 +162,7 @@ class Session:
         quiet("xdotool", "key", key, env=self.env)
 
     def close(self):
+        Session.live.pop(self.env.get("DISPLAY"), None)
         for child in list(self.children):
             self.stop(child)
         for child in (self.pulse, self.server):

@@ -25,7 +25,8 @@ XTurn::XTurn(const std::string &display) : connection_(xcb_connect(display.c_str
         return;
     screen_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
     // Answers of programs are sent to the root; those of the window manager are properties.
-    const std::uint32_t heard = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    const std::uint32_t heard =
+        XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection_, screen_->root, XCB_CW_EVENT_MASK, &heard);
     own_ = xcb_generate_id(connection_);
     extents_ = atom("_NET_FRAME_EXTENTS");

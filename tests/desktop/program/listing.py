@@ -10,6 +10,11 @@ from player import DRAG, LIST, PlayerTest
 from session import wait_for
 
 ROW = 18  # pixels
+# What the boxes of the list say.
+SURE = "是否决定该操作？"
+DEEPER = "包含子文件夹吗？"
+NOT_COPIED = "拷贝文件到指定的目录错误"
+NOTHING_CHOSEN = "请选择至少一个文件"
 LIST_LEFT, LIST_TOP, LIST_WIDTH, LIST_HEIGHT = (int(side) for side in LIST["playList_Item"])
 TEXT_LEFT = 6
 DARK = 35  # the ground of a row that is not selected is darker
@@ -32,6 +37,7 @@ def line_of(path):
 
 
 class ListTest(PlayerTest):
+    reads = True
     count = 4
 
     def setUp(self):
@@ -96,13 +102,6 @@ class ListTest(PlayerTest):
         either = sum(1 for a, b in lit if a or b)
         differing = sum(1 for a, b in lit if a != b)
         self.assertLess(differing, 0.3 * either, "the rows were not those of the saved list")
-
-    def answer(self, player, key, seconds=10):
-        """Answers the box that is up, and waits until it has gone."""
-        box = player.box(seconds)
-        self.assertTrue(box, "no box comes up")
-        self.session.key(key, box)
-        self.assertTrue(player.gone(box), "the box stays")
 
     def drag(self, player, window, x, y, paths=None, data=None, kind="text/uri-list"):
         """Drops files, or other data, as another program; answers the action, None if refused."""

@@ -5,9 +5,11 @@ A test script that imports this is called as
     test_X.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
 """
 
+import json
 import math
 import os
 import re
+import shlex
 import sqlite3
 import struct
 import subprocess
@@ -21,8 +23,12 @@ from session import RATE, Recorder, Session, quiet, wait_for  # noqa: E402
 
 PROGRAM, PIECE, SOURCE, DRAG = sys.argv[1:5]
 session.TAKEN = os.path.join(os.path.dirname(os.path.abspath(DRAG)), "velmora_taken")
+WORDS = os.path.join(os.path.dirname(os.path.abspath(DRAG)), "velmora_words")
+# Where everything may be read and written, the program runs without that right.
+PLAIN_USER = ["setpriv", "--bounding-set", "-dac_override,-dac_read_search"]
 APP = "Program Files/Norvane软件/Velmora"
 TITLE = "Velmora 2011"
+HELP_PAGE = "Velmora 是一款小巧的媒体播放器"  # its first words
 
 
 def design(name):
@@ -62,6 +68,14 @@ WELCOME = design("src/network/welcomeForm.form")
 FORM_SIZES = {tuple(int(side) for side in form["form"][2:4])
               for form in (MAIN, SPLASH, MINI, LIST, ASK, SETTINGS, ABOUT, CHECK, LYRIC_SEARCH,
                            WELCOME)}
+
+
+def said(control):
+    """The names and texts of what shows in a window or control as told to assistive technology."""
+    if control["showing"]:
+        yield from (text for text in (control["name"], control.get("text")) if text)
+    for child in control["children"]:
+        yield from said(child)
 
 
 def stairs(path, seconds, level=0.5, base=200, step=100):
@@ -115,7 +129,11 @@ class Player:
         return self.size(number) == tuple(int(side) for side in places["form"][2:4])
 
     def gone(self, number, seconds=10):
-        return wait_for(lambda: number not in self.windows(), seconds)
+        """Once a window is no longer there, and the others take input again."""
+        gone = wait_for(lambda: number not in self.windows(), seconds)
+        for other in self.windows()[:1]:
+            self.took(other)
+        return gone
 
     def window(self, seconds=20):
         """The main window (the splash has the same title)."""
@@ -135,9 +153,13 @@ class Player:
         return "Override Redirect State: yes" in quiet("xwininfo", "-id", number,
                                                        env=self.session.env)
 
-    def box(self, seconds=15):
-        """A message box or dialog."""
-        return wait_for(lambda: next(iter(self.others(unmanaged=False)), None), seconds)
+    def box(self, seconds=15, says=None):
+        """A message box or dialog; one that says this, if it is named."""
+        def look():
+            found = self.others(unmanaged=False)
+            return next((number for number in found
+                         if says is None or self.says(number, says, 0.1)), None)
+        return wait_for(look, seconds)
 
     def menus(self, count=1, seconds=10):
         """The open popup menus, outermost first, once there are so many; None if there never are."""
@@ -190,17 +212,40 @@ class Player:
     def look(self, number, control, form=None):
         return self.picture(number, *(form or MAIN)[control])
 
+    def told(self):
+        """What the program tells assistive technology: its windows, each a tree of controls."""
+        return json.loads(quiet(WORDS, str(self.child.pid), env=self.session.env) or "[]")
+
+    def words(self, number, seconds=10):
+        """Every name and text that shows in a window, in order; none if it tells of none."""
+        def look():
+            place = [*self.place(number), *self.size(number)]
+            window = next((found for found in self.told() if found["place"] == place), None)
+            return list(said(window)) if window else None
+        return wait_for(look, seconds) or []
+
+    def says(self, number, text, seconds=10):
+        """Whether it comes to stand in a window."""
+        return bool(wait_for(lambda: any(text in each for each in self.words(number, 1)), seconds))
+
+    def took(self, number):
+        """Once the program has begun to handle every key and click sent before."""
+        return session.taken(number, env=self.session.env)
+
     def ended(self, seconds=10):
         return wait_for(lambda: self.child.poll() is not None, seconds)
 
 
 class PlayerTest(unittest.TestCase):
     sound = True
+    reads = False  # whether it reads what the windows say
     session_kind = Session
 
     def setUp(self):
         self.session = self.session_kind(window_manager=True, sound=self.sound)
         self.addCleanup(self.session.close)
+        if self.reads:
+            self.session.start_words()
         self.music = self.session.home + "/music"
         os.makedirs(self.music)
 
@@ -239,6 +284,35 @@ class PlayerTest(unittest.TestCase):
         quiet("xdotool", "key", "ctrl+a", env=self.session.env)
         quiet("xdotool", "type", "--delay", "8", text, env=self.session.env)
         quiet("xdotool", "key", "Return", env=self.session.env)
+
+    def answer(self, player, key, says=None, seconds=15):
+        """Answers the box that is up, and that says this, and waits until it has gone."""
+        self.assertTrue(self.reads or not says, "these tests do not read")
+        box = player.box(seconds, says)
+        self.assertTrue(box, f"no box comes up that says {says}" if says else "no box comes up")
+        self.session.key(key, box)
+        self.assertTrue(player.gone(box), "the box stays")
+
+    def plain_program(self):
+        """The program as one who is no superuser: what may not be read is not read."""
+        script = self.session.home + "/plain"
+        before = [] if os.geteuid() != 0 else PLAIN_USER
+        if before and subprocess.run(before + ["true"], check=False,
+                                     stderr=subprocess.DEVNULL).returncode != 0:
+            self.skipTest("a right cannot be given up here")
+        with open(script, "w", encoding="utf-8") as file:
+            file.write("#!/bin/sh\nexec " + " ".join(before + [shlex.quote(PROGRAM)]) + "\n")
+        os.chmod(script, 0o755)
+        return script
+
+    def introduce(self, at):
+        """Tells the program ahead of its first start where its hosts are; needs the catalogue's
+        program, named by VELMORA_CATALOGUE."""
+        folder = self.session.env["XDG_CONFIG_HOME"] + "/velmora"
+        os.makedirs(folder, exist_ok=True)
+        subprocess.run([os.environ["VELMORA_CATALOGUE"], "--introduce",
+                        folder + "/registry.sqlite", "--at", at], check=True,
+                       stdout=subprocess.DEVNULL)
 
     def registry_file(self):
         folder = self.session.env["XDG_CONFIG_HOME"] + "/velmora"
@@ -321,9 +395,9 @@ class PlayerTest(unittest.TestCase):
         self.assertTrue(window, "the main window does not come up")
         return player, window
 
-    def start_with_list(self):
+    def start_with_list(self, program=PROGRAM):
         """Returns once the two windows stand side by side and the list has the keyboard."""
-        player, main = self.start()
+        player, main = self.start(program)
         player.click(main, "playListButton")
         rows = player.form(LIST)
         self.assertTrue(rows, "the list does not come up")

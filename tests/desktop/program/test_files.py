@@ -12,9 +12,9 @@ import subprocess
 import sys
 import unittest
 
-from listing import ListTest, silence
+from listing import DEEPER, NOT_COPIED, SURE, ListTest, silence
 from player import ASK, LIST, TITLE
-from session import quiet, wait_for
+from session import let_pass, quiet, wait_for
 
 
 def content(path):
@@ -186,7 +186,7 @@ class Copying(ListTest):
         self.assert_story(player, rows, self.tracks)
         # The list takes input again.
         self.session.key("Delete", rows)
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
         self.assert_story(player, rows, self.tracks[1:])
 
     def test_a_file_that_is_there_is_asked_about(self):
@@ -197,13 +197,13 @@ class Copying(ListTest):
         self.click_row(player, rows, 0)
         self.click_row(player, rows, 1, held="shift")
         self.choose_folder(player, rows, self.target)
-        self.answer(player, "n")
-        self.answer(player, "Return")  # the copy failed, it says; the next file is copied all the same
+        self.answer(player, "n", "track 0.wav")
+        self.answer(player, "Return", NOT_COPIED)  # the next file is copied all the same
         self.assertTrue(wait_for(lambda: os.path.exists(self.target + "/track 1.wav"), 10))
         self.assertEqual(content(there), b"old")
         self.click_row(player, rows, 0)
         self.choose_folder(player, rows, self.target)
-        self.answer(player, "y")
+        self.answer(player, "y", "track 0.wav")
         self.assertTrue(wait_for(lambda: content(there) == content(self.tracks[0]), 10))
         self.assertEqual(sorted(os.listdir(self.target)), ["track 0.wav", "track 1.wav"])
 
@@ -212,7 +212,7 @@ class Copying(ListTest):
         before = content(self.tracks[0])
         self.click_row(player, rows, 0)
         self.choose_folder(player, rows, self.music)
-        self.answer(player, "Return")
+        self.answer(player, "Return", "File exists")
         self.assertEqual(content(self.tracks[0]), before)
         self.assertEqual(len(os.listdir(self.music)), 3)
 
@@ -222,7 +222,7 @@ class Copying(ListTest):
         self.click_row(player, rows, 0)
         self.click_row(player, rows, 1, held="shift")
         self.choose_folder(player, rows, self.target)
-        self.answer(player, "Return")
+        self.answer(player, "Return", "No such file or directory")
         self.assertTrue(wait_for(lambda: os.listdir(self.target) == ["track 1.wav"], 10))
 
     def is_copying(self, player):
@@ -259,14 +259,14 @@ class Copying(ListTest):
         player, rows, big = self.begin_a_big_copy()
         # It is held while the hand moves: the copy might be through before that.
         os.kill(player.child.pid, signal.SIGSTOP)
-        wait_for(lambda: False, 0.6)  # longer than a copy lasts that shows no progress
+        let_pass(0.6)  # longer than a copy lasts that shows no progress
         os.kill(player.child.pid, signal.SIGCONT)
         progress = player.box()
         self.assertTrue(progress, "no progress is shown")
         self.assertEqual([name for name in os.listdir(self.target) if not name.startswith(".")], [])
         self.session.key("Escape", progress)
         self.assertTrue(player.gone(progress), "the progress stays")
-        self.answer(player, "Return")  # the copy failed, it says
+        self.answer(player, "Return", NOT_COPIED)
         self.assertEqual(os.listdir(self.target), [])
         self.assert_story(player, rows, [big])
 
@@ -278,7 +278,7 @@ class Copying(ListTest):
         player, _, rows = self.start_with_list()
         self.click_row(player, rows, 0)
         self.choose_folder(player, rows, self.target)
-        self.answer(player, "Return")
+        self.answer(player, "Return", "No space left on device")
         self.assertEqual(os.listdir(self.target), [])
         self.assert_story(player, rows, self.tracks)
 
@@ -298,8 +298,8 @@ class Deleting(ListTest):
         self.click_row(player, rows, 0)
         self.select_all(player, rows)
         self.session.key("shift+Delete", rows)
-        self.answer(player, "y")
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
+        self.answer(player, "y", SURE)
         self.assert_story(player, rows, [])
         self.assertEqual([os.path.exists(track) for track in self.tracks],
                          [True, False, True, False])
@@ -315,8 +315,8 @@ class Deleting(ListTest):
         player, _, rows = self.start_with_list()
         self.click_row(player, rows, 0)
         self.session.key("shift+Delete", rows)
-        self.answer(player, "y")
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
+        self.answer(player, "y", SURE)
         self.assert_story(player, rows, self.tracks[1:])
         self.assertTrue(os.path.exists(target))
         self.assertFalse(os.path.lexists(self.tracks[0]))
@@ -328,8 +328,8 @@ class Deleting(ListTest):
         self.session.key("F2", rows)
         self.assert_title(player, main, "track 0")
         self.session.key("shift+Delete", rows)
-        self.answer(player, "y")
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
+        self.answer(player, "y", SURE)
         self.assertTrue(wait_for(lambda: player.title(main) == TITLE, 10))
         self.assertFalse(os.path.exists(self.tracks[0]))
         self.assert_story(player, rows, self.tracks[1:])
@@ -344,7 +344,7 @@ class AddingFolders(ListTest):
         self.assertTrue(dialog, "no dialog comes up")
         self.type_into(dialog, folder)
         self.assertTrue(player.gone(dialog), "the dialog stays")
-        self.answer(player, "y" if deep else "n")
+        self.answer(player, "y" if deep else "n", DEEPER)
 
     def make_tree(self):
         root = self.session.home + "/tree"
@@ -363,9 +363,11 @@ class AddingFolders(ListTest):
         os.symlink("self", root + "/self")
         os.symlink(root + "/gone", root + "/dangling.wav")
         os.mkdir(root + "/locked")
+        silence(root + "/locked/unseen.wav")
         os.chmod(root + "/locked", 0)
+        self.addCleanup(os.chmod, root + "/locked", 0o755)
         os.mkfifo(root + "/pipe.wav")
-        player, _, rows = self.start_with_list()
+        player, _, rows = self.start_with_list(self.plain_program())
         self.add(player, rows, root, True)
         self.assertTrue(wait_for(lambda: len(self.list_lines()) == 6, 20), self.list_lines())
         self.assertEqual(sorted(self.list_lines()[1:]), sorted(found))

@@ -9,9 +9,10 @@ import subprocess
 import sys
 import unittest
 
-from listing import ListTest, silence
-from player import (ABOUT, ASK, CHECK, FORM_SIZES, LIST, LYRIC_SEARCH, MAIN, MINI, SETTINGS, SOURCE,
-                    TITLE, design)
+import misbehaving
+from listing import DEEPER, SURE, ListTest, silence
+from player import (ABOUT, ASK, CHECK, FORM_SIZES, HELP_PAGE, LIST, LYRIC_SEARCH, MAIN, MINI,
+                    SETTINGS, SOURCE, TITLE, design)
 from session import Session, wait_for
 
 EDITOR = design("src/lyrics/doLrcForm.form")
@@ -94,9 +95,12 @@ class MenuTest(ListTest):
                 menu = menus[-1]
         self.assertIsNotNone(player.menus(0), f"{path} leaves the menu open")
 
-    def assert_window(self, player, form):
+    def assert_window(self, player, form, says=None):
+        """The window of a form; of two that are as large the one that says this."""
         window = player.form(form)
         self.assertTrue(window, "the window does not come up")
+        if says:
+            self.assertTrue(player.says(window, says), f"it is not the one that says {says}")
         return window
 
     def close(self, player, window, form, control="close"):
@@ -109,8 +113,8 @@ class MenuTest(ListTest):
             file.write("".join(f"[00:{second:02}.00]Along the quiet shore\r\n"
                                for second in range(60)))
 
-    def assert_lyric(self, player, main, empty):
-        self.assertTrue(wait_for(lambda: player.look(main, "lrcBox") != empty), "no lyric")
+    def assert_lyric(self, player, main):
+        self.assertTrue(player.says(main, "Along the quiet shore", 30), "no lyric")
 
     def line(self):
         """The lowest part of the screen, where nothing but the desktop line is."""
@@ -133,8 +137,11 @@ class MainMenu(MenuTest):
     def test_each_entry_does_its_work(self):
         self.rows = None
         self.write_lyric()
+        # A maker that has nothing, so that a check for updates is known by its question alone.
+        maker = misbehaving.Server()
+        self.addCleanup(maker.close)
+        self.introduce(maker.at)
         player, main = self.start_aside()
-        empty = player.look(main, "lrcBox")
 
         def choose(*path):
             self.choose(player, main, *path)
@@ -144,7 +151,7 @@ class MainMenu(MenuTest):
         self.assert_title(player, main, "track 1")
         choose("playControl", "upSong")
         self.assert_title(player, main, "track 0")
-        self.assert_lyric(player, main, empty)
+        self.assert_lyric(player, main)
         playing = player.look(main, "playButton")
         choose("playControl", "pause")
         self.assertTrue(wait_for(lambda: player.look(main, "playButton") != playing), "no pause")
@@ -152,10 +159,10 @@ class MainMenu(MenuTest):
         self.assertTrue(wait_for(lambda: player.look(main, "playButton") == playing), "no play")
 
         self.assert_switches_the_line(lambda: choose("desktop_Lrc"))
-        for entry, form in (("song_Info", INFO), ("doLrc", EDITOR),
-                            ("search_Lrc_To_Internet", LYRIC_SEARCH)):
+        for entry, form, says in (("song_Info", INFO, None), ("doLrc", EDITOR, None),
+                                  ("search_Lrc_To_Internet", LYRIC_SEARCH, "歌词搜索")):
             choose(entry)
-            window = self.assert_window(player, form)
+            window = self.assert_window(player, form, says)
             choose(entry)
             self.assertTrue(player.gone(window), f"{entry} does not take its window away")
         choose("song_GoTo_List")
@@ -171,10 +178,14 @@ class MainMenu(MenuTest):
         choose("check_SoundDriver")
         self.close(player, self.assert_window(player, CHECK), CHECK)
 
-        choose("detection_Update")  # silent: no maker is known to ask
-        for entry, form in (("about", ABOUT), ("help", SETTINGS), ("playSet", SETTINGS)):
+        asked = len(maker.asked)
+        choose("detection_Update")
+        self.assertTrue(wait_for(lambda: any("zkPlayerUpdate" in path
+                                             for path in maker.asked[asked:])), "no check")
+        for entry, form, says in (("about", ABOUT, None), ("help", SETTINGS, HELP_PAGE),
+                                  ("playSet", SETTINGS, "自动播放")):
             choose(entry)
-            self.close(player, self.assert_window(player, form), form)
+            self.close(player, self.assert_window(player, form, says), form)
         choose("mode")
         strip = self.assert_window(player, MINI)
         self.assertTrue(player.gone(main))
@@ -248,7 +259,7 @@ class ListMenu(MenuTest):
         dialog = player.box()
         self.type_into(dialog, inner)
         self.assertTrue(player.gone(dialog))
-        self.answer(player, "n")
+        self.answer(player, "n", DEEPER)
         self.assert_story(player, rows, self.tracks + [added, inner + "/deep.wav"])
 
         self.click_row(player, rows, 0)
@@ -272,21 +283,21 @@ class ListMenu(MenuTest):
 
         self.click_row(player, rows, 0)
         choose("playlist_Del", "playlist_DelSelect")
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
         self.assert_story(player, rows, self.tracks[1:] + [added, inner + "/deep.wav"])
         self.click_row(player, rows, 1)
         choose("hardDrive_Del", "hardDrive_DelSelect", row=2)
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
         self.assert_story(player, rows, self.tracks[1:] + [inner + "/deep.wav"])
         self.assertFalse(os.path.exists(added))
         choose("playlist_Del", "playlist_DelAll")
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
         self.assert_story(player, rows, [])
         self.write_list(self.tracks[:2])
         choose("playlist_afreshLoad")
         self.assert_story(player, rows, self.tracks[:2])
         choose("hardDrive_Del", "hardDrive_DelAll")
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
         self.assert_story(player, rows, [])
         self.assertEqual([os.path.exists(track) for track in self.tracks], [False, False, True])
         choose("playlist_Hide")
@@ -301,21 +312,21 @@ class Buttons(MenuTest):
     def test_each_of_the_main_windows_windows_comes_and_goes_by_its_button(self):
         self.write_lyric()
         player, main = self.start_aside()
-        empty = player.look(main, "lrcBox")
         player.click(main, "playInfo")
-        self.answer(player, "Return")  # nothing plays
+        self.answer(player, "Return", "没有播放曲目，无法获得正在播放曲目的信息！")
         player.click(main, "desktop_Lrc")
-        self.answer(player, "Return")
+        self.answer(player, "Return", "没有播放曲目，桌面歌词自动隐藏！")
         player.click(main, "nextButton")
         self.assert_title(player, main, "track 0")
-        self.assert_lyric(player, main, empty)
+        self.assert_lyric(player, main)
         self.assert_switches_the_line(lambda: player.click(main, "desktop_Lrc"))
-        for button, form in (("playInfo", INFO), ("do_Lrc", EDITOR),
-                             ("search_Lrc_Internet", LYRIC_SEARCH),
-                             ("search_Song_Internet", LYRIC_SEARCH), ("playListButton", LIST)):
+        for button, form, says in (("playInfo", INFO, None), ("do_Lrc", EDITOR, None),
+                                   ("search_Lrc_Internet", LYRIC_SEARCH, "歌词搜索"),
+                                   ("search_Song_Internet", LYRIC_SEARCH, "曲目网络搜索"),
+                                   ("playListButton", LIST, None)):
             with self.subTest(button=button):
                 player.click(main, button)
-                window = self.assert_window(player, form)
+                window = self.assert_window(player, form, says)
                 player.click(main, button)
                 self.assertTrue(player.gone(window), "a second click does not take it away")
         for button, form in (("check_SoundDriver", CHECK), ("playSet_Button", SETTINGS),
@@ -356,14 +367,14 @@ class Buttons(MenuTest):
         self.assert_story(player, rows, self.tracks + [added])
         self.click_row(player, rows, 1)
         player.click(rows, "delIndx", form=LIST)
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
         left = [self.tracks[0], self.tracks[2], added]
         self.assert_story(player, rows, left)
         player.click(rows, "delAll", form=LIST)
-        self.answer(player, "n")
+        self.answer(player, "n", SURE)
         self.assert_story(player, rows, left)
         player.click(rows, "delAll", form=LIST)
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
         self.assert_story(player, rows, [])
         self.assertTrue(all(os.path.exists(track) for track in self.tracks))
         player.click(rows, "close", form=LIST)

@@ -11,7 +11,7 @@ import subprocess
 import sys
 import unittest
 
-from listing import ListTest, line_of, silence
+from listing import DEEPER, NOT_COPIED, SURE, ListTest, line_of, silence
 from player import ASK, LIST
 from session import wait_for
 
@@ -41,7 +41,7 @@ class HardNames(ListTest):
         self.assertTrue(dialog, "no dialog comes up")
         self.type_into(dialog, self.music)
         self.assertTrue(player.gone(dialog))
-        self.answer(player, "y")
+        self.answer(player, "y", DEEPER)
         self.assertTrue(wait_for(lambda: sorted(self.list_lines()) ==
                                  sorted(line_of(track) for track in self.tracks), 15),
                         self.list_lines())
@@ -83,8 +83,8 @@ class HardNames(ListTest):
         player, _, rows = self.start_with_list()
         self.select_all(player, rows)
         self.session.key("shift+Delete", rows)
-        self.answer(player, "y")
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
+        self.answer(player, "y", SURE)
         self.assert_story(player, rows, [])
         self.assertEqual(self.names(self.music), [])
         self.assertTrue(wait_for(self.opened, 10), "the log is not shown")
@@ -144,7 +144,7 @@ class NoRoom(ListTest):
         self.click_row(player, rows, 0)
         self.limit(player, 40)
         self.session.key("Delete", rows)
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
         self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == 3, 10))
         self.assertEqual(self.list_lines(), self.tracks)
         self.assertEqual(len(os.listdir(os.path.dirname(self.list_file()))), 1, "a half file stays")
@@ -153,7 +153,7 @@ class NoRoom(ListTest):
         self.limit(player, "unlimited")
         self.click_row(player, rows, 0)
         self.session.key("Delete", rows)
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
         self.assert_story(player, rows, self.tracks[2:])
 
     def test_a_copy_that_does_not_fit_leaves_nothing(self):
@@ -167,7 +167,7 @@ class NoRoom(ListTest):
         self.assertTrue(dialog, "no dialog comes up")
         self.type_into(dialog, target)
         self.assertTrue(player.gone(dialog))
-        self.answer(player, "Return")
+        self.answer(player, "Return", NOT_COPIED)
         self.assertEqual(os.listdir(target), [])
         self.assertIsNone(player.child.poll(), "the program ended")
         self.limit(player, "unlimited")

@@ -26,6 +26,8 @@ LYRIC = "[00:01.00]first words\r\n[00:02.00]second words\r\n"
 
 
 class NetworkTest(HouseholdTest):
+    reads = True
+
     def look_for(self, window, form, name, singer=""):
         for box, text in (("songName_Text", name), ("singer_Str", singer)):
             self.player.click(window, box, form=form)
@@ -71,7 +73,11 @@ class Lyrics(NetworkTest):
     def test_a_track_starts_at_once_where_no_catalogue_is_known(self):
         self.write_list([self.track])
         self.begin()
+        begun = time.monotonic()
         self.session.key("F6", self.window)
+        # The search is over when it says so; a host that does not answer takes ten times as long.
+        self.assertTrue(self.player.says(self.window, "该曲目无对应的LRC格式歌词文件"))
+        self.assertLess(time.monotonic() - begun, 10)
         self.assert_title(self.player, self.window, "1/1")
         self.assertFalse(os.path.exists(self.app("Lyrics", "Harbour song.LRC")))
 
@@ -191,12 +197,16 @@ class Songs(NetworkTest):
         heard = self.now_playing(recorder)
         self.assertTrue(heard and 150 < heard < 2500, f"{heard} Hz is heard")
         # The same song again: it asks, and keeps what is there when told so.
+        with open(self.cached("LOW TONE.WAV"), "r+b") as file:
+            file.write(b"what is there")
+        before = self.content(self.cached("LOW TONE.WAV"))
         self.player.click_at(window, *self.row(SONGS, 0), times=2)
-        box = self.player.box()
-        self.assertTrue(box, "it does not ask")
-        self.session.key("n", box)
-        self.assertTrue(self.player.gone(box))
-        self.assertTrue(os.path.exists(self.cached("LOW TONE.WAV")))
+        self.answer(self.player, "n", "该曲目文件已存在，是否覆盖？")
+        self.assertTrue(self.player.took(window))
+        self.assertEqual(self.content(self.cached("LOW TONE.WAV")), before)
+        self.player.click_at(window, *self.row(SONGS, 0), times=2)
+        self.answer(self.player, "y", "该曲目文件已存在，是否覆盖？")
+        self.assert_content(self.cached("LOW TONE.WAV"), self.content(self.served + "/Low tone.wav"))
 
     def big_song(self, size):
         """A file that takes a while, mostly a hole on the disk."""

@@ -9,8 +9,8 @@ VELMORA_CATALOGUE.
 
 import gzip
 import os
+import shutil
 import sqlite3
-import subprocess
 import sys
 import time
 import unittest
@@ -18,7 +18,7 @@ import unittest
 import misbehaving
 from household import HouseholdTest
 from misbehaving import AUDIO, OK, SOUND, answer, length
-from player import SETTINGS, WELCOME, design, stairs
+from player import PROGRAM, SETTINGS, WELCOME, design, stairs
 from session import quiet, wait_for
 
 LYRICS = design("src/network/search_Lrc_Internet_Form.form")
@@ -32,8 +32,7 @@ class TroubleTest(HouseholdTest):
         super().setUp()
         self.net = misbehaving.Server()
         self.addCleanup(self.net.close)
-        subprocess.run([os.environ["VELMORA_CATALOGUE"], "--introduce", self.registry, "--at",
-                        self.net.at], check=True, stdout=subprocess.DEVNULL)
+        self.introduce(self.net.at)
 
     def search(self, control, form, word):
         window = self.open(control, form)
@@ -57,6 +56,10 @@ class TroubleTest(HouseholdTest):
         left, top, _, _ = SONGS["search_Song_List"]
         self.player.tool("mousemove",
                          *self.player.point(window, left + 60, top + ROW * (number + 0.5)))
+
+    def tree(self):
+        return {os.path.join(folder, name) for folder, folders, names in os.walk(self.session.home)
+                for name in folders + names}
 
     def assert_fit(self):
         """It goes on, and ends in order when told to."""
@@ -199,10 +202,6 @@ class Songs(TroubleTest):
         self.assertNotIn(told[-2], told[:-2] + told[-1:])
         self.assert_fit()
 
-    def tree(self):
-        return {os.path.join(folder, name) for folder, folders, names in os.walk(self.session.home)
-                for name in folders + names}
-
     def test_a_record_with_too_few_fields_ends_the_program_in_order(self):
         tracks = [f"{self.music}/{name}.wav" for name in ("one", "two")]
         for track in tracks:
@@ -261,6 +260,7 @@ class Lyrics(TroubleTest):
 
 
 class Maker(TroubleTest):
+    reads = True
     PAGE = ("[check]\r\nvesion=1.0.0\r\nupdate=0\r\n[config]\r\ntitle=Page\r\nprovider=p\r\n"
             "providerLink=http://127.0.0.1:9/\r\nbuttonStr0=a\r\nbuttonStr1=b\r\nbuttonStr2=c\r\n")
 
@@ -291,19 +291,18 @@ class Maker(TroubleTest):
         self.net.answers["/source/softwareDate/"] = answer(
             f"[check]\r\nvesion=9.9.9/../../evil\r\ndownload={self.net.at}/program\r\n".encode())
         self.net.answers["/program"] = answer(b"#!/bin/sh\r\n")
-        self.begin()
+        folder = self.session.home + "/program"
+        os.makedirs(folder + "/zkPlayer [9.9.9")  # the way is there
+        shutil.copy(PROGRAM, folder + "/velmora")
+        self.player, self.window = self.start(folder + "/velmora")
         self.player.click(self.window, "title", button=3)
         self.assertTrue(self.player.menus(), "no menu comes up")
         for key in ("Up", "Up", "Up", "Up", "Return"):  # close, help, about, update
             self.session.key(key)
-        for key in ("y", "Return"):  # fetched it shall be; it failed
-            box = self.player.box()
-            self.assertTrue(box, "nothing is said")
-            self.session.key(key, box)
-            self.assertTrue(self.player.gone(box))
-        found = [name for folder, _, names in os.walk(os.path.dirname(
-            os.path.dirname(os.path.realpath(sys.argv[1])))) for name in names if "evil" in name]
-        self.assertEqual(found, [])
+        self.answer(self.player, "y", "【9.9.9/../../evil】")
+        self.answer(self.player, "Return", "升级失败")
+        self.assertNotIn("/program", self.net.asked)
+        self.assertEqual([path for path in self.tree() if "evil" in path], [])
         self.assert_fit()
 
 

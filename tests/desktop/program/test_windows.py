@@ -8,13 +8,15 @@ import re
 import sys
 import unittest
 
-from player import (ABOUT, LIST, MAIN, MINI, SETTINGS, TITLE, PlayerTest, Stranger, stairs)
+from player import (ABOUT, HELP_PAGE, LIST, MAIN, MINI, SETTINGS, TITLE, PlayerTest, Stranger, stairs)
 from session import quiet, wait_for
 
 MAIN_WIDTH = int(MAIN["form"][2])
 
 
 class WindowTest(PlayerTest):
+    reads = True
+
     def setUp(self):
         super().setUp()
         self.tracks = []
@@ -83,10 +85,19 @@ class Dragging(WindowTest):
         player, main, rows = self.start_with_list()
         x, y = player.place(main)
         self.drag(player, main, (150, 13), [(0, -40)] * 10)
-        self.assertTrue(wait_for(lambda: player.place(main)[1] < y - 200, 5))
+        self.assertTrue(wait_for(lambda: player.place(main)[1] < -10, 5))
         self.assert_touching(player, main, rows)
-        self.drag(player, rows, (100, 200), [(0, 10)])  # inside the list: no handle
+        above = y - player.place(main)[1]
+        self.drag(player, main, (5, 150), [(0, above // 10)] * 9 + [(0, above - above // 10 * 9)])
+        self.assertTrue(wait_for(lambda: player.place(main) == (x, y), 5), player.place(main))
         self.assert_touching(player, main, rows)
+
+    def test_the_rows_of_the_list_are_no_handle(self):
+        player, main, rows = self.start_with_list()
+        before = player.place(main), player.place(rows)
+        self.drag(player, rows, (100, 200), [(30, 20)])
+        self.assertTrue(player.took(rows))
+        self.assertEqual((player.place(main), player.place(rows)), before)
 
     def test_a_drag_of_the_list_is_seen_when_it_comes_back(self):
         player, main, rows = self.start_with_list()
@@ -293,9 +304,12 @@ class MainMenu(WindowTest):
         self.open_menu(player, main)
         for key in ("Up", "Up", "Return"):  # close, help
             self.session.key(key)
-        self.assertTrue(player.form(SETTINGS))
+        settings = player.form(SETTINGS)
+        self.assertTrue(settings)
+        self.assertTrue(player.says(settings, HELP_PAGE), "it is not the page of the help")
         player.click(main, "playListButton")
-        self.assertIsNone(player.form(LIST, 1))
+        self.assertTrue(player.took(main))
+        self.assertIsNone(player.form(LIST, 0.1))
 
 
 if __name__ == "__main__":
