@@ -2,6 +2,7 @@
 
 #include "platform/linux/errors.h"
 #include "platform/linux/passing_name.h"
+#include "platform/linux/text/path_text.h"
 
 #include <fcntl.h>
 
@@ -18,6 +19,35 @@ std::string withoutSeparators(std::string folder) {
     while (folder.size() > 1 && folder.back() == '/')
         folder.pop_back();
     return folder;
+}
+
+// Puts the copy in its place; false when what came there since it was looked is to stay.
+bool finish(FileCopy &copy, bool replacing, const CopyTalk &talk) {
+    try {
+        copy.finish(replacing);
+        return true;
+    } catch (const RunTimeError &error) {
+        if (error.number() != ErrorNumber::FileExists)
+            throw;
+    }
+    if (!talk.mayReplace())
+        return false;
+    copy.finish(true);
+    return true;
+}
+
+CopyOutcome copyOrRaise(std::u16string_view source, std::u16string_view folder,
+                        const CopyTalk &talk, const FileCalls &calls, std::u16string &concerned) {
+    concerned = source;
+    FileCopy copy(pathBytes(source), pathBytes(folder), calls);
+    const bool replacing = copy.isTaken();
+    if (replacing && !talk.mayReplace())
+        return CopyOutcome::Cancelled;
+    concerned = folder;
+    copy.begin();
+    concerned = baseName(source);
+    return talk.copyAll(copy) && finish(copy, replacing, talk) ? CopyOutcome::Done
+                                                               : CopyOutcome::Cancelled;
 }
 
 } // namespace
@@ -80,6 +110,17 @@ void FileCopy::finish(bool replacing) {
         draft_->replace(target_);
     else
         draft_->takeFreeName(target_);
+}
+
+CopyOutcome copyIntoFolder(std::u16string_view source, std::u16string_view folder,
+                           const CopyTalk &talk, const FileCalls &calls) {
+    std::u16string concerned;
+    try {
+        return copyOrRaise(source, folder, talk, calls, concerned);
+    } catch (const RunTimeError &error) {
+        talk.tellError(concerned, error);
+        return CopyOutcome::Failed;
+    }
 }
 
 } // namespace velmora::platform

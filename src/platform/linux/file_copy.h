@@ -3,11 +3,14 @@
 // The copy of one file into a folder, piece by piece, so that whoever asked for it can show how far
 // it is and end it between two pieces.
 
+#include "base/run_time_error.h"
 #include "platform/linux/draft.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace velmora::platform {
@@ -45,5 +48,20 @@ private:
     std::int64_t copied_ = 0;
     bool isComplete_ = false;
 };
+
+enum class CopyOutcome { Done, Cancelled, Failed };
+
+// What a copy asks and shows on its way.
+struct CopyTalk {
+    std::function<bool()> mayReplace;            // something has the copy's name
+    std::function<bool(FileCopy &copy)> copyAll; // piece by piece; false when it is to end
+    // `concerned`: what the error is about.
+    std::function<void(std::u16string_view concerned, const RunTimeError &error)> tellError;
+};
+
+// Copies `source` into `folder` under its own name. Asks before it overwrites, and once more where
+// something came meanwhile.
+CopyOutcome copyIntoFolder(std::u16string_view source, std::u16string_view folder,
+                           const CopyTalk &talk, const FileCalls &calls = {});
 
 } // namespace velmora::platform

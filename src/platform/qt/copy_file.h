@@ -2,14 +2,12 @@
 
 // The system's copy of one file, with its question and its progress.
 
-#include "platform/linux/file_calls.h"
+#include "platform/linux/file_copy.h"
 #include "platform/qt/qt_windows.h"
 
 #include <string_view>
 
 namespace velmora::platform::qt {
-
-enum class CopyOutcome { Done, Cancelled, Failed };
 
 // Copies `source` into `folder` under its own name: into a file without a name there (a passing one
 // where the file system knows no such files), which gets its name when it is complete, with the

@@ -128,8 +128,8 @@ public:
         windows_.beforeNestedLoop();
         const auto outcome =
             qt::copyIntoFolder(windows_, untilNul(operation.from), untilNul(operation.to), calls_);
-        operation.anyOperationsAborted = outcome == qt::CopyOutcome::Cancelled;
-        return outcome == qt::CopyOutcome::Failed ? 1 : 0;
+        operation.anyOperationsAborted = outcome == CopyOutcome::Cancelled;
+        return outcome == CopyOutcome::Failed ? 1 : 0;
     }
 
 private:

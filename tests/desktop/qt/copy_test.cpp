@@ -12,7 +12,7 @@
 namespace velmora::tests {
 namespace {
 
-using platform::qt::CopyOutcome;
+using platform::CopyOutcome;
 
 // The window of the progress, shown or not yet.
 QProgressDialog *progress() {
