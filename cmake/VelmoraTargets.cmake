@@ -49,5 +49,10 @@ function(velmora_test)
     # One ctest entry an executable: start-up of a process for each case would cost more than the
     # cases; the run prints each case by name on failure.
     add_test(NAME ${arg_NAME} COMMAND ${arg_NAME} --gtest_brief=1)
+    # Whatever lies in tests/unit is asked for by that label; none can be without it.
+    if(CMAKE_CURRENT_SOURCE_DIR MATCHES "^${CMAKE_SOURCE_DIR}/tests/unit/")
+        list(APPEND arg_LABELS unit)
+        list(REMOVE_DUPLICATES arg_LABELS)
+    endif()
     set_tests_properties(${arg_NAME} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}")
 endfunction()

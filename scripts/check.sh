@@ -9,8 +9,16 @@ complain() {
     failed=1
 }
 
-# Format. Only with the version that the project formats with: others differ in details.
-if clang-format --version 2>/dev/null | grep -q 'version 14\.'; then
+# Every check asks git for the files; without its answer there is nothing to check, and all is fine.
+if [ -z "$(git ls-files src)" ]; then
+    echo "check: git does not tell which files are the project's" >&2
+    exit 1
+fi
+
+# Format. Only by the version that the project formats with: others differ in details.
+if ! clang-format --version 2>/dev/null | grep -q 'version 14\.'; then
+    complain "the format was not looked at: clang-format 14 is needed" </dev/null
+else
     unformatted=$(git ls-files '*.cpp' '*.h' |
         xargs -r -P 2 -n 40 clang-format --dry-run 2>&1 | grep 'warning: code should' | cut -d: -f1 | sort -u)
     [ -n "$unformatted" ] && complain "not formatted (clang-format -i FILE)" <<<"$unformatted"

@@ -13,7 +13,7 @@ packages_build="g++ cmake ninja-build ccache pkg-config qt6-base-dev libmpv-dev 
 packages_headless="xvfb openbox xdotool xclip x11-utils x11-xserver-utils imagemagick pulseaudio
  pulseaudio-utils xauth sqlite3 hsetroot"
 
-packages_test="libgtest-dev libgmock-dev clang clang-format clang-tidy libclang-rt-14-dev picom wmctrl
+packages_test="git libgtest-dev libgmock-dev clang clang-format clang-tidy libclang-rt-14-dev picom wmctrl
  trayer xsettingsd dbus at-spi2-core locales sox libsox-fmt-all ffmpeg lame flac python3 procps zlib1g-dev openssl
  strace dosfstools exfat-fuse exfatprogs bindfs"
 
