@@ -173,17 +173,18 @@ def after_copying(after):
 EDITED = '[Ti:霞]\r\n[Ar:]\r\n[Al:]\r\n[By:]\r\n[00:01.0]changed\r\n[00:01.0]晚\r\n[00:02.0]three\r\n\r\n'.encode()
 
 
-def lyric_saved(path, before):
+def lyric_saved(path, before, spelt=None):
     def check(after):
         if after.report is None:
             return
-        saved = after.data(path) == EDITED
+        saved = EDITED in [after.data(path), after.data(spelt)]
         if after.told('已成功保存') and not saved:
             yield 'told as saved, and not saved'
         if not saved and not after.told('保存失败'):
             yield 'not saved, and nobody was told'
-    # Where it cannot be told what lies there, that is kept first.
-    return {'files': lambda world: {path: [before, EDITED], path + '.old': [None, before]}, 'check': check}
+    # Where it cannot be told what lies there, that is kept first, or the new one stands beside it as the program spells it.
+    beside = {spelt: [None, EDITED]} if spelt else {}
+    return {'files': lambda world: {path: [before, EDITED], path + '.old': [None, before], **beside}, 'check': check}
 
 
 def copied_lyric(world):
@@ -317,7 +318,7 @@ ALL = [
               steps=True),
     Operation('rename a file', renamed, check=after_renaming),
     Operation('copy files', copied, check=after_copying),
-    Operation('save a lyric', **lyric_saved(LYRICS + '/Beta.lrc', BETA_LYRIC)),
+    Operation('save a lyric', **lyric_saved(LYRICS + '/Beta.lrc', BETA_LYRIC, LYRICS + '/Beta.Lrc')),
     Operation('save a lyric as a new file', **lyric_saved('stick/new.lrc', None)),
     Operation('save a lyric over a file', **lyric_saved('stick/old.lrc', folders.lyric([b'old']))),
     Operation('copy a lyric', copied_lyric, last_played(ALPHA, DELTA), passing=[LYRICS + '/zkPlay.tmp']),

@@ -26,6 +26,8 @@ import sys
 import tempfile
 import time
 
+sys.dont_write_bytecode = True  # the tree stays as it is
+
 import bench
 import operations
 import places
