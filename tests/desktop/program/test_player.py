@@ -97,6 +97,20 @@ class Playing(PlayerTest):
         self.assertTrue(wait_for(lambda: abs((self.now_playing(recorder, 2) or 0) - 1000) < 20, 10))
 
 
+class SecondStart(PlayerTest):
+    reads = True
+
+    def test_it_refuses_with_a_message_and_the_first_goes_on(self):
+        first, _ = self.start()
+        second = Player(self.session)
+        box = second.box(says="已经运行了一个")
+        self.assertTrue(box, "no message comes up")
+        self.assertEqual(second.title(box), TITLE)
+        self.session.key("Return", box)
+        self.assertTrue(second.ended(), "the second instance does not end")
+        self.assertIsNone(first.child.poll(), "the first ended")
+
+
 class Lasting(PlayerTest):
     def test_a_kill_in_the_middle_leaves_list_and_settings_whole(self):
         tracks = []
@@ -120,15 +134,6 @@ class Lasting(PlayerTest):
         again, window = self.start()
         self.assert_title(again, window, "track 1")
 
-    def test_a_second_start_refuses_with_a_message(self):
-        _, _ = self.start()
-        second = Player(self.session)
-        box = second.box()
-        self.assertTrue(box, "no message comes up")
-        self.assertEqual(second.title(box), TITLE)
-        self.session.key("Return", box)
-        self.assertTrue(second.ended(), "the second instance does not end")
-
     def test_a_second_start_with_the_restart_marker_comes_up(self):
         first, window = self.start()
         marker = self.session.runtime + "/velmora/RestartZkPlayer.tmp"
@@ -145,7 +150,7 @@ class Lasting(PlayerTest):
         folder = self.session.env["XDG_CONFIG_HOME"] + "/velmora"
         player, window = self.start()
         self.session.key("Escape", window)
-        player.ended()
+        self.assertTrue(player.ended())
         registry = self.registry_file()
         with open(registry, "wb") as file:
             file.write(b"this is no registry at all\n" * 500)
