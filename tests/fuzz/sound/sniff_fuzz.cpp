@@ -3,6 +3,7 @@
 
 #include "platform/sound/flac_length.h"
 #include "platform/sound/mpeg_frame.h"
+#include "platform/sound/mpeg_index.h"
 #include "platform/sound/ogg_length.h"
 #include "platform/sound/sniff.h"
 
@@ -19,9 +20,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const SourcePart part(std::make_unique<MemorySource>(std::span(data, size)), sniffed.start,
                           sniffed.size);
     readMpegSeekHeader(part, 0);
-    const auto frames = countMpegFrames(part, 0);
-    if (frames && (*frames < 0 || *frames > part.size()))
+    MpegIndex index(part, 0);
+    while (index.countOn(4096)) {
+    }
+    if (index.frames() < 0 || index.frames() > part.size() || index.reached() > part.size())
         std::abort();
+    for (std::int64_t wanted = index.frames() - 1; wanted >= 0; wanted = wanted / 2 - 1) {
+        std::int64_t frame = wanted;
+        const auto place = index.placeOf(frame);
+        if (frame < 0 || frame > wanted || place.offset < 0 || place.offset >= part.size() ||
+            index.runs().at(index.runOf(wanted)).firstFrame > wanted)
+            std::abort();
+    }
     if (endBeforeTags(part) < 0 || endBeforeTags(part) > part.size())
         std::abort();
     for (const auto samples : {flacSamplesPresent(part), oggSamplesPresent(part)}) {
