@@ -123,6 +123,11 @@ bool SqliteDatabase::open(Use use) {
     if (damaged_)
         keepAside();
     failure_ = openOnce();
+    // A read that failed once can look like damage: what is damaged says so again.
+    if (isDamage(failure_)) {
+        close();
+        failure_ = openOnce();
+    }
     if (isDamage(failure_)) {
         keepAside();
         failure_ = openOnce();

@@ -163,7 +163,7 @@ class LongDeletion(ChosenTest):
             self.session.key(key, main)
         player.click(main, "nextButton")
         player.click(main, "song_GoTo_List")
-        self.answer(player, "y", 120)  # the second question of the key
+        self.answer(player, "y", seconds=120)  # the second question of the key
         self.assert_story(player, rows, self.tracks[:4])
         self.assert_on_disk(self.tracks[:4])
         self.assertFalse(any(os.path.exists(track) for track in self.tracks[4:]))
