@@ -116,6 +116,27 @@ TEST_F(SongPlay, aFileWithoutAStemIsRefused) {
     EXPECT_EQ(app.player().nowPlay_File, u"");
 }
 
+TEST_F(SongPlay, aFileWithoutAStemShowsThatWhatPlayedWasClosed) {
+    openAndPlay(addTrack(u"/m/before.mp3"));
+    tickMain();
+    windows.expectMsgBox(boxOf(app.Language().msg_Bad_Path, platform::MsgBoxIcon::Critical,
+                               app.Language().msg_Error),
+                         platform::MsgBoxResult::Ok);
+    form.play_Downloaded(u"/data/cache/.MP3");
+    EXPECT_FALSE(media.isOpen());
+    EXPECT_TRUE(app.Main().playButton.visible());
+    EXPECT_FALSE(app.Main().pauseButton.visible());
+    EXPECT_EQ(app.Main().play_Time.caption(), u"00:00:00 - 00:00:00");
+}
+
+TEST_F(SongPlay, aSongThatPlaysIsNotShownAsStopped) {
+    addTrack(cached);
+    windows.atNextPump([this] { tickMain(); });
+    form.play_Downloaded(cached);
+    EXPECT_TRUE(app.Main().pauseButton.visible());
+    EXPECT_FALSE(app.Main().playButton.visible());
+}
+
 TEST_F(SongPlay, aFileThatCannotBePlayedStops) {
     files.addFile(cached, "no sound");
     app.Main().playButton.setVisible(false);

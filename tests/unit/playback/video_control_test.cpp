@@ -135,13 +135,22 @@ TEST_F(Video, BarsAreItsOwn) {
     EXPECT_EQ(app.Main().Volume_Set.width(), 500);
 }
 
-TEST_F(Video, ChannelSwitchesBothSetsOfImages) {
+TEST_F(Video, ChannelsGoRoundAndSwitchBothSetsOfImages) {
     play();
-    window().AudioSource_H.on().Click();
-    EXPECT_EQ(media.source(), u"left");
-    EXPECT_TRUE(app.Main().AudioSource_L.visible());
-    EXPECT_TRUE(window().AudioSource_L.visible());
-    EXPECT_FALSE(window().AudioSource_H.visible());
+    forms::Image *const main[] = {&app.Main().AudioSource_H, &app.Main().AudioSource_L,
+                                  &app.Main().AudioSource_R};
+    forms::Image *const here[] = {&window().AudioSource_H, &window().AudioSource_L,
+                                  &window().AudioSource_R};
+    const char16_t *const sources[] = {u"stereo", u"left", u"right"};
+    for (std::size_t click = 0; click < 4; ++click) {
+        here[click % 3]->on().Click();
+        const std::size_t now = (click + 1) % 3;
+        EXPECT_EQ(media.source(), sources[now]);
+        for (std::size_t image = 0; image < 3; ++image) {
+            EXPECT_EQ(here[image]->visible(), image == now) << click;
+            EXPECT_EQ(main[image]->visible(), image == now) << click;
+        }
+    }
 }
 
 TEST_F(Video, TickShowsTheClockAndTheState) {

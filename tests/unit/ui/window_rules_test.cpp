@@ -2,10 +2,18 @@
 
 #include "tests/unit/program_fixture.h"
 
+#include "lyrics/doLrcForm.h"
+#include "lyrics/lrcForm.h"
+#include "network/search_Lrc_Internet_Form.h"
+#include "network/search_Song_Internet_Form.h"
+#include "network/welcomeForm.h"
 #include "playback/MenuForm.h"
 #include "playback/VideoScreen_Form.h"
 #include "playback/check_SoundDriver_Form.h"
 #include "playback/miniForm.h"
+#include "playlist/another_PlayInfo_Form.h"
+#include "playlist/listControl_Form.h"
+#include "playlist/playInfo_Form.h"
 #include "settings/playSetForm.h"
 #include "ui/aboutForm.h"
 #include "ui/formSet.h"
@@ -232,6 +240,32 @@ TEST_F(WindowRules, ADragKeepsTheWindowsSize) {
     form.on().MouseMove({forms::leftButton, 0, 0, 0});
     EXPECT_EQ(form.width(), before.width);
     EXPECT_EQ(form.height(), before.height);
+}
+
+// --- the window manager's close ------------------------------------------------------------------
+
+TEST_F(WindowRules, AWishToCloseHidesAWindowAndNeverLetsItGo) {
+    forms::Form *const all[] = {&app.aboutForm(),        &app.another_PlayInfo_Form(),
+                                &app.doLrcForm(),        &app.listControl_Form(),
+                                &app.playInfo_Form(),    &app.playList_Form(),
+                                &app.playSetForm(),      &app.search_Lrc_Internet_Form(),
+                                &app.VideoScreen_Form(), &app.search_Song_Internet_Form(),
+                                &app.welcomeForm(),      &app.check_SoundDriver_Form()};
+    for (forms::Form *form : all) {
+        SCOPED_TRACE(form->name());
+        bool isGone = false;
+        form->on().Unload = [&isGone] { isGone = true; };
+        form->show();
+        form->closeRequested();
+        EXPECT_FALSE(form->visible());
+        EXPECT_FALSE(isGone);
+    }
+}
+
+TEST_F(WindowRules, TheDesktopLineStaysWhereAWindowManagerWouldCloseIt) {
+    app.lrcForm().show();
+    app.lrcForm().closeRequested();
+    EXPECT_TRUE(app.lrcForm().visible());
 }
 
 // --- the settings window -------------------------------------------------------------------------

@@ -51,6 +51,18 @@ TEST_F(ButtonTest, DrawsTheHotAndThePressedLookWithTheirFirstTick) {
                             forms::Picture::button_pressed));
 }
 
+TEST_F(ButtonTest, DisabledAgainAndAgainKeepsThePictureOfItsSizeAndTheMeasureOfItsCaption) {
+    const Surface *const picture = &shownPicture();
+    windows.measures = 0;
+    for (int i = 0; i < 3; ++i) {
+        button.setEnabled(false);
+        EXPECT_EQ(&shownPicture(), picture);
+        button.setEnabled(true);
+        EXPECT_EQ(&shownPicture(), picture);
+    }
+    EXPECT_EQ(windows.measures, 0);
+}
+
 TEST_F(ButtonTest, FadesFromTheNormalLookWhereNobodyLookedBefore) {
     enter();
     tick(9); // 30 a tick: full at the ninth
