@@ -68,6 +68,12 @@ ffmpeg $quiet -i chirp.wav -c:a flac chirp.flac
 ffmpeg $quiet -i chirp.wav -c:a libvorbis -q:a 5 chirp.ogg
 ffmpeg $quiet -i chirp.wav -c:a libopus -b:a 96k chirp.opus
 
+# The same at another rate and with one channel, to be joined to those.
+for form in wav aiff au flac ogg; do
+    ffmpeg $quiet -i mono.wav -ar 32000 "other.$form"
+done
+ffmpeg $quiet -i mono.wav -c:a libopus -b:a 48k other.opus
+
 # What is for the picture device.
 picture="-f lavfi -i testsrc=s=160x120:r=25:d=2 -f lavfi -i sine=d=2"
 ffmpeg $quiet $picture -c:v mpeg4 -c:a aac film.mp4

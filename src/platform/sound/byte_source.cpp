@@ -54,7 +54,8 @@ std::size_t FileSource::read(std::int64_t offset, std::span<std::uint8_t> out) c
     return done;
 }
 
-SourcePart::SourcePart(std::unique_ptr<ByteSource> whole, std::int64_t start, std::int64_t size)
+SourcePart::SourcePart(std::shared_ptr<const ByteSource> whole, std::int64_t start,
+                       std::int64_t size)
     : whole_(std::move(whole)), start_(std::clamp<std::int64_t>(start, 0, whole_->size())),
       size_(std::clamp<std::int64_t>(size, 0, whole_->size() - start_)) {}
 

@@ -49,12 +49,12 @@ private:
 // A part of another source, seen as a whole.
 class SourcePart final : public ByteSource {
 public:
-    SourcePart(std::unique_ptr<ByteSource> whole, std::int64_t start, std::int64_t size);
+    SourcePart(std::shared_ptr<const ByteSource> whole, std::int64_t start, std::int64_t size);
     std::int64_t size() const override { return size_; }
     std::size_t read(std::int64_t offset, std::span<std::uint8_t> out) const override;
 
 private:
-    std::unique_ptr<ByteSource> whole_;
+    std::shared_ptr<const ByteSource> whole_;
     std::int64_t start_;
     std::int64_t size_;
 };

@@ -1,5 +1,6 @@
 #include "platform/sound/flac_length.h"
 
+#include "platform/sound/joined_parts.h"
 #include "platform/sound/mpeg_frame.h"
 
 #include <algorithm>
@@ -151,22 +152,39 @@ std::optional<Frame> parseHeader(Bytes bytes, const Stream &stream) {
     return frame;
 }
 
+// The first at or behind this place that reads as a frame of the stream.
+std::optional<Frame> frameFrom(Bytes bytes, std::size_t place, const Stream &stream) {
+    for (; place < bytes.size(); ++place) {
+        const void *found = std::memchr(&bytes[place], 0xFF, bytes.size() - place);
+        if (found == nullptr)
+            break;
+        place = static_cast<std::size_t>(static_cast<const std::uint8_t *>(found) - bytes.data());
+        if (auto frame = parseHeader(bytes.subspan(place), stream)) {
+            frame->at = place;
+            return frame;
+        }
+    }
+    return std::nullopt;
+}
+
 // All that reads as a frame of the stream.
 std::vector<Frame> framesIn(Bytes bytes, const Stream &stream) {
     constexpr std::size_t most = 20000;
     std::vector<Frame> frames;
-    auto at = bytes.begin();
-    while ((at = std::find(at, bytes.end(), std::uint8_t{0xFF})) != bytes.end()) {
-        const auto place = static_cast<std::size_t>(at - bytes.begin());
-        if (auto frame = parseHeader(bytes.subspan(place), stream)) {
-            frame->at = place;
-            frames.push_back(*frame);
-        }
-        ++at;
-    }
+    for (auto frame = frameFrom(bytes, 0, stream); frame;
+         frame = frameFrom(bytes, frame->at + 1, stream))
+        frames.push_back(*frame);
     if (frames.size() > most)
         frames.erase(frames.begin(), frames.end() - most);
     return frames;
+}
+
+// No frame is longer than its samples as they are.
+std::size_t longestFrame(const Stream &stream) {
+    constexpr std::size_t headers = 128;
+    const auto samples = static_cast<std::size_t>(std::max(stream.longestBlock, stream.block));
+    return headers + samples * static_cast<std::size_t>(stream.channels) *
+                         static_cast<std::size_t>(stream.bits + 8) / 8;
 }
 
 // Looks for the end among the last bytes of a file. A file made to deceive has so many headers that
@@ -211,14 +229,6 @@ public:
 
 private:
     static constexpr std::size_t shortest = 8;
-
-    // No frame is longer than its samples as they are.
-    static std::size_t longestFrame(const Stream &stream) {
-        constexpr std::size_t headers = 128;
-        const auto samples = static_cast<std::size_t>(std::max(stream.longestBlock, stream.block));
-        return headers + samples * static_cast<std::size_t>(stream.channels) *
-                             static_cast<std::size_t>(stream.bits + 8) / 8;
-    }
 
     // The check sum is such that over all bytes of a frame there remains zero.
     bool endsWhole(const Frame &frame, std::size_t end) {
@@ -314,6 +324,44 @@ std::optional<std::int64_t> flacSamplesPresent(const ByteSource &source) {
     if (samples && *samples != stream->total && !leadsTo(source, *stream, *samples))
         return std::nullopt;
     return samples;
+}
+
+bool flacIsOnePiece(const ByteSource &source) {
+    const auto stream = readStream(source);
+    if (!stream)
+        return true;
+    const std::int64_t end = endBeforeTags(source);
+    const std::int64_t start = std::min(flacSoundStart(source, 0), end);
+    const auto window = static_cast<std::int64_t>(longestFrame(*stream));
+    const auto tail =
+        readPart(source, std::max(end - window, start), std::min(window, end - start));
+    bool isAtTotal = false;
+    for (auto frame = frameFrom(tail, 0, *stream); frame && !isAtTotal;
+         frame = frameFrom(tail, frame->at + 1, *stream))
+        isAtTotal = frame->end() == stream->total;
+    std::int64_t reached = -1;
+    for (const double place : placesToLookAt) {
+        const auto at = static_cast<std::int64_t>(place * static_cast<double>(end - start));
+        const auto bytes = readPart(source, start + at, window);
+        const auto frame = frameFrom(bytes, 0, *stream);
+        // Of a short file all places may lie in one frame.
+        if (!isAtTotal || !frame || frame->first < reached || frame->end() > stream->total)
+            return false;
+        reached = frame->first + (end - start > 16 * window ? 1 : 0);
+    }
+    return isAtTotal;
+}
+
+std::int64_t flacSoundStart(const ByteSource &source, std::int64_t start) {
+    constexpr int mostBlocks = 1000;
+    std::int64_t at = start + 4;
+    std::array<std::uint8_t, 4> head{};
+    for (int blocks = 0; blocks < mostBlocks && source.read(at, head) == head.size(); ++blocks) {
+        at += std::int64_t{4} + (head[1] << 16 | head[2] << 8 | head[3]);
+        if ((head[0] & 0x80) != 0)
+            break;
+    }
+    return std::min(at, source.size());
 }
 
 std::unique_ptr<ByteSource> withFlacTotal(std::unique_ptr<ByteSource> source,

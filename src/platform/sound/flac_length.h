@@ -25,4 +25,11 @@ std::unique_ptr<ByteSource> withFlacTotal(std::unique_ptr<ByteSource> source, st
 // The total in the header, 0 where it tells none or is no FLAC.
 std::int64_t flacTotal(const ByteSource &source);
 
+// Whether the file is certainly not several joined to one, by a look at its end and at a few places
+// on the way: all its frames, in their order, are of the piece that its header tells of.
+bool flacIsOnePiece(const ByteSource &source);
+
+// Where the frames begin, behind all that is told ahead of them, of the file that begins here.
+std::int64_t flacSoundStart(const ByteSource &source, std::int64_t start);
+
 } // namespace velmora::platform::sound

@@ -14,4 +14,8 @@ namespace velmora::platform::sound {
 // Vorbis or Opus. No value when there is no such page.
 std::optional<std::int64_t> oggSamplesPresent(const ByteSource &source);
 
+// Whether the file is certainly not several joined to one, by a look at its end and at a few places
+// on the way: all pages there are of the streams that it begins with, in their order.
+bool oggIsOnePiece(const ByteSource &source);
+
 } // namespace velmora::platform::sound

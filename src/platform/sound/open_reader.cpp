@@ -16,7 +16,7 @@ std::unique_ptr<Reader> openReader(const std::string &path, DecoderLibraries &li
     case Content::Mpeg:
         return openMpegReader(std::move(part), libraries.mpg123());
     case Content::SoundFile:
-        return openSndfileReader(std::move(part), libraries.sndfile());
+        return openSoundFileReader(std::move(part), libraries.sndfile());
     case Content::Midi:
         return openMidiReader(std::move(part), libraries.fluidsynth(), soundFonts);
     case Content::Other:

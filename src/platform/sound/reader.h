@@ -46,12 +46,17 @@ public:
 using TimeNow = std::function<std::chrono::steady_clock::time_point()>;
 
 // Each takes the part of the file that holds the sound. Null: the library is missing or refuses.
-// `now`: the time by which this one limits how long it counts the frames of the file.
+// `now`: the time by which it limits how long it looks through the file.
 std::unique_ptr<Reader> openMpegReader(std::unique_ptr<ByteSource> source,
                                        std::shared_ptr<const Mpg123Table> library,
                                        TimeNow now = std::chrono::steady_clock::now);
 std::unique_ptr<Reader> openSndfileReader(std::unique_ptr<ByteSource> source,
                                           std::shared_ptr<const SndfileTable> library);
+// The same for a file that may be several joined to one. They need not be alike: all sounds at the
+// rate and with the channels of the first.
+std::unique_ptr<Reader> openSoundFileReader(std::unique_ptr<ByteSource> source,
+                                            std::shared_ptr<const SndfileTable> library,
+                                            TimeNow now = std::chrono::steady_clock::now);
 // The first sound font of the list that can be loaded is played with; none: null.
 std::unique_ptr<Reader> openMidiReader(std::unique_ptr<ByteSource> source,
                                        std::shared_ptr<const FluidsynthTable> library,

@@ -34,9 +34,6 @@ protected:
         EXPECT_LE(frames, reader.frames());
         return frames;
     }
-    static double lengthMs(const Reader &reader) {
-        return static_cast<double>(reader.frames()) * 1000 / reader.rate();
-    }
 
     TemporaryFolder folder_;
     DecoderLibraries libraries_{LibraryNames{}};

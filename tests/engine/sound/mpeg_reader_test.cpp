@@ -14,30 +14,6 @@ using namespace velmora::tests;
 using Time = std::chrono::steady_clock::time_point;
 using Ms = std::chrono::milliseconds;
 
-// The same bytes over and over; a disk that needs its time for each.
-class LongFile final : public ByteSource {
-public:
-    LongFile(Bytes piece, std::int64_t times, double bytesPerSecond, Time &now)
-        : piece_(std::move(piece)), size_(static_cast<std::int64_t>(piece_.size()) * times),
-          bytesPerSecond_(bytesPerSecond), now_(now) {}
-    std::int64_t size() const override { return size_; }
-    std::size_t read(std::int64_t offset, std::span<std::uint8_t> out) const override {
-        const auto count = static_cast<std::size_t>(
-            std::clamp<std::int64_t>(size_ - offset, 0, static_cast<std::int64_t>(out.size())));
-        for (std::size_t i = 0; i < count; ++i)
-            out[i] = piece_[(static_cast<std::size_t>(offset) + i) % piece_.size()];
-        now_ += std::chrono::duration_cast<std::chrono::nanoseconds>(
-            std::chrono::duration<double>(static_cast<double>(count) / bytesPerSecond_));
-        return count;
-    }
-
-private:
-    Bytes piece_;
-    std::int64_t size_;
-    double bytesPerSecond_;
-    Time &now_;
-};
-
 constexpr double slowDisk = 5e6;
 constexpr double fastDisk = 1e9;
 
@@ -64,29 +40,6 @@ protected:
     }
     double opened() const {
         return std::chrono::duration<double, std::milli>(now_ - begin_).count();
-    }
-    static double lengthMs(const Reader &reader) {
-        return static_cast<double>(reader.frames()) * 1000 / reader.rate();
-    }
-    static std::vector<float> read(Reader &reader, std::size_t frames) {
-        const auto channels = static_cast<std::size_t>(reader.channels());
-        std::vector<float> buffer(2048 * channels);
-        std::vector<float> first;
-        while (first.size() < frames) {
-            const std::size_t got =
-                reader.read(buffer.data(), std::min<std::size_t>(frames - first.size(), 2048));
-            if (got == 0)
-                break;
-            for (std::size_t i = 0; i < got; ++i)
-                first.push_back(buffer[i * channels]);
-        }
-        return first;
-    }
-    static std::int64_t decodeAll(Reader &reader) {
-        std::int64_t frames = 0;
-        while (const std::size_t got = read(reader, 4096).size())
-            frames += static_cast<std::int64_t>(got);
-        return frames;
     }
     static std::size_t framesOf(const Reader &reader, double seconds) {
         return static_cast<std::size_t>(seconds * reader.rate());
@@ -128,7 +81,7 @@ TEST_F(MpegFile, AReckonedLengthIsPutRightWhileItPlays) {
     ASSERT_TRUE(told);
     const double exact = static_cast<double>(indexOf(piece_).frames()) * 1152 / 44.1;
     EXPECT_GT(std::abs(lengthMs(*reader) - exact), 1000);
-    read(*reader, framesOf(*reader, 7));
+    readChannel(*reader, framesOf(*reader, 7));
     EXPECT_NEAR(lengthMs(*reader), exact, 1);
     EXPECT_EQ(*told, reader->frames());
     ASSERT_TRUE(reader->seek(0));
@@ -158,7 +111,7 @@ TEST_F(MpegFile, ASeekFarIntoALongFileOnASlowDiskIsShortAndLands) {
         begin_ = now_;
         const double seconds = part * once + 5;
         ASSERT_TRUE(reader->seek(static_cast<std::int64_t>(seconds * reader->rate())));
-        const double place = placeInChirp(read(*reader, 4410), reader->rate());
+        const double place = placeInChirp(readChannel(*reader, 4410), reader->rate());
         EXPECT_NEAR(place, 5.05, 0.05 + 0.03) << part;
         EXPECT_LT(opened(), 600) << part;
     }
@@ -172,7 +125,7 @@ TEST_F(MpegFile, ASeekIntoWhatWasCountedIsExact) {
     const auto frames =
         static_cast<std::int64_t>(static_cast<double>(piece_.size()) * 8 / 128000 * reader->rate());
     ASSERT_TRUE(reader->seek(90 * frames + 5 * reader->rate()));
-    EXPECT_NEAR(placeInChirp(read(*reader, 4410), reader->rate()), 5.05, 0.03);
+    EXPECT_NEAR(placeInChirp(readChannel(*reader, 4410), reader->rate()), 5.05, 0.03);
 }
 
 // Writes another number of frames into the header of an encoder.
@@ -203,7 +156,7 @@ TEST_F(MpegFile, AHeaderThatTellsTooManyFramesIsPutRight) {
     for (const double part : {1.1, 2.0, 1000.0}) {
         const auto reader = open(withHeaderFrames(readFile(mediaFile("vbr.mp3")), part));
         ASSERT_TRUE(reader) << part;
-        read(*reader, framesOf(*reader, 2));
+        readChannel(*reader, framesOf(*reader, 2));
         EXPECT_NEAR(lengthMs(*reader), 10123, 50) << part;
     }
 }
@@ -234,11 +187,12 @@ TEST_P(JoinedParts, SoundToTheirEnd) {
     for (const double seconds : {1.0, 9.0}) {
         const double at = firstMs / 1000 + seconds;
         ASSERT_TRUE(reader->seek(static_cast<std::int64_t>(at * reader->rate())));
-        const double place = placeInChirp(read(*reader, framesOf(*reader, 0.1)), reader->rate());
+        const double place =
+            placeInChirp(readChannel(*reader, framesOf(*reader, 0.1)), reader->rate());
         EXPECT_NEAR(place, seconds + 0.05, 0.15) << seconds; // the leads of two coders
     }
     ASSERT_TRUE(reader->seek(static_cast<std::int64_t>(firstMs / 1000 * reader->rate())));
-    const auto rest = read(*reader, framesOf(*reader, 30));
+    const auto rest = readChannel(*reader, framesOf(*reader, 30));
     const std::vector<float> end(rest.end() - reader->rate(), rest.end());
     EXPECT_GT(rms(end), 0.3);
 }
@@ -265,7 +219,8 @@ TEST_F(MpegFile, ManyPartsOfManyFormsAreOneAfterTheOther) {
     for (std::size_t part = 0; part < names.size(); ++part) {
         const double at = 10.123 * static_cast<double>(part) + 5;
         ASSERT_TRUE(reader->seek(static_cast<std::int64_t>(at * reader->rate())));
-        const double place = placeInChirp(read(*reader, framesOf(*reader, 0.1)), reader->rate());
+        const double place =
+            placeInChirp(readChannel(*reader, framesOf(*reader, 0.1)), reader->rate());
         EXPECT_NEAR(place, 5.05, 0.5) << names[part];
         EXPECT_LT(place, 5.1) << names[part];
         last = place;

@@ -16,34 +16,6 @@ std::unique_ptr<Reader> open(const std::string &path) {
     return openReader(path, libraries, {}, false);
 }
 
-double lengthMs(const Reader &reader) {
-    return static_cast<double>(reader.frames()) * 1000 / reader.rate();
-}
-
-// The next samples of the first channel.
-std::vector<float> readChannel(Reader &reader, std::size_t frames) {
-    const auto channels = static_cast<std::size_t>(reader.channels());
-    std::vector<float> all(frames * channels);
-    std::size_t done = 0;
-    while (done < frames) {
-        const std::size_t got = reader.read(all.data() + done * channels, frames - done);
-        if (got == 0)
-            break;
-        done += got;
-    }
-    std::vector<float> channel(done);
-    for (std::size_t i = 0; i < done; ++i)
-        channel[i] = all[i * channels];
-    return channel;
-}
-
-std::int64_t decodeAll(Reader &reader) {
-    std::int64_t frames = 0;
-    while (const std::size_t got = readChannel(reader, 4096).size())
-        frames += static_cast<std::int64_t>(got);
-    return frames;
-}
-
 struct Case {
     const char *file;
     int rate;

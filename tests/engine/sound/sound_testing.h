@@ -4,6 +4,8 @@
 
 #include "platform/sound/reader.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -50,6 +52,66 @@ public:
 
 private:
     std::string path_;
+};
+
+inline double lengthMs(const platform::sound::Reader &reader) {
+    return static_cast<double>(reader.frames()) * 1000 / reader.rate();
+}
+
+inline std::vector<float> firstChannel(const std::vector<float> &all, std::size_t channels) {
+    std::vector<float> one;
+    one.reserve(all.size() / channels);
+    for (std::size_t i = 0; i + channels <= all.size(); i += channels)
+        one.push_back(all[i]);
+    return one;
+}
+
+// The next samples of the first channel, as many as there are up to that number.
+inline std::vector<float> readChannel(platform::sound::Reader &reader, std::size_t frames) {
+    constexpr std::size_t atOnce = 4096;
+    const auto channels = static_cast<std::size_t>(reader.channels());
+    std::vector<float> buffer(atOnce * channels);
+    std::vector<float> first;
+    while (first.size() < frames) {
+        const std::size_t got = reader.read(buffer.data(), std::min(frames - first.size(), atOnce));
+        if (got == 0)
+            break;
+        for (std::size_t i = 0; i < got; ++i)
+            first.push_back(buffer[i * channels]);
+    }
+    return first;
+}
+
+inline std::int64_t decodeAll(platform::sound::Reader &reader) {
+    std::int64_t frames = 0;
+    while (const std::size_t got = readChannel(reader, 4096).size())
+        frames += static_cast<std::int64_t>(got);
+    return frames;
+}
+
+// The same bytes over and over, on a disk that needs its time for each.
+class LongFile final : public platform::sound::ByteSource {
+public:
+    using Time = std::chrono::steady_clock::time_point;
+    LongFile(Bytes piece, std::int64_t times, double bytesPerSecond, Time &now)
+        : piece_(std::move(piece)), size_(static_cast<std::int64_t>(piece_.size()) * times),
+          bytesPerSecond_(bytesPerSecond), now_(now) {}
+    std::int64_t size() const override { return size_; }
+    std::size_t read(std::int64_t offset, std::span<std::uint8_t> out) const override {
+        const auto count = static_cast<std::size_t>(
+            std::clamp<std::int64_t>(size_ - offset, 0, static_cast<std::int64_t>(out.size())));
+        for (std::size_t i = 0; i < count; ++i)
+            out[i] = piece_[(static_cast<std::size_t>(offset) + i) % piece_.size()];
+        now_ += std::chrono::duration_cast<std::chrono::nanoseconds>(
+            std::chrono::duration<double>(static_cast<double>(count) / bytesPerSecond_));
+        return count;
+    }
+
+private:
+    Bytes piece_;
+    std::int64_t size_;
+    double bytesPerSecond_;
+    Time &now_;
 };
 
 // The frequency of a sine, from its upward crossings of zero; 0 when there are too few.

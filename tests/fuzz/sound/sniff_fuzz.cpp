@@ -2,6 +2,7 @@
 // part that a reader is to see lies inside the file.
 
 #include "platform/sound/flac_length.h"
+#include "platform/sound/joined_parts.h"
 #include "platform/sound/mpeg_frame.h"
 #include "platform/sound/mpeg_index.h"
 #include "platform/sound/ogg_length.h"
@@ -12,6 +13,27 @@
 
 using namespace velmora::platform::sound;
 
+namespace {
+
+// Each part begins behind the one before and inside the file, and the search comes to an end.
+void searchParts(const ByteSource &source) {
+    isOnePiece(source);
+    JoinedParts parts(source);
+    std::int64_t steps = 0;
+    while (parts.searchOn()) {
+        if (++steps > source.size() + 1)
+            std::abort();
+    }
+    std::int64_t reached = -1;
+    for (const std::int64_t start : parts.starts()) {
+        if (start <= reached || (start >= source.size() && start != 0))
+            std::abort();
+        reached = start;
+    }
+}
+
+} // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     const MemorySource source({data, size});
     const Sniffed sniffed = sniff(source);
@@ -19,6 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         std::abort();
     const SourcePart part(std::make_unique<MemorySource>(std::span(data, size)), sniffed.start,
                           sniffed.size);
+    searchParts(part);
     readMpegSeekHeader(part, 0);
     MpegIndex index(part, 0);
     while (index.countOn(4096)) {
