@@ -127,6 +127,15 @@ TEST_F(LyricWindow, saysWhatItFound) {
     expectSaving(true);
 }
 
+TEST_F(LyricWindow, offersToSaveTheOnlyOneThatItFound) {
+    look(u"w", u"");
+    net.setPage(lyricAddress(u"w"), link("http://sitea/asp/lrc.asp?1"));
+    click(form.search_Button);
+    EXPECT_EQ(form.search_Lrc_List.listCount(), 1);
+    EXPECT_EQ(label(), u"搜索到可提供下载的歌词：1条。\r\n双击歌词地址下载，并与播放曲目匹配！");
+    expectSaving(true);
+}
+
 TEST_F(LyricWindow, saysThatItFoundNothingOrReachedNobody) {
     look(u"w", u"");
     form.save.setEnabled(true);

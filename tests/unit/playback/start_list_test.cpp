@@ -87,6 +87,7 @@ TEST_F(Start, WithALastFileThatIsGoneClosesAndStaysIdleWithoutAMessage) {
     EXPECT_EQ(media.actions(), Texts{u"close NOWMUSIC"});
     EXPECT_TRUE(windows.boxes.empty());
     EXPECT_EQ(rows(), 1);
+    EXPECT_EQ(windows.flashes, std::vector<std::string>{"Main"}) << "closed in full";
 }
 
 TEST_F(Start, RunsThePumpsOfListAndFadeWithinTheSequence) {

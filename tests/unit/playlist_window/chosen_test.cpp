@@ -394,6 +394,15 @@ TEST_F(ChosenForTheMenu, OpenedBesideTheRowsItIsForTheSelection) {
     EXPECT_EQ(filesLeft(), (Texts{u"/m/a.mp3", u"/m/d.mp3"}));
 }
 
+TEST_F(ChosenForTheMenu, OpenedBesideTheRowsItIsForTheSelectionOfThatMoment) {
+    selectOnly({2});
+    windows.expectPopup("playlist_Menu", "hardDrive_DelSelect",
+                        [&] { app.player().selectEntryOfFile(u"/m/b.mp3"); });
+    answerSure(MsgBoxResult::Yes);
+    list.on().MouseUp({forms::rightButton, 0, 0, 0});
+    EXPECT_EQ(filesLeft().size(), 4U) << "the other track that began meanwhile stays";
+}
+
 // --- by keys -------------------------------------------------------------------------------------
 
 TEST_F(ChosenByAKey, BothQuestionsOfShiftAndDeleteAreAboutTheSameRows) {
