@@ -2,7 +2,6 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
-#include "base/within_time.h"
 #include "platform/media/medium_file.h"
 
 #include <algorithm>
@@ -121,7 +120,7 @@ MciError MciInterpreter::open(const OpenCommand &command, const std::u16string &
     if (!path)
         return MciError::FileNotFound;
     const auto end = std::chrono::steady_clock::now() + openLimit_;
-    const auto file = withinTime(openLimit_, [path = *path] { return lookAtMedium(path); });
+    const auto file = helper_.within(openLimit_, [path = *path] { return lookAtMedium(path); });
     if (!file)
         return MciError::CannotLoad;
     if (!file->isRegular)

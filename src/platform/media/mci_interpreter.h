@@ -2,6 +2,7 @@
 
 // The command interpreter: media commands in, one open device behind them.
 
+#include "base/within_time.h"
 #include "platform/media.h"
 #include "platform/media/device.h"
 #include "platform/media/mci_command.h"
@@ -67,6 +68,7 @@ private:
     std::unique_ptr<DeviceOpener> sound_;
     std::unique_ptr<DeviceOpener> picture_;
     std::chrono::milliseconds openLimit_;
+    TimedHelper helper_;   // asks the disk
     std::u16string alias_; // of the open device
     std::unique_ptr<Device> device_;
     std::vector<Question> questions_;

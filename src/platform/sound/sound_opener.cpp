@@ -33,12 +33,12 @@ public:
     }
 
 private:
-    std::unique_ptr<Reader> openInTime(const media::OpenRequest &request) const {
+    std::unique_ptr<Reader> openInTime(const media::OpenRequest &request) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(
             request.end - std::chrono::steady_clock::now());
         auto reader =
-            withinTime(std::min(openLimit_, left), [decoders = decoders_, path = request.path,
-                                                    midiOnly = request.type == "Sequencer"] {
+            helper_.within(std::min(openLimit_, left), [decoders = decoders_, path = request.path,
+                                                        midiOnly = request.type == "Sequencer"] {
                 return openReader(path, decoders->libraries, decoders->soundFonts, midiOnly);
             });
         return reader ? std::move(*reader) : nullptr;
@@ -46,6 +46,7 @@ private:
 
     std::shared_ptr<Decoders> decoders_;
     std::chrono::milliseconds openLimit_;
+    TimedHelper helper_; // opens files
     OutputEngine engine_;
 };
 

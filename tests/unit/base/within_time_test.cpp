@@ -82,6 +82,50 @@ TEST(WithinTime, WithoutAThreadTheWorkIsDoneAllTheSame) {
     const NoThreads none;
     ASSERT_THROW(std::thread([] {}), std::system_error);
     EXPECT_EQ(withinTime(milliseconds(1), [] { return 3; }), 3);
+    TimedHelper helper;
+    EXPECT_EQ(helper.within(milliseconds(1), [] { return 4; }), 4);
+}
+
+TEST(TimedHelper, DoesOneWorkAfterTheOtherOnTheSameThread) {
+    TimedHelper helper;
+    const auto first = helper.within(longTime, std::this_thread::get_id);
+    ASSERT_TRUE(first);
+    EXPECT_NE(*first, std::this_thread::get_id());
+    for (int i = 0; i < 1000; ++i)
+        ASSERT_EQ(helper.within(longTime, std::this_thread::get_id), first) << i;
+}
+
+TEST(TimedHelper, WhatTheWorkRaisesEndsNeitherTheHelperNorTheProgram) {
+    TimedHelper helper;
+    EXPECT_THROW(helper.within(longTime, []() -> int { raise(ErrorNumber::PermissionDenied); }),
+                 RunTimeError);
+    EXPECT_EQ(helper.within(longTime, [] { return 5; }), 5);
+}
+
+TEST(TimedHelper, AThreadThatHangsIsGivenUpAndTheNextWorkIsDoneByAnother) {
+    const auto release = std::make_shared<std::promise<void>>();
+    const auto hung = std::make_shared<std::promise<std::thread::id>>();
+    auto hungThread = hung->get_future();
+    const auto ended = std::make_shared<std::promise<void>>();
+    auto isEnded = ended->get_future();
+    {
+        TimedHelper helper;
+        EXPECT_FALSE(
+            helper.within(milliseconds(1), [released = release->get_future().share(), hung, ended] {
+                hung->set_value(std::this_thread::get_id());
+                released.wait();
+                ended->set_value();
+                return 1;
+            }));
+        const auto next = helper.within(longTime, std::this_thread::get_id);
+        ASSERT_TRUE(next);
+        EXPECT_NE(*next, hungThread.get());
+        EXPECT_EQ(helper.within(longTime, std::this_thread::get_id), next);
+    }
+    // The helper went without waiting for it.
+    EXPECT_EQ(isEnded.wait_for(milliseconds(0)), std::future_status::timeout);
+    release->set_value();
+    EXPECT_EQ(isEnded.wait_for(longTime), std::future_status::ready);
 }
 
 } // namespace
