@@ -65,13 +65,15 @@ saveOrOpenFile::Probe saveOrOpenFile::makeProbe(std::u16string_view path, std::s
     }
 }
 
+// A probe is not waited for, so that a power cut can leave its name without its content.
 void saveOrOpenFile::clearProbes(std::u16string_view folder) {
     platform::FileSystem &files = app_.platform().files;
     const std::string bytes = app_.platform().ansi.encode(app_.Main().title.caption());
     for (const std::u16string_view name : probeNames)
         passOver([&] {
             const std::u16string probe = probePath(folder, name);
-            if (files.readBytes(probe, 0, bytes.size() + 1) == bytes)
+            const std::string found = files.readBytes(probe, 0, bytes.size() + 1);
+            if (found == bytes || found.empty())
                 files.CreateFileSystemObject()->DeleteFile(probe);
         });
 }

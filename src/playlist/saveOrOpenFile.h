@@ -17,8 +17,8 @@ class FileSystemObject;
 }
 class Velmora;
 
-// How much a save promises when it returns. Both are atomic: the file is the old one or the new
-// one.
+// How much a save promises when it returns. Both are atomic, a power cut included: the file is the
+// old one or the new one.
 enum class SaveKind {
     Step,   // one of many within an operation; not waited for on the disk
     Settled // the last of an operation: file and folder are synced
@@ -64,7 +64,7 @@ public:
     bool canWriteFolder(std::u16string_view folder);
 
     // Deletes the files of probes that were cut short: those under their names that hold what a
-    // probe writes.
+    // probe writes, or nothing.
     void clearProbes(std::u16string_view folder);
 
     // Deletes the exact path. On failure false, and `lastDeleteError` is the system's description.

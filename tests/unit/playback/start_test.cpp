@@ -293,12 +293,14 @@ TEST_F(Start, TakesAwayWhatAProbeOrAFetchLeftThatWasCutShort) {
     const std::u16string mine = app.setControl().Path_Lrc + u"/zkPlay-3.tmp";
     for (const std::u16string &left : {lyrics, cache, temporary + u"zkPlay.tmp"})
         files.addFile(left, "Velmora 2011");
+    const std::u16string empty = app.setControl().Path_Lrc + u"/zkPlay-4.tmp";
+    files.addFile(empty, ""); // as a power cut leaves it
     files.addFile(temporary + u"zkPlayerUpdate.tmp", "[check]");
     files.addFile(temporary + u"zkPlayerWelcome.tmp", "[check]");
     files.addFile(mine, "Velmora 2011, my notes");
     start();
     for (const std::u16string &left :
-         {lyrics, cache, temporary + u"zkPlay.tmp", temporary + u"zkPlayerUpdate.tmp",
+         {lyrics, cache, empty, temporary + u"zkPlay.tmp", temporary + u"zkPlayerUpdate.tmp",
           temporary + u"zkPlayerWelcome.tmp"})
         EXPECT_FALSE(files.hasFile(left)) << toUtf8(left);
     EXPECT_TRUE(files.hasFile(mine));
