@@ -87,6 +87,7 @@ private:
     void begin();
     bool fail(std::int32_t code);
     bool targetIsRefused(std::int32_t total);
+    bool clearTarget();
     bool receiveFile(std::int32_t total);
 
     void raiseStatus(std::int32_t code);

@@ -84,20 +84,29 @@ bool zkWininetDown::DownloadToFile(std::u16string_view kind) {
         return fail(9);
     if (targetIsRefused(total))
         return fail(5);
+    const bool isClear = clearTarget();
     if (!makeDirectoryChain(platform_.files, FileName))
         return fail(6);
+    if (!isClear)
+        return fail(7);
     return receiveFile(total);
 }
 
-// The length of the target's name is what is compared with the size of the body. Whatever may lie
-// there is removed otherwise.
+// The length of the target's name is what is compared with the size of the body.
 bool zkWininetDown::targetIsRefused(std::int32_t total) {
     std::u16string name;
     passOver([&] { name = platform_.files.Dir(FileName); });
-    if (static_cast<std::int64_t>(name.size()) == total && !ReDown)
+    return static_cast<std::int64_t>(name.size()) == total && !ReDown;
+}
+
+// Whatever may lie there. False where it stays: what is written over its beginning would spoil it.
+bool zkWininetDown::clearTarget() {
+    try {
+        platform_.files.CreateFileSystemObject()->DeleteFile(FileName);
         return true;
-    passOver([&] { platform_.files.CreateFileSystemObject()->DeleteFile(FileName); });
-    return false;
+    } catch (const RunTimeError &error) {
+        return error.number() == ErrorNumber::FileNotFound;
+    }
 }
 
 // A write that fails is not examined, and a cut body is not told from a whole one.

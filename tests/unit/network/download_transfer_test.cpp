@@ -89,12 +89,16 @@ TEST_F(ToFile, countsItsTimeFromTheOpeningOfTheTarget) {
     EXPECT_EQ(count(u"Progress 6.00 6.00 3.00"), 1);
 }
 
-TEST_F(ToFile, writesOverWhatCannotBeDeletedWithoutCuttingIt) {
+TEST_F(ToFile, leavesWhatCannotBeDeletedWholeAndTellsOfIt) {
     files.addFile(target, "longer than the new one");
     files.failNext("DeleteFile");
     net.respond(FakeInternet::answer("123"));
+    expectFailure(u"Error 7");
+    EXPECT_EQ(files.contents(target), "longer than the new one");
+    // The next transfer does not know of it.
+    net.respond(FakeInternet::answer("123"));
     EXPECT_TRUE(wd.DownloadToFile(u"music"));
-    EXPECT_EQ(files.contents(target), "123ger than the new one");
+    EXPECT_EQ(files.contents(target), "123");
 }
 
 TEST_F(ToFile, goesOnWhenTheLookUpFails) {
