@@ -99,7 +99,7 @@ public:
     // old file as it was and raises. Follows links and keeps the file's mode, rights and attributes
     // as far as the file system lets it. Refuses a target that is no regular file or has no write
     // bit, and any target directly below the root: that is where an empty folder leads. `durable`
-    // also syncs file and folder.
+    // also syncs file and folder; else a power cut leaves the old file or the new one, whole.
     virtual void writeWhole(std::u16string_view path, std::string_view bytes, bool durable) = 0;
 
     // The same for a file that is not there yet: whatever lies under that exact name, a dangling

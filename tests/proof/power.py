@@ -9,8 +9,8 @@ moment of an operation there are these worlds:
   data     all contents, but only synced names
   all      both: what a process that is killed leaves
 
-The steps of an operation that saves often are not waited for. They rely on what ext4 and btrfs do: a file that takes
-another's name has its content on the disk before the name.
+Of the steps of an operation that saves often only the content is waited for, and on ext4 not that either: there a file
+that takes another's name has its content on the disk before the name.
 """
 
 import os

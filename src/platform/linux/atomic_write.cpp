@@ -91,7 +91,8 @@ AtomicFile::AtomicFile(const std::string &path, While writing, Over over, const 
 }
 
 void AtomicFile::commit(bool durable) {
-    draft_->finish(durable);
+    using Sure = Draft::Sure;
+    draft_->finish(durable ? Sure::All : isNew_ ? Sure::Nothing : Sure::Content);
     if (isNew_)
         draft_->takeFreeName(target_);
     else

@@ -35,7 +35,8 @@ public:
     void write(std::string_view bytes) { draft_->write(bytes); }
 
     // Checks that every byte arrived and takes the name. `durable` also waits until file
-    // and folder are on the disk.
+    // and folder are on the disk. Else a power cut may take the new file back, but leaves the old
+    // one, where there was one.
     void commit(bool durable);
 
 private:

@@ -121,18 +121,27 @@ void Draft::takeAfter(int other, const struct ::stat &about) {
     setMode(about.st_mode & modeBits); // last, since owner and rights change it
 }
 
-void Draft::finish(bool durable) {
+void Draft::finish(Sure sure) {
     struct ::stat info {};
     if (::fstat(file_.number(), &info) != 0)
         raiseSystemError(errno);
     if (info.st_size < 0 || static_cast<std::size_t>(info.st_size) != written_)
         raiseSystemError(EIO);
-    if (durable && ::fsync(file_.number()) != 0 && !isNotKnownHere(errno))
-        raiseSystemError(errno);
-    isDurable_ = durable;
+    sure_ = sure;
+    sync();
     // A network file system reports the last write here. One without a name lies on a local disk,
     // and is gone when it is closed.
     if (!passing_.empty() && file_.close() != 0)
+        raiseSystemError(errno);
+}
+
+void Draft::sync() {
+    int outcome = 0;
+    if (sure_ == Sure::All)
+        outcome = ::fsync(file_.number());
+    else if (sure_ == Sure::Content && !calls_.putsContentFirst(file_.number()))
+        outcome = calls_.syncContent(file_.number());
+    if (outcome != 0 && !isNotKnownHere(errno))
         raiseSystemError(errno);
 }
 
@@ -192,12 +201,12 @@ void Draft::rewriteNamed() {
     }
     takeAfter(nameless.number(), about);
     setTimes(about.st_atim, about.st_mtim);
-    finish(isDurable_);
+    finish(sure_);
 }
 
 // The content is in place: a folder that cannot be synced is no failure of the write.
 void Draft::syncName() {
-    if (isDurable_)
+    if (sure_ == Sure::All)
         syncFolder(folder_);
 }
 

@@ -34,9 +34,13 @@ public:
     // attributes), as far as the writer may.
     void takeAfter(int other, const struct ::stat &about);
 
-    // Checks that every byte arrived; `durable` also waits until they are on the disk, and the name
-    // behind them. Nothing can be written afterwards.
-    void finish(bool durable);
+    // What a power cut cannot take back. `Content`: under whatever name the file is found, it has
+    // its content. `All`: nor its name.
+    enum class Sure { Nothing, Content, All };
+
+    // Checks that every byte arrived, and waits for what is to be sure. Nothing can be written
+    // afterwards.
+    void finish(Sure sure);
     // Behind `finish`: takes the name of whatever lies there, or one that nothing has; where
     // something has it, a dangling link too, "file exists" is raised, and another may be tried.
     void replace(const std::string &target);
@@ -46,6 +50,7 @@ private:
     void makeNamed();
     int link(const std::string &name);
     void rewriteNamed();
+    void sync();
     void syncName();
 
     FileCalls calls_;
@@ -53,7 +58,7 @@ private:
     std::string passing_; // the passing name, empty while there is none
     Descriptor file_;
     std::size_t written_ = 0;
-    bool isDurable_ = false;
+    Sure sure_ = Sure::Nothing;
 };
 
 } // namespace velmora::platform

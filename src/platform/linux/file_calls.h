@@ -24,6 +24,11 @@ struct FileCalls {
     std::function<int(const char *from, const char *to, int flags)> link;
     std::function<int(int file, mode_t mode)> setMode;
     std::function<int(int file, const std::timespec *accessAndChange)> setTimes;
+    // Whether a power cut leaves a file that took another's name with its content, though nobody
+    // waited for that.
+    std::function<bool(int file)> putsContentFirst;
+    // fdatasync.
+    std::function<int(int file)> syncContent;
     // Comes before a file gets a passing name in a folder. Nothing here; the program notes the
     // folder, so that its next start finds what may be cut short there.
     std::function<void(const std::string &folder)> beforePassingName;

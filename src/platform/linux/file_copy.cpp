@@ -103,7 +103,7 @@ void FileCopy::finish(bool replacing) {
     if (!isComplete_) {
         draft_->setMode(about_.st_mode & permissionBits);
         draft_->setTimes(about_.st_atim, about_.st_mtim);
-        draft_->finish(true);
+        draft_->finish(Draft::Sure::All);
         isComplete_ = true;
     }
     if (replacing)

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <functional>
 
@@ -80,6 +82,41 @@ TEST_F(RefusingDisk, ThatFailsToSetAModeKeepsTheOldFile) {
         EXPECT_EQ(folder.read("f"), "old");
         EXPECT_EQ(folder.names(), Names{"f"});
     }
+}
+
+// --- power cuts ----------------------------------------------------------------------------------
+
+TEST_F(RefusingDisk, ThatTakesNamesAheadOfContentHasTheContentSyncedOfWhatReplacesAFile) {
+    std::string there;
+    calls.putsContentFirst = [](int) { return false; };
+    calls.syncContent = [&](int file) {
+        there = folder.read("f");
+        return ::fdatasync(file);
+    };
+    files().writeWhole(folder.text("f"), "first", false);
+    EXPECT_EQ(there, "") << "there was nothing to be lost";
+    files().writeWhole(folder.text("f"), "second", false);
+    EXPECT_EQ(there, "first");
+    EXPECT_EQ(folder.read("f"), "second");
+    there.clear();
+    calls.putsContentFirst = [](int) { return true; };
+    files().writeWhole(folder.text("f"), "third", false);
+    EXPECT_EQ(there, "") << "the disk sees to it";
+    EXPECT_EQ(folder.read("f"), "third");
+}
+
+TEST_F(RefusingDisk, ThatCannotSyncTheContentKeepsTheOldFile) {
+    folder.write("f", "old");
+    calls.putsContentFirst = [](int) { return false; };
+    for (const int error : {EIO, ENOSPC, EDQUOT}) {
+        calls.syncContent = refusing(error);
+        errorOf([&] { files().writeWhole(folder.text("f"), "new", false); });
+        EXPECT_EQ(folder.read("f"), "old");
+        EXPECT_EQ(folder.names(), Names{"f"});
+    }
+    calls.syncContent = refusing(EINVAL); // knows no syncing at all
+    files().writeWhole(folder.text("f"), "new", false);
+    EXPECT_EQ(folder.read("f"), "new");
 }
 
 // --- names ---------------------------------------------------------------------------------------
