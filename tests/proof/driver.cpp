@@ -30,15 +30,21 @@ std::vector<Operation> everything() {
     return all;
 }
 
-void waitForTracer() {
-#ifdef PR_SET_PTRACER
-    // The tracer is the runner's child and not this process's parent.
-    ::prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY, 0, 0, 0);
-#endif
+// Ahead of the first thread, which takes after this one: a thread that leaves the signal open is
+// given it, and that is the end of the process.
+void holdSignal() {
     sigset_t go;
     sigemptyset(&go);
     sigaddset(&go, SIGUSR1);
     ::sigprocmask(SIG_BLOCK, &go, nullptr);
+}
+
+void waitForTracer() {
+    // The tracer is the runner's child and not this process's parent.
+    ::prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY, 0, 0, 0);
+    sigset_t go;
+    sigemptyset(&go);
+    sigaddset(&go, SIGUSR1);
     constexpr std::string_view ready = "ready\n";
     ::send(STDOUT_FILENO, ready.data(), ready.size(), MSG_NOSIGNAL);
     int signal = 0;
@@ -57,6 +63,8 @@ int main(int count, char **arguments) {
     for (const Operation &operation : everything()) {
         if (operation.name != name || count < 3)
             continue;
+        holdSignal();
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL); // nobody would let it go on
         World world(arguments[2]);
         operation.prepare(world);
         if (count > 3)

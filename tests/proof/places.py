@@ -8,7 +8,7 @@ def ask(*command):
     done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
     if done.returncode != 0:
         said = done.stdout.strip().splitlines()
-        raise OSError(said[-1] if said else f'{command[0]} ended with {done.returncode}')
+        raise OSError(said[0] if said else f'{command[0]} ended with {done.returncode}')
 
 
 def privileged(*command):
@@ -68,15 +68,20 @@ ALL = [
 ]
 
 
-def unmount_below(folder):
+def mounted_below(folder):
     with open('/proc/self/mounts', encoding='utf-8') as mounts:
         points = [line.split()[1].encode().decode('unicode_escape') for line in mounts]
-    for point in reversed(points):
-        if point.startswith(folder + '/'):
-            try:
-                privileged('umount', point)
-            except OSError:
-                subprocess.run(['fusermount', '-u', point], check=False)
+    return [point for point in reversed(points) if point.startswith(folder + '/')]
+
+
+def unmount_below(folder, at_any_price=False):
+    """Leaves what somebody is at work in, or takes that out of sight: the disk goes with the last who is."""
+    for point in mounted_below(folder):
+        try:
+            privileged('umount', *(['-l'] if at_any_price else []), point)
+        except OSError:
+            subprocess.run(['fusermount', '-u', *(['-z'] if at_any_price else []), point], stderr=subprocess.DEVNULL,
+                           check=False)
 
 
 class Filler:

@@ -20,8 +20,12 @@ the disks. With --every, only each Nth call is struck. The exit status is 0 wher
 
 import argparse
 import concurrent.futures
+import ctypes
+import fcntl
+import multiprocessing
 import os
 import shutil
+import signal
 import sys
 import tempfile
 import time
@@ -35,13 +39,22 @@ from server import Server
 
 CHUNK = 24  # runs that a worker takes at a time
 GROUND = 'here'
+ENDS = [signal.SIGTERM, signal.SIGINT, signal.SIGHUP]
+NAMED = 'velmora-proof-'  # how the folders begin that the work is done in
+PATIENCE = 30  # seconds for what was ended to let go of the disks
 
 worker = {}
 
 
 # --- in a worker ---
 
-def start_worker(driver, base):
+def start_worker(driver, base, parent):
+    for end in ENDS:
+        signal.signal(end, signal.SIG_DFL if end != signal.SIGINT else signal.SIG_IGN)
+    end_with_parent = 1
+    ctypes.CDLL(None).prctl(end_with_parent, signal.SIGKILL)
+    if os.getppid() != parent:
+        os._exit(1)
     folder = tempfile.mkdtemp(prefix='worker-', dir=base)
     os.mkdir(os.path.join(folder, 'scratch'))
     worker.update(driver=driver, folder=folder, server=Server(), benches={})
@@ -206,10 +219,16 @@ def prove(options, base):
     chosen = [one for one in operations.ALL if not options.only or one.name in options.only]
     began, skipped = time.monotonic(), missing(base)
     print(f'{"operation":34} {"calls":>6} {"runs":>6} {"short":>6}', flush=True)
-    with concurrent.futures.ProcessPoolExecutor(options.workers, initializer=start_worker,
-                                                initargs=(os.path.abspath(options.driver), base)) as workers:
+    workers = concurrent.futures.ProcessPoolExecutor(
+        options.workers, initializer=start_worker, initargs=(os.path.abspath(options.driver), base, os.getpid()))
+    try:
         rows = list(prove_here(workers, chosen, options.every))
         rows += [prove_at(workers, place, chosen, options.every) for place in places.ALL if place.name not in skipped]
+    finally:
+        # At their work or not: what a worker has started ends with it.
+        for process in multiprocessing.active_children():
+            process.kill()
+        workers.shutdown(cancel_futures=True)
     whole = Row('in all')
     for row in rows:
         whole.calls += row.calls
@@ -221,6 +240,48 @@ def prove(options, base):
     return 1 if short else 0
 
 
+# --- leaving nothing behind ---
+
+def stop(number, _):
+    for end in ENDS:
+        signal.signal(end, signal.SIG_IGN)  # what follows is not to be stopped
+    sys.exit(128 + number)
+
+
+def make_base(above):
+    """A folder of this process's own, and what says that somebody is at work in it."""
+    base = tempfile.mkdtemp(prefix=NAMED, dir=above)
+    lock = open(os.path.join(base, 'making'), 'wb')
+    fcntl.flock(lock, fcntl.LOCK_EX)
+    os.rename(lock.name, os.path.join(base, 'lock'))
+    return base, lock
+
+
+def remove(base):
+    """Takes away a folder and the disks in it, as soon as those who were at work there are gone."""
+    until = time.monotonic() + PATIENCE
+    while os.path.isdir(base):
+        places.unmount_below(base, at_any_price=time.monotonic() > until)
+        if not places.mounted_below(base):
+            shutil.rmtree(base, ignore_errors=True)
+        if os.path.isdir(base):
+            if time.monotonic() > until + PATIENCE:
+                print(f'{base} could not be removed', file=sys.stderr)
+                return
+            time.sleep(0.05)
+
+
+def remove_left(above):
+    """The same for those whose process was killed."""
+    for name in os.listdir(above):
+        try:
+            with open(os.path.join(above, name, 'lock') if name.startswith(NAMED) else '', 'r+b') as lock:
+                fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+                remove(os.path.join(above, name))
+        except OSError:
+            pass  # another's, or one that is at work
+
+
 def main():
     options = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     options.add_argument('driver')
@@ -229,12 +290,16 @@ def main():
     options.add_argument('--only', action='append')
     options = options.parse_args()
     # In memory where there is such a place: what waits for a disk would take hours otherwise.
-    base = tempfile.mkdtemp(prefix='velmora-proof-', dir='/dev/shm' if os.access('/dev/shm', os.W_OK) else None)
+    above = '/dev/shm' if os.access('/dev/shm', os.W_OK) else tempfile.gettempdir()
+    remove_left(above)
+    for end in ENDS:
+        signal.signal(end, stop)
+    base, lock = make_base(above)
     try:
         return prove(options, base)
     finally:
-        places.unmount_below(base)
-        shutil.rmtree(base, ignore_errors=True)
+        remove(base)
+        lock.close()
 
 
 if __name__ == '__main__':
