@@ -27,9 +27,6 @@ constexpr const char *latinFaces[] = {"Arial",       "Liberation Sans", "Arimo",
 constexpr const char *chineseFaces[] = {"Noto Sans CJK SC",    "Source Han Sans SC",
                                         "Source Han Sans CN",  "WenQuanYi Micro Hei",
                                         "Droid Sans Fallback", "WenQuanYi Zen Hei"};
-// Names of the design that stand for "the system's Chinese face" wherever they are not installed.
-constexpr std::u16string_view designedChinese[] = {u"微软雅黑", u"宋体",   u"新宋体",
-                                                   u"黑体",     u"SimSun", u"Microsoft YaHei"};
 
 template <std::size_t n> QString firstInstalled(const char *const (&names)[n]) {
     for (const char *name : names)
@@ -44,8 +41,10 @@ bool isIdeographic(char32_t c) {
            (c >= 0xFF00 && c <= 0xFFEF) || (c >= 0x20000 && c <= 0x3FFFF);
 }
 
-// The stretches of `text` that the Chinese face draws.
-QList<QTextLayout::FormatRange> ideographicRanges(const QString &text, const QFont &font) {
+// The stretches of `text` that the Chinese face draws: what the face that was asked for (if it is
+// there) does not hold itself.
+QList<QTextLayout::FormatRange> substitutedRanges(const QString &text, const QFont &font,
+                                                  const QRawFont &asked) {
     QList<QTextLayout::FormatRange> ranges;
     for (qsizetype i = 0; i < text.size();) {
         char32_t c = text.at(i).unicode();
@@ -54,7 +53,7 @@ QList<QTextLayout::FormatRange> ideographicRanges(const QString &text, const QFo
             c = QChar::surrogateToUcs4(text.at(i), text.at(i + 1));
             units = 2;
         }
-        if (isIdeographic(c)) {
+        if (isIdeographic(c) && !(asked.isValid() && asked.supportsCharacter(c))) {
             if (!ranges.isEmpty() && ranges.last().start + ranges.last().length == i) {
                 ranges.last().length += units;
             } else {
@@ -96,13 +95,11 @@ const QString &Fonts::chineseFamily() {
 QStringList Fonts::familiesFor(std::u16string_view name) {
     QStringList families;
     const QString asked = toQString(name);
-    const bool designed = std::find(std::begin(designedChinese), std::end(designedChinese), name) !=
-                              std::end(designedChinese) ||
-                          name == u"Arial";
-    if (!designed && QFontDatabase::hasFamily(asked))
+    if (QFontDatabase::hasFamily(asked))
         families << asked;
     families << latinFamily() << chineseFamily();
     families.removeAll(QString());
+    families.removeDuplicates();
     return families;
 }
 
@@ -129,15 +126,17 @@ const Fonts::Face &Fonts::face(const forms::Font &font) {
     face.chinese.setWeight(QFont::Normal);
     if (!chineseFamily().isEmpty())
         face.chinese.setFamilies({chineseFamily()});
+    if (const QString asked = toQString(font.name());
+        font.bold() && QFontDatabase::hasFamily(asked)) {
+        QFont own = face.font;
+        own.setFamilies({asked});
+        face.own = QRawFont::fromFont(own);
+    }
     faces_.push_front(std::move(face));
     return faces_.front();
 }
 
-QFont Fonts::toolkitFont(const forms::Font &font) {
-    QFont toolkit = face(font).font;
-    // A widget lays out its own text: it must not pull in the Chinese face's bold.
-    return toolkit;
-}
+QFont Fonts::toolkitFont(const forms::Font &font) { return face(font).font; }
 
 QFont Fonts::plainFont(double points, bool bold) {
     return face(forms::Font(u"Arial", static_cast<float>(points), bold)).font;
@@ -157,7 +156,7 @@ std::shared_ptr<ShapedText> Fonts::layOut(std::u16string_view text, const Face &
     layout.setTextOption(option);
     const bool bold = face.asked.bold();
     const auto chinese =
-        bold ? ideographicRanges(shown, face.chinese) : QList<QTextLayout::FormatRange>();
+        bold ? substitutedRanges(shown, face.chinese, face.own) : QList<QTextLayout::FormatRange>();
     if (!chinese.isEmpty())
         layout.setFormats(chinese);
 
@@ -238,6 +237,20 @@ std::vector<std::u16string_view> Fonts::pieces(std::u16string_view text, const f
     }
     found.push_back(text);
     return found;
+}
+
+double Fonts::placeOf(std::u16string_view text, const forms::Font &font, std::size_t unit) {
+    double place = 0;
+    for (const std::u16string_view piece : pieces(text, font)) {
+        const auto shaped = shape(piece, font);
+        if (unit <= piece.size())
+            return place + (shaped->lines.empty()
+                                ? 0
+                                : shaped->layout.lineAt(0).cursorToX(static_cast<int>(unit)));
+        unit -= piece.size();
+        place += shaped->width;
+    }
+    return place;
 }
 
 forms::TextExtent Fonts::extent(std::u16string_view text, const forms::Font &font) {

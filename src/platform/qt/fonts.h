@@ -1,13 +1,14 @@
 #pragma once
 
 // Which installed face draws a font that the program asks for by its designed name, and how text in
-// it is laid out. One place, because every further face costs memory: Chinese text is always drawn
-// from the one regular face; its bold is made from that.
+// it is laid out. One place, because every further face costs memory: where the face of that name
+// is not there, Chinese text is always drawn from one regular face, and its bold is made from that.
 
 #include "platform/forms/font.h"
 
 #include <QFont>
 #include <QGlyphRun>
+#include <QRawFont>
 #include <QTextLayout>
 
 #include <list>
@@ -40,7 +41,8 @@ public:
     Fonts(const Fonts &) = delete;
     Fonts &operator=(const Fonts &) = delete;
 
-    // The toolkit's font for a designed one. Advances do not depend on the screen's density.
+    // The toolkit's font for a designed one, for boxes that it lays out. Advances do not depend on
+    // the screen's density.
     QFont toolkitFont(const forms::Font &font);
     // The font of menus, boxes, tips.
     QFont plainFont(double points, bool bold = false);
@@ -54,6 +56,9 @@ public:
     // beginning counts: it would take an hour to roll by.
     std::vector<std::u16string_view> pieces(std::u16string_view text, const forms::Font &font);
 
+    // How far behind its beginning the unit of this number stands in a text of one line, in logical
+    // pixels.
+    double placeOf(std::u16string_view text, const forms::Font &font, std::size_t unit);
     // The advance rounded up to whole logical pixels and the line height, in twips.
     forms::TextExtent extent(std::u16string_view text, const forms::Font &font);
 
@@ -62,6 +67,7 @@ private:
         forms::Font asked;
         QFont font;
         QFont chinese; // the same in the Chinese face's regular weight
+        QRawFont own;  // of a bold font, the face of the very name; invalid where there is none
     };
     const Face &face(const forms::Font &font);
     const QString &latinFamily();

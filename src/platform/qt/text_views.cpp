@@ -4,13 +4,18 @@
 #include "platform/qt/look.h"
 #include "platform/qt/loop.h"
 #include "platform/qt/text_convert.h"
+#include "platform/qt/text_painter.h"
 
 #include <QLineEdit>
 #include <QPaintEvent>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
+#include <QStyleOptionFrame>
 #include <QTextBlock>
 #include <QTextLayout>
+
+#include <cmath>
 
 namespace velmora::platform::qt {
 
@@ -21,11 +26,19 @@ constexpr int lineMargin = 4;
 constexpr int blockMargin = 2;
 constexpr double halfPixel = 0.5;
 
+// Of a box whose letters the program draws itself, the toolkit's have no colour.
+bool drawsItself(const forms::TextBox &box) { return box.locked() && !box.multiLine(); }
+
 QPalette paletteFor(const forms::TextBox &box, QPalette palette) {
-    palette.setColor(QPalette::Text, toQColor(box.foreColor()));
+    const bool unseen = drawsItself(box);
+    const QColor text = toQColor(box.foreColor());
+    palette.setColor(QPalette::Text, unseen ? QColor(Qt::transparent) : text);
     palette.setColor(QPalette::Base, toQColor(box.backColor()));
-    palette.setColor(QPalette::Disabled, QPalette::Text, QColor::fromRgba(look::dimmed));
+    palette.setColor(QPalette::Disabled, QPalette::Text,
+                     unseen ? QColor(Qt::transparent) : QColor::fromRgba(look::dimmed));
     palette.setColor(QPalette::Disabled, QPalette::Base, toQColor(box.backColor()));
+    palette.setColor(QPalette::HighlightedText,
+                     unseen ? QColor(Qt::transparent) : QColor::fromRgba(look::accentInk));
     return palette;
 }
 
@@ -66,7 +79,10 @@ protected:
 
 private:
     void showText() {
-        edit_->setReadOnly(box_.locked());
+        if (edit_->isReadOnly() != box_.locked()) {
+            edit_->setReadOnly(box_.locked());
+            showLook();
+        }
         const QString text = shown();
         if (present() == text)
             return;
@@ -111,10 +127,74 @@ protected:
     }
 };
 
+// A line of text. One that cannot be typed into shows what labels will look like, so its letters
+// are measured and drawn as theirs are. One that can lays out its own, for the cursor and for what
+// an input method composes: in the same face.
+class LineEdit : public QLineEdit {
+public:
+    LineEdit(const forms::TextBox &box, const ViewTools &tools, QWidget *parent)
+        : QLineEdit(parent), box_(box), tools_(tools) {}
+
+protected:
+    // The toolkit scrolls, and draws the box and what is selected.
+    void paintEvent(QPaintEvent *event) override {
+        QLineEdit::paintEvent(event);
+        if (!drawsItself(box_))
+            return;
+        const QString text = displayText();
+        QPainter painter(this);
+        painter.setClipRect(inner());
+        paintLetters(painter, text,
+                     isEnabled() ? toQColor(box_.foreColor()) : QColor::fromRgba(look::dimmed));
+        if (!hasSelectedText())
+            return;
+        const double from = textLeft(text) + placeOf(text, selectionStart());
+        const double to = textLeft(text) + placeOf(text, selectionEnd());
+        painter.setClipRect(QRectF(from, 0, to - from, height()), Qt::IntersectClip);
+        paintLetters(painter, text, QColor::fromRgba(look::accentInk));
+    }
+
+private:
+    static constexpr double mostPixels = 1e6; // the box clips
+
+    void paintLetters(QPainter &painter, const QString &text, const QColor &colour) const {
+        TextLook look;
+        look.font = &box_.font();
+        look.colour = colour;
+        look.middle = true;
+        const QRectF area(inner());
+        const double left = textLeft(text);
+        tools_.texts.draw(painter, {left, area.top(), mostPixels, area.height()}, fromQString(text),
+                          look);
+    }
+
+    // Where the text begins, however far it is scrolled: the toolkit only tells where its cursor
+    // is, by a rectangle that begins a little before the place.
+    double textLeft(const QString &text) const {
+        constexpr int beforeCursor = 5;
+        return cursorRect().left() + beforeCursor - std::round(placeOf(text, cursorPosition()));
+    }
+
+    double placeOf(const QString &text, int unit) const {
+        return tools_.fonts.placeOf(fromQString(text), box_.font(), static_cast<std::size_t>(unit));
+    }
+
+    QRect inner() const {
+        QStyleOptionFrame frame;
+        initStyleOption(&frame);
+        return style()
+            ->subElementRect(QStyle::SE_LineEditContents, &frame, this)
+            .marginsRemoved(textMargins());
+    }
+
+    const forms::TextBox &box_;
+    ViewTools tools_;
+};
+
 class LineChild : public TextChild<QLineEdit> {
 public:
     LineChild(forms::TextBox &box, const ViewTools &tools, QWidget *parent)
-        : TextChild(box, tools, new QLineEdit(parent)) {
+        : TextChild(box, tools, new LineEdit(box, tools, parent)) {
         edit_->setFrame(true);
         edit_->setTextMargins(lineMargin, 0, lineMargin, 0);
         QObject::connect(edit_, &QLineEdit::textEdited, edit_, [this] {
