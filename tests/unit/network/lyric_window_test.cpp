@@ -316,6 +316,24 @@ TEST_F(LyricWindow, savingFetchesWithoutMatching) {
     EXPECT_FALSE(app.lrcForm().hasLrc);
 }
 
+TEST_F(LyricWindow, saysThatItFetchesInEachOfItsWays) {
+    openTrack(u"/m/Song.mp3");
+    haveRows();
+    net.setDownload(u"http://sitea/asp/lrc.asp?1", "[00:01.00]words\r\n");
+    Texts meanwhile;
+    const auto watch = [&] {
+        windows.atNextPump([&] { meanwhile.push_back(label()); }); // ahead of the request
+    };
+    watch();
+    doubleClick(form.search_Lrc_List, 0);
+    watch();
+    click(form.save);
+    watch();
+    fake.dialogs.expectSave(u"/m/chosen.lrc");
+    click(form.anotherSave);
+    EXPECT_EQ(meanwhile, Texts(3, u"正在下载..."));
+}
+
 TEST_F(LyricWindow, savingNeedsAChosenRow) {
     haveRows();
     for (zkButton *button : {&form.save, &form.anotherSave}) {

@@ -47,6 +47,13 @@ TEST_F(Playing, FadesInStepsOfSixAndEndsExactlyOnTheTarget) {
     EXPECT_EQ(fade(), (std::vector<std::int32_t>{0, 6, 12, 18, 19, 20}));
 }
 
+TEST_F(Playing, FadesByTheBarsWholeWidthHoweverSmall) {
+    app.Main().Volume_Set_BG.setWidth(1);
+    app.Main().Volume_Set.setWidth(1);
+    EXPECT_EQ(app.player().play_Sub(), -1);
+    EXPECT_EQ(media.volume(), 1000);
+}
+
 TEST_F(Playing, FadesToFullVolumeIn171Rounds) {
     setVolumeBar(1000);
     app.player().play_Sub();

@@ -126,6 +126,33 @@ TEST_F(Transport, NextAndPreviousDrawInRandomModeButNeverTheLastRow) {
     }
 }
 
+TEST_F(Transport, NextAndPreviousGoInOrderWhateverTheDrawWouldBe) {
+    for (int press = 0; press < 20; ++press) {
+        fake.clock.advance(91);
+        app.player().nowPlay_Index = 3;
+        click(main().upButton);
+        EXPECT_EQ(media.openPath(), u"/m/b.mp3");
+        click(main().nextButton);
+        EXPECT_EQ(media.openPath(), u"/m/c.mp3");
+    }
+}
+
+TEST_F(Transport, BothDrawInRandomMode) {
+    app.setControl().PlayMode = 1;
+    for (forms::Control *button : {static_cast<forms::Control *>(&main().nextButton),
+                                   static_cast<forms::Control *>(&main().upButton)}) {
+        Texts opened;
+        for (int press = 0; press < 40; ++press) {
+            fake.clock.advance(91);
+            app.player().nowPlay_Index = 1;
+            click(*button);
+            opened.push_back(media.openPath());
+        }
+        EXPECT_THAT(opened, testing::Contains(u"/m/a.mp3"));
+        EXPECT_THAT(opened, testing::Contains(u"/m/b.mp3"));
+    }
+}
+
 // --- the stopped look ----------------------------------------------------------------------------
 
 TEST_F(Transport, TheStoppedLookIsTheSameSixSettingsOnBothWindows) {

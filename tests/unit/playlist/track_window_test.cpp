@@ -3,6 +3,7 @@
 #include "lyrics/lrcForm.h"
 #include "playlist/another_PlayInfo_Form.h"
 #include "playlist/playInfo_Form.h"
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 namespace velmora {
@@ -13,6 +14,12 @@ using testing::IsEmpty;
 
 class TrackWindows : public ProgramFixture {
 protected:
+    // As they are over a track with a tag and a lyric.
+    TrackWindows() {
+        info().show();
+        info().anotherInfo_Button.setEnabled(true);
+        info().lrcInfo_Frame.setEnabled(true);
+    }
     playInfo_Form &info() { return app.playInfo_Form(); }
     another_PlayInfo_Form &tag() { return app.another_PlayInfo_Form(); }
 };
@@ -24,23 +31,23 @@ TEST_F(TrackWindows, BothAreCutOutByTheKeyColour) {
 
 TEST_F(TrackWindows, TheButtonShowsTheTagAndDisablesTheWindowBehind) {
     info().show();
-    info().anotherInfo_Button_Click();
+    clickOn(info().anotherInfo_Button);
     EXPECT_TRUE(tag().visible());
     EXPECT_FALSE(info().enabled());
-    tag().close_Click();
+    clickOn(tag().close);
     EXPECT_FALSE(tag().visible());
     EXPECT_TRUE(info().enabled());
 }
 
 TEST_F(TrackWindows, TheButtonHidesTheTagThatIsOpen) {
     tag().show();
-    info().anotherInfo_Button_Click();
+    clickOn(info().anotherInfo_Button);
     EXPECT_FALSE(tag().visible());
     EXPECT_TRUE(info().enabled());
 }
 
 TEST_F(TrackWindows, ASystemCloseOfTheTagGivesTheWindowBehindBack) {
-    info().anotherInfo_Button_Click();
+    clickOn(info().anotherInfo_Button);
     tag().closeRequested();
     EXPECT_FALSE(tag().visible());
     EXPECT_TRUE(info().enabled());
@@ -55,7 +62,7 @@ TEST_F(TrackWindows, ASystemCloseOnlyHides) {
 
 TEST_F(TrackWindows, TheLyricsFolderIsOpened) {
     info().lrc_Path_Str.setText(u"/words/a.lrc");
-    info().openLrcFile_Click();
+    clickOn(info().openLrcFile);
     ASSERT_EQ(fake.shell.executions.size(), 1U);
     EXPECT_EQ(fake.shell.executions[0].target, u"/words/");
 }
@@ -65,12 +72,13 @@ TEST_F(TrackWindows, APathWithoutAFolderSaysSo) {
     windows.expectMsgBox(
         boxOf(u"歌词文件地址解析错误，无法打开！", platform::MsgBoxIcon::Critical, u"Error"),
         platform::MsgBoxResult::Ok);
-    info().openLrcFile_Click();
+    clickOn(info().openLrcFile);
     EXPECT_THAT(fake.shell.executions, IsEmpty());
 }
 
 TEST_F(TrackWindows, TheLineIsTheOneOfAllWindowsWhileItCanBeSeen) {
     app.lrcForm().nowLrcLine = u"la la";
+    info().hide();
     info().Timer1.onTimer();
     EXPECT_NE(info().lrc_Text.caption(), u"la la");
     info().show();
@@ -101,8 +109,9 @@ TEST_F(TrackWindows, TheLineTicksEverySeventyMilliseconds) {
 }
 
 TEST_F(TrackWindows, TheLyricsFactsAreDisabledUntilALyricIsLoaded) {
-    EXPECT_FALSE(info().lrcInfo_Frame.enabled());
-    EXPECT_FALSE(info().anotherInfo_Button.enabled());
+    const auto fresh = std::make_unique<playInfo_Form>(app);
+    EXPECT_FALSE(fresh->lrcInfo_Frame.enabled());
+    EXPECT_FALSE(fresh->anotherInfo_Button.enabled());
 }
 
 } // namespace
