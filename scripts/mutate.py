@@ -402,7 +402,7 @@ def record(mutant, old, new, noticed, seconds, tally, survivors):
     verdict = "did not compile" if noticed is False else "killed" if noticed else "survived"
     tally[verdict] += 1
     diff = difference(mutant, old, new)
-    line = old.count("\n", 0, mutant.start) + 1
+    line = next(i for i, (a, b) in enumerate(zip(old.split("\n"), new.split("\n")), 1) if a != b)
     if verdict == "survived":
         with open(survivors, "a", encoding="utf-8") as file:
             file.write(f"# {mutant.kind} {mutant.path}:{line}\n{diff}\n")

@@ -232,6 +232,13 @@ TEST_F(LyricLoad, KnowsNoByteOrderMark) {
     EXPECT_EQ(lyric().lrcTi, u"");
 }
 
+TEST_F(LyricLoad, ShowsThatALineEndsWithinACharacter) {
+    load("[00:01]\u6708\n[00:02]\u4eae\n[00:03]\u6708\xE4\xBA");
+    ASSERT_EQ(lyric().List1.listCount(), 3);
+    const std::u16string cut = lyric().List1.list(2);
+    EXPECT_TRUE(startsWith(cut, u"[00:03]\u6708\uFFFD")) << "nothing is lost without a sign";
+}
+
 // What lies between its letters keeps tags and times from being found; it counts as a lyric.
 TEST_F(LyricLoad, KnowsNoUtf16) {
     std::string wide = "\xFF\xFE";

@@ -208,6 +208,12 @@ TEST_F(Start, DressesTheVideoWindowThatTheClosingOfALostFileLetGo) {
     EXPECT_TRUE(app.videoScreenLoaded());
 }
 
+TEST_F(Start, DressesTheOtherWindows) {
+    app.Main().AudioSource_R.move({5, 6, 7, 8});
+    app.start();
+    EXPECT_EQ(app.Main().AudioSource_R.place(), app.Main().AudioSource_H.place());
+}
+
 TEST_F(Start, ReadsTheLanguageOnceFoldersAndKeysStand) {
     app.start();
     const auto &log = fake.registry.log();
