@@ -19,7 +19,6 @@ protected:
     using Clock = MonitorRecorder::Clock;
     static constexpr float loud = 0.01F;
     static constexpr double isPart = 0.7; // correlation of a piece with the place that it is from
-    static constexpr int tornAtMost = 4;
 
     static void SetUpTestSuite() {
         server_ = new PulseServer;
@@ -74,21 +73,16 @@ protected:
         return near.correlation > isPart ? near : source_->find(piece, side, 0, 1e4);
     }
 
-    // Seeks, plays, and finds the first quarter of a second heard in the source. A loaded machine
-    // may tear it; then, and only then, it is done again.
+    // Seeks, plays, and finds the first quarter of a second heard in the source.
     static SourceSound::Match hearSeek(Device &device, int target) {
-        SourceSound::Match match;
-        for (int attempt = 0; attempt < tornAtMost && match.correlation <= isPart; ++attempt) {
-            EXPECT_TRUE(device.seek(target));
-            const std::size_t from = recorder_->frames() + recorder_->framesOf(60);
-            EXPECT_TRUE(recorder_->waitForFrames(from, 5000));
-            EXPECT_TRUE(device.play());
-            const std::size_t first = waitForSound(from);
-            if (first == MonitorRecorder::frameNone)
-                return {};
-            match = findIn(heard(0, first, 250), 0, target / 1000.0, 0.3);
-        }
-        return match;
+        EXPECT_TRUE(device.seek(target));
+        const std::size_t from = recorder_->frames() + recorder_->framesOf(60);
+        EXPECT_TRUE(recorder_->waitForFrames(from, 5000));
+        EXPECT_TRUE(device.play());
+        const std::size_t first = waitForSound(from);
+        if (first == MonitorRecorder::frameNone)
+            return {};
+        return findIn(heard(0, first, 250), 0, target / 1000.0, 0.3);
     }
 
     struct HeardPosition {
@@ -96,19 +90,15 @@ protected:
         std::size_t frame = 0;
         SourceSound::Match match;
     };
-    // Half a second from now: what the device tells, and what is heard at that moment. A loaded
-    // machine may tear a piece of sound; then, and only then, a later one is taken.
+    // Half a second from now: what the device tells, and what is heard at that moment.
     static HeardPosition hearPosition(Device &device, int speaker, int side) {
         HeardPosition result;
-        for (int attempt = 0; attempt < tornAtMost && result.match.correlation <= isPart;
-             ++attempt) {
-            const int begun = device.positionMs();
-            EXPECT_TRUE(waitUntil([&] { return device.positionMs() >= begun + 500; }, 3000));
-            const auto when = Clock::now();
-            result.told = device.positionMs() / 1000.0;
-            result.frame = frameAt(when);
-            result.match = findIn(heard(speaker, result.frame, 250), side, result.told, 0.4);
-        }
+        const int begun = device.positionMs();
+        EXPECT_TRUE(waitUntil([&] { return device.positionMs() >= begun + 500; }, 3000));
+        const auto when = Clock::now();
+        result.told = device.positionMs() / 1000.0;
+        result.frame = frameAt(when);
+        result.match = findIn(heard(speaker, result.frame, 250), side, result.told, 0.4);
         return result;
     }
 

@@ -23,25 +23,18 @@ protected:
                0.4;
     }
 
-    // Plays a row to its end and hears what follows. The least silence between the two of some
-    // tries in milliseconds: a loaded machine adds to each, but not to all.
-    double leastGapBefore(double next, std::int16_t row, double frequency) {
-        double least = 1e9;
-        for (int attempt = 0; attempt < 4 && least > 200.0; ++attempt) {
-            playRow(row);
-            EXPECT_TRUE(runUntil([&] { return isHeard(frequency); }));
-            const std::size_t from = recorder_->frames();
-            EXPECT_TRUE(runUntil([&] {
-                return app_.player().get_Length() > 0 &&
-                       lastHeard(from) != MonitorRecorder::frameNone;
-            }));
-            const std::size_t quiet = lastHeard(from);
-            EXPECT_TRUE(runUntil([&] { return isHeard(next); }));
-            const std::size_t heardAgain = waitForSound(quiet + recorder_->framesOf(5));
-            const auto gap = static_cast<double>(heardAgain - quiet) * 1000.0 / recorder_->rate();
-            least = std::min(least, gap);
-        }
-        return least;
+    // Plays a row to its end and hears what follows: the silence between the two in milliseconds.
+    double gapBefore(double next, std::int16_t row, double frequency) {
+        playRow(row);
+        EXPECT_TRUE(runUntil([&] { return isHeard(frequency); }));
+        const std::size_t from = recorder_->frames();
+        EXPECT_TRUE(runUntil([&] {
+            return app_.player().get_Length() > 0 && lastHeard(from) != MonitorRecorder::frameNone;
+        }));
+        const std::size_t quiet = lastHeard(from);
+        EXPECT_TRUE(runUntil([&] { return isHeard(next); }));
+        const std::size_t heardAgain = waitForSound(quiet + recorder_->framesOf(5));
+        return static_cast<double>(heardAgain - quiet) * 1000.0 / recorder_->rate();
     }
 
 private:
@@ -53,13 +46,13 @@ private:
 
 TEST_F(EndOfTrack, InOrderTheNextRowIsHeardWithin200Ms) {
     app_.setControl().PlayMode = 0;
-    EXPECT_LE(leastGapBefore(middle, 1, low), 200.0);
+    EXPECT_LE(gapBefore(middle, 1, low), 200.0);
     EXPECT_EQ(app_.player().nowPlay_Index, 2);
 }
 
 TEST_F(EndOfTrack, InOrderTheFirstRowFollowsTheLast) {
     app_.setControl().PlayMode = 0;
-    EXPECT_LE(leastGapBefore(low, 3, high), 200.0);
+    EXPECT_LE(gapBefore(low, 3, high), 200.0);
     EXPECT_EQ(app_.player().nowPlay_Index, 1);
 }
 
@@ -68,13 +61,13 @@ TEST_F(EndOfTrack, AtRandomADrawnRowIsHeardWithin200Ms) {
     app_.setControl().PlayMode = 1;
     app_.playList_Form().playList_Item.removeItem(2);
     app_.playList_Form().List1.removeItem(2);
-    EXPECT_LE(leastGapBefore(low, 2, middle), 200.0);
+    EXPECT_LE(gapBefore(low, 2, middle), 200.0);
     EXPECT_EQ(app_.player().nowPlay_Index, 1);
 }
 
 TEST_F(EndOfTrack, RepeatingTheSameRowIsHeardAgainWithin200Ms) {
     app_.setControl().PlayMode = 2;
-    EXPECT_LE(leastGapBefore(middle, 2, middle), 200.0);
+    EXPECT_LE(gapBefore(middle, 2, middle), 200.0);
     EXPECT_EQ(app_.player().nowPlay_Index, 2);
 }
 
