@@ -2,6 +2,7 @@
 
 #include "tests/fakes/fake_platform.h"
 #include "tests/fakes/instead.h"
+#include "tests/unit/pointer.h"
 
 #include "base/text.h"
 #include "lyrics/lrcForm.h"
@@ -93,7 +94,7 @@ TEST_F(CallOrder, TheMenusStopClosesAheadOfTheStoppedLook) {
 }
 
 TEST_F(CallOrder, TheMiniStripsStopClosesAheadOfTheStoppedLook) {
-    expectClosedFirst([&] { app.miniForm().stopButton.on().Click(); });
+    expectClosedFirst([&] { clickOn(app.miniForm().stopButton); });
 }
 
 TEST_F(CallOrder, TheVideoWindowsF4ClosesAheadOfTheStoppedLook) {
@@ -105,7 +106,7 @@ TEST_F(CallOrder, TheVideoWindowsF4ClosesAheadOfTheStoppedLook) {
 
 TEST_F(CallOrder, MainsStopBringsTheStoppedLookAheadOfTheClose) {
     media.at(u"close ", [&] { EXPECT_NE(app.Main().play_Time.caption(), playing); });
-    app.Main().stopButton.on().Click();
+    clickOn(app.Main().stopButton);
 }
 
 TEST_F(CallOrder, PlayingARowCountsItAheadOfTheClose) {
@@ -143,7 +144,7 @@ TEST_F(CallOrder, ARenamingClosesAheadOfTheDiskAndOpensBehindTheLists) {
             EXPECT_EQ(list().playList_Item.list(0), u"c");
         });
     });
-    app.listControl_Form().OK.on().Click();
+    clickOn(app.listControl_Form().OK);
     EXPECT_EQ(media.mode(), u"playing");
 }
 

@@ -1,6 +1,7 @@
 // The one exit, and that nothing runs behind it.
 
 #include "tests/unit/playback/start_fixture.h"
+#include "tests/unit/pointer.h"
 
 #include "playback/MenuForm.h"
 #include "playback/miniForm.h"
@@ -26,7 +27,7 @@ protected:
 };
 
 TEST_F(End, ClosesTheMediumBareThenTheTrayThenTheProcess) {
-    expectEnd([&] { app.Main().closeButton.on().Click(); });
+    expectEnd([&] { clickOn(app.Main().closeButton); });
     EXPECT_EQ(media.texts(), Texts{u"close NOWMUSIC"});
     ASSERT_EQ(windows.trayCalls.size(), 1U);
     EXPECT_EQ(windows.trayCalls[0].operation, platform::NIM_DELETE);
@@ -41,9 +42,9 @@ TEST_F(End, SavesNothing) {
 
 TEST_F(End, ComesByEachOfItsRoads) {
     const std::function<void()> roads[] = {
-        [&] { app.Main().closeButton.on().Click(); },
+        [&] { clickOn(app.Main().closeButton); },
         [&] { app.Main().closeRequested(); },
-        [&] { app.miniForm().close.on().Click(); },
+        [&] { clickOn(app.miniForm().close); },
         [&] { app.miniForm().closeRequested(); },
         [&] { app.MenuForm().close.choose(); },
         [&] { app.formSet().form_KeyDown(27, 0, u"main"); },

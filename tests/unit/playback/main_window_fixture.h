@@ -2,6 +2,7 @@
 
 // The main window over one track.
 
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 namespace velmora {
@@ -14,7 +15,7 @@ protected:
         addRow(u"/m/a.mp3");
     }
     Main &main() { return app.Main(); }
-    static void click(forms::Control &control) { control.on().Click(); }
+    static void click(forms::Control &control) { clickOn(control); }
     static void release(forms::Control &control, Twips x, std::int16_t button = forms::leftButton) {
         control.on().MouseUp({button, 0, x, 5});
     }

@@ -159,10 +159,14 @@ TEST_F(MainWindow, MiniModeComesBackWithoutAListThatWasClosed) {
 }
 
 TEST_F(MainWindow, VideoButtonTogglesTheVideoWindow) {
-    click(main().videoScreen_Button);
-    EXPECT_TRUE(app.VideoScreen_Form().visible());
+    app.setControl().VideoInterface = 1;
+    addTrack(u"/m/film.avi", 60'000, true);
+    openAndPlay(u"/m/film.avi");
+    ASSERT_TRUE(app.VideoScreen_Form().visible());
     click(main().videoScreen_Button);
     EXPECT_FALSE(app.VideoScreen_Form().visible());
+    click(main().videoScreen_Button);
+    EXPECT_TRUE(app.VideoScreen_Form().visible());
 }
 
 TEST_F(MainWindow, TrackInformationNeedsAnOpenTrack) {

@@ -1,5 +1,6 @@
 // The mini strip: its transport, its tick, and its slide at the edge of the screen.
 
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 #include "lyrics/lrcForm.h"
@@ -22,12 +23,12 @@ protected:
         addRow(u"/m/a.mp3");
         addRow(u"/m/b.mp3");
         app.player().nowPlay_Index = 1;
-        mini().move({3000, 0, 9000, 690}); // 200 to 800, 46 high in pixels
+        mini().move({3000, 0, 10980, 690}); // 200 to 932, 46 high in pixels
         mini().show();
         windows.cursor = {300, 20};
     }
     miniForm &mini() { return app.miniForm(); }
-    static void click(forms::Control &control) { control.on().Click(); }
+    static void click(forms::Control &control) { clickOn(control); }
     void tick() { mini().Timer1.onTimer(); }
     void play() {
         openAndPlay(u"/m/a.mp3");
@@ -49,8 +50,10 @@ TEST_F(Mini, PlayReopensAStoppedFileWithoutMainsStop) {
 
 TEST_F(Mini, PlayResumesAPausedMedium) {
     play();
+    tick(); // shows the button of a pause, then that of a play
     click(mini().pauseButton);
     EXPECT_EQ(media.mode(), u"paused");
+    tick();
     click(mini().playButton);
     EXPECT_EQ(media.mode(), u"playing");
     EXPECT_EQ(media.count(u"close NOWMUSIC"), 0U);
@@ -330,12 +333,12 @@ TEST_F(Mini, SlidesOutWithThePointerBesidesIt) {
     windows.cursor = {199, 20};
     tick();
     EXPECT_EQ(mini().top(), -100);
-    windows.cursor = {801, 20};
+    windows.cursor = {933, 20};
     tick();
     EXPECT_EQ(mini().top(), -200);
     windows.cursor = {200, 20};
     tick();
-    windows.cursor = {800, 20};
+    windows.cursor = {932, 20};
     tick();
     EXPECT_EQ(mini().top(), -200);
 }
@@ -361,7 +364,7 @@ TEST_F(Mini, ComesBackAtOnceWithThePointerAtTheTopInItsColumns) {
 }
 
 TEST_F(Mini, DoesNotComeBackWithThePointerAPixelBesidesItsColumns) {
-    for (const std::int32_t x : {199, 801}) {
+    for (const std::int32_t x : {199, 933}) {
         mini().setTop(-689);
         windows.cursor = {x, 0};
         tick();

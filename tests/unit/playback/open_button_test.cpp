@@ -1,6 +1,7 @@
 // The open button: its dialog, and what a picked file does that the list cannot take as it is.
 
 #include "tests/fakes/instead.h"
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 #include "playback/miniForm.h"
@@ -19,7 +20,7 @@ protected:
     }
     Main &main() { return app.Main(); }
     forms::ListBox &names() { return app.playList_Form().playList_Item; }
-    void press() { main().openFile_Button.on().Click(); }
+    void press() { clickOn(main().openFile_Button); }
     bool saved() { return files.hasFile(u"/lists/zkPlayList.m3u"); }
 };
 
@@ -179,7 +180,7 @@ TEST(OpenButtonDialog, StandsOverDisabledWindows) {
         EXPECT_FALSE(app.playList_Form().enabled());
     };
     dialogs.expectOpen(std::nullopt);
-    app.Main().openFile_Button.on().Click();
+    clickOn(app.Main().openFile_Button);
     EXPECT_EQ(asked, 1);
 }
 

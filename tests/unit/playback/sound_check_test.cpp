@@ -1,5 +1,6 @@
 // What the sound-card check lists, and what it keeps silent about.
 
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 #include "playback/MenuForm.h"
@@ -19,7 +20,7 @@ protected:
         return fake.waveOut.devices.front();
     }
     std::u16string press() {
-        form().check.on().Click();
+        clickOn(form().check);
         return form().checkResult_Text.text();
     }
     // The lines of the list behind a heading up to the next empty line or the end.
@@ -235,7 +236,7 @@ TEST_F(SoundCheck, ADevicePulledOutSinceTheStartLeavesTheText) {
 
 TEST_F(SoundCheck, IsShownByMainsButtonAndTheMenuWithAnEmptyList) {
     start();
-    app.Main().check_SoundDriver.on().Click();
+    clickOn(app.Main().check_SoundDriver);
     EXPECT_TRUE(form().visible());
     EXPECT_EQ(form().checkResult_Text.text(), u"") << "the list comes with the press alone";
     form().hide();
@@ -247,7 +248,7 @@ TEST_F(SoundCheck, CloseHidesItAndKeepsTheList) {
     device();
     const std::u16string list = press();
     form().show();
-    form().close.on().Click();
+    clickOn(form().close);
     EXPECT_FALSE(form().visible());
     form().show();
     form().closeRequested();

@@ -3,6 +3,7 @@
 // look.
 
 #include "tests/fakes/instead.h"
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 #include "playback/MenuForm.h"
@@ -39,12 +40,12 @@ protected:
 constexpr auto stopped = u"00:00:00 - 00:00:00";
 
 TEST_F(StopOrder, OfTheStopButtonIsLookThenClose) {
-    app.Main().stopButton.on().Click();
+    clickOn(app.Main().stopButton);
     EXPECT_EQ(atClose, stopped);
 }
 
 TEST_F(StopOrder, OfTheMiniStripIsCloseThenLook) {
-    app.miniForm().stopButton.on().Click();
+    clickOn(app.miniForm().stopButton);
     EXPECT_EQ(atClose, u"playing");
     EXPECT_EQ(app.Main().play_Time.caption(), stopped);
 }

@@ -1,5 +1,6 @@
 // The transport buttons of the main window, and taking in a file that was picked.
 
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 #include "lyrics/lrcForm.h"
@@ -19,7 +20,7 @@ protected:
         app.setControl().Path_List = u"/lists";
         files.addFolder(u"/lists");
     }
-    void click(forms::Control &control) { control.on().Click(); }
+    void click(forms::Control &control) { clickOn(control); }
     Main &main() { return app.Main(); }
 };
 
@@ -83,6 +84,7 @@ TEST_F(Transport, PlayStartsATrackAgainThatEndedWithoutAutoPlay) {
 
 TEST_F(Transport, PauseSendsOneCommand) {
     openAndPlay(u"/m/a.mp3");
+    tickMain(); // shows the button
     media.clearCommands();
     click(main().pauseButton);
     EXPECT_EQ(media.texts(), Texts{u"pause NOWMUSIC"});

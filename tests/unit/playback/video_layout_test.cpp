@@ -1,6 +1,7 @@
 // The sizes of the video window, and where its controls stand in each.
 
 #include "tests/unit/playback/video_fixture.h"
+#include "tests/unit/pointer.h"
 
 namespace velmora {
 namespace {
@@ -180,10 +181,10 @@ TEST_F(Video, ASizeWithoutKeepPausesPutsAndPlays) {
 
 TEST_F(Video, FullScreenButtonGoesThereAndBack) {
     play();
-    window().fullScreen_Button.on().Click();
+    clickOn(window().fullScreen_Button);
     EXPECT_EQ(app.player().isFullScreen, -1);
     EXPECT_EQ(puts(), 1);
-    window().fullScreen_imgButton.on().Click();
+    clickOn(window().fullScreen_imgButton);
     EXPECT_EQ(app.player().isFullScreen, 0);
     EXPECT_EQ(puts(), 1);
     window().videoScreen.on().DblClick();
@@ -280,7 +281,7 @@ TEST_F(Video, PlayAndTheVolumeBarsBringItIntoBeing) {
     app.Main().Volume_Set_BG.on().MouseUp({forms::leftButton, 0, 100, 1});
     EXPECT_TRUE(app.videoScreenLoaded());
     app.unloadVideoScreen();
-    app.miniForm().Volume_ICO.on().Click();
+    clickOn(app.miniForm().Volume_ICO);
     EXPECT_TRUE(app.videoScreenLoaded());
 }
 

@@ -1,5 +1,6 @@
 // Video in the program's own window, and the window that is let go and made anew.
 
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 #include "base/numbers.h"
@@ -151,7 +152,7 @@ TEST_F(OwnWindow, ClosedByTheUserIsOnlyHiddenAndTheSoundGoesOn) {
     openAndPlay(u"/m/film.avi");
     auto &window = app.VideoScreen_Form();
     media.clearCommands();
-    window.close.on().Click();
+    clickOn(window.close);
     EXPECT_FALSE(window.visible());
     window.show();
     window.closeRequested();
@@ -170,7 +171,7 @@ TEST_F(OwnWindow, MayBeLetGoByAHandlerOfItsOwn) {
         app.unloadVideoScreen();
         handlerWentOn = window.stopButton.visible();
     };
-    window.stopButton.on().Click();
+    clickOn(window.stopButton);
     EXPECT_FALSE(app.videoScreenLoaded());
     windows.advance(1);
     EXPECT_TRUE(handlerWentOn);

@@ -2,6 +2,7 @@
 // every page shows, Apply goes through, and the window closes.
 
 #include "playlist/saveOrOpenFile.h"
+#include "tests/unit/pointer.h"
 #include "tests/unit/settings/settings_window_fixture.h"
 
 #include <functional>
@@ -119,9 +120,9 @@ TEST_P(AHostileRegistry, StopsNeitherTheStartNorTheSettingsWindow) {
     open();
     for (zkButton *tab : {&form.playSet, &form.lrcSet, &form.folderSet, &form.languageSet,
                           &form.Shortcuts, &form.help})
-        tab->on().Click();
-    form.yy.on().Click();
-    form.qx.on().Click();
+        clickOn(*tab);
+    clickOn(form.yy);
+    clickOn(form.qx);
     expectClosed();
     open();
     form.keyPressed(83, forms::ctrlMask);
@@ -140,7 +141,7 @@ TEST_P(AHostileRegistry, IsWholeAgainAfterOneConfirmation) {
     form.save_Lrc_Path.userEdited(u"/songs/words");
     form.save_PlayList_Path.userEdited(u"/songs/lists");
     form.save_PlayCache_Path.userEdited(u"/songs/cache");
-    form.qd.on().Click();
+    clickOn(form.qd);
     Velmora next(fake.bundle());
     next.start();
     EXPECT_EQ(next.setControl().Language_Index, 1);
@@ -163,7 +164,7 @@ TEST_F(HostileSettings, AFontThatIsNotInstalledKeepsItsNameThroughAConfirmation)
     registry.setText(playSetKey, u"Desktop_Lrc_Name", u"No Such Face");
     start();
     EXPECT_EQ(app.lrcForm().lrc_Text.font().name(), u"No Such Face");
-    app.playSetForm().yy.on().Click();
+    clickOn(app.playSetForm().yy);
     EXPECT_EQ(registry.value(playSetKey, u"Desktop_Lrc_Name")->text, u"No Such Face");
 }
 
@@ -175,7 +176,7 @@ TEST_F(HostileSettings, ASizeOutOfRangeLeavesTheSizeThatIsThereAndIsStoredAsThat
         prepareMachine();
         one.start();
         EXPECT_EQ(one.lrcForm().lrc_Text.font().size(), 36) << size;
-        one.playSetForm().yy.on().Click();
+        clickOn(one.playSetForm().yy);
         EXPECT_EQ(registry.value(playSetKey, u"Desktop_Lrc_Size")->number, 36U);
     }
 }
@@ -187,7 +188,7 @@ TEST_F(HostileSettings, ALanguageOutOfRangeLeavesEveryMessageEmptyUntilOneIsChos
     EXPECT_TRUE(app.Language().msg_Error.empty());
     app.Main().playSet_Button_Click();
     app.playSetForm().Language_English.userChose();
-    app.playSetForm().qd.on().Click();
+    clickOn(app.playSetForm().qd);
     EXPECT_EQ(app.Language().msg_Error, u"Error");
 }
 
@@ -198,7 +199,7 @@ TEST_F(HostileSettings, AFileInTheFoldersPlaceLetsTheListGoUnsavedWithoutAWord) 
     start();
     app.Main().playSet_Button_Click();
     app.playSetForm().save_PlayList_Path.userEdited(u"/songs/lists");
-    app.playSetForm().qd.on().Click();
+    clickOn(app.playSetForm().qd);
     EXPECT_EQ(settings.Path_List, u"/songs/lists");
     addRow(u"/m/a.mp3");
     EXPECT_TRUE(app.saveOrOpenFile().savePlayList());
