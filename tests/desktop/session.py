@@ -27,6 +27,18 @@ def wait_for(condition, seconds=15.0, step=0.02):
     return None
 
 
+def rest(look, seconds=10, still=0.4):
+    """What `look` gives once it has been the same, and something, for a while; None if it never is."""
+    since = [None, 0.0]
+
+    def steady():
+        now = look()
+        if now != since[0]:
+            since[:] = now, time.monotonic()
+        return now if time.monotonic() - since[1] > still else None
+    return wait_for(steady, seconds)
+
+
 # The tool that waits for the window manager; scripts that only measure go on without it.
 TAKEN = None
 # After these the window manager may hold back a press, or move the keyboard to another window.
@@ -35,6 +47,8 @@ HELD = {"click", "mousedown", "mouseup", "windowfocus"}
 # as on a busy machine: a test that fails then did not wait for what it needs.
 SLOW = os.environ.get("VELMORA_SLOW")
 STILL_S = 0.4
+USERS_OWN = {"DBUS_SESSION_BUS_ADDRESS", "LANG", "LANGUAGE", "SESSION_MANAGER", "TZ",
+             "WAYLAND_DISPLAY", "XAUTHORITY"}
 
 
 def let_pass(seconds):
@@ -68,11 +82,13 @@ class Session:
     def __init__(self, window_manager, sound=True):
         self.home = tempfile.mkdtemp(prefix="velmora-bench-")
         self.runtime = tempfile.mkdtemp(prefix="vb")
-        self.env = dict(os.environ, HOME=self.home, XDG_RUNTIME_DIR=self.runtime,
+        # Of the user's own session nothing counts that programs on a screen go by.
+        own = {name: value for name, value in os.environ.items()
+               if not name.startswith(("QT_", "XDG_", "LC_", "PULSE_")) and name not in USERS_OWN}
+        self.env = dict(own, HOME=self.home, XDG_RUNTIME_DIR=self.runtime,
                         XDG_CONFIG_HOME=self.home + "/config", XDG_DATA_HOME=self.home + "/data",
                         XDG_CACHE_HOME=self.home + "/cache", QT_XCB_GL_INTEGRATION="none",
                         PULSE_SERVER=f"unix:{self.runtime}/native", LC_ALL="C.UTF-8")
-        self.env.pop("WAYLAND_DISPLAY", None)
         for folder in ("config", "data", "cache"):
             os.makedirs(f"{self.home}/{folder}")
         self.children = []
@@ -251,7 +267,9 @@ class Recorder:
             stderr=subprocess.DEVNULL)
         self.thread = threading.Thread(target=self._read, daemon=True)
         self.thread.start()
-        wait_for(lambda: len(self.blocks) > 200)  # the sink has settled: it renders ahead when idle
+        # The sink has settled: it renders ahead when idle.
+        if not wait_for(lambda: len(self.blocks) > 200):
+            raise RuntimeError("nothing is recorded")
 
     def _read(self):
         while True:

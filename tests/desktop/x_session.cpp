@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <string_view>
 #include <thread>
 
 extern char **environ;
@@ -79,6 +80,19 @@ std::string readLine(int descriptor) {
     return line.substr(0, line.find('\n'));
 }
 
+// What of the user's own session programs on a screen go by. The density is the tests' own.
+bool isTheUsers(std::string_view entry) {
+    if (entry.starts_with("QT_SCALE_FACTOR="))
+        return false;
+    for (const std::string_view beginning :
+         {"DISPLAY=", "WAYLAND_DISPLAY=", "XAUTHORITY=", "SESSION_MANAGER=", "XDG_",
+          "HOME=", "DBUS_SESSION_BUS_ADDRESS=", "QT_", "LANG=", "LANGUAGE=", "LC_", "TZ="}) {
+        if (entry.starts_with(beginning))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 bool waitUntil(const std::function<bool()> &condition, int limitMs) {
@@ -114,12 +128,8 @@ XSession::~XSession() {
 std::vector<std::string> XSession::environment() const {
     std::vector<std::string> result;
     for (char **variable = environ; *variable != nullptr; ++variable) {
-        const std::string entry = *variable;
-        const bool ours = entry.starts_with("DISPLAY=") || entry.starts_with("WAYLAND_DISPLAY=") ||
-                          entry.starts_with("XDG_") || entry.starts_with("HOME=") ||
-                          entry.starts_with("DBUS_SESSION_BUS_ADDRESS=");
-        if (!ours)
-            result.push_back(entry);
+        if (!isTheUsers(*variable))
+            result.emplace_back(*variable);
     }
     result.push_back("DISPLAY=" + display_);
     result.push_back("HOME=" + home_);
@@ -127,13 +137,19 @@ std::vector<std::string> XSession::environment() const {
     result.push_back("XDG_DATA_HOME=" + home_ + "/data");
     result.push_back("XDG_CACHE_HOME=" + home_ + "/cache");
     result.push_back("XDG_RUNTIME_DIR=" + home_ + "/run");
+    result.emplace_back("LC_ALL=C.UTF-8");
     return result;
 }
 
 void XSession::exportToEnvironment() const {
-    for (const char *name :
-         {"WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "XDG_CURRENT_DESKTOP", "XDG_SESSION_TYPE"})
-        unsetenv(name);
+    std::vector<std::string> users;
+    for (char **variable = environ; *variable != nullptr; ++variable) {
+        const std::string_view entry = *variable;
+        if (isTheUsers(entry))
+            users.emplace_back(entry.substr(0, entry.find('=')));
+    }
+    for (const std::string &name : users)
+        unsetenv(name.c_str());
     for (const std::string &entry : environment()) {
         const std::size_t equals = entry.find('=');
         setenv(entry.substr(0, equals).c_str(), entry.substr(equals + 1).c_str(), 1);

@@ -63,7 +63,8 @@ class FilmSession(Session):
         self.server_options = (*self.server_options, "-fbdir", self.home)
         super()._display()
         path = f"{self.home}/Xvfb_screen0"
-        wait_for(lambda: os.path.exists(path) and os.path.getsize(path) > 4096)
+        if not wait_for(lambda: os.path.exists(path) and os.path.getsize(path) > 4096):
+            raise RuntimeError("no frame buffer")
         with open(path, "rb") as file:
             self.frame = mmap.mmap(file.fileno(), 0, access=mmap.ACCESS_READ)
         head = struct.unpack(">25I", self.frame[:100])

@@ -10,6 +10,8 @@ from session import wait_for
 
 
 class HouseholdTest(PlayerTest):
+    reads = True
+
     def setUp(self):
         super().setUp()
         self.served = self.session.home + "/served"

@@ -29,6 +29,12 @@ PLAIN_USER = ["setpriv", "--bounding-set", "-dac_override,-dac_read_search"]
 APP = "Program Files/Norvane软件/Velmora"
 TITLE = "Velmora 2011"
 HELP_PAGE = "Velmora 是一款小巧的媒体播放器"  # its first words
+# What boxes and dialogs say.
+PICK_FILE = "添加媒体文件"
+PICK_FOLDER = "请选择一个文件夹"
+PICK_FONT = "Select Font"
+PICK_COLOUR = "Select Color"
+NO_SOUND_CARD = "您的系统未安装声卡或声卡驱动无效"
 
 
 def design(name):
@@ -153,13 +159,21 @@ class Player:
         return "Override Redirect State: yes" in quiet("xwininfo", "-id", number,
                                                        env=self.session.env)
 
-    def box(self, seconds=15, says=None):
-        """A message box or dialog; one that says this, if it is named."""
-        def look():
-            found = self.others(unmanaged=False)
-            return next((number for number in found
-                         if says is None or self.says(number, says, 0.1)), None)
-        return wait_for(look, seconds)
+    def boxes(self):
+        """The message boxes and dialogs that are up, whatever they say."""
+        return self.others(unmanaged=False)
+
+    def box(self, says, seconds=15):
+        """The message box that says this, or the dialog with this in its title."""
+        assert "QT_LINUX_ACCESSIBILITY_ALWAYS_ON" in self.session.env, "these tests do not read"
+        return wait_for(lambda: next((number for number in self.boxes()
+                                      if says in self.title(number) or
+                                      self.says(number, says, 0.1)), None), seconds)
+
+    def stays_away(self, look, window):
+        """Whether `look` finds nothing once all that was sent to the window is done, and the window
+        manager has shown what it brought up."""
+        return self.took(window) and self.took(window) and not look()
 
     def menus(self, count=1, seconds=10):
         """The open popup menus, outermost first, once there are so many; None if there never are."""
@@ -212,16 +226,17 @@ class Player:
     def look(self, number, control, form=None):
         return self.picture(number, *(form or MAIN)[control])
 
-    def told(self):
-        """What the program tells assistive technology: its windows, each a tree of controls."""
-        return json.loads(quiet(WORDS, str(self.child.pid), env=self.session.env) or "[]")
+    def told(self, place=()):
+        """What the program tells assistive technology: its windows, or the one at a place, each a
+        tree of controls."""
+        return json.loads(quiet(WORDS, str(self.child.pid), *[str(side) for side in place],
+                                env=self.session.env) or "[]")
 
     def words(self, number, seconds=10):
         """Every name and text that shows in a window, in order; none if it tells of none."""
         def look():
-            place = [*self.place(number), *self.size(number)]
-            window = next((found for found in self.told() if found["place"] == place), None)
-            return list(said(window)) if window else None
+            found = self.told((*self.place(number), *self.size(number)))
+            return list(said(found[0])) if found else None
         return wait_for(look, seconds) or []
 
     def says(self, number, text, seconds=10):
@@ -285,11 +300,16 @@ class PlayerTest(unittest.TestCase):
         quiet("xdotool", "type", "--delay", "8", text, env=self.session.env)
         quiet("xdotool", "key", "Return", env=self.session.env)
 
-    def answer(self, player, key, says=None, seconds=15):
-        """Answers the box that is up, and that says this, and waits until it has gone."""
-        self.assertTrue(self.reads or not says, "these tests do not read")
-        box = player.box(seconds, says)
-        self.assertTrue(box, f"no box comes up that says {says}" if says else "no box comes up")
+    def assert_box(self, player, says, seconds=15):
+        """The box or dialog that comes up and says this."""
+        box = player.box(says, seconds)
+        self.assertTrue(box, f"no box comes up that says {says}, but "
+                             f"{[player.words(each, 1) for each in player.boxes()]}")
+        return box
+
+    def answer(self, player, key, says, seconds=15):
+        """Answers the box that comes up and says this, and waits until it has gone."""
+        box = self.assert_box(player, says, seconds)
         self.session.key(key, box)
         self.assertTrue(player.gone(box), "the box stays")
 

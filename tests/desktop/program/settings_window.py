@@ -13,6 +13,8 @@ LANGUAGE_ROWS = {"Chinese": 480, "English": 960, "French": 1440, "Japanese": 192
 
 
 class SettingsTest(PlayerTest):
+    reads = True
+
     def setUp(self):
         super().setUp()
         self.player = self.window = None
@@ -32,9 +34,6 @@ class SettingsTest(PlayerTest):
 
     def assert_closed(self):
         self.assertTrue(wait_for(lambda: not self.visible(SETTINGS)), "the settings stay open")
-
-    def message(self):
-        return self.player.box()
 
     # --- mouse, keys, looks --------------------------------------------------------------------
 

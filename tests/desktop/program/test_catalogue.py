@@ -12,14 +12,13 @@ import re
 import shutil
 import sqlite3
 import sys
-import time
 import unittest
 import urllib.error
 import urllib.request
 
 from household import HouseholdTest
 from player import PROGRAM, SOURCE, WELCOME, Player, PlayerTest, design, stairs
-from session import quiet, wait_for
+from session import quiet, rest, wait_for
 
 LYRICS = design("src/network/search_Lrc_Internet_Form.form")
 SONGS = design("src/network/search_Song_Internet_Form.form")
@@ -91,6 +90,8 @@ class Languages(HouseholdTest):
     """A process for each."""
 
     ERROR = ("错误", "Error", "Erreur", "エラー")
+    LATEST = ("您当前的版本已最新", "Your current version of the latest",
+              "Votre version est la plus récente", "お使いのバージョンは最新です")
 
     def speak(self, number):
         database = sqlite3.connect(self.registry)
@@ -102,15 +103,11 @@ class Languages(HouseholdTest):
 
     def rest(self, window, control=None, form=None):
         """What a window or control shows, once it has been the same for a while."""
-        since = [None, 0]
-
         def look():
             now = self.player.look(window, control, form) if control else \
                 self.player.picture(window, 0, 0, *self.player.size(window))
-            if now != since[0]:
-                since[:] = now, time.monotonic()
-            return now if time.monotonic() - since[1] > 0.3 and any(now) else None
-        return wait_for(look)
+            return now if any(now) else None
+        return rest(look)
 
     def keep(self, name, window):
         folder = os.environ.get("VELMORA_ARTIFACTS")
@@ -131,8 +128,7 @@ class Languages(HouseholdTest):
         self.player.click(lyrics, "search_Button", form=LYRICS)
         self.assertTrue(wait_for(lambda: self.found(lyrics), 10))
         self.player.click(lyrics, "save", form=LYRICS)  # without a row chosen
-        box = self.player.box()
-        self.assertTrue(box, "nothing is said")
+        box = self.assert_box(self.player, "未选择指定下载链接！")
         self.assertEqual(self.player.title(box), self.ERROR[number])
         self.keep(f"no_row_{number}", box)
         self.session.key("Return", box)
@@ -154,8 +150,7 @@ class Languages(HouseholdTest):
         self.assertTrue(self.player.menus(), "no menu comes up")
         for key in ("Up", "Up", "Up", "Up", "Return"):  # close, help, about, update
             self.session.key(key)
-        box = self.player.box()
-        self.assertTrue(box, "the check says nothing")
+        box = self.assert_box(self.player, self.LATEST[number])
         spoken["latest"] = self.rest(box)
         self.keep(f"latest_{number}", box)
         self.session.key("Return", box)

@@ -11,8 +11,8 @@ import signal
 import sys
 import unittest
 
-from listing import ListTest, silence
-from player import ASK, LIST, TITLE
+from listing import DEEPER, SURE, ListTest, silence
+from player import ASK, LIST, PICK_FILE, PICK_FOLDER, TITLE
 from session import wait_for
 
 SECONDS = 12  # the first track; held back until the rows are chosen
@@ -62,12 +62,11 @@ class Deleting(ChosenTest):
         self.click_row(player, rows, 2)
         self.go_on(player, main)
         self.session.key("shift+Delete", rows)
-        box = player.box()
-        self.assertTrue(box, "no question comes up")
+        self.assert_box(player, SURE)
         self.assert_still_playing(player, main)
         self.wait_for_the_next(player, main)
-        self.answer(player, "y")
-        self.answer(player, "y")  # removal from the list
+        self.answer(player, "y", SURE)
+        self.answer(player, "y", SURE)  # removal from the list
         self.assertTrue(wait_for(lambda: player.title(main) == TITLE, 10), "the track stays open")
         self.assert_story(player, rows, self.tracks)
         self.assert_on_disk(self.tracks)
@@ -79,11 +78,11 @@ class Deleting(ChosenTest):
         self.click_row(player, rows, 3, held="ctrl")
         self.go_on(player, main)
         self.session.key("shift+Delete", rows)
-        self.assertTrue(player.box(), "no question comes up")
+        self.assert_box(player, SURE)
         self.assert_still_playing(player, main)
         self.wait_for_the_next(player, main)
-        self.answer(player, "y")
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
+        self.answer(player, "y", SURE)
         self.assert_story(player, rows, [self.tracks[0]] + self.tracks[2:])
         self.assert_on_disk([self.tracks[0]] + self.tracks[2:])
 
@@ -98,7 +97,7 @@ class Deleting(ChosenTest):
             self.session.key(key)
         self.assertTrue(player.menus(2), "no submenu comes up")
         self.session.key("Return")  # from the disk, what is selected
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
         self.assertTrue(wait_for(lambda: player.title(main) == TITLE, 10), "the track stays open")
         self.assert_on_disk(self.tracks)
         self.assert_story(player, rows, self.tracks)
@@ -120,9 +119,9 @@ class LongRemoval(ChosenTest):
         self.session.key("shift+End", rows)
         self.go_on(player, main)
         self.session.key("Delete", rows)
-        self.assertTrue(player.box(), "no question comes up")
+        self.assert_box(player, SURE)
         self.assert_still_playing(player, main)
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
         self.assert_still_playing(player, main)
         self.wait_for_the_next(player, main)
         left = wait_for(self.quiet_list, 30)
@@ -156,14 +155,14 @@ class LongDeletion(ChosenTest):
         self.click_row(player, rows, 4)
         self.session.key("shift+End", rows)
         self.session.key("shift+Delete", rows)
-        self.answer(player, "y")
+        self.answer(player, "y", SURE)
         self.assertTrue(wait_for(lambda: not os.path.exists(self.tracks[4]), 10), "nothing goes")
         player.click(main, "playButton")
         for key in ("F2", "F6", "F5", "F7", "F10"):
             self.session.key(key, main)
         player.click(main, "nextButton")
         player.click(main, "song_GoTo_List")
-        self.answer(player, "y", seconds=120)  # the second question of the key
+        self.answer(player, "y", SURE, seconds=120)  # the second question of the key
         self.assert_story(player, rows, self.tracks[:4])
         self.assert_on_disk(self.tracks[:4])
         self.assertFalse(any(os.path.exists(track) for track in self.tracks[4:]))
@@ -203,8 +202,7 @@ class Copying(ChosenTest):
         self.click_row(player, rows, 3, held="ctrl")
         self.go_on(player, main)
         self.session.key("F10", rows)
-        dialog = player.box()
-        self.assertTrue(dialog, "no dialog comes up")
+        dialog = self.assert_box(player, PICK_FOLDER)
         self.assert_still_playing(player, main)
         self.wait_for_the_next(player, main)
         self.type_into(dialog, target)
@@ -264,8 +262,7 @@ class Reading(AtOnce):
         self.assertEqual(self.list_lines(), self.tracks)
         # Behind it all works again.
         self.session.key("F7", main)
-        dialog = player.box()
-        self.assertTrue(dialog, "no dialog comes up")
+        dialog = self.assert_box(player, PICK_FILE)
         added = self.music + "/added.wav"
         silence(added)
         self.type_into(dialog, added)
@@ -285,12 +282,10 @@ class Adding(AtOnce):
         player, main, rows = self.start_held()
         self.go_on(player, main)
         player.click(rows, "addDir", form=LIST)
-        dialog = player.box()
-        self.assertTrue(dialog, "no dialog comes up")
+        dialog = self.assert_box(player, PICK_FOLDER)
         self.type_into(dialog, folder)
         self.assertTrue(player.gone(dialog), "the dialog stays")
-        box = player.box()
-        self.assertTrue(box, "no question comes up")
+        box = self.assert_box(player, DEEPER)
         self.assert_still_playing(player, main)
         self.wait_for_the_next(player, main)
         with self.held(player):

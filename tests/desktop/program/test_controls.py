@@ -174,6 +174,8 @@ class MainWindow(Sound):
 
 
 class MiniWindow(Sound):
+    reads = True
+
     def setUp(self):
         super().setUp()
         self.press("mini_Button")
@@ -242,8 +244,7 @@ class MiniWindow(Sound):
     def test_it_shows_the_lyric_and_its_two_windows_come_and_go(self):
         empty = self.player.look(self.strip, "lrcBox", MINI)
         self.press_strip("playInfo")
-        box = self.player.box()
-        self.assertTrue(box, "nothing is said of a track that is not there")
+        box = self.assert_box(self.player, "没有播放曲目，无法获得正在播放曲目的信息！")
         self.session.key("Return", box)
         self.assertTrue(self.player.gone(box))
         self.begin_strip()

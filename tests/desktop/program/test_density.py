@@ -65,8 +65,8 @@ class Density(ListTest):
         self.player.tool("mousemove", *self.player.point(main, *self.at(150, 13)))
         self.player.tool("mousedown", 1)
         # A drag begins where the pointer is when the press is handled.
-        wait_for(lambda: "ABOVE" in quiet("xprop", "-id", main, "_NET_WM_STATE",
-                                          env=self.session.env), 5)
+        self.assertTrue(wait_for(lambda: "ABOVE" in quiet(
+            "xprop", "-id", main, "_NET_WM_STATE", env=self.session.env), 5), "no drag begins")
         for _ in range(9):
             self.player.tool("mousemove_relative", "--", -13, 7)
         target = (before[0] - 9 * 13, before[1] + 9 * 7)

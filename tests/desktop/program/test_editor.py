@@ -11,15 +11,21 @@ import sys
 import unittest
 
 from player import FORM_SIZES, MAIN, PlayerTest, design, stairs
-from session import quiet, wait_for
+from session import quiet, rest, wait_for
 
 EDITOR = design("src/lyrics/doLrcForm.form")
 FORM_SIZES.add(tuple(int(side) for side in EDITOR["form"][2:4]))
 ROW = 18
+# What the editor's boxes and dialogs say.
+THERE = "该歌词文件已存在，是否覆盖？"
+SAVED = "已成功保存"
+PICK_TARGET = "选择要保存歌词同步文件的地址"
 STAMP = r"\[00:(\d\d)\.(\d{1,2})\]"
 
 
 class EditorTest(PlayerTest):
+    reads = True
+
     def setUp(self):
         super().setUp()
         self.have_track("song")
@@ -75,19 +81,11 @@ class EditorTest(PlayerTest):
         for key in keys:
             self.session.key(key)
 
-    def confirm(self, player, key):
-        """Answers the box that is up, and waits until it is gone."""
-        box = player.box()
-        self.assertTrue(box, "no box comes up")
-        quiet("xdotool", "windowfocus", "--sync", box, env=self.session.env)
-        self.session.key(key)
-        self.assertTrue(player.gone(box))
-
     def save(self, player, editor):
         """Ctrl+S over the lyric that is there already, and the word that it was saved."""
         self.session.key("ctrl+s", editor)
-        self.confirm(player, "y")
-        self.confirm(player, "Return")
+        self.answer(player, "y", THERE)
+        self.answer(player, "Return", SAVED)
 
 
 class Editing(EditorTest):
@@ -111,8 +109,8 @@ class Editing(EditorTest):
         before = player.look(main, "lrcBox")
         player.click(main, "load_Played_BG", share=(stamps[0] + 1.5) / 60)
         self.assertTrue(wait_for(lambda: player.look(main, "lrcBox") != before, 10))
-        wait_for(lambda: False, 0.5)  # the line has come to rest
-        waiting = player.look(main, "lrcBox")
+        waiting = rest(lambda: player.look(main, "lrcBox"))
+        self.assertTrue(waiting, "the line never comes to rest")
         player.click(main, "load_Played_BG", share=max(0.5, stamps[0] - 1.5) / 60)
         self.assertTrue(wait_for(lambda: player.look(main, "lrcBox") != waiting, 10),
                         "the saved lyric is not shown")
@@ -133,17 +131,14 @@ class Editing(EditorTest):
         player, _, editor = self.edit("[00:01.00]first")
         other = self.session.home + "/elsewhere.lrc"
         self.session.key("shift+s", editor)
-        dialog = player.box()
-        self.assertTrue(dialog, "no dialog comes up")
-        self.type_into(dialog, other)
+        self.type_into(self.assert_box(player, PICK_TARGET), other)
         self.assertTrue(wait_for(lambda: os.path.exists(other), 10))
-        self.confirm(player, "Return")
+        self.answer(player, "Return", SAVED)
         self.assertIn("[00:01.00]first", self.saved(other))
         self.write_lyric(other, "[00:07.00]from another file")
         self.choose(player, editor, 0)
         self.session.key("ctrl+o", editor)
-        dialog = player.box()
-        self.assertTrue(dialog, "no dialog comes up")
+        dialog = self.assert_box(player, "选择歌词同步文件 - ")
         self.type_into(dialog, other)
         self.assertTrue(player.gone(dialog))
         self.save(player, editor)
@@ -153,10 +148,11 @@ class Editing(EditorTest):
         self.have_track("Mr. Blue")
         player, _, editor = self.edit("[00:01.00]first")
         self.session.key("shift+s", editor)
-        self.confirm(player, "Return")  # the name that it proposes, in the working folder
+        # The name that it proposes, in the working folder.
+        self.answer(player, "Return", PICK_TARGET)
         path = self.session.home + "/Mr. Blue"
         self.assertTrue(wait_for(lambda: os.path.exists(path + ".lrc"), 10))
-        self.confirm(player, "Return")
+        self.answer(player, "Return", SAVED)
         self.assertIn("[00:01.00]first", self.saved(path + ".lrc"))
         self.assertFalse(os.path.exists(path))
 
@@ -169,14 +165,12 @@ class Editing(EditorTest):
             pass  # no folder can be made there now
         self.choose(player, editor, 0)
         self.session.key("ctrl+s", editor)
-        self.confirm(player, "Return")
+        self.answer(player, "Return", "保存失败，请确定您有写入权限！")
         self.assertIsNone(player.child.poll())
         # The lines are still there: saved elsewhere they come out whole.
         other = self.session.home + "/rescued.lrc"
         self.session.key("shift+s", editor)
-        dialog = player.box()
-        self.assertTrue(dialog, "no dialog comes up")
-        self.type_into(dialog, other)
+        self.type_into(self.assert_box(player, PICK_TARGET), other)
         self.assertTrue(wait_for(lambda: os.path.exists(other), 10))
         self.assertIn("[00:01.00]first", self.saved(other))
 

@@ -13,7 +13,7 @@ import sys
 import unittest
 
 from listing import DEEPER, NOT_COPIED, SURE, ListTest, silence
-from player import ASK, LIST, TITLE
+from player import ASK, LIST, PICK_FOLDER, TITLE
 from session import let_pass, quiet, wait_for
 
 
@@ -25,7 +25,7 @@ def content(path):
 class Renaming(ListTest):
     count = 2
 
-    def rename(self, player, rows, row, text, button="OK", refused=False):
+    def rename(self, player, rows, row, text, button="OK", refused=None):
         self.click_row(player, rows, row)
         player.click(rows, "Alter", form=LIST)
         ask = player.form(ASK)
@@ -34,7 +34,7 @@ class Renaming(ListTest):
             self.write_into(player, ask, text)
         player.click(ask, button, form=ASK)
         if refused:
-            self.answer(player, "Return")  # the system's words; the question goes after it
+            self.answer(player, "Return", refused)  # the question goes after it
         self.assertTrue(player.gone(ask), "the question stays")
 
     def test_the_file_and_its_row_get_the_name(self):
@@ -94,7 +94,7 @@ class Renaming(ListTest):
         link = self.music + "/dangling.wav"
         os.symlink("/no/where", link)
         player, _, rows = self.start_with_list()
-        self.rename(player, rows, 0, "dangling", refused=True)
+        self.rename(player, rows, 0, "dangling", refused="File exists")
         self.assert_story(player, rows, self.tracks)
         self.assertTrue(os.path.islink(link))
 
@@ -111,7 +111,7 @@ class Renaming(ListTest):
     def test_nothing_is_renamed_onto_another_file(self):
         player, _, rows = self.start_with_list()
         kept = [content(track) for track in self.tracks]
-        self.rename(player, rows, 0, "track 1", refused=True)
+        self.rename(player, rows, 0, "track 1", refused="File exists")
         self.assert_story(player, rows, self.tracks)
         self.assertEqual([content(track) for track in self.tracks], kept)
 
@@ -119,7 +119,7 @@ class Renaming(ListTest):
         player, _, rows = self.start_with_list()
         os.mkdir(self.music + "/inner")
         for name in ("inner/track", "../track", "/tmp/track"):
-            self.rename(player, rows, 0, name, refused=True)
+            self.rename(player, rows, 0, name, refused="Invalid argument")
             self.assert_story(player, rows, self.tracks)
             self.assertTrue(os.path.exists(self.tracks[0]))
         self.assertEqual(os.listdir(self.music + "/inner"), [])
@@ -144,7 +144,7 @@ class Renaming(ListTest):
 
     def test_a_name_too_long_for_the_disk_is_refused(self):
         player, _, rows = self.start_with_list()
-        self.rename(player, rows, 0, "n" * 252, refused=True)
+        self.rename(player, rows, 0, "n" * 252, refused="File name too long")
         self.assert_story(player, rows, self.tracks)
         self.assertTrue(os.path.exists(self.tracks[0]))
 
@@ -159,8 +159,7 @@ class Copying(ListTest):
 
     def choose_folder(self, player, rows, folder):
         self.session.key("F10", rows)
-        dialog = player.box()
-        self.assertTrue(dialog, "no dialog comes up")
+        dialog = self.assert_box(player, PICK_FOLDER)
         self.type_into(dialog, folder)
         self.assertTrue(player.gone(dialog), "the dialog stays")
 
@@ -182,7 +181,7 @@ class Copying(ListTest):
         player, _, rows = self.start_with_list()
         self.click_row(player, rows, 0)
         self.session.key("F10", rows)
-        self.answer(player, "Escape")
+        self.answer(player, "Escape", PICK_FOLDER)
         self.assert_story(player, rows, self.tracks)
         # The list takes input again.
         self.session.key("Delete", rows)
@@ -244,7 +243,7 @@ class Copying(ListTest):
         player, _, rows = self.start_with_list()
         self.click_row(player, rows, 0)
         self.session.key("F10", rows)
-        dialog = player.box()
+        dialog = self.assert_box(player, PICK_FOLDER)
         self.type_into(dialog, self.target)
         self.assertTrue(wait_for(lambda: self.is_copying(player), 10, 0.002), "no copy began")
         return player, rows, big
@@ -261,7 +260,8 @@ class Copying(ListTest):
         os.kill(player.child.pid, signal.SIGSTOP)
         let_pass(0.6)  # longer than a copy lasts that shows no progress
         os.kill(player.child.pid, signal.SIGCONT)
-        progress = player.box()
+        # What it says is not read: the copy would be through meanwhile. What Escape does tells it.
+        progress = wait_for(lambda: next(iter(player.boxes()), None))
         self.assertTrue(progress, "no progress is shown")
         self.assertEqual([name for name in os.listdir(self.target) if not name.startswith(".")], [])
         self.session.key("Escape", progress)
@@ -340,8 +340,7 @@ class AddingFolders(ListTest):
 
     def add(self, player, rows, folder, deep):
         player.click(rows, "addDir", form=LIST)
-        dialog = player.box()
-        self.assertTrue(dialog, "no dialog comes up")
+        dialog = self.assert_box(player, PICK_FOLDER)
         self.type_into(dialog, folder)
         self.assertTrue(player.gone(dialog), "the dialog stays")
         self.answer(player, "y" if deep else "n", DEEPER)
@@ -385,7 +384,7 @@ class AddingFolders(ListTest):
     def test_a_refused_dialog_changes_nothing(self):
         player, _, rows = self.start_with_list()
         player.click(rows, "addDir", form=LIST)
-        self.answer(player, "Escape")
+        self.answer(player, "Escape", PICK_FOLDER)
         self.assert_story(player, rows, self.tracks)
 
 

@@ -10,7 +10,7 @@ import sys
 import unittest
 
 from listing import LIST_LEFT, LIST_TOP, NOTHING_CHOSEN, ROW, SURE, ListTest, line_of, silence
-from player import ABOUT, ASK, LIST, TITLE
+from player import ABOUT, ASK, LIST, PICK_FILE, TITLE
 from session import wait_for
 
 
@@ -20,9 +20,7 @@ class Keys(ListTest):
         self.click_row(player, rows, 0)
         self.select_all(player, rows)
         self.session.key("Delete", rows)
-        box = player.box()
-        self.assertTrue(box)
-        self.assertEqual(player.title(box), TITLE)
+        self.assertEqual(player.title(self.assert_box(player, SURE)), TITLE)
         self.answer(player, "n", SURE)
         self.assert_story(player, rows, self.tracks)
         self.session.key("Delete", rows)
@@ -103,13 +101,12 @@ class Keys(ListTest):
         for _ in range(2):
             self.click_row(player, rows, 0)
             self.session.key("F7", rows)
-            dialog = player.box()
-            self.assertTrue(dialog, "no dialog comes up")
+            dialog = self.assert_box(player, PICK_FILE)
             self.type_into(dialog, added)
             self.assertTrue(player.gone(dialog))
             self.assert_story(player, rows, self.tracks + [added])
         self.session.key("F7", rows)
-        self.answer(player, "Escape")
+        self.answer(player, "Escape", PICK_FILE)
         self.assert_story(player, rows, self.tracks + [added])
         self.assert_a_reload_changes_nothing(player, rows)
 

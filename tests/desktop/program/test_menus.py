@@ -12,7 +12,7 @@ import unittest
 import misbehaving
 from listing import DEEPER, SURE, ListTest, silence
 from player import (ABOUT, ASK, CHECK, FORM_SIZES, HELP_PAGE, LIST, LYRIC_SEARCH, MAIN, MINI,
-                    SETTINGS, SOURCE, TITLE, design)
+                    PICK_FILE, PICK_FOLDER, SETTINGS, SOURCE, TITLE, design)
 from session import Session, wait_for
 
 EDITOR = design("src/lyrics/doLrcForm.form")
@@ -250,13 +250,13 @@ class ListMenu(MenuTest):
         added = self.music + "/added.wav"
         silence(added)
         choose("playlist_Add", "playlist_AddFile")
-        self.type_into(player.box(), added)
+        self.type_into(self.assert_box(player, PICK_FILE), added)
         self.assert_story(player, rows, self.tracks + [added])
         inner = self.music + "/inner"
         os.mkdir(inner)
         silence(inner + "/deep.wav")
         choose("playlist_Add", "playlist_AddFolder")
-        dialog = player.box()
+        dialog = self.assert_box(player, PICK_FOLDER)
         self.type_into(dialog, inner)
         self.assertTrue(player.gone(dialog))
         self.answer(player, "n", DEEPER)
@@ -269,7 +269,7 @@ class ListMenu(MenuTest):
         target = self.session.home + "/stick"
         os.mkdir(target)
         choose("playlist_Send")
-        self.type_into(player.box(), target)
+        self.type_into(self.assert_box(player, PICK_FOLDER), target)
         self.assertTrue(wait_for(lambda: os.listdir(target) == ["track 0.wav"]), "no copy")
         choose("playlist_Search")
         ask = self.assert_window(player, ASK)
@@ -354,7 +354,7 @@ class Buttons(MenuTest):
         added = self.music + "/added.wav"
         silence(added)
         player.click(main, "openFile_Button")
-        self.type_into(player.box(), added)
+        self.type_into(self.assert_box(player, PICK_FILE), added)
         self.assert_title(player, main, "4/4")
         self.assert_list(self.tracks + [added])
 
@@ -363,7 +363,7 @@ class Buttons(MenuTest):
         added = self.music + "/added.wav"
         silence(added)
         player.click(rows, "addFile", form=LIST)
-        self.type_into(player.box(), added)
+        self.type_into(self.assert_box(player, PICK_FILE), added)
         self.assert_story(player, rows, self.tracks + [added])
         self.click_row(player, rows, 1)
         player.click(rows, "delIndx", form=LIST)
@@ -398,7 +398,7 @@ class Buttons(MenuTest):
         target = self.session.home + "/stick"
         os.mkdir(target)
         self.session.key("F10", main)
-        self.type_into(player.box(), target)
+        self.type_into(self.assert_box(player, PICK_FOLDER), target)
         self.assertTrue(wait_for(lambda: os.listdir(target) == ["track 1.wav"]), "no copy")
 
 

@@ -11,8 +11,8 @@ import subprocess
 import sys
 import unittest
 
-from listing import DEEPER, NOT_COPIED, SURE, ListTest, line_of, silence
-from player import ASK, LIST
+from listing import DEEPER, SURE, ListTest, line_of, silence
+from player import ASK, LIST, PICK_FOLDER
 from session import wait_for
 
 HARD = [b"quo\"te's.wav", b"line\nbreak\r.wav", b"back\\slash.wav", b"no \xff\xfe text.wav",
@@ -37,8 +37,7 @@ class HardNames(ListTest):
         self.write_list([])
         player, _, rows = self.start_with_list()
         player.click(rows, "addDir", form=LIST)
-        dialog = player.box()
-        self.assertTrue(dialog, "no dialog comes up")
+        dialog = self.assert_box(player, PICK_FOLDER)
         self.type_into(dialog, self.music)
         self.assertTrue(player.gone(dialog))
         self.answer(player, "y", DEEPER)
@@ -55,8 +54,7 @@ class HardNames(ListTest):
         player, _, rows = self.start_with_list()
         self.select_all(player, rows)
         self.session.key("F10", rows)
-        dialog = player.box()
-        self.assertTrue(dialog, "no dialog comes up")
+        dialog = self.assert_box(player, PICK_FOLDER)
         self.type_into(dialog, target)
         self.assertTrue(wait_for(lambda: self.names(target) == sorted(HARD), 15),
                         self.names(target))
@@ -119,8 +117,7 @@ class EndInTheMiddle(ListTest):
         self.click_row(player, rows, 0)
         self.select_all(player, rows)
         self.session.key("shift+Delete", rows)
-        box = player.box()
-        self.assertTrue(box, "no box comes up")
+        box = self.assert_box(player, SURE)
         self.session.key("y", box)
         self.assertTrue(wait_for(lambda: not os.path.exists(tracks[5]), 10, 0.001))
         os.kill(player.child.pid, signal.SIGKILL)
@@ -163,11 +160,10 @@ class NoRoom(ListTest):
         self.click_row(player, rows, 0)
         self.limit(player, 1000)
         self.session.key("F10", rows)
-        dialog = player.box()
-        self.assertTrue(dialog, "no dialog comes up")
+        dialog = self.assert_box(player, PICK_FOLDER)
         self.type_into(dialog, target)
         self.assertTrue(player.gone(dialog))
-        self.answer(player, "Return", NOT_COPIED)
+        self.answer(player, "Return", "File too large")
         self.assertEqual(os.listdir(target), [])
         self.assertIsNone(player.child.poll(), "the program ended")
         self.limit(player, "unlimited")

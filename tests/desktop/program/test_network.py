@@ -14,7 +14,7 @@ import unittest
 
 from household import HouseholdTest
 from player import design, stairs
-from session import Recorder, quiet, wait_for
+from session import Recorder, quiet, rest, wait_for
 
 LYRICS = design("src/network/search_Lrc_Internet_Form.form")
 SONGS = design("src/network/search_Song_Internet_Form.form")
@@ -22,12 +22,11 @@ PANEL = (180 / 15, 480 / 15)  # of the download
 BAR = (PANEL[0] + 240 / 15, PANEL[1] + 2610 / 15, 3930 / 15, 270 / 15)
 STOP = (PANEL[0] + (1470 + 735) / 15, PANEL[1] + (3720 + 195) / 15)
 ROW = 27
+THERE = "该曲目文件已存在，是否覆盖？"
 LYRIC = "[00:01.00]first words\r\n[00:02.00]second words\r\n"
 
 
 class NetworkTest(HouseholdTest):
-    reads = True
-
     def look_for(self, window, form, name, singer=""):
         for box, text in (("songName_Text", name), ("singer_Str", singer)):
             self.player.click(window, box, form=form)
@@ -127,14 +126,7 @@ class Lyrics(NetworkTest):
 
     def at_rest(self, seconds=10):
         """What the main window's line shows, once it stands still."""
-        since = [None, 0]
-
-        def look():
-            now = self.player.look(self.window, "lrcBox")
-            if now != since[0]:
-                since[:] = now, time.monotonic()
-            return now if time.monotonic() - since[1] > 0.5 else None
-        return wait_for(look, seconds)
+        return rest(lambda: self.player.look(self.window, "lrcBox"), seconds)
 
     def test_a_lyric_that_was_searched_and_fetched_is_shown_in_time(self):
         words = "[00:40.00]all in good time\r\n"
@@ -201,11 +193,11 @@ class Songs(NetworkTest):
             file.write(b"what is there")
         before = self.content(self.cached("LOW TONE.WAV"))
         self.player.click_at(window, *self.row(SONGS, 0), times=2)
-        self.answer(self.player, "n", "该曲目文件已存在，是否覆盖？")
+        self.answer(self.player, "n", THERE)
         self.assertTrue(self.player.took(window))
         self.assertEqual(self.content(self.cached("LOW TONE.WAV")), before)
         self.player.click_at(window, *self.row(SONGS, 0), times=2)
-        self.answer(self.player, "y", "该曲目文件已存在，是否覆盖？")
+        self.answer(self.player, "y", THERE)
         self.assert_content(self.cached("LOW TONE.WAV"), self.content(self.served + "/Low tone.wav"))
 
     def big_song(self, size):
@@ -287,10 +279,7 @@ class Songs(NetworkTest):
         window = self.open("search_Song_Internet", SONGS)
         self.look_for(window, SONGS, "Big")
         self.fetch_first(window, SONGS)
-        box = self.player.box()
-        self.assertTrue(box, "it does not ask")
-        self.session.key("y", box)
-        self.assertTrue(self.player.gone(box))
+        self.answer(self.player, "y", THERE)
         self.assertTrue(wait_for(lambda: self.size_of("BIG.WAV") == size, 30))
         self.assertTrue(wait_for(lambda: os.path.exists(self.list_file()) and
                                  self.list_lines() == [self.cached("BIG.WAV")], 15))

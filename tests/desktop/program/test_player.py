@@ -13,7 +13,7 @@ import sys
 import time
 import unittest
 
-from player import PROGRAM, TITLE, Player, PlayerTest, stairs
+from player import NO_SOUND_CARD, PROGRAM, TITLE, Player, PlayerTest, stairs
 from session import Recorder, quiet, wait_for
 
 
@@ -103,7 +103,7 @@ class SecondStart(PlayerTest):
     def test_it_refuses_with_a_message_and_the_first_goes_on(self):
         first, _ = self.start()
         second = Player(self.session)
-        box = second.box(says="已经运行了一个")
+        box = second.box("已经运行了一个")
         self.assertTrue(box, "no message comes up")
         self.assertEqual(second.title(box), TITLE)
         self.session.key("Return", box)
@@ -179,12 +179,12 @@ class Lasting(PlayerTest):
 
 
 class WithoutSound(PlayerTest):
+    reads = True
     sound = False
 
     def test_the_message_comes_and_the_player_goes_on(self):
         player = Player(self.session)
-        box = player.box()
-        self.assertTrue(box, "no message comes up")
+        box = self.assert_box(player, NO_SOUND_CARD)
         self.assertEqual(player.title(box), TITLE)
         self.session.key("Return", box)
         self.assertTrue(player.window(), "the player does not come up without a sound device")

@@ -8,7 +8,7 @@ import os
 import sys
 import unittest
 
-from player import ABOUT, LIST, PROGRAM, SETTINGS, stairs
+from player import ABOUT, LIST, PICK_COLOUR, PICK_FOLDER, PICK_FONT, PROGRAM, SETTINGS, stairs
 from session import quiet, wait_for
 from settings_window import FRAME, INFO, LANGUAGE_ROWS, PAGES, SettingsTest
 
@@ -160,9 +160,8 @@ class ByKeyboard(SettingsTest):
         self.on(steps + 1)
         return settings
 
-    def assert_box(self):
-        box = self.player.box()
-        self.assertTrue(box, "no box comes up")
+    def focused_box(self, says):
+        box = self.assert_box(self.player, says)
         quiet("xdotool", "windowfocus", "--sync", box, env=self.session.env)
         return box
 
@@ -287,7 +286,7 @@ class ByKeyboard(SettingsTest):
             os.makedirs(f"{self.session.home}/{name}")
             self.on(1)
             self.keys("Return")
-            box = self.assert_box()
+            box = self.focused_box(PICK_FOLDER)
             self.type_into(box, f"{self.session.home}/{name}")
             self.assert_back(box)
             self.on(1)
@@ -303,14 +302,14 @@ class ByKeyboard(SettingsTest):
         for size, colour in ((20, "#10ff20"), (30, "#0102ff")):
             self.on(2)  # preview, font
             self.keys("Return")
-            box = self.assert_box()
+            box = self.focused_box(PICK_FONT)
             self.keys("alt+s", "ctrl+a")
             quiet("xdotool", "type", str(size), env=self.session.env)
             self.keys("Return")
             self.assert_back(box)
             self.on(1)
             self.keys("space")
-            box = self.assert_box()
+            box = self.focused_box(PICK_COLOUR)
             self.keys("alt+h", "ctrl+a")
             quiet("xdotool", "type", colour, env=self.session.env)
             self.keys("Return")
@@ -359,7 +358,7 @@ class ByKeyboard(SettingsTest):
         self.open()
         self.on(6)  # in order, random, repeat, update, video, restore
         self.keys("Return")
-        box = self.assert_box()
+        box = self.focused_box("您确定要删除以前的设置来恢复吗？")
         self.keys("n")
         self.assert_back(box)
         self.keys("ctrl+s")

@@ -10,7 +10,7 @@ import subprocess
 import sys
 import unittest
 
-from player import APP, SETTINGS, stairs
+from player import APP, PICK_COLOUR, PICK_FOLDER, PICK_FONT, SETTINGS, stairs
 from session import quiet, wait_for
 from settings_window import FRAME, LANGUAGE_ROWS, PAGES, SettingsTest
 
@@ -27,9 +27,11 @@ class Dialogs(SettingsTest):
     LIST_FOLDER = (FRAME[0] + (5820 + 240) / 15, FRAME[1] + (1845 + 240) / 15)
 
     def dialog(self, window, place):
+        says = {self.DESKTOP_FONT: PICK_FONT, self.OTHER_FONT: PICK_FONT,
+                self.DESKTOP_COLOUR: PICK_COLOUR, self.OTHER_COLOUR: PICK_COLOUR,
+                self.LIST_FOLDER: PICK_FOLDER}[place]
         self.press(window, *place)
-        box = self.message()
-        self.assertTrue(box, "no dialog comes up")
+        box = self.assert_box(self.player, says)
         quiet("xdotool", "windowfocus", "--sync", box, env=self.session.env)
         return box
 
@@ -164,9 +166,9 @@ class Restoring(SettingsTest):
         self.click(settings, SETTINGS, "yy")
         self.assert_stored("Language", "1")
         self.click(settings, SETTINGS, "playSet_Resume")
-        for question in ("whether", "restart"):
-            box = self.message()
-            self.assertTrue(box, f"the question {question} does not come up")
+        for question in ("Are you sure you want to delete the previous settings",
+                         "Do you close the player to restart now?"):
+            box = self.assert_box(self.player, question)
             quiet("xdotool", "windowfocus", "--sync", box, env=self.session.env)
             self.keys("Return")
             self.assertTrue(wait_for(lambda: not self.alive(box)), "the question stays")
@@ -202,8 +204,7 @@ class Restoring(SettingsTest):
         self.click(settings, SETTINGS, "yy")
         self.assert_stored("PlayMode", "0")
         self.click(settings, SETTINGS, "playSet_Resume")
-        box = self.message()
-        self.assertTrue(box)
+        box = self.assert_box(self.player, "您确定要删除以前的设置来恢复吗？")
         quiet("xdotool", "windowfocus", "--sync", box, env=self.session.env)
         self.keys("n")
         self.assertTrue(wait_for(lambda: not self.alive(box)))

@@ -96,7 +96,7 @@ class Tray(PlayerTest):
         self.click_icon(player)
         self.assertTrue(player.window())
         self.assertTrue(player.gone(mini))
-        self.assertIsNone(player.form(LIST, 1))
+        self.assertTrue(player.stays_away(lambda: player.form(LIST, 0.1), main))
 
     def test_the_right_button_opens_the_menu_and_it_works(self):
         self.start_tray()

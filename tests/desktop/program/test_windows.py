@@ -8,7 +8,8 @@ import re
 import sys
 import unittest
 
-from player import (ABOUT, HELP_PAGE, LIST, MAIN, MINI, SETTINGS, TITLE, PlayerTest, Stranger, stairs)
+from player import (ABOUT, HELP_PAGE, LIST, MAIN, MINI, PICK_FILE, SETTINGS, TITLE, PlayerTest,
+                    Stranger, stairs)
 from session import quiet, wait_for
 
 MAIN_WIDTH = int(MAIN["form"][2])
@@ -45,7 +46,7 @@ class Dragging(WindowTest):
         player.tool("mousemove", *player.point(window, *handle))
         player.tool("mousedown", 1)
         # A drag begins where the pointer is when the press is handled.
-        wait_for(lambda: "ABOVE" in self.states(window), 1)
+        self.assertTrue(wait_for(lambda: "ABOVE" in self.states(window), 5), "no drag begins")
         for step_x, step_y in steps:
             player.tool("mousemove_relative", "--", step_x, step_y)
         if between:
@@ -95,7 +96,11 @@ class Dragging(WindowTest):
     def test_the_rows_of_the_list_are_no_handle(self):
         player, main, rows = self.start_with_list()
         before = player.place(main), player.place(rows)
-        self.drag(player, rows, (100, 200), [(30, 20)])
+        player.tool("mousemove", *player.point(rows, 100, 200))
+        player.tool("mousedown", 1)
+        self.assertTrue(player.took(rows), "the press is not handled")
+        player.tool("mousemove_relative", "--", 30, 20)
+        player.tool("mouseup", 1)
         self.assertTrue(player.took(rows))
         self.assertEqual((player.place(main), player.place(rows)), before)
 
@@ -164,7 +169,7 @@ class MainKeys(WindowTest):
         self.session.key("F8", main)
         self.assertTrue(player.gone(rows))
         self.session.key("F8", main)
-        self.assertIsNone(player.form(LIST, 1))
+        self.assertTrue(player.stays_away(lambda: player.form(LIST, 0.1), main))
         player.click(main, "playListButton")
         self.assertTrue(player.form(LIST))
 
@@ -197,8 +202,7 @@ class MainKeys(WindowTest):
     def test_f7_asks_for_a_file_and_plays_it(self):
         player, main = self.start()
         self.session.key("F7", main)
-        dialog = player.box()
-        self.assertTrue(dialog, "no dialog comes up")
+        dialog = self.assert_box(player, PICK_FILE)
         added = self.music + "/another.wav"
         stairs(added, 5, step=0)
         self.type_into(dialog, added)
@@ -308,8 +312,7 @@ class MainMenu(WindowTest):
         self.assertTrue(settings)
         self.assertTrue(player.says(settings, HELP_PAGE), "it is not the page of the help")
         player.click(main, "playListButton")
-        self.assertTrue(player.took(main))
-        self.assertIsNone(player.form(LIST, 0.1))
+        self.assertTrue(player.stays_away(lambda: player.form(LIST, 0.1), main))
 
 
 if __name__ == "__main__":

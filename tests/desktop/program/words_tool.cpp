@@ -1,6 +1,7 @@
-// velmora_words PROCESS
+// velmora_words PROCESS [LEFT TOP WIDTH HEIGHT]
 //
-// Prints what a program tells assistive technology of its windows, as JSON: for each window or
+// Prints what a program tells assistive technology of its windows, or of the one at this place on
+// the screen (a list of thousands in another would take its time), as JSON: for each window or
 // control its role, name, description, the text in it, where it is on the screen, whether it shows,
 // takes input and is selected, and what lies in it. It asks on the session's bus.
 
@@ -91,7 +92,6 @@ public:
         return found;
     }
 
-private:
     QJsonArray place(const Reference &at) {
         const QVariant answer = call(at, QStringLiteral("org.a11y.atspi.Component"),
                                      QStringLiteral("GetExtents"), {0U});
@@ -109,6 +109,7 @@ private:
         return sides;
     }
 
+private:
     QDBusConnection bus_;
 };
 
@@ -127,10 +128,14 @@ QDBusConnection accessibleBus() {
 
 int main(int count, char **values) {
     const QCoreApplication application(count, values);
-    if (count != 2) {
-        std::fputs("usage: velmora_words PROCESS, on the session's bus\n", stderr);
+    if (count != 2 && count != 6) {
+        std::fputs("usage: velmora_words PROCESS [LEFT TOP WIDTH HEIGHT], on the session's bus\n",
+                   stderr);
         return 2;
     }
+    QJsonArray wanted;
+    for (int i = 2; i < count; ++i)
+        wanted.append(QString::fromLocal8Bit(values[i]).toInt());
     const unsigned process = QString::fromLocal8Bit(values[1]).toUInt();
     Reader reader(accessibleBus());
     const QDBusObjectPath root("/org/a11y/atspi/accessible/root");
@@ -142,8 +147,10 @@ int main(int count, char **values) {
         if (reader.call(bus, bus.bus, QStringLiteral("GetConnectionUnixProcessID"), {program.bus})
                 .toUInt() != process)
             continue;
-        for (const Reference &window : reader.children(program))
-            windows.append(reader.describe(window));
+        for (const Reference &window : reader.children(program)) {
+            if (wanted.isEmpty() || reader.place(window) == wanted)
+                windows.append(reader.describe(window));
+        }
     }
     std::fputs(QJsonDocument(windows).toJson(QJsonDocument::Compact).constData(), stdout);
     return 0;
