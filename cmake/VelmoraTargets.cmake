@@ -54,5 +54,8 @@ function(velmora_test)
         list(APPEND arg_LABELS unit)
         list(REMOVE_DUPLICATES arg_LABELS)
     endif()
-    set_tests_properties(${arg_NAME} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}")
+    # What became of each case is kept for scripts/skipped.py.
+    set_tests_properties(${arg_NAME} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}"
+        ENVIRONMENT_MODIFICATION
+            "GTEST_OUTPUT=set:xml:${CMAKE_BINARY_DIR}/Testing/cases/${arg_NAME}.xml")
 endfunction()

@@ -229,8 +229,13 @@ SilentPlayer::SilentPlayer(const PulseServer &server, int latencyMs)
                   "--latency-msec=" + std::to_string(latencyMs), "/dev/zero"},
                  {{"HOME", server.directory()}}, -1)) {
     const auto limit = std::chrono::steady_clock::now() + 10s;
-    while (!server.sinkPlays() && std::chrono::steady_clock::now() < limit)
+    while (!server.sinkPlays()) {
+        if (std::chrono::steady_clock::now() >= limit) {
+            endProcess(pid_);
+            throw std::runtime_error("nobody plays");
+        }
         std::this_thread::sleep_for(10ms);
+    }
 }
 
 SilentPlayer::~SilentPlayer() { endProcess(pid_); }

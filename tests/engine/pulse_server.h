@@ -83,7 +83,7 @@ private:
 // Another program that plays: silence, into the null sink, until it is destroyed.
 class SilentPlayer {
 public:
-    // Returns when it plays (or after ten seconds).
+    // Returns when it plays; throws when it does not within ten seconds.
     SilentPlayer(const PulseServer &server, int latencyMs);
     ~SilentPlayer();
     SilentPlayer(const SilentPlayer &) = delete;
