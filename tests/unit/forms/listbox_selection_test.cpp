@@ -240,6 +240,27 @@ TEST_F(SelectionTest, ADragWithCtrlAddsAndGivesBackWhatItLeaves) {
     EXPECT_THAT(chosen(), ElementsAre(1, 2, 5));
 }
 
+TEST_F(SelectionTest, ADragWithCtrlForgetsWhatItWouldGiveBackOnceRowsHaveMoved) {
+    const auto dragAfter = [this](const std::function<void()> &meanwhile) {
+        list.setMultiSelect(true);
+        userClick(5);
+        userClick(1, ctrlMask);
+        meanwhile();
+        userDrag(3, ctrlMask);
+    };
+    dragAfter([this] { list.removeItem(7); });
+    EXPECT_THAT(chosen(), ElementsAre(1, 2, 3)) << "a plain drag from here on";
+    dragAfter([this] { list.addItem(u"new"); });
+    EXPECT_THAT(chosen(), ElementsAre(1, 2, 3));
+    dragAfter([this] {
+        list.clear();
+        for (int row = 0; row < 9; ++row) {
+            list.addItem(u"other");
+        }
+    });
+    EXPECT_THAT(chosen(), testing::Not(testing::Contains(5)));
+}
+
 TEST_F(SelectionTest, ADragWithCtrlFromASelectedRowTakesAway) {
     list.setMultiSelect(true);
     userClick(1);

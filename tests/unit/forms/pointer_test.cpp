@@ -114,6 +114,21 @@ TEST_F(PointerTest, APressOnTheFormItselfIsTheForms) {
     EXPECT_EQ(log, (Log{"form down", "form up", "form click"}));
 }
 
+TEST_F(PointerTest, AReleaseOnTheFormsLeftAndUpperEdgeIsAClickAndBeyondTheOthersNone) {
+    for (const PointTwips at : {PointTwips{0, 2000}, PointTwips{2900, 0}}) {
+        log.clear();
+        press(10, 2000);
+        release(at.x, at.y);
+        EXPECT_EQ(log.back(), "form click");
+    }
+    for (const PointTwips at : {PointTwips{3000, 2000}, PointTwips{2900, 3000}}) {
+        log.clear();
+        press(10, 2000);
+        release(at.x, at.y);
+        EXPECT_EQ(log.back(), "form up");
+    }
+}
+
 TEST_F(PointerTest, AReleaseOutsideIsNoClick) {
     press(10, 10);
     release(2900, 2900);

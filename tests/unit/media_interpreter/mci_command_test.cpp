@@ -213,6 +213,8 @@ TEST(ShortPath, ANulByteIsNoPath) { EXPECT_EQ(decodeShortPath(u"/a%00b"), std::n
 TEST(ShortPath, AnUnescapedCharacterOutsideAsciiIsNoPath) {
     EXPECT_EQ(decodeShortPath(u"/歌.mp3"), std::nullopt);
     EXPECT_EQ(decodeShortPath(u"/a\nb"), std::nullopt);
+    EXPECT_EQ(decodeShortPath(u"/a b"), std::nullopt);
+    EXPECT_EQ(decodeShortPath(u"/a\u007Fb"), std::nullopt);
     EXPECT_EQ(decodeShortPath(u""), std::nullopt);
 }
 

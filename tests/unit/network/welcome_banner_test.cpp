@@ -33,6 +33,15 @@ TEST_F(Banner, OfOneEmptyEntryOrANegativeCountIsTheStandingText) {
     EXPECT_EQ(label().caption(), standing);
 }
 
+TEST_F(Banner, OfANegativeCountKeepsTheStandingTextWhenItHasRunOut) {
+    startWith(-3, "index_0_Str=a\n");
+    ASSERT_GT(label().width(), page().AdvertisingBOX.width());
+    label().setLeft(-(label().width() + 50));
+    tick(2);
+    EXPECT_GT(label().left(), 0) << "it begins anew";
+    EXPECT_EQ(label().caption(), standing);
+}
+
 TEST_F(Banner, OfOneEntryShowsItAgainAndAgain) {
     startWith(1, "index_0_Str=a\nindex_0_Link=http://a\n");
     EXPECT_EQ(label().caption(), u"a");

@@ -58,6 +58,20 @@ TEST_F(Video, RightSideOfTheStripStandsByTheTable) {
     });
 }
 
+TEST_F(Video, WhateverStandsInTheStripGoesToItsMiddleAnew) {
+    auto &w = window();
+    forms::Control *const controls[] = {
+        &w.play_Time,    &w.nowTime, &w.Volume_Set_BG, &w.Volume_ICO, &w.fullScreen_imgButton,
+        &w.AudioSource_H};
+    for (forms::Control *control : controls) {
+        control->setTop(5000);
+    }
+    w.setScreenSize(10951, 7876, true);
+    for (const forms::Control *control : controls) {
+        EXPECT_NEAR(middleOf(*control), middleOf(w.upButton), 0.5) << control->name();
+    }
+}
+
 TEST_F(Video, VolumeFillComesFromMainsProportion) {
     setVolumeBar(500);
     auto &w = window();

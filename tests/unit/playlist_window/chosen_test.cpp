@@ -102,6 +102,16 @@ TEST_F(ChosenToGo, OfTheChosenRowsThoseThatAreStillSelectedGo) {
     EXPECT_EQ(filesLeft(), (Texts{u"/m/a.mp3", u"/m/c.mp3", u"/m/d.mp3"})) << "b is selected again";
 }
 
+TEST_F(ChosenToGo, OfNoneThatIsStillSelectedNothingGoesIsSavedOrReported) {
+    selectOnly({2});
+    answerSure(MsgBoxResult::Yes, [&] { selectOnly({1}); });
+    list.delOne(1, false);
+    EXPECT_EQ(filesLeft().size(), 4U);
+    EXPECT_TRUE(savesOfTheList().empty());
+    EXPECT_FALSE(files.hasFile(app.setControl().Path_DelFilesLog + u"/delFile.log"));
+    EXPECT_TRUE(fake.shell.executions.empty());
+}
+
 TEST_F(ChosenToGo, ARepeatedTrackIsNotTakenForTheChosenRowEither) {
     app.setControl().PlayMode = 2;
     openAndPlay(u"/m/a.mp3");

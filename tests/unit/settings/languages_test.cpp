@@ -391,6 +391,20 @@ TEST_F(Languages, TheFilterStandsToTheLetter) {
     EXPECT_EQ(split(app.Language().msg_Media_Filter, u'\0')[4], u"All Files（*.*）");
     EXPECT_EQ(split(app.Language().msg_Media_Filter, u'\0')[2],
               u"Video Files（*.rmvb;*.rm;*.avi;*.wmv;*.flv;*.mp4;*.dat）");
+    const auto heads = [this](std::int32_t language) {
+        apply(language);
+        const Texts parts = split(app.Language().msg_Media_Filter, u'\0');
+        Texts found;
+        for (const std::size_t i : {0U, 2U, 4U})
+            found.push_back(parts[i].substr(0, parts[i].find_first_of(u"（(")));
+        return found;
+    };
+    EXPECT_EQ(heads(chinese), (Texts{u"音频文件", u"视频文件", u"所有文件"}));
+    EXPECT_EQ(heads(english), (Texts{u"Audio Files", u"Video Files", u"All Files"}));
+    EXPECT_EQ(heads(french),
+              (Texts{u"Fichiers audio ", u"Fichiers vidéo ", u"Tous les fichiers "}));
+    EXPECT_EQ(heads(japanese),
+              (Texts{u"オーディオファイル", u"ビデオファイル", u"すべてのファイル"}));
 }
 
 TEST_F(Languages, TheLyricTextsStandToTheLetterInAllFour) {

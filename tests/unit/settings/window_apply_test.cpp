@@ -89,6 +89,9 @@ TEST_F(SettingsApplied, AutoPlayIsStoredInverted) {
     apply();
     EXPECT_EQ(memory.isAutoPlay, 1);
     EXPECT_EQ(stored(u"isAutoPlay"), u"1");
+    form.isAutoPlay.setValue(1);
+    apply();
+    EXPECT_EQ(memory.isAutoPlay, 0);
 }
 
 TEST_F(SettingsApplied, ThePlayModeIsThatOfItsButton) {

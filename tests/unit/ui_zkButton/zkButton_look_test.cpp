@@ -120,6 +120,7 @@ TEST_F(ButtonTest, TheCaptionStandsInTheMiddleOverTheWholeWidth) {
     const Twips height = form.textExtent(u"Go", look.captionFont).height;
     EXPECT_EQ(look.caption, u"Go");
     EXPECT_EQ(look.captionFont.name(), u"宋体");
+    EXPECT_EQ(look.captionFont.size(), 9);
     EXPECT_EQ(look.captionPlace, (RectTwips{0, (150 - height) / 2, 300, height}));
     EXPECT_EQ(look.captionAlignment, forms::Alignment::Centre);
     EXPECT_EQ(button.accessibleName(), u"Go");
