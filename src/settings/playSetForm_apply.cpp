@@ -28,6 +28,7 @@ void playSetForm::apply_PlaySet() {
     takePreview(other_Lrc_Preview);
     settings.save_Lrc_Font(u"Other");
     app_.skinSet().apply_Other_Lrc_Font(false);
+    settings.sync_PlaySet();
 
     settings.load_Language();
     app_.formSet().tray_Tip(app_.Main().title.caption() + u" 【" + app_.player().nowPlay_Title +

@@ -195,7 +195,6 @@ void setControl::openKey(std::u16string_view key) {
     app_.platform().registry.RegCreateKeyA(platform::HKEY_LOCAL_MACHINE, key, hKey_Settings_);
 }
 
-// Once for a whole group: a power cut takes the last one at most.
 void setControl::flushKey() { app_.platform().registry.RegFlushKey(hKey_Settings_); }
 
 void setControl::closeKey() { app_.platform().registry.RegCloseKey(hKey_Settings_); }
@@ -237,8 +236,13 @@ void setControl::writePlaySet() {
     writeText(u"LrcSaveFolder", form.save_Lrc_Path.text());
     writeText(u"PlayListSaveFolder", form.save_PlayList_Path.text());
     writeText(u"PlayCacheSaveFolder", form.save_PlayCache_Path.text());
-    flushKey();
     closeKey();
+}
+
+void setControl::sync_PlaySet() {
+    passOver([&] { openKey(keys::playSet); });
+    passOver([&] { flushKey(); });
+    passOver([&] { closeKey(); });
 }
 
 bool setControl::delete_PlaySet() {

@@ -66,6 +66,9 @@ public:
     // Writes the general values from memory and the folders from the boxes of playSetForm, then
     // makes the folders.
     bool save_PlaySet();
+    // Waits until all that was saved is on the disk: once for all that an Apply stores, so that a
+    // power cut takes the last one at most.
+    void sync_PlaySet();
     // Deletes the user's settings; true when the key went.
     bool delete_PlaySet();
 

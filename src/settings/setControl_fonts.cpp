@@ -42,7 +42,6 @@ bool setControl::save_Lrc_Font(std::u16string_view set) {
         writeNumber(u"Lrc_Weight", static_cast<std::uint32_t>(Lrc_Weight));
         writeNumber(u"Lrc_ForeColor", Lrc_ForeColor);
         writeNumber(u"Lrc_BackColor", Lrc_BackColor);
-        flushKey();
         closeKey();
         return true;
     } catch (const RunTimeError &) {

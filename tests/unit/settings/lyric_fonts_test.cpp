@@ -40,7 +40,7 @@ TEST_F(LyricFonts, ASetIsWrittenInOrderWithItsTypes) {
                     u"set Desktop_Lrc_Size DWORD 28", u"set Desktop_Lrc_Strikethrough DWORD 0",
                     u"set Desktop_Lrc_Underline DWORD 1", u"set Desktop_Lrc_Weight DWORD 700",
                     u"set Desktop_Lrc_ForeColor DWORD 16744448",
-                    u"set Desktop_Lrc_BackColor DWORD 1122867", u"flush", u"close"));
+                    u"set Desktop_Lrc_BackColor DWORD 1122867", u"close"));
 }
 
 TEST_F(LyricFonts, TheAutoOpenValueKeepsTheDesktopPrefixForTheOtherSet) {

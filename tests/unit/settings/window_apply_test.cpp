@@ -33,7 +33,6 @@ protected:
                   folder(u"LrcSaveFolder", form.save_Lrc_Path.text()),
                   folder(u"PlayListSaveFolder", form.save_PlayList_Path.text()),
                   folder(u"PlayCacheSaveFolder", form.save_PlayCache_Path.text()),
-                  u"flush",
                   u"close"};
         struct Set {
             std::u16string name, size, fore, back;
@@ -52,8 +51,9 @@ protected:
                         prefix + u"Name SZ 12 微软雅黑", prefix + u"Size DWORD " + set.size,
                         prefix + u"Strikethrough DWORD 0", prefix + u"Underline DWORD 0",
                         prefix + u"Weight DWORD 400", prefix + u"ForeColor DWORD " + set.fore,
-                        prefix + u"BackColor DWORD " + set.back, u"flush", u"close"});
+                        prefix + u"BackColor DWORD " + set.back, u"close"});
         }
+        log.insert(log.end(), {create, u"flush", u"close"}); // the disk is waited for once
         log.insert(log.end(), {u"provider", u"read " + std::u16string(playSetKey) + u" Language"});
         return log;
     }

@@ -32,7 +32,14 @@ TEST_F(Writing, GeneralSettingsGoOutInOrderWithTheirByteCounts) {
                             u"set isAutoPlay SZ 2 0", u"set PlayMode SZ 2 2",
                             u"set Language SZ 2 3", u"set VideoInterface SZ 2 1",
                             u"set LrcSaveFolder SZ 6 /words", u"set PlayListSaveFolder SZ 7 /列表",
-                            u"set PlayCacheSaveFolder SZ 0 ", u"flush", u"close"));
+                            u"set PlayCacheSaveFolder SZ 0 ", u"close"));
+}
+
+TEST_F(Writing, WhatWasSavedIsOnTheDiskBehindTheSync) {
+    settings.sync_PlaySet();
+    EXPECT_THAT(registry.log(),
+                ElementsAre(u"create " + std::u16string(playSetKey), u"flush", u"close"));
+    EXPECT_EQ(registry.openHandles(), 0U);
 }
 
 TEST_F(Writing, GeneralSettingsReadBackAsTheyWere) {
