@@ -108,7 +108,7 @@ void JoinedParts::searchMarks() {
     for (std::size_t at = 0; (at = bytes.find(mark_, at)) != bytes.npos; ++at) {
         if (at + markContext > got)
             break;
-        if (!beginsPart(bytes.substr(at)))
+        if (!beginsPart(bytes.substr(at), place_ + static_cast<std::int64_t>(at)))
             continue;
         starts_.push_back(place_ + static_cast<std::int64_t>(at));
         place_ = mark_ == "fLaC" ? flacSoundStart(source_, starts_.back())
@@ -119,12 +119,12 @@ void JoinedParts::searchMarks() {
     place_ += static_cast<std::int64_t>(got) - static_cast<std::int64_t>(markContext - 1);
 }
 
-bool JoinedParts::beginsPart(std::string_view bytes) {
+bool JoinedParts::beginsPart(std::string_view bytes, std::int64_t place) {
     if (mark_ == "fLaC")
         return (bytes[4] & 0x7F) == 0 && bytes.substr(5, 3) == "\0\0\x22"sv;
     if (bytes[4] != 0)
         return false;
-    const bool begins = (bytes[5] & 2) != 0;
+    const bool begins = (bytes[5] & 2) != 0 && oggStreamBegins(source_, place);
     // All streams of a part begin in its first pages.
     const bool isFirst = begins && !lastBegan_;
     lastBegan_ = begins;

@@ -34,7 +34,7 @@ public:
 
 private:
     void searchMarks();
-    bool beginsPart(std::string_view bytes);
+    bool beginsPart(std::string_view bytes, std::int64_t place);
 
     const ByteSource &source_;
     std::string_view mark_; // that a part or a page of one begins with; empty: sizes lead on

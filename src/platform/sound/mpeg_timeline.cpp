@@ -1,5 +1,7 @@
 #include "platform/sound/mpeg_timeline.h"
 
+#include "platform/sound/joined_parts.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -59,7 +61,25 @@ bool MpegTimeline::isPlausible() const {
     const double bytesOfKilobit = form().samples / 8.0 * 1000 / form().rate;
     const double least = header_->constantRate ? form().size : bytesOfKilobit * (low ? 8 : 32);
     const double most = header_->constantRate ? form().size : bytesOfKilobit * (low ? 160 : 320);
-    return form().size == 0 || (mean > least - slack && mean < most + slack);
+    if (form().size == 0)
+        return true;
+    return mean > least - slack && mean < most + slack && (header_->constantRate || isSeen(mean));
+}
+
+// Whether frames here and there are about as large as all should be in the mean. A piece of loud
+// and of quiet parts may fail at that; then it is counted.
+bool MpegTimeline::isSeen(double mean) const {
+    constexpr int framesAtPlace = 8;
+    constexpr double tolerance = 1.5;
+    double bytes = 0;
+    int frames = 0;
+    for (const double place : placesToLookAt) {
+        const auto at = static_cast<std::int64_t>(place * static_cast<double>(source_.size()));
+        MpegWalk walk(source_, MpegPlace{at, {}, 0});
+        for (int i = 0; i < framesAtPlace && walk.step() == MpegWalk::Step::Frame; ++i, ++frames)
+            bytes += static_cast<double>(walk.next().offset - walk.offset());
+    }
+    return frames > 0 && bytes / frames < mean * tolerance && bytes / frames > mean / tolerance;
 }
 
 void MpegTimeline::countFor(milliseconds limit) {

@@ -54,6 +54,7 @@ public:
 
 private:
     bool isPlausible() const;
+    bool isSeen(double mean) const;
     std::int64_t framesOfRun(std::size_t run) const;
     std::int64_t countedOut() const;
     std::int64_t lead() const;

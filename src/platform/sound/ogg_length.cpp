@@ -89,7 +89,25 @@ std::vector<Page> pagesNear(const ByteSource &source, std::int64_t place, bool a
     return {};
 }
 
+std::uint32_t pageCrc(Bytes page) {
+    constexpr std::size_t sumAt = 22; // which counts as zero itself
+    std::uint32_t crc = 0;
+    for (std::size_t i = 0; i < page.size(); ++i) {
+        crc ^= std::uint32_t{i < sumAt || i >= sumAt + 4 ? page[i] : std::uint8_t{0}} << 24;
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc & 0x80000000U) != 0 ? crc << 1 ^ 0x04C11DB7 : crc << 1;
+    }
+    return crc;
+}
+
 } // namespace
+
+bool oggStreamBegins(const ByteSource &source, std::int64_t place) {
+    std::array<std::uint8_t, 4096> bytes{}; // such pages are short
+    const Bytes page = Bytes(bytes).first(source.read(place, bytes));
+    const std::size_t size = pageSize(page);
+    return size > 0 && (page[5] & 2) != 0 && pageCrc(page.first(size)) == littleEndian(page, 22, 4);
+}
 
 bool oggIsOnePiece(const ByteSource &source) {
     const auto serials = firstStreams(source);

@@ -18,4 +18,7 @@ std::optional<std::int64_t> oggSamplesPresent(const ByteSource &source);
 // on the way: all pages there are of the streams that it begins with, in their order.
 bool oggIsOnePiece(const ByteSource &source);
 
+// Whether a stream begins here: with a page that is whole by its check sum.
+bool oggStreamBegins(const ByteSource &source, std::int64_t place);
+
 } // namespace velmora::platform::sound

@@ -1,6 +1,7 @@
 #include "platform/sound/sniff.h"
 
 #include "platform/sound/mpeg_frame.h"
+#include "platform/sound/ogg_length.h"
 
 #include <algorithm>
 #include <array>
@@ -15,7 +16,7 @@ using namespace std::string_view_literals;
 
 // Frames may stand behind the remains of a cut frame, but not anywhere in a file of another kind.
 constexpr std::int64_t junkAtStart = 4096;
-// Behind a tag there may be any amount of padding.
+// Behind a tag there may be any amount of padding. No further is looked for forms that are certain.
 constexpr std::int64_t junkBehindTag = 65536;
 
 // Beginnings of files that can hold frames of MPEG audio without being a sound file.
@@ -99,9 +100,9 @@ Sniffed sniffRiff(const ByteSource &source, std::string_view form) {
 }
 
 // All streams of an Ogg file begin in its first pages: one picture among them makes it a film.
-Sniffed sniffOgg(const ByteSource &source) {
+Sniffed sniffOgg(const ByteSource &source, std::int64_t start) {
     std::array<std::uint8_t, 27 + 255 + 16> page{};
-    std::int64_t at = 0;
+    std::int64_t at = start;
     bool sound = false;
     for (int pages = 0; pages < 16; ++pages) {
         const std::size_t got = source.read(at, page);
@@ -123,7 +124,7 @@ Sniffed sniffOgg(const ByteSource &source) {
             return {};
         at += static_cast<std::int64_t>(27 + segments) + body;
     }
-    return sound ? Sniffed{Content::SoundFile, 0, source.size()} : Sniffed{};
+    return sound ? Sniffed{Content::SoundFile, start, source.size() - start} : Sniffed{};
 }
 
 bool isTransportStream(const ByteSource &source) {
@@ -144,6 +145,23 @@ Sniffed sniffMpeg(const ByteSource &source, std::int64_t from, std::int64_t junk
     if (!start)
         return {};
     return {Content::Mpeg, *start, source.size() - *start};
+}
+
+// A file of a form whose beginning is certain wherever it stands, behind something else.
+Sniffed sniffBehindJunk(const ByteSource &source, std::int64_t from) {
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(junkBehindTag));
+    bytes.resize(source.read(from, bytes));
+    const std::string_view all = view(bytes);
+    if (const auto at = all.find("fLaC\0\0\0\x22"sv); at != all.npos) {
+        const std::int64_t start = from + static_cast<std::int64_t>(at);
+        return {Content::SoundFile, start, source.size() - start};
+    }
+    for (auto at = all.find("OggS"sv); at != all.npos; at = all.find("OggS"sv, at + 1)) {
+        const std::int64_t start = from + static_cast<std::int64_t>(at);
+        if (oggStreamBegins(source, start))
+            return sniffOgg(source, start);
+    }
+    return {};
 }
 
 } // namespace
@@ -179,7 +197,7 @@ Sniffed sniff(const ByteSource &source) {
             head.starts_with("riff\x2E\x91\xCF\x11"sv))
             return {Content::SoundFile, 0, size};
         if (mark == "OggS")
-            return sniffOgg(source);
+            return sniffOgg(source, 0);
         if (mark == "MThd")
             return {Content::Midi, 0, size};
     }
@@ -187,7 +205,9 @@ Sniffed sniff(const ByteSource &source) {
         std::any_of(others.begin(), others.end(),
                     [&](std::string_view other) { return head.starts_with(other); }))
         return {};
-    return sniffMpeg(source, behindTags, behindTags > 0 ? junkBehindTag : junkAtStart);
+    const Sniffed mpeg =
+        sniffMpeg(source, behindTags, behindTags > 0 ? junkBehindTag : junkAtStart);
+    return mpeg.content == Content::Mpeg ? mpeg : sniffBehindJunk(source, behindTags);
 }
 
 } // namespace velmora::platform::sound

@@ -218,6 +218,23 @@ TEST_F(Damaged, SoundThatCannotBeSoughtInIsLeftToTheOtherDevice) {
     EXPECT_TRUE(open(adpcm));
 }
 
+TEST_F(Damaged, WhatStandsBehindJunkIsPlayedWhereItsBeginningIsCertain) {
+    const auto behindJunk = [](const char *name, std::size_t junk) {
+        Bytes bytes(junk, 0x33);
+        append(bytes, readFile(mediaFile(name)));
+        return bytes;
+    };
+    for (const char *name : {"chirp.flac", "chirp.ogg", "chirp.opus"}) {
+        for (const std::size_t junk : {1U, 5000U, 60000U}) {
+            const auto reader = open(behindJunk(name, junk));
+            ASSERT_TRUE(reader) << name << " " << junk;
+            EXPECT_NEAR(lengthMs(*reader), 10123, 50) << name << " " << junk;
+            EXPECT_EQ(decodeAll(*reader), reader->frames()) << name << " " << junk;
+        }
+    }
+    EXPECT_FALSE(open(behindJunk("film.ogv", 5000)));
+}
+
 TEST_F(Damaged, JoinedMp3FilesHaveTheLengthOfBoth) {
     Bytes bytes = readFile(mediaFile("cbr.mp3"));
     append(bytes, readFile(mediaFile("cbr.mp3")));

@@ -152,6 +152,16 @@ TEST_F(JoinedFiles, AFlacInsideTheTagsOfAnotherIsNoPartOfIt) {
     EXPECT_EQ(decodeAll(*reader), 200000);
 }
 
+// Bytes of sound may be any.
+TEST_F(JoinedFiles, WhatLooksLikeTheBeginningOfAStreamIsNoneUnlessItsPageIsWhole) {
+    Bytes bytes = joined({"chirp.ogg", "other.ogg"});
+    const Bytes mark = {'O', 'g', 'g', 'S', 0, 2};
+    std::copy(mark.begin(), mark.end(), bytes.begin() + 30000);
+    const auto reader = open(bytes);
+    ASSERT_TRUE(reader);
+    EXPECT_NEAR(lengthMs(*reader), 2 * seconds * 1000, 50);
+}
+
 TEST_F(JoinedFiles, AThousandPartsOpenSoonAndSoundToTheEnd) {
     Bytes file;
     const Bytes part = flacFile(std::vector<std::int16_t>(500, 1000));

@@ -161,6 +161,14 @@ TEST_F(MpegFile, AHeaderThatTellsTooManyFramesIsPutRight) {
     }
 }
 
+TEST_F(MpegFile, AHeaderThatTellsHalfOrTwiceTheFramesIsNotBelievedEvenAtFirst) {
+    for (const double part : {0.5, 2.0}) {
+        const auto reader = open(withHeaderFrames(readFile(mediaFile("vbr.mp3")), part));
+        ASSERT_TRUE(reader) << part;
+        EXPECT_NEAR(lengthMs(*reader), 10123, 50) << part;
+    }
+}
+
 struct Joint {
     const char *first;
     const char *second;
