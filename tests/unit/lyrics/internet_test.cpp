@@ -61,6 +61,14 @@ TEST_F(LyricFromTheNet, IsSearchedByTitleAndArtistFirst) {
     EXPECT_TRUE(info().lrcInfo_Frame.enabled());
 }
 
+TEST_F(LyricFromTheNet, IsNotTheFileThatCameMeanwhileWhenTheDownloadFailed) {
+    setPage(u"Song", 3);
+    fake.internet.meanwhile = [this] { files.addFile(u"/lrc/Song.LRC", "[00:01]another's"); };
+    find();
+    EXPECT_FALSE(lyric().hasLrc);
+    EXPECT_FALSE(info().lrcInfo_Frame.enabled());
+}
+
 TEST_F(LyricFromTheNet, IsSearchedByTheTitleNext) {
     setTag(u"Hello", u"Stesul");
     setPage(u"Hello Stesul", 0);

@@ -82,6 +82,15 @@ TEST_F(LyricWindow, looksForTheFileNameOfATrackWithoutATag) {
     expectSaving(false);
 }
 
+TEST_F(LyricWindow, looksForTheFileNameAloneThoughAnEarlierTracksTagIsStillShown) {
+    openTrack(u"/m/Some song.mp3");
+    app.another_PlayInfo_Form().playInfo_TitleText.setText(u"earlier");
+    app.another_PlayInfo_Form().playInfo_ArtistText.setText(u"earlier");
+    form.startLoad();
+    EXPECT_EQ(form.songName_Text.text(), u"Some song");
+    EXPECT_EQ(form.singer_Str.text(), u"");
+}
+
 TEST_F(LyricWindow, looksForWhatTheTagSays) {
     openTrack(u"/m/a.mp3", "Title", "Artist");
     form.startLoad();

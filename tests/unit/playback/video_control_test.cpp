@@ -129,6 +129,42 @@ TEST_F(Video, ButtonsOfTheStripActOnTheOneTransport) {
     EXPECT_EQ(media.mode(), u"playing");
 }
 
+TEST_F(Video, TheLoudspeakerMutesAllWindows) {
+    setVolumeBar(400);
+    play();
+    window().Volume_ICO.on().Click();
+    EXPECT_EQ(media.volume(), 0);
+    EXPECT_EQ(app.Main().Volume_Set.width(), 0);
+    EXPECT_EQ(window().Volume_Set.width(), 0);
+}
+
+TEST_F(Video, BothButtonsAndBothDoubleClicksToggleTheWholeScreen) {
+    play();
+    const std::function<void()> ways[] = {
+        [this] { window().fullScreen_Button.on().Click(); },
+        [this] { window().fullScreen_imgButton.on().Click(); },
+        [this] { window().videoScreen.on().DblClick(); },
+        [this] { window().videoScreen_Control.on().DblClick(); },
+    };
+    for (const auto &way : ways) {
+        way();
+        EXPECT_EQ(app.player().isFullScreen, -1);
+        way();
+        EXPECT_EQ(app.player().isFullScreen, 0);
+    }
+}
+
+TEST_F(Video, NextAndPreviousWalkTheList) {
+    addRow(u"/m/a.mp3");
+    addRow(u"/m/b.mp3");
+    app.player().nowPlay_Index = 1;
+    play();
+    window().nextButton.on().Click();
+    EXPECT_EQ(media.openPath(), u"/m/b.mp3");
+    window().upButton.on().Click();
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+}
+
 TEST_F(Video, BarsAreItsOwn) {
     play();
     window().load_Played_BG.setWidth(660);

@@ -1,5 +1,6 @@
 // Finer points of keys, menus, docking and dragging.
 
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 #include "lyrics/doLrcForm.h"
@@ -260,6 +261,28 @@ TEST_F(WindowRules, AWishToCloseHidesAWindowAndNeverLetsItGo) {
         EXPECT_FALSE(form->visible());
         EXPECT_FALSE(isGone);
     }
+}
+
+TEST_F(WindowRules, EachWindowsOwnCloseButtonHidesIt) {
+    const auto expectClosing = [](auto &form) {
+        SCOPED_TRACE(form.name());
+        form.show();
+        form.setEnabled(true);
+        clickOn(form.close);
+        EXPECT_FALSE(form.visible());
+    };
+    expectClosing(app.aboutForm());
+    expectClosing(app.another_PlayInfo_Form());
+    expectClosing(app.check_SoundDriver_Form());
+    expectClosing(app.doLrcForm());
+    expectClosing(app.listControl_Form());
+    expectClosing(app.playInfo_Form());
+    expectClosing(app.playList_Form());
+    expectClosing(app.playSetForm());
+    expectClosing(app.search_Lrc_Internet_Form());
+    expectClosing(app.search_Song_Internet_Form());
+    expectClosing(app.VideoScreen_Form());
+    expectClosing(app.welcomeForm());
 }
 
 TEST_F(WindowRules, TheDesktopLineStaysWhereAWindowManagerWouldCloseIt) {
