@@ -316,7 +316,9 @@ class Bench:
         taken = [after.registry.values.get(name) == whole.registry.values.get(name) for name in changed]
         if run.report is None and taken != sorted(taken, reverse=True):
             found.append('a setting was stored and one before it was not')
-        if operation.together and len(set(taken)) > 1:
+        keys = [(key in after.registry.keys) == (key in whole.registry.keys) for key in operation.together
+                if (key in before.keys) != (key in whole.registry.keys)]
+        if operation.together and len(set(taken + keys)) > 1:
             found.append('a part of what goes together is stored')
         return found
 

@@ -5,7 +5,9 @@ import subprocess
 
 
 def ask(*command):
-    done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+    # The tools of disks lie where an ordinary user's shell does not look.
+    path = os.environ.get('PATH', '') + ':/usr/sbin:/sbin'
+    done = subprocess.run(command, env={**os.environ, 'PATH': path}, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
     if done.returncode != 0:
         said = done.stdout.strip().splitlines()
         raise OSError(said[0] if said else f'{command[0]} ended with {done.returncode}')
@@ -13,7 +15,13 @@ def ask(*command):
 
 def privileged(*command):
     """What only the superuser may: as such, or by a sudo that asks for no password."""
-    ask(*(() if os.geteuid() == 0 else ('sudo', '-n')), *command)
+    if os.geteuid() == 0:
+        ask(*command)
+        return
+    try:
+        ask('sudo', '-n', *command)
+    except OSError as error:
+        raise OSError('only the superuser may') from error
 
 
 def owner():

@@ -3,6 +3,7 @@
 // File systems that lack what the usual one has, mounted for a test where the machine lets it.
 
 #include "tests/unit/linux/temp_folder.h"
+#include "tests/unit/small_disk.h"
 
 #include <unistd.h>
 
@@ -13,14 +14,17 @@
 
 namespace velmora {
 
-// A disk that is mounted while this lives, and whose user is not the one who mounted it, as with a
-// stick or a share in the list of fixed mounts.
+// A disk that is mounted while this lives. In a run as root its user is not the one who mounted it,
+// as with a stick or a share in the list of fixed mounts; anybody else mounts what the system lets
+// him, and uses it.
 class OtherDisk {
 public:
     struct Kind {
         const char *name;
-        // Shell commands, with $image a file of 16 MB and $place where to mount.
+        // Shell commands of the superuser and of anybody else, with $image a file of 16 MB and
+        // $place where to mount. Empty: none can; null: by a view of the system of one's own.
         const char *mount;
+        const char *mountAsAnybody;
 
         friend void PrintTo(const Kind &kind, std::ostream *out) { *out << kind.name; }
     };
@@ -30,20 +34,26 @@ public:
         folder_.makeFolder("below");
         folder_.mode(".", 0755);
         folder_.mode("below", 0777);
-        if (::geteuid() != 0) {
-            lacking_ = "only the superuser mounts disks";
-        } else if (!runs(std::string("truncate -s 16M \"$image\" && ") + kind.mount)) {
+        const bool isRoot = ::geteuid() == 0;
+        const char *mount = isRoot ? kind.mount : kind.mountAsAnybody;
+        if (mount == nullptr) {
+            isMounted_ = mountSmallDisk(folder_.bytes("place"), "2M");
+            if (!isMounted_)
+                lacking_ = std::string(kind.name) + " cannot be mounted here by anybody";
+        } else if (*mount == '\0') {
+            lacking_ = std::string("only the superuser mounts ") + kind.name;
+        } else if (!runs(std::string("truncate -s 16M \"$image\" && ") + mount)) {
             lacking_ = std::string(kind.name) + " cannot be mounted here: " + folder_.read("words");
         } else {
             isMounted_ = true;
-            becomesUser_ = ::seteuid(anyUser) == 0;
+            becomesUser_ = isRoot && ::seteuid(anyUser) == 0;
         }
     }
     ~OtherDisk() {
         if (becomesUser_ && ::seteuid(0) != 0)
             std::abort();
         if (isMounted_)
-            runs("umount \"$place\" || umount -l \"$place\"");
+            runs("umount \"$place\" || fusermount -u \"$place\" || umount -l \"$place\"");
     }
     OtherDisk(const OtherDisk &) = delete;
     OtherDisk &operator=(const OtherDisk &) = delete;
