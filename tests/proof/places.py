@@ -51,7 +51,7 @@ def exfat(folder, mount):
 def owned(folder, mount):
     below = os.path.join(folder, 'below')
     os.mkdir(below)
-    ask('bindfs', '--chmod-deny', '--chown-deny', below, mount)
+    ask('bindfs', '--no-allow-other', '--chmod-deny', '--chown-deny', below, mount)
 
 
 class Place:

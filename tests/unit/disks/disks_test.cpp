@@ -18,16 +18,18 @@ using Names = std::vector<std::string>;
 
 constexpr OtherDisk::Kind kinds[] = {
     // The kernel's own, for the superuser: nobody else may set modes and times.
-    {"vfat", "mkfs.vfat \"$image\" && "
-             "mount -t vfat -o loop,umask=000,utf8=1 \"$image\" \"$place\"",
+    {"vfat",
+     "mkfs.vfat \"$image\" && "
+     "mount -t vfat -o loop,umask=000,utf8=1 \"$image\" \"$place\"",
      ""},
     // Besides that no second names, no renaming that spares, no files without a name.
-    {"exfat", "mkfs.exfat \"$image\" && "
-              "mount -t exfat-fuse -o loop,umask=000 \"$image\" \"$place\"",
+    {"exfat",
+     "mkfs.exfat \"$image\" && "
+     "mount -t exfat-fuse -o loop,umask=000 \"$image\" \"$place\"",
      ""},
     // The folder of another place, whose modes nobody may set.
     {"bindfs", "bindfs --chmod-deny --chown-deny -o allow_other \"$below\" \"$place\"",
-     "bindfs --chmod-deny --chown-deny \"$below\" \"$place\""},
+     "bindfs --no-allow-other --chmod-deny --chown-deny \"$below\" \"$place\""},
     {"tmpfs", "mount -t tmpfs -o size=2M,mode=777 none \"$place\"", nullptr},
 };
 
