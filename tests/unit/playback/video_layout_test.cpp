@@ -178,8 +178,9 @@ TEST_F(Video, BackToTheDefaultSizeShowsTheTitleRowAndSendsNothing) {
     window().setScreenSize_Default();
     EXPECT_EQ(window().width(), 10950);
     EXPECT_EQ(window().height(), 7875);
-    EXPECT_TRUE(window().close.visible());
-    EXPECT_TRUE(window().title.visible());
+    for (const forms::Control *control : std::initializer_list<const forms::Control *>{
+             &window().title_ICO, &window().title, &window().close, &window().fullScreen_Button})
+        EXPECT_TRUE(control->visible()) << control->name();
     EXPECT_EQ(app.player().isFullScreen, 0);
     EXPECT_EQ(puts(), 0);
 }
