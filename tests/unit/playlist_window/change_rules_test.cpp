@@ -318,23 +318,6 @@ TEST_F(Playing, ItsLoadGivesTheFontAndEmptiesTheNames) {
     EXPECT_EQ(list.visibleRows, 17);
 }
 
-TEST_F(Playing, ADragOfTheWindowTakesMainWithItBothWays) {
-    forms::Form &main = app.Main();
-    for (forms::ControlEvents *area : {static_cast<forms::ControlEvents *>(&list.on()),
-                                       &list.title.on(), &list.title_ICO.on()}) {
-        list.move({9000, 1500, list.width(), list.height()});
-        main.move({3000, 1200, main.width(), main.height()});
-        windows.cursor = {700, 200};
-        area->MouseDown({forms::leftButton, 0, 0, 0});
-        windows.cursor = {710, 220};
-        area->MouseMove({forms::leftButton, 0, 0, 0});
-        EXPECT_EQ(list.left(), 9150);
-        EXPECT_EQ(list.top(), 1800);
-        EXPECT_EQ(main.left(), 3150);
-        EXPECT_EQ(main.top(), 1500);
-    }
-}
-
 TEST_F(Playing, ADragOfTheWindowGoesOnWhileASecondButtonIsHeld) {
     list.move({9000, 1500, list.width(), list.height()});
     windows.cursor = {700, 200};

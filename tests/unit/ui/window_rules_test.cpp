@@ -291,40 +291,6 @@ TEST_F(WindowRules, TheDesktopLineStaysWhereAWindowManagerWouldCloseIt) {
     EXPECT_TRUE(app.lrcForm().visible());
 }
 
-// --- dragging by the title's parts ---------------------------------------------------------------
-
-TEST_F(WindowRules, EachWindowIsDraggedByItsGroundItsTitleAndItsIcon) {
-    const auto expectDraggable = [this](auto &form) {
-        SCOPED_TRACE(form.name());
-        form.show();
-        const forms::ControlEvents *const areas[] = {&form.on(), &form.title.on(),
-                                                     &form.title_ICO.on()};
-        for (const forms::ControlEvents *area : areas) {
-            form.move({1500, 750, form.width(), form.height()});
-            ASSERT_TRUE(area->MouseDown && area->MouseMove);
-            windows.cursor = {110, 60};
-            area->MouseDown({forms::leftButton, 0, 150, 150});
-            windows.cursor = {140, 50};
-            area->MouseMove({forms::leftButton, 0, 600, 0});
-            EXPECT_EQ(form.left(), 1500 + 30 * 15);
-            EXPECT_EQ(form.top(), 750 - 10 * 15);
-        }
-    };
-    expectDraggable(app.aboutForm());
-    expectDraggable(app.another_PlayInfo_Form());
-    expectDraggable(app.check_SoundDriver_Form());
-    expectDraggable(app.doLrcForm());
-    expectDraggable(app.listControl_Form());
-    expectDraggable(app.Main());
-    expectDraggable(app.playInfo_Form());
-    expectDraggable(app.playList_Form());
-    expectDraggable(app.playSetForm());
-    expectDraggable(app.search_Lrc_Internet_Form());
-    expectDraggable(app.search_Song_Internet_Form());
-    expectDraggable(app.VideoScreen_Form());
-    expectDraggable(app.welcomeForm());
-}
-
 // --- the settings window -------------------------------------------------------------------------
 
 TEST_F(WindowRules, AStoredValueThatIsNeitherYesNorNoLeavesItsBox) {
