@@ -70,6 +70,18 @@ class LyricTest(PlayerTest):
         self.assertTrue(self.strip(player), "the desktop line has no window")
         return player, main
 
+    def store_font(self, name, size, bold=False):
+        """Stores the face of the desktop line, in a registry that the program has made itself."""
+        player, main = self.start()
+        self.session.key("Escape", main)
+        self.assertTrue(player.ended())
+        font = {stem: (4, 0) for stem in ("Charset", "Italic", "Strikethrough", "Underline",
+                                          "BackColor")}
+        font |= {"Name": (1, name), "Size": (4, size), "Bold": (4, int(bold)),
+                 "Weight": (4, 700 if bold else 400), "ForeColor": (4, 0xFFFFFF)}
+        self.store({f"Desktop_Lrc_{stem}": value for stem, value in font.items()} |
+                   {"Desktop_Lrc_AutoOpen": (1, "0")})
+
     def strip(self, player, seconds=10):
         """The window of the desktop line."""
         return wait_for(lambda: next((number for number in player.windows()
@@ -135,15 +147,7 @@ class Standing(LyricTest):
             self.assertGreater(smooth, 30, "its edge is not smooth")
 
     def test_of_any_size_it_stays_on_the_screen_and_lets_clicks_through_between_its_letters(self):
-        player, main = self.start()
-        self.session.key("Escape", main)
-        self.assertTrue(player.ended())
-        font = {stem: (4, 0) for stem in ("Bold", "Charset", "Italic", "Strikethrough",
-                                          "Underline", "BackColor")}
-        font |= {"Name": (1, "Liberation Sans"), "Size": (4, 2160), "Weight": (4, 400),
-                 "ForeColor": (4, 0xFFFFFF)}
-        self.store({f"Desktop_Lrc_{stem}": value for stem, value in font.items()} |
-                   {"Desktop_Lrc_AutoOpen": (1, "0")})
+        self.store_font("Liberation Sans", 2160)
         player, main = self.sing("[00:00.00]II")
         player.tool("windowminimize", "--sync", main)  # it lies below the letters
         self.assertTrue(player.gone(main))
@@ -167,6 +171,22 @@ class Standing(LyricTest):
             player.tool("click", 1)
         self.assertTrue(wait_for(stranger.presses, 5), "the click is held back")
         self.assertEqual(stranger.presses(), [player.point(line, *gap)])
+
+    def test_a_bold_chinese_line_is_drawn_in_the_face_that_was_chosen(self):
+        self.store_font("Noto Serif CJK SC", 120, bold=True)
+        player, main = self.sing("[00:00.00]一一")
+        player.tool("windowminimize", "--sync", main)  # it lies below the letters
+        self.assertTrue(player.gone(main))
+        high = {}
+        for x, _ in self.letters(player):
+            high[x] = high.get(x, 0) + 1
+        columns = [high[x] for x in sorted(high)]
+        columns = columns[len(columns) // 2:]  # the second letter
+        # One stroke, thin at its beginning and with a serif at its end, which a face without
+        # serifs has not.
+        self.assertGreater(len(columns), 80)
+        begin, end = columns[len(columns) // 4:len(columns) // 2], columns[-len(columns) // 4:]
+        self.assertGreater(max(end), 1.4 * max(begin), columns)
 
     def test_it_is_gone_when_switched_off_and_comes_back(self):
         player, main = self.sing(self.LINE)
