@@ -120,7 +120,18 @@ TEST_F(AListFileNotReadInThisRun, NeverTakesThePlaceOfOneKeptBefore) {
     save();
     EXPECT_EQ(files.contents(oldFile), "/m/first.mp3\r\n");
     EXPECT_EQ(files.contents(oldFile + u".1"), others);
+    EXPECT_THAT(kept(), ElementsAre(oldFile, oldFile + u".1")) << "kept once";
     EXPECT_EQ(files.contents(listFile), "/m/a.mp3\r\n");
+}
+
+TEST_F(AListFileNotReadInThisRun, LeavesTheLastPlaceToWhatIsKeptThereWhileAnotherIsFree) {
+    for (const auto *kept : {u"", u".1", u".3", u".9"})
+        files.addFile(oldFile + kept, "/m/earlier.mp3\r\n");
+    files.addFile(listFile, others);
+    save();
+    EXPECT_EQ(files.contents(oldFile + u".2"), others);
+    EXPECT_EQ(files.contents(oldFile + u".9"), "/m/earlier.mp3\r\n");
+    EXPECT_EQ(kept().size(), 5U);
 }
 
 TEST_F(AListFileNotReadInThisRun, IsKeptOnceHoweverOftenTheSaveBehindItFails) {
