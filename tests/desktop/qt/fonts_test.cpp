@@ -191,6 +191,20 @@ TEST_F(FontsTest, WithoutAFaceOfTheDesignedNameAnotherOneIsUsed) {
     EXPECT_NE(fonts.extent(u"iiii", designed).width, fonts.extent(u"WWWW", designed).width);
 }
 
+TEST_F(FontsTest, ALineInPiecesIsAsWideAsItsWords) {
+    const forms::Font font(u"Arial", 36);
+    std::u16string line;
+    while (line.size() < 2000)
+        line += u"word ";
+    line += u"end";
+    const auto pieces = fonts.pieces(line, font);
+    ASSERT_GT(pieces.size(), 3);
+    const auto words = static_cast<double>(line.size() / 5);
+    const double word = fonts.placeOf(u"word word", font, 5);
+    const double end = fonts.placeOf(u"end", font, 3);
+    EXPECT_NEAR(fonts.extent(line, font).width / twipsPerPixel, words * word + end, 2);
+}
+
 // A line in a label, and in a box that shows what the label will look like.
 struct PreviewForm : TestForm {
     forms::Label label{*this, "label"};
