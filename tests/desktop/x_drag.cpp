@@ -1,5 +1,7 @@
 #include "tests/desktop/x_drag.h"
 
+#include "tests/desktop/x_reply.h"
+
 #include <poll.h>
 
 #include <chrono>
@@ -9,13 +11,6 @@
 namespace velmora::tests {
 
 namespace {
-
-struct Free {
-    void operator()(void *reply) const noexcept { std::free(reply); }
-};
-template <typename Reply> std::unique_ptr<Reply, Free> owned(Reply *reply) {
-    return std::unique_ptr<Reply, Free>(reply);
-}
 
 constexpr std::uint32_t protocolVersion = 5;
 constexpr auto limit = std::chrono::seconds(10);

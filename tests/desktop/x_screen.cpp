@@ -1,5 +1,7 @@
 #include "tests/desktop/x_screen.h"
 
+#include "tests/desktop/x_reply.h"
+
 #include <xcb/shape.h>
 
 #include <algorithm>
@@ -10,13 +12,6 @@
 namespace velmora::tests {
 
 namespace {
-
-struct Free {
-    void operator()(void *reply) const noexcept { std::free(reply); }
-};
-template <typename Reply> std::unique_ptr<Reply, Free> owned(Reply *reply) {
-    return std::unique_ptr<Reply, Free>(reply);
-}
 
 constexpr std::uint32_t mostProperty = 4096;
 

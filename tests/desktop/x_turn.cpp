@@ -1,5 +1,7 @@
 #include "tests/desktop/x_turn.h"
 
+#include "tests/desktop/x_reply.h"
+
 #include <poll.h>
 
 #include <chrono>
@@ -8,17 +10,6 @@
 #include <memory>
 
 namespace velmora::tests {
-
-namespace {
-
-struct Free {
-    void operator()(void *reply) const noexcept { std::free(reply); }
-};
-template <typename Reply> std::unique_ptr<Reply, Free> owned(Reply *reply) {
-    return std::unique_ptr<Reply, Free>(reply);
-}
-
-} // namespace
 
 XTurn::XTurn(const std::string &display) : connection_(xcb_connect(display.c_str(), nullptr)) {
     if (xcb_connection_has_error(connection_) != 0)

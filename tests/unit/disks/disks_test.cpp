@@ -6,6 +6,7 @@
 #include "playlist/saveOrOpenFile.h"
 #include "tests/fakes/instead.h"
 #include "tests/unit/disks/other_disk.h"
+#include "tests/unit/error_of.h"
 #include "tests/unit/program_fixture.h"
 
 #include <fcntl.h>
@@ -89,15 +90,6 @@ protected:
     void save() { app.saveOrOpenFile().savePlayList(); }
     bool load() { return app.saveOrOpenFile().loadPlayList(); }
     std::int32_t rows() { return app.playList_Form().List1.listCount(); }
-    ErrorNumber errorOf(const std::function<void()> &statement) {
-        try {
-            statement();
-        } catch (const RunTimeError &error) {
-            return error.number();
-        }
-        ADD_FAILURE() << "no error was raised";
-        return ErrorNumber::General;
-    }
     void copy(const std::string &source, bool replacing) {
         platform::FileCopy copying(source, disk.path());
         copying.begin();

@@ -5,6 +5,7 @@
 #include "platform/linux/linux_files.h"
 #include "tests/fakes/fake_ansi.h"
 #include "tests/fakes/fake_files.h"
+#include "tests/unit/error_of.h"
 #include "tests/unit/linux/temp_folder.h"
 
 #include <gtest/gtest.h>
@@ -47,15 +48,6 @@ template <> struct Disk<fakes::FakeFiles> {
 };
 
 template <typename Kind> struct FilesRules : testing::Test, Disk<Kind> {
-    static ErrorNumber errorOf(const std::function<void()> &statement) {
-        try {
-            statement();
-        } catch (const RunTimeError &error) {
-            return error.number();
-        }
-        ADD_FAILURE() << "no error was raised";
-        return ErrorNumber::General;
-    }
     std::vector<std::string> lines(const std::string &name) {
         std::vector<std::string> result;
         const auto reader = this->files.openInput(this->path(name));
@@ -110,16 +102,16 @@ TYPED_TEST(FilesRules, writeWholeFilesOrRaise) {
     this->files.writeWhole(this->path("f"), "two", true);
     EXPECT_EQ(this->content("f"), "two");
     this->readOnly("f");
-    EXPECT_EQ(this->errorOf([&] { this->files.writeWhole(this->path("f"), "x", false); }),
+    EXPECT_EQ(errorOf([&] { this->files.writeWhole(this->path("f"), "x", false); }),
               ErrorNumber::PermissionDenied);
     EXPECT_EQ(this->content("f"), "two");
     this->makeFolder("sub");
     this->special("special");
-    this->errorOf([&] { this->files.writeWhole(this->path("sub"), "x", false); });
-    this->errorOf([&] { this->files.writeWhole(this->path("special"), "x", false); });
-    this->errorOf([&] { this->files.writeWhole(this->path("no/f"), "x", false); });
-    this->errorOf([&] { this->files.writeWhole(u"/in-the-root", "x", false); });
-    this->errorOf([&] { this->files.writeWhole(u"", "x", false); });
+    errorOf([&] { this->files.writeWhole(this->path("sub"), "x", false); });
+    errorOf([&] { this->files.writeWhole(this->path("special"), "x", false); });
+    errorOf([&] { this->files.writeWhole(this->path("no/f"), "x", false); });
+    errorOf([&] { this->files.writeWhole(u"/in-the-root", "x", false); });
+    errorOf([&] { this->files.writeWhole(u"", "x", false); });
 }
 
 TYPED_TEST(FilesRules, writeNewFilesAndLeaveWhatIsThere) {
@@ -128,13 +120,13 @@ TYPED_TEST(FilesRules, writeNewFilesAndLeaveWhatIsThere) {
     this->makeFolder("sub");
     this->special("special");
     for (const char *name : {"f", "sub", "special"})
-        EXPECT_EQ(this->errorOf([&] { this->files.writeNew(this->path(name), "two", false); }),
+        EXPECT_EQ(errorOf([&] { this->files.writeNew(this->path(name), "two", false); }),
                   ErrorNumber::FileExists)
             << name;
     EXPECT_EQ(this->content("f"), "one");
-    this->errorOf([&] { this->files.writeNew(this->path("no/f"), "x", false); });
-    this->errorOf([&] { this->files.writeNew(u"/in-the-root", "x", false); });
-    this->errorOf([&] { this->files.writeNew(u"", "x", false); });
+    errorOf([&] { this->files.writeNew(this->path("no/f"), "x", false); });
+    errorOf([&] { this->files.writeNew(u"/in-the-root", "x", false); });
+    errorOf([&] { this->files.writeNew(u"", "x", false); });
 }
 
 TYPED_TEST(FilesRules, renameWithoutReplacing) {
@@ -143,14 +135,14 @@ TYPED_TEST(FilesRules, renameWithoutReplacing) {
     const auto name = [&](const std::u16string &to) {
         return [this, to] { this->files.Name(this->path("a"), to); };
     };
-    EXPECT_EQ(this->errorOf(name(this->path("b"))), ErrorNumber::FileExists);
-    EXPECT_EQ(this->errorOf(name(this->path("sub/c"))), ErrorNumber::InvalidCall);
-    EXPECT_EQ(this->errorOf(name(this->path(".."))), ErrorNumber::InvalidCall);
-    EXPECT_EQ(this->errorOf(name(this->path(""))), ErrorNumber::InvalidCall);
+    EXPECT_EQ(errorOf(name(this->path("b"))), ErrorNumber::FileExists);
+    EXPECT_EQ(errorOf(name(this->path("sub/c"))), ErrorNumber::InvalidCall);
+    EXPECT_EQ(errorOf(name(this->path(".."))), ErrorNumber::InvalidCall);
+    EXPECT_EQ(errorOf(name(this->path(""))), ErrorNumber::InvalidCall);
     name(this->path("a"))();
     name(this->path("c"))();
     EXPECT_EQ(this->content("c"), "A");
-    EXPECT_EQ(this->errorOf(name(this->path("d"))), ErrorNumber::FileNotFound);
+    EXPECT_EQ(errorOf(name(this->path("d"))), ErrorNumber::FileNotFound);
 }
 
 TYPED_TEST(FilesRules, deleteTheExactFileOnly) {
@@ -162,9 +154,9 @@ TYPED_TEST(FilesRules, deleteTheExactFileOnly) {
     const auto remove = [&](const std::string &name) {
         return [this, &object, name] { object->DeleteFile(this->path(name)); };
     };
-    EXPECT_EQ(this->errorOf(remove("song")), ErrorNumber::FileNotFound);
-    EXPECT_EQ(this->errorOf(remove("sub")), ErrorNumber::PermissionDenied);
-    EXPECT_EQ(this->errorOf(remove("locked")), ErrorNumber::PermissionDenied);
+    EXPECT_EQ(errorOf(remove("song")), ErrorNumber::FileNotFound);
+    EXPECT_EQ(errorOf(remove("sub")), ErrorNumber::PermissionDenied);
+    EXPECT_EQ(errorOf(remove("locked")), ErrorNumber::PermissionDenied);
     remove("Song")();
     EXPECT_EQ(this->files.Dir(this->path("Song")), u"");
 }
@@ -174,21 +166,19 @@ TYPED_TEST(FilesRules, tellLengthsAndGiveBytes) {
     EXPECT_EQ(this->files.FileLen(this->path("f")), 10);
     EXPECT_EQ(this->files.readBytes(this->path("f"), 7, 100), "789");
     EXPECT_EQ(this->files.readBytes(this->path("f"), 100, 1), "");
-    EXPECT_EQ(this->errorOf([&] { this->files.FileLen(this->path("no")); }),
-              ErrorNumber::FileNotFound);
-    EXPECT_EQ(this->errorOf([&] { this->files.readBytes(this->path("f"), -1, 1); }),
+    EXPECT_EQ(errorOf([&] { this->files.FileLen(this->path("no")); }), ErrorNumber::FileNotFound);
+    EXPECT_EQ(errorOf([&] { this->files.readBytes(this->path("f"), -1, 1); }),
               ErrorNumber::InvalidCall);
 }
 
 TYPED_TEST(FilesRules, refuseToOpenWhatIsNoFile) {
     this->makeFolder("sub");
     this->special("special");
-    EXPECT_EQ(this->errorOf([&] { this->files.openInput(this->path("sub")); }),
+    EXPECT_EQ(errorOf([&] { this->files.openInput(this->path("sub")); }),
               ErrorNumber::PermissionDenied);
-    EXPECT_EQ(this->errorOf([&] { this->files.openInput(this->path("special")); }),
+    EXPECT_EQ(errorOf([&] { this->files.openInput(this->path("special")); }),
               ErrorNumber::DeviceIo);
-    EXPECT_EQ(this->errorOf([&] { this->files.openInput(this->path("no")); }),
-              ErrorNumber::FileNotFound);
+    EXPECT_EQ(errorOf([&] { this->files.openInput(this->path("no")); }), ErrorNumber::FileNotFound);
 }
 
 TYPED_TEST(FilesRules, writeTextsInTheirAnsiFormAndKeepOldFiles) {
@@ -197,13 +187,13 @@ TYPED_TEST(FilesRules, writeTextsInTheirAnsiFormAndKeepOldFiles) {
     this->files.keepAs(this->path("f"), this->path("f.old"));
     EXPECT_EQ(this->content("f.old"), "é曲");
     EXPECT_EQ(this->content("f"), "é曲");
-    this->errorOf([&] { this->files.keepAs(this->path("no"), this->path("x")); });
+    errorOf([&] { this->files.keepAs(this->path("no"), this->path("x")); });
 }
 
 TYPED_TEST(FilesRules, doNotKeepWhatMayNotBeReplacedAnyway) {
     this->file("locked", "x");
     this->readOnly("locked");
-    EXPECT_EQ(this->errorOf([&] { this->files.keepAs(this->path("locked"), this->path("kept")); }),
+    EXPECT_EQ(errorOf([&] { this->files.keepAs(this->path("locked"), this->path("kept")); }),
               ErrorNumber::PermissionDenied);
     EXPECT_EQ(this->files.Dir(this->path("kept")), u"");
 }

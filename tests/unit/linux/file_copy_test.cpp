@@ -2,6 +2,8 @@
 
 #include "base/run_time_error.h"
 #include "platform/linux/passing_name.h"
+#include "tests/unit/error_of.h"
+#include "tests/unit/linux/refusing.h"
 #include "tests/unit/linux/temp_folder.h"
 #include "tests/unit/write_limit.h"
 
@@ -51,34 +53,13 @@ struct Copying : testing::Test {
             names.push_back(entry.path().filename());
         return names;
     }
-    static auto refusing(int error) {
-        return [error](auto &&...) {
-            errno = error;
-            return -1;
-        };
-    }
     // As on file systems that know nothing of all this.
     void refuseAll(int error) {
         calls.openNameless = refusing(ENOTSUP);
         calls.link = refusing(error);
         calls.setMode = refusing(error);
         calls.setTimes = refusing(error);
-        calls.rename = [real = FileCalls().rename](const char *from, const char *to,
-                                                   unsigned flags) {
-            if (flags == 0)
-                return real(from, to, 0);
-            errno = EINVAL;
-            return -1;
-        };
-    }
-    static ErrorNumber errorOf(const std::function<void()> &statement) {
-        try {
-            statement();
-        } catch (const RunTimeError &error) {
-            return error.number();
-        }
-        ADD_FAILURE() << "no error was raised";
-        return ErrorNumber::General;
+        calls.rename = renamingOnlyPlainly(EINVAL);
     }
 };
 

@@ -3,6 +3,7 @@
 
 #include "base/run_time_error.h"
 #include "tests/fakes/fake_ansi.h"
+#include "tests/unit/error_of.h"
 #include "tests/unit/linux/temp_folder.h"
 
 #include <gtest/gtest.h>
@@ -27,17 +28,6 @@ struct Reading : testing::Test {
         while (!reader->endOfFile())
             result.push_back(reader->readLine());
         return result;
-    }
-
-    static ErrorNumber errorOf(const std::function<void()> &statement) {
-        try {
-            statement();
-        } catch (const RunTimeError &error) {
-            EXPECT_FALSE(error.description().empty());
-            return error.number();
-        }
-        ADD_FAILURE() << "no error was raised";
-        return ErrorNumber::General;
     }
 };
 

@@ -3,6 +3,7 @@
 
 #include "base/run_time_error.h"
 #include "tests/fakes/fake_ansi.h"
+#include "tests/unit/error_of.h"
 #include "tests/unit/linux/temp_folder.h"
 #include "tests/unit/small_disk.h"
 
@@ -25,19 +26,6 @@ struct Writing : testing::Test {
     TempFolder folder;
     fakes::FakeAnsi ansi;
     LinuxFiles files{ansi};
-
-    static ErrorNumber errorOf(const std::function<void()> &statement,
-                               std::u16string *description = nullptr) {
-        try {
-            statement();
-        } catch (const RunTimeError &error) {
-            if (description)
-                *description = error.description();
-            return error.number();
-        }
-        ADD_FAILURE() << "no error was raised";
-        return ErrorNumber::General;
-    }
 };
 
 // --- writing whole files -------------------------------------------------------------------------

@@ -6,6 +6,8 @@
 
 #include "base/run_time_error.h"
 #include "tests/fakes/fake_ansi.h"
+#include "tests/unit/error_of.h"
+#include "tests/unit/linux/refusing.h"
 #include "tests/unit/linux/temp_folder.h"
 
 #include <gtest/gtest.h>
@@ -26,32 +28,6 @@ struct RefusingDisk : testing::Test {
     FileCalls calls;
 
     LinuxFiles files() { return LinuxFiles(ansi, calls); }
-
-    static auto refusing(int error) {
-        return [error](auto &&...) {
-            errno = error;
-            return -1;
-        };
-    }
-    // Renames, but never without replacing.
-    void refuseToSpare(int error) {
-        calls.rename = [error, real = FileCalls().rename](const char *from, const char *to,
-                                                          unsigned flags) {
-            if (flags == 0)
-                return real(from, to, 0);
-            errno = error;
-            return -1;
-        };
-    }
-    static ErrorNumber errorOf(const std::function<void()> &statement) {
-        try {
-            statement();
-        } catch (const RunTimeError &error) {
-            return error.number();
-        }
-        ADD_FAILURE() << "no error was raised";
-        return ErrorNumber::General;
-    }
 };
 
 // --- modes ---------------------------------------------------------------------------------------
@@ -123,7 +99,7 @@ TEST_F(RefusingDisk, ThatCannotSyncTheContentKeepsTheOldFile) {
 
 TEST_F(RefusingDisk, ThatCannotSpareRenamesByASecondName) {
     for (const int error : {EINVAL, ENOSYS, ENOTSUP}) {
-        refuseToSpare(error);
+        calls.rename = renamingOnlyPlainly(error);
         folder.write("a", "A");
         folder.write("b", "B");
         EXPECT_EQ(errorOf([&] { files().Name(folder.text("a"), folder.text("b")); }),
@@ -136,7 +112,7 @@ TEST_F(RefusingDisk, ThatCannotSpareRenamesByASecondName) {
 }
 
 TEST_F(RefusingDisk, ThatKnowsNoSecondNamesEitherRenamesAfterALook) {
-    refuseToSpare(EINVAL);
+    calls.rename = renamingOnlyPlainly(EINVAL);
     for (const int error : {EPERM, ENOSYS, ENOTSUP, EINVAL, EMLINK}) {
         calls.link = refusing(error);
         folder.write("a", "A");
@@ -148,7 +124,7 @@ TEST_F(RefusingDisk, ThatKnowsNoSecondNamesEitherRenamesAfterALook) {
 }
 
 TEST_F(RefusingDisk, NeverReplacesWhatTheLookShows) {
-    refuseToSpare(EINVAL);
+    calls.rename = renamingOnlyPlainly(EINVAL);
     calls.link = refusing(EPERM);
     folder.write("a", "A");
     folder.write("b", "B");
@@ -169,11 +145,11 @@ TEST_F(RefusingDisk, ThatFailsAtARenameIsNotAskedInAnotherWay) {
         return -1;
     };
     for (const int error : {EIO, EROFS, EACCES, EPERM}) {
-        refuseToSpare(error);
+        calls.rename = renamingOnlyPlainly(error);
         errorOf([&] { files().Name(folder.text("a"), folder.text("b")); });
     }
     EXPECT_FALSE(isAsked);
-    refuseToSpare(EINVAL);
+    calls.rename = renamingOnlyPlainly(EINVAL);
     calls.link = refusing(EIO);
     EXPECT_EQ(errorOf([&] { files().Name(folder.text("a"), folder.text("b")); }),
               ErrorNumber::DeviceIo);
@@ -182,7 +158,7 @@ TEST_F(RefusingDisk, ThatFailsAtARenameIsNotAskedInAnotherWay) {
 
 // As one that ignores case does, where the new name finds the old file.
 TEST_F(RefusingDisk, ThatIgnoresCaseSpellsItsFileAnew) {
-    refuseToSpare(EEXIST);
+    calls.rename = renamingOnlyPlainly(EEXIST);
     folder.write("song.mp3", "x");
     files().Name(folder.text("song.mp3"), folder.text("Song.MP3"));
     EXPECT_EQ(folder.names(), Names{"Song.MP3"});
@@ -198,7 +174,7 @@ TEST_F(RefusingDisk, ThatIgnoresCaseSpellsItsFileAnew) {
 TEST_F(RefusingDisk, ThatKnowsNoSecondNamesTakesNewFilesAllTheSame) {
     for (const bool isNameless : {true, false}) {
         calls = FileCalls();
-        refuseToSpare(EINVAL);
+        calls.rename = renamingOnlyPlainly(EINVAL);
         calls.link = refusing(EPERM); // also for a file that has no name yet
         if (!isNameless)
             calls.openNameless = refusing(ENOTSUP);
@@ -236,7 +212,7 @@ TEST_F(RefusingDisk, OrNotWhatCameWhereNothingWasIsNotReplaced) {
         for (const bool isRefusing : {false, true}) {
             calls = FileCalls();
             if (isRefusing) {
-                refuseToSpare(EINVAL);
+                calls.rename = renamingOnlyPlainly(EINVAL);
                 calls.link = refusing(EPERM);
             }
             {

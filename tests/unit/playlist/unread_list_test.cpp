@@ -22,6 +22,11 @@ protected:
     }
     bool save(SaveKind kind = SaveKind::Settled) { return app.saveOrOpenFile().savePlayList(kind); }
     bool load() { return app.saveOrOpenFile().loadPlayList(); }
+    // The others' list lies aside, and in its place the one that was saved.
+    void expectKeptAndSaved(const std::string &list) {
+        EXPECT_EQ(files.contents(oldFile), others);
+        EXPECT_EQ(files.contents(listFile), list);
+    }
     Texts kept() {
         Texts texts;
         for (const std::u16string &path : files.files())
@@ -39,8 +44,7 @@ TEST_F(AListFileNotReadInThisRun, BecauseItsFolderCameAfterTheLoadIsKept) {
     files.addFile(listFile, others);
     addRowOnly(u"/m/a.mp3");
     save();
-    EXPECT_EQ(files.contents(oldFile), others);
-    EXPECT_EQ(files.contents(listFile), "/m/a.mp3\r\n");
+    expectKeptAndSaved("/m/a.mp3\r\n");
 }
 
 TEST_F(AListFileNotReadInThisRun, BecauseTheListNowLiesInAnotherFolderIsKept) {
@@ -62,8 +66,7 @@ TEST_F(AListFileNotReadInThisRun, BecauseADiskWasMountedOverTheWrittenOneIsKept)
     files.addFile(listFile, others);
     addRowOnly(u"/m/b.mp3");
     save();
-    EXPECT_EQ(files.contents(oldFile), others);
-    EXPECT_EQ(files.contents(listFile), "/m/a.mp3\r\n/m/b.mp3\r\n");
+    expectKeptAndSaved("/m/a.mp3\r\n/m/b.mp3\r\n");
 }
 
 TEST_F(AListFileNotReadInThisRun, BecauseTheDiskGaveNoAnswerIsNotTakenForAbsent) {
@@ -75,8 +78,7 @@ TEST_F(AListFileNotReadInThisRun, BecauseTheDiskGaveNoAnswerIsNotTakenForAbsent)
     files.setUnreachable(listFile, false);
     EXPECT_EQ(files.contents(listFile), others);
     save();
-    EXPECT_EQ(files.contents(oldFile), others);
-    EXPECT_EQ(files.contents(listFile), "/m/a.mp3\r\n");
+    expectKeptAndSaved("/m/a.mp3\r\n");
 }
 
 TEST_F(AListFileNotReadInThisRun, ButWrittenByItIsJustReplaced) {
@@ -107,8 +109,7 @@ TEST_F(AListFileNotReadInThisRun, ToItsEndIsKeptInWhateverWayItsFolderIsSpelt) {
     load();
     app.setControl().Path_List = u"/lists/";
     save();
-    EXPECT_EQ(files.contents(oldFile), others);
-    EXPECT_EQ(files.contents(listFile), "/m/1.mp3\r\n");
+    expectKeptAndSaved("/m/1.mp3\r\n");
 }
 
 // --- where it is kept ----------------------------------------------------------------------------
@@ -168,8 +169,7 @@ TEST_F(AListFileNotReadInThisRun, StaysWhereThereIsNoRoomToKeepIt) {
     EXPECT_THAT(kept(), IsEmpty());
     files.setFreeSpace(std::nullopt);
     save();
-    EXPECT_EQ(files.contents(oldFile), others);
-    EXPECT_EQ(files.contents(listFile), "/m/a.mp3\r\n");
+    expectKeptAndSaved("/m/a.mp3\r\n");
 }
 
 TEST_F(AListFileNotReadInThisRun, StaysAndIsNotCopiedWhereItMayNotBeReplaced) {

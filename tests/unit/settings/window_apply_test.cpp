@@ -17,6 +17,14 @@ protected:
         open();
         registry.clearLog();
     }
+    // Applies a box with this value: what is in memory and stored afterwards.
+    void expectTaken(forms::CheckBox &box, std::int16_t value, const std::int16_t &choice,
+                     std::u16string_view name, std::int16_t expected) {
+        box.setValue(value);
+        apply();
+        EXPECT_EQ(choice, expected) << value;
+        EXPECT_EQ(stored(name), decimal(expected)) << value;
+    }
     // What an Apply writes and reads, in order, on a program as it was started.
     Texts expectedLog(std::u16string_view autoPlay) {
         const std::u16string create = u"create " + std::u16string(playSetKey);
@@ -62,36 +70,19 @@ protected:
 // --- the choices -----------------------------------------------------------------------------
 
 TEST_F(SettingsApplied, AutoUpdateIsOneTickedAndZeroUnticked) {
-    form.autoUpdate.setValue(1);
-    apply();
-    EXPECT_EQ(memory.AutoUpadate, 1);
-    EXPECT_EQ(stored(u"AutoUpadate"), u"1");
-    form.autoUpdate.setValue(0);
-    apply();
-    EXPECT_EQ(memory.AutoUpadate, 0);
-    EXPECT_EQ(stored(u"AutoUpadate"), u"0");
+    expectTaken(form.autoUpdate, 1, memory.AutoUpadate, u"AutoUpadate", 1);
+    expectTaken(form.autoUpdate, 0, memory.AutoUpadate, u"AutoUpadate", 0);
 }
 
 TEST_F(SettingsApplied, AGreyAutoUpdateChangesNothing) {
     memory.AutoUpadate = 1;
-    form.autoUpdate.setValue(2);
-    apply();
-    EXPECT_EQ(memory.AutoUpadate, 1);
-    EXPECT_EQ(stored(u"AutoUpadate"), u"1");
+    expectTaken(form.autoUpdate, 2, memory.AutoUpadate, u"AutoUpadate", 1);
 }
 
 TEST_F(SettingsApplied, AutoPlayIsStoredInverted) {
-    form.isAutoPlay.setValue(1);
-    apply();
-    EXPECT_EQ(memory.isAutoPlay, 0);
-    EXPECT_EQ(stored(u"isAutoPlay"), u"0");
-    form.isAutoPlay.setValue(0);
-    apply();
-    EXPECT_EQ(memory.isAutoPlay, 1);
-    EXPECT_EQ(stored(u"isAutoPlay"), u"1");
-    form.isAutoPlay.setValue(1);
-    apply();
-    EXPECT_EQ(memory.isAutoPlay, 0);
+    expectTaken(form.isAutoPlay, 1, memory.isAutoPlay, u"isAutoPlay", 0);
+    expectTaken(form.isAutoPlay, 0, memory.isAutoPlay, u"isAutoPlay", 1);
+    expectTaken(form.isAutoPlay, 1, memory.isAutoPlay, u"isAutoPlay", 0);
 }
 
 TEST_F(SettingsApplied, ThePlayModeIsThatOfItsButton) {

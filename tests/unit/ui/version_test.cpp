@@ -14,14 +14,16 @@ class Version : public ProgramFixture {
 protected:
     Procedure_Description &record() { return app.Procedure_Description(); }
 
+    static std::string recordOf(const platform::VersionFields &fields) {
+        const auto block = platform::buildVersionBlock<8192>(fields);
+        return {block.bytes.begin(), block.bytes.begin() + static_cast<std::ptrdiff_t>(block.size)};
+    }
     // A sound record with some 32-bit words of its fixed part replaced (counted from 0).
     void readWithWords(std::initializer_list<std::pair<std::size_t, std::uint32_t>> words) {
         platform::VersionFields fields;
         fields.fileVersion = {1, 2, 3, 4};
         fields.productVersion = {5, 6, 7, 8};
-        const auto block = platform::buildVersionBlock<8192>(fields);
-        std::string bytes(block.bytes.begin(),
-                          block.bytes.begin() + static_cast<std::ptrdiff_t>(block.size));
+        std::string bytes = recordOf(fields);
         const std::size_t fixedPart = bytes.find("\xBD\x04\xEF\xFE");
         ASSERT_NE(fixedPart, std::string::npos);
         for (const auto &[word, value] : words) {
@@ -104,9 +106,7 @@ TEST_F(Version, CutShortAtAnyByteTellsNothingOfIt) {
     platform::VersionFields fields;
     fields.fileVersion = {1, 2, 3, 4};
     fields.strings = strings;
-    const auto block = platform::buildVersionBlock<8192>(fields);
-    const std::string bytes(block.bytes.begin(),
-                            block.bytes.begin() + static_cast<std::ptrdiff_t>(block.size));
+    const std::string bytes = recordOf(fields);
     for (std::size_t size = 0; size < bytes.size(); ++size) {
         fake.versions.addRecordBytes(path, bytes.substr(0, size));
         ASSERT_NO_THROW(record().read_File_Version(path));
