@@ -44,7 +44,8 @@ private:
     void layTransport();
     void layVolume();
     void layStrip();
-    void putAndPlay();
+    bool isCurrent() const;
+    bool putAndPlay();
     void tick();
 
     Velmora &app_;

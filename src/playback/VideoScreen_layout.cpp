@@ -93,8 +93,8 @@ void VideoScreen_Form::layOut(bool fullScreen, bool keep) {
     nameBox.setWidth(textWidth);
     playInfo_Show.setWidth(textWidth);
     layStrip();
-    if (!keep) {
-        putAndPlay();
+    if (!keep && !putAndPlay()) {
+        return;
     }
     if (fullScreen) {
         app_.player().isFullScreen = -1;
@@ -150,9 +150,16 @@ void VideoScreen_Form::layStrip() {
     videoScreen.setHeight(videoScreen.height() - high);
 }
 
-void VideoScreen_Form::putAndPlay() {
+bool VideoScreen_Form::isCurrent() const {
+    return app_.videoScreenLoaded() && &app_.VideoScreen_Form() == this;
+}
+
+// False when the film has given way meanwhile: the mode is now that of the next one's window.
+bool VideoScreen_Form::putAndPlay() {
     app_.player().put_VideoWindowWhole();
+    const bool wasCurrent = isCurrent();
     app_.player().play_Sub();
+    return !wasCurrent || isCurrent();
 }
 
 } // namespace velmora

@@ -43,8 +43,9 @@ void seekByRelease(Velmora &app, const SeekControls &controls, Twips x) {
     controls.form.setMousePointer(forms::pointerHourglass);
     controls.playInfo_Show.setCaption(app.Language().msg_Seeking);
     centreLabel(controls.playInfo_Show, controls.nameBox.width());
+    const player::Medium medium = app.player().medium();
     app.player().seek_ByBar(controls.window, std::max(x, 0.0F));
-    if (app.lrcForm().hasLrc) {
+    if (app.lrcForm().hasLrc && !app.player().isGone(medium)) {
         app.lrcForm().nowLrcLine = app.lrcForm().lrcWaitText;
     }
     controls.load_Played_BG.setMousePointer(forms::pointerCustom);

@@ -64,6 +64,16 @@ public:
     // "Sequencer", "Waveaudio", "MPEGVideo2", "RealPlayer" or "MPEGVideo" for a short path.
     std::u16string get_DeviceType(std::u16string_view shortPath) const;
 
+    // What is open now, for what works on it while events run.
+    struct Medium {
+        std::u16string file;
+        std::uint32_t closings = 0;
+    };
+    Medium medium() const { return {nowPlay_File, closings_}; }
+    // Whether it was closed since, and its file is not the one that is open by now. The engine is
+    // asked only where something was closed.
+    bool isGone(const Medium &medium);
+
     // --- playing
     // ---------------------------------------------------------------------------------- Plays from
     // the present position with a fade-in to the volume that Main's bar shows, handling events
@@ -137,6 +147,7 @@ private:
 
     Velmora &app_;
     Random random_;
+    std::uint32_t closings_ = 0; // of a medium, or of none
 };
 
 } // namespace velmora

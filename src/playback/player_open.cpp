@@ -167,7 +167,12 @@ void player::readTitle() {
     }
 }
 
+bool player::isGone(const Medium &medium) {
+    return closings_ != medium.closings && (nowPlay_File != medium.file || get_Length() == 0);
+}
+
 std::int16_t player::close_Sub(std::int16_t mode) {
+    ++closings_;
     const std::int16_t result = send(u"close NOWMUSIC") ? done : 0;
     if (mode != 0) {
         return result;

@@ -87,9 +87,18 @@ std::int16_t player::play_Sub() {
             app_.Main().stop_Sub();
             return;
         }
+        const Medium played = medium();
         fadeIn();
         restoreChannel();
-        app_.Search().findTrackLyric(nowPlay_File);
+        if (!isGone(played)) {
+            app_.Search().findTrackLyric(nowPlay_File);
+        }
+        // Events ran in both: what was stopped meanwhile is not in use, and a track that has begun
+        // has done all this for itself.
+        if (isGone(played)) {
+            result = asBoolean(get_Length() != 0);
+            return;
+        }
         app_.lrcForm().Timer1.setRunning(true);
         app_.Main().rotation_Count = 0;
         result = done;

@@ -65,6 +65,20 @@ TEST_F(MainWindow, SeekBarPutsTheWaitingTextOnlyWithALyric) {
     EXPECT_EQ(app.lrcForm().nowLrcLine, u"Music...");
 }
 
+TEST_F(MainWindow, SeekBarPutsNoWaitingTextOverTheNextTracksLine) {
+    play();
+    app.lrcForm().lrcWaitText = u"Music...";
+    files.addFile(u"/m/a.lrc", "[00:59]line");
+    files.addFile(u"/m/b.lrc", "[00:59]line");
+    addTrack(u"/m/b.mp3");
+    windows.atNextPump([&] {
+        openAndPlay(u"/m/b.mp3");
+        app.lrcForm().nowLrcLine = u"of b";
+    });
+    release(main().load_Played_BG, 10);
+    EXPECT_EQ(app.lrcForm().nowLrcLine, u"of b");
+}
+
 TEST_F(MainWindow, SeekBarWithNothingOpenShowsTheTextUntilTheNextTick) {
     release(main().load_Played_BG, 500);
     EXPECT_EQ(main().playInfo_Show.caption(), app.Language().msg_Seeking);

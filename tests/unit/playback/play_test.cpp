@@ -273,12 +273,38 @@ TEST_F(Playing, AFadeGoesOnAgainstAMediumOpenedInside) {
 TEST_F(Playing, AStopInsideTheFadeLetsItRunOutAgainstNothing) {
     setVolumeBar(12);
     windows.atNextPump([&] { app.Main().stopButton_Click(); });
-    EXPECT_EQ(app.player().play_Sub(), -1);
+    EXPECT_EQ(app.player().play_Sub(), 0);
     EXPECT_FALSE(media.isOpen());
-    // The lyric tick is on without a medium: the next tick of Main brings the stopped look.
+    EXPECT_EQ(fade(), (std::vector<std::int32_t>{0, 6, 12}));
+}
+
+// Whether the line's timer runs is what tells the play button that a medium is in use.
+TEST_F(Playing, AStopInsideTheFadeStaysAStopAndThePlayButtonStartsAgain) {
+    files.addFile(u"/music/a.lrc", "[00:00.00]line");
+    setVolumeBar(12);
+    windows.atNextPump([&] { app.Main().stopButton_Click(); });
+    app.player().play_Sub();
+    EXPECT_FALSE(app.lrcForm().Timer1.running());
+    EXPECT_EQ(app.lrcForm().List1.listCount(), 0);
+    app.Main().playButton_Click();
+    EXPECT_EQ(media.mode(), u"playing");
     EXPECT_TRUE(app.lrcForm().Timer1.running());
-    tickMain();
-    EXPECT_TRUE(app.Main().playButton.visible());
+    EXPECT_EQ(app.lrcForm().List1.listCount(), 1);
+}
+
+TEST_F(Playing, ATrackThatBeginsInsideTheFadeLooksForItsOwnLyricOnce) {
+    setVolumeBar(12);
+    addTrack(u"/music/b.mp3");
+    files.addFile(u"/music/b.lrc", "[00:01.00]of b");
+    windows.atNextPump([&] {
+        openAndPlay(u"/music/b.mp3");
+        app.Main().rotation_Count = 7;
+        app.lrcForm().nowLrcLine = u"of b";
+    });
+    app.player().play_Sub();
+    EXPECT_EQ(app.lrcForm().nowLrcLine, u"of b");
+    EXPECT_EQ(app.Main().rotation_Count, 7);
+    EXPECT_TRUE(app.lrcForm().Timer1.running());
 }
 
 TEST_F(Playing, AClickOnPauseInsideTheFadePauses) {

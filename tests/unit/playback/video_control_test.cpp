@@ -51,6 +51,23 @@ TEST_F(Video, EscapeAndF11InFullScreenKeepTheFlagAsTheyFindIt) {
     EXPECT_EQ(app.player().isFullScreen, 0);
 }
 
+// The film ends while it fades in again; the window of the next one is another.
+TEST_F(Video, AToggleIsForTheWindowWhoseKeyWasPressedAndNotForTheNextFilms) {
+    addTrack(u"/m/next.avi", 60'000, true);
+    for (const bool isFull : {false, true}) {
+        app.player().isFullScreen = 0;
+        play();
+        if (isFull) {
+            key(13);
+        }
+        windows.atNextPump([&] { openAndPlay(u"/m/next.avi"); });
+        isFull ? window().setScreenSize(10950, 7875, false) : key(13);
+        EXPECT_EQ(app.player().isFullScreen, isFull ? -1 : 0);
+        EXPECT_EQ(window().width() == 10950, !isFull);
+        EXPECT_EQ(window().topmost(), isFull);
+    }
+}
+
 TEST_F(Video, OtherKeysDoNothing) {
     play();
     for (std::int16_t code = 1; code < 255; ++code) {
