@@ -12,6 +12,9 @@
 #include "settings/setControl.h"
 #include "velmora.h"
 
+#include <optional>
+#include <utility>
+
 namespace velmora {
 
 namespace {
@@ -68,34 +71,54 @@ std::u16string lrc_Internet_Search::searchAddress(std::u16string_view word) cons
 }
 
 bool lrc_Internet_Search::searchLrc(std::u16string_view word) {
-    lrcSearchUrl = searchAddress(word);
-    passOver([this] { app_.platform().internet.DeleteUrlCacheEntryA(lrcSearchUrl); });
-    lrcSearchPage.clear();
-    passOver([this] { lrcSearchPage = getWebPage(app_.platform(), lrcSearchUrl); });
-    if (lrcSearchPage.empty())
-        return false;
-    lrcPageLinks.erase();
-    lrcDownloadLinks.erase();
-    lrcFirstPageDone = false;
-    passOver([this] { scanLrcPages(lrcSearchUrl); });
-    return true;
+    const std::u16string address = searchAddress(word);
+    passOver([&] { app_.platform().internet.DeleteUrlCacheEntryA(address); });
+    std::u16string page;
+    passOver([&] { page = getWebPage(app_.platform(), address); });
+    Scan scan;
+    if (!page.empty()) {
+        passOver([&] { scanPages(address, scan); });
+        keepState(std::move(scan));
+    }
+    lrcSearchUrl = address;
+    lrcSearchPage = std::move(page);
+    return !lrcSearchPage.empty();
+}
+
+void lrc_Internet_Search::keepState(Scan &&scan) {
+    lrcPageLinks = std::move(scan.pageLinks);
+    lrcDownloadLinks = std::move(scan.downloadLinks);
+    lrcFirstPageDone = scan.isFirstPageDone;
+    lrcPageIndex = scan.pageIndex;
 }
 
 void lrc_Internet_Search::scanLrcPages(std::u16string address) {
+    Scan scan{lrcPageLinks, lrcDownloadLinks, lrcFirstPageDone, lrcPageIndex};
+    std::optional<RunTimeError> failure;
+    try {
+        scanPages(std::move(address), scan);
+    } catch (const RunTimeError &error) {
+        failure = error;
+    }
+    keepState(std::move(scan));
+    if (failure)
+        throw *failure;
+}
+
+void lrc_Internet_Search::scanPages(std::u16string address, Scan &scan) {
     app_.platform().windows.DoEvents();
     setControl &settings = app_.setControl();
     const Addresses addresses{below(settings.get_LrcSiteAHost(), u"/asp/lrc.asp"),
                               below(settings.get_LrcSiteBHost(), u"/LrcDown/"),
                               below(settings.get_LrcSearchHost(), u"/m")};
-    Counts counts;
-    if (!lrcFirstPageDone && !scanFirstPage(std::move(address), addresses, counts))
+    if (!scan.isFirstPageDone && !scanFirstPage(std::move(address), addresses, scan))
         return;
-    scanFurtherPages(addresses, counts);
+    scanFurtherPages(addresses, scan);
 }
 
 // False when there is no page.
 bool lrc_Internet_Search::scanFirstPage(std::u16string address, const Addresses &addresses,
-                                        Counts &counts) {
+                                        Scan &scan) {
     const std::u16string base = linkBase(app_.platform().windows, address);
     const std::u16string page = upper(getWebPage(app_.platform(), address));
     if (page.empty())
@@ -109,24 +132,24 @@ bool lrc_Internet_Search::scanFirstPage(std::u16string address, const Addresses 
             continue;
         // Ahead of the tests and on this page only: what a further page adds beyond these bounds
         // ends the scan.
-        lrcPageLinks.resize(counts.pages);
-        lrcDownloadLinks.resize(counts.lyrics);
+        scan.pageLinks.resize(scan.pages);
+        scan.downloadLinks.resize(scan.lyrics);
         const std::u16string link = normalLink(*found, base);
-        takeLyrics(link, addresses, counts);
+        takeLyrics(link, addresses, scan);
         if (addresses.isPage(link))
-            lrcPageLinks.store(counts.pages++, lower(link));
+            scan.pageLinks.store(scan.pages++, lower(link));
         app_.platform().windows.DoEvents();
     }
-    lrcFirstPageDone = true;
+    scan.isFirstPageDone = true;
     return true;
 }
 
 // The last two page links are left out.
-void lrc_Internet_Search::scanFurtherPages(const Addresses &addresses, Counts &counts) {
-    const std::int16_t last = toInt16(lrcPageLinks.upperBound() - 2);
+void lrc_Internet_Search::scanFurtherPages(const Addresses &addresses, Scan &scan) {
+    const std::int16_t last = toInt16(scan.pageLinks.upperBound() - 2);
     for (std::int16_t index = 0; index <= last; index = addInt16(index, 1)) {
-        lrcPageIndex = index;
-        std::u16string address = lower(lrcPageLinks.at(index));
+        scan.pageIndex = index;
+        std::u16string address = lower(scan.pageLinks.at(index));
         const std::u16string base = linkBase(app_.platform().windows, address);
         const std::u16string page = upper(getWebPage(app_.platform(), address));
         if (page.empty())
@@ -139,7 +162,7 @@ void lrc_Internet_Search::scanFurtherPages(const Addresses &addresses, Counts &c
             if (!found)
                 continue;
             const std::u16string link = normalLink(*found, base);
-            takeLyrics(link, addresses, counts);
+            takeLyrics(link, addresses, scan);
             app_.platform().windows.DoEvents();
         }
     }
@@ -147,17 +170,17 @@ void lrc_Internet_Search::scanFurtherPages(const Addresses &addresses, Counts &c
 
 // Where the one site lies below the other a link may be of both, and is taken twice.
 void lrc_Internet_Search::takeLyrics(const std::u16string &link, const Addresses &addresses,
-                                     Counts &counts) {
+                                     Scan &scan) {
     if (addresses.isLyricOfA(link))
-        takeLyric(link, counts);
+        takeLyric(link, scan);
     if (addresses.isLyricOfB(link))
-        takeLyric(link, counts);
+        takeLyric(link, scan);
 }
 
 // The row comes first: the link that does not fit into the array any more is in the list.
-void lrc_Internet_Search::takeLyric(const std::u16string &link, Counts &counts) {
+void lrc_Internet_Search::takeLyric(const std::u16string &link, Scan &scan) {
     app_.search_Lrc_Internet_Form().search_Lrc_List.addItem(lower(link));
-    lrcDownloadLinks.store(counts.lyrics++, link);
+    scan.downloadLinks.store(scan.lyrics++, link);
 }
 
 } // namespace velmora

@@ -23,7 +23,8 @@ public:
 
     // One whole search. True when the first page could be fetched, whatever its scan found; then
     // the arrays are new. A search that fails leaves them as they were. Each accepted link is
-    // appended to the window's list, which the caller clears. Handles pending events.
+    // appended to the window's list, which the caller clears. Handles pending events: a search that
+    // they begin has its own links, and the arrays are always those of the search that ended last.
     bool searchLrc(std::u16string_view word);
 
     // The address of the engine's result page for a word as it stands; without the engine's host
@@ -44,14 +45,21 @@ public:
 
 private:
     struct Addresses;
-    struct Counts {
-        std::int32_t pages = 0;
+    // One search's own links, which no other one started meanwhile can reach.
+    struct Scan {
+        LinkArray pageLinks;
+        LinkArray downloadLinks;
+        bool isFirstPageDone = false;
+        std::int16_t pageIndex = 0;
+        std::int32_t pages = 0; // page links stored by this scan
         std::int32_t lyrics = 0;
     };
-    bool scanFirstPage(std::u16string address, const Addresses &addresses, Counts &counts);
-    void scanFurtherPages(const Addresses &addresses, Counts &counts);
-    void takeLyrics(const std::u16string &link, const Addresses &addresses, Counts &counts);
-    void takeLyric(const std::u16string &link, Counts &counts);
+    void scanPages(std::u16string address, Scan &scan);
+    bool scanFirstPage(std::u16string address, const Addresses &addresses, Scan &scan);
+    void scanFurtherPages(const Addresses &addresses, Scan &scan);
+    void takeLyrics(const std::u16string &link, const Addresses &addresses, Scan &scan);
+    void takeLyric(const std::u16string &link, Scan &scan);
+    void keepState(Scan &&scan);
 
     Velmora &app_;
 };

@@ -56,14 +56,21 @@ std::u16string song_Internet_Search::searchAddress(std::u16string_view word) con
 }
 
 bool song_Internet_Search::searchSong(std::u16string_view word) {
-    songSearchUrl = searchAddress(word);
-    songSearchPage.clear();
-    passOver([this] { songSearchPage = getWebPage(app_.platform(), songSearchUrl); });
-    if (songSearchPage.empty())
+    // Events run in the fetches, and another search in them: the state is that of the last to end.
+    const std::u16string address = searchAddress(word);
+    std::u16string page;
+    passOver([&] { page = getWebPage(app_.platform(), address); });
+    const auto keepState = [&] {
+        songSearchUrl = address;
+        songSearchPage = page;
+    };
+    keepState();
+    if (page.empty())
         return false;
     songResults.clear();
     songScanDone = false;
-    passOver([this] { scanSongPage(songSearchUrl); });
+    passOver([&] { scanSongPage(address); });
+    keepState();
     return true;
 }
 

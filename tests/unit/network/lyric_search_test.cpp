@@ -340,6 +340,40 @@ TEST_F(LyricSearch, survivesAnotherSearchInsideOne) {
     EXPECT_TRUE(search.lrcFirstPageDone);
 }
 
+// At whichever of its pumps.
+TEST_F(LyricSearch, asksAndKeepsWhatIsItsOwnThoughAnotherSearchRunsInside) {
+    net.setPage(lyricAddress(u"inner"),
+                a(8) + a(9) + pageLink(8) + pageLink(9) + link("http://o/"));
+    net.setPage(pageAddress(8), "nothing");
+    net.setPage(first, a(1) + pageLink(1) + a(2) + pageLink(2) + link("http://other/"));
+    net.setPage(pageAddress(1), a(3));
+    bool isReached = true;
+    int at = 0;
+    for (; isReached; ++at) {
+        isReached = false;
+        int pump = 0;
+        Texts asked;
+        windows.onPump = [&] {
+            if (isReached || pump++ != at)
+                return;
+            isReached = true;
+            const std::size_t before = net.log.size();
+            EXPECT_TRUE(search.searchLrc(u"inner"));
+            net.log.resize(before);
+        };
+        net.log.clear();
+        EXPECT_TRUE(search.searchLrc(u"w"));
+        windows.onPump = nullptr;
+        EXPECT_EQ(countLog(u"XmlHttpGet " + first), 2) << at;
+        EXPECT_EQ(countLog(u"XmlHttpGet " + pageAddress(1)), 1) << at;
+        EXPECT_EQ(countLog(u"XmlHttpGet"), 3) << at;
+        EXPECT_EQ(textsOf(search.lrcDownloadLinks), (Texts{storedA(1), storedA(2), storedA(3)}))
+            << at;
+        EXPECT_EQ(search.lrcSearchUrl, first) << at;
+    }
+    EXPECT_GT(at, 10);
+}
+
 TEST_F(LyricSearch, endsWhenTheListIsFull) {
     for (int i = 0; i < 32'766; ++i)
         lrcWindow().search_Lrc_List.addItem(u"x");

@@ -180,6 +180,34 @@ TEST_F(SongSearch, leftAsDoneScansNothing) {
     EXPECT_TRUE(songs.songResults.empty());
 }
 
+// At whichever of its pumps.
+TEST_F(SongSearch, asksForItsOwnPageThoughAnotherSearchRunsInside) {
+    net.setPage(songPageAddress(u"inner"), " " + cell("r", "http://inner;;"));
+    net.setPage(address, " " + cell("r", "http://outer;;"));
+    bool isReached = true;
+    int at = 0;
+    for (; isReached; ++at) {
+        isReached = false;
+        int pump = 0;
+        windows.onPump = [&] {
+            if (isReached || pump++ != at)
+                return;
+            isReached = true;
+            const std::size_t before = net.log.size();
+            EXPECT_TRUE(songs.searchSong(u"inner"));
+            net.log.resize(before);
+        };
+        net.log.clear();
+        EXPECT_TRUE(songs.searchSong(u"w"));
+        windows.onPump = nullptr;
+        EXPECT_EQ(countLog(u"XmlHttpGet " + address), 2) << at;
+        EXPECT_EQ(countLog(u"XmlHttpGet"), 2) << at;
+        EXPECT_TRUE(contains(songs.songSearchPage, u"outer")) << at;
+        EXPECT_EQ(songs.songSearchUrl, address) << at;
+    }
+    EXPECT_GT(at, 4);
+}
+
 TEST_F(SongSearch, endsWhenTheListsAreFull) {
     for (int i = 0; i < 32'766; ++i) {
         songWindow().search_Song_List.addItem(u"x");
