@@ -39,7 +39,7 @@ public:
     void save_Click();        // into the play cache folder
     void anotherSave_Click(); // to a path that the user chooses
     void goto_Internet_Click();
-    void downFileStop_Click(); // stops the transfer and removes its part
+    void downFileStop_Click(); // stops the transfer and removes its part, while there is one
     void close_Click();        // hides; a transfer is stopped and leaves its part
 
     // The client, with its default properties but for `URL` and `FileName`.
@@ -71,6 +71,7 @@ private:
     void wd_Error(std::int32_t code);
 
     Velmora &app_;
+    bool isReceiving_ = false; // a transfer runs: its file is a part
     std::u16string hintText_;
     std::vector<std::u16string> songRecord_; // the row's record
     std::vector<std::u16string> linkParts_;  // the row's link

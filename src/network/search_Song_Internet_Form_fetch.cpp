@@ -191,7 +191,9 @@ void search_Song_Internet_Form::transfer(const std::u16string &target, Then then
     wd.URL = songAddress_;
     wd.FileName = target;
     showTransfer();
+    isReceiving_ = true;
     const bool isFetched = wd.DownloadToFile(u"music");
+    isReceiving_ = false;
     std::optional<RunTimeError> failure;
     if (isFetched && then == Then::Play) {
         try {
@@ -214,10 +216,12 @@ void search_Song_Internet_Form::showTransfer() {
     downInfo_2.setCaption(u"来  源：" + wd.URL);
 }
 
-// The part is removed while the transfer is still unwinding.
+// The part is removed while the transfer is still unwinding. Behind the transfer, while what came
+// is faded in, it is no part any more.
 void search_Song_Internet_Form::downFileStop_Click() {
     wd.bStop();
-    app_.saveOrOpenFile().shellDel(wd.FileName);
+    if (isReceiving_)
+        app_.saveOrOpenFile().shellDel(wd.FileName);
 }
 
 // --- behind a double click -----------------------------------------------------------------------

@@ -393,6 +393,29 @@ TEST_F(SongFetch, stoppedByTheUserRemovesItsPart) {
     expectIdle();
 }
 
+// The panel with the button stands until the song has faded in and its lyric was looked for.
+TEST_F(SongFetch, aSongThatIsThereIsNotTakenAwayByTheButtonThatStopsItsTransfer) {
+    addSong();
+    playable(cached);
+    answerWith(std::string(3000, 's'));
+    int presses = 0;
+    windows.onPump = [&] {
+        if (app.player().nowPlay_File != cached)
+            return;
+        EXPECT_TRUE(form.DownFileBox.visible());
+        ++presses;
+        click(form.downFileStop);
+    };
+    fetchByDoubleClick();
+    windows.onPump = nullptr;
+    EXPECT_GT(presses, 0);
+    EXPECT_EQ(files.contents(cached), std::string(3000, 's'));
+    EXPECT_TRUE(fake.shell.commandLines.empty());
+    EXPECT_EQ(app.player().get_PlayStatus(), statusPlaying);
+    EXPECT_EQ(heading(), u"曲目网络搜索 - 下载成功！");
+    expectIdle();
+}
+
 TEST_F(SongFetch, stoppedByClosingTheWindowLeavesItsPart) {
     addSong();
     choose(0);
