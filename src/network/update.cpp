@@ -49,18 +49,20 @@ void update::check_Update(bool userStarted) {
         return;
     }
     takeNotes();
-    if (!askForDownload())
+    // Another check may run under each of the questions, and find another version.
+    const Offer offer{new_Version, new_DownloadUrl};
+    if (!askForDownload(offer))
         return;
-    say(u"正在下载最新版本：【" + new_Version + u"】，请稍后...");
-    if (!fetch_NewProgram()) {
+    say(u"正在下载最新版本：【" + offer.version + u"】，请稍后...");
+    if (!fetchProgram(offer)) {
         say(texts.msg_Upgrade_Failed);
         windows.MsgBox(texts.msg_Upgrade_Failed, MsgBoxButtons::Ok, MsgBoxIcon::Critical, title());
         return;
     }
-    say(u"成功下载最新版本：【" + new_Version + u"】，等待用户选择是否重启...");
+    say(u"成功下载最新版本：【" + offer.version + u"】，等待用户选择是否重启...");
     if (windows.MsgBox(texts.msg_Upgrade_Done, MsgBoxButtons::YesNo, MsgBoxIcon::None, title()) ==
         MsgBoxResult::Yes)
-        startNewProgram();
+        startNewProgram(offer);
 }
 
 // As it is at the moment: it changes with the track, also while a question waits.
@@ -99,17 +101,17 @@ void update::takeNotes() {
             .append(crLf);
 }
 
-bool update::askForDownload() {
-    say(u"发现最新版本：【" + new_Version + u"】，等待用户选择是否下载...");
+bool update::askForDownload(const Offer &offer) {
+    say(u"发现最新版本：【" + offer.version + u"】，等待用户选择是否下载...");
     return app_.platform().windows.MsgBox(std::u16string(app_.Language().msg_Upgrade_Ask) +
-                                              new_Version + u"】？\r\n\r\n" + update_Notes,
+                                              offer.version + u"】？\r\n\r\n" + update_Notes,
                                           MsgBoxButtons::YesNo, MsgBoxIcon::None,
                                           title()) == MsgBoxResult::Yes;
 }
 
-void update::startNewProgram() {
+void update::startNewProgram(const Offer &offer) {
     say(u"准备重启...");
-    if (app_.saveOrOpenFile().shellStart(newProgramPath())) {
+    if (app_.saveOrOpenFile().shellStart(newProgramPath(offer))) {
         app_.startLoad_Form().unload();
         return;
     }
@@ -134,8 +136,10 @@ bool update::fetch_UpdateInfo() {
     return update_Result == 0;
 }
 
-bool update::fetch_NewProgram() {
-    passOver([&] { app_.platform().internet.DeleteUrlCacheEntryA(new_DownloadUrl); });
+bool update::fetch_NewProgram() { return fetchProgram({new_Version, new_DownloadUrl}); }
+
+bool update::fetchProgram(const Offer &offer) {
+    passOver([&] { app_.platform().internet.DeleteUrlCacheEntryA(offer.address); });
     // This folder is asked about, though the file goes elsewhere: a program folder that cannot be
     // written shows by the download's failure.
     const std::u16string folder = app_.system_SpecialFolder().get_Special_Folder(folderTemporary);
@@ -143,23 +147,26 @@ bool update::fetch_NewProgram() {
         return false;
     app_.platform().windows.DoEvents();
     // A version that is no file name, or leads out of the folder, has no file to go into.
-    if (!saveOrOpenFile::isValidFileName(newProgramName())) {
+    if (!saveOrOpenFile::isValidFileName(newProgramName(offer))) {
         constexpr std::int32_t invalidName = 123;
         update_Result = invalidName;
         return false;
     }
-    update_Result = app_.platform().internet.URLDownloadToFileA(new_DownloadUrl, newProgramPath());
+    update_Result =
+        app_.platform().internet.URLDownloadToFileA(offer.address, newProgramPath(offer));
     return update_Result == 0;
 }
 
-std::u16string update::newProgramName() const { return u"zkPlayer [" + new_Version + u"].exe"; }
+std::u16string update::newProgramName(const Offer &offer) {
+    return u"zkPlayer [" + offer.version + u"].exe";
+}
 
-std::u16string update::newProgramPath() const {
+std::u16string update::newProgramPath(const Offer &offer) const {
     const platform::FileSystem &files = app_.platform().files;
     std::u16string path = app_.platform().processes.applicationFolder();
     if (path.empty() || path.back() != files.separator())
         path += files.separator();
-    return path + newProgramName();
+    return path + newProgramName(offer);
 }
 
 // --- what the maker says ---

@@ -42,13 +42,19 @@ public:
     std::int32_t update_Result = 0; // of the last download
 
 private:
+    // What one check found, and asks about.
+    struct Offer {
+        std::u16string version;
+        std::u16string address;
+    };
     std::u16string title() const;
     void say(std::u16string_view text);
     void takeNotes();
-    bool askForDownload();
-    void startNewProgram();
-    std::u16string newProgramName() const;
-    std::u16string newProgramPath() const;
+    bool askForDownload(const Offer &offer);
+    bool fetchProgram(const Offer &offer);
+    void startNewProgram(const Offer &offer);
+    static std::u16string newProgramName(const Offer &offer);
+    std::u16string newProgramPath(const Offer &offer) const;
     std::u16string value(std::u16string_view file, std::u16string_view section,
                          std::u16string_view key) const;
 

@@ -233,6 +233,55 @@ TEST_F(Update, ThatCannotBeFetchedIsToldEvenWhenTheUserDidNotAsk) {
     EXPECT_EQ(shown(), app.Language().msg_Upgrade_Failed);
 }
 
+// A second check is begun by the tray's menu while the first one asks.
+TEST_F(Update, FetchesAndStartsTheVersionThatItAskedAboutThoughAnotherCheckRanMeanwhile) {
+    const auto checkAgain = [&] {
+        serve("[check]\r\nvesion=4.0.0\r\ndownload=http://maker/newer.exe\r\n"
+              "[Updates]\r\nUpdates_English=newer\r\n");
+        expectQuestion(askText(u"4.0.0", u"newer\r\n"), MsgBoxResult::No);
+        work().check_Update(true);
+    };
+    serveVersion("3.0.0");
+    serveProgram();
+    const auto expectFirst = [&](std::u16string_view text) {
+        windows.expectMsgBox(
+            {std::u16string(text), MsgBoxButtons::YesNo, MsgBoxIcon::None, u"Velmora 2011"},
+            MsgBoxResult::Yes, checkAgain);
+    };
+    expectFirst(askText(u"3.0.0"));
+    // Scripted here, so that the one of the check inside comes first.
+    bool isDone = false;
+    windows.onPump = [&] {
+        if (isDone || !contains(shown(), u"正在下载"))
+            return;
+        isDone = true;
+        checkAgain();
+        expectFirst(app.Language().msg_Upgrade_Done);
+    };
+    expectEnd([&] { work().check_Update(true); });
+    windows.onPump = nullptr;
+    EXPECT_EQ(files.contents(newPath), "program");
+    EXPECT_FALSE(files.hasFile(u"/opt/velmora/zkPlayer [4.0.0].exe"));
+    ASSERT_EQ(fake.shell.executions.size(), 1U);
+    EXPECT_EQ(fake.shell.executions[0].target, newPath);
+}
+
+TEST_F(Update, SaysOfWhichVersionItSpeaksThoughAnotherCheckRanMeanwhile) {
+    serveVersion("3.0.0");
+    serveProgram();
+    windows.expectMsgBox(
+        {askText(u"3.0.0"), MsgBoxButtons::YesNo, MsgBoxIcon::None, u"Velmora 2011"},
+        MsgBoxResult::Yes, [&] {
+            serve("[check]\r\nvesion=4.0.0\r\ndownload=http://maker/newer.exe\r\n");
+            expectQuestion(askText(u"4.0.0"), MsgBoxResult::No);
+            work().check_Update(true);
+            expectQuestion(app.Language().msg_Upgrade_Done, MsgBoxResult::No);
+        });
+    work().check_Update(true);
+    EXPECT_EQ(shown(), u"成功下载最新版本：【3.0.0】，等待用户选择是否重启...");
+    EXPECT_EQ(files.contents(newPath), "program");
+}
+
 TEST_F(Update, ShowsThatItDownloads) {
     serveVersion("3.0.0");
     serveProgram();
