@@ -161,11 +161,11 @@ bool search_Lrc_Internet_Form::fetch(std::u16string_view address, const std::u16
         show_Label.setCaption(notWritable);
         return false;
     }
-    const bool isFetched = passOver([&] {
-                               if (isOnlyPlaceOf(app_.platform(), target, WrittenOverBy::Another))
-                                   app_.saveOrOpenFile().keepOld(target);
-                           }) &&
-                           downloadToLocal(app_.platform(), address, target);
+    const bool isFetched = downloadToLocal(app_.platform(), address, target, [&] {
+        if (isOnlyPlaceOf(app_.platform(), target, WrittenOverBy::Another))
+            app_.saveOrOpenFile().keepOld(target);
+        return true;
+    });
     show_Label.setCaption(isFetched ? fetched : notFetched);
     return isFetched;
 }

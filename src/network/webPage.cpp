@@ -36,11 +36,11 @@ std::int32_t countText(platform::WindowSystem &windows, std::u16string_view text
 }
 
 bool downloadToLocal(const platform::Platform &platform, std::u16string_view url,
-                     std::u16string_view file) {
+                     std::u16string_view file, const std::function<bool()> &mayFetch) {
     try {
         platform.internet.DeleteUrlCacheEntryA(url);
         platform.windows.DoEvents();
-        return platform.internet.URLDownloadToFileA(url, file) == 0;
+        return (!mayFetch || mayFetch()) && platform.internet.URLDownloadToFileA(url, file) == 0;
     } catch (const RunTimeError &) {
         return false;
     }

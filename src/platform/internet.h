@@ -83,7 +83,8 @@ public:
     // Fetches a whole file. 0 only when the final status was 200 to 299, the body arrived whole and
     // lies under `path`; it is written beside the target and renamed. Any failure, an empty address
     // or a relative path among them, leaves the target untouched and gives another number. Below 1
-    // KB/s for 30 s is a stall.
+    // KB/s for 30 s is a stall. What comes meanwhile to a place at which nothing was is not
+    // replaced: that is a failure.
     virtual std::int32_t URLDownloadToFileA(std::u16string_view url, std::u16string_view path) = 0;
 
     // "MSXML2.XMLHTTP" with "GET", synchronous: `Open`, `send`, `responseBody`. Any status is a

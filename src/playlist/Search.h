@@ -28,15 +28,24 @@ public:
     // into the lyric folder), and then on the Internet by tag, title and file name, in this order.
     // Ends in a load of lrcForm, with no lyric if need be; a path without a folder leaves the lyric
     // as it is. Raises when the lyric found cannot be read.
+    //
+    // Events run while the Internet is asked. What is found belongs to this track's file; where the
+    // track has given way meanwhile no window is touched. A lyric that has come to its place
+    // meanwhile is the one, and stays.
     void findTrackLyric(std::u16string_view path);
 
     // Whether some row's path equals this one exactly.
     bool isInPlayList(std::u16string_view path) const;
 
 private:
+    struct Wanted;
     bool loadNamesake(std::u16string_view path, std::u16string_view stem);
-    bool findOnInternet(std::u16string_view stem, std::u16string_view save);
-    bool fetchLyric(std::u16string_view keyword, std::u16string_view save);
+    bool findOnInternet(const Wanted &wanted);
+    bool tryKeyword(const std::u16string &keyword, const Wanted &wanted);
+    bool fetchLyric(const std::u16string &keyword, const Wanted &wanted);
+    bool isThere(const Wanted &wanted);
+    bool isShown(const Wanted &wanted);
+    void say(std::u16string_view text, const Wanted &wanted);
     void matched(std::u16string_view path);
 
     Velmora &app_;

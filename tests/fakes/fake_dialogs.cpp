@@ -34,11 +34,15 @@ FakeDialogs::~FakeDialogs() {
 
 std::optional<std::u16string> FakeDialogs::SHBrowseForFolderA(const platform::BROWSEINFO &record) {
     browses.push_back(record);
-    const Folder folder = next(folders_, "a folder").value_or(Folder{});
-    if (folder.meanwhile) {
-        folder.meanwhile();
+    return answer(folders_, "a folder");
+}
+
+std::optional<std::u16string> FakeDialogs::answer(std::deque<Path> &script, const char *what) {
+    const Path path = next(script, what).value_or(Path{});
+    if (path.meanwhile) {
+        path.meanwhile();
     }
-    return folder.answer;
+    return path.answer;
 }
 
 bool FakeDialogs::ChooseColorA(platform::CHOOSECOLOR &record) {
@@ -50,14 +54,13 @@ bool FakeDialogs::ChooseColorA(platform::CHOOSECOLOR &record) {
     return answer.has_value();
 }
 
-bool FakeDialogs::fileDialog(std::deque<std::optional<std::u16string>> &script,
-                             platform::OPENFILENAME &record) {
+bool FakeDialogs::fileDialog(std::deque<Path> &script, platform::OPENFILENAME &record) {
     files.push_back(record);
-    const auto answer = next(script, toUtf8(record.title).c_str()).value_or(std::nullopt);
-    if (answer) {
-        record.file = *answer + std::u16string(1, u'\0') + u"left over";
+    const auto chosen = answer(script, toUtf8(record.title).c_str());
+    if (chosen) {
+        record.file = *chosen + std::u16string(1, u'\0') + u"left over";
     }
-    return answer.has_value();
+    return chosen.has_value();
 }
 
 bool FakeDialogs::GetOpenFileNameA(platform::OPENFILENAME &record) {

@@ -21,8 +21,10 @@ public:
     void expectFolder(std::optional<std::u16string> answer, std::function<void()> meanwhile = {}) {
         folders_.push_back({std::move(answer), std::move(meanwhile)});
     }
-    void expectOpen(std::optional<std::u16string> path) { opens_.push_back(std::move(path)); }
-    void expectSave(std::optional<std::u16string> path) { saves_.push_back(std::move(path)); }
+    void expectOpen(std::optional<std::u16string> path) { opens_.push_back({std::move(path), {}}); }
+    void expectSave(std::optional<std::u16string> path, std::function<void()> meanwhile = {}) {
+        saves_.push_back({std::move(path), std::move(meanwhile)});
+    }
     void expectColour(std::optional<Colour> colour) { colours_.push_back(colour); }
     // What the user makes of the record; the answer is ChooseFontA's.
     void expectFont(std::function<std::int32_t(platform::CHOOSEFONT &)> user) {
@@ -50,16 +52,15 @@ public:
     std::int32_t SHFileOperationA(platform::SHFILEOPSTRUCT &operation) override;
 
 private:
-    struct Folder {
+    struct Path {
         std::optional<std::u16string> answer;
         std::function<void()> meanwhile;
     };
 
-    bool fileDialog(std::deque<std::optional<std::u16string>> &script,
-                    platform::OPENFILENAME &record);
+    static std::optional<std::u16string> answer(std::deque<Path> &script, const char *what);
+    bool fileDialog(std::deque<Path> &script, platform::OPENFILENAME &record);
 
-    std::deque<Folder> folders_;
-    std::deque<std::optional<std::u16string>> opens_, saves_;
+    std::deque<Path> folders_, opens_, saves_;
     std::deque<std::optional<Colour>> colours_;
     std::deque<std::function<std::int32_t(platform::CHOOSEFONT &)>> fonts_;
     std::deque<Copy> copies_;

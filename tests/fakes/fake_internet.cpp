@@ -192,6 +192,11 @@ std::int32_t FakeInternet::URLDownloadToFileA(std::u16string_view url, std::u16s
     found->second.second = true;
     if (failing("URLDownloadToFileA") || path.empty())
         return resourceNotFound;
+    const bool wasThere = files_.hasFile(path);
+    if (duringDownload)
+        duringDownload();
+    if (!wasThere && files_.hasFile(path))
+        return resourceNotFound;
     return passOver([&] { files_.writeWhole(path, found->second.first, false); })
                ? 0
                : resourceNotFound;

@@ -69,6 +69,8 @@ public:
     std::map<std::u16string, std::u16string> cookies; // by name
     // Runs inside each read and each page fetch, before the answer.
     std::function<void()> meanwhile;
+    // Runs inside each whole download, ahead of its end.
+    std::function<void()> duringDownload;
 
     // --- the contract ---
     std::int32_t InternetGetConnectedState(std::uint32_t &flags) override;

@@ -5,6 +5,7 @@
 #include "platform/curl/addresses.h"
 #include "platform/curl/curl_internet.h"
 #include "platform/curl/exchange.h"
+#include "platform/linux/atomic_write.h"
 
 #include <map>
 #include <variant>
@@ -73,7 +74,7 @@ private:
         return found == handles_.end() ? nullptr : std::get_if<Kind>(&found->second.what);
     }
     std::vector<std::string> jarLines();
-    bool receiveInto(Exchange &exchange, const std::string &path);
+    bool receiveInto(Exchange &exchange, AtomicFile &file);
 
     const AnsiText &ansi_;
     std::function<std::vector<std::u16string>()> hosts_;

@@ -4,7 +4,6 @@
 
 #include "base/run_time_error.h"
 #include "base/text.h"
-#include "platform/linux/atomic_write.h"
 #include "platform/linux/open_file.h"
 
 namespace velmora::platform::http {
@@ -26,13 +25,12 @@ bool isWebAddress(std::u16string_view url) {
 
 } // namespace
 
-bool CurlClient::receiveInto(Exchange &exchange, const std::string &path) {
+bool CurlClient::receiveInto(Exchange &exchange, AtomicFile &file) {
     const int status = exchange.header().status();
     if (status < 200 || status > 299)
         return false;
     const auto least =
         static_cast<std::size_t>(limits_.stall.count()) * limits_.downloadBytesPerSecond / 1000;
-    AtomicFile file(path, AtomicFile::While::Unnamed, AtomicFile::Over::OldFile, calls_);
     std::string bytes;
     do {
         exchange.read(pieceSize, least, bytes);
@@ -55,8 +53,11 @@ std::int32_t CurlClient::URLDownloadToFileA(std::u16string_view url, std::u16str
         request.url = escaped(ansi_.encode(url));
         request.agent = ownAgent;
         request.headers = {"Pragma: no-cache"};
+        // Ahead of the request: what lies there now may be replaced, what comes from here on not.
+        AtomicFile file(systemPathOrRaise(path), AtomicFile::While::Unnamed,
+                        AtomicFile::Over::OldFile, calls_);
         Exchange exchange(*curl_, jar_, limits_, std::move(request));
-        whole = exchange.start() && receiveInto(exchange, systemPathOrRaise(path));
+        whole = exchange.start() && receiveInto(exchange, file);
     });
     return whole ? S_OK : INET_E_DOWNLOAD_FAILURE;
 }

@@ -58,6 +58,22 @@ TEST_F(HttpDownload, MakesAFileThatWasNotThere) {
     EXPECT_EQ(content(), "new");
 }
 
+// Whether it comes ahead of the header or behind it.
+TEST_F(HttpDownload, ReplacesNothingThatCameMeanwhileToAFreePlace) {
+    for (const bool isBehindHeader : {false, true}) {
+        fs::remove(target());
+        LoopbackServer server([&](Talk &talk, const std::string &) {
+            const std::string whole = response("new");
+            const std::size_t cut = isBehindHeader ? whole.size() - 1 : 0;
+            talk.send(whole.substr(0, cut));
+            std::ofstream(target()) << "old";
+            talk.send(whole.substr(cut));
+        });
+        EXPECT_FALSE(download(server.url(u"/f")));
+        EXPECT_TRUE(untouched());
+    }
+}
+
 TEST_F(HttpDownload, TakesAnEmptyBodyAndOneWithoutLength) {
     LoopbackServer empty(always(response("")));
     EXPECT_TRUE(download(empty.url(u"/f")));

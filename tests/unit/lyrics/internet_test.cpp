@@ -3,6 +3,7 @@
 #include "tests/unit/lyrics/lyrics_fixture.h"
 
 #include "network/lrc_Internet_Search.h"
+#include "network/search_Lrc_Internet_Form.h"
 
 #include <algorithm>
 
@@ -207,6 +208,172 @@ TEST_F(LyricFromTheNet, OfAnUntaggedTrackIsSearchedByTheLastTag) {
     setPage(u"Before", 3);
     fake.internet.setDownload(firstLink, "[00:01]words");
     openAndPlay(u"/m/Song.mp3");
+    EXPECT_TRUE(lyric().hasLrc);
+}
+
+// --- what happens while it is searched ---
+
+class LyricMeanwhile : public LyricFromTheNet {
+protected:
+    LyricMeanwhile() {
+        setVolumeBar(0);
+        addTrack(u"/m/Song.mp3");
+        addTrack(u"/m/Next.mp3");
+        setPage(u"Song", 3);
+    }
+    // The lyric that the search of the first track finds.
+    void serve() { fake.internet.setDownload(firstLink, "[00:01]words"); }
+    // Plays the track; in the pump of this number, counted from the first one of the search, the
+    // work is done. False when the search has fewer of them.
+    template <typename Work> bool playAndDo(int pump, Work work) {
+        int count = 0;
+        bool isDone = false;
+        app.player().open_File(u"/m/Song.mp3");
+        windows.onPump = [&] {
+            if (contains(lyric().nowLrcLine, u"搜索") && !isDone && count++ == pump) {
+                isDone = true;
+                work();
+            }
+        };
+        app.player().play_Sub();
+        windows.onPump = nullptr;
+        return isDone;
+    }
+    static constexpr auto found = u"/lrc/Song.LRC";
+};
+
+TEST_F(LyricMeanwhile, OfATrackThatGaveWayIsKeptForItAndNotShownToTheNext) {
+    serve();
+    files.addFile(u"/lrc/Next.lrc", "[00:01]of the next");
+    for (int pump = 0; playAndDo(pump, [&] { openAndPlay(u"/m/Next.mp3"); }); ++pump) {
+        EXPECT_EQ(files.contents(found), "[00:01]words");
+        EXPECT_EQ(lyric().lrcPath, u"/lrc/Next.LRC");
+        EXPECT_EQ(rowsOf(lyric().List1), Texts{u"[00:01]of the next"});
+        EXPECT_EQ(rowsOf(editor().lrcList), (Texts{u"[00:01]of the next", u""}));
+        EXPECT_EQ(info().lrc_Full.text(), u"of the next\r\n");
+        EXPECT_EQ(lyric().nowLrcLine, u"");
+        EXPECT_TRUE(lyric().Timer1.running());
+        files.remove(found);
+    }
+    EXPECT_GT(tries().size(), 2U);
+}
+
+TEST_F(LyricMeanwhile, ThatNobodyHasForATrackThatGaveWayTakesNothingFromTheNext) {
+    files.addFile(u"/lrc/Next.lrc", "[00:01]of the next");
+    for (int pump = 0; playAndDo(pump, [&] { openAndPlay(u"/m/Next.mp3"); }); ++pump) {
+        EXPECT_TRUE(lyric().hasLrc);
+        EXPECT_TRUE(info().lrcInfo_Frame.enabled());
+        EXPECT_EQ(lyric().nowLrcLine, u"");
+    }
+    EXPECT_FALSE(files.hasFile(found));
+}
+
+TEST_F(LyricMeanwhile, OfATrackThatGaveWaySaysNothingOfItsSearchToTheNext) {
+    serve();
+    setTag(u"Hello", u"Stesul");
+    setPage(u"Hello Stesul", 0);
+    setPage(u"Hello", 0);
+    files.addFile(u"/lrc/Next.lrc", "[00:01]of the next");
+    Texts shown;
+    bool isNext = false;
+    app.player().open_File(u"/m/Song.mp3");
+    windows.onPump = [&] {
+        if (isNext) {
+            shown.push_back(lyric().nowLrcLine);
+        } else if (contains(lyric().nowLrcLine, u"搜索")) {
+            isNext = true;
+            openAndPlay(u"/m/Next.mp3");
+        }
+    };
+    app.player().play_Sub();
+    windows.onPump = nullptr;
+    ASSERT_FALSE(shown.empty());
+    EXPECT_EQ(std::ranges::count(shown, u""), static_cast<std::ptrdiff_t>(shown.size()));
+    EXPECT_EQ(files.contents(found), "[00:01]words");
+}
+
+TEST_F(LyricMeanwhile, OfATrackThatWasStoppedIsKeptAndShownWhenItPlaysAgain) {
+    serve();
+    for (int pump = 0; playAndDo(pump, [&] { app.Main().stopButton_Click(); }); ++pump) {
+        EXPECT_EQ(files.contents(found), "[00:01]words");
+        EXPECT_EQ(lyric().List1.listCount(), 0);
+        EXPECT_EQ(lyric().nowLrcLine, u"");
+        EXPECT_FALSE(lyric().Timer1.running());
+        app.Main().playButton_Click();
+        EXPECT_EQ(media.mode(), u"playing");
+        EXPECT_EQ(rowsOf(lyric().List1), Texts{u"[00:01]words"});
+        EXPECT_TRUE(lyric().Timer1.running());
+        files.remove(found);
+    }
+}
+
+TEST_F(LyricMeanwhile, IsTheOneOfItsOwnSearchThoughAnotherOneRanInside) {
+    serve();
+    fake.internet.setPage(address(u"Other"),
+                          "<html><a href=\"http://sitea/asp/lrc.asp?id=8\">"
+                          "<a href=\"http://sitea/asp/lrc.asp?id=9\"><a href=\"http://other/x\">");
+    fake.internet.setDownload(u"HTTP://SITEA/ASP/LRC.ASP?ID=8", "[00:01]of another song");
+    app.platform().internet.URLDownloadToFileA(u"HTTP://SITEA/ASP/LRC.ASP?ID=8", u"/m/other.lrc");
+    velmora::search_Lrc_Internet_Form &window = app.search_Lrc_Internet_Form();
+    window.songName_Text.setText(u"Other");
+    int pump = 0;
+    while (playAndDo(pump, [&] { window.search_Button_Click(); })) {
+        EXPECT_EQ(files.contents(found), "[00:01]words") << pump;
+        files.remove(found);
+        ++pump;
+    }
+    EXPECT_GT(pump, 5);
+}
+
+TEST_F(LyricMeanwhile, ThatWasSavedByHandIsNeverOverwritten) {
+    serve();
+    const std::u16string byHand = u"/lrc/song.lrc";
+    int pump = 0;
+    while (playAndDo(pump, [&] { files.addFile(byHand, "[00:01]by hand"); })) {
+        EXPECT_EQ(files.contents(byHand), "[00:01]by hand") << pump;
+        EXPECT_FALSE(files.hasFile(found)) << pump;
+        EXPECT_EQ(rowsOf(lyric().List1), Texts{u"[00:01]by hand"}) << pump;
+        files.remove(byHand);
+        ++pump;
+    }
+    EXPECT_GT(pump, 5);
+}
+
+TEST_F(LyricMeanwhile, ThatWasSavedByHandWhileTheOtherCameIsNotOverwritten) {
+    serve();
+    fake.internet.duringDownload = [&] { files.addFile(found, "[00:01]by hand"); };
+    openAndPlay(u"/m/Song.mp3");
+    EXPECT_EQ(files.contents(found), "[00:01]by hand");
+    EXPECT_EQ(rowsOf(lyric().List1), Texts{u"[00:01]by hand"});
+    EXPECT_TRUE(info().lrcInfo_Frame.enabled());
+}
+
+// A second load would fill the editor anew.
+TEST_F(LyricMeanwhile, ThatWasSavedByTheEditorLeavesWhatIsTypedThereSince) {
+    files.addFile(u"/m/words.txt", "by hand");
+    windows.expectMsgBox(boxOf(u"曲目：Song\r\n已成功保存，并匹配！\r\n\r\n地址：/lrc/Song.Lrc",
+                               platform::MsgBoxIcon::Information, u"Velmora 2011"),
+                         platform::MsgBoxResult::Ok);
+    EXPECT_TRUE(playAndDo(2, [&] {
+        editor().addFile_To_List(u"/m/words.txt");
+        editor().save_Button_Click();
+        editor().lrcList.setList(0, u"typed since");
+    }));
+    EXPECT_EQ(editor().lrcList.list(0), u"typed since");
+    EXPECT_EQ(files.contents(u"/lrc/Song.Lrc"), "[Ti:]\r\n[Ar:]\r\n[Al:]\r\n[By:]\r\nby hand\r\n");
+    EXPECT_FALSE(files.hasFile(found));
+    EXPECT_TRUE(lyric().hasLrc);
+}
+
+// The next try may fill what an earlier one left empty.
+TEST_F(LyricMeanwhile, TakesThePlaceOfAnEmptyOneOfAnEarlierTry) {
+    serve();
+    setTag(u"Hello", u"");
+    fake.internet.setPage(address(u"Hello"), "<html><a href=\"http://other/x\">"
+                                             "<a href=\"http://sitea/asp/lrc.asp?id=7\">");
+    fake.internet.setDownload(u"HTTP://SITEA/ASP/LRC.ASP?ID=7", "");
+    find();
+    EXPECT_EQ(files.contents(found), "[00:01]words");
     EXPECT_TRUE(lyric().hasLrc);
 }
 

@@ -268,7 +268,7 @@ TEST_F(LyricWindow, fetchesNothingOverALyricThatCouldBeNeitherReadNorKept) {
     files.setUnreadable(u"/lrc/own/Song.LRC");
     doubleClick(form.search_Lrc_List, 0);
     EXPECT_EQ(label(), u"无法下载改歌词，请选择其他链接！");
-    EXPECT_TRUE(net.log.empty());
+    EXPECT_EQ(countLog(u"URLDownloadToFileA"), 0);
     EXPECT_EQ(files.contents(u"/lrc/own/Song.LRC"), "[00:01]words");
 }
 
@@ -282,6 +282,55 @@ TEST_F(LyricWindow, theLyricOfATrackIsNotShownToTheNext) {
     windows.onPump = {};
     EXPECT_EQ(files.contents(u"/lrc/own/Song.LRC"), "[00:01.00]words\r\n");
     EXPECT_FALSE(app.lrcForm().hasLrc);
+}
+
+TEST_F(LyricWindow, fetchesTheRowThatWasChosenAheadOfTheDialog) {
+    openTrack(u"/m/Song.mp3");
+    haveRows();
+    form.search_Lrc_List.userClicked(0, 0, false);
+    fake.dialogs.expectSave(u"/m/chosen.lrc", [&] {
+        form.search_Lrc_List.userClicked(1, 0, false);
+        app.player().nowPlay_File = u"/m/Next.mp3";
+    });
+    net.setDownload(u"http://sitea/asp/lrc.asp?1", "[00:01.00]first\r\n");
+    click(form.anotherSave);
+    EXPECT_EQ(files.contents(u"/m/chosen.lrc"), "[00:01.00]first\r\n");
+    EXPECT_EQ(countLog(u"URLDownloadToFileA"), 1);
+}
+
+TEST_F(LyricWindow, fetchesTheRowThatWasPressedThoughTheListIsAnotherBeforeTheFetch) {
+    openTrack(u"/m/Song.mp3");
+    haveRows();
+    net.setDownload(u"http://sitea/asp/lrc.asp?1", "[00:01.00]first\r\n");
+    for (const bool isPressedTwice : {true, false}) {
+        form.search_Lrc_List.clear();
+        haveRows();
+        form.search_Lrc_List.userClicked(0, 0, false);
+        windows.atNextPump([&] {
+            form.search_Lrc_List.clear();
+            haveRow(u"http://siteb/lrcdown/2.lrc");
+            form.search_Lrc_List.userClicked(0, 0, false);
+        });
+        if (isPressedTwice)
+            form.search_Lrc_List.userDoubleClicked(0);
+        else
+            click(form.save);
+        EXPECT_EQ(files.contents(u"/lrc/own/Song.LRC"), "[00:01.00]first\r\n");
+        files.remove(u"/lrc/own/Song.LRC");
+    }
+    EXPECT_EQ(countLog(u"URLDownloadToFileA"), 2);
+}
+
+TEST_F(LyricWindow, aLyricThatCameBeforeTheFetchAndCouldNotBeReadIsKept) {
+    openTrack(u"/m/Song.mp3");
+    haveRows();
+    const std::string lossy = "[00:01]\xFF words\n";
+    windows.atNextPump([&] { files.addFile(u"/lrc/own/Song.LRC", lossy); });
+    net.setDownload(u"http://sitea/asp/lrc.asp?1", "[00:01.00]new\r\n");
+    form.search_Lrc_List.userClicked(0, 0, false);
+    click(form.save);
+    EXPECT_EQ(files.contents(u"/lrc/own/Song.LRC"), "[00:01.00]new\r\n");
+    EXPECT_EQ(files.contents(u"/lrc/own/Song.LRC.old"), lossy);
 }
 
 TEST_F(LyricWindow, anEmptyListIsNotDoubleClicked) {
