@@ -12,6 +12,7 @@ import os
 import shutil
 import sqlite3
 import sys
+import threading
 import time
 import unittest
 
@@ -257,6 +258,66 @@ class Lyrics(TroubleTest):
         os.remove(self.app("Lyrics", "track.LRC"))
         self.player.click_at(window, left + 60, top + ROW / 2, times=2)
         self.assert_content(self.app("Lyrics", "track.LRC"), b"[00:01.00]words\r\n")
+        self.assert_fit()
+
+
+class Slow(TroubleTest):
+    """A track whose lyric the server holds back until the test lets it go."""
+    reads = True
+    BY_HAND = "".join(f"[00:{second:02}.00]by hand\r\n" for second in range(60)).encode()
+
+    def setUp(self):
+        super().setUp()
+        self.release = threading.Event()
+        self.addCleanup(self.release.set)
+        page = "<html>" + "".join(f'<a href="{self.net.at}/LrcDown/{n}.lrc">x</a>' for n in (1, 2, 3))
+        self.net.answers["/m?"] = answer(page.encode())
+        self.net.answers["/lrcdown/"] = answer(b"[00:00.00]from the server\r\n")
+        for name in ("slow", "next"):
+            stairs(f"{self.music}/{name}.wav", 60, level=0.05, step=0)
+        with open(self.music + "/next.lrc", "wb") as file:
+            file.write(b"[00:00.00]of the next\r\n")
+        self.write_list([f"{self.music}/{name}.wav" for name in ("slow", "next")])
+
+    def hold(self, beginning):
+        """What begins so is answered only when it is let go."""
+        reply = self.net.answers[beginning]
+
+        def late(talk):
+            self.release.wait(60)
+            talk.sendall(reply)
+        self.net.answers[beginning] = late
+        self.begin()
+        self.session.key("F6", self.window)
+        self.assertTrue(wait_for(lambda: any(path.lower().startswith(beginning)
+                                             for path in self.net.asked), 20), "nobody asks")
+
+    def test_the_lyric_of_a_track_that_gave_way_is_kept_for_it_and_not_shown_to_the_next(self):
+        self.hold("/m?")
+        self.session.key("F6", self.window)
+        self.release.set()
+        self.assert_content(self.app("Lyrics", "slow.LRC"), b"[00:00.00]from the server\r\n", 30)
+        self.assertTrue(self.player.took(self.window))
+        self.assertIn("2/2", self.player.title(self.window))
+        self.assertTrue(self.player.says(self.window, "of the next"), "the next has lost its lyric")
+        self.assert_fit()
+
+    def test_a_lyric_that_was_saved_while_the_page_came_stays(self):
+        self.hold("/m?")
+        self.assert_kept()
+
+    def test_a_lyric_that_was_saved_while_the_other_one_came_stays(self):
+        self.hold("/lrcdown/")
+        self.assert_kept()
+
+    def assert_kept(self):
+        path = self.app("Lyrics", "slow.LRC")
+        with open(path, "wb") as file:
+            file.write(self.BY_HAND)
+        self.release.set()
+        self.assertTrue(self.player.says(self.window, "by hand", 30), "another one is shown")
+        self.assertEqual(self.content(path), self.BY_HAND)
+        self.assertEqual([name for name in os.listdir(self.app("Lyrics")) if name != "slow.LRC"], [])
         self.assert_fit()
 
 
