@@ -62,12 +62,12 @@ TEST_F(LyricFromTheNet, IsSearchedByTitleAndArtistFirst) {
     EXPECT_TRUE(info().lrcInfo_Frame.enabled());
 }
 
-TEST_F(LyricFromTheNet, IsNotTheFileThatCameMeanwhileWhenTheDownloadFailed) {
+TEST_F(LyricFromTheNet, IsTheFileThatCameMeanwhileThoughTheNetHasNone) {
     setPage(u"Song", 3);
     fake.internet.meanwhile = [this] { files.addFile(u"/lrc/Song.LRC", "[00:01]another's"); };
     find();
-    EXPECT_FALSE(lyric().hasLrc);
-    EXPECT_FALSE(info().lrcInfo_Frame.enabled());
+    EXPECT_EQ(rowsOf(lyric().List1), Texts{u"[00:01]another's"});
+    EXPECT_TRUE(info().lrcInfo_Frame.enabled());
 }
 
 TEST_F(LyricFromTheNet, IsSearchedByTheTitleNext) {
