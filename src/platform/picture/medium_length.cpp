@@ -1,5 +1,6 @@
 #include "platform/picture/medium_length.h"
 
+#include "base/within_time.h"
 #include "platform/picture/av_library.h"
 #include "platform/picture/media_formats.h"
 
@@ -129,6 +130,20 @@ private:
     std::int64_t size_ = 0;
 };
 
+std::optional<double> scan(const std::string &path, LengthSource source,
+                           std::optional<double> headerSeconds, std::chrono::milliseconds limit) {
+    const auto library = AvLibrary::load();
+    if (library == nullptr)
+        return headerSeconds;
+    PacketReader reader(library, Clock::now() + limit);
+    if (!reader.open(path))
+        return headerSeconds;
+    if (source == LengthSource::Tail && headerSeconds && *headerSeconds > tailSeconds)
+        reader.seek(*headerSeconds - tailSeconds);
+    const auto end = reader.lastEnd();
+    return end && *end > 0.0 ? end : headerSeconds;
+}
+
 } // namespace
 
 LengthSource lengthSource(std::string_view format, bool headerSays) {
@@ -151,16 +166,11 @@ std::optional<double> measureLength(const std::string &path, LengthSource source
                                     std::chrono::milliseconds limit) {
     if (source == LengthSource::Header)
         return headerSeconds;
-    const auto library = AvLibrary::load();
-    if (library == nullptr)
-        return headerSeconds;
-    PacketReader reader(library, Clock::now() + limit);
-    if (!reader.open(path))
-        return headerSeconds;
-    if (source == LengthSource::Tail && headerSeconds && *headerSeconds > tailSeconds)
-        reader.seek(*headerSeconds - tailSeconds);
-    const auto end = reader.lastEnd();
-    return end && *end > 0.0 ? end : headerSeconds;
+    // It ends by itself in time, but for a call to a disk that does not come back.
+    constexpr std::chrono::milliseconds slack{500};
+    const auto length =
+        withinTime(limit + slack, [=] { return scan(path, source, headerSeconds, limit); });
+    return length.value_or(std::nullopt);
 }
 
 } // namespace velmora::platform::picture

@@ -22,7 +22,7 @@ LengthSource lengthSource(std::string_view format, bool headerSays);
 
 // Seconds from the first to the end of the last packet of sound and picture, by reading the packets
 // without decoding them. Stops at the limit: what is left then is reckoned from the part read.
-// Absent when the file cannot be read, or the library is not there.
+// Absent when the file cannot be read, the library is not there or the disk does not answer.
 std::optional<double> measureLength(const std::string &path, LengthSource source,
                                     std::optional<double> headerSeconds,
                                     std::chrono::milliseconds limit);

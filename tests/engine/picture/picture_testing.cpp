@@ -26,7 +26,13 @@ std::vector<float> thinned(const std::vector<float> &sound) {
     return result;
 }
 
-std::string quoted(const std::string &text) { return "'" + text + "'"; }
+// For the shell, whatever stands in it.
+std::string quoted(const std::string &text) {
+    std::string word = "'";
+    for (const char c : text)
+        word += c == '\'' ? "'\\''" : std::string(1, c);
+    return word + "'";
+}
 
 } // namespace
 

@@ -21,6 +21,7 @@ protected:
         song_ = folder_.write("song.wav", readFile(mediaFile("short.wav")));
         options_.server = "unix:/there/is/none";
         options_.openLimitMs = 500;
+        revive(); // a run that was broken off may have left it dead
         std::filesystem::create_directory(disk_);
         std::filesystem::copy(song_, disk_ + "/song.wav");
     }
