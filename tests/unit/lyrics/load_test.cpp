@@ -2,6 +2,7 @@
 
 #include "tests/unit/lyrics/lyrics_fixture.h"
 
+#include "lyrics/lyric_file.h"
 #include "platform/windows.h"
 
 namespace velmora {
@@ -198,6 +199,20 @@ TEST_F(LyricFailure, OfMoreLinesThanAListTakesKeepsThoseThatFit) {
     expectFailure(u"/lrc/b.lrc");
     EXPECT_EQ(lyric().List1.listCount(), 32'767);
     EXPECT_FALSE(lyric().hasLrc);
+}
+
+TEST_F(LyricFailure, OfFarMoreLinesThanAListTakesStopsReadingThere) {
+    constexpr std::size_t most = 262'144;
+    std::string bytes;
+    for (std::size_t line = 0; line < most; ++line)
+        bytes += "a\n";
+    files.addFile(u"/lrc/b.lrc", bytes + "\n  \n");
+    EXPECT_FALSE(readLyricFile(app.platform(), u"/lrc/b.lrc").failure) << "blank ones do not count";
+    files.addFile(u"/lrc/b.lrc", bytes + "a\n");
+    const LyricLines read = readLyricFile(app.platform(), u"/lrc/b.lrc");
+    EXPECT_EQ(read.lines.size(), most);
+    ASSERT_TRUE(read.failure);
+    EXPECT_EQ(read.failure->number(), ErrorNumber::Overflow);
 }
 
 TEST_F(LyricFailure, OfAFileBeyondSixteenMegabytesReadsNoneOfIt) {
