@@ -141,6 +141,24 @@ TEST_F(OptionTest, ADisabledOneCannotBeChosen) {
 
 using CheckTest = FormFixture;
 
+TEST_F(CheckTest, EachLookIsToldOnceAndNoneThatStays) {
+    CheckBox box{form, "box"};
+    OptionButton option{form, "option"};
+    auto &window = shown();
+    for (int time = 0; time < 2; ++time) {
+        box.setValue(2);
+        box.setCaption(u"x");
+        box.setFont(Font(u"Arial", 20));
+        option.setValue(true);
+        option.setCaption(u"x");
+        option.setFont(Font(u"Arial", 20));
+    }
+    EXPECT_THAT(window.told, SizeIs(6));
+    for (const auto &told : window.told) {
+        EXPECT_EQ(told.change, Change::Look);
+    }
+}
+
 TEST_F(CheckTest, TheUserTogglesBetween0And1AndRaisesClick) {
     CheckBox box{form, "box"};
     Log log;

@@ -53,6 +53,21 @@ TEST_F(KeysTest, TheKeyCarriesCodeAndShift) {
     EXPECT_EQ(seen.shift, ctrlMask);
 }
 
+TEST_F(KeysTest, APressGivesTheFocusToListsBoxesAndOptionsAndToNothingElse) {
+    CheckBox check(form, "check");
+    OptionButton option(form, "option");
+    Label label(form, "label");
+    check.move({0, 2000, 300, 300});
+    option.move({300, 2000, 300, 300});
+    label.move({600, 2000, 300, 300});
+    click(10, 2010);
+    EXPECT_EQ(form.activeControl(), &check);
+    click(310, 2010);
+    EXPECT_EQ(form.activeControl(), &option);
+    click(610, 2010);
+    EXPECT_EQ(form.activeControl(), &option);
+}
+
 TEST_F(KeysTest, APressGivesTheFocus) {
     press(10, 1210);
     EXPECT_EQ(form.activeControl(), &text);

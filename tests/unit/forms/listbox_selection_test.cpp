@@ -240,6 +240,15 @@ TEST_F(SelectionTest, ADragWithCtrlAddsAndGivesBackWhatItLeaves) {
     EXPECT_THAT(chosen(), ElementsAre(1, 2, 5));
 }
 
+TEST_F(SelectionTest, CodeThatMakesTheFirstRowCurrentRaisesClickToo) {
+    userClick(5);
+    const auto before = clicks();
+    list.setListIndex(0);
+    EXPECT_EQ(clicks(), before + 1);
+    list.setListIndex(-1);
+    EXPECT_EQ(clicks(), before + 1);
+}
+
 TEST_F(SelectionTest, ADragWithCtrlForgetsWhatItWouldGiveBackOnceRowsHaveMoved) {
     const auto dragAfter = [this](const std::function<void()> &meanwhile) {
         list.setMultiSelect(true);
