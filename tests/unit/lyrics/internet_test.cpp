@@ -230,7 +230,7 @@ protected:
         bool isDone = false;
         app.player().open_File(u"/m/Song.mp3");
         windows.onPump = [&] {
-            if (contains(lyric().nowLrcLine, u"搜索") && !isDone && count++ == pump) {
+            if (contains(lyric().nowLrcLine, u"正在") && !isDone && count++ == pump) {
                 isDone = true;
                 work();
             }
