@@ -309,6 +309,31 @@ TEST_F(PictureTest, TheSamePictureDrawsNothing) {
     EXPECT_THAT(window.told, SizeIs(1));
 }
 
+TEST_F(PictureTest, EachLookIsToldOnceAndNoneThatStays) {
+    Image image{form, "image"};
+    Shape shape{form, "shape"};
+    Line line{form, "line"};
+    PictureBox box{form, "box"};
+    Frame frame{form, "frame"};
+    TextBox text{form, "text"};
+    const std::function<void()> looks[] = {
+        [&] { image.setPicture(Picture::play); },  [&] { shape.setPicture(Picture::bar_fill); },
+        [&] { shape.setFillColor(0x123456); },     [&] { line.setBorderColor(0x123456); },
+        [&] { box.setPicture(Picture::play); },    [&] { box.setBackColor(0x123456); },
+        [&] { frame.setCaption(u"x"); },           [&] { frame.setFont(Font(u"Arial", 20)); },
+        [&] { text.setFont(Font(u"Arial", 20)); }, [&] { text.setForeColor(0x123456); },
+        [&] { text.setBackColor(0x123456); },
+    };
+    auto &window = shown();
+    for (std::size_t look = 0; look < std::size(looks); ++look) {
+        window.told.clear();
+        looks[look]();
+        looks[look]();
+        ASSERT_THAT(window.told, SizeIs(1)) << look;
+        EXPECT_EQ(window.told[0].change, Change::Look) << look;
+    }
+}
+
 using MenuTest = FormFixture;
 
 TEST_F(MenuTest, EntriesStandInOrder) {

@@ -142,6 +142,15 @@ TEST_F(FormTest, StartsInTheMiddleOfTheWorkArea) {
     EXPECT_EQ(form.place(), (RectTwips{600 * 15 - 1500, 300 * 15 - 1500, 3000, 3000}));
 }
 
+TEST_F(FormTest, ThatIsToStartElsewhereStaysWhereItIs) {
+    form.setStartCentred(true);
+    const RectTwips middle = form.place();
+    windows.workArea = {100, 0, 1100, 600};
+    form.setStartCentred(false);
+    EXPECT_FALSE(form.startCentred());
+    EXPECT_EQ(form.place(), middle);
+}
+
 TEST_F(FormTest, TheMiddleIsAWholePixel) {
     windows.workArea = {0, 0, 1001, 601};
     form.setStartCentred(true);

@@ -336,6 +336,15 @@ TEST_F(ListRowsTest, TheRowHeightIsTheDesignHeightByTheDesignRows) {
     EXPECT_EQ(list.rowHeight(), 200);
 }
 
+TEST_F(ListRowsTest, OneDesignRowIsTheWholeHeightAndNoneIsRefused) {
+    list.setHeight(3400);
+    list.setDesignRows(1);
+    EXPECT_EQ(list.designRows(), 1);
+    EXPECT_EQ(list.rowHeight(), 3400);
+    list.setDesignRows(0);
+    EXPECT_EQ(list.designRows(), 1);
+}
+
 TEST_F(ListRowsTest, AnEmptyListHasNoRowToSelect) {
     EXPECT_THAT(rows(), IsEmpty());
     EXPECT_EQ(list.firstSelected(), -1);
