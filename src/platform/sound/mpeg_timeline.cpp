@@ -52,8 +52,9 @@ bool MpegTimeline::begin() {
 // joined, and where its frames can be as long as they would have to be.
 bool MpegTimeline::isPlausible() const {
     constexpr std::int64_t slackBytes = 2048;
-    if (header_->frames <= 0 || header_->bytes <= 0 ||
-        std::abs(header_->bytes - source_.size()) > slackBytes)
+    // What is missing is sound; behind it there may be a little of anything.
+    const std::int64_t behind = source_.size() - header_->bytes;
+    if (header_->frames <= 0 || header_->bytes <= 0 || behind < 0 || behind > slackBytes)
         return false;
     const double mean = static_cast<double>(header_->bytes) / static_cast<double>(header_->frames);
     const double slack = 0.02 * mean + slackBytes / static_cast<double>(header_->frames);

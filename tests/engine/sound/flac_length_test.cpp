@@ -124,7 +124,7 @@ TEST(FlacLength, AFileMadeOfHeadersIsGivenUpSoon) {
     }
     const auto start = std::chrono::steady_clock::now();
     present(file);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)); // usually 1 or 2
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60)); // usually 1 or 2
 }
 
 TEST(FlacTotal, IsWhatTheHeaderTells) {

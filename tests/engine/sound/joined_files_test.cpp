@@ -170,7 +170,7 @@ TEST_F(JoinedFiles, AThousandPartsOpenSoonAndSoundToTheEnd) {
     const auto start = std::chrono::steady_clock::now();
     const auto reader = open(file);
     ASSERT_TRUE(reader);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60)); // usually 0.2
     EXPECT_EQ(reader->frames(), 500'000);
     EXPECT_EQ(decodeAll(*reader), 500'000);
 }

@@ -169,6 +169,16 @@ TEST_F(MpegFile, AHeaderThatTellsHalfOrTwiceTheFramesIsNotBelievedEvenAtFirst) {
     }
 }
 
+TEST_F(MpegFile, AFileThatIsCutByAFewFramesHasTheLengthThatIsLeft) {
+    Bytes bytes = readFile(mediaFile("vbr.mp3"));
+    bytes.resize(bytes.size() - 1800);
+    const auto reader = open(bytes);
+    ASSERT_TRUE(reader);
+    const double told = lengthMs(*reader);
+    EXPECT_LT(told, 10123 - 50);
+    EXPECT_NEAR(told, static_cast<double>(decodeAll(*reader)) * 1000 / reader->rate(), 50);
+}
+
 struct Joint {
     const char *first;
     const char *second;
