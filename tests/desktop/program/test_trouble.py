@@ -276,7 +276,7 @@ class Slow(TroubleTest):
         for name in ("slow", "next"):
             stairs(f"{self.music}/{name}.wav", 60, level=0.05, step=0)
         with open(self.music + "/next.lrc", "wb") as file:
-            file.write(b"[00:00.00]of the next\r\n")
+            file.write(self.BY_HAND.replace(b"by hand", b"of the next"))
         self.write_list([f"{self.music}/{name}.wav" for name in ("slow", "next")])
 
     def hold(self, beginning):
@@ -298,7 +298,7 @@ class Slow(TroubleTest):
         self.release.set()
         self.assert_content(self.app("Lyrics", "slow.LRC"), b"[00:00.00]from the server\r\n", 30)
         self.assertTrue(self.player.took(self.window))
-        self.assertIn("2/2", self.player.title(self.window))
+        self.assert_title(self.player, self.window, "2/2")
         self.assertTrue(self.player.says(self.window, "of the next"), "the next has lost its lyric")
         self.assert_fit()
 
