@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
 # Plays the demonstration piece on a virtual display and keeps screenshots.
 #
-#   scripts/demo.sh BUILD_FOLDER
+#   scripts/demo.sh FOLDER_OF_BUILDS
 #
-# Everything happens in build/demo: a home of its own for the player, a sound server with a null
+# Everything happens in the folder demo beside the builds: a home of its own for the player, a sound server with a null
 # sink, a display with a window manager. Ends by itself; status 0 when the player was seen playing
 # and ended in order.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-build=$1
-out=$PWD/build/demo
+build=$1/release
+out=$1/demo
 rm -rf "$out"
 mkdir -p "$out/home" "$out/music"
 chmod 700 "$out/home"
@@ -47,12 +47,22 @@ exec 3>"$out/display"
 Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp >"$out/xvfb.log" 2>&1 &
 display_server=$!
 exec 3>&-
-wait_for 20 test -s "$out/display"
+wait_for 20 test -s "$out/display" || {
+    echo "The virtual display did not come up:" >&2
+    cat "$out/xvfb.log" >&2
+    exit 1
+}
 DISPLAY=:$(cat "$out/display")
 export DISPLAY
 openbox >"$out/openbox.log" 2>&1 &
 manager=$!
-wait_for 20 xprop -root _NET_SUPPORTING_WM_CHECK
+# xprop ends well without it, too, and says that there is none.
+managed() { xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'; }
+wait_for 20 managed || {
+    echo "The window manager did not come up:" >&2
+    cat "$out/openbox.log" >&2
+    exit 1
+}
 # A calm desktop to look at.
 hsetroot -add '#33567a' -add '#16233a' -gradient 180 >/dev/null 2>&1 || xsetroot -solid '#2a4464'
 

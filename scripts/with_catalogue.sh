@@ -1,25 +1,26 @@
 #!/usr/bin/env bash
 # Serves a folder of music and lyrics on this machine and starts a player that finds them.
 #
-#   scripts/with_catalogue.sh BUILD_FOLDER MUSIC_FOLDER
+#   scripts/with_catalogue.sh FOLDER_OF_BUILDS MUSIC_FOLDER
 #
 # The player's settings, lists and downloads lie in build/catalogue-home, so that nothing of this
 # stays behind in the user's own. The server ends with the player.
 set -euo pipefail
-cd "$(dirname "$0")/.."
-build=$1
+build=$1/release
 music=$2
-home=$PWD/build/catalogue-home
+home=$1/catalogue-home
 mkdir -p "$home/config" "$home/data" "$home/cache" "$home/documents"
-printf 'XDG_DOCUMENTS_DIR="%s/documents"\n' "$home" >"$home/config/user-dirs.dirs"
+# Between the quotes of that file a backslash stands before what would end or change them.
+printf 'XDG_DOCUMENTS_DIR="%s/documents"\n' "$(printf %s "$home" | sed 's/[\\"$`]/\\&/g')" >"$home/config/user-dirs.dirs"
 
 log=$home/catalogue.log
+rm -f "$log"
 "$build/tools/catalogue/velmora-catalogue" --port 0 \
     --introduce "$home/config/velmora/registry.sqlite" "$music" >"$log" 2>&1 &
 server=$!
 trap 'kill "$server" 2>/dev/null || true' EXIT
 # It says where it is once it has read the folder and told the player's settings.
-while ! grep -q 'http://' "$log"; do
+while ! grep -qs 'http://' "$log"; do
     if ! kill -0 "$server" 2>/dev/null; then
         cat "$log" >&2
         exit 1

@@ -3,11 +3,13 @@
 Everything is started by this module and ended by `Session.close`; nothing of the user's is touched.
 """
 
+import atexit
 import glob
 import os
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import threading
 import time
@@ -74,6 +76,12 @@ def taken(window=None, env=None):
                           stderr=subprocess.DEVNULL, check=False).returncode == 0
 
 
+# What a test starts ends with it, even where the test is killed and can end nothing itself.
+BOUND = ["setpriv", "--pdeathsig", "KILL", "--"]
+# A test that is asked to end clears up; by itself Python would just stop.
+signal.signal(signal.SIGTERM, lambda number, _: sys.exit(128 + number))
+
+
 class Session:
     screen = "1280x800x24"
     server_options = ()  # further ones of the display server
@@ -89,10 +97,13 @@ class Session:
                         XDG_CONFIG_HOME=self.home + "/config", XDG_DATA_HOME=self.home + "/data",
                         XDG_CACHE_HOME=self.home + "/cache", QT_XCB_GL_INTEGRATION="none",
                         PULSE_SERVER=f"unix:{self.runtime}/native", LC_ALL="C.UTF-8")
+        self.server = None
         for folder in ("config", "data", "cache"):
             os.makedirs(f"{self.home}/{folder}")
         self.children = []
         self.pulse = None
+        # unittest leaves by Ctrl+C without its cleanups.
+        atexit.register(self.close)
         self._display()
         Session.live[self.env["DISPLAY"]] = self
         self.manager = None
@@ -108,7 +119,7 @@ class Session:
     def _display(self):
         reading, writing = os.pipe()
         self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(writing), "-screen", "0", self.screen, "-nolisten", "tcp",
+            [*BOUND, "Xvfb", "-displayfd", str(writing), "-screen", "0", self.screen, "-nolisten", "tcp",
              "-noreset", *self.server_options],
             pass_fds=[writing], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(writing)
@@ -123,7 +134,7 @@ class Session:
 
     def start_sound(self):
         self.pulse = subprocess.Popen(
-            ["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--log-level=error",
+            [*BOUND, "pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--log-level=error",
              "-L", f"module-null-sink sink_name=null1 rate={RATE} channels=2",
              "-L", f"module-native-protocol-unix socket={self.runtime}/native"],
             env=self.env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
@@ -143,7 +154,7 @@ class Session:
         self.env.update(DBUS_SESSION_BUS_ADDRESS=address, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
 
     def spawn(self, command, **options):
-        child = subprocess.Popen(command, env=self.env, stdout=subprocess.DEVNULL,
+        child = subprocess.Popen([*BOUND, *command], env=self.env, stdout=subprocess.DEVNULL,
                                  stderr=subprocess.DEVNULL, start_new_session=True, **options)
         self.children.append(child)
         return child
@@ -178,6 +189,7 @@ class Session:
         quiet("xdotool", "key", key, env=self.env)
 
     def close(self):
+        atexit.unregister(self.close)
         Session.live.pop(self.env.get("DISPLAY"), None)
         for child in list(self.children):
             self.stop(child)
