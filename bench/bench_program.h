@@ -4,8 +4,8 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
-#include "platform/linux/linux.h"
-#include "platform/registry/sqlite_registry.h"
+#include "platform/backends/linux/linux.h"
+#include "platform/backends/registry/sqlite_registry.h"
 #include "playback/Main.h"
 #include "playback/player.h"
 #include "playlist/playList_Form.h"

@@ -10,9 +10,9 @@
 
 #include "loopback_server.h"
 #include "network/search_Song_Internet_Form.h"
-#include "platform/curl/curl_internet.h"
-#include "platform/linux/linux.h"
-#include "platform/qt/qt_windows.h"
+#include "platform/backends/curl/curl_internet.h"
+#include "platform/backends/linux/linux.h"
+#include "platform/backends/qt/system/qt_windows.h"
 #include "playback/Main.h"
 #include "settings/setControl.h"
 #include "settings/skinSet.h"

@@ -6,7 +6,7 @@
 #include "bench/bench_program.h"
 #include "network/lrc_Internet_Search.h"
 #include "network/zkWininetDown.h"
-#include "platform/curl/curl_internet.h"
+#include "platform/backends/curl/curl_internet.h"
 #include "tests/engine/http/loopback_server.h"
 #include "tests/fakes/instead.h"
 

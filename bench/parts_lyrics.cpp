@@ -4,7 +4,7 @@
 
 #include "base/run_time_error.h"
 #include "lyrics/lrcForm.h"
-#include "platform/files.h"
+#include "platform/contracts/files.h"
 #include "playback/player.h"
 
 #include <benchmark/benchmark.h>

@@ -1,8 +1,8 @@
 // Opening media: the interpreter, the limit of time, and the reader that finds out the length.
 
-#include "platform/media/mci_interpreter.h"
-#include "platform/sound/reader.h"
-#include "platform/sound/sound.h"
+#include "platform/backends/media/mci_interpreter.h"
+#include "platform/backends/sound/device/sound.h"
+#include "platform/backends/sound/readers/reader.h"
 
 #include <benchmark/benchmark.h>
 

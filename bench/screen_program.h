@@ -5,9 +5,9 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
-#include "platform/linux/linux.h"
-#include "platform/qt/form_window.h"
-#include "platform/qt/qt_windows.h"
+#include "platform/backends/linux/linux.h"
+#include "platform/backends/qt/system/qt_windows.h"
+#include "platform/backends/qt/window/form_window.h"
 #include "playback/Main.h"
 #include "playlist/playList_Form.h"
 #include "settings/Language_Set.h"

@@ -9,9 +9,9 @@
 //   language MEDIAN MAX FIRST  all texts of all forms, with Main, the list and the settings shown
 //   apply MEDIAN MAX FIRST     from the click to every window painted anew
 
-#include "platform/linux/linux.h"
-#include "platform/qt/qt_windows.h"
-#include "platform/registry/sqlite_registry.h"
+#include "platform/backends/linux/linux.h"
+#include "platform/backends/qt/system/qt_windows.h"
+#include "platform/backends/registry/sqlite_registry.h"
 #include "playback/Main.h"
 #include "playlist/playList_Form.h"
 #include "settings/Language_Set.h"

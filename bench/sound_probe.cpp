@@ -3,7 +3,7 @@
 // plays the file and prints a table in Markdown. The first part runs without anybody listening, the
 // second one records the sink's monitor; there the rate of the file should be 44100 Hz.
 
-#include "platform/sound/sound.h"
+#include "platform/backends/sound/device/sound.h"
 #include "tests/engine/pulse_server.h"
 
 #include <algorithm>

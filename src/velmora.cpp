@@ -8,7 +8,7 @@
 #include "network/song_Internet_Search.h"
 #include "network/update.h"
 #include "network/welcomeForm.h"
-#include "platform/windows.h"
+#include "platform/contracts/windows.h"
 #include "playback/Main.h"
 #include "playback/MenuForm.h"
 #include "playback/VideoScreen_Form.h"

@@ -7,7 +7,7 @@
 // its controls are made from the design, then its `load` runs. Forms stay alive, hidden, for the
 // whole run; `unloadForm` is for the two exceptions, the video window and the splash.
 
-#include "platform/platform.h"
+#include "platform/contracts/platform.h"
 
 #include <memory>
 

@@ -5,7 +5,7 @@
 #include "lyrics/lrcForm.h"
 #include "lyrics/lrc_text.h"
 #include "lyrics/lyric_file.h"
-#include "platform/windows.h"
+#include "platform/contracts/windows.h"
 #include "playback/Main.h"
 #include "playback/player.h"
 #include "playlist/playList_Form.h"

@@ -3,7 +3,7 @@
 #include "base/run_time_error.h"
 #include "base/text.h"
 #include "lyrics/lrc_text.h"
-#include "platform/windows.h"
+#include "platform/contracts/windows.h"
 #include "playback/display.h"
 #include "playback/player.h"
 #include "ui/formSet.h"

@@ -1,9 +1,9 @@
 #include "lyrics/lyric_file.h"
 
 #include "base/text.h"
-#include "platform/ansi.h"
-#include "platform/files.h"
-#include "platform/platform.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/files.h"
+#include "platform/contracts/platform.h"
 
 #include <cstdint>
 #include <limits>

@@ -3,8 +3,8 @@
 #include "base/numbers.h"
 #include "base/run_time_error.h"
 #include "base/text.h"
-#include "platform/files.h"
-#include "platform/profiles.h"
+#include "platform/contracts/files.h"
+#include "platform/contracts/profiles.h"
 
 #include <optional>
 

@@ -1,6 +1,6 @@
 #include "network/check_Network.h"
 
-#include "platform/internet.h"
+#include "platform/contracts/internet.h"
 
 namespace velmora {
 

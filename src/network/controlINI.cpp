@@ -1,6 +1,6 @@
 #include "network/controlINI.h"
 
-#include "platform/profiles.h"
+#include "platform/contracts/profiles.h"
 
 #include <cstddef>
 

@@ -1,6 +1,6 @@
 #include "network/dataTransform.h"
 
-#include "platform/ansi.h"
+#include "platform/contracts/ansi.h"
 
 #include <algorithm>
 

@@ -6,9 +6,9 @@
 #include "network/linkReader.h"
 #include "network/search_Lrc_Internet_Form.h"
 #include "network/webPage.h"
-#include "platform/internet.h"
-#include "platform/platform.h"
-#include "platform/windows.h"
+#include "platform/contracts/internet.h"
+#include "platform/contracts/platform.h"
+#include "platform/contracts/windows.h"
 #include "settings/setControl.h"
 #include "velmora.h"
 

@@ -6,8 +6,8 @@
 #include "network/linkReader.h"
 #include "network/search_Song_Internet_Form.h"
 #include "network/webPage.h"
-#include "platform/platform.h"
-#include "platform/windows.h"
+#include "platform/contracts/platform.h"
+#include "platform/contracts/windows.h"
 #include "settings/setControl.h"
 #include "velmora.h"
 

@@ -1,6 +1,6 @@
 #include "network/toUrlString.h"
 
-#include "platform/ansi.h"
+#include "platform/contracts/ansi.h"
 
 namespace velmora {
 

@@ -1,9 +1,9 @@
 #include "network/webPage.h"
 
 #include "base/run_time_error.h"
-#include "platform/internet.h"
-#include "platform/platform.h"
-#include "platform/windows.h"
+#include "platform/contracts/internet.h"
+#include "platform/contracts/platform.h"
+#include "platform/contracts/windows.h"
 
 namespace velmora {
 

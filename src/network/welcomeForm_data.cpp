@@ -6,7 +6,7 @@
 #include "base/run_time_error.h"
 #include "base/text.h"
 #include "network/controlINI.h"
-#include "platform/profiles.h"
+#include "platform/contracts/profiles.h"
 #include "velmora.h"
 
 #include <algorithm>

@@ -4,8 +4,8 @@
 #include "base/run_time_error.h"
 #include "base/text.h"
 #include "network/WininetDownClass.h"
-#include "platform/ansi.h"
-#include "platform/platform.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/platform.h"
 
 namespace velmora {
 

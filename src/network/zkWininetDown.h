@@ -7,7 +7,7 @@
 // `FileName`. The object must live until the call returns. What an event's handler raises ends that
 // handler alone.
 
-#include "platform/internet.h"
+#include "platform/contracts/internet.h"
 
 #include <cstdint>
 #include <functional>

@@ -4,10 +4,10 @@
 #include "base/text.h"
 #include "network/WininetDownClass.h"
 #include "network/zkWininetDown.h"
-#include "platform/files.h"
-#include "platform/platform.h"
-#include "platform/system.h"
-#include "platform/windows.h"
+#include "platform/contracts/files.h"
+#include "platform/contracts/platform.h"
+#include "platform/contracts/system.h"
+#include "platform/contracts/windows.h"
 
 #include <algorithm>
 

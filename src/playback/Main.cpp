@@ -9,7 +9,7 @@
 #include "network/search_Lrc_Internet_Form.h"
 #include "network/search_Song_Internet_Form.h"
 #include "network/welcomeForm.h"
-#include "platform/windows.h"
+#include "platform/contracts/windows.h"
 #include "playback/VideoScreen_Form.h"
 #include "playback/check_SoundDriver_Form.h"
 #include "playback/list_button.h"

@@ -7,7 +7,7 @@
 #include "lyrics/doLrcForm.h"
 #include "network/search_Lrc_Internet_Form.h"
 #include "network/search_Song_Internet_Form.h"
-#include "platform/windows.h"
+#include "platform/contracts/windows.h"
 #include "playback/MenuForm.h"
 #include "playback/display.h"
 #include "playback/player.h"

@@ -5,7 +5,7 @@
 #include "base/numbers.h"
 #include "base/run_time_error.h"
 #include "lyrics/lrcForm.h"
-#include "platform/windows.h"
+#include "platform/contracts/windows.h"
 #include "playback/VideoScreen_Form.h"
 #include "playback/bars.h"
 #include "playback/display.h"

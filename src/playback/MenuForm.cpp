@@ -1,7 +1,7 @@
 #include "playback/MenuForm.h"
 
 #include "network/update.h"
-#include "platform/windows.h"
+#include "platform/contracts/windows.h"
 #include "playback/Main.h"
 #include "playback/miniForm.h"
 #include "playback/player.h"

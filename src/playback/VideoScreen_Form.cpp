@@ -2,8 +2,8 @@
 
 #include "base/run_time_error.h"
 #include "lyrics/lrcForm.h"
-#include "platform/system.h"
-#include "platform/windows.h"
+#include "platform/contracts/system.h"
+#include "platform/contracts/windows.h"
 #include "playback/Main.h"
 #include "playback/MenuForm.h"
 #include "playback/bars.h"

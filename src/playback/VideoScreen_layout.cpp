@@ -3,7 +3,7 @@
 #include "playback/VideoScreen_Form.h"
 
 #include "base/run_time_error.h"
-#include "platform/windows.h"
+#include "platform/contracts/windows.h"
 #include "playback/Main.h"
 #include "playback/player.h"
 #include "settings/skinSet.h"

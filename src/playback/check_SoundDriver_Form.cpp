@@ -2,7 +2,7 @@
 
 #include "base/numbers.h"
 #include "base/run_time_error.h"
-#include "platform/media.h"
+#include "platform/contracts/media.h"
 #include "settings/Language.h"
 #include "ui/formSet.h"
 #include "velmora.h"

@@ -2,7 +2,7 @@
 
 #include "base/run_time_error.h"
 #include "lyrics/lrcForm.h"
-#include "platform/windows.h"
+#include "platform/contracts/windows.h"
 #include "playback/Main.h"
 #include "playback/MenuForm.h"
 #include "playback/bars.h"

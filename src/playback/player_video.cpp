@@ -4,7 +4,7 @@
 
 #include "base/numbers.h"
 #include "base/run_time_error.h"
-#include "platform/windows.h"
+#include "platform/contracts/windows.h"
 #include "playback/VideoScreen_Form.h"
 #include "settings/setControl.h"
 #include "settings/skinSet.h"

@@ -1,8 +1,8 @@
 #include "playlist/Search.h"
 
 #include "base/text.h"
-#include "platform/ansi.h"
-#include "platform/files.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/files.h"
 #include "playlist/playList_Form.h"
 #include "velmora.h"
 

@@ -8,7 +8,7 @@
 #include "lyrics/lyric_file.h"
 #include "network/lrc_Internet_Search.h"
 #include "network/webPage.h"
-#include "platform/files.h"
+#include "platform/contracts/files.h"
 #include "playback/player.h"
 #include "playlist/another_PlayInfo_Form.h"
 #include "playlist/playInfo_Form.h"

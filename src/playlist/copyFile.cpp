@@ -1,8 +1,8 @@
 #include "playlist/copyFile.h"
 
 #include "base/run_time_error.h"
-#include "platform/dialogs.h"
-#include "platform/windows.h"
+#include "platform/contracts/dialogs.h"
+#include "platform/contracts/windows.h"
 #include "settings/Language.h"
 #include "velmora.h"
 

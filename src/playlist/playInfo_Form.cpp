@@ -2,7 +2,7 @@
 
 #include "base/run_time_error.h"
 #include "base/text.h"
-#include "platform/windows.h"
+#include "platform/contracts/windows.h"
 #include "playback/Main.h"
 #include "playback/display.h"
 #include "playlist/Search.h"

@@ -5,8 +5,8 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
-#include "platform/files.h"
-#include "platform/windows.h"
+#include "platform/contracts/files.h"
+#include "platform/contracts/windows.h"
 #include "playback/Main.h"
 #include "playback/player.h"
 #include "playlist/Search.h"

@@ -1,8 +1,8 @@
 // Renaming, searching, copying to a folder, opening a track's folder.
 
 #include "base/text.h"
-#include "platform/files.h"
-#include "platform/windows.h"
+#include "platform/contracts/files.h"
+#include "platform/contracts/windows.h"
 #include "playback/Main.h"
 #include "playback/player.h"
 #include "playlist/Search.h"

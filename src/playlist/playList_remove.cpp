@@ -1,10 +1,10 @@
 // Removing rows, and deleting files from the disk with a report.
 
 #include "base/text.h"
-#include "platform/ansi.h"
-#include "platform/files.h"
-#include "platform/system.h"
-#include "platform/windows.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/files.h"
+#include "platform/contracts/system.h"
+#include "platform/contracts/windows.h"
 #include "playback/Main.h"
 #include "playback/player.h"
 #include "playlist/list_work.h"

@@ -2,7 +2,7 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
-#include "platform/windows.h"
+#include "platform/contracts/windows.h"
 #include "playback/Main.h"
 #include "playback/MenuForm.h"
 #include "playback/player.h"

@@ -2,8 +2,8 @@
 
 #include "base/run_time_error.h"
 #include "base/text.h"
-#include "platform/ansi.h"
-#include "platform/files.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/files.h"
 #include "playlist/another_PlayInfo_Form.h"
 #include "playlist/saveOrOpenFile.h"
 #include "velmora.h"

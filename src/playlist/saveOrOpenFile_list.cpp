@@ -2,9 +2,9 @@
 
 #include "base/run_time_error.h"
 #include "base/text.h"
-#include "platform/ansi.h"
-#include "platform/files.h"
-#include "platform/windows.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/files.h"
+#include "platform/contracts/windows.h"
 #include "playback/player.h"
 #include "playlist/list_work.h"
 #include "playlist/playList_Form.h"

@@ -6,8 +6,8 @@
 #include "lyrics/doLrcForm.h"
 #include "lyrics/lrcForm.h"
 #include "lyrics/lyric_file.h"
-#include "platform/ansi.h"
-#include "platform/files.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/files.h"
 #include "velmora.h"
 
 namespace velmora {

@@ -4,7 +4,7 @@
 
 #include "base/numbers.h"
 #include "lyrics/lrcForm.h"
-#include "platform/system.h"
+#include "platform/contracts/system.h"
 #include "playback/Main.h"
 #include "playback/player.h"
 #include "settings/setControl.h"

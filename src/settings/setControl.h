@@ -7,7 +7,7 @@
 // variables below. Every failure of the registry gives the documented default and no message.
 
 #include "base/geometry.h"
-#include "platform/registry.h"
+#include "platform/contracts/registry.h"
 
 #include <cstdint>
 #include <memory>

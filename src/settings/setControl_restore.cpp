@@ -1,8 +1,8 @@
 #include "settings/setControl.h"
 
-#include "platform/files.h"
-#include "platform/system.h"
-#include "platform/windows.h"
+#include "platform/contracts/files.h"
+#include "platform/contracts/system.h"
+#include "platform/contracts/windows.h"
 #include "playback/Main.h"
 #include "playback/startLoad_Form.h"
 #include "playlist/playList_Form.h"

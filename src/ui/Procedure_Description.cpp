@@ -3,8 +3,8 @@
 #include "base/numbers.h"
 #include "base/run_time_error.h"
 #include "base/text.h"
-#include "platform/ansi.h"
-#include "platform/system.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/system.h"
 #include "velmora.h"
 
 #include <array>

@@ -2,9 +2,9 @@
 
 // What all windows share: the order of windows, dragging, docking, the tray icon, the key table.
 
+#include "platform/contracts/windows.h"
 #include "platform/forms/events.h"
 #include "platform/forms/form.h"
-#include "platform/windows.h"
 
 #include <cstdint>
 #include <string_view>

@@ -3,8 +3,8 @@
 #include "base/numbers.h"
 #include "base/run_time_error.h"
 #include "base/text.h"
-#include "platform/ansi.h"
-#include "platform/files.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/files.h"
 #include "velmora.h"
 
 namespace velmora {

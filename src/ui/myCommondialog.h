@@ -4,7 +4,7 @@
 // record itself and reads it back. Every failure is passed over; it shows only as an empty text or
 // false.
 
-#include "platform/dialogs.h"
+#include "platform/contracts/dialogs.h"
 #include "platform/forms/font.h"
 
 #include <string>

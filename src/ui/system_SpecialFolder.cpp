@@ -1,8 +1,8 @@
 #include "ui/system_SpecialFolder.h"
 
 #include "base/text.h"
-#include "platform/files.h"
-#include "platform/system.h"
+#include "platform/contracts/files.h"
+#include "platform/contracts/system.h"
 #include "velmora.h"
 
 #include <algorithm>

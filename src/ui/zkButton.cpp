@@ -1,9 +1,9 @@
 #include "ui/zkButton.h"
 
 #include "base/text.h"
+#include "platform/contracts/windows.h"
 #include "platform/forms/dispatch.h"
 #include "platform/forms/form.h"
-#include "platform/windows.h"
 
 #include <algorithm>
 #include <cmath>

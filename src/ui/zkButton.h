@@ -7,7 +7,7 @@
 // `speed` (by 1 on the way back to normal), until the alpha has reached 255. The ticks begin when
 // the pointer moves over the button, and end with the fade.
 
-#include "platform/drawing.h"
+#include "platform/forms/drawing.h"
 #include "platform/forms/timer.h"
 #include "platform/forms/user_control.h"
 

@@ -2,7 +2,7 @@
 
 #include "base/numbers.h"
 #include "base/run_time_error.h"
-#include "platform/windows.h"
+#include "platform/contracts/windows.h"
 #include "velmora.h"
 
 #include <cmath>

@@ -2,7 +2,7 @@
 
 // A sleep that keeps the interface alive: input, timers and painting go on while it lasts.
 
-#include "platform/system.h"
+#include "platform/contracts/system.h"
 
 #include <cstdint>
 #include <string>

@@ -2,7 +2,7 @@
 
 // The ANSI conversion with a page that the test chooses.
 
-#include "platform/linux/text/ansi_conversion.h"
+#include "text/ansi_conversion.h"
 
 namespace velmora::fakes {
 

@@ -3,7 +3,7 @@
 // The common dialogs as a script: each call takes the next scripted answer of its kind. A dialog
 // that nobody expected fails the test, and so does a script that was never used.
 
-#include "platform/dialogs.h"
+#include "platform/contracts/dialogs.h"
 
 #include <deque>
 #include <functional>

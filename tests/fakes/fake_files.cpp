@@ -1,7 +1,7 @@
 #include "tests/fakes/fake_files.h"
 
 #include "base/text.h"
-#include "platform/linux/text/path_text.h"
+#include "text/path_text.h"
 
 #include <gtest/gtest.h>
 

@@ -5,8 +5,8 @@
 // the disk.
 
 #include "base/run_time_error.h"
-#include "platform/ansi.h"
-#include "platform/files.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/files.h"
 
 #include <functional>
 #include <map>

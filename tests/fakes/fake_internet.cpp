@@ -3,8 +3,8 @@
 #include "base/numbers.h"
 #include "base/run_time_error.h"
 #include "base/text.h"
-#include "platform/linux/text/legacy_page.h"
 #include "tests/fakes/fake_files.h"
+#include "text/legacy_page.h"
 
 #include <gtest/gtest.h>
 

@@ -5,8 +5,8 @@
 // Requests through handles are answered in the order of `respond`; pages and downloads by their
 // address. What was scripted and never asked for fails the test.
 
-#include "platform/ansi.h"
-#include "platform/internet.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/internet.h"
 
 #include <deque>
 #include <functional>

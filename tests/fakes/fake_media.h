@@ -3,7 +3,7 @@
 // A recording media engine. By itself it behaves as the contract says over media that the test adds
 // (open, play, pause, seek, status ... of one device); a test may script any answer instead.
 
-#include "platform/media.h"
+#include "platform/contracts/media.h"
 
 #include <deque>
 #include <map>

@@ -2,7 +2,7 @@
 
 // One of each fake, and the bundle that the program takes.
 
-#include "platform/platform.h"
+#include "platform/contracts/platform.h"
 #include "tests/fakes/fake_ansi.h"
 #include "tests/fakes/fake_dialogs.h"
 #include "tests/fakes/fake_files.h"

@@ -3,10 +3,10 @@
 // The real INI files over the disk in memory, with a log of the calls and writes that fail on
 // request: what a test proves of them is what the program does.
 
-#include "platform/ansi.h"
-#include "platform/linux/linux_profiles.h"
-#include "platform/profiles.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/profiles.h"
 #include "tests/fakes/fake_files.h"
+#include "text/ini_profiles.h"
 
 #include <string>
 #include <vector>
@@ -34,7 +34,7 @@ public:
     std::u16string StrFormatByteSizeA(std::int32_t size) override;
 
 private:
-    platform::LinuxProfiles real_;
+    platform::IniProfiles real_;
 };
 
 } // namespace velmora::fakes

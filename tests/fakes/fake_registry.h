@@ -2,8 +2,8 @@
 
 // The registry in memory, with a log of what was asked of it.
 
-#include "platform/ansi.h"
-#include "platform/registry.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/registry.h"
 
 #include <map>
 #include <string>

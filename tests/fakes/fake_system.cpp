@@ -3,10 +3,10 @@
 #include "base/numbers.h"
 #include "base/run_time_error.h"
 #include "base/text.h"
-#include "platform/linux/text/path_text.h"
-#include "platform/linux/version/version_block.h"
-#include "platform/linux/version/version_query.h"
 #include "tests/fakes/fake_files.h"
+#include "text/path_text.h"
+#include "text/version/version_block.h"
+#include "text/version/version_query.h"
 
 #include <gtest/gtest.h>
 

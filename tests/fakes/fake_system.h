@@ -2,9 +2,9 @@
 
 // Processes, folders, version records, shell, clock and waitable timers in memory.
 
-#include "platform/ansi.h"
-#include "platform/linux/text/path_text.h"
-#include "platform/system.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/system.h"
+#include "text/path_text.h"
 
 #include <functional>
 #include <map>

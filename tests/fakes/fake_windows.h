@@ -6,8 +6,8 @@
 // popup menus must be scripted: one that nobody expected fails the test, and so does a script that
 // was never used.
 
+#include "platform/contracts/windows.h"
 #include "platform/forms/timer.h"
-#include "platform/windows.h"
 
 #include <deque>
 #include <functional>

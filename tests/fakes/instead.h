@@ -3,7 +3,7 @@
 // A platform that takes some of its services from elsewhere, real ones mostly, and the rest as they
 // are. A test names what it replaces, and stays as it is when the platform gets another service.
 
-#include "platform/platform.h"
+#include "platform/contracts/platform.h"
 
 namespace velmora::fakes {
 

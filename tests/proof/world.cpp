@@ -3,12 +3,12 @@
 #include "base/text.h"
 #include "network/search_Lrc_Internet_Form.h"
 #include "network/search_Song_Internet_Form.h"
-#include "platform/linux/text/path_text.h"
 #include "playback/player.h"
 #include "playlist/playList_Form.h"
 #include "settings/playSetForm.h"
 #include "settings/setControl.h"
 #include "tests/fakes/instead.h"
+#include "text/path_text.h"
 
 #include <sys/socket.h>
 #include <unistd.h>

@@ -4,10 +4,10 @@
 // its windows, its sound and its clock are in memory. Nobody sits before it: every question is
 // answered Yes, and what a person would have been told is kept for the report.
 
-#include "platform/curl/curl_internet.h"
-#include "platform/linux/file_copy.h"
-#include "platform/linux/linux.h"
-#include "platform/registry/sqlite_registry.h"
+#include "platform/backends/curl/curl_internet.h"
+#include "platform/backends/linux/file_copy.h"
+#include "platform/backends/linux/linux.h"
+#include "platform/backends/registry/sqlite_registry.h"
 #include "tests/fakes/fake_platform.h"
 #include "velmora.h"
 

@@ -1,6 +1,6 @@
 #include "catalogue/folder.h"
 
-#include "platform/linux/open_file.h"
+#include "platform/backends/linux/open_file.h"
 
 #include <dirent.h>
 #include <fcntl.h>

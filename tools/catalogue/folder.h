@@ -2,7 +2,7 @@
 
 // The one folder that is served, and nothing outside it.
 
-#include "platform/linux/descriptor.h"
+#include "platform/backends/linux/descriptor.h"
 
 #include <cstdint>
 #include <optional>

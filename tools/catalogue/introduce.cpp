@@ -1,9 +1,9 @@
 #include "catalogue/introduce.h"
 
 #include "base/text.h"
-#include "platform/linux/text/ansi_conversion.h"
-#include "platform/registry.h"
-#include "platform/registry/sqlite_registry.h"
+#include "platform/backends/registry/sqlite_registry.h"
+#include "platform/contracts/registry.h"
+#include "text/ansi_conversion.h"
 
 namespace velmora::catalogue {
 

@@ -2,8 +2,8 @@
 
 #include "base/text.h"
 #include "catalogue/texts.h"
-#include "platform/linux/ini_text.h"
-#include "platform/linux/text/ansi_conversion.h"
+#include "text/ansi_conversion.h"
+#include "text/ini_text.h"
 
 #include <algorithm>
 #include <vector>

@@ -5,7 +5,7 @@
 #include "base/utf8.h"
 #include "catalogue/pages.h"
 #include "catalogue/texts.h"
-#include "platform/linux/text/ansi_conversion.h"
+#include "text/ansi_conversion.h"
 
 #include <algorithm>
 

@@ -15,7 +15,7 @@
 //     chinese, english, french, japanese   notes, lines between "|"
 
 #include "catalogue/library.h"
-#include "platform/linux/ini_text.h"
+#include "text/ini_text.h"
 
 #include <optional>
 #include <string>

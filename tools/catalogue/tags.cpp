@@ -2,7 +2,7 @@
 
 #include "base/text.h"
 #include "catalogue/texts.h"
-#include "platform/linux/text/legacy_page.h"
+#include "text/legacy_page.h"
 
 #include <taglib/fileref.h>
 #include <taglib/tag.h>

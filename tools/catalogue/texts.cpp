@@ -2,7 +2,7 @@
 
 #include "base/text.h"
 #include "base/utf8.h"
-#include "platform/linux/text/ansi_conversion.h"
+#include "text/ansi_conversion.h"
 
 #include <iconv.h>
 

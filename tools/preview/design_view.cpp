@@ -1,9 +1,9 @@
 #include "design_view.h"
 
 #include "design_rows.h"
-#include "platform/qt/geometry.h"
-#include "platform/qt/look.h"
-#include "platform/qt/picture_painter.h"
+#include "platform/backends/qt/paint/look.h"
+#include "platform/backends/qt/paint/picture_painter.h"
+#include "platform/backends/qt/screen/geometry.h"
 
 #include <algorithm>
 

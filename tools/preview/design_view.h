@@ -4,7 +4,7 @@
 // draws them, toolkit widgets as plain boxes of the same size.
 
 #include "design.h"
-#include "platform/qt/text_painter.h"
+#include "platform/backends/qt/paint/text_painter.h"
 
 #include <QPainter>
 

@@ -8,8 +8,8 @@
 #include "base/text.h"
 #include "design_rows.h"
 #include "design_view.h"
-#include "platform/qt/look.h"
-#include "platform/qt/picture_painter.h"
+#include "platform/backends/qt/paint/look.h"
+#include "platform/backends/qt/paint/picture_painter.h"
 
 #include <QGuiApplication>
 #include <QImage>

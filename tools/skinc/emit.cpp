@@ -59,7 +59,7 @@ public:
 
     std::string text() const {
         return std::string(banner) +
-               "#pragma once\n\n#include \"platform/qt/picture_table.h\"\n\n"
+               "#pragma once\n\n#include \"platform/backends/qt/paint/picture_table.h\"\n\n"
                "namespace velmora::platform::qt::picture_table {\n\n" +
                verbs_.array("Verb", "verbs") + coordinates_.array("std::int16_t", "coordinates") +
                stops_.array("StopRecord", "stops") +

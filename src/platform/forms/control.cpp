@@ -1,8 +1,8 @@
 #include "platform/forms/control.h"
 
 #include "base/run_time_error.h"
+#include "platform/contracts/windows.h"
 #include "platform/forms/form.h"
-#include "platform/windows.h"
 
 #include <algorithm>
 #include <cmath>

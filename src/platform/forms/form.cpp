@@ -1,8 +1,8 @@
 #include "platform/forms/form.h"
 
+#include "platform/contracts/windows.h"
 #include "platform/forms/dispatch.h"
 #include "platform/forms/user_control.h"
-#include "platform/windows.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #include "platform/forms/surface.h"
 
-#include "platform/drawing.h"
+#include "platform/forms/drawing.h"
 
 #include <algorithm>
 #include <utility>

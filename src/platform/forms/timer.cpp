@@ -1,8 +1,8 @@
 #include "platform/forms/timer.h"
 
+#include "platform/contracts/windows.h"
 #include "platform/forms/dispatch.h"
 #include "platform/forms/form.h"
-#include "platform/windows.h"
 
 #include <algorithm>
 

@@ -6,7 +6,7 @@
 #include "network/search_Lrc_Internet_Form.h"
 #include "network/search_Song_Internet_Form.h"
 #include "network/welcomeForm.h"
-#include "platform/qt/fonts.h"
+#include "platform/backends/qt/paint/fonts.h"
 #include "playback/MenuForm.h"
 #include "playback/VideoScreen_Form.h"
 #include "playback/check_SoundDriver_Form.h"

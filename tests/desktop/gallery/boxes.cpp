@@ -1,6 +1,6 @@
 #include "tests/desktop/gallery/boxes.h"
 
-#include "platform/qt/qt_dialogs.h"
+#include "platform/backends/qt/system/qt_dialogs.h"
 #include "playback/Main.h"
 #include "playback/MenuForm.h"
 #include "settings/Language.h"

@@ -2,7 +2,7 @@
 
 // Pictures of what the toolkit draws for us: message boxes, menus, tips and the common dialogs.
 
-#include "platform/qt/qt_windows.h"
+#include "platform/backends/qt/system/qt_windows.h"
 #include "velmora.h"
 
 #include <QString>

@@ -2,8 +2,8 @@
 
 #include "tests/desktop/qt/desk.h"
 
-#include "platform/linux/linux.h"
-#include "platform/qt/qt_dialogs.h"
+#include "platform/backends/linux/linux.h"
+#include "platform/backends/qt/system/qt_dialogs.h"
 
 #include <QApplication>
 #include <QFontDatabase>

@@ -1,9 +1,9 @@
 // The system's copy of a file with its progress and its questions.
 
-#include "platform/linux/text/path_text.h"
-#include "platform/qt/copy_file.h"
+#include "platform/backends/qt/system/copy_file.h"
 #include "tests/desktop/qt/desk.h"
 #include "tests/unit/linux/temp_folder.h"
+#include "text/path_text.h"
 
 #include <QApplication>
 #include <QLabel>

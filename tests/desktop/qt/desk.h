@@ -3,13 +3,13 @@
 // What the tests of windows share: one private screen and one window system for the whole program
 // (a process has one toolkit application), and forms made by hand.
 
+#include "platform/backends/qt/system/qt_windows.h"
+#include "platform/backends/qt/window/form_window.h"
 #include "platform/forms/controls.h"
 #include "platform/forms/form.h"
 #include "platform/forms/listbox.h"
 #include "platform/forms/menu.h"
 #include "platform/forms/timer.h"
-#include "platform/qt/form_window.h"
-#include "platform/qt/qt_windows.h"
 #include "tests/desktop/x_screen.h"
 #include "tests/desktop/x_session.h"
 

@@ -3,7 +3,7 @@
 #include "tests/desktop/qt/desk.h"
 #include "tests/desktop/x_drag.h"
 
-#include "platform/qt/file_uris.h"
+#include "platform/backends/qt/screen/file_uris.h"
 
 #include <atomic>
 #include <thread>

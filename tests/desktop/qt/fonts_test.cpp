@@ -1,9 +1,9 @@
 // Which face draws a text, and that every road to the screen measures and draws it alike.
 
 #include "base/text.h"
-#include "platform/qt/fonts.h"
-#include "platform/qt/text_convert.h"
-#include "platform/qt/text_painter.h"
+#include "platform/backends/qt/paint/fonts.h"
+#include "platform/backends/qt/paint/text_painter.h"
+#include "platform/backends/qt/screen/text_convert.h"
 #include "tests/desktop/qt/desk.h"
 
 #include <QFile>

@@ -2,7 +2,7 @@
 
 #include "tests/desktop/qt/desk.h"
 
-#include "platform/qt/hole_shape.h"
+#include "platform/backends/qt/paint/hole_shape.h"
 
 #include <QImage>
 

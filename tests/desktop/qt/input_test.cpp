@@ -2,7 +2,7 @@
 
 #include "tests/desktop/qt/desk.h"
 
-#include "platform/qt/keys.h"
+#include "platform/backends/qt/screen/keys.h"
 
 #include <vector>
 

@@ -1,10 +1,10 @@
 // The dialog for a name to save under: which name it answers, and which file it asks about.
 
 #include "base/text.h"
-#include "platform/linux/text/ansi_conversion.h"
-#include "platform/qt/qt_dialogs.h"
+#include "platform/backends/qt/system/qt_dialogs.h"
 #include "tests/desktop/qt/desk.h"
 #include "tests/unit/linux/temp_folder.h"
+#include "text/ansi_conversion.h"
 
 #include <QApplication>
 #include <QFileDialog>

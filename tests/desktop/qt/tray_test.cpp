@@ -2,7 +2,7 @@
 
 #include "tests/desktop/qt/desk.h"
 
-#include "platform/qt/tray.h"
+#include "platform/backends/qt/boxes/tray.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "platform/qt/picture_painter.h"
+#include "platform/backends/qt/paint/picture_painter.h"
 
 #include "ui/palette.h"
 

@@ -8,8 +8,8 @@
 #include "network/search_Lrc_Internet_Form.h"
 #include "network/search_Song_Internet_Form.h"
 #include "network/song_Internet_Search.h"
-#include "platform/curl/curl_internet.h"
-#include "platform/linux/linux.h"
+#include "platform/backends/curl/curl_internet.h"
+#include "platform/backends/linux/linux.h"
 #include "tests/fakes/fake_platform.h"
 #include "velmora.h"
 

@@ -5,9 +5,9 @@
 #include "catalogue/introduce.h"
 #include "catalogue/server.h"
 #include "music_folder.h"
-#include "platform/curl/curl_internet.h"
-#include "platform/linux/linux.h"
-#include "platform/registry/sqlite_registry.h"
+#include "platform/backends/curl/curl_internet.h"
+#include "platform/backends/linux/linux.h"
+#include "platform/backends/registry/sqlite_registry.h"
 #include "tests/engine/newer_loopback.h"
 
 #include <arpa/inet.h>

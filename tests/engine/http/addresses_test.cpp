@@ -1,7 +1,7 @@
-#include "platform/curl/addresses.h"
-#include "platform/curl/curl_internet.h"
-#include "platform/curl/interfaces.h"
-#include "platform/linux/linux.h"
+#include "platform/backends/curl/addresses.h"
+#include "platform/backends/curl/curl_internet.h"
+#include "platform/backends/curl/interfaces.h"
+#include "platform/backends/linux/linux.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/curl/charsets.h"
+#include "platform/backends/curl/charsets.h"
 
 #include "base/run_time_error.h"
 

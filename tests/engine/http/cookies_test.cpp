@@ -1,4 +1,4 @@
-#include "platform/curl/cookies.h"
+#include "platform/backends/curl/cookies.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/curl/header_block.h"
+#include "platform/backends/curl/header_block.h"
 
 #include <gtest/gtest.h>
 

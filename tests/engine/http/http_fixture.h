@@ -5,8 +5,8 @@
 #include "base/run_time_error.h"
 #include "base/text.h"
 #include "loopback_server.h"
-#include "platform/curl/curl_internet.h"
-#include "platform/linux/linux.h"
+#include "platform/backends/curl/curl_internet.h"
+#include "platform/backends/linux/linux.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

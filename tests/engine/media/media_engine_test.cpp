@@ -4,9 +4,9 @@
 #include "picture_listening.h"
 #include "xvfb_server.h"
 
-#include "platform/media/mci_interpreter.h"
-#include "platform/picture/picture.h"
-#include "platform/sound/sound.h"
+#include "platform/backends/media/mci_interpreter.h"
+#include "platform/backends/picture/picture.h"
+#include "platform/backends/sound/device/sound.h"
 
 #include <gtest/gtest.h>
 

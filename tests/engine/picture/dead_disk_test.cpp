@@ -1,7 +1,7 @@
 // The length of a medium on a disk that dies while it is being opened.
 
 #include "picture_testing.h"
-#include "platform/picture/medium_length.h"
+#include "platform/backends/picture/medium_length.h"
 
 #include <chrono>
 #include <cstdlib>

@@ -3,7 +3,7 @@
 
 #include "picture_testing.h"
 
-#include "platform/picture/picture_opener.h"
+#include "platform/backends/picture/picture_opener.h"
 
 #include <gtest/gtest.h>
 

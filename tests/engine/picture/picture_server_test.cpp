@@ -3,7 +3,7 @@
 
 #include "picture_testing.h"
 
-#include "platform/sound/sound.h"
+#include "platform/backends/sound/device/sound.h"
 #include "pulse_server.h"
 #include "xvfb_server.h"
 

@@ -3,8 +3,8 @@
 // What the tests of the picture device share: the media made for them, waiting, and finding a piece
 // of recorded sound in its source.
 
-#include "platform/media/device.h"
-#include "platform/picture/picture.h"
+#include "platform/backends/media/device.h"
+#include "platform/backends/picture/picture.h"
 
 #include <chrono>
 #include <functional>

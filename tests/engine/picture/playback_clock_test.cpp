@@ -1,4 +1,4 @@
-#include "platform/picture/playback_clock.h"
+#include "platform/backends/picture/playback_clock.h"
 
 #include <gtest/gtest.h>
 

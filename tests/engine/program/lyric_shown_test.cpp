@@ -3,7 +3,7 @@
 
 #include "program_shown.h"
 
-#include "platform/qt/form_window.h"
+#include "platform/backends/qt/window/form_window.h"
 #include "playback/Main.h"
 
 #include <QAccessible>

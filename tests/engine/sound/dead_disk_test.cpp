@@ -1,7 +1,7 @@
 // Opening sound files on a disk that does not answer.
 
-#include "platform/media/mci_interpreter.h"
-#include "platform/sound/sound.h"
+#include "platform/backends/media/mci_interpreter.h"
+#include "platform/backends/sound/device/sound.h"
 #include "sound_testing.h"
 
 #include <chrono>

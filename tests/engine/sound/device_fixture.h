@@ -2,7 +2,7 @@
 
 // A sound device on a private server that is listened to.
 
-#include "platform/sound/sound.h"
+#include "platform/backends/sound/device/sound.h"
 #include "pulse_server.h"
 #include "sound_testing.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sound/reader.h"
+#include "platform/backends/sound/readers/reader.h"
 
 #include <algorithm>
 

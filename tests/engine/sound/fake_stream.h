@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sound/output_stream.h"
+#include "platform/backends/sound/output/output_stream.h"
 
 #include <cmath>
 #include <limits>

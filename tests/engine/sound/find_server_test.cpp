@@ -4,7 +4,7 @@
 #include "device_fixture.h"
 #include "ordinary_user.h"
 
-#include "platform/sound/server_query.h"
+#include "platform/backends/sound/device/server_query.h"
 
 #include <atomic>
 #include <csignal>

@@ -1,4 +1,4 @@
-#include "platform/sound/flac_length.h"
+#include "platform/backends/sound/readers/flac_length.h"
 
 #include "flac_bytes.h"
 

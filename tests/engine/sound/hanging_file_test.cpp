@@ -3,7 +3,7 @@
 
 #include "device_fixture.h"
 
-#include "platform/sound/sound_device.h"
+#include "platform/backends/sound/device/sound_device.h"
 
 #include <atomic>
 #include <condition_variable>

@@ -2,7 +2,7 @@
 // time, and a file that is whole is not read through to find out.
 
 #include "flac_bytes.h"
-#include "platform/sound/joined_parts.h"
+#include "platform/backends/sound/readers/joined_parts.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/sound/midi_file.h"
+#include "platform/backends/sound/readers/midi_file.h"
 
 #include "midi_bytes.h"
 

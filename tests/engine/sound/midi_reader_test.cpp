@@ -1,6 +1,6 @@
 // MIDI through the real synthesizer and a real sound font.
 
-#include "platform/sound/sound.h"
+#include "platform/backends/sound/device/sound.h"
 
 #include "midi_bytes.h"
 #include "sound_testing.h"

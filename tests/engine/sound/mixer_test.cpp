@@ -1,4 +1,4 @@
-#include "platform/sound/mixer.h"
+#include "platform/backends/sound/output/mixer.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "platform/sound/mpeg_frame.h"
-#include "platform/sound/mpeg_index.h"
+#include "platform/backends/sound/readers/mpeg_frame.h"
+#include "platform/backends/sound/readers/mpeg_index.h"
 
 #include "sound_testing.h"
 

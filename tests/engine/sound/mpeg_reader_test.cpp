@@ -2,7 +2,7 @@
 // and what it could only reckon is put right by and by.
 
 #include "midi_bytes.h"
-#include "platform/sound/mpeg_index.h"
+#include "platform/backends/sound/readers/mpeg_index.h"
 #include "sound_testing.h"
 
 #include <gtest/gtest.h>

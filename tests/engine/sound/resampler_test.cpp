@@ -1,4 +1,4 @@
-#include "platform/sound/resampler.h"
+#include "platform/backends/sound/readers/resampler.h"
 
 #include "sound_testing.h"
 

@@ -1,4 +1,4 @@
-#include "platform/sound/sniff.h"
+#include "platform/backends/sound/readers/sniff.h"
 
 #include "midi_bytes.h"
 

@@ -3,7 +3,7 @@
 // folder.
 
 #include "odd_sounds.h"
-#include "platform/picture/picture.h"
+#include "platform/backends/picture/picture.h"
 
 #include <cstdlib>
 #include <future>

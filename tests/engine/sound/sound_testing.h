@@ -2,7 +2,7 @@
 
 // What the tests of the sound device share.
 
-#include "platform/sound/reader.h"
+#include "platform/backends/sound/readers/reader.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "platform/sound/source_window.h"
+#include "platform/backends/sound/output/source_window.h"
 
 #include "fake_reader.h"
 

@@ -1,6 +1,6 @@
-#include "platform/sound/tag_struct.h"
+#include "platform/backends/sound/device/tag_struct.h"
 
-#include "platform/sound/server_query.h"
+#include "platform/backends/sound/device/server_query.h"
 
 #include <gtest/gtest.h>
 #include <random>

@@ -1,7 +1,7 @@
 // The logic of the output thread, on a clock and a server of the test's own. The rate is 10,000
 // frames a second: ten to the millisecond.
 
-#include "platform/sound/voice.h"
+#include "platform/backends/sound/output/voice.h"
 
 #include "fake_reader.h"
 #include "fake_stream.h"

@@ -1,6 +1,6 @@
 #include "device_fixture.h"
 
-#include "platform/sound/server_query.h"
+#include "platform/backends/sound/device/server_query.h"
 
 namespace velmora::platform::sound {
 namespace {

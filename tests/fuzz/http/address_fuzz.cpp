@@ -1,8 +1,8 @@
 // Addresses and cookies: what is escaped has nothing left to escape, a host has no parts of another
 // kind, and a cookie's line has its seven fields and goes where it came from.
 
-#include "platform/curl/addresses.h"
-#include "platform/curl/cookies.h"
+#include "platform/backends/curl/addresses.h"
+#include "platform/backends/curl/cookies.h"
 
 #include <algorithm>
 #include <cstdint>

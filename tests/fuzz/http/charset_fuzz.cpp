@@ -2,7 +2,7 @@
 // whole characters; letters of ASCII survive.
 
 #include "base/utf8.h"
-#include "platform/curl/charsets.h"
+#include "platform/backends/curl/charsets.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // What a server says in front of a body, line by line: the block is bounded, each of its entries
 // ends with NUL and holds no line end, and a complete header changes no more.
 
-#include "platform/curl/header_block.h"
+#include "platform/backends/curl/header_block.h"
 
 #include <cstdint>
 #include <cstdlib>

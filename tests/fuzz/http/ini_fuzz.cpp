@@ -2,7 +2,7 @@
 // line of a key takes out that key and leaves the sections.
 
 #include "base/text.h"
-#include "platform/linux/ini_text.h"
+#include "text/ini_text.h"
 
 #include <cstdint>
 #include <cstdlib>

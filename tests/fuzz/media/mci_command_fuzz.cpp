@@ -1,8 +1,8 @@
 // Command texts: each line of the input, read as bytes or as UTF-16 units, goes to the parser and
 // to an interpreter whose device accepts everything.
 
-#include "platform/media/mci_command.h"
-#include "platform/media/mci_interpreter.h"
+#include "platform/backends/media/mci_command.h"
+#include "platform/backends/media/mci_interpreter.h"
 
 #include <cstdint>
 #include <cstdlib>

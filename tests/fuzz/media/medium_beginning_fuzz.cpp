@@ -1,6 +1,6 @@
 // The first bytes of a file that may be anything.
 
-#include "platform/media/medium_file.h"
+#include "platform/backends/media/medium_file.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // A standard MIDI file, read event by event. Times never go back and stay within the length; data
 // bytes are data bytes.
 
-#include "platform/sound/midi_file.h"
+#include "platform/backends/sound/readers/midi_file.h"
 
 #include <cstdlib>
 

@@ -1,12 +1,12 @@
 // What a file is by its beginning, and everything that is read of it before a decoder sees it. The
 // part that a reader is to see lies inside the file.
 
-#include "platform/sound/flac_length.h"
-#include "platform/sound/joined_parts.h"
-#include "platform/sound/mpeg_frame.h"
-#include "platform/sound/mpeg_index.h"
-#include "platform/sound/ogg_length.h"
-#include "platform/sound/sniff.h"
+#include "platform/backends/sound/readers/flac_length.h"
+#include "platform/backends/sound/readers/joined_parts.h"
+#include "platform/backends/sound/readers/mpeg_frame.h"
+#include "platform/backends/sound/readers/mpeg_index.h"
+#include "platform/backends/sound/readers/ogg_length.h"
+#include "platform/backends/sound/readers/sniff.h"
 
 #include <cstdlib>
 #include <memory>

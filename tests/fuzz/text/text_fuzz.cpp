@@ -2,8 +2,8 @@
 
 #include "base/numbers.h"
 #include "base/text.h"
-#include "platform/linux/text/ansi_conversion.h"
-#include "platform/linux/text/path_text.h"
+#include "text/ansi_conversion.h"
+#include "text/path_text.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // Version records: any bytes as a program file, and what is found in it as a record.
 
-#include "platform/linux/version/version_image.h"
-#include "platform/linux/version/version_query.h"
+#include "text/version/version_image.h"
+#include "text/version/version_query.h"
 
 #include <cstddef>
 #include <cstdint>

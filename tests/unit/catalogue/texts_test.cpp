@@ -1,7 +1,7 @@
 #include "catalogue/texts.h"
 
 #include "base/text.h"
-#include "platform/linux/text/legacy_page.h"
+#include "text/legacy_page.h"
 
 #include <gtest/gtest.h>
 

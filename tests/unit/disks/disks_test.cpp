@@ -1,8 +1,8 @@
 // The play list, kept files, renaming and copying on real disks that refuse much of what others
 // allow, used by somebody to whom they do not belong, and on such disks when they are full.
 
-#include "platform/linux/file_copy.h"
-#include "platform/linux/linux_files.h"
+#include "platform/backends/linux/file_copy.h"
+#include "platform/backends/linux/linux_files.h"
 #include "playlist/saveOrOpenFile.h"
 #include "tests/fakes/instead.h"
 #include "tests/unit/disks/other_disk.h"

@@ -2,7 +2,7 @@
 // program's tests show on the fake holds on the disk.
 
 #include "base/run_time_error.h"
-#include "platform/linux/linux_files.h"
+#include "platform/backends/linux/linux_files.h"
 #include "tests/fakes/fake_ansi.h"
 #include "tests/fakes/fake_files.h"
 #include "tests/unit/error_of.h"

@@ -1,4 +1,4 @@
-#include "platform/drawing.h"
+#include "platform/forms/drawing.h"
 
 #include <gtest/gtest.h>
 

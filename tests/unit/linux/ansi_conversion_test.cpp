@@ -1,10 +1,10 @@
-#include "platform/linux/text/ansi_conversion.h"
+#include "text/ansi_conversion.h"
 
 #include "base/text.h"
-#include "platform/linux/linux.h"
-#include "platform/linux/text/locale_page.h"
-#include "platform/linux/text/path_text.h"
+#include "platform/backends/linux/linux.h"
 #include "tests/fakes/fake_ansi.h"
+#include "text/locale_page.h"
+#include "text/path_text.h"
 
 #include <gtest/gtest.h>
 

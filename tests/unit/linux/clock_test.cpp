@@ -1,5 +1,5 @@
-#include "platform/linux/linux_clock.h"
-#include "platform/linux/linux_timers.h"
+#include "platform/backends/linux/linux_clock.h"
+#include "platform/backends/linux/linux_timers.h"
 
 #include "tests/unit/linux/temp_folder.h"
 #include "tests/unit/linux/variables.h"

@@ -1,5 +1,5 @@
-#include "platform/linux/directory.h"
-#include "platform/linux/linux_files.h"
+#include "platform/backends/linux/directory.h"
+#include "platform/backends/linux/linux_files.h"
 
 #include "tests/fakes/fake_ansi.h"
 #include "tests/unit/linux/temp_folder.h"

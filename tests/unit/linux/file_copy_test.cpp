@@ -1,7 +1,7 @@
-#include "platform/linux/file_copy.h"
+#include "platform/backends/linux/file_copy.h"
 
 #include "base/run_time_error.h"
-#include "platform/linux/passing_name.h"
+#include "platform/backends/linux/passing_name.h"
 #include "tests/unit/error_of.h"
 #include "tests/unit/linux/refusing.h"
 #include "tests/unit/linux/temp_folder.h"

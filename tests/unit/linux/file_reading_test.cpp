@@ -1,5 +1,5 @@
-#include "platform/linux/line_reader.h"
-#include "platform/linux/linux_files.h"
+#include "platform/backends/linux/line_reader.h"
+#include "platform/backends/linux/linux_files.h"
 
 #include "base/run_time_error.h"
 #include "tests/fakes/fake_ansi.h"

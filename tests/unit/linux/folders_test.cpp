@@ -1,6 +1,6 @@
-#include "platform/linux/linux_folders.h"
+#include "platform/backends/linux/linux_folders.h"
 
-#include "platform/linux/user_dirs.h"
+#include "platform/backends/linux/user_dirs.h"
 #include "tests/unit/linux/temp_folder.h"
 #include "tests/unit/linux/variables.h"
 

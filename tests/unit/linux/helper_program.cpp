@@ -1,7 +1,7 @@
 // A small program that the tests of processes start: it shows what one of them sees.
 
-#include "platform/linux/linux.h"
-#include "platform/linux/text/path_text.h"
+#include "platform/backends/linux/linux.h"
+#include "text/path_text.h"
 
 #include <sys/wait.h>
 #include <unistd.h>

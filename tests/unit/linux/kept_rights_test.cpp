@@ -1,6 +1,6 @@
 // What a file keeps besides its content when it is written over.
 
-#include "platform/linux/atomic_write.h"
+#include "platform/backends/linux/atomic_write.h"
 
 #include "tests/unit/linux/temp_folder.h"
 

@@ -1,4 +1,4 @@
-#include "platform/linux/text/legacy_page.h"
+#include "text/legacy_page.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Files that are only made, and never take the name of what is there.
 
-#include "platform/linux/atomic_write.h"
-#include "platform/linux/linux_files.h"
+#include "platform/backends/linux/atomic_write.h"
+#include "platform/backends/linux/linux_files.h"
 
 #include "base/run_time_error.h"
 #include "tests/fakes/fake_ansi.h"

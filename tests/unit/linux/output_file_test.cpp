@@ -1,4 +1,4 @@
-#include "platform/linux/linux_files.h"
+#include "platform/backends/linux/linux_files.h"
 
 #include "base/run_time_error.h"
 #include "tests/fakes/fake_ansi.h"

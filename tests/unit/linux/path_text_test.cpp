@@ -1,4 +1,4 @@
-#include "platform/linux/text/path_text.h"
+#include "text/path_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/linux/patient_disk.h"
+#include "platform/backends/linux/patient_disk.h"
 
 #include "base/run_time_error.h"
 #include "tests/unit/linux/temp_folder.h"

@@ -1,7 +1,7 @@
 #include "base/run_time_error.h"
 #include "base/text.h"
-#include "platform/linux/linux.h"
-#include "platform/linux/linux_profiles.h"
+#include "platform/backends/linux/linux.h"
+#include "text/ini_profiles.h"
 
 #include <gtest/gtest.h>
 
@@ -131,9 +131,9 @@ TEST_F(ProfilesTest, TakeKeysOfAMegabyte) {
 
 TEST_F(ProfilesTest, RefuseAFileThatIsTooLong) {
     have("[a]\r\nk=1\r\n");
-    fs::resize_file(path(), LinuxProfiles::longestFile);
+    fs::resize_file(path(), IniProfiles::longestFile);
     EXPECT_EQ(value(u"a", u"k"), u"1");
-    fs::resize_file(path(), LinuxProfiles::longestFile + 1);
+    fs::resize_file(path(), IniProfiles::longestFile + 1);
     EXPECT_EQ(value(u"a", u"k"), u"(none)");
     EXPECT_FALSE(write(u"a", u"x", u"1"));
     EXPECT_FALSE(write(u"a", u"k", std::nullopt));
@@ -273,7 +273,7 @@ TEST_F(ProfilesTest, HeldTakeATimeThatGrowsWithTheFileAlone) {
         text += "index_" + std::to_string(i) + "_Str=\r\n";
     text += "end=1\r\n";
     have(text);
-    ASSERT_LT(static_cast<std::int64_t>(text.size()), LinuxProfiles::longestFile);
+    ASSERT_LT(static_cast<std::int64_t>(text.size()), IniProfiles::longestFile);
     const auto begin = std::chrono::steady_clock::now();
     {
         const auto held = profiles_->holdFile(fromUtf8(path()));

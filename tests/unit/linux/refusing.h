@@ -2,7 +2,7 @@
 
 // Calls of the file system that fail as some file systems let them.
 
-#include "platform/linux/file_calls.h"
+#include "platform/backends/linux/file_calls.h"
 
 #include <cerrno>
 

@@ -1,8 +1,8 @@
 // Writing and renaming where the file system refuses calls that others know: no modes to set, no
 // second names, no renaming that spares, no files without a name.
 
-#include "platform/linux/atomic_write.h"
-#include "platform/linux/linux_files.h"
+#include "platform/backends/linux/atomic_write.h"
+#include "platform/backends/linux/linux_files.h"
 
 #include "base/run_time_error.h"
 #include "tests/fakes/fake_ansi.h"

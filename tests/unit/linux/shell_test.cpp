@@ -1,6 +1,6 @@
-#include "platform/linux/linux_shell.h"
+#include "platform/backends/linux/linux_shell.h"
 
-#include "platform/linux/start_program.h"
+#include "platform/backends/linux/start_program.h"
 #include "tests/unit/linux/temp_folder.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 
 // A folder of its own for a test, gone at the end, and plain ways to look at what lies in it.
 
-#include "platform/linux/text/path_text.h"
+#include "text/path_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // What a writing leaves that was cut short, and the end of it.
 
-#include "platform/linux/atomic_write.h"
-#include "platform/linux/linux.h"
-#include "platform/linux/passing_name.h"
+#include "platform/backends/linux/atomic_write.h"
+#include "platform/backends/linux/linux.h"
+#include "platform/backends/linux/passing_name.h"
 
 #include "tests/unit/linux/temp_folder.h"
 

@@ -1,11 +1,11 @@
-#include "platform/linux/version/version_image.h"
+#include "text/version/version_image.h"
 
-#include "platform/linux/linux_versions.h"
-#include "platform/linux/version/version_block.h"
-#include "platform/linux/version/version_query.h"
+#include "platform/backends/linux/linux_versions.h"
 #include "tests/fakes/fake_ansi.h"
 #include "tests/unit/linux/pe_file.h"
 #include "tests/unit/linux/temp_folder.h"
+#include "text/version/version_block.h"
+#include "text/version/version_query.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "platform/linux/version/version_query.h"
+#include "text/version/version_query.h"
 
-#include "platform/linux/version/version_block.h"
+#include "text/version/version_block.h"
 
 #include <gtest/gtest.h>
 

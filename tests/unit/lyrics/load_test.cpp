@@ -3,7 +3,7 @@
 #include "tests/unit/lyrics/lyrics_fixture.h"
 
 #include "lyrics/lyric_file.h"
-#include "platform/windows.h"
+#include "platform/contracts/windows.h"
 
 namespace velmora {
 namespace {

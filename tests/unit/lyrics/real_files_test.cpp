@@ -2,8 +2,8 @@
 
 #include "lyrics/doLrcForm.h"
 #include "lyrics/lrcForm.h"
-#include "platform/linux/linux.h"
-#include "platform/linux/linux_files.h"
+#include "platform/backends/linux/linux.h"
+#include "platform/backends/linux/linux_files.h"
 #include "playlist/Search.h"
 #include "tests/fakes/instead.h"
 #include "tests/unit/linux/temp_folder.h"

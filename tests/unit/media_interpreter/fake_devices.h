@@ -2,7 +2,7 @@
 
 // Devices in memory for the interpreter: they record what reaches them and refuse on request.
 
-#include "platform/media/device.h"
+#include "platform/backends/media/device.h"
 
 #include <functional>
 #include <memory>

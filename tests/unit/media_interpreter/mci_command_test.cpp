@@ -1,4 +1,4 @@
-#include "platform/media/mci_command.h"
+#include "platform/backends/media/mci_command.h"
 
 #include <gtest/gtest.h>
 

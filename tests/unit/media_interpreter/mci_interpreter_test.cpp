@@ -1,4 +1,4 @@
-#include "platform/media/mci_interpreter.h"
+#include "platform/backends/media/mci_interpreter.h"
 
 #include "fake_devices.h"
 

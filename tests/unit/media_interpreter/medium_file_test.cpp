@@ -1,4 +1,4 @@
-#include "platform/media/medium_file.h"
+#include "platform/backends/media/medium_file.h"
 
 #include <gtest/gtest.h>
 

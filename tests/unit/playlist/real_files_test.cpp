@@ -1,6 +1,6 @@
 // The play list file on a real disk.
 
-#include "platform/linux/linux_files.h"
+#include "platform/backends/linux/linux_files.h"
 #include "playlist/saveOrOpenFile.h"
 #include "tests/fakes/instead.h"
 #include "tests/unit/linux/temp_folder.h"

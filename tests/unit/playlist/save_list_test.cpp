@@ -1,6 +1,6 @@
 // Writing the play list file, and what failing disks leave behind.
 
-#include "platform/ansi.h"
+#include "platform/contracts/ansi.h"
 #include "playlist/saveOrOpenFile.h"
 #include "tests/unit/program_fixture.h"
 

@@ -1,9 +1,9 @@
 // The code page that a person sets in the registry, and what is read and written with it.
 
-#include "platform/registry/active_page.h"
+#include "platform/backends/registry/active_page.h"
 
-#include "platform/linux/linux.h"
-#include "platform/registry/sqlite_registry.h"
+#include "platform/backends/linux/linux.h"
+#include "platform/backends/registry/sqlite_registry.h"
 #include "tests/fakes/fake_registry.h"
 #include "tests/unit/registry/sqlite_file.h"
 

@@ -1,6 +1,6 @@
 // The rules of keys and values: the real registry and its fake keep the same ones.
 
-#include "platform/registry/sqlite_registry.h"
+#include "platform/backends/registry/sqlite_registry.h"
 
 #include "base/run_time_error.h"
 #include "tests/fakes/fake_ansi.h"

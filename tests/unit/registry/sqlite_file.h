@@ -2,7 +2,7 @@
 
 // A registry's file in a folder of its own.
 
-#include "platform/registry/sqlite_registry.h"
+#include "platform/backends/registry/sqlite_registry.h"
 #include "tests/fakes/fake_ansi.h"
 #include "tests/unit/linux/temp_folder.h"
 

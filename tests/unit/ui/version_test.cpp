@@ -2,7 +2,7 @@
 
 #include "tests/unit/program_fixture.h"
 
-#include "platform/linux/version/version_block.h"
+#include "text/version/version_block.h"
 #include "ui/Procedure_Description.h"
 
 namespace velmora {

@@ -1,0 +1,120 @@
+#include "platform/backends/curl/curl_client.h"
+
+#include "platform/backends/curl/charsets.h"
+#include "platform/backends/curl/cookies.h"
+#include "platform/backends/curl/interfaces.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace velmora::platform {
+
+std::unique_ptr<Internet> makeInternet(const AnsiText &ansi,
+                                       std::function<std::vector<std::u16string>()> hosts,
+                                       const InternetLimits &limits, FileCalls calls) {
+    return std::make_unique<http::CurlClient>(ansi, std::move(hosts), limits, std::move(calls));
+}
+
+} // namespace velmora::platform
+
+namespace velmora::platform::http {
+
+CurlClient::~CurlClient() {
+    handles_.clear();
+    if (jar_ != nullptr)
+        curl_->shareCleanup(jar_);
+}
+
+bool CurlClient::load() {
+    if (curl_ == nullptr)
+        curl_ = CurlLibrary::load();
+    if (curl_ != nullptr && jar_ == nullptr) {
+        jar_ = curl_->shareInit();
+        if (jar_ != nullptr)
+            curl_->shareSetopt(jar_, CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
+    }
+    return jar_ != nullptr;
+}
+
+std::int32_t CurlClient::InternetGetConnectedState(std::uint32_t &flags) {
+    flags = 0;
+    if (hasOutsideInterface())
+        return 1;
+    const std::vector<std::u16string> hosts = hosts_();
+    return std::any_of(hosts.begin(), hosts.end(), [&](const std::u16string &host) {
+        return isLoopback(partsOf(ansi_.encode(host)).host);
+    });
+}
+
+InternetHandle CurlClient::keep(InternetHandle parent,
+                                std::variant<Session, Connection, OpenRequest> what) {
+    ++lastHandle_;
+    handles_.emplace(lastHandle_, Entry{parent, std::move(what)});
+    return lastHandle_;
+}
+
+bool CurlClient::InternetCloseHandle(InternetHandle handle) {
+    if (handles_.erase(handle) == 0)
+        return false;
+    // What hangs on it goes with it: a session its connections, a connection its requests.
+    std::vector<InternetHandle> children;
+    for (const auto &[number, entry] : handles_)
+        if (entry.parent == handle)
+            children.push_back(number);
+    for (const InternetHandle child : children)
+        InternetCloseHandle(child);
+    return true;
+}
+
+bool CurlClient::InternetSetCookieA(std::u16string_view url, std::u16string_view name,
+                                    std::u16string_view data) {
+    if (!load())
+        return false;
+    const auto line = jarLine(
+        partsOf(ansi_.encode(url)), ansi_.encode(name), ansi_.encode(data), std::time(nullptr),
+        [&](const std::string &date) { return curl_->getdate(date.c_str(), nullptr); });
+    CURL *easy = line ? curl_->easyInit() : nullptr;
+    if (easy == nullptr)
+        return false;
+    curl_->easySetopt(easy, CURLOPT_SHARE, jar_);
+    curl_->easySetopt(easy, CURLOPT_COOKIEFILE, "");
+    const CURLcode result = curl_->easySetopt(easy, CURLOPT_COOKIELIST, line->c_str());
+    curl_->easyCleanup(easy);
+    return result == CURLE_OK;
+}
+
+std::vector<std::string> CurlClient::jarLines() {
+    std::vector<std::string> lines;
+    CURL *easy = curl_->easyInit();
+    if (easy == nullptr)
+        return lines;
+    curl_->easySetopt(easy, CURLOPT_SHARE, jar_);
+    curl_->easySetopt(easy, CURLOPT_COOKIEFILE, "");
+    curl_slist *list = nullptr;
+    curl_->easyGetinfo(easy, CURLINFO_COOKIELIST, &list);
+    for (const curl_slist *item = list; item != nullptr; item = item->next)
+        lines.emplace_back(item->data);
+    curl_->slistFreeAll(list);
+    curl_->easyCleanup(easy);
+    return lines;
+}
+
+std::optional<std::u16string> CurlClient::InternetGetCookieA(std::u16string_view url,
+                                                             std::u16string_view name,
+                                                             std::size_t capacity) {
+    if (!load())
+        return std::nullopt;
+    const std::string cookies =
+        cookiesFor(jarLines(), partsOf(ansi_.encode(url)), ansi_.encode(name), std::time(nullptr));
+    if (cookies.empty() || cookies.size() > capacity)
+        return std::nullopt;
+    return ansi_.decode(cookies);
+}
+
+bool CurlClient::DeleteUrlCacheEntryA(std::u16string_view) { return false; }
+
+std::u16string CurlClient::decodeCharset(std::string_view bytes, std::u16string_view charset) {
+    return decodeLabelled(bytes, charset);
+}
+
+} // namespace velmora::platform::http

@@ -1,0 +1,34 @@
+#pragma once
+
+// The network over libcurl (contract: platform/internet.h).
+
+#include "platform/backends/linux/file_calls.h"
+#include "platform/contracts/ansi.h"
+#include "platform/contracts/internet.h"
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace velmora::platform {
+
+// How long and how much a request may take. The defaults are the rules; tests shorten them.
+struct InternetLimits {
+    std::chrono::milliseconds connect{10'000}; // name look-up, connection and its encryption
+    std::chrono::milliseconds stall{30'000};   // a header as a whole; a body that does not go on
+    std::chrono::milliseconds page{60'000};    // a whole page
+    std::size_t pageBytes = std::size_t{16} << 20;
+    std::size_t downloadBytesPerSecond = 1024; // less than this for `stall` is a stall
+};
+
+// `hosts` answers the hosts that are configured ("http://name:port"), for the question whether the
+// machine is online; it is asked each time. `calls` write what is downloaded. `ansi` must outlive
+// the result.
+std::unique_ptr<Internet> makeInternet(const AnsiText &ansi,
+                                       std::function<std::vector<std::u16string>()> hosts,
+                                       const InternetLimits &limits = {}, FileCalls calls = {});
+
+} // namespace velmora::platform

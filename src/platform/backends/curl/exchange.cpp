@@ -1,0 +1,209 @@
+#include "platform/backends/curl/exchange.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+namespace velmora::platform::http {
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr long mostRedirects = 10;
+// What lies ready at most, beyond what a read asks for.
+constexpr std::size_t readAhead = std::size_t{128} << 10;
+
+// The environment's own exceptions from the proxy, and this machine.
+std::string hostsWithoutProxy() {
+    for (const char *name : {"no_proxy", "NO_PROXY"}) {
+        const char *value = std::getenv(name);
+        if (value != nullptr && *value != '\0') {
+            const std::string own(value);
+            return own == "*" ? own : own + ",localhost,127.0.0.0/8,::1";
+        }
+    }
+    return "localhost,127.0.0.0/8,::1";
+}
+
+} // namespace
+
+Exchange::Exchange(const CurlLibrary &curl, CURLSH *jar, const InternetLimits &limits,
+                   Request request)
+    : curl_(curl), limits_(limits), request_(std::move(request)),
+      withoutProxy_(hostsWithoutProxy()), easy_(curl.easyInit()), multi_(curl.multiInit()) {
+    if (easy_ == nullptr || multi_ == nullptr) {
+        result_ = CURLE_FAILED_INIT;
+        ending_ = Ending::Failed;
+        return;
+    }
+    curl_.easySetopt(easy_, CURLOPT_SHARE, jar);
+    curl_.easySetopt(easy_, CURLOPT_COOKIEFILE, "");
+    prepare();
+    prepareBody();
+}
+
+Exchange::~Exchange() {
+    if (easy_ != nullptr && multi_ != nullptr)
+        curl_.multiRemoveHandle(multi_, easy_);
+    if (easy_ != nullptr)
+        curl_.easyCleanup(easy_);
+    if (multi_ != nullptr)
+        curl_.multiCleanup(multi_);
+    curl_.slistFreeAll(headers_);
+}
+
+void Exchange::prepare() {
+    const auto set = [&](CURLoption option, auto value) { curl_.easySetopt(easy_, option, value); };
+    set(CURLOPT_URL, request_.url.c_str());
+    set(CURLOPT_PATH_AS_IS, 1L);
+    set(CURLOPT_PROTOCOLS_STR, "http,https");
+    set(CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+    set(CURLOPT_FOLLOWLOCATION, 1L);
+    set(CURLOPT_MAXREDIRS, mostRedirects);
+    set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    set(CURLOPT_NOPROXY, withoutProxy_.c_str());
+    set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_QUICK_EXIT, 1L); // a name look-up that hangs is left to itself
+    set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits_.connect.count()));
+    set(CURLOPT_BUFFERSIZE, 65536L);
+    if (request_.oldProtocol)
+        set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_0));
+    if (!request_.agent.empty())
+        set(CURLOPT_USERAGENT, request_.agent.c_str());
+    if (request_.undoGzip)
+        set(CURLOPT_ACCEPT_ENCODING, "gzip, deflate");
+    if (!request_.user.empty()) {
+        set(CURLOPT_USERNAME, request_.user.c_str());
+        set(CURLOPT_PASSWORD, request_.password.c_str());
+    }
+    for (const std::string &header : request_.headers)
+        headers_ = curl_.slistAppend(headers_, header.c_str());
+    set(CURLOPT_HTTPHEADER, headers_);
+    set(CURLOPT_HEADERFUNCTION, &Exchange::onHeader);
+    set(CURLOPT_HEADERDATA, this);
+    set(CURLOPT_WRITEFUNCTION, &Exchange::onBody);
+    set(CURLOPT_WRITEDATA, this);
+    set(CURLOPT_PREREQFUNCTION, &Exchange::onConnected);
+    set(CURLOPT_PREREQDATA, this);
+}
+
+void Exchange::prepareBody() {
+    const std::string &verb = request_.verb;
+    if (verb == "POST" || !request_.body.empty()) {
+        curl_.easySetopt(easy_, CURLOPT_POST, 1L);
+        curl_.easySetopt(easy_, CURLOPT_POSTFIELDSIZE_LARGE,
+                         static_cast<curl_off_t>(request_.body.size()));
+        curl_.easySetopt(easy_, CURLOPT_POSTFIELDS, request_.body.c_str());
+    }
+    // POST and GET are not named, so that a redirect may turn one into the other.
+    if (verb == "HEAD")
+        curl_.easySetopt(easy_, CURLOPT_NOBODY, 1L);
+    else if (!verb.empty() && verb != "POST" && (verb != "GET" || !request_.body.empty()))
+        curl_.easySetopt(easy_, CURLOPT_CUSTOMREQUEST, verb.c_str());
+}
+
+std::size_t Exchange::onHeader(char *bytes, std::size_t size, std::size_t count, void *self) {
+    auto &exchange = *static_cast<Exchange *>(self);
+    const std::string_view line(bytes, size * count);
+    if (!exchange.header_.take(line))
+        return 0; // ends the transfer
+    if (exchange.header_.leadsElsewhere())
+        exchange.stageUntil_ = steady_clock::now() + exchange.limits_.connect;
+    return line.size();
+}
+
+std::size_t Exchange::onBody(char *bytes, std::size_t size, std::size_t count, void *self) {
+    auto &exchange = *static_cast<Exchange *>(self);
+    const std::size_t length = size * count;
+    const std::size_t most = exchange.request_.mostBytes;
+    if (most != 0 && length > most - exchange.received_) {
+        exchange.ending_ = Ending::TooLong;
+        return 0;
+    }
+    // A body with a limit of its own is never held back: undoing gzip could not stop half way.
+    if (most == 0 && exchange.ready() >= std::max(exchange.wanted_, readAhead)) {
+        exchange.paused_ = true;
+        return CURL_WRITEFUNC_PAUSE;
+    }
+    exchange.buffer_.erase(0, std::exchange(exchange.taken_, 0));
+    exchange.buffer_.append(bytes, length);
+    exchange.received_ += length;
+    return length;
+}
+
+int Exchange::onConnected(void *self, char *, char *, int, int) {
+    auto &exchange = *static_cast<Exchange *>(self);
+    exchange.stageUntil_ = steady_clock::now() + exchange.limits_.stall;
+    return CURL_PREREQFUNC_OK;
+}
+
+// Lets the library do what can be done, waiting for something to do until the time given.
+void Exchange::step(Time until) {
+    int running = 0;
+    const std::size_t before = received_;
+    const bool headerBefore = header_.complete();
+    curl_.multiPerform(multi_, &running);
+    noteResult();
+    if (ending_ != Ending::Running || received_ != before || header_.complete() != headerBefore)
+        return;
+    const auto left = std::chrono::duration_cast<milliseconds>(until - steady_clock::now()).count();
+    if (left < 0) {
+        ending_ = Ending::TimedOut;
+        return;
+    }
+    constexpr decltype(left) longestWait = 1000;
+    curl_.multiPoll(multi_, nullptr, 0, static_cast<int>(std::min(left + 1, longestWait)), nullptr);
+}
+
+void Exchange::noteResult() {
+    int left = 0;
+    while (const CURLMsg *message = curl_.multiInfoRead(multi_, &left)) {
+        if (message->msg != CURLMSG_DONE)
+            continue;
+        result_ = message->data.result;
+        if (ending_ != Ending::Running)
+            continue; // a callback knows better
+        if (result_ == CURLE_OK)
+            ending_ = Ending::Whole;
+        else if (result_ == CURLE_OPERATION_TIMEDOUT)
+            ending_ = Ending::TimedOut;
+        else
+            ending_ = header_.complete() ? Ending::Cut : Ending::Failed;
+    }
+}
+
+bool Exchange::start(Time until) {
+    if (ending_ != Ending::Running)
+        return false;
+    until_ = until;
+    stageUntil_ = steady_clock::now() + limits_.connect;
+    curl_.multiAddHandle(multi_, easy_);
+    while (!header_.complete() && ending_ == Ending::Running)
+        step(std::min(until_, stageUntil_));
+    return header_.complete();
+}
+
+void Exchange::read(std::size_t count, std::size_t leastInStall, std::string &bytes) {
+    wanted_ = count;
+    Time windowEnd = steady_clock::now() + limits_.stall;
+    std::size_t windowFrom = received_;
+    while (ready() < count && ending_ == Ending::Running) {
+        if (std::exchange(paused_, false))
+            curl_.easyPause(easy_, CURLPAUSE_CONT);
+        if (received_ - windowFrom >= leastInStall) {
+            windowFrom = received_;
+            windowEnd = steady_clock::now() + limits_.stall;
+        }
+        step(std::min(until_, windowEnd));
+    }
+    bytes.assign(buffer_, taken_, count);
+    taken_ += bytes.size();
+}
+
+std::string Exchange::failure() const {
+    return curl_.easyStrerror(ending_ == Ending::TimedOut ? CURLE_OPERATION_TIMEDOUT : result_);
+}
+
+} // namespace velmora::platform::http

@@ -1,0 +1,49 @@
+#include "platform/backends/qt/boxes/popup_menu.h"
+
+#include "platform/backends/qt/screen/text_convert.h"
+
+#include <QCursor>
+#include <QMenu>
+
+namespace velmora::platform::qt {
+
+namespace {
+
+void fill(QMenu &shown, const forms::Menu &menu, const QFont &font) {
+    shown.setFont(font);
+    for (forms::Menu *entry : menu.entries()) {
+        if (!entry->visible())
+            continue;
+        if (entry->separator()) {
+            shown.addSeparator();
+            continue;
+        }
+        const QString caption = toShown(entry->caption());
+        if (!entry->entries().empty()) {
+            QMenu *inner = shown.addMenu(caption);
+            inner->setEnabled(entry->enabled());
+            fill(*inner, *entry, font);
+            continue;
+        }
+        QAction *action = shown.addAction(caption);
+        action->setEnabled(entry->enabled());
+        action->setCheckable(entry->checked());
+        action->setChecked(entry->checked());
+        action->setData(QVariant::fromValue(static_cast<void *>(entry)));
+    }
+}
+
+} // namespace
+
+void showPopupMenu(Hub &hub, forms::Menu &menu) {
+    QMenu shown;
+    fill(shown, menu, hub.fonts.plainFont(9));
+    hub.loop.arm();
+    const QAction *chosen = shown.exec(QCursor::pos());
+    if (chosen == nullptr || !chosen->data().isValid())
+        return;
+    const Loop::Handler handler(hub.loop);
+    static_cast<forms::Menu *>(chosen->data().value<void *>())->choose();
+}
+
+} // namespace velmora::platform::qt

@@ -1,0 +1,263 @@
+#include "platform/backends/qt/screen/x11.h"
+
+#include <QGuiApplication>
+
+#include <xcb/shape.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+
+namespace velmora::platform::qt {
+
+namespace {
+
+struct Free {
+    void operator()(void *reply) const noexcept { std::free(reply); }
+};
+template <typename Reply> using Owned = std::unique_ptr<Reply, Free>;
+
+constexpr std::uint32_t stateRemove = 0;
+constexpr std::uint32_t stateAdd = 1;
+constexpr std::uint32_t sourceApplication = 1;
+constexpr std::uint32_t maxStates = 64;
+
+// The head of the notice that a selection changed hands, as the XFIXES protocol lays it out.
+struct SelectionNotice {
+    std::uint8_t responseType;
+    std::uint8_t subtype;
+    std::uint16_t sequence;
+    std::uint32_t window;
+    std::uint32_t owner;
+    std::uint32_t selection;
+};
+
+} // namespace
+
+X11::X11()
+    : connection_(qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection()) {
+    screen_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
+    internAtoms();
+    std::uint8_t unused = 0;
+    guest_ = hasExtension("XWAYLAND", unused);
+    hasExtension("XFIXES", fixesEvent_);
+    composited_ = readComposited();
+    qApp->installNativeEventFilter(this);
+}
+
+X11::~X11() { qApp->removeNativeEventFilter(this); }
+
+void X11::internAtoms() {
+    const char *const names[AtomCount] = {"_NET_WM_STATE",
+                                          "_NET_WM_STATE_SKIP_TASKBAR",
+                                          "_NET_WM_STATE_SKIP_PAGER",
+                                          "_NET_WM_STATE_ABOVE",
+                                          "_NET_WM_STATE_FULLSCREEN",
+                                          "_NET_WM_STATE_DEMANDS_ATTENTION",
+                                          "_NET_WM_CM_S0",
+                                          "XdndPosition",
+                                          "XdndActionCopy"};
+    xcb_intern_atom_cookie_t asked[AtomCount];
+    for (int i = 0; i < AtomCount; ++i)
+        asked[i] =
+            xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(strlen(names[i])), names[i]);
+    for (int i = 0; i < AtomCount; ++i) {
+        const Owned<xcb_intern_atom_reply_t> reply(
+            xcb_intern_atom_reply(connection_, asked[i], nullptr));
+        atoms_[i] = reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+    }
+}
+
+bool X11::hasExtension(const char *name, std::uint8_t &firstEvent) {
+    const auto asked =
+        xcb_query_extension(connection_, static_cast<std::uint16_t>(strlen(name)), name);
+    const Owned<xcb_query_extension_reply_t> reply(
+        xcb_query_extension_reply(connection_, asked, nullptr));
+    if (!reply || !reply->present)
+        return false;
+    firstEvent = reply->first_event;
+    return true;
+}
+
+bool X11::readComposited() {
+    const Owned<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        connection_, xcb_get_selection_owner(connection_, atoms_[CompositorSelection]), nullptr));
+    return reply && reply->owner != XCB_WINDOW_NONE;
+}
+
+std::vector<xcb_atom_t> X11::readStates(xcb_window_t window) {
+    const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        connection_,
+        xcb_get_property(connection_, 0, window, atoms_[NetWmState], XCB_ATOM_ATOM, 0, maxStates),
+        nullptr));
+    if (!reply || reply->type != XCB_ATOM_ATOM || reply->format != 32)
+        return {};
+    const auto *first = static_cast<const xcb_atom_t *>(xcb_get_property_value(reply.get()));
+    return {first, first + reply->value_len};
+}
+
+void X11::setStatesBeforeMap(xcb_window_t window, std::initializer_list<Atom> states) {
+    std::vector<xcb_atom_t> all = readStates(window);
+    for (const Atom state : states)
+        if (std::find(all.begin(), all.end(), atoms_[state]) == all.end())
+            all.push_back(atoms_[state]);
+    xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atoms_[NetWmState],
+                        XCB_ATOM_ATOM, 32, static_cast<std::uint32_t>(all.size()), all.data());
+}
+
+void X11::requestState(xcb_window_t window, bool on, Atom state) {
+    xcb_client_message_event_t event = {};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = atoms_[NetWmState];
+    event.data.data32[0] = on ? stateAdd : stateRemove;
+    event.data.data32[1] = atoms_[state];
+    event.data.data32[3] = sourceApplication;
+    xcb_send_event(connection_, 0, root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char *>(&event));
+    flush();
+}
+
+bool X11::hasState(xcb_window_t window, Atom state) {
+    const std::vector<xcb_atom_t> all = readStates(window);
+    return std::find(all.begin(), all.end(), atoms_[state]) != all.end();
+}
+
+void X11::setShape(xcb_window_t window, std::span<const xcb_rectangle_t> rows) {
+    // An empty input shape makes some window managers keep the clicks for their own frame: one
+    // pixel outside the window says the same and is passed on.
+    const xcb_rectangle_t outside = {-1, -1, 1, 1};
+    if (rows.empty())
+        rows = std::span(&outside, 1);
+    xcb_shape_rectangles(connection_, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
+                         XCB_CLIP_ORDERING_YX_BANDED, window, 0, 0,
+                         static_cast<std::uint32_t>(rows.size()), rows.data());
+    xcb_shape_rectangles(connection_, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
+                         XCB_CLIP_ORDERING_YX_BANDED, window, 0, 0,
+                         static_cast<std::uint32_t>(rows.size()), rows.data());
+}
+
+void X11::clearShape(xcb_window_t window) {
+    xcb_shape_mask(connection_, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window, 0, 0,
+                   XCB_PIXMAP_NONE);
+    xcb_shape_mask(connection_, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, window, 0, 0,
+                   XCB_PIXMAP_NONE);
+}
+
+std::vector<xcb_keysym_t> X11::keySymbols(xcb_keycode_t key) {
+    const Owned<xcb_get_keyboard_mapping_reply_t> reply(xcb_get_keyboard_mapping_reply(
+        connection_, xcb_get_keyboard_mapping(connection_, key, 1), nullptr));
+    if (!reply)
+        return {};
+    const xcb_keysym_t *first = xcb_get_keyboard_mapping_keysyms(reply.get());
+    return {first, first + xcb_get_keyboard_mapping_keysyms_length(reply.get())};
+}
+
+xcb_visualid_t X11::clearVisual() const {
+    for (auto depth = xcb_screen_allowed_depths_iterator(screen_); depth.rem > 0;
+         xcb_depth_next(&depth)) {
+        if (depth.data->depth != 32)
+            continue;
+        for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem > 0;
+             xcb_visualtype_next(&visual))
+            if (visual.data->_class == XCB_VISUAL_CLASS_TRUE_COLOR)
+                return visual.data->visual_id;
+    }
+    return XCB_NONE;
+}
+
+xcb_window_t X11::makeSensor(const QRect &place, std::function<void()> entered) {
+    const xcb_visualid_t visual = clearVisual();
+    if (visual == XCB_NONE)
+        return XCB_WINDOW_NONE;
+    // Clear rather than input-only: a guest server passes on no pointer over a window that has
+    // nothing to show.
+    const xcb_colormap_t colours = xcb_generate_id(connection_);
+    xcb_create_colormap(connection_, XCB_COLORMAP_ALLOC_NONE, colours, root(), visual);
+    const xcb_window_t sensor = xcb_generate_id(connection_);
+    const std::uint32_t values[] = {0, 0, 1, XCB_EVENT_MASK_ENTER_WINDOW, colours};
+    xcb_create_window(connection_, 32, sensor, root(), static_cast<std::int16_t>(place.x()),
+                      static_cast<std::int16_t>(place.y()),
+                      static_cast<std::uint16_t>(std::max(1, place.width())),
+                      static_cast<std::uint16_t>(std::max(1, place.height())), 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
+                      XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT |
+                          XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
+                      values);
+    xcb_free_colormap(connection_, colours);
+    sensors_[sensor] = std::move(entered);
+    xcb_map_window(connection_, sensor);
+    flush();
+    return sensor;
+}
+
+void X11::placeSensor(xcb_window_t sensor, const QRect &place) {
+    const std::uint32_t values[] = {
+        static_cast<std::uint32_t>(place.x()), static_cast<std::uint32_t>(place.y()),
+        static_cast<std::uint32_t>(std::max(1, place.width())), XCB_STACK_MODE_ABOVE};
+    xcb_configure_window(connection_, sensor,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                             XCB_CONFIG_WINDOW_STACK_MODE,
+                         values);
+    flush();
+}
+
+void X11::destroySensor(xcb_window_t sensor) {
+    sensors_.erase(sensor);
+    xcb_destroy_window(connection_, sensor);
+    flush();
+}
+
+void X11::watchCovered(xcb_window_t window, std::function<void()> covered) {
+    const Owned<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
+        connection_, xcb_get_window_attributes(connection_, window), nullptr));
+    if (!reply)
+        return;
+    const std::uint32_t mask = reply->your_event_mask | XCB_EVENT_MASK_VISIBILITY_CHANGE;
+    xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &mask);
+    covered_[window] = std::move(covered);
+}
+
+void X11::forget(xcb_window_t window) { covered_.erase(window); }
+
+bool X11::nativeEventFilter(const QByteArray & /*type*/, void *message, qintptr * /*result*/) {
+    auto *event = static_cast<xcb_generic_event_t *>(message);
+    const std::uint8_t type = event->response_type & 0x7FU;
+    if (type == XCB_CLIENT_MESSAGE) {
+        // What is dragged here is never moved: whatever the source proposes, it is asked to copy.
+        // The toolkit answers with nothing but what was proposed.
+        auto *asked = reinterpret_cast<xcb_client_message_event_t *>(event);
+        if (asked->type == atoms_[DragPosition])
+            asked->data.data32[4] = atoms_[DragCopy];
+        return false;
+    }
+    if (fixesEvent_ != 0 && type == fixesEvent_) {
+        SelectionNotice notice;
+        std::memcpy(&notice, event, sizeof notice);
+        if (notice.selection == atoms_[CompositorSelection]) {
+            const bool now = notice.owner != XCB_WINDOW_NONE;
+            if (now != composited_) {
+                composited_ = now;
+                if (onCompositor)
+                    onCompositor();
+            }
+        }
+    } else if (type == XCB_ENTER_NOTIFY && !sensors_.empty()) {
+        const auto found =
+            sensors_.find(reinterpret_cast<const xcb_enter_notify_event_t *>(event)->event);
+        if (found != sensors_.end())
+            found->second();
+    } else if (type == XCB_VISIBILITY_NOTIFY && !covered_.empty()) {
+        const auto *notice = reinterpret_cast<const xcb_visibility_notify_event_t *>(event);
+        const auto found = covered_.find(notice->window);
+        if (found != covered_.end() && notice->state != XCB_VISIBILITY_UNOBSCURED)
+            found->second();
+    }
+    return false;
+}
+
+} // namespace velmora::platform::qt

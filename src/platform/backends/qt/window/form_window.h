@@ -1,0 +1,103 @@
+#pragma once
+
+// The window behind one form, on X11.
+
+#include "platform/backends/qt/paint/ground.h"
+#include "platform/backends/qt/scene/scene.h"
+#include "platform/backends/qt/window/form_input.h"
+#include "platform/backends/qt/window/hub.h"
+#include "platform/backends/qt/window/window_place.h"
+
+#include <chrono>
+#include <memory>
+
+namespace velmora::platform::qt {
+
+class TopWidget;
+
+class QtFormWindow : public FormWindow {
+public:
+    QtFormWindow(Hub &hub, forms::Form &form);
+    ~QtFormWindow() override;
+    QtFormWindow(const QtFormWindow &) = delete;
+    QtFormWindow &operator=(const QtFormWindow &) = delete;
+
+    void controlChanged(forms::Control &control, forms::Change what,
+                        const RectTwips &before) override;
+    void controlGone(forms::Control &control) override;
+    void formChanged(forms::FormChange what, const RectTwips &before) override;
+    void refresh(forms::Control *control) override;
+    void raise() override;
+    void focus(forms::Control *control) override;
+    std::uintptr_t pictureWindow(forms::PictureBox &box) override;
+    double scaleFactor() const override;
+
+    forms::Form &form() const noexcept { return form_; }
+    Scene &scene() noexcept { return scene_; }
+    // The toolkit's window; null before it was needed.
+    QWidget *top() const noexcept;
+    // The native window; 0 before it was needed.
+    xcb_window_t nativeWindow() const;
+
+    // Above the others, restored if it was minimised, with the keyboard.
+    void bringForward();
+    void attention(bool wanted);
+    void setTaskTitle(const QString &title);
+    // A compositor came or went.
+    void compositorChanged();
+    // The screens are others, or count their pixels in another way.
+    void screensChanged();
+
+private:
+    friend class TopWidget;
+
+    void realise();
+    void show();
+    void hideSoon();
+    void hideNow();
+    void applyTopmost();
+    void applyState();
+    void applyLook();
+    void applyPlace();
+    void applyOutline();
+    bool putsPaintOff();
+    void payPaint();
+    void areaTouched(const forms::Control &control, const QRectF &area);
+    void paintGround(const ControlPainter::Job &job);
+    void setStatesBeforeMap();
+    bool isKeyed() const;
+    bool isFullScreen() const;
+    void firstFocus();
+    void densityChanged();
+
+    // From the toolkit.
+    void closed();
+    void moved();
+    void stateChanged();
+
+    Hub &hub_;
+    forms::Form &form_;
+    Ground ground_;
+    Scene scene_;
+    FormInput input_;
+    std::unique_ptr<TopWidget> top_;
+    WindowPlace place_;
+    std::chrono::steady_clock::time_point lastForced_;
+    std::chrono::steady_clock::time_point lastOutline_;
+    std::chrono::steady_clock::time_point paintedFor_; // what was painted serves the eye until then
+    bool paintOwed_ = false;
+    bool forced_ = false;
+    bool shownOnce_ = false;
+    bool hidePending_ = false;
+    bool outlineDirty_ = true;
+    bool outlinePosted_ = false;
+    bool hasOutline_ = false;
+    bool translucent_ = false; // the native window has an alpha channel
+    bool hasHoleMakers_ = false;
+    bool raisePosted_ = false;
+    bool placing_ = false;
+    bool fullScreen_ = false;
+    double density_ = 1; // of the screen when the window was last placed for it
+};
+
+} // namespace velmora::platform::qt

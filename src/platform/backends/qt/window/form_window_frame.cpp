@@ -1,0 +1,308 @@
+// The window as the window manager has it: shown, hidden, placed, stacked, minimised.
+
+#include "platform/backends/qt/screen/geometry.h"
+#include "platform/backends/qt/screen/screens.h"
+#include "platform/backends/qt/screen/text_convert.h"
+#include "platform/backends/qt/window/form_window.h"
+#include "platform/backends/qt/window/top_widget.h"
+
+#include <QApplication>
+#include <QTimer>
+#include <QWindow>
+
+#include <cmath>
+#include <utility>
+
+namespace velmora::platform::qt {
+
+namespace {
+
+constexpr int raisePauseMs = 100;
+
+Qt::WindowFlags flagsOf(const forms::Form &form) {
+    Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint;
+    if (form.unmanaged())
+        flags |= Qt::BypassWindowManagerHint;
+    return flags;
+}
+
+QRect areaOf(const forms::Form &form) {
+    const QPoint at(qRound(toPixels(form.left())), qRound(toPixels(form.top())));
+    const QSize size(std::max(1, qRound(toPixels(form.width()))),
+                     std::max(1, qRound(toPixels(form.height()))));
+    return {screens::toToolkit(at), size};
+}
+
+} // namespace
+
+// Makes the toolkit's window and the native one behind it, unseen.
+void QtFormWindow::realise() {
+    if (top_ != nullptr)
+        return;
+    top_ = std::make_unique<TopWidget>(
+        *this, scene_,
+        [this](QWidget &widget, QEvent &event) { return input_.layerEvent(widget, event); },
+        flagsOf(form_));
+    translucent_ = isKeyed();
+    scene_.keyed = isKeyed();
+    if (translucent_)
+        top_->setAttribute(Qt::WA_TranslucentBackground);
+    else
+        top_->setAttribute(Qt::WA_OpaquePaintEvent);
+    if (form_.unmanaged())
+        top_->setAttribute(Qt::WA_ShowWithoutActivating);
+    top_->setAcceptDrops(FormInput::wantsDrops(form_));
+    top_->setWindowTitle(toShown(form_.caption()));
+    if (form_.icon() != forms::Picture::None && form_.showInTaskbar())
+        top_->setWindowIcon(hub_.icon(form_.icon()));
+    if (form_.startCentred()) {
+        const RectPixels work = screens::workArea();
+        const double width = toPixels(form_.width());
+        const double height = toPixels(form_.height());
+        form_.movedTo(toTwips(std::round(work.left + (work.right - work.left - width) / 2)),
+                      toTwips(std::round(work.top + (work.bottom - work.top - height) / 2)));
+    }
+    applyPlace();
+    scene_.build(*top_);
+    top_->winId();
+    density_ = scaleFactor();
+    QObject::connect(top_->windowHandle(), &QWindow::screenChanged, top_.get(),
+                     [this] { densityChanged(); });
+}
+
+void QtFormWindow::setStatesBeforeMap() {
+    if (form_.unmanaged())
+        return;
+    if (!form_.showInTaskbar())
+        hub_.x11.setStatesBeforeMap(nativeWindow(), {X11::SkipTaskbar, X11::SkipPager});
+    if (form_.topmost())
+        hub_.x11.setStatesBeforeMap(nativeWindow(), {X11::Above});
+    fullScreen_ = isFullScreen();
+    if (fullScreen_)
+        hub_.x11.setStatesBeforeMap(nativeWindow(), {X11::FullScreen});
+}
+
+void QtFormWindow::show() {
+    if (hidePending_) {
+        // Hidden and shown within one event: on the screen that is coming forward, no more.
+        hidePending_ = false;
+        if (form_.unmanaged())
+            raise();
+        else
+            bringForward();
+        return;
+    }
+    const bool first = !shownOnce_;
+    realise();
+    setStatesBeforeMap();
+    outlineDirty_ = true;
+    applyOutline();
+    if (form_.windowState() == forms::WindowState::Minimised)
+        top_->setWindowState(top_->windowState() | Qt::WindowMinimized);
+    top_->show();
+    if (!form_.unmanaged())
+        top_->activateWindow();
+    hub_.moveToFront(*this);
+    shownOnce_ = true;
+    if (first)
+        firstFocus();
+    if (form_.unmanaged() && form_.topmost())
+        applyTopmost();
+}
+
+void QtFormWindow::firstFocus() {
+    const forms::Control *wanted = form_.activeControl();
+    if (wanted == nullptr)
+        wanted = scene_.nextFocus(nullptr, true);
+    QWidget *widget = wanted != nullptr ? scene_.widgetOf(*wanted) : nullptr;
+    if (widget != nullptr && wanted->takesFocus())
+        widget->setFocus();
+    else
+        top_->setFocus();
+}
+
+void QtFormWindow::hideSoon() {
+    if (top_ == nullptr || hidePending_)
+        return;
+    hidePending_ = true;
+    QMetaObject::invokeMethod(
+        top_.get(), [this] { hideNow(); }, Qt::QueuedConnection);
+}
+
+void QtFormWindow::hideNow() {
+    if (!hidePending_)
+        return;
+    hidePending_ = false;
+    top_->hide();
+    ground_.forget();
+}
+
+bool QtFormWindow::isFullScreen() const {
+    return !form_.unmanaged() && areaOf(form_) == screens::primary();
+}
+
+void QtFormWindow::applyPlace() {
+    const QRect area = areaOf(form_);
+    const QRect before = top_->geometry();
+    const bool resized = before.size() != area.size();
+    placing_ = true;
+    place_.asked(area.topLeft());
+    if (isFullScreen()) {
+        // No size of its own, else the window manager would not let it fill the screen.
+        top_->setMinimumSize(0, 0);
+        top_->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    }
+    if (top_->isVisible() && fullScreen_ != isFullScreen()) {
+        // Only a full-screen window is above panels everywhere.
+        fullScreen_ = isFullScreen();
+        hub_.x11.requestState(nativeWindow(), fullScreen_, X11::FullScreen);
+    }
+    if (!isFullScreen() && (resized || !shownOnce_))
+        top_->setFixedSize(area.size());
+    if (top_->geometry() != area) {
+        top_->setGeometry(area);
+    } else if (before == area && top_->isVisible()) {
+        // The toolkit believes a late report; the server knows better.
+        const double density = scaleFactor();
+        const std::uint32_t values[] = {static_cast<std::uint32_t>(qRound(area.x() * density)),
+                                        static_cast<std::uint32_t>(qRound(area.y() * density))};
+        xcb_configure_window(hub_.x11.connection(), nativeWindow(),
+                             XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, values);
+        hub_.x11.flush();
+    }
+    placing_ = false;
+    if (resized) {
+        outlineDirty_ = true;
+        applyOutline();
+        top_->update();
+    }
+}
+
+// The toolkit takes a window for as large as before, in pixels of another size: the server is told.
+void QtFormWindow::screensChanged() {
+    if (top_ == nullptr || std::abs(scaleFactor() - density_) < 0.001)
+        return;
+    const double before = std::exchange(density_, scaleFactor());
+    // Its corner stays where it is on the screen.
+    form_.movedTo(static_cast<Twips>(form_.left() * before / density_),
+                  static_cast<Twips>(form_.top() * before / density_));
+    const QRect area = areaOf(form_);
+    placing_ = true;
+    place_.asked(area.topLeft());
+    if (!isFullScreen()) {
+        // The limits that the window manager knows count in the old pixels.
+        top_->setMinimumSize(0, 0);
+        top_->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+        // What the toolkit paints on has the old density until the size is another.
+        top_->setFixedSize(area.size() + QSize(1, 1));
+        top_->repaint();
+        top_->setFixedSize(area.size());
+    }
+    top_->setGeometry(area);
+    constexpr std::uint16_t all = XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
+                                  XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
+    const std::uint32_t values[] = {static_cast<std::uint32_t>(qRound(area.x() * density_)),
+                                    static_cast<std::uint32_t>(qRound(area.y() * density_)),
+                                    static_cast<std::uint32_t>(qRound(area.width() * density_)),
+                                    static_cast<std::uint32_t>(qRound(area.height() * density_))};
+    xcb_configure_window(hub_.x11.connection(), nativeWindow(), all, values);
+    hub_.x11.flush();
+    placing_ = false;
+    densityChanged();
+    applyOutline();
+    top_->update();
+}
+
+void QtFormWindow::moved() {
+    if (placing_ || top_ == nullptr || top_->isMinimized())
+        return;
+    const auto position = place_.reported(top_->geometry().topLeft());
+    if (!position)
+        return;
+    const QPointF at = screens::toProgram(QPointF(*position));
+    form_.movedTo(toTwips(at.x()), toTwips(at.y()));
+}
+
+void QtFormWindow::applyTopmost() {
+    if (!top_->isVisible())
+        return;
+    // Asked of the window manager directly: the toolkit's own way makes a new native window at the
+    // next showing, which would blink.
+    if (!form_.unmanaged())
+        hub_.x11.requestState(nativeWindow(), form_.topmost(), X11::Above);
+    top_->raise();
+    hub_.x11.flush();
+    if (!form_.unmanaged())
+        return;
+    // No window manager keeps this window above the others.
+    if (!form_.topmost()) {
+        hub_.x11.forget(nativeWindow());
+        return;
+    }
+    hub_.x11.watchCovered(nativeWindow(), [this] {
+        if (raisePosted_ || hub_.x11.composited())
+            return;
+        raisePosted_ = true;
+        QTimer::singleShot(raisePauseMs, top_.get(), [this] {
+            raisePosted_ = false;
+            // A menu or tip of ours may lie over it for as long as it is open.
+            if (form_.visible() && form_.topmost() && QApplication::activePopupWidget() == nullptr)
+                top_->raise();
+        });
+    });
+}
+
+void QtFormWindow::applyState() {
+    if (!top_->isVisible())
+        return;
+    if (form_.windowState() == forms::WindowState::Minimised)
+        top_->setWindowState(top_->windowState() | Qt::WindowMinimized);
+    else
+        bringForward();
+}
+
+void QtFormWindow::stateChanged() {
+    const bool minimised = top_ != nullptr && top_->isMinimized();
+    const auto state = minimised ? forms::WindowState::Minimised : forms::WindowState::Normal;
+    if (form_.windowState() == state)
+        return;
+    const Loop::Handler handler(hub_.loop);
+    form_.stateChanged(state);
+}
+
+void QtFormWindow::raise() {
+    if (top_ == nullptr || !form_.visible())
+        return;
+    top_->raise();
+    hub_.moveToFront(*this);
+    hub_.x11.flush();
+}
+
+void QtFormWindow::bringForward() {
+    if (top_ == nullptr)
+        return;
+    if (top_->isMinimized())
+        top_->setWindowState(top_->windowState() & ~Qt::WindowMinimized);
+    top_->raise();
+    top_->activateWindow();
+    hub_.moveToFront(*this);
+    hub_.x11.flush();
+}
+
+void QtFormWindow::attention(bool wanted) {
+    if (top_ == nullptr || !top_->isVisible() || top_->isMinimized() || top_->isActiveWindow())
+        return;
+    hub_.x11.requestState(nativeWindow(), wanted, X11::DemandsAttention);
+}
+
+void QtFormWindow::setTaskTitle(const QString &title) {
+    if (top_ != nullptr)
+        top_->setWindowIconText(title);
+}
+
+void QtFormWindow::closed() {
+    const Loop::Handler handler(hub_.loop);
+    form_.closeRequested();
+}
+
+} // namespace velmora::platform::qt

@@ -1,0 +1,7 @@
+#include "platform/backends/sound/output/pulse_table.h"
+
+namespace velmora::platform::sound {
+
+PulseTable::PulseTable(const Library &library) { VELMORA_PULSE_FUNCTIONS(VELMORA_TABLE_BIND) }
+
+} // namespace velmora::platform::sound

@@ -1,7 +1,0 @@
-#include "platform/sound/pulse_table.h"
-
-namespace velmora::platform::sound {
-
-PulseTable::PulseTable(const Library &library) { VELMORA_PULSE_FUNCTIONS(VELMORA_TABLE_BIND) }
-
-} // namespace velmora::platform::sound
