@@ -24,20 +24,75 @@ else
     [ -n "$unformatted" ] && complain "not formatted (clang-format -i FILE)" <<<"$unformatted"
 fi
 
-# Layers: the program, the control model, the contracts and the interpreter see no toolkit, no library
-# and nothing of the system, by whatever header: of those in angle brackets only the ones named here,
-# which deal in values and are the language's own.
+# Layers. Each room of the house, and the rooms that it may include besides itself; nothing runs upward.
+# docs/architecture.md draws the same.
+read -r -d '' rooms <<'END'
+base
+forms              base
+contracts          base forms
+text               base contracts
+program            base forms contracts
+linux              base contracts text
+registry           base contracts text linux
+curl               base contracts text linux
+media              base contracts
+picture            base contracts media
+sound/readers      base
+sound/output       base media sound/readers
+sound/device       base contracts media sound/output sound/readers
+qt/screen          base forms contracts text
+qt/paint           base forms contracts qt/screen
+qt/scene           base forms contracts qt/screen qt/paint
+qt/window          base forms contracts text qt/screen qt/paint qt/scene
+qt/boxes           base forms contracts qt/screen qt/paint qt/scene qt/window
+qt/system          base forms contracts text linux qt/screen qt/paint qt/scene qt/window qt/boxes
+main               *
+tools/skinc        base
+tools/formc        base
+tools/preview      base forms qt/paint qt/screen
+tools/catalogue    base contracts text linux registry
+tools/demo_piece
+END
+# The program, the control model, the contracts and the interpreter see no toolkit, no library and nothing of the system,
+# by whatever header: of those in angle brackets only the ones named here, which deal in values and are the language's
+# own.
 values='algorithm|array|bit|bitset|cctype|charconv|chrono|cmath|compare|concepts|cstddef|cstdint|cstdio|cstdlib|cstring|ctime|deque|exception|functional|initializer_list|iterator|limits|list|map|memory|numbers|numeric|optional|queue|random|ranges|ratio|set|span|sstream|stack|stdexcept|string|string_view|system_error|tuple|type_traits|unordered_map|unordered_set|utility|variant|vector'
 # What waits for a disk has a thread for it, and the interpreter reads a medium's first bytes.
-aside='^src/(base/within_time\.(h|cpp)|platform/media/medium_file\.cpp):'
-program=(src/base src/playback src/playlist src/lyrics src/network src/settings src/ui src/velmora.cpp src/velmora.h)
-contracts=(src/platform/forms src/platform/media ':(glob)src/platform/*.h')
-layers=$(git grep -nE '^ *# *include *<' -- "${program[@]}" "${contracts[@]}" | grep -vE "<($values)>|$aside" ; \
-    git grep -nE '^ *# *include *"' -- "${program[@]}" "${contracts[@]}" | grep -vE '"(base|lyrics|network|platform|playback|playlist|settings|ui)/|"velmora\.h"' ; \
-    git grep -nE '^ *# *include *[<"]platform/(qt|curl|sound|picture|linux|registry)/' -- "${program[@]}" "${contracts[@]}" ; \
-    git grep -nE '^ *# *include *[<"]platform/media/' -- "${program[@]}" src/platform/forms ':(glob)src/platform/*.h' ; \
-    git grep -nE '^ *# *if(n?def)?\b' -- "${program[@]}")
-[ -n "$layers" ] && complain "the program's storey includes what it may not see" <<<"$layers"
+aside='^src/(base/within_time\.(h|cpp)|platform/backends/media/medium_file\.cpp):'
+plain=(src/base src/playback src/playlist src/lyrics src/network src/settings src/ui src/velmora.cpp src/velmora.h
+    src/platform/forms src/platform/contracts src/platform/backends/media)
+layers=$(git grep -nE '^ *# *include *"' -- 'src/*.h' 'src/*.cpp' 'tools/*.h' 'tools/*.cpp' | awk -v rooms="$rooms" '
+    function room(path) {
+        if (path ~ /^src\/platform\/backends\//) {
+            sub("^src/platform/backends/", "", path)
+            return match(path, /^(qt|sound)\/[a-z]+\//) ? substr(path, 1, RLENGTH - 1) : substr(path, 1, index(path, "/") - 1)
+        }
+        if (path ~ /^src\/platform\//) { sub("^src/platform/", "", path); return substr(path, 1, index(path, "/") - 1) }
+        if (path ~ /^src\/(playback|playlist|lyrics|network|settings|ui)\// || path ~ /^src\/velmora\./) return "program"
+        if (path == "src/main.cpp") return "main"
+        if (path ~ /^src\//) { sub("^src/", "", path); return substr(path, 1, index(path, "/") - 1) }
+        match(path, /^tools\/[a-z_]+/); return substr(path, 1, RLENGTH)
+    }
+    BEGIN {
+        count = split(rooms, lines, "\n")
+        for (i = 1; i <= count; i++) {
+            fields = split(lines[i], field, " ")
+            known[field[1]] = 1
+            for (j = 1; j <= fields; j++) may[field[1], field[j]] = 1
+        }
+    }
+    {
+        split($0, part, ":")
+        from = room(part[1])
+        match($0, /"[^"]+"/); name = substr($0, RSTART + 1, RLENGTH - 2)
+        top = name; sub("/.*", "", top)
+        to = top == "catalogue" || top == name && name != "velmora.h" ? from : room("src/" name)
+        if (!(from in known)) print part[1] ":" part[2] ": stands in no room of the house"
+        else if (!((from, to) in may) && !((from, "*") in may)) print part[1] ":" part[2] ": " from " includes " to " (" name ")"
+    }'
+    git grep -nE '^ *# *include *<' -- "${plain[@]}" | grep -vE "<($values)>|$aside"
+    git grep -nE '^ *# *if(n?def)?\b' -- "${plain[@]}" ':!src/platform/backends')
+[ -n "$layers" ] && complain "a room includes what it may not see" <<<"$layers"
 
 # File sizes: no source file beyond 500 lines without a reason (scripts/long-files.txt names them).
 long=$(git ls-files 'src/*.cpp' 'src/*.h' 'tools/*.cpp' 'tests/*.cpp' 'tests/*.h' 'bench/*.cpp' |

@@ -188,9 +188,9 @@ void doLrcForm::addFile_To_List(std::u16string_view path) {
     }
     all_Enabled(hasText);
     if (!hasText) {
-        windows().MsgBox(u"您所选择的文件是空文件，无法将内容添加到编辑区！",
-                         platform::MsgBoxButtons::Ok, platform::MsgBoxIcon::Critical,
-                         app_.Main().title.caption());
+        app_.platform().windows.MsgBox(u"您所选择的文件是空文件，无法将内容添加到编辑区！",
+                                       platform::MsgBoxButtons::Ok, platform::MsgBoxIcon::Critical,
+                                       app_.Main().title.caption());
     }
 }
 

@@ -62,9 +62,10 @@ void doLrcForm::save_Button_Click() {
     const std::u16string stem = app_.player().getFileStem(track);
     const std::u16string lyric = editedLyric();
     if (lyricExists(stem) &&
-        windows().MsgBox(u"该歌词文件已存在，是否覆盖？\r\n\r\n【Y】：覆盖\r\n【N】：另存为",
-                         platform::MsgBoxButtons::YesNoCancel, platform::MsgBoxIcon::None,
-                         app_.Main().title.caption()) != platform::MsgBoxResult::Yes) {
+        app_.platform().windows.MsgBox(
+            u"该歌词文件已存在，是否覆盖？\r\n\r\n【Y】：覆盖\r\n【N】：另存为",
+            platform::MsgBoxButtons::YesNoCancel, platform::MsgBoxIcon::None,
+            app_.Main().title.caption()) != platform::MsgBoxResult::Yes) {
         saveAs(stem, lyric);
         return;
     }
@@ -104,9 +105,10 @@ void doLrcForm::tell(std::u16string_view stem, std::u16string_view outcome,
     std::u16string text = u"曲目：";
     text.append(stem).append(crLf).append(outcome).append(crLf).append(crLf);
     text.append(u"地址：").append(path);
-    windows().MsgBox(text, platform::MsgBoxButtons::Ok,
-                     isFailure ? platform::MsgBoxIcon::Critical : platform::MsgBoxIcon::Information,
-                     app_.Main().title.caption());
+    app_.platform().windows.MsgBox(text, platform::MsgBoxButtons::Ok,
+                                   isFailure ? platform::MsgBoxIcon::Critical
+                                             : platform::MsgBoxIcon::Information,
+                                   app_.Main().title.caption());
 }
 
 } // namespace velmora

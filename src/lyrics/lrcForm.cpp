@@ -4,9 +4,9 @@
 #include "base/text.h"
 #include "lyrics/lrc_text.h"
 #include "platform/contracts/windows.h"
-#include "playback/display.h"
 #include "playback/player.h"
 #include "ui/formSet.h"
+#include "ui/marquee.h"
 #include "velmora.h"
 
 #include <algorithm>
@@ -22,7 +22,7 @@ void lrcForm::load() {
     passOver([this] { app_.formSet().set_ColourKey(*this); });
     passOver([this] { app_.formSet().keep_Topmost(); });
     Timer1.onTimer = [this] { tick(); };
-    windows().onScreensChanged = [this] { passOver([this] { position(); }); };
+    app_.platform().windows.onScreensChanged = [this] { passOver([this] { position(); }); };
     // The window stays for the whole run.
     on().QueryUnload = [](bool &cancel) { cancel = true; };
 }
@@ -88,7 +88,7 @@ void lrcForm::position() {
     if (const forms::Font font = fittingFont(floor); font != lrc_Text.font())
         lrc_Text.setFont(font);
     const Twips high = lrc_Text.height();
-    move({0, floor - high, windows().screenWidth(), high});
+    move({0, floor - high, app_.platform().windows.screenWidth(), high});
     lrc_Text.move({0, 0, width(), high});
     isCentred_ = false; // a narrower window may be too narrow for the line
     hide();

@@ -188,8 +188,8 @@ void search_Lrc_Internet_Form::fetchAndMatch() {
 bool search_Lrc_Internet_Form::chosenOrComplain() {
     if (search_Lrc_List.listIndex() >= 0)
         return true;
-    windows().MsgBox(noneChosen, platform::MsgBoxButtons::Ok, platform::MsgBoxIcon::Critical,
-                     app_.Language().msg_Error);
+    app_.platform().windows.MsgBox(noneChosen, platform::MsgBoxButtons::Ok,
+                                   platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
     return false;
 }
 

@@ -116,8 +116,8 @@ void search_Song_Internet_Form::readFileName(std::int32_t row) {
 bool search_Song_Internet_Form::chosenOrComplain() {
     if (search_Song_List.listIndex() >= 0)
         return true;
-    windows().MsgBox(noneChosen, platform::MsgBoxButtons::Ok, platform::MsgBoxIcon::Critical,
-                     app_.Language().msg_Error);
+    app_.platform().windows.MsgBox(noneChosen, platform::MsgBoxButtons::Ok,
+                                   platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
     return false;
 }
 
@@ -176,9 +176,9 @@ void search_Song_Internet_Form::fetch(const std::u16string &target, bool canWrit
 bool search_Song_Internet_Form::mayReplace(const std::u16string &target) {
     if (!app_.saveOrOpenFile().fileExists(target))
         return true;
-    if (windows().MsgBox(replaceQuestion, platform::MsgBoxButtons::YesNo,
-                         platform::MsgBoxIcon::None,
-                         app_.Main().title.caption()) != platform::MsgBoxResult::Yes)
+    if (app_.platform().windows.MsgBox(replaceQuestion, platform::MsgBoxButtons::YesNo,
+                                       platform::MsgBoxIcon::None,
+                                       app_.Main().title.caption()) != platform::MsgBoxResult::Yes)
         return false;
     if (target == app_.player().nowPlay_File)
         app_.player().close_Sub(0);
@@ -247,8 +247,8 @@ void search_Song_Internet_Form::play_Downloaded(const std::u16string &path) {
         player.open_File(path);
         player.play_Sub();
     } else {
-        windows().MsgBox(app_.Language().msg_Bad_Path, platform::MsgBoxButtons::Ok,
-                         platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
+        app_.platform().windows.MsgBox(app_.Language().msg_Bad_Path, platform::MsgBoxButtons::Ok,
+                                       platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
     }
     if (player.get_Length() == 0)
         app_.Main().stop_Sub();

@@ -136,7 +136,8 @@ void welcomeForm::Start(bool silent) {
 
 void welcomeForm::giveUp(std::u16string_view text, bool isTold) {
     if (isTold)
-        windows().MsgBox(text, MsgBoxButtons::Ok, MsgBoxIcon::Critical, app_.Language().msg_Error);
+        app_.platform().windows.MsgBox(text, MsgBoxButtons::Ok, MsgBoxIcon::Critical,
+                                       app_.Language().msg_Error);
     app_.Main().welcome.setVisible(true);
     close_Click();
 }
@@ -152,9 +153,10 @@ bool welcomeForm::checkVersion() {
                true);
         return false;
     }
-    windows().MsgBox(u"您当前的程序与资讯要求匹配版本低，但是依然可以获取正确数据加载，"
-                     u"我们建议您更新的程序以便更好的体验！",
-                     MsgBoxButtons::Ok, MsgBoxIcon::Information, u"友情提示");
+    app_.platform().windows.MsgBox(
+        u"您当前的程序与资讯要求匹配版本低，但是依然可以获取正确数据加载，"
+        u"我们建议您更新的程序以便更好的体验！",
+        MsgBoxButtons::Ok, MsgBoxIcon::Information, u"友情提示");
     show();
     return true;
 }
@@ -178,7 +180,7 @@ bool welcomeForm::fetch_Welcome() {
             app_.system_SpecialFolder().get_Special_Folder(folderTemporary)))
         return false;
     app_.saveOrOpenFile().shellDel(welcome_File);
-    windows().DoEvents();
+    app_.platform().windows.DoEvents();
     welcome_Result = app_.platform().internet.URLDownloadToFileA(welcome_Url, welcome_File);
     return welcome_Result == 0;
 }

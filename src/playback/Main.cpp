@@ -160,8 +160,9 @@ void Main::videoScreen_Button_Click() {
 void Main::playInfo_Click() {
     velmora::playInfo_Form &info = app_.playInfo_Form();
     if (app_.player().get_Length() == 0 || (!app_.lrcForm().Timer1.running() && !info.visible())) {
-        windows().MsgBox(app_.Language().msg_No_Track_Info, platform::MsgBoxButtons::Ok,
-                         platform::MsgBoxIcon::Exclamation, app_.Language().msg_Error);
+        app_.platform().windows.MsgBox(
+            app_.Language().msg_No_Track_Info, platform::MsgBoxButtons::Ok,
+            platform::MsgBoxIcon::Exclamation, app_.Language().msg_Error);
         info.hide();
     } else {
         info.setVisible(!info.visible());
@@ -172,8 +173,9 @@ void Main::desktop_Lrc_Click() {
     velmora::lrcForm &lyric = app_.lrcForm();
     if (app_.player().get_Length() == 0 ||
         (!lyric.Timer1.running() && !app_.playInfo_Form().visible())) {
-        windows().MsgBox(app_.Language().msg_No_Track_Desktop_Lrc, platform::MsgBoxButtons::Ok,
-                         platform::MsgBoxIcon::Exclamation, app_.Language().msg_Error);
+        app_.platform().windows.MsgBox(
+            app_.Language().msg_No_Track_Desktop_Lrc, platform::MsgBoxButtons::Ok,
+            platform::MsgBoxIcon::Exclamation, app_.Language().msg_Error);
         return;
     }
     if (!lyric.hasLrc) {
@@ -237,7 +239,7 @@ void Main::Flash_Window() {
     // Counted anew at each call, so the stop at two never comes: one flash a call.
     std::int16_t count = 0;
     if (flash_Request != 0 && count < 2) {
-        windows().FlashWindow(hWnd(), true);
+        app_.platform().windows.FlashWindow(hWnd(), true);
         ++count;
     }
 }

@@ -13,6 +13,7 @@
 #include "playback/player.h"
 #include "playlist/playList_Form.h"
 #include "ui/formSet.h"
+#include "ui/marquee.h"
 #include "velmora.h"
 
 namespace velmora {
@@ -102,7 +103,7 @@ void Main::rollCaption() {
     const auto cut = static_cast<std::size_t>(rotation_Count);
     rotation_Text = (cut < whole.size() ? whole.substr(cut) : std::u16string()) + u"  -  " + whole;
     setCaption(rotation_Text);
-    windows().setAppTitle(rotation_Text);
+    app_.platform().windows.setAppTitle(rotation_Text);
 }
 
 // --- dragging ------------------------------------------------------------------------------------

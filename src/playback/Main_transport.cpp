@@ -80,8 +80,8 @@ void Main::take_Chosen_File(std::u16string path) {
     setEnabled(true);
     chosen_File.clear();
     if (failure && failure->number() == ErrorNumber::Overflow) {
-        windows().MsgBox(failure->description(), platform::MsgBoxButtons::Ok,
-                         platform::MsgBoxIcon::Critical, title.caption());
+        app_.platform().windows.MsgBox(failure->description(), platform::MsgBoxButtons::Ok,
+                                       platform::MsgBoxIcon::Critical, title.caption());
     }
 }
 
@@ -110,8 +110,8 @@ void Main::takeChosenFile(const std::u16string &path) {
         player.open_File(path);
         player.play_Sub();
     } else {
-        windows().MsgBox(app_.Language().msg_Bad_Path, platform::MsgBoxButtons::Ok,
-                         platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
+        app_.platform().windows.MsgBox(app_.Language().msg_Bad_Path, platform::MsgBoxButtons::Ok,
+                                       platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
     }
     if (player.get_Length() == 0) {
         stop_Sub();

@@ -95,7 +95,7 @@ void MenuForm::loadListMenu() {
 
 void MenuForm::open_Menu(forms::Form &owner) {
     if (!ListWork::isGoingOn(app_)) {
-        windows().PopupMenu(owner, menu);
+        app_.platform().windows.PopupMenu(owner, menu);
     }
 }
 

@@ -57,7 +57,7 @@ void VideoScreen_Form::setFullScreen(bool keep) {
         if (!keep) {
             app_.player().pause_Sub();
         }
-        move({0, 0, windows().screenWidth(), windows().screenHeight()});
+        move({0, 0, app_.platform().windows.screenWidth(), app_.platform().windows.screenHeight()});
         showTitleRow(false);
         videoScreen.move({0, 0, width(), height()});
         layOut(true, keep);

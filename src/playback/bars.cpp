@@ -7,6 +7,7 @@
 #include "playback/display.h"
 #include "playback/miniForm.h"
 #include "settings/Language.h"
+#include "ui/marquee.h"
 #include "velmora.h"
 
 #include <algorithm>

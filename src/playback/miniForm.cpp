@@ -12,6 +12,7 @@
 #include "playlist/playList_Form.h"
 #include "playlist/saveOrOpenFile.h"
 #include "ui/formSet.h"
+#include "ui/marquee.h"
 #include "ui/zkMySleep.h"
 #include "velmora.h"
 
@@ -138,7 +139,7 @@ void miniForm::tick() {
 
 void miniForm::hideByPointer() {
     PointPixels pointer;
-    if (!windows().GetCursorPos(pointer) || top() > nearTheEdge) {
+    if (!app_.platform().windows.GetCursorPos(pointer) || top() > nearTheEdge) {
         return;
     }
     const auto x = static_cast<Twips>(pointer.x);

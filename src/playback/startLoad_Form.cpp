@@ -141,8 +141,9 @@ void startLoad_Form::checkInstances() {
         return;
     }
     if (alreadyRunning()) {
-        windows().MsgBox(app_.Language().msg_Already_Running, platform::MsgBoxButtons::Ok,
-                         platform::MsgBoxIcon::Exclamation, app_.Main().title.caption());
+        app_.platform().windows.MsgBox(
+            app_.Language().msg_Already_Running, platform::MsgBoxButtons::Ok,
+            platform::MsgBoxIcon::Exclamation, app_.Main().title.caption());
         unload();
     }
 }
@@ -201,8 +202,8 @@ void startLoad_Form::checkSound() {
     if (app_.check_SoundDriver_Form().get_CheckResult() != 0) {
         return;
     }
-    windows().MsgBox(app_.Language().msg_No_Sound_Card, platform::MsgBoxButtons::Ok,
-                     platform::MsgBoxIcon::Critical, app_.Main().title.caption());
+    app_.platform().windows.MsgBox(app_.Language().msg_No_Sound_Card, platform::MsgBoxButtons::Ok,
+                                   platform::MsgBoxIcon::Critical, app_.Main().title.caption());
     app_.Main().check_SoundDriver.setVisible(false);
     app_.MenuForm().check_SoundDriver.setEnabled(false);
 }
@@ -239,8 +240,9 @@ void startLoad_Form::loadLyricFonts() {
 void startLoad_Form::checkSafeMode() {
     const std::int32_t boot = app_.platform().processes.cleanBoot();
     if (boot == 1 || boot == 2) {
-        windows().MsgBox(app_.Language().msg_Safe_Mode, platform::MsgBoxButtons::Ok,
-                         platform::MsgBoxIcon::Exclamation, app_.Main().title.caption());
+        app_.platform().windows.MsgBox(app_.Language().msg_Safe_Mode, platform::MsgBoxButtons::Ok,
+                                       platform::MsgBoxIcon::Exclamation,
+                                       app_.Main().title.caption());
     }
 }
 

@@ -4,12 +4,12 @@
 #include "base/text.h"
 #include "platform/contracts/windows.h"
 #include "playback/Main.h"
-#include "playback/display.h"
 #include "playlist/Search.h"
 #include "playlist/another_PlayInfo_Form.h"
 #include "playlist/saveOrOpenFile.h"
 #include "settings/Language.h"
 #include "ui/formSet.h"
+#include "ui/marquee.h"
 #include "velmora.h"
 
 namespace velmora {
@@ -44,8 +44,9 @@ void playInfo_Form::anotherInfo_Button_Click() {
 void playInfo_Form::openLrcFile_Click() {
     const std::u16string folder = app_.Search().getFolderPart(lrc_Path_Str.text());
     if (folder.empty()) {
-        windows().MsgBox(u"歌词文件地址解析错误，无法打开！", platform::MsgBoxButtons::Ok,
-                         platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
+        app_.platform().windows.MsgBox(u"歌词文件地址解析错误，无法打开！",
+                                       platform::MsgBoxButtons::Ok, platform::MsgBoxIcon::Critical,
+                                       app_.Language().msg_Error);
         return;
     }
     app_.saveOrOpenFile().shellOpen(folder);

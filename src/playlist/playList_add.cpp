@@ -32,8 +32,8 @@ constexpr std::u16string_view subfoldersQuestion =
 void playList_Form::showError(const std::optional<RunTimeError> &error,
                               std::u16string_view heading) {
     if (error) {
-        windows().MsgBox(error->description(), platform::MsgBoxButtons::Ok,
-                         platform::MsgBoxIcon::Critical, heading);
+        app_.platform().windows.MsgBox(error->description(), platform::MsgBoxButtons::Ok,
+                                       platform::MsgBoxIcon::Critical, heading);
     }
 }
 
@@ -63,7 +63,7 @@ bool playList_Form::isFolderChoice(std::u16string_view folder) const {
 
 void playList_Form::deselectAll() {
     for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
-        windows().DoEvents();
+        app_.platform().windows.DoEvents();
         playList_Item.setSelected(row, false);
     }
 }
@@ -72,7 +72,7 @@ void playList_Form::deselectAll() {
 void playList_Form::selectNamesakes(const std::u16string &stem, bool containing, bool pumping) {
     for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
         if (pumping) {
-            windows().DoEvents();
+            app_.platform().windows.DoEvents();
             playList_Item.setSelected(row, false);
         }
         const std::u16string &name = playList_Item.list(row);
@@ -109,8 +109,8 @@ void playList_Form::takeFile(const std::u16string &path) {
         playList_Item.addItem(stem);
         List1.addItem(path);
     } else {
-        windows().MsgBox(app_.Language().msg_Bad_Path, platform::MsgBoxButtons::Ok,
-                         platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
+        app_.platform().windows.MsgBox(app_.Language().msg_Bad_Path, platform::MsgBoxButtons::Ok,
+                                       platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
     }
 }
 
@@ -132,9 +132,9 @@ void playList_Form::addDir_Click() {
     } else if (!folder.empty()) {
         std::vector<std::u16string> folders = {folder};
         const bool deep =
-            windows().MsgBox(subfoldersQuestion, platform::MsgBoxButtons::YesNo,
-                             platform::MsgBoxIcon::None,
-                             app_.Main().title.caption()) == platform::MsgBoxResult::Yes;
+            app_.platform().windows.MsgBox(
+                subfoldersQuestion, platform::MsgBoxButtons::YesNo, platform::MsgBoxIcon::None,
+                app_.Main().title.caption()) == platform::MsgBoxResult::Yes;
         waitAdd.setVisible(true);
         ++walk_;
         if (deep) {
@@ -154,7 +154,7 @@ void playList_Form::addDir_Click() {
 // For each folder, too: a thousand folders without any entry to show must not leave the window
 // dead.
 void playList_Form::answerEvents(std::optional<RunTimeError> &pending) {
-    const auto error = trapped([this] { windows().DoEvents(); });
+    const auto error = trapped([this] { app_.platform().windows.DoEvents(); });
     if (error) {
         pending = error;
     }
@@ -171,7 +171,7 @@ std::vector<std::u16string> playList_Form::walkFolders(const std::u16string &fir
         for (const std::u16string &name :
              app_.platform().files.list(folder, platform::SearchFor::Folders, walk_)) {
             const auto error = trapped([&] {
-                windows().DoEvents();
+                app_.platform().windows.DoEvents();
                 const std::u16string found = folder + name + separator;
                 showProgress(u"Folders：" + decimal(static_cast<std::int64_t>(folders.size())) +
                                  crLf + found,
@@ -196,7 +196,7 @@ void playList_Form::addFilesOf(const std::u16string &folder, bool passing,
     for (const std::u16string &name :
          app_.platform().files.list(folder, platform::SearchFor::Files, walk_)) {
         const auto error = trapped([&] {
-            windows().DoEvents();
+            app_.platform().windows.DoEvents();
             path = folder;
             path += trim(name);
             showProgress(path, app_.Language().msg_Loading_Tracks);
@@ -236,7 +236,7 @@ void playList_Form::filesDropped(const std::vector<std::u16string> &paths, Twips
             playList_Item.setSelected(row, false);
         }
         for (const std::u16string &path : paths) {
-            windows().DoEvents();
+            app_.platform().windows.DoEvents();
             dropOne(path, y);
         }
     });
@@ -280,7 +280,7 @@ void playList_Form::addDroppedFolder(const std::u16string &folder) {
         for (const std::u16string &name :
              app_.platform().files.list(folder, platform::SearchFor::Files)) {
             passOver([&] {
-                windows().DoEvents();
+                app_.platform().windows.DoEvents();
                 const std::u16string path = folder + std::u16string(trim(name));
                 showProgress(path, app_.Language().msg_Loading_Tracks);
                 if (!app_.Search().isSupportedFormat(path)) {

@@ -135,8 +135,9 @@ void playList_Form::to_Folder(const ListChoice &chosen) {
         return;
     }
     if (chosen.selected.empty()) {
-        windows().MsgBox(app_.Language().msg_Select_One_File, platform::MsgBoxButtons::Ok,
-                         platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
+        app_.platform().windows.MsgBox(app_.Language().msg_Select_One_File,
+                                       platform::MsgBoxButtons::Ok, platform::MsgBoxIcon::Critical,
+                                       app_.Language().msg_Error);
         return;
     }
     const ListWork still(app_);
@@ -172,8 +173,9 @@ void playList_Form::open_Folder(const ListChoice &chosen) {
         return;
     }
     if (chosen.selected.size() != 1) {
-        windows().MsgBox(app_.Language().msg_One_Dir_Only, platform::MsgBoxButtons::Ok,
-                         platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
+        app_.platform().windows.MsgBox(app_.Language().msg_One_Dir_Only,
+                                       platform::MsgBoxButtons::Ok, platform::MsgBoxIcon::Critical,
+                                       app_.Language().msg_Error);
         return;
     }
     // The current row, which need not be the selected one.

@@ -53,9 +53,9 @@ std::int32_t playList_Form::countOf(const Paths &chosen) const {
 }
 
 bool playList_Form::isSure() {
-    return windows().MsgBox(sureQuestion, platform::MsgBoxButtons::YesNo,
-                            platform::MsgBoxIcon::None,
-                            app_.Main().title.caption()) == platform::MsgBoxResult::Yes;
+    return app_.platform().windows.MsgBox(
+               sureQuestion, platform::MsgBoxButtons::YesNo, platform::MsgBoxIcon::None,
+               app_.Main().title.caption()) == platform::MsgBoxResult::Yes;
 }
 
 void playList_Form::removeRow(std::int32_t row) {
@@ -117,7 +117,7 @@ void playList_Form::delOne(std::int16_t mode, bool all, const ListChoice &choice
     }
     std::u16string report;
     for (std::int32_t done = 0; done < count; ++done) {
-        windows().DoEvents();
+        app_.platform().windows.DoEvents();
         // The indices shift after each removal.
         const std::int32_t row = lowestOf(chosen);
         if (row < 0) {

@@ -108,7 +108,7 @@ void playList_Form::openMenu() {
         if (!pointed_) {
             pointed_ = choice();
         }
-        windows().PopupMenu(*this, app_.MenuForm().playlist_Menu);
+        app_.platform().windows.PopupMenu(*this, app_.MenuForm().playlist_Menu);
     }
     pointed_.reset();
 }

@@ -7,10 +7,10 @@
 #include "playback/Main.h"
 #include "playback/VideoScreen_Form.h"
 #include "playback/check_SoundDriver_Form.h"
-#include "playback/display.h"
 #include "playback/miniForm.h"
 #include "settings/language_common.h"
 #include "settings/language_tables.h"
+#include "ui/marquee.h"
 
 namespace velmora {
 

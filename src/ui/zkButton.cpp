@@ -125,9 +125,8 @@ void zkButton::assemble(std::size_t index) const {
     const int pictureWidth = edgesAcross * edge;
     const int pictureHeight = edgesDown * edge;
     platform::DeviceContext picture;
-    platform::SelectObject(picture,
-                           std::make_shared<forms::Surface>(form().windows().pictureSurface(
-                               pictures[index], pictureWidth, pictureHeight)));
+    platform::SelectObject(picture, std::make_shared<forms::Surface>(form().host().pictureSurface(
+                                        pictures[index], pictureWidth, pictureHeight)));
     platform::DeviceContext &target = state_DC_[index];
     platform::Bitmap bitmap = platform::CreateCompatibleBitmap(width, height);
     platform::SelectObject(target, bitmap);

@@ -134,7 +134,7 @@ void FakeWindows::formGone(forms::Form &form) {
     hooks_.erase(form.hWnd());
 }
 
-std::unique_ptr<platform::FormWindow> FakeWindows::makeWindow(forms::Form &form) {
+std::unique_ptr<forms::FormWindow> FakeWindows::makeWindow(forms::Form &form) {
     return std::make_unique<FakeFormWindow>(*this, form);
 }
 

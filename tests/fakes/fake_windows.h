@@ -22,7 +22,7 @@ class FakeClock;
 class FakeWindows;
 
 // What a window was told, in order.
-class FakeFormWindow : public platform::FormWindow {
+class FakeFormWindow : public forms::FormWindow {
 public:
     struct Told {
         std::string control; // empty: the form itself
@@ -125,7 +125,7 @@ public:
     // --- the contract ----------------------------------------------------------------------------
     platform::HWND formMade(forms::Form &form) override;
     void formGone(forms::Form &form) override;
-    std::unique_ptr<platform::FormWindow> makeWindow(forms::Form &form) override;
+    std::unique_ptr<forms::FormWindow> makeWindow(forms::Form &form) override;
     forms::TimerQueue &timers() override { return timers_; }
     void DoEvents() override;
     void whenIdle(std::function<void()> work) override;

@@ -199,7 +199,7 @@ std::string writeHeader(const Design &design, const std::string &path) {
     for (const auto include : includes)
         out << "#include \"" << include << "\"\n";
     out << "\nnamespace velmora {\n\nclass " << name << " : public forms::Form {\npublic:\n"
-        << "    explicit " << name << "(platform::WindowSystem &windows);\n"
+        << "    explicit " << name << "(forms::Host &windows);\n"
         << "    ~" << name << "() override;\n\n";
     writeMembers(design.form, "*this", out);
     out << "};\n\n} // namespace velmora\n";
@@ -231,9 +231,8 @@ std::string writeSource(const Design &design, const std::string &path) {
         << "#include \"" << path << ".design.h\"\n\nnamespace velmora {\n\n";
     if (body.usesFonts())
         out << makeFont;
-    out << name << "::" << name
-        << "(platform::WindowSystem &windows)\n    : forms::Form(windows, \"" << design.form.name
-        << "\") {\n"
+    out << name << "::" << name << "(forms::Host &windows)\n    : forms::Form(windows, \""
+        << design.form.name << "\") {\n"
         << statements.str() << "}\n\n"
         << "// The window goes first: it must not be told of each control that follows.\n"
         << name << "::~" << name << "() { dropWindow(); }\n\n} // namespace velmora\n";

@@ -4,10 +4,7 @@
 // the tray, text measures. Everything runs on the one interface thread.
 
 #include "base/geometry.h"
-#include "platform/forms/control.h"
-#include "platform/forms/font.h"
-#include "platform/forms/form.h"
-#include "platform/forms/surface.h"
+#include "platform/forms/host.h"
 
 #include <cstdint>
 #include <functional>
@@ -22,27 +19,6 @@ class TimerQueue;
 } // namespace velmora::forms
 
 namespace velmora::platform {
-
-// The window behind one form. Reads everything it shows from the form; is told what changed. Paints
-// nothing while it cannot be seen.
-class FormWindow {
-public:
-    virtual ~FormWindow() = default;
-    // `before` is the control's rectangle in form coordinates ahead of a Place change; else its
-    // present one.
-    virtual void controlChanged(forms::Control &control, forms::Change what,
-                                const RectTwips &before) = 0;
-    virtual void controlGone(forms::Control &control) = 0;
-    virtual void formChanged(forms::FormChange what, const RectTwips &before) = 0;
-    // Paints what is outstanding, at once and without handling input. `control` null: all of it.
-    virtual void refresh(forms::Control *control) = 0;
-    virtual void raise() = 0;
-    virtual void focus(forms::Control *control) = 0;
-    // The native window of a picture box (see PictureBox::hWnd).
-    virtual std::uintptr_t pictureWindow(forms::PictureBox &box) = 0;
-    // Device pixels of a logical pixel. When it changes the window calls Form::scaleChanged.
-    virtual double scaleFactor() const { return 1.0; }
-};
 
 // --- window operations by their platform names ---------------------------------------------------
 
@@ -81,33 +57,13 @@ enum class MsgBoxButtons : std::uint8_t { Ok, YesNo, YesNoCancel };
 enum class MsgBoxIcon : std::uint8_t { None, Critical, Question, Exclamation, Information };
 enum class MsgBoxResult : std::uint8_t { Ok = 1, Cancel = 2, Yes = 6, No = 7 };
 
-class WindowSystem {
+class WindowSystem : public forms::Host {
 public:
-    virtual ~WindowSystem() = default;
-
-    // --- forms ------------------------------------------------------------------------------
-    // Each form reports itself while it lives; the answer is its number.
-    virtual HWND formMade(forms::Form &form) = 0;
-    virtual void formGone(forms::Form &form) = 0;
-    virtual std::unique_ptr<FormWindow> makeWindow(forms::Form &form) = 0;
-
     // --- pump and timers ---------------------------------------------------------------------
-    virtual forms::TimerQueue &timers() = 0;
     // Handles what is pending: input, timers, painting. May return at once within 1 ms of the last.
     virtual void DoEvents() = 0;
     // Runs `work` when no handler is active any more, ahead of the next event.
     virtual void whenIdle(std::function<void()> work) = 0;
-
-    // --- text --------------------------------------------------------------------------------
-    virtual forms::TextExtent textExtent(std::u16string_view text, const forms::Font &font) = 0;
-
-    // --- pictures ------------------------------------------------------------------------------
-    // A picture drawn over the whole of a new surface of that many pixels; what it leaves open is
-    // black. For controls that compose their look pixel by pixel.
-    virtual forms::Surface pictureSurface(forms::Picture picture, int width, int height) {
-        (void)picture;
-        return {width, height};
-    }
 
     // --- window operations --------------------------------------------------------------------
     // An unknown window makes each of them fail (0 or false).
@@ -129,11 +85,10 @@ public:
     // --- screen --------------------------------------------------------------------------------
     // The primary monitor. SystemParametersInfoA(SPI_GETWORKAREA) in pixels; false on failure.
     virtual bool SystemParametersInfoA(std::uint32_t action, RectPixels &area) = 0;
+    bool workArea(RectPixels &area) final { return SystemParametersInfoA(SPI_GETWORKAREA, area); }
     // "Shell_TrayWnd" is the task bar; 0 if the class is unknown.
     virtual HWND FindWindowA(std::u16string_view className) = 0;
     virtual bool GetWindowRect(HWND window, RectPixels &rect) = 0;
-    virtual Twips screenWidth() = 0;
-    virtual Twips screenHeight() = 0;
     virtual bool GetCursorPos(PointPixels &position) = 0;
     // Called from the loop after the screens changed: which of them is the primary one, its size or
     // scale, or what panels leave free of it. Empty for nobody.

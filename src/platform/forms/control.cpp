@@ -1,8 +1,8 @@
 #include "platform/forms/control.h"
 
 #include "base/run_time_error.h"
-#include "platform/contracts/windows.h"
 #include "platform/forms/form.h"
+#include "platform/forms/host.h"
 
 #include <algorithm>
 #include <cmath>
@@ -116,7 +116,7 @@ void Control::zOrder(std::int16_t position) {
 }
 
 void Control::refresh() {
-    if (platform::FormWindow *window = form_->window()) {
+    if (FormWindow *window = form_->window()) {
         window->refresh(this);
     }
 }

@@ -1,8 +1,8 @@
 #include "platform/forms/controls.h"
 
-#include "platform/contracts/windows.h"
 #include "platform/forms/dispatch.h"
 #include "platform/forms/form.h"
+#include "platform/forms/host.h"
 
 #include <algorithm>
 

@@ -1,15 +1,15 @@
 #include "platform/forms/form.h"
 
-#include "platform/contracts/windows.h"
 #include "platform/forms/dispatch.h"
+#include "platform/forms/host.h"
 #include "platform/forms/user_control.h"
 
 #include <cmath>
 
 namespace velmora::forms {
 
-Form::Form(platform::WindowSystem &windows, const char *name)
-    : windows_(windows), name_(name), hWnd_(windows.formMade(*this)) {}
+Form::Form(Host &host, const char *name)
+    : host_(host), name_(name), hWnd_(host.formMade(*this)) {}
 
 Form::~Form() {
     for (Watch *watch = watches_; watch != nullptr; watch = watch->outer_) {
@@ -17,7 +17,7 @@ Form::~Form() {
         watch->form_ = nullptr;
     }
     window_.reset();
-    windows_.formGone(*this);
+    host_.formGone(*this);
 }
 
 Watch::Watch(const Control &control) noexcept
@@ -66,12 +66,12 @@ void Form::setStartCentred(bool centred) {
     }
     RectPixels area;
     RectTwips place = place_;
-    if (windows_.SystemParametersInfoA(platform::SPI_GETWORKAREA, area)) {
+    if (host_.workArea(area)) {
         place.left = static_cast<Twips>(area.left + area.right) * twipsPerPixel / 2;
         place.top = static_cast<Twips>(area.top + area.bottom) * twipsPerPixel / 2;
     } else {
-        place.left = windows_.screenWidth() / 2;
-        place.top = windows_.screenHeight() / 2;
+        place.left = host_.screenWidth() / 2;
+        place.top = host_.screenHeight() / 2;
     }
     const auto wholePixels = [](Twips twips) {
         return std::round(twips / twipsPerPixel) * twipsPerPixel;
@@ -204,7 +204,7 @@ bool Form::unload() {
 }
 
 TextExtent Form::textExtent(std::u16string_view text, const Font &font) const {
-    return windows_.textExtent(text, font);
+    return host_.textExtent(text, font);
 }
 
 void Form::setFocus(Control *control) {
@@ -243,9 +243,9 @@ void Form::closeRequested() {
     }
 }
 
-platform::FormWindow &Form::ensureWindow() {
+FormWindow &Form::ensureWindow() {
     if (!window_) {
-        window_ = windows_.makeWindow(*this);
+        window_ = host_.makeWindow(*this);
         if (window_->scaleFactor() != 1.0) {
             scaleChanged();
         }

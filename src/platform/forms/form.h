@@ -12,12 +12,13 @@
 #include <optional>
 
 namespace velmora::platform {
-class WindowSystem;
-class FormWindow;
 using HWND = std::uintptr_t;
 } // namespace velmora::platform
 
 namespace velmora::forms {
+
+class FormWindow;
+class Host;
 
 enum class WindowState : std::uint8_t { Normal = 0, Minimised = 1 };
 
@@ -35,7 +36,7 @@ enum class FormChange : std::uint8_t {
 
 class Form : public Container {
 public:
-    Form(platform::WindowSystem &windows, const char *name);
+    Form(Host &host, const char *name);
     ~Form() override;
     Form(const Form &) = delete;
     Form &operator=(const Form &) = delete;
@@ -43,7 +44,7 @@ public:
     Form &containerForm() noexcept override { return *this; }
     Control *asControl() noexcept override { return nullptr; }
     const char *name() const noexcept { return name_; }
-    platform::WindowSystem &windows() const noexcept { return windows_; }
+    Host &host() const noexcept { return host_; }
 
     // The form's number for the window operations; never 0, never reused in a run.
     platform::HWND hWnd() const noexcept { return hWnd_; }
@@ -183,8 +184,8 @@ public:
     Control *controlAt(PointTwips at) const;
 
     // The window behind the form, made when first needed; null before.
-    platform::FormWindow *window() const noexcept { return window_.get(); }
-    platform::FormWindow &ensureWindow();
+    FormWindow *window() const noexcept { return window_.get(); }
+    FormWindow &ensureWindow();
 
 protected:
     // Lets the window behind the form go, for the end of a design's life: its controls end next,
@@ -208,10 +209,10 @@ private:
     void formChanged(FormChange what);
     void placeChanged(const RectTwips &before);
 
-    platform::WindowSystem &windows_;
+    Host &host_;
     const char *name_;
     platform::HWND hWnd_;
-    std::unique_ptr<platform::FormWindow> window_;
+    std::unique_ptr<FormWindow> window_;
     std::unique_ptr<FormEvents> events_;
     std::u16string caption_;
     RectTwips place_;

@@ -1,8 +1,8 @@
 #include "platform/forms/timer.h"
 
-#include "platform/contracts/windows.h"
 #include "platform/forms/dispatch.h"
 #include "platform/forms/form.h"
+#include "platform/forms/host.h"
 
 #include <algorithm>
 
@@ -12,7 +12,7 @@ Timer::Timer(Container &container, const char *name) : Control(container, name) 
     setVisible(false);
 }
 
-Timer::~Timer() { form().windows().timers().forget(*this); }
+Timer::~Timer() { form().host().timers().forget(*this); }
 
 void Timer::setInterval(std::int32_t intervalMs) {
     if (intervalMs_ == intervalMs) {
@@ -31,7 +31,7 @@ void Timer::setRunning(bool running) {
 }
 
 void Timer::schedule() {
-    TimerQueue &queue = form().windows().timers();
+    TimerQueue &queue = form().host().timers();
     queue.remove(*this);
     if (running_ && intervalMs_ > 0) {
         queue.add(*this);

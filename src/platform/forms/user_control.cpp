@@ -1,13 +1,13 @@
 #include "platform/forms/user_control.h"
 
-#include "platform/contracts/windows.h"
 #include "platform/forms/dispatch.h"
 #include "platform/forms/form.h"
+#include "platform/forms/host.h"
 
 namespace velmora::forms {
 
 double UserControl::scale() const noexcept {
-    const platform::FormWindow *window = form().window();
+    const FormWindow *window = form().window();
     return window != nullptr ? window->scaleFactor() : 1.0;
 }
 

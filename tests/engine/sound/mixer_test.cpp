@@ -1,4 +1,5 @@
 #include "platform/backends/sound/output/mixer.h"
+#include "platform/backends/sound/readers/stereo_mix.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

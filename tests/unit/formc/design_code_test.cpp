@@ -35,7 +35,7 @@ TEST(DesignCode, MembersHaveTheNamesAndTypesOfTheDesign) {
                "zkButton OK\n    at 0 0\n    size 9 9\n")
             .header;
     EXPECT_THAT(header, HasSubstr("class F_Design : public forms::Form"));
-    EXPECT_THAT(header, HasSubstr("explicit F_Design(platform::WindowSystem &windows);"));
+    EXPECT_THAT(header, HasSubstr("explicit F_Design(forms::Host &windows);"));
     EXPECT_THAT(header, HasSubstr("forms::PictureBox box{*this, \"box\"};\n"
                                   "    forms::Label inner{box, \"inner\"};\n"
                                   "    forms::Menu menu{*this, \"menu\"};\n"

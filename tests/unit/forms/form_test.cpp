@@ -39,7 +39,7 @@ TEST_F(FormTest, TheWindowIsMadeWhenTheFormIsFirstShown) {
     form.show();
     EXPECT_NE(form.window(), nullptr);
     EXPECT_TRUE(form.visible());
-    const platform::FormWindow *window = form.window();
+    const forms::FormWindow *window = form.window();
     form.hide();
     form.show();
     EXPECT_EQ(form.window(), window);

@@ -29,7 +29,7 @@ public:
     explicit SayingWindows(fakes::FakePlatform &fake) : FakeWindows(fake.clock), fake_(fake) {}
     std::vector<Said> said;
 
-    std::unique_ptr<platform::FormWindow> makeWindow(forms::Form &form) override {
+    std::unique_ptr<forms::FormWindow> makeWindow(forms::Form &form) override {
         return std::make_unique<SayingWindow>(*this, form);
     }
 

@@ -222,7 +222,7 @@ class PanelWatch : public fakes::FakeWindows {
 public:
     using FakeWindows::FakeWindows;
     Texts painted;
-    std::unique_ptr<platform::FormWindow> makeWindow(forms::Form &form) override {
+    std::unique_ptr<forms::FormWindow> makeWindow(forms::Form &form) override {
         return std::make_unique<WatchingWindow>(*this, form);
     }
 

@@ -19,7 +19,7 @@ public:
 class DenseWindows : public fakes::FakeWindows {
 public:
     using FakeWindows::FakeWindows;
-    std::unique_ptr<platform::FormWindow> makeWindow(forms::Form &form) override {
+    std::unique_ptr<forms::FormWindow> makeWindow(forms::Form &form) override {
         return std::make_unique<DenseWindow>(*this, form);
     }
 };

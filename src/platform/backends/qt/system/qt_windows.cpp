@@ -137,7 +137,7 @@ void QtWindowSystem::formGone(forms::Form &form) {
     std::erase_if(parts_->hub.forms, [&](const auto &entry) { return entry.second.form == &form; });
 }
 
-std::unique_ptr<FormWindow> QtWindowSystem::makeWindow(forms::Form &form) {
+std::unique_ptr<forms::FormWindow> QtWindowSystem::makeWindow(forms::Form &form) {
     return std::make_unique<qt::QtFormWindow>(parts_->hub, form);
 }
 

@@ -47,7 +47,7 @@ public:
 
     HWND formMade(forms::Form &form) override;
     void formGone(forms::Form &form) override;
-    std::unique_ptr<FormWindow> makeWindow(forms::Form &form) override;
+    std::unique_ptr<forms::FormWindow> makeWindow(forms::Form &form) override;
 
     forms::TimerQueue &timers() override;
     void DoEvents() override;

@@ -15,7 +15,7 @@ namespace velmora::platform::qt {
 
 class TopWidget;
 
-class QtFormWindow : public FormWindow {
+class QtFormWindow : public forms::FormWindow {
 public:
     QtFormWindow(Hub &hub, forms::Form &form);
     ~QtFormWindow() override;

@@ -1,10 +1,9 @@
 #pragma once
 
-// From the channels of a file to the two that are heard, and the gain on the way.
+// The gain of the two channels that are heard.
 
 #include "platform/backends/media/device.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -43,20 +42,6 @@ private:
     GainMatrix to_;
     std::int64_t start_ = 0;
     std::int64_t length_ = 0;
-};
-
-// Turns interleaved frames of any number of channels into stereo frames. One channel goes to both
-// sides; of more than two, in the order of wave files, the middle and the surrounds go to their
-// sides at -3 dB, and the whole is scaled so that it cannot grow beyond full scale.
-class StereoMix {
-public:
-    explicit StereoMix(int channels);
-    void mix(const float *in, float *out, std::size_t frames) const;
-
-private:
-    int channels_;
-    std::array<float, 64> left_{};
-    std::array<float, 64> right_{};
 };
 
 } // namespace velmora::platform::sound

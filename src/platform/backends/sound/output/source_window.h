@@ -3,8 +3,8 @@
 // The decoded part of a file around what is being heard. It is kept so that frames that were
 // already handed on can be rendered again with another gain without decoding them again.
 
-#include "platform/backends/sound/output/mixer.h"
 #include "platform/backends/sound/readers/reader.h"
+#include "platform/backends/sound/readers/stereo_mix.h"
 
 #include <algorithm>
 #include <cstdint>

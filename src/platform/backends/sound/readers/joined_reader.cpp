@@ -1,7 +1,7 @@
-#include "platform/backends/sound/output/mixer.h"
 #include "platform/backends/sound/readers/joined_parts.h"
 #include "platform/backends/sound/readers/reader.h"
 #include "platform/backends/sound/readers/resampler.h"
+#include "platform/backends/sound/readers/stereo_mix.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,6 +1,6 @@
 // One step of a rolling text.
 
-#include "playback/display.h"
+#include "ui/marquee.h"
 
 #include <gtest/gtest.h>
 
