@@ -8,8 +8,7 @@
 
 namespace velmora::forms {
 
-Form::Form(Host &host, const char *name)
-    : host_(host), name_(name), hWnd_(host.formMade(*this)) {}
+Form::Form(Host &host, const char *name) : host_(host), name_(name), hWnd_(host.formMade(*this)) {}
 
 Form::~Form() {
     for (Watch *watch = watches_; watch != nullptr; watch = watch->outer_) {
