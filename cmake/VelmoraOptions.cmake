@@ -47,6 +47,8 @@ if(VELMORA_SANITIZE)
     target_compile_options(velmora_flags INTERFACE
         -fsanitize=${VELMORA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     target_link_options(velmora_flags INTERFACE -fsanitize=${VELMORA_SANITIZE})
+    # For the few tests that measure what a sanitizer changes; compilers tell of it in ways of their own.
+    target_compile_definitions(velmora_flags INTERFACE VELMORA_SANITIZED)
 endif()
 if(VELMORA_FUZZ)
     target_compile_options(velmora_flags INTERFACE -fsanitize=fuzzer-no-link)

@@ -203,7 +203,7 @@ TEST_F(HttpResponse, OfTwoGigabytesIsNotFetchedAhead) {
         ASSERT_TRUE(internet().InternetReadFile(sent.request, 1024, bytes));
     rusage after{};
     ::getrusage(RUSAGE_SELF, &after);
-#ifndef __SANITIZE_ADDRESS__ // it keeps what is freed
+#ifndef VELMORA_SANITIZED // it keeps what is freed
     EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 32 * 1024) << "kilobytes";
 #endif
     // What the sockets hold is the system's.

@@ -20,7 +20,7 @@ constexpr double seconds = 2.5;
 
 // The ordinary run takes some rates and cuts of each form, and of some forms no odd ones.
 bool isWhole() { return std::getenv("VELMORA_WHOLE_TABLE") != nullptr; }
-#ifdef __SANITIZE_ADDRESS__
+#ifdef VELMORA_SANITIZED
 constexpr bool isSanitized = true; // everything lasts many times as long
 #else
 constexpr bool isSanitized = false;
