@@ -1,16 +1,17 @@
 #!/usr/bin/env bash
 # Plays the demonstration piece on a virtual display and keeps screenshots.
 #
-#   scripts/demo.sh FOLDER_OF_BUILDS
+#   scripts/demo.sh BUILD_FOLDER OUTPUT_FOLDER
 #
-# Everything happens in the folder demo beside the builds: a home of its own for the player, a sound server with a null
-# sink, a display with a window manager. Ends by itself; status 0 when the player was seen playing
+# Everything happens in the output folder: a home of its own for the player, a sound server with a null sink, a
+# display with a window manager. What the last demonstration left there goes first, and nothing else. Ends by itself; status 0 when the player was seen playing
 # and ended in order.
 set -euo pipefail
-cd "$(dirname "$0")/.."
-build=$1/release
-out=$1/demo
-rm -rf "$out"
+cd -- "$(dirname -- "$0")/.."
+build=$1
+out=$2
+rm -rf "$out/home" "$out/music"
+rm -f "$out"/[0-9]-*.png "$out"/{display,xvfb.log,openbox.log,pulse.log,player.log}
 mkdir -p "$out/home" "$out/music"
 chmod 700 "$out/home"
 

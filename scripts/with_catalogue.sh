@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
 # Serves a folder of music and lyrics on this machine and starts a player that finds them.
 #
-#   scripts/with_catalogue.sh FOLDER_OF_BUILDS MUSIC_FOLDER
+#   scripts/with_catalogue.sh BUILD_FOLDER HOME_FOLDER MUSIC_FOLDER
 #
-# The player's settings, lists and downloads lie in build/catalogue-home, so that nothing of this
+# The player's settings, lists and downloads lie in the home folder, so that nothing of this
 # stays behind in the user's own. The server ends with the player.
 set -euo pipefail
-build=$1/release
-music=$2
-home=$1/catalogue-home
+build=$1
+home=$2
+music=$3
 mkdir -p "$home/config" "$home/data" "$home/cache" "$home/documents"
 # Between the quotes of that file a backslash stands before what would end or change them.
 printf 'XDG_DOCUMENTS_DIR="%s/documents"\n' "$(printf %s "$home" | sed 's/[\\"$`]/\\&/g')" >"$home/config/user-dirs.dirs"

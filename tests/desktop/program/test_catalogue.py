@@ -45,12 +45,12 @@ class Script(PlayerTest):
         build = os.path.dirname(os.path.dirname(PROGRAM))
         with open(starter, "w", encoding="utf-8") as file:
             file.write(f"#!/bin/sh\nexec '{self.script}' '{os.path.realpath(build)}' "
-                       f"'{self.music}'\n")
+                       f"'{self.place}/catalogue-home' '{self.music}'\n")
         os.chmod(starter, 0o755)
         player = ScriptPlayer(self.session, starter)
         main = player.window()
         self.assertTrue(main, "the main window does not come up")
-        with open(self.place + "/build/catalogue-home/catalogue.log", encoding="utf-8") as log:
+        with open(self.place + "/catalogue-home/catalogue.log", encoding="utf-8") as log:
             address = re.search(r"http://[^\s/]+", log.read())[0]
         return player, main, address
 
