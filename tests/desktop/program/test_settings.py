@@ -329,7 +329,7 @@ class ByKeyboard(SettingsTest):
             settings = self.open_page(tab)
             top = self.steady_page(settings)
             self.keys("Next", "Next")
-            self.assertNotEqual(self.steady_page(settings), top, f"{tab} does not scroll")
+            self.assertTrue(self.steady_page(settings) != top, f"{tab} does not scroll")
             self.keys("ctrl+s")
             self.assert_closed()
 

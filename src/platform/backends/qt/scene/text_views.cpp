@@ -93,6 +93,8 @@ private:
     void showLook() {
         edit_->setFont(tools_.fonts.toolkitFont(box_.font()));
         edit_->setPalette(paletteFor(box_, edit_->palette()));
+        // The colour of letters that the program draws itself is in no palette.
+        edit_->update();
     }
 };
 
