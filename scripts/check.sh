@@ -50,7 +50,8 @@ main               *
 tools/skinc        base
 tools/formc        base
 tools/preview      base forms qt/paint qt/screen
-tools/catalogue    base contracts text linux registry
+tools/registry_tool base text linux registry
+tools/catalogue    base contracts text linux registry tools/registry_tool
 tools/demo_piece
 END
 # The program, the control model, the contracts and the interpreter see no toolkit, no library and nothing of the system,
@@ -86,7 +87,7 @@ layers=$(git grep -nE '^ *# *include *"' -- 'src/*.h' 'src/*.cpp' 'tools/*.h' 't
         from = room(part[1])
         match($0, /"[^"]+"/); name = substr($0, RSTART + 1, RLENGTH - 2)
         top = name; sub("/.*", "", top)
-        to = top == "catalogue" || top == name && name != "velmora.h" ? from : room("src/" name)
+        to = ("tools/" top) in known ? "tools/" top : top == name && name != "velmora.h" ? from : room("src/" name)
         if (!(from in known)) print part[1] ":" part[2] ": stands in no room of the house"
         else if (!((from, to) in may) && !((from, "*") in may)) print part[1] ":" part[2] ": " from " includes " to " (" name ")"
     }'

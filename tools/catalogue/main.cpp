@@ -1,14 +1,17 @@
 // velmora-catalogue: serves a folder of one's own music and lyrics to the player.
 
 #include "catalogue/catalogue.h"
-#include "catalogue/introduce.h"
 #include "catalogue/server.h"
+#include "registry_tool/commands.h"
+
+#include <getopt.h>
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <iostream>
 #include <string>
 
 namespace {
@@ -16,14 +19,18 @@ namespace {
 using namespace velmora::catalogue;
 
 constexpr const char *usage =
-    "velmora-catalogue [OPTIONS] FOLDER\n"
-    "Serves the music and lyrics of FOLDER to Velmora and to browsers.\n"
+    "Usage: velmora-catalogue [OPTION]... FOLDER\n"
+    "   or: velmora-catalogue --introduce FILE --at http://NAME:PORT\n"
+    "Serves the music and lyrics of FOLDER to Velmora and to browsers, until Ctrl+C.\n"
+    "\n"
     "  --port N             the port (8420; 0 takes any free one)\n"
     "  --bind ADDRESS       the address to listen at (127.0.0.1: this machine alone)\n"
     "  --introduce FILE     also write the address into this registry file of a player\n"
-    "Ends with Ctrl+C.\n"
-    "velmora-catalogue --introduce FILE --at http://NAME:PORT\n"
-    "Writes the address of a catalogue elsewhere into a player's registry file, and ends.\n";
+    "  --at URL             with --introduce: the address of a catalogue elsewhere\n"
+    "  -h, --help           this text\n"
+    "  -V, --version        the version\n"
+    "\n"
+    "Status: 0 ended in order, 1 cannot serve, 2 used wrongly.\n";
 
 struct Options {
     std::string folder;
@@ -40,39 +47,64 @@ bool readPort(const char *text, int &port) {
     return end != text && *end == '\0' && value >= 0 && value <= 65535;
 }
 
-bool readOptions(int count, char **words, Options &options) {
-    for (int i = 1; i < count; ++i) {
-        const std::string word = words[i];
-        const char *value = i + 1 < count ? words[i + 1] : nullptr;
-        if (word.substr(0, 2) != "--") {
-            if (!options.folder.empty())
-                return false;
-            options.folder = word;
-            continue;
-        }
-        ++i;
-        if (value == nullptr || (word == "--port" && !readPort(value, options.port)))
-            return false;
-        if (word == "--bind")
-            options.address = value;
-        else if (word == "--introduce")
-            options.registryFile = value;
-        else if (word == "--at")
-            options.elsewhere = value;
-        else if (word != "--port")
-            return false;
-    }
-    if (!options.elsewhere.empty())
-        return options.folder.empty() && !options.registryFile.empty() &&
-               options.elsewhere.substr(0, 7) == "http://";
-    return !options.folder.empty();
+constexpr int goOn = -1;
+
+int misuse(const std::string &what) {
+    std::fprintf(stderr, "velmora-catalogue: %s\nTry velmora-catalogue --help.\n", what.c_str());
+    return 2;
 }
 
-bool introduceOrSay(const std::string &address, const std::string &registryFile) {
-    if (introduce(address, registryFile))
-        return true;
-    std::fprintf(stderr, "velmora-catalogue: cannot write %s\n", registryFile.c_str());
-    return false;
+int checked(const Options &options) {
+    if (options.elsewhere.empty())
+        return options.folder.empty() ? misuse("the folder is missing") : goOn;
+    if (options.registryFile.empty() || !options.folder.empty())
+        return misuse("--at goes with --introduce and without a folder");
+    if (options.elsewhere.substr(0, 7) != "http://")
+        return misuse("an address is http://NAME:PORT, not " + options.elsewhere);
+    return goOn;
+}
+
+// The status where there is nothing more to do.
+int readOptions(int count, char **words, Options &options) {
+    enum : int { portOption = 256, bindOption, introduceOption, atOption };
+    const option known[] = {{"port", required_argument, nullptr, portOption},
+                            {"bind", required_argument, nullptr, bindOption},
+                            {"introduce", required_argument, nullptr, introduceOption},
+                            {"at", required_argument, nullptr, atOption},
+                            {"help", no_argument, nullptr, 'h'},
+                            {"version", no_argument, nullptr, 'V'},
+                            {nullptr, 0, nullptr, 0}};
+    for (int found = 0; (found = getopt_long(count, words, "hV", known, nullptr)) != -1;) {
+        switch (found) {
+        case portOption:
+            if (!readPort(optarg, options.port))
+                return misuse(std::string("a port is a number from 0 to 65535, not ") + optarg);
+            break;
+        case bindOption:
+            options.address = optarg;
+            break;
+        case introduceOption:
+            options.registryFile = optarg;
+            break;
+        case atOption:
+            options.elsewhere = optarg;
+            break;
+        case 'h':
+            std::fputs(usage, stdout);
+            return 0;
+        case 'V':
+            std::puts("velmora-catalogue " VELMORA_VERSION);
+            return 0;
+        default:
+            std::fputs("Try velmora-catalogue --help.\n", stderr);
+            return 2;
+        }
+    }
+    if (count - optind > 1)
+        return misuse(std::string("one folder can be served, not ") + words[optind + 1] + " too");
+    if (optind < count)
+        options.folder = words[optind];
+    return checked(options);
 }
 
 int serve(const Options &options) {
@@ -88,7 +120,8 @@ int serve(const Options &options) {
     const std::size_t lyrics = catalogue.library().lyrics().size();
     const Server server(catalogue, options.address, options.port);
     const std::string address = "http://" + server.hostAndPort();
-    if (!options.registryFile.empty() && !introduceOrSay(address, options.registryFile))
+    if (!options.registryFile.empty() &&
+        !velmora::registry_tool::nameServer(address, options.registryFile, std::cerr))
         return 1;
     std::printf("%zu songs and %zu lyrics at %s/\n", songs, lyrics, address.c_str());
     std::fflush(stdout);
@@ -101,14 +134,14 @@ int serve(const Options &options) {
 
 int main(int count, char **words) {
     Options options;
-    if (!readOptions(count, words, options)) {
-        std::fputs(usage, stderr);
-        return 2;
-    }
+    if (const int status = readOptions(count, words, options); status != goOn)
+        return status;
     try {
-        if (!options.elsewhere.empty())
-            return introduceOrSay(options.elsewhere, options.registryFile) ? 0 : 1;
-        return serve(options);
+        if (options.elsewhere.empty())
+            return serve(options);
+        const bool named =
+            velmora::registry_tool::nameServer(options.elsewhere, options.registryFile, std::cerr);
+        return named ? 0 : 1;
     } catch (const std::exception &error) {
         std::fprintf(stderr, "velmora-catalogue: %s\n", error.what());
         return 1;

@@ -2,7 +2,6 @@
 
 #include "base/run_time_error.h"
 #include "base/text.h"
-#include "catalogue/introduce.h"
 #include "catalogue/server.h"
 #include "music_folder.h"
 #include "platform/backends/curl/curl_internet.h"
@@ -169,18 +168,6 @@ TEST_F(CatalogueServer, ListensAtTheNewerLoopbackToo) {
     const Server six(other, "::1", 0);
     const auto page = internet_->XmlHttpGet(fromAscii("http://" + six.hostAndPort() + "/m"));
     EXPECT_THAT(page.value_or(""), HasSubstr("\"http://" + six.hostAndPort() + "/\""));
-}
-
-TEST_F(CatalogueServer, IntroducesItselfToAPlayer) {
-    const std::string file = (music_ / "config/velmora/registry.sqlite").string();
-    ASSERT_TRUE(introduce("http://127.0.0.1:8420", file));
-    platform::SqliteRegistry registry(file, *ansi_);
-    const auto provider = registry.GetObject(u"StdRegProv");
-    for (const char16_t *name : {u"lrcSearch", u"lrcSiteA", u"lrcSiteB", u"songSearch", u"maker"})
-        EXPECT_EQ(provider->GetStringValue(platform::HKEY_LOCAL_MACHINE,
-                                           u"SOFTWARE\\Norvane\\zkPlayer\\hosts", name),
-                  u"http://127.0.0.1:8420");
-    EXPECT_FALSE(introduce("http://127.0.0.1:8420", "/proc/none/registry.sqlite"));
 }
 
 } // namespace

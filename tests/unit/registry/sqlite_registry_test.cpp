@@ -112,50 +112,6 @@ TEST_F(SqliteFile, takesDoubledSeparatorsInKeysForOne) {
     EXPECT_EQ(get(registry, u"v"), u"x");
 }
 
-// --- its description -----------------------------------------------------------------------------
-
-// The statements that the description of the file gives, one text for each example.
-std::vector<std::string> describedStatements() {
-    std::ifstream file(VELMORA_DOCS "/registry.md");
-    std::vector<std::string> found;
-    bool inside = false;
-    for (std::string line; std::getline(file, line);) {
-        const bool begins = line == "```sql";
-        if (begins)
-            found.emplace_back();
-        else if (inside && line != "```")
-            found.back() += line + "\n";
-        inside = begins || (inside && line != "```");
-    }
-    return found;
-}
-
-TEST_F(SqliteFile, theStatementsOfItsDescriptionSetAHostAndTheCodePage) {
-    { SqliteRegistry(file, ansi).RegDeleteKeyA(HKEY_LOCAL_MACHINE, key); } // started once
-    const std::vector<std::string> statements = describedStatements();
-    ASSERT_EQ(statements.size(), 2U);
-    sqlite3 *hand = nullptr;
-    ASSERT_EQ(sqlite3_open(file.c_str(), &hand), SQLITE_OK);
-    for (int again = 0; again < 2; ++again)
-        for (const std::string &text : statements)
-            ASSERT_EQ(sqlite3_exec(hand, text.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-                << sqlite3_errmsg(hand);
-    sqlite3_close(hand);
-    SqliteRegistry registry(file, ansi);
-    const auto value = [&](std::u16string_view subKey, std::u16string_view name) {
-        return registry.stored(HKEY_LOCAL_MACHINE, subKey, name);
-    };
-    EXPECT_EQ(value(u"SOFTWARE\\Norvane\\zkPlayer\\hosts", u"maker"),
-              (SqliteRegistry::Value{REG_SZ, 24, u"http://that-machine:8420", 0}));
-    EXPECT_EQ(value(u"SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage", u"ACP"),
-              (SqliteRegistry::Value{REG_SZ, 4, u"1252", 0}));
-    // What the program writes there afterwards takes the place of it.
-    RegistryHandle handle = 0;
-    registry.RegCreateKeyA(HKEY_LOCAL_MACHINE, u"SOFTWARE\\Norvane\\zkPlayer\\hosts", handle);
-    EXPECT_EQ(registry.RegSetValueExA(handle, u"Maker", REG_SZ, u"x", 1), ERROR_SUCCESS);
-    EXPECT_EQ(value(u"SOFTWARE\\Norvane\\zkPlayer\\hosts", u"maker")->text, u"x");
-}
-
 // --- the file ------------------------------------------------------------------------------------
 
 TEST_F(SqliteFile, isMadeWithItsFoldersAtTheFirstUse) {

@@ -21,6 +21,11 @@ const char *const SqliteDatabase::queryTexts[] = {
     " bytes = excluded.bytes, data = excluded.data"
     " WHERE type IS NOT excluded.type OR bytes IS NOT excluded.bytes"
     " OR data IS NOT excluded.data",
+    "SELECT k.path, e.name, e.type, e.bytes, e.data FROM keys k LEFT JOIN entries e ON e.key = k.id"
+    " WHERE k.hive = ? AND (k.folded = ? OR (k.folded > ? AND k.folded < ?))"
+    " ORDER BY k.folded, e.folded",
+    "DELETE FROM entries WHERE folded = ? AND key ="
+    " (SELECT id FROM keys WHERE hive = ? AND folded = ?)",
 };
 
 // --- statements ----------------------------------------------------------------------------------
@@ -72,6 +77,10 @@ bool SqliteStatement::isInteger(int column) const {
     return sqlite3_column_type(statement_, column) == SQLITE_INTEGER;
 }
 
+bool SqliteStatement::isNull(int column) const {
+    return sqlite3_column_type(statement_, column) == SQLITE_NULL;
+}
+
 std::string SqliteStatement::bytes(int column) const {
     const auto *data = static_cast<const char *>(sqlite3_column_blob(statement_, column));
     const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement_, column));
@@ -86,8 +95,8 @@ SqliteDatabase::SqliteDatabase(std::string path, FileCalls calls)
 SqliteDatabase::~SqliteDatabase() { close(); }
 
 SqliteStatement SqliteDatabase::prepare(Query query) {
-    const bool reads =
-        query == Query::FindKey || query == Query::HasSubKeys || query == Query::Read;
+    const bool reads = query == Query::FindKey || query == Query::HasSubKeys ||
+                       query == Query::Read || query == Query::List;
     if (!open(reads ? Use::Read : Use::Write))
         return {*this, nullptr, failure_};
     sqlite3_stmt *&statement = statements_[static_cast<int>(query)];

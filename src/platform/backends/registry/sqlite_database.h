@@ -44,6 +44,7 @@ public:
 
     std::int64_t integer(int column) const;
     bool isInteger(int column) const;
+    bool isNull(int column) const;
     std::string bytes(int column) const;
 
 private:
@@ -65,7 +66,18 @@ public:
     SqliteDatabase(const SqliteDatabase &) = delete;
     SqliteDatabase &operator=(const SqliteDatabase &) = delete;
 
-    enum class Query { FindKey, AddKey, HasSubKeys, DeleteKey, DeleteValues, Read, Write, Count };
+    enum class Query {
+        FindKey,
+        AddKey,
+        HasSubKeys,
+        DeleteKey,
+        DeleteValues,
+        Read,
+        Write,
+        List,
+        DeleteValue,
+        Count
+    };
     SqliteStatement prepare(Query query);
 
     // A transaction of several statements: false where it cannot begin (`failure` tells why) or

@@ -214,21 +214,63 @@ std::optional<SqliteRegistry::Value> SqliteRegistry::stored(std::uint32_t hive,
     auto read = database_.prepare(Query::Read);
     if (!read.bind(key.hive).bind(key.folded).bind(name).row())
         return std::nullopt;
+    return valueIn(read, 0);
+}
+
+// From the columns type, bytes and data.
+std::optional<SqliteRegistry::Value> SqliteRegistry::valueIn(SqliteStatement &row,
+                                                             int firstColumn) {
     constexpr std::int64_t widest = 0xFFFFFFFF;
-    const std::int64_t type = read.integer(0);
-    const std::int64_t byteCount = read.integer(1);
+    const std::int64_t type = row.integer(firstColumn);
+    const std::int64_t byteCount = row.integer(firstColumn + 1);
+    const int data = firstColumn + 2;
     if (type < 0 || type > widest || byteCount < 0 || byteCount > widest)
         return std::nullopt;
     Value value{static_cast<std::uint32_t>(type), static_cast<std::uint32_t>(byteCount), {}, 0};
     if (value.type == REG_DWORD) {
-        const std::int64_t number = read.integer(2);
-        if (!read.isInteger(2) || number < 0 || number > widest)
+        const std::int64_t number = row.integer(data);
+        if (!row.isInteger(data) || number < 0 || number > widest)
             return std::nullopt;
         value.number = static_cast<std::uint32_t>(number);
     } else {
-        value.text = decodeUtf8UnitsAnyway(read.bytes(2));
+        value.text = decodeUtf8UnitsAnyway(row.bytes(data));
     }
     return value;
+}
+
+std::int32_t SqliteRegistry::list(std::uint32_t hive, std::u16string_view subKey,
+                                  std::vector<Entry> &entries) {
+    const Key key = keyOf(hive, subKey);
+    // As in HasSubKeys; below the hive itself lies everything.
+    const std::string from = key.folded.empty() ? "" : key.folded + "\\";
+    const std::string to = key.folded.empty() ? "\xFF" : key.folded + "]";
+    auto rows = database_.prepare(Query::List);
+    rows.bind(hive).bind(key.folded).bind(from).bind(to);
+    constexpr int nameColumn = 1;
+    constexpr int typeColumn = 2;
+    while (rows.row()) {
+        Entry entry{decodeUtf8UnitsAnyway(rows.bytes(0)), std::nullopt, {}};
+        if (!rows.isNull(nameColumn)) {
+            const auto value = valueIn(rows, typeColumn);
+            if (!value)
+                continue;
+            entry.name = decodeUtf8UnitsAnyway(rows.bytes(nameColumn));
+            entry.value = *value;
+        }
+        entries.push_back(std::move(entry));
+    }
+    return errorOf(rows.failure());
+}
+
+std::int32_t SqliteRegistry::removeValue(std::uint32_t hive, std::u16string_view subKey,
+                                         std::u16string_view valueName) {
+    if (!stored(hive, subKey, valueName))
+        return ERROR_FILE_NOT_FOUND;
+    const Key key = keyOf(hive, subKey);
+    const std::string name = folded(valueName);
+    auto remove = database_.prepare(Query::DeleteValue);
+    remove.bind(name).bind(hive).bind(key.folded).run();
+    return errorOf(remove.failure());
 }
 
 std::shared_ptr<StdRegProv> SqliteRegistry::GetObject(std::u16string_view moniker) {

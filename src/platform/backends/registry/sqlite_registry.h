@@ -17,6 +17,7 @@
 
 #include <map>
 #include <utility>
+#include <vector>
 
 namespace velmora::platform {
 
@@ -55,6 +56,19 @@ public:
     std::optional<Value> stored(std::uint32_t hive, std::u16string_view subKey,
                                 std::u16string_view valueName);
 
+    struct Entry {
+        std::u16string path;                // of its key, as it was written
+        std::optional<std::u16string> name; // none: a key without values
+        Value value;
+    };
+    // What lies in a key and below it, by path and name; of the hive with an empty path. Values
+    // that cannot be read are left out.
+    std::int32_t list(std::uint32_t hive, std::u16string_view subKey, std::vector<Entry> &entries);
+
+    // ERROR_FILE_NOT_FOUND when there is no such value.
+    std::int32_t removeValue(std::uint32_t hive, std::u16string_view subKey,
+                             std::u16string_view valueName);
+
     // Moves everything to the one file and closes it: for the end of the process. A later use opens
     // it again.
     void flush() noexcept { database_.close(); }
@@ -65,6 +79,7 @@ private:
         std::string folded; // upper-cased path
     };
 
+    static std::optional<Value> valueIn(SqliteStatement &row, int firstColumn);
     static Key keyOf(std::uint32_t hive, std::u16string_view subKey);
     std::int32_t createWithParents(std::uint32_t hive, std::u16string_view subKey);
     std::optional<std::int64_t> findKey(const Key &key, std::int32_t &error);
