@@ -62,6 +62,11 @@ MpvCore::Options PictureOpener::engineOptions() const {
         {"demuxer-lavf-o", demuxerOptions()},
         {"cache", "no"},
         {"demuxer-max-bytes", "64MiB"},
+        // What a seek leaves behind has a place of its own, though nothing of it is kept: else one
+        // just behind a change of the sound stream would lose the picture that it begins with.
+        {"demuxer-seekable-cache", "yes"},
+        {"demuxer-max-back-bytes", "0"},
+        {"demuxer-donate-buffer", "no"},
         // It stands still after opening, and at its end; seeks are exact.
         {"idle", "yes"},
         {"pause", "yes"},
