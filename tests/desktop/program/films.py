@@ -4,6 +4,7 @@ A film has four columns of colour above, and below a white mark that walks from 
 right in the film's length. Its sound is a tone that is higher every second.
 """
 
+import hashlib
 import mmap
 import os
 import shutil
@@ -47,13 +48,30 @@ def tone(seconds=SECONDS, base=300):
     return f"aevalsrc='0.5*sin(2*PI*({base}+100*floor(t))*t)':s=44100:d={seconds}"
 
 
+# Where films are kept from one test to the next; without it each is made anew.
+KEPT = os.environ.get("VELMORA_FILMS")
+
+
 def make_film(path, size=(640, 360), video=("libx264", "-preset", "ultrafast", "-g", "25"),
               sound=("aac",), seconds=SECONDS, base=300, extra=(), rate=25):
     inputs = ["-f", "lavfi", "-i", tone(seconds, base)] if sound else []
     codecs = ["-c:a", *sound] if sound else []
     mapped = ["-map", "[v]"] + (["-map", "0:a"] if sound else [])
-    ffmpeg(*inputs, "-filter_complex", chart(*size, seconds, rate) + ",format=yuv420p[v]", *mapped,
-           "-c:v", *video, *codecs, *extra, path)
+    words = [*inputs, "-filter_complex", chart(*size, seconds, rate) + ",format=yuv420p[v]", *mapped,
+             "-c:v", *video, *codecs, *extra]
+    if KEPT is None:
+        ffmpeg(*words, path)
+        return
+    # Known by what it is made of, so that another recipe is another film. Several tests may make one at
+    # once; whichever is done last stays.
+    ending = os.path.splitext(path)[1]
+    kept = f"{KEPT}/{hashlib.sha256(repr(words).encode()).hexdigest()[:20]}{ending}"
+    if not os.path.exists(kept):
+        os.makedirs(KEPT, exist_ok=True)
+        own = f"{KEPT}/{os.getpid()}{ending}"
+        ffmpeg(*words, own)
+        os.replace(own, kept)
+    shutil.copyfile(kept, path)
 
 
 class FilmSession(Session):

@@ -49,10 +49,13 @@ class ListTest(PlayerTest):
         self.write_list(self.tracks)
         self.watch_desktop()
 
+    def press_row(self, player, rows, row, button=1, times=1):
+        player.click_at(rows, LIST_LEFT + 60, LIST_TOP + ROW * row + ROW // 2, button, times)
+
     def click_row(self, player, rows, row, button=1, held=None, times=1):
         if held:
             player.tool("keydown", held)
-        player.click_at(rows, LIST_LEFT + 60, LIST_TOP + ROW * row + ROW // 2, button, times)
+        self.press_row(player, rows, row, button, times)
         if held:
             player.tool("keyup", held)
         elif button == 1:
@@ -97,11 +100,14 @@ class ListTest(PlayerTest):
         before = self.list_picture(player, rows)
         player.click(rows, "afresh_Load", form=LIST)
         self.assertTrue(wait_for(lambda: not self.is_selected(player, rows, 0), 10), "no reload")
-        after = self.list_picture(player, rows)
-        lit = [(a > BRIGHT, b > BRIGHT) for a, b in zip(before, after)]
-        either = sum(1 for a, b in lit if a or b)
-        differing = sum(1 for a, b in lit if a != b)
-        self.assertLess(differing, 0.3 * either, "the rows were not those of the saved list")
+
+        def as_before():
+            after = self.list_picture(player, rows)
+            lit = [(a > BRIGHT, b > BRIGHT) for a, b in zip(before, after)]
+            either = sum(1 for a, b in lit if a or b)
+            return sum(1 for a, b in lit if a != b) < 0.3 * either
+        # The list is empty first.
+        self.assertTrue(wait_for(as_before, 10), "the rows were not those of the saved list")
 
     def drag(self, player, window, x, y, paths=None, data=None, kind="text/uri-list"):
         """Drops files, or other data, as another program; answers the action, None if refused."""

@@ -173,7 +173,11 @@ class Player:
     def stays_away(self, look, window):
         """Whether `look` finds nothing once all that was sent to the window is done, and the window
         manager has shown what it brought up."""
-        return self.took(window) and self.took(window) and not look()
+        return self.done(window) and not look()
+
+    def done(self, window):
+        """Once all that was sent to a window is done, and the window manager did its part of it."""
+        return self.took(window) and self.took(window)
 
     def menus(self, count=1, seconds=10):
         """The open popup menus, outermost first, once there are so many; None if there never are."""
@@ -199,6 +203,12 @@ class Player:
     def size(self, number):
         shape = self.geometry(number)
         return shape.get("WIDTH", 0), shape.get("HEIGHT", 0)
+
+    def move(self, number, x, y):
+        """Moves a window, and returns once it stands there: xdotool takes any move for this one."""
+        self.tool("windowmove", number, x, y)
+        assert wait_for(lambda: self.place(number) == (x, y)), \
+            f"the window stands at {self.place(number)}, not at {(x, y)}"
 
     def point(self, number, x, y):
         """A place in a window as a place on the screen; negative ones count from its far edges."""
@@ -425,6 +435,12 @@ class PlayerTest(unittest.TestCase):
         self.assertTrue(wait_for(lambda: player.tool("getactivewindow") == rows, 10),
                         "the list does not get the keyboard")
         return player, main, rows
+
+    def lock_strip(self, player, strip):
+        """The mini strip stays at the edge: while the pointer is below it, it slides away."""
+        player.tool("mousemove", player.place(strip)[0] + 40, 0)
+        self.assertTrue(wait_for(lambda: player.place(strip)[1] == 0, 10), "the strip does not come back")
+        player.click(strip, "auto_Hide_Lock_False", form=MINI)
 
     def assert_touching(self, player, main, rows):
         def touch():

@@ -181,10 +181,7 @@ class MiniWindow(Sound):
         self.press("mini_Button")
         self.strip = self.player.form(MINI)
         self.assertTrue(self.strip, "the strip does not come up")
-        # The pointer was below it: it comes back to the edge, and is locked there.
-        self.player.tool("mousemove", self.player.place(self.strip)[0] + 40, 0)
-        self.assertTrue(wait_for(lambda: self.player.place(self.strip)[1] == 0, 5))
-        self.press_strip("auto_Hide_Lock_False")
+        self.lock_strip(self.player, self.strip)
 
     def press_strip(self, control, share=0.5):
         self.player.click(self.strip, control, share, form=MINI)
@@ -319,7 +316,7 @@ class VideoWindow(FilmTest, Listening):
         rect = self.whole(self.player, self.window)
         self.assert_second(0, 20)
         self.player.tool("windowactivate", "--sync", self.main)
-        self.player.tool("windowmove", "--sync", self.main, 0, 600)
+        self.player.move(self.main, 0, 600)
         self.player.click(self.main, "AudioSource_H")
         self.assert_channel(1)
         self.player.click(self.main, "AudioSource_L")

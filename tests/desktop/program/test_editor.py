@@ -48,8 +48,7 @@ class EditorTest(PlayerTest):
         self.assertTrue(editor, "no editor comes up")
         # Side by side, so that both can be seen.
         for window, place in ((main, (0, 0)), (editor, (600, 300))):
-            player.tool("windowmove", window, *place)
-            self.assertTrue(wait_for(lambda: player.place(window) == place, 5))
+            player.move(window, *place)
         self.choose(player, editor, 0)
         return player, main, editor
 

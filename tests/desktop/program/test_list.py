@@ -311,7 +311,7 @@ class Dropping(ListTest):
         ask = player.form(ASK)
         self.assertTrue(ask)
         x, y = player.place(ask)
-        player.tool("windowmove", "--sync", ask, x, y + 300)
+        player.move(ask, x, y + 300)
         self.assertIsNone(self.drop_at_row(player, rows, 1, [added]))
         player.click(ask, "Cancel", form=ASK)
         self.assertTrue(player.gone(ask))

@@ -58,7 +58,7 @@ class MenuTest(ListTest):
     def start_aside(self):
         """At the top, where no other window comes to lie over it; without a sound to fade in."""
         player, main = self.start()
-        player.tool("windowmove", "--sync", main, 700, 0)
+        player.move(main, 700, 0)
         player.click(main, "Volume_ICO")
         return player, main
 
@@ -228,6 +228,7 @@ class SettingsFromTheMenu(MenuTest):
         player.click(main, "mini_Button")
         strip = self.assert_window(player, MINI)
         self.assertTrue(player.gone(main))
+        self.lock_strip(player, strip)
         for way in ("qd", "qx"):
             self.choose(player, strip, "playSet")
             self.close(player, self.assert_window(player, SETTINGS), SETTINGS, way)

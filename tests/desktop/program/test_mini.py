@@ -39,10 +39,12 @@ class Mini(PlayerTest):
         before = player.place(strip)
         player.tool("mousemove", *player.point(strip, 15, 20))
         player.tool("mousedown", 1)
+        self.assertTrue(player.took(strip))  # a drag begins where the pointer is when the press is handled
         for _ in range(10):
             player.tool("mousemove_relative", pixels // 10, 0)
         self.assertTrue(wait_for(lambda: player.place(strip)[0] > before[0], 5))
         player.tool("mouseup", 1)
+        self.assertTrue(player.done(strip))  # it stands where it was dragged to
         self.touch_edge(player, strip)
 
     def touch_edge(self, player, strip):
@@ -144,10 +146,12 @@ class Mini(PlayerTest):
         player.click(strip, "auto_Hide_Lock_False", form=MINI)  # a drag takes its time
         player.tool("mousemove", *player.point(strip, 15, 20))
         player.tool("mousedown", 1)
+        self.assertTrue(player.took(strip))  # a drag begins where the pointer is when the press is handled
         for _ in range(10):
             player.tool("mousemove_relative", "--", 6, 20)
         self.assertTrue(wait_for(lambda: player.place(strip)[1] > 100, 5))
         player.tool("mouseup", 1)
+        self.assertTrue(player.done(strip))
         player.click(strip, "auto_Hide_Lock_True", form=MINI)
         place = player.place(strip)
         player.tool("mousemove", 640, 700)

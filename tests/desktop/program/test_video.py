@@ -340,7 +340,7 @@ class TwoMonitors(FilmTest):
     def test_from_the_other_monitor_it_goes_to_the_primary_one(self):
         self.assert_two()
         player, _, window = self.play_in_window("film.mp4")
-        player.tool("windowmove", "--sync", window, 1500, 100)
+        player.move(window, 1500, 100)
         rect = self.whole(player, window)
         self.assertGreater(rect[0], 1280)
         self.assert_stretched(rect)

@@ -52,6 +52,7 @@ class Dragging(WindowTest):
         if between:
             between()
         player.tool("mouseup", 1)
+        self.assertTrue(player.done(window), "the drag is not handled to its end")
 
     def assert_moves_both(self, dragged, handle):
         player, main, rows = self.start_with_list()
