@@ -18,7 +18,7 @@ RATE = 44100
 CHUNK = 441 * 4  # 10 ms of 16-bit stereo
 
 
-def wait_for(condition, seconds=15.0, step=0.02):
+def wait_for(condition, seconds=30, step=0.02):
     """Polls until `condition` gives something true; None when the time is up."""
     end = time.monotonic() + seconds
     while time.monotonic() < end:
@@ -29,7 +29,7 @@ def wait_for(condition, seconds=15.0, step=0.02):
     return None
 
 
-def rest(look, seconds=10, still=0.4):
+def rest(look, seconds=30, still=0.4):
     """What `look` gives once it has been the same, and something, for a while; None if it never is."""
     since = [None, 0.0]
 
@@ -177,7 +177,7 @@ class Session:
             go_on.daemon = True
             go_on.start()
 
-    def window(self, pid_or_class, seconds=15.0):
+    def window(self, pid_or_class, seconds=30):
         """The number of a visible window of the class."""
         found = wait_for(lambda: quiet("xdotool", "search", "--onlyvisible", "--class",
                                        pid_or_class, env=self.env), seconds)

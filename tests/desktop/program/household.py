@@ -57,6 +57,6 @@ class HouseholdTest(PlayerTest):
         with open(path, "rb") as file:
             return file.read()
 
-    def assert_content(self, path, expected, seconds=15):
+    def assert_content(self, path, expected, seconds=30):
         self.assertTrue(wait_for(lambda: self.content(path) == expected, seconds),
                         f"{path} holds {(self.content(path) or b'nothing')[:80]}")

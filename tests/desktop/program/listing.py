@@ -59,7 +59,7 @@ class ListTest(PlayerTest):
         if held:
             player.tool("keyup", held)
         elif button == 1:
-            self.assertTrue(wait_for(lambda: self.is_selected(player, rows, row), 10),
+            self.assertTrue(wait_for(lambda: self.is_selected(player, rows, row), 30),
                             "a click does not select its row")
 
     def list_picture(self, player, rows):
@@ -77,7 +77,7 @@ class ListTest(PlayerTest):
     def assert_story(self, player, rows, paths):
         """The saved list and the rows on the screen are these."""
         self.assert_list([line_of(path) for path in paths])
-        self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == len(paths), 10),
+        self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == len(paths), 30),
                         f"{self.rows_shown(player, rows)} rows on the screen instead of "
                         f"{len(paths)}")
 
@@ -91,7 +91,7 @@ class ListTest(PlayerTest):
         live = player.look(rows, "addFile", form=LIST)
         self.session.key("ctrl+a", rows)
         self.assertTrue(wait_for(lambda: self.is_selected(player, rows, 0) and
-                                 player.look(rows, "addFile", form=LIST) == live, 10),
+                                 player.look(rows, "addFile", form=LIST) == live, 30),
                         "the rows are not selected")
 
     def assert_a_reload_changes_nothing(self, player, rows):
@@ -99,7 +99,7 @@ class ListTest(PlayerTest):
         self.select_all(player, rows)
         before = self.list_picture(player, rows)
         player.click(rows, "afresh_Load", form=LIST)
-        self.assertTrue(wait_for(lambda: not self.is_selected(player, rows, 0), 10), "no reload")
+        self.assertTrue(wait_for(lambda: not self.is_selected(player, rows, 0), 30), "no reload")
 
         def as_before():
             after = self.list_picture(player, rows)
@@ -107,7 +107,7 @@ class ListTest(PlayerTest):
             either = sum(1 for a, b in lit if a or b)
             return sum(1 for a, b in lit if a != b) < 0.3 * either
         # The list is empty first.
-        self.assertTrue(wait_for(as_before, 10), "the rows were not those of the saved list")
+        self.assertTrue(wait_for(as_before, 30), "the rows were not those of the saved list")
 
     def drag(self, player, window, x, y, paths=None, data=None, kind="text/uri-list"):
         """Drops files, or other data, as another program; answers the action, None if refused."""

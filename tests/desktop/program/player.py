@@ -126,7 +126,7 @@ class Player:
         """The program's visible windows."""
         return self.tool("search", "--onlyvisible", "--pid", self.child.pid).split()
 
-    def form(self, places, seconds=10):
+    def form(self, places, seconds=30):
         """The visible window of a form, known by the size of its design."""
         return wait_for(lambda: next((number for number in self.windows()
                                       if self.is_form(number, places)), None), seconds)
@@ -134,14 +134,14 @@ class Player:
     def is_form(self, number, places):
         return self.size(number) == tuple(int(side) for side in places["form"][2:4])
 
-    def gone(self, number, seconds=10):
+    def gone(self, number, seconds=30):
         """Once a window is no longer there, and the others take input again."""
         gone = wait_for(lambda: number not in self.windows(), seconds)
         for other in self.windows()[:1]:
             self.took(other)
         return gone
 
-    def window(self, seconds=20):
+    def window(self, seconds=30):
         """The main window (the splash has the same title)."""
         return self.form(MAIN, seconds)
 
@@ -163,7 +163,7 @@ class Player:
         """The message boxes and dialogs that are up, whatever they say."""
         return self.others(unmanaged=False)
 
-    def box(self, says, seconds=15):
+    def box(self, says, seconds=30):
         """The message box that says this, or the dialog with this in its title."""
         assert "QT_LINUX_ACCESSIBILITY_ALWAYS_ON" in self.session.env, "these tests do not read"
         return wait_for(lambda: next((number for number in self.boxes()
@@ -179,7 +179,7 @@ class Player:
         """Once all that was sent to a window is done, and the window manager did its part of it."""
         return self.took(window) and self.took(window)
 
-    def menus(self, count=1, seconds=10):
+    def menus(self, count=1, seconds=30):
         """The open popup menus, outermost first, once there are so many; None if there never are."""
         def look():
             # The desktop's line of lyric, empty or not, is as wide as the screen.
@@ -242,14 +242,14 @@ class Player:
         return json.loads(quiet(WORDS, str(self.child.pid), *[str(side) for side in place],
                                 env=self.session.env) or "[]")
 
-    def words(self, number, seconds=10):
+    def words(self, number, seconds=30):
         """Every name and text that shows in a window, in order; none if it tells of none."""
         def look():
             found = self.told((*self.place(number), *self.size(number)))
             return list(said(found[0])) if found else None
         return wait_for(look, seconds) or []
 
-    def says(self, number, text, seconds=10):
+    def says(self, number, text, seconds=30):
         """Whether it comes to stand in a window."""
         return bool(wait_for(lambda: any(text in each for each in self.words(number, 1)), seconds))
 
@@ -257,7 +257,7 @@ class Player:
         """Once the program has begun to handle every key and click sent before."""
         return session.taken(number, env=self.session.env)
 
-    def ended(self, seconds=10):
+    def ended(self, seconds=30):
         return wait_for(lambda: self.child.poll() is not None, seconds)
 
 
@@ -293,7 +293,7 @@ class PlayerTest(unittest.TestCase):
 
     def assert_list(self, paths):
         """The saved list holds these, in this order."""
-        self.assertTrue(wait_for(lambda: self.list_lines() == paths, 10),
+        self.assertTrue(wait_for(lambda: self.list_lines() == paths, 30),
                         f"the list is {self.list_lines()} instead of {paths}")
 
     def write_into(self, player, ask, text):
@@ -310,14 +310,14 @@ class PlayerTest(unittest.TestCase):
         quiet("xdotool", "type", "--delay", "8", text, env=self.session.env)
         quiet("xdotool", "key", "Return", env=self.session.env)
 
-    def assert_box(self, player, says, seconds=15):
+    def assert_box(self, player, says, seconds=30):
         """The box or dialog that comes up and says this."""
         box = player.box(says, seconds)
         self.assertTrue(box, f"no box comes up that says {says}, but "
                              f"{[player.words(each, 1) for each in player.boxes()]}")
         return box
 
-    def answer(self, player, key, says, seconds=15):
+    def answer(self, player, key, says, seconds=30):
         """Answers the box that comes up and says this, and waits until it has gone."""
         box = self.assert_box(player, says, seconds)
         self.session.key(key, box)
@@ -417,7 +417,7 @@ class PlayerTest(unittest.TestCase):
               *[str(height + more) for more in (0, 3, 9, 38)], env=env)
         quiet("xrandr", "--addmode", "screen", name, env=env)
         quiet("xrandr", "--output", "screen", "--mode", name, env=env)
-        self.assertTrue(wait_for(lambda: self.screen() == (width, height), 5))
+        self.assertTrue(wait_for(lambda: self.screen() == (width, height), 30))
 
     def start(self, program=PROGRAM):
         player = Player(self.session, program)
@@ -432,24 +432,24 @@ class PlayerTest(unittest.TestCase):
         rows = player.form(LIST)
         self.assertTrue(rows, "the list does not come up")
         self.assert_touching(player, main, rows)
-        self.assertTrue(wait_for(lambda: player.tool("getactivewindow") == rows, 10),
+        self.assertTrue(wait_for(lambda: player.tool("getactivewindow") == rows, 30),
                         "the list does not get the keyboard")
         return player, main, rows
 
     def lock_strip(self, player, strip):
         """The mini strip stays at the edge: while the pointer is below it, it slides away."""
         player.tool("mousemove", player.place(strip)[0] + 40, 0)
-        self.assertTrue(wait_for(lambda: player.place(strip)[1] == 0, 10), "the strip does not come back")
+        self.assertTrue(wait_for(lambda: player.place(strip)[1] == 0, 30), "the strip does not come back")
         player.click(strip, "auto_Hide_Lock_False", form=MINI)
 
     def assert_touching(self, player, main, rows):
         def touch():
             (x, y), (list_x, list_y) = player.place(main), player.place(rows)
             return (list_x, list_y) == (x + int(MAIN["form"][2]), y)
-        self.assertTrue(wait_for(touch, 10), f"the list at {player.place(rows)} does not touch the "
+        self.assertTrue(wait_for(touch, 30), f"the list at {player.place(rows)} does not touch the "
                                              f"main window at {player.place(main)}")
 
-    def assert_title(self, player, window, text, seconds=10):
+    def assert_title(self, player, window, text, seconds=30):
         self.assertTrue(wait_for(lambda: text in player.title(window), seconds),
                         f"the title never shows {text!r} but {player.title(window)!r}")
 

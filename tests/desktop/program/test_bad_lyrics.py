@@ -138,7 +138,7 @@ class Playing(LyricsTest):
             self.session.key("F6", main)
             self.assert_title(player, main, name)
             self.assertTrue(wait_for(lambda: abs((self.now_playing(recorder, 1) or 0) - tone) < 40,
-                                     10), f"{name} is not heard")
+                                     30), f"{name} is not heard")
         self.assertIsNone(self.copied("locked"))
         self.assertEqual(self.copied("three"), b"[00:01.00]three\r\n")
         self.assert_fit(player, main)
@@ -149,7 +149,7 @@ class Playing(LyricsTest):
         self.write_list(tracks)
         player, main = self.start()
         self.session.key("F6", main)
-        self.assertTrue(wait_for(lambda: self.copied("one"), 10))
+        self.assertTrue(wait_for(lambda: self.copied("one"), 30))
         self.assertTrue(player.says(main, "words of one"))
         shutil.rmtree(self.lyric_folder())
         self.session.key("F6", main)
@@ -176,7 +176,7 @@ class EditedTest(LyricsTest):
         player, main = self.start(program)
         self.session.key("F6", main)
         # Loaded, after the fade, and then copied: a load while the editor is open fills it anew.
-        self.assertTrue(wait_for(lambda: self.copied("song") == self.OLD, 20))
+        self.assertTrue(wait_for(lambda: self.copied("song") == self.OLD, 30))
         player.click(main, "do_Lrc")
         editor = player.form(EDITOR)
         self.assertTrue(editor, "no editor comes up")

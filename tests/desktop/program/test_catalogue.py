@@ -76,11 +76,11 @@ class Script(PlayerTest):
             player.click(window, "search_Button", form=SONGS)
             left, top, _, _ = SONGS["search_Song_List"]
             self.assertTrue(wait_for(lambda: any(pixel > 110 for pixel in player.picture(
-                window, left + 4, top + 4, 200, 18)), 10), "nothing is found")
+                window, left + 4, top + 4, 200, 18)), 30), "nothing is found")
             self.session.key("Escape", main)
             self.assertTrue(player.ended(), "the script goes on")
             self.assertEqual(player.child.returncode, 0)
-            self.assertTrue(wait_for(lambda: not self.answers(address), 5), "it serves on")
+            self.assertTrue(wait_for(lambda: not self.answers(address), 30), "it serves on")
         # Nothing of it is in the user's own folders.
         self.assertFalse(os.path.exists(self.session.env["XDG_CONFIG_HOME"] + "/velmora"))
         self.assertFalse(os.path.exists(self.session.env["XDG_DATA_HOME"] + "/velmora"))
@@ -126,7 +126,7 @@ class Languages(HouseholdTest):
         fixed["search"] = self.rest(lyrics, "search_Button", LYRICS)
         self.keep(f"lyrics_{number}", lyrics)
         self.player.click(lyrics, "search_Button", form=LYRICS)
-        self.assertTrue(wait_for(lambda: self.found(lyrics), 10))
+        self.assertTrue(wait_for(lambda: self.found(lyrics), 30))
         self.player.click(lyrics, "save", form=LYRICS)  # without a row chosen
         box = self.assert_box(self.player, "未选择指定下载链接！")
         self.assertEqual(self.player.title(box), self.ERROR[number])

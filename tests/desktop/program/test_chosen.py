@@ -67,7 +67,7 @@ class Deleting(ChosenTest):
         self.wait_for_the_next(player, main)
         self.answer(player, "y", SURE)
         self.answer(player, "y", SURE)  # removal from the list
-        self.assertTrue(wait_for(lambda: player.title(main) == TITLE, 10), "the track stays open")
+        self.assertTrue(wait_for(lambda: player.title(main) == TITLE, 30), "the track stays open")
         self.assert_story(player, rows, self.tracks)
         self.assert_on_disk(self.tracks)
         self.assertEqual(self.opened(), [])
@@ -98,7 +98,7 @@ class Deleting(ChosenTest):
         self.assertTrue(player.menus(2), "no submenu comes up")
         self.session.key("Return")  # from the disk, what is selected
         self.answer(player, "y", SURE)
-        self.assertTrue(wait_for(lambda: player.title(main) == TITLE, 10), "the track stays open")
+        self.assertTrue(wait_for(lambda: player.title(main) == TITLE, 30), "the track stays open")
         self.assert_on_disk(self.tracks)
         self.assert_story(player, rows, self.tracks)
 
@@ -156,7 +156,7 @@ class LongDeletion(ChosenTest):
         self.session.key("shift+End", rows)
         self.session.key("shift+Delete", rows)
         self.answer(player, "y", SURE)
-        self.assertTrue(wait_for(lambda: not os.path.exists(self.tracks[4]), 10), "nothing goes")
+        self.assertTrue(wait_for(lambda: not os.path.exists(self.tracks[4]), 30), "nothing goes")
         player.click(main, "playButton")
         for key in ("F2", "F6", "F5", "F7", "F10"):
             self.session.key(key, main)
@@ -208,7 +208,7 @@ class Copying(ChosenTest):
         self.type_into(dialog, target)
         self.assertTrue(player.gone(dialog), "the dialog stays")
         live = ["track 0.wav", "track 2.wav", "track 3.wav"]
-        self.assertTrue(wait_for(lambda: sorted(os.listdir(target)) == live, 20),
+        self.assertTrue(wait_for(lambda: sorted(os.listdir(target)) == live, 30),
                         os.listdir(target))
         self.assert_list(self.tracks)
 
@@ -226,7 +226,7 @@ class AtOnce(ChosenTest):
 
     def wait_until_read(self, player, rows, live):
         """The first row was selected before, and is not when the list has been read."""
-        self.assertTrue(wait_for(lambda: not self.is_selected(player, rows, 0), 20), "no reload")
+        self.assertTrue(wait_for(lambda: not self.is_selected(player, rows, 0), 30), "no reload")
         self.assertTrue(wait_for(lambda: player.look(rows, "addFile", form=LIST) == live, 60),
                         "the list is not read to its end")
 
@@ -258,7 +258,7 @@ class Reading(AtOnce):
             self.press_row(player, rows, 0)
             # The next track may begin right behind the click, and selects its own row.
             self.assertTrue(wait_for(lambda: self.is_selected(player, rows, 0) or
-                                     "track 0" not in player.title(main), 10), "a click selects no row")
+                                     "track 0" not in player.title(main), 30), "a click selects no row")
             player.click(rows, "afresh_Load", form=LIST)
             self.wait_until_read(player, rows, live)
         self.assert_title(player, main, "track 1")

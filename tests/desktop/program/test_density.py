@@ -31,7 +31,7 @@ class Density(ListTest):
         wanted = [side * self.scale for side in form["form"][2:4]]
         found = wait_for(lambda: next(
             (number for number in self.player.windows()
-             if all(abs(a - b) < 2 for a, b in zip(self.player.size(number), wanted))), None), 20)
+             if all(abs(a - b) < 2 for a, b in zip(self.player.size(number), wanted))), None), 30)
         self.assertTrue(found, "the window does not come up in its size")
         return found
 
@@ -47,7 +47,7 @@ class Density(ListTest):
         def touch():
             (x, y), (list_x, list_y) = self.player.place(main), self.player.place(rows)
             return (list_x, list_y) == (x + self.player.size(main)[0], y)
-        self.assertTrue(wait_for(touch, 10), "the windows do not touch")
+        self.assertTrue(wait_for(touch, 30), "the windows do not touch")
 
     def at(self, x, y):
         return x * self.scale, y * self.scale
@@ -66,13 +66,13 @@ class Density(ListTest):
         self.player.tool("mousedown", 1)
         # A drag begins where the pointer is when the press is handled.
         self.assertTrue(wait_for(lambda: "ABOVE" in quiet(
-            "xprop", "-id", main, "_NET_WM_STATE", env=self.session.env), 5), "no drag begins")
+            "xprop", "-id", main, "_NET_WM_STATE", env=self.session.env), 30), "no drag begins")
         for _ in range(9):
             self.player.tool("mousemove_relative", "--", -13, 7)
         target = (before[0] - 9 * 13, before[1] + 9 * 7)
         # A place between two pixels of the design is rounded.
         moved = wait_for(lambda: all(abs(a - b) <= 1 for a, b in
-                                     zip(self.player.place(main), target)), 5)
+                                     zip(self.player.place(main), target)), 30)
         self.player.tool("mouseup", 1)
         self.assertTrue(moved, f"{self.player.place(main)} instead of {target}")
         self.assert_side_by_side(main, rows)

@@ -74,7 +74,7 @@ class EditorTest(PlayerTest):
                     if name.lower() == self.name.lower() + ".lrc":
                         return os.path.join(folder, name)
             return None
-        return wait_for(look, 10)
+        return wait_for(look, 30)
 
     def press(self, *keys):
         for key in keys:
@@ -93,7 +93,7 @@ class Editing(EditorTest):
     def test_lines_stamped_with_f9_are_saved_matched_and_shown(self):
         player, main, editor = self.edit(*self.LINES)
         start = player.look(main, "lrcBox")
-        self.assertTrue(wait_for(lambda: player.look(main, "lrcBox") != start, 10))
+        self.assertTrue(wait_for(lambda: player.look(main, "lrcBox") != start, 30))
         self.choose(player, editor, 2)
         self.press("F9", "F9", "F9")
         self.save(player, editor)
@@ -107,11 +107,11 @@ class Editing(EditorTest):
         # Matched: behind the labels the waiting text stands; back at them their line comes.
         before = player.look(main, "lrcBox")
         player.click(main, "load_Played_BG", share=(stamps[0] + 1.5) / 60)
-        self.assertTrue(wait_for(lambda: player.look(main, "lrcBox") != before, 10))
+        self.assertTrue(wait_for(lambda: player.look(main, "lrcBox") != before, 30))
         waiting = rest(lambda: player.look(main, "lrcBox"))
         self.assertTrue(waiting, "the line never comes to rest")
         player.click(main, "load_Played_BG", share=max(0.5, stamps[0] - 1.5) / 60)
-        self.assertTrue(wait_for(lambda: player.look(main, "lrcBox") != waiting, 10),
+        self.assertTrue(wait_for(lambda: player.look(main, "lrcBox") != waiting, 30),
                         "the saved lyric is not shown")
 
     def test_a_typed_line_is_saved_and_f10_takes_a_stamp_back(self):
@@ -131,7 +131,7 @@ class Editing(EditorTest):
         other = self.session.home + "/elsewhere.lrc"
         self.session.key("shift+s", editor)
         self.type_into(self.assert_box(player, PICK_TARGET), other)
-        self.assertTrue(wait_for(lambda: os.path.exists(other), 10))
+        self.assertTrue(wait_for(lambda: os.path.exists(other), 30))
         self.answer(player, "Return", SAVED)
         self.assertIn("[00:01.00]first", self.saved(other))
         self.write_lyric(other, "[00:07.00]from another file")
@@ -150,7 +150,7 @@ class Editing(EditorTest):
         # The name that it proposes, in the working folder.
         self.answer(player, "Return", PICK_TARGET)
         path = self.session.home + "/Mr. Blue"
-        self.assertTrue(wait_for(lambda: os.path.exists(path + ".lrc"), 10))
+        self.assertTrue(wait_for(lambda: os.path.exists(path + ".lrc"), 30))
         self.answer(player, "Return", SAVED)
         self.assertIn("[00:01.00]first", self.saved(path + ".lrc"))
         self.assertFalse(os.path.exists(path))
@@ -170,7 +170,7 @@ class Editing(EditorTest):
         other = self.session.home + "/rescued.lrc"
         self.session.key("shift+s", editor)
         self.type_into(self.assert_box(player, PICK_TARGET), other)
-        self.assertTrue(wait_for(lambda: os.path.exists(other), 10))
+        self.assertTrue(wait_for(lambda: os.path.exists(other), 30))
         self.assertIn("[00:01.00]first", self.saved(other))
 
 

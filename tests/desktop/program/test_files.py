@@ -170,7 +170,7 @@ class Copying(ListTest):
         self.click_row(player, rows, 2, held="ctrl")
         self.choose_folder(player, rows, self.target)
         self.assertTrue(wait_for(lambda: sorted(os.listdir(self.target)) ==
-                                 ["track 0.wav", "track 2.wav"], 10), os.listdir(self.target))
+                                 ["track 0.wav", "track 2.wav"], 30), os.listdir(self.target))
         for number in (0, 2):
             self.assertEqual(content(f"{self.target}/track {number}.wav"),
                              content(self.tracks[number]))
@@ -198,12 +198,12 @@ class Copying(ListTest):
         self.choose_folder(player, rows, self.target)
         self.answer(player, "n", "track 0.wav")
         self.answer(player, "Return", NOT_COPIED)  # the next file is copied all the same
-        self.assertTrue(wait_for(lambda: os.path.exists(self.target + "/track 1.wav"), 10))
+        self.assertTrue(wait_for(lambda: os.path.exists(self.target + "/track 1.wav"), 30))
         self.assertEqual(content(there), b"old")
         self.click_row(player, rows, 0)
         self.choose_folder(player, rows, self.target)
         self.answer(player, "y", "track 0.wav")
-        self.assertTrue(wait_for(lambda: content(there) == content(self.tracks[0]), 10))
+        self.assertTrue(wait_for(lambda: content(there) == content(self.tracks[0]), 30))
         self.assertEqual(sorted(os.listdir(self.target)), ["track 0.wav", "track 1.wav"])
 
     def test_a_file_is_not_copied_onto_itself(self):
@@ -222,7 +222,7 @@ class Copying(ListTest):
         self.click_row(player, rows, 1, held="shift")
         self.choose_folder(player, rows, self.target)
         self.answer(player, "Return", "No such file or directory")
-        self.assertTrue(wait_for(lambda: os.listdir(self.target) == ["track 1.wav"], 10))
+        self.assertTrue(wait_for(lambda: os.listdir(self.target) == ["track 1.wav"], 30))
 
     def is_copying(self, player):
         """Whether the player holds a file in the target folder open, be it without a name."""
@@ -245,7 +245,7 @@ class Copying(ListTest):
         self.session.key("F10", rows)
         dialog = self.assert_box(player, PICK_FOLDER)
         self.type_into(dialog, self.target)
-        self.assertTrue(wait_for(lambda: self.is_copying(player), 10, 0.002), "no copy began")
+        self.assertTrue(wait_for(lambda: self.is_copying(player), 30, 0.002), "no copy began")
         return player, rows, big
 
     def test_a_copy_cut_short_by_force_leaves_nothing(self):
@@ -285,7 +285,7 @@ class Copying(ListTest):
 
 class Deleting(ListTest):
     def log(self):
-        self.assertTrue(wait_for(self.opened, 10), "the log is not shown")
+        self.assertTrue(wait_for(self.opened, 30), "the log is not shown")
         with open(self.opened()[-1], newline="", encoding="utf-8") as log:
             return log.read().split("\r\n")
 
@@ -330,7 +330,7 @@ class Deleting(ListTest):
         self.session.key("shift+Delete", rows)
         self.answer(player, "y", SURE)
         self.answer(player, "y", SURE)
-        self.assertTrue(wait_for(lambda: player.title(main) == TITLE, 10))
+        self.assertTrue(wait_for(lambda: player.title(main) == TITLE, 30))
         self.assertFalse(os.path.exists(self.tracks[0]))
         self.assert_story(player, rows, self.tracks[1:])
 
@@ -368,7 +368,7 @@ class AddingFolders(ListTest):
         os.mkfifo(root + "/pipe.wav")
         player, _, rows = self.start_with_list(self.plain_program())
         self.add(player, rows, root, True)
-        self.assertTrue(wait_for(lambda: len(self.list_lines()) == 6, 20), self.list_lines())
+        self.assertTrue(wait_for(lambda: len(self.list_lines()) == 6, 30), self.list_lines())
         self.assertEqual(sorted(self.list_lines()[1:]), sorted(found))
         self.assert_story(player, rows, self.list_lines())
         self.assert_a_reload_changes_nothing(player, rows)

@@ -47,7 +47,7 @@ class Keys(ListTest):
         self.assert_story(player, rows, left)
         self.assertEqual([os.path.exists(track) for track in self.tracks],
                          [True, False, True, True])
-        self.assertTrue(wait_for(self.opened, 10), "the log is not shown")
+        self.assertTrue(wait_for(self.opened, 30), "the log is not shown")
         self.assertEqual(len(self.opened()), 1)
         self.assertTrue(self.opened()[0].endswith("/delFile.log"))
         with open(self.opened()[0], newline="", encoding="utf-8") as log:
@@ -114,7 +114,7 @@ class Keys(ListTest):
         player, _, rows = self.start_with_list()
         self.click_row(player, rows, 1)
         self.session.key("F9", rows)
-        self.assertTrue(wait_for(self.opened, 10))
+        self.assertTrue(wait_for(self.opened, 30))
         self.assertEqual([folder.rstrip("/") for folder in self.opened()], [self.music])
         self.click_row(player, rows, 2, held="ctrl")
         self.session.key("F9", rows)
@@ -161,7 +161,7 @@ class Scrolling(ListTest):
         # The bar comes with the tick that finds more rows than fit.
         left, top, width, _ = LIST["P4"]
         self.assertTrue(wait_for(lambda: max(player.picture(
-            rows, left, top, width, 30) or b"\0") > 60, 10), "no scroll bar")
+            rows, left, top, width, 30) or b"\0") > 60, 30), "no scroll bar")
         return player, main, rows
 
     def test_the_arrows_move_by_one_row(self):
@@ -198,7 +198,7 @@ class Scrolling(ListTest):
         def tip():
             return next((number for number in player.windows() if player.size(number)[1] < 40 and
                          player.size(number)[0] > 100 and player.unmanaged(number)), None)
-        self.assertTrue(wait_for(tip, 10), "no tip comes up")
+        self.assertTrue(wait_for(tip, 30), "no tip comes up")
         self.assertEqual(player.words(tip()), [self.tracks[2]])
 
 
@@ -261,7 +261,7 @@ class Dropping(ListTest):
         self.make("新しい 100%/inner/deep.wav")
         open(self.music + "/新しい 100%/cover.jpg", "w").close()
         self.drop_at_row(player, rows, 1, [self.music + "/新しい 100%"])
-        self.assertTrue(wait_for(lambda: len(self.list_lines()) == 6, 10))
+        self.assertTrue(wait_for(lambda: len(self.list_lines()) == 6, 30))
         self.assertEqual(self.list_lines()[:4], self.tracks)
         self.assert_story(player, rows, self.tracks + sorted(tracks))
         self.assert_a_reload_changes_nothing(player, rows)
@@ -274,7 +274,7 @@ class Dropping(ListTest):
         for path in hard:
             before = len(self.list_lines())
             self.drop_at_row(player, rows, 16, [path])
-            self.assertTrue(wait_for(lambda: len(self.list_lines()) == before + 1, 10), repr(path))
+            self.assertTrue(wait_for(lambda: len(self.list_lines()) == before + 1, 30), repr(path))
         expected = hard[::-1] + self.tracks
         self.assert_story(player, rows, expected)
         self.assert_a_reload_changes_nothing(player, rows)
@@ -364,7 +364,7 @@ class ListMenu(ListTest):
         self.answer(player, "y", SURE)
         self.assert_story(player, rows, [])
         self.assertFalse(any(os.path.exists(track) for track in self.tracks))
-        self.assertTrue(wait_for(self.opened, 10), "the log is not shown")
+        self.assertTrue(wait_for(self.opened, 30), "the log is not shown")
 
     def test_search_selects_what_holds_the_text(self):
         player, _, rows = self.start_with_list()
@@ -375,7 +375,7 @@ class ListMenu(ListTest):
         self.write_into(player, ask, "k 2")
         player.click(ask, "OK", form=ASK)
         self.assertTrue(player.gone(ask))
-        self.assertTrue(wait_for(lambda: self.is_selected(player, rows, 2), 5), "no hit")
+        self.assertTrue(wait_for(lambda: self.is_selected(player, rows, 2), 30), "no hit")
         self.session.key("Delete", rows)
         self.answer(player, "y", SURE)
         self.assert_story(player, rows, self.tracks[:2] + self.tracks[3:])

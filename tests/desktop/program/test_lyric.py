@@ -53,7 +53,7 @@ class LyricTest(PlayerTest):
         if self.compositor:
             self.session.spawn(["picom", "--backend", "xrender", "--config", "/dev/null"])
             self.assertTrue(wait_for(lambda: quiet("xdotool", "search", "--class", "picom",
-                                                   env=self.session.env), 15))
+                                                   env=self.session.env), 30))
         self.track = self.music + "/song.wav"
         stairs(self.track, 60, level=0.05, step=0)
         self.write_list([self.track])
@@ -82,7 +82,7 @@ class LyricTest(PlayerTest):
         self.store({f"Desktop_Lrc_{stem}": value for stem, value in font.items()} |
                    {"Desktop_Lrc_AutoOpen": (1, "0")})
 
-    def strip(self, player, seconds=10):
+    def strip(self, player, seconds=30):
         """The window of the desktop line."""
         return wait_for(lambda: next((number for number in player.windows()
                                       if player.size(number)[0] == self.screen()[0]), None), seconds)
@@ -92,7 +92,7 @@ class LyricTest(PlayerTest):
         x, y = player.place(line)
         return Picture(self.session, x, y, *player.size(line))
 
-    def letters(self, player, ground=GROUND, seconds=10):
+    def letters(self, player, ground=GROUND, seconds=30):
         """Where the screen shows something else than the ground, once it does."""
         return wait_for(lambda: self.look(player).differing(ground), seconds)
 
@@ -168,7 +168,7 @@ class Standing(LyricTest):
         for place in (heart, gap):
             player.tool("mousemove", *player.point(line, *place))
             player.tool("click", 1)
-        self.assertTrue(wait_for(stranger.presses, 5), "the click is held back")
+        self.assertTrue(wait_for(stranger.presses, 30), "the click is held back")
         self.assertEqual(stranger.presses(), [player.point(line, *gap)])
 
     def test_a_bold_chinese_line_is_drawn_in_the_face_that_was_chosen(self):
@@ -191,7 +191,7 @@ class Standing(LyricTest):
         player, main = self.sing(self.LINE)
         self.assertTrue(self.letters(player))
         player.click(main, "desktop_Lrc")
-        self.assertTrue(wait_for(lambda: not self.look(player).differing(GROUND), 10),
+        self.assertTrue(wait_for(lambda: not self.look(player).differing(GROUND), 30),
                         "letters stay behind")
         player.click(main, "desktop_Lrc")
         self.assertTrue(self.letters(player))
@@ -204,14 +204,14 @@ class Standing(LyricTest):
         for place in (heart, gap):
             player.tool("mousemove", *place)
             player.tool("click", 1)
-        self.assertTrue(wait_for(stranger.presses, 5), "the click is held back")
+        self.assertTrue(wait_for(stranger.presses, 30), "the click is held back")
         self.assertEqual(stranger.presses(), [gap])
 
     def assert_still_there(self, player, places, colour):
         def there():
             picture = self.look(player)
             return all(picture.at(x, y) == colour for x, y in places)
-        self.assertTrue(wait_for(there, 5), "something covers the letters")
+        self.assertTrue(wait_for(there, 30), "something covers the letters")
 
     def hearts(self, player):
         colour = self.colour(player)
@@ -241,7 +241,7 @@ class Standing(LyricTest):
         for workspace in ("1", "2", "0"):
             quiet("wmctrl", "-s", workspace, env=self.session.env)
             self.assertTrue(wait_for(lambda: f"= {workspace}" in quiet(
-                "xprop", "-root", "_NET_CURRENT_DESKTOP", env=self.session.env), 5))
+                "xprop", "-root", "_NET_CURRENT_DESKTOP", env=self.session.env), 30))
             self.assert_still_there(player, places, colour)
 
     def test_it_is_placed_again_when_the_resolution_changes(self):
@@ -251,9 +251,9 @@ class Standing(LyricTest):
         for width, height in ((1024, 768), (800, 600), (1280, 800)):
             self.resize(width, height)
             self.assertTrue(wait_for(lambda: player.size(line) == (width, high) and
-                                     player.place(line) == (0, height - high), 10),
+                                     player.place(line) == (0, height - high), 30),
                             f"{player.geometry(line)} on a screen of {width}x{height}")
-            self.assertTrue(wait_for(lambda: self.is_centred(player, width), 10), "it is not centred")
+            self.assertTrue(wait_for(lambda: self.is_centred(player, width), 30), "it is not centred")
 
     def test_it_is_placed_again_when_the_screen_is_parted_into_two_monitors(self):
         player, _ = self.sing(self.LINE)
@@ -263,11 +263,11 @@ class Standing(LyricTest):
         quiet("xrandr", "--setmonitor", "right", "640/160x800/200+640+0", "none", env=env)
         quiet("xrandr", "--setmonitor", "*left", "640/160x800/200+0+0", "screen", env=env)
         self.assertTrue(wait_for(lambda: player.size(line) == (640, high) and
-                                 player.place(line) == (0, HEIGHT - high), 10),
+                                 player.place(line) == (0, HEIGHT - high), 30),
                         player.geometry(line))
         for name in ("left", "right"):
             quiet("xrandr", "--delmonitor", name, env=env)
-        self.assertTrue(wait_for(lambda: player.size(line) == (WIDTH, high), 10),
+        self.assertTrue(wait_for(lambda: player.size(line) == (WIDTH, high), 30),
                         player.geometry(line))
         self.assertTrue(self.letters(player))
 
@@ -293,19 +293,19 @@ class Standing(LyricTest):
             self.assertTrue(wait_for(
                 lambda: player.size(main) == (wide * percent // 100, high * percent // 100) and
                 abs(player.size(line)[1] - line_high * percent / 100) <= 1 and
-                player.place(line) == (0, HEIGHT - player.size(line)[1]), 10),
+                player.place(line) == (0, HEIGHT - player.size(line)[1]), 30),
                 f"{player.geometry(main)} and {player.geometry(line)} at {percent} percent")
             self.assertTrue(all(abs(now - before) <= 2 for now, before in
                                 zip(player.place(main), corner)), player.place(main))
-            self.assertTrue(wait_for(lambda: self.is_centred(player), 10), "it is not centred")
+            self.assertTrue(wait_for(lambda: self.is_centred(player), 30), "it is not centred")
             # The mouse finds the switch at its new place.
             left, top, width, height = (side * percent / 100 for side in MAIN["desktop_Lrc"])
             if left + width < WIDTH - corner[0]:
                 player.click_at(main, left + width / 2, top + height / 2)
-                self.assertTrue(wait_for(lambda: not self.look(player).differing(GROUND), 10))
+                self.assertTrue(wait_for(lambda: not self.look(player).differing(GROUND), 30))
                 player.click_at(main, left + width / 2, top + height / 2)
                 self.assertTrue(self.letters(player))
-        self.assertTrue(wait_for(lambda: player.look(main, "title") == title, 5),
+        self.assertTrue(wait_for(lambda: player.look(main, "title") == title, 30),
                         "the window does not look as before")
 
     def test_it_moves_up_when_a_panel_comes(self):
@@ -316,10 +316,10 @@ class Standing(LyricTest):
                                     "--width", "100", "--heighttype", "pixel", "--height", "30",
                                     "--SetDockType", "true", "--SetPartialStrut", "true"])
         # The panel's height counts in twips as if it were pixels: 30 of them are two pixels.
-        self.assertTrue(wait_for(lambda: player.place(line) == (0, HEIGHT - 30 - 2 - high), 10),
+        self.assertTrue(wait_for(lambda: player.place(line) == (0, HEIGHT - 30 - 2 - high), 30),
                         player.geometry(line))
         self.session.stop(panel)
-        self.assertTrue(wait_for(lambda: player.place(line) == (0, HEIGHT - high), 10))
+        self.assertTrue(wait_for(lambda: player.place(line) == (0, HEIGHT - high), 30))
 
 
 class Rolling(LyricTest):

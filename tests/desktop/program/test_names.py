@@ -42,9 +42,9 @@ class HardNames(ListTest):
         self.assertTrue(player.gone(dialog))
         self.answer(player, "y", DEEPER)
         self.assertTrue(wait_for(lambda: sorted(self.list_lines()) ==
-                                 sorted(line_of(track) for track in self.tracks), 15),
+                                 sorted(line_of(track) for track in self.tracks), 30),
                         self.list_lines())
-        self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == len(HARD), 10),
+        self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == len(HARD), 30),
                         "not all rows are shown")
         self.assert_a_reload_changes_nothing(player, rows)
 
@@ -56,7 +56,7 @@ class HardNames(ListTest):
         self.session.key("F10", rows)
         dialog = self.assert_box(player, PICK_FOLDER)
         self.type_into(dialog, target)
-        self.assertTrue(wait_for(lambda: self.names(target) == sorted(HARD), 15),
+        self.assertTrue(wait_for(lambda: self.names(target) == sorted(HARD), 30),
                         self.names(target))
         self.assert_story(player, rows, self.tracks)
 
@@ -85,7 +85,7 @@ class HardNames(ListTest):
         self.answer(player, "y", SURE)
         self.assert_story(player, rows, [])
         self.assertEqual(self.names(self.music), [])
-        self.assertTrue(wait_for(self.opened, 10), "the log is not shown")
+        self.assertTrue(wait_for(self.opened, 30), "the log is not shown")
         with open(self.opened()[-1], "rb") as log:
             self.assertEqual(log.read().count("【Successful】".encode()), len(HARD))
 
@@ -98,7 +98,7 @@ class ForeignScripts(ListTest):
             silence(track)
         self.write_list([line_of(track) for track in self.tracks])
         player, _, rows = self.start_with_list()
-        self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == len(self.tracks), 10),
+        self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == len(self.tracks), 30),
                         "not all rows are shown")
         with open(self.session.home + "/errors.log") as told:
             self.assertEqual(told.read(), "")
@@ -119,7 +119,7 @@ class EndInTheMiddle(ListTest):
         self.session.key("shift+Delete", rows)
         box = self.assert_box(player, SURE)
         self.session.key("y", box)
-        self.assertTrue(wait_for(lambda: not os.path.exists(tracks[5]), 10, 0.001))
+        self.assertTrue(wait_for(lambda: not os.path.exists(tracks[5]), 30, 0.001))
         os.kill(player.child.pid, signal.SIGKILL)
         player.child.wait()
         left = [track for track in tracks if os.path.exists(track)]
@@ -142,7 +142,7 @@ class NoRoom(ListTest):
         self.limit(player, 40)
         self.session.key("Delete", rows)
         self.answer(player, "y", SURE)
-        self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == 3, 10))
+        self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == 3, 30))
         self.assertEqual(self.list_lines(), self.tracks)
         self.assertEqual(len(os.listdir(os.path.dirname(self.list_file()))), 1, "a half file stays")
         self.assertIsNone(player.child.poll(), "the program ended")

@@ -175,7 +175,7 @@ class Restoring(SettingsTest):
             self.assertTrue(wait_for(lambda: not self.alive(box)), "the question stays")
         self.assertTrue(self.player.ended(), "the old program goes on")
         self.assertEqual(self.player.child.returncode, 0)
-        new = wait_for(self.new_program, 20)
+        new = wait_for(self.new_program, 30)
         self.assertTrue(new, "the new program does not come up")
         self.addCleanup(self.end, new)
         self.assertIsNone(self.stored("Language"))

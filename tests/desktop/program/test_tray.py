@@ -27,7 +27,7 @@ class Tray(PlayerTest):
     def start_tray(self):
         self.tray = self.session.spawn(TRAY)
 
-    def icon(self, player, seconds=15):
+    def icon(self, player, seconds=30):
         """The program's window inside the tray."""
         def look():
             tray = quiet("xdotool", "search", "--onlyvisible", "--class", "trayer",
@@ -49,7 +49,7 @@ class Tray(PlayerTest):
                     shape["Y"] + shape["HEIGHT"] // 2)
         player.tool("click", button)
 
-    def is_above(self, upper, lower, seconds=5):
+    def is_above(self, upper, lower, seconds=30):
         def look():
             told = quiet("xprop", "-root", "_NET_CLIENT_LIST_STACKING", env=self.session.env)
             order = [str(int(number, 16)) for number in re.findall(r"0x[0-9a-f]+", told)]
@@ -61,7 +61,7 @@ class Tray(PlayerTest):
         def look():
             player.tool("windowactivate", "--sync", stranger.window)
             return self.is_above(stranger.window, main, 1)
-        self.assertTrue(wait_for(look, 10), "the stranger does not come above the main window")
+        self.assertTrue(wait_for(look, 30), "the stranger does not come above the main window")
 
     def test_a_click_brings_the_main_window_forward(self):
         self.start_tray()
@@ -71,7 +71,7 @@ class Tray(PlayerTest):
         self.click_icon(player)
         self.assertTrue(self.is_above(main, stranger.window), "it stays behind")
         self.assertTrue(wait_for(lambda: "ABOVE" not in quiet(
-            "xprop", "-id", main, "_NET_WM_STATE", env=self.session.env), 5), "it stays on top")
+            "xprop", "-id", main, "_NET_WM_STATE", env=self.session.env), 30), "it stays on top")
         # No longer kept on top: another window may cover it again.
         self.cover(player, main, stranger)
 

@@ -115,7 +115,7 @@ class Welcome(MakerTest):
         self.player.click_at(window, left + 20, top + line_top + LINE[1] / 2)
 
     def assert_handed(self, *addresses):
-        self.assertTrue(wait_for(lambda: self.opened() == list(addresses), 10),
+        self.assertTrue(wait_for(lambda: self.opened() == list(addresses), 30),
                         f"{self.opened()} is handed to the desktop, not {addresses}")
 
     def test_each_tab_shows_a_page_of_its_own(self):
@@ -125,11 +125,11 @@ class Welcome(MakerTest):
         for tab in (1, 2):
             self.player.click(window, TABS[tab], form=WELCOME)
             self.assertTrue(wait_for(
-                lambda: self.steady(window, "FrameDate_0") not in pages, 10), "no other page comes")
+                lambda: self.steady(window, "FrameDate_0") not in pages, 30), "no other page comes")
             pages.append(self.steady(window, "FrameDate_0"))
             self.keep(f"page_{tab}", window)
         self.player.click(window, TABS[0], form=WELCOME)
-        self.assertTrue(wait_for(lambda: self.steady(window, "FrameDate_0") == pages[0], 10),
+        self.assertTrue(wait_for(lambda: self.steady(window, "FrameDate_0") == pages[0], 30),
                         "the first page does not come again")
 
     def test_links_and_the_provider_hand_their_addresses_to_the_desktop(self):
@@ -140,7 +140,7 @@ class Welcome(MakerTest):
         self.assert_handed(AT + "first", AT + "second")
         first = self.steady(window, "FrameDate_0")
         self.player.click(window, TABS[1], form=WELCOME)
-        self.assertTrue(wait_for(lambda: self.steady(window, "FrameDate_0") != first, 10))
+        self.assertTrue(wait_for(lambda: self.steady(window, "FrameDate_0") != first, 30))
         self.click_line(window, 1, 0)
         self.assert_handed(AT + "first", AT + "second", AT + "words")
         self.player.click(window, "provider", share=0.9, form=WELCOME)
@@ -204,7 +204,7 @@ class Welcome(MakerTest):
         def handed():
             self.player.click_at(window, left + 20, top + height / 2)
             return wait_for(lambda: AT + "others" in self.opened(), 0.3)
-        self.assertTrue(wait_for(handed, 15), "the second address is never handed over")
+        self.assertTrue(wait_for(handed, 30), "the second address is never handed over")
         self.assertEqual(self.opened()[0], AT + "short")
 
     def test_the_check_box_is_stored_and_shows_the_page_at_the_next_start(self):
@@ -232,7 +232,7 @@ class Welcome(MakerTest):
             close(window)
             self.assertTrue(self.player.gone(window), "the page stays")
             self.assertTrue(wait_for(
-                lambda: not os.path.exists(self.fetched("zkPlayerWelcome.tmp")), 5))
+                lambda: not os.path.exists(self.fetched("zkPlayerWelcome.tmp")), 30))
         self.assertIsNone(self.player.child.poll())
 
     def test_a_second_opening_in_one_run_offers_another_try(self):
@@ -252,7 +252,7 @@ class Welcome(MakerTest):
         self.assertTrue(self.steady(window, "FrameDate_0") == failed, "a tab shows its page")
         self.player.click(window, "loadStr", form=WELCOME)
         self.assertTrue(wait_for(
-            lambda: os.path.exists(self.fetched("zkPlayerWelcome.tmp")), 10), "it does not try")
+            lambda: os.path.exists(self.fetched("zkPlayerWelcome.tmp")), 30), "it does not try")
         self.assertTrue(self.steady(window, "FrameDate_0") == failed, "the failure is told no more")
 
     def test_without_a_maker_it_says_so_and_offers_itself_again(self):
@@ -337,7 +337,7 @@ class Update(MakerTest):
         self.session.key("y", box)
         self.assertTrue(self.player.ended(), "the old program goes on")
         self.assertEqual(self.player.child.returncode, 0)
-        new = wait_for(self.successor, 20)
+        new = wait_for(self.successor, 30)
         self.assertTrue(new, "the new program does not come up")
         self.addCleanup(self.end, new)
         self.assertEqual(sorted(os.listdir(self.folder)), ["velmora", "zkPlayer [99.0.0].exe"])
@@ -399,7 +399,7 @@ class Update(MakerTest):
         self.assertTrue(self.player.ended(), "the old program goes on")
         self.assertEqual(self.player.child.returncode, 0)
         # The new one is offered here again, as the two are alike in truth.
-        new = wait_for(lambda: self.successor(None), 20)
+        new = wait_for(lambda: self.successor(None), 30)
         self.assertTrue(new, "the new program does not come up")
         self.addCleanup(self.end, new)
 

@@ -35,7 +35,7 @@ class WindowTest(PlayerTest):
         def above():
             order = self.stacking()
             return order.index(int(upper)) > order.index(int(lower))
-        self.assertTrue(wait_for(above, 5), "it is not above the other window")
+        self.assertTrue(wait_for(above, 30), "it is not above the other window")
 
     def states(self, window):
         return quiet("xprop", "-id", window, "_NET_WM_STATE", env=self.session.env)
@@ -46,7 +46,7 @@ class Dragging(WindowTest):
         player.tool("mousemove", *player.point(window, *handle))
         player.tool("mousedown", 1)
         # A drag begins where the pointer is when the press is handled.
-        self.assertTrue(wait_for(lambda: "ABOVE" in self.states(window), 5), "no drag begins")
+        self.assertTrue(wait_for(lambda: "ABOVE" in self.states(window), 30), "no drag begins")
         for step_x, step_y in steps:
             player.tool("mousemove_relative", "--", step_x, step_y)
         if between:
@@ -60,16 +60,16 @@ class Dragging(WindowTest):
         target = (before[0] - 100 + 7, before[1] + 60 - 3)
 
         def held():
-            self.assertTrue(wait_for(lambda: player.place(main) == target, 5),
+            self.assertTrue(wait_for(lambda: player.place(main) == target, 30),
                             f"{player.place(main)} instead of {target}")
             self.assert_touching(player, main, rows)
             for window in (main, rows):
-                self.assertTrue(wait_for(lambda: "ABOVE" in self.states(window), 5),
+                self.assertTrue(wait_for(lambda: "ABOVE" in self.states(window), 30),
                                 f"{player.title(window)} is not on top: {self.states(window)}")
         steps = [(-10, 6)] * 10 + [(7, -3)]
         self.drag(player, main if dragged == "main" else rows, handle, steps, held)
         for window in (main, rows):
-            self.assertTrue(wait_for(lambda: "ABOVE" not in self.states(window), 5),
+            self.assertTrue(wait_for(lambda: "ABOVE" not in self.states(window), 30),
                             "a dragged window stays on top")
         self.assertEqual(player.place(main), target)
         self.assert_touching(player, main, rows)
@@ -87,11 +87,11 @@ class Dragging(WindowTest):
         player, main, rows = self.start_with_list()
         x, y = player.place(main)
         self.drag(player, main, (150, 13), [(0, -40)] * 10)
-        self.assertTrue(wait_for(lambda: player.place(main)[1] < -10, 5))
+        self.assertTrue(wait_for(lambda: player.place(main)[1] < -10, 30))
         self.assert_touching(player, main, rows)
         above = y - player.place(main)[1]
         self.drag(player, main, (5, 150), [(0, above // 10)] * 9 + [(0, above - above // 10 * 9)])
-        self.assertTrue(wait_for(lambda: player.place(main) == (x, y), 5), player.place(main))
+        self.assertTrue(wait_for(lambda: player.place(main) == (x, y), 30), player.place(main))
         self.assert_touching(player, main, rows)
 
     def test_the_rows_of_the_list_are_no_handle(self):
@@ -111,7 +111,7 @@ class Dragging(WindowTest):
         self.assertTrue(player.gone(rows))
         before = player.place(main)
         self.drag(player, main, (150, 13), [(20, 10)] * 3)
-        self.assertTrue(wait_for(lambda: player.place(main) == (before[0] + 60, before[1] + 30), 5))
+        self.assertTrue(wait_for(lambda: player.place(main) == (before[0] + 60, before[1] + 30), 30))
         player.click(main, "playListButton")
         rows = player.form(LIST)
         self.assert_touching(player, main, rows)
@@ -139,7 +139,7 @@ class Holes(WindowTest):
                 before = len(stranger.presses())
                 player.click_at(window, x, y)
                 place = player.point(window, x, y)
-                self.assertTrue(wait_for(lambda: len(stranger.presses()) == before + 1, 5),
+                self.assertTrue(wait_for(lambda: len(stranger.presses()) == before + 1, 30),
                                 f"the hole at {x},{y} holds the click back")
                 self.assertEqual(stranger.presses()[-1], place)
             self.bring_forward(player, rows, main)
@@ -150,7 +150,7 @@ class Holes(WindowTest):
             # A click beside both windows arrives: so all the earlier ones have been handled.
             player.tool("mousemove", 120, 680)
             player.tool("click", 1)
-            self.assertTrue(wait_for(lambda: len(stranger.presses()) > before, 5))
+            self.assertTrue(wait_for(lambda: len(stranger.presses()) > before, 30))
             self.assertEqual(stranger.presses()[before:], [(120, 680)],
                              "a click on the window fell through")
 
@@ -160,7 +160,7 @@ class Holes(WindowTest):
     def test_clicks_in_the_corners_reach_the_window_below_under_a_compositor(self):
         self.session.spawn(["picom", "--backend", "xrender", "--config", "/dev/null"])
         self.assertTrue(wait_for(lambda: quiet("xdotool", "search", "--class", "picom",
-                                               env=self.session.env), 15))
+                                               env=self.session.env), 30))
         self.assert_holes()
 
 
@@ -218,9 +218,9 @@ class MainKeys(WindowTest):
         idle = player.look(main, "play_Time")
         self.session.key("F6", main)
         self.assert_title(player, main, "track 0")
-        self.assertTrue(wait_for(lambda: player.look(main, "play_Time") != idle, 10))
+        self.assertTrue(wait_for(lambda: player.look(main, "play_Time") != idle, 30))
         self.session.key("F4", main)
-        self.assertTrue(wait_for(lambda: player.title(main) == TITLE, 10))
+        self.assertTrue(wait_for(lambda: player.title(main) == TITLE, 30))
         self.session.key("F2", main)
         self.assert_title(player, main, "track 0")
 
@@ -273,7 +273,7 @@ class MainMenu(WindowTest):
         self.open_menu(player, main)
         for key in ("Down", "Right", "Down", "Down", "Return"):  # stop
             self.session.key(key)
-        self.assertTrue(wait_for(lambda: player.title(main) == TITLE, 10))
+        self.assertTrue(wait_for(lambda: player.title(main) == TITLE, 30))
 
     def test_the_entries_for_windows_toggle_them(self):
         player, main = self.start()
@@ -288,7 +288,7 @@ class MainMenu(WindowTest):
             self.session.key(key)
         self.assertTrue(player.gone(rows))
         centre = (1280 - MAIN_WIDTH) // 2
-        self.assertTrue(wait_for(lambda: player.place(main)[0] == centre, 5), "it is not centred")
+        self.assertTrue(wait_for(lambda: player.place(main)[0] == centre, 30), "it is not centred")
         self.open_menu(player, main)
         for key in ("Down", "Down", "Return"):
             self.session.key(key)
