@@ -2,6 +2,7 @@
 // in bounded time.
 
 #include "flac_bytes.h"
+#include "platform/backends/sound/readers/flac_length.h"
 
 #include <chrono>
 #include <gtest/gtest.h>
@@ -205,6 +206,26 @@ TEST_F(Damaged, AFlacWhoseHeaderTellsNoTotalOrAWrongOneIsPlayedToItsEnd) {
         EXPECT_EQ(reader->frames(), 400000) << told;
         EXPECT_EQ(decodeAll(*reader), 400000) << told;
         EXPECT_TRUE(reader->seek(200000)) << told;
+    }
+}
+
+// Frames as a coder makes them, where a cut leaves three bytes of the next.
+TEST_F(Damaged, AFlacCutInTheHeaderOfAFrameHasAllFramesAheadOfIt) {
+    for (const char *name : {"chirp.flac", "other.flac"}) {
+        const Bytes whole = readFile(mediaFile(name));
+        const auto present = [&](std::size_t size) {
+            return flacSamplesPresent(
+                MemorySource({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)}));
+        };
+        int frames = 0;
+        for (std::size_t at = whole.size() / 4; at + 5 < whole.size(); ++at) {
+            if (whole[at] != 0xFF || whole[at + 1] != 0xF8 ||
+                flacCrc8({&whole[at], &whole[at + 6]}))
+                continue;
+            EXPECT_EQ(present(at + 3), present(at)) << at;
+            ++frames;
+        }
+        EXPECT_GT(frames, 10) << name;
     }
 }
 

@@ -44,6 +44,28 @@ TEST(FlacLength, ACutFrameDoesNotCount) {
     EXPECT_EQ(present(file), 7 * flacBlock);
 }
 
+TEST(FlacLength, WhatIsThereOfTheNextFrameCostsNothing) {
+    for (const std::size_t there : {1U, 4U, 5U, 300U}) {
+        Bytes file = flac(10);
+        file.resize(file.size() - frameBytes + there);
+        EXPECT_EQ(present(file), 9 * flacBlock) << there;
+    }
+}
+
+TEST(FlacLength, ACheckSumByChanceInsideTheCutLastFrameIsNoEnd) {
+    constexpr std::size_t chance = 600; // bytes of the frame, the sum included
+    std::vector<std::int16_t> samples(flacBlock, steady);
+    Bytes frame = flacFrame(9, samples);
+    frame.resize(chance - 2);
+    const std::uint16_t crc = flacCrc16(frame);
+    Bytes file = flac(10);
+    file.resize(file.size() - frameBytes);
+    append(file, frame);
+    append(file, {crc >> 8, crc});
+    file.resize(file.size() + 300, 0x55);
+    EXPECT_EQ(present(file), 9 * flacBlock);
+}
+
 TEST(FlacLength, ATagBehindTheMusicDoesNotCount) {
     Bytes file = flac(10);
     const std::size_t music = file.size();

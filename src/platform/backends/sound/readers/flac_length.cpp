@@ -1,5 +1,6 @@
 #include "platform/backends/sound/readers/flac_length.h"
 
+#include "platform/backends/sound/readers/flac_subframes.h"
 #include "platform/backends/sound/readers/joined_parts.h"
 #include "platform/backends/sound/readers/mpeg_frame.h"
 
@@ -73,6 +74,7 @@ std::optional<Stream> readStream(const ByteSource &source) {
 // A frame as its header tells it.
 struct Frame {
     std::size_t at = 0;     // in the bytes that were looked at
+    std::size_t header = 0; // bytes
     std::int64_t first = 0; // of the piece's samples
     std::int64_t samples = 0;
     std::int64_t end() const { return first + samples; }
@@ -149,6 +151,7 @@ std::optional<Frame> parseHeader(Bytes bytes, const Stream &stream) {
         frame.samples = 256 << (sizeCode - 8);
     if (stream.longestBlock != 0 && frame.samples > stream.longestBlock)
         return std::nullopt;
+    frame.header = at + 1;
     return frame;
 }
 
@@ -192,7 +195,8 @@ std::size_t longestFrame(const Stream &stream) {
 class FrameSearch {
 public:
     FrameSearch(Bytes bytes, const Stream &stream)
-        : bytes_(bytes), frames_(framesIn(bytes, stream)), longest_(longestFrame(stream)) {}
+        : bytes_(bytes), frames_(framesIn(bytes, stream)), longest_(longestFrame(stream)),
+          bits_(stream.bits) {}
 
     // The frame that the bytes end with, whole.
     const Frame *lastWhole() {
@@ -217,14 +221,14 @@ public:
 
     // Whether all of the frame is there, whatever may stand behind it.
     bool isWhole(const Frame &frame) {
-        std::uint16_t crc = 0;
-        const std::size_t limit = std::min(bytes_.size(), frame.at + longest_);
-        for (std::size_t at = frame.at; at < limit; ++at) {
-            crc = crc16(crc, bytes_[at]);
-            if (crc == 0 && at >= frame.at + shortest)
-                return true;
-        }
-        return false;
+        constexpr std::size_t checkSum = 2;
+        const std::size_t sound = frame.at + frame.header;
+        const auto size = flacSubframesSize(bytes_.subspan(sound),
+                                            {static_cast<std::size_t>(frame.samples),
+                                             static_cast<unsigned>(bytes_[frame.at + 3] >> 4),
+                                             static_cast<unsigned>(bits_)});
+        return size && sound + *size + checkSum <= bytes_.size() &&
+               endsWhole(frame, sound + *size + checkSum);
     }
 
 private:
@@ -242,6 +246,7 @@ private:
     Bytes bytes_;
     std::vector<Frame> frames_;
     std::size_t longest_;
+    int bits_;
     std::int64_t effort_ = std::int64_t{1} << 26; // steps, of some nanoseconds each
 };
 
@@ -263,8 +268,7 @@ std::optional<std::int64_t> samplesUpTo(const ByteSource &source, const Stream &
         if (const Frame *last = search.lastWhole())
             return last->end();
         if (const Frame *last = search.lastLedTo())
-            // Behind the piece's last frame there may be anything; elsewhere it was cut.
-            return last->end() == stream.total && search.isWhole(*last) ? last->end() : last->first;
+            return search.isWhole(*last) ? last->end() : last->first;
         if (start == 0 || tail >= longestTail)
             return std::nullopt;
     }
