@@ -15,9 +15,14 @@ packages_headless="xvfb openbox xdotool xclip x11-utils x11-xserver-utils imagem
 
 packages_test="git libgtest-dev libgmock-dev clang clang-format clang-tidy libclang-rt-14-dev picom wmctrl
  trayer xsettingsd dbus at-spi2-core locales sox libsox-fmt-all ffmpeg lame flac python3 procps zlib1g-dev openssl
- strace dosfstools exfat-fuse exfatprogs bindfs"
+ strace dosfstools exfat-fuse exfatprogs bindfs desktop-file-utils appstream man-db"
 
 packages_bench="libbenchmark-dev"
+
+# What packages are built with.
+packages_package="debhelper dpkg-dev fakeroot"
+# And what looks at them.
+packages_package_test="lintian blhc diffoscope-minimal libglib2.0-bin"
 
 # Where another sound server already serves the desktop, pulseaudio is unpacked beside the build instead of being
 # installed; these are what it needs then.

@@ -23,7 +23,7 @@ CATALOGUE = f"{BUILD}/tools/catalogue/velmora-catalogue"
 sys.path[:0] = [f"{SOURCE}/tests/desktop", f"{SOURCE}/tests/desktop/program"]
 # What the helpers of the desktop tests expect to be called with.
 sys.argv = [sys.argv[0], f"{BUILD}/src/velmora", PIECE, SOURCE, ""]
-from player import APP, FORM_SIZES, LIST, MINI, SETTINGS, VIDEO, WELCOME, Player, design  # noqa: E402
+from player import APP, FORM_SIZES, LIST, MAIN, MINI, SETTINGS, VIDEO, WELCOME, Player, design  # noqa: E402
 from session import Session, quiet, wait_for  # noqa: E402
 
 EDITOR = design("src/lyrics/doLrcForm.form")
@@ -164,6 +164,24 @@ class Shots:
         self.session.close()
 
 
+def look_at_language(shots):
+    """What has to be clicked on in a player that was never started before."""
+    def part(name, window, left, top, width, height):
+        x, y = shots.player.place(window)
+        shots.keep(name, int(x + left) - 4, int(y + top) - 4, int(width) + 8, int(height) + 8)
+    part("language_1", shots.main, *MAIN["playSet_Button"])
+    shots.session.key("ctrl+s", shots.main)
+    window = shots.aside(shots.must(shots.player.form(SETTINGS), "the settings"))
+    shots.player.click(window, "languageSet", form=SETTINGS)
+    part("language_2", window, *SETTINGS["languageSet"])
+    left, top = SETTINGS["Language_Frame"][:2]
+    choice = (left + 270 / 15, top + 960 / 15, 80, 330 / 15)
+    shots.player.click_at(window, choice[0] + 8, choice[1] + choice[3] / 2)
+    part("language_3", window, *choice)
+    part("language_4", window, *SETTINGS["qd"])
+    shots.player.click(window, "qx", form=SETTINGS)
+
+
 def play_piece(shots):
     """Opens the list and plays the piece from it."""
     rows = shots.open("playListButton", LIST, "the play list")
@@ -237,9 +255,11 @@ def take(kind, *looks):
         shots.must(wait_for(lambda: os.path.exists(shots.registry)), "the catalogue")
         time.sleep(2)
         shots.begin()
+        if look_at_language in looks:
+            look_at_language(shots)
         shots.end()
         shots.settings(Language="1", Desktop_Lrc_AutoOpen="1", VideoInterface="1")
-        for look in looks:
+        for look in (each for each in looks if each is not look_at_language):
             shots.list_files([shots.film] if look is look_at_film else
                              [f"{shots.music}/{name}.wav" for name in TRACKS])
             shots.begin()
@@ -253,7 +273,7 @@ def take(kind, *looks):
 def main():
     os.makedirs(TARGET, exist_ok=True)
     take(Small, look_at_desktop)
-    take(Large, look_at_windows, look_at_network, look_at_film)
+    take(Large, look_at_language, look_at_windows, look_at_network, look_at_film)
 
 
 main()

@@ -22,7 +22,8 @@ import session  # noqa: E402
 from session import RATE, Recorder, Session, quiet, wait_for  # noqa: E402
 
 PROGRAM, PIECE, SOURCE, DRAG = sys.argv[1:5]
-session.TAKEN = os.path.join(os.path.dirname(os.path.abspath(DRAG)), "velmora_taken")
+if DRAG:  # scripts that only look at the program have none of the tests' tools
+    session.TAKEN = os.path.join(os.path.dirname(os.path.abspath(DRAG)), "velmora_taken")
 WORDS = os.path.join(os.path.dirname(os.path.abspath(DRAG)), "velmora_words")
 # Where everything may be read and written, the program runs without that right.
 PLAIN_USER = ["setpriv", "--bounding-set", "-dac_override,-dac_read_search"]

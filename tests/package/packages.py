@@ -1,0 +1,129 @@
+#!/usr/bin/env python3
+"""The packages, from their building to their removal.
+
+    packages.py SOURCE WORK_FOLDER
+
+Builds them twice in two folders and has them looked at, then installs them on this machine, starts the player from
+where it was installed, plays a file and takes the packages away again. The second half needs the rights of the
+superuser and a machine on which Velmora is not installed; without them it is left out by name.
+"""
+
+import glob
+import os
+import re
+import shutil
+import subprocess
+import sys
+import unittest
+import wave
+
+SOURCE, WORK = (os.path.abspath(path) for path in sys.argv[1:3])
+sys.path.insert(0, os.path.join(SOURCE, "tests/desktop"))
+from session import Recorder, Session, quiet, wait_for  # noqa: E402
+
+ID = "example.norvane.velmora"
+NAMES = ("velmora", "velmora-catalogue")
+# What belongs to no package but is made anew of what all packages bring.
+CACHES = re.compile(r"/(icon-theme\.cache|mimeinfo\.cache|mime\.cache|index\.db|\.cache)$|/var/cache/")
+
+
+def run(*words, **options):
+    done = subprocess.run(words, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False, **options)
+    return done.returncode, done.stdout
+
+
+def installed(name):
+    return "installed" in run("dpkg-query", "-W", "-f=${db:Status-Status}", name)[1].split()
+
+
+def system_files():
+    found = set()
+    for root in ("/usr", "/etc", "/var/lib"):
+        for folder, folders, names in os.walk(root):
+            if folder.startswith(("/var/lib/dpkg", "/var/lib/apt", "/usr/local")):
+                folders.clear()
+                continue
+            found |= {path for path in (os.path.join(folder, name) for name in names + folders)
+                      if not CACHES.search(path)}
+    return found
+
+
+class Packages(unittest.TestCase):
+    folders = (WORK + "/one", WORK + "/another folder")
+
+    @classmethod
+    def setUpClass(cls):
+        for folder in cls.folders:
+            code, told = run(SOURCE + "/scripts/build_packages.sh", folder)
+            assert code == 0, told
+
+    def packages(self, folder):
+        return sorted(path for path in glob.glob(glob.escape(folder) + "/*.deb") if "-dbgsym" not in path)
+
+    def test_there_is_one_for_the_player_and_one_for_the_catalogue_with_debug_symbols_beside(self):
+        names = [os.path.basename(path).split("_")[0] for path in self.packages(self.folders[0])]
+        self.assertEqual(names, ["velmora", "velmora-catalogue"])
+        self.assertEqual(len(glob.glob(self.folders[0] + "/*-dbgsym_*.deb")), 2)
+
+    def test_nothing_is_amiss_for_lintian(self):
+        changes = glob.glob(self.folders[0] + "/*.changes")
+        code, told = run("lintian", "--allow-root", "--pedantic", "--fail-on", "error,warning,pedantic", *changes)
+        self.assertEqual((code, told), (0, ""))
+
+    def test_everything_was_compiled_with_what_makes_it_hard_to_break(self):
+        code, told = run("blhc", "--all", self.folders[0] + "/build.log")
+        self.assertEqual(code, 0, told)
+
+    def test_two_builds_in_two_folders_are_the_same(self):
+        for one, other in zip(self.packages(self.folders[0]), self.packages(self.folders[1])):
+            code, told = run("diffoscope", "--max-report-size", "4000", one, other)
+            self.assertEqual((code, told), (0, ""))
+
+    def test_the_catalogue_needs_no_toolkit(self):
+        told = run("dpkg-deb", "-f", self.packages(self.folders[0])[1], "Depends")[1]
+        self.assertNotIn("qt", told.lower())
+
+    def test_nothing_runs_when_they_are_installed_or_removed(self):
+        for package in self.packages(self.folders[0]):
+            folder = WORK + "/control"
+            shutil.rmtree(folder, ignore_errors=True)
+            run("dpkg-deb", "-e", package, folder)
+            self.assertEqual(set(os.listdir(folder)) - {"control", "md5sums"}, set())
+
+
+@unittest.skipIf(os.geteuid() != 0, "only the superuser can install packages")
+@unittest.skipIf(any(installed(name) for name in NAMES), "Velmora is installed on this machine")
+class OnThisMachine(unittest.TestCase):
+    def setUp(self):
+        self.before = system_files()
+        debs = [path for path in glob.glob(Packages.folders[0] + "/*.deb") if "-dbgsym" not in path]
+        code, told = run("apt-get", "install", "-y", "--no-install-recommends", "--no-remove", *debs,
+                         env=dict(os.environ, DEBIAN_FRONTEND="noninteractive"))
+        self.addCleanup(run, "apt-get", "purge", "-y", *NAMES)
+        self.assertEqual(code, 0, told)
+
+    def test_starts_from_the_menu_plays_and_leaves_nothing_but_what_the_person_made(self):
+        session = Session(window_manager=True)
+        self.addCleanup(session.close)
+        session.start_words()
+        song = session.home + "/song.wav"
+        with wave.open(song, "wb") as out:
+            out.setparams((2, 2, 44100, 0, "NONE", ""))
+            out.writeframes((b"\x00\x20\x00\x20" * 50 + b"\x00\xe0\x00\xe0" * 50) * 44100 // 100 * 60)
+        quiet("gio", "launch", f"/usr/share/applications/{ID}.desktop", env=session.env)
+        window = session.window("velmora", 30)
+        self.assertTrue(window, "no window comes up")
+        self.assertEqual(os.readlink(f"/proc/{quiet('pgrep', '-nx', 'velmora').strip()}/exe"), "/usr/bin/velmora")
+
+        quiet("xdotool", "key", "Escape", env=session.env)
+        self.assertTrue(wait_for(lambda: not quiet("pgrep", "-x", "velmora"), 15), "it does not end")
+
+        code, told = run("apt-get", "purge", "-y", *NAMES)
+        self.assertEqual(code, 0, told)
+        self.assertEqual(system_files() - self.before, set())
+        self.assertTrue(os.path.exists(session.home + "/config/velmora/registry.sqlite"))
+
+
+if __name__ == "__main__":
+    os.makedirs(WORK, exist_ok=True)
+    unittest.main(argv=sys.argv[:1] + sys.argv[3:], verbosity=2)
