@@ -20,17 +20,18 @@ using platform::MsgBoxButtons;
 using platform::MsgBoxIcon;
 using platform::MsgBoxResult;
 
-// Does something while a nested loop runs, once `ready` holds.
+// Does something while a nested loop runs, once `ready` holds. A loop that goes on for ever is
+// ended.
 class Meanwhile : public TestForm {
 public:
     Meanwhile(std::function<bool()> ready, std::function<void()> act)
         : TestForm("Meanwhile"), ready_(std::move(ready)), act_(std::move(act)) {
         timer.setInterval(10);
         timer.onTimer = [this] {
-            ++ticks;
-            if (!ready_() || ++settled_ < 8)
+            if (++ticks == limit)
+                end();
+            if (settled_ >= 8 || !ready_() || ++settled_ < 8)
                 return;
-            timer.setRunning(false);
             act_();
         };
         timer.setRunning(true);
@@ -39,12 +40,29 @@ public:
     int ticks = 0;
 
 private:
+    static constexpr int limit = 6000;
+    static void end() {
+        ADD_FAILURE() << "what was to be answered stays up";
+        if (QWidget *menu = QApplication::activePopupWidget(); menu != nullptr)
+            menu->close();
+        if (QWidget *box = QApplication::activeModalWidget(); box != nullptr)
+            box->close();
+    }
     std::function<bool()> ready_;
     std::function<void()> act_;
     int settled_ = 0;
 };
 
-bool boxIsUp() { return QApplication::activeModalWidget() != nullptr; }
+// It has the keyboard, too: a key that comes ahead of that is lost.
+bool boxIsUp() {
+    const QWidget *box = QApplication::activeModalWidget();
+    return box != nullptr && box->isActiveWindow();
+}
+
+bool menuIsUp() {
+    const QWidget *menu = QApplication::activePopupWidget();
+    return menu != nullptr && menu->windowHandle() != nullptr && menu->windowHandle()->isExposed();
+}
 
 void press(const std::string &key) { desk().session.run({"xdotool", "key", key}); }
 
@@ -221,11 +239,10 @@ class MenuTest : public DeskTest {
 protected:
     std::string choose(MenuOwner &owner, const std::vector<std::string> &keys) {
         desk().movePointer(400, 300);
-        Meanwhile meanwhile([] { return QApplication::activePopupWidget() != nullptr; },
-                            [&] {
-                                for (const std::string &key : keys)
-                                    press(key);
-                            });
+        Meanwhile meanwhile(menuIsUp, [&] {
+            for (const std::string &key : keys)
+                press(key);
+        });
         desk().windows->PopupMenu(owner, owner.menu);
         return owner.chosen;
     }
@@ -260,12 +277,10 @@ TEST_F(MenuTest, OpensAtThePointerAndTakesAClick) {
     owner.appear();
     desk().movePointer(400, 300);
     QPoint at;
-    Meanwhile meanwhile(
-        [] { return QApplication::activePopupWidget() != nullptr; },
-        [&] {
-            at = QApplication::activePopupWidget()->pos();
-            desk().session.run({"xdotool", "mousemove", "430", "320", "click", "1"});
-        });
+    Meanwhile meanwhile(menuIsUp, [&] {
+        at = QApplication::activePopupWidget()->pos();
+        desk().session.run({"xdotool", "mousemove", "430", "320", "click", "1"});
+    });
     desk().windows->PopupMenu(owner, owner.menu);
     EXPECT_EQ(at, QPoint(400, 300));
     EXPECT_EQ(owner.chosen, "play ");

@@ -1,7 +1,12 @@
 #include "tests/desktop/qt/desk.h"
 
 #include "base/text.h"
+#include "tests/desktop/x_turn.h"
 
+#include <QApplication>
+#include <QWidget>
+
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
@@ -39,9 +44,14 @@ Desk::Desk() {
         ADD_FAILURE() << "no window system";
         std::exit(1);
     }
+    own_ = std::make_unique<QWindow>();
+    own_->create();
 }
 
-Desk::~Desk() { windows.reset(); }
+Desk::~Desk() {
+    own_.reset();
+    windows.reset();
+}
 
 bool Desk::pump(const std::function<bool()> &condition, int limitMs) {
     using std::chrono::steady_clock;
@@ -54,6 +64,17 @@ bool Desk::pump(const std::function<bool()> &condition, int limitMs) {
     return true;
 }
 
+bool Desk::settle() {
+    constexpr int limitMs = 30000;
+    XTurn turn(session.display());
+    bool taken = turn.managerTook(limitMs);
+    for (int sign = 0; taken && sign < 2; ++sign) {
+        turn.ask(static_cast<xcb_window_t>(own_->winId()));
+        taken = pump([&] { return turn.answered(); }, limitMs);
+    }
+    return taken;
+}
+
 void Desk::pumpFor(int ms) {
     pump([] { return false; }, ms);
 }
@@ -62,6 +83,7 @@ void Desk::tool(const std::vector<std::string> &words) {
     std::vector<std::string> command = {"xdotool"};
     command.insert(command.end(), words.begin(), words.end());
     session.run(command);
+    EXPECT_TRUE(settle()) << "neither the window manager nor the program takes in what is sent";
     pumpFor(15);
 }
 
@@ -95,11 +117,35 @@ bool TestForm::isOnScreen() const {
     return geometry && geometry->mapped;
 }
 
+namespace {
+
+// Which windows were painted since it was made.
+class Painted : public QObject {
+public:
+    Painted() { qApp->installEventFilter(this); }
+    bool eventFilter(QObject *to, QEvent *event) override {
+        if (event->type() == QEvent::Paint && to->isWidgetType())
+            windows_.push_back(static_cast<QWidget *>(to)->window());
+        return false;
+    }
+    bool contains(const QWidget *window) const {
+        return std::find(windows_.begin(), windows_.end(), window) != windows_.end();
+    }
+
+private:
+    std::vector<const QWidget *> windows_;
+};
+
+} // namespace
+
 void TestForm::appear() {
+    const Painted painted;
     show();
     ASSERT_TRUE(desk().pump([this] { return isOnScreen(); })) << "the window did not appear";
     const auto *window = static_cast<platform::qt::QtFormWindow *>(this->window());
-    ASSERT_TRUE(desk().pump([&] { return window->top()->windowHandle() != nullptr; }));
+    ASSERT_TRUE(desk().pump([&] { return painted.contains(window->top()); }))
+        << "it is not painted";
+    ASSERT_TRUE(desk().settle());
     desk().pumpFor(60);
 }
 

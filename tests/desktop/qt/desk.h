@@ -15,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QWindow>
+
 #include <functional>
 #include <memory>
 #include <string>
@@ -35,14 +37,20 @@ public:
     std::vector<std::string> notes;
 
     // Handles events until the condition holds; false when the limit passes first.
-    bool pump(const std::function<bool()> &condition, int limitMs = 5000);
+    bool pump(const std::function<bool()> &condition, int limitMs = 30000);
     // Handles events for so long, for what must not happen.
     void pumpFor(int ms);
-    // What xdotool does, then a round of events.
+    // Handles events until the window manager, and then this program, took in all that was sent to
+    // the screen before.
+    bool settle();
+    // What xdotool does, taken in, then a round of events.
     void tool(const std::vector<std::string> &words);
     void movePointer(int x, int y);
     void click(int x, int y, int button = 1);
     void key(const std::string &name);
+
+private:
+    std::unique_ptr<QWindow> own_; // never shown: answers for the program
 };
 
 // The desk of this program; made before the first test, gone after the last.

@@ -154,6 +154,7 @@ protected:
                           const std::string &closing) {
         timer.setInterval(10);
         int ticks = 0;
+        bool closed = false;
         timer.onTimer = [&] {
             if (!isUp())
                 return;
@@ -162,18 +163,21 @@ protected:
                 desk().session.run({"xdotool", "mouseup", "1"});
             if (ticks == 30)
                 whenUp = form.selection();
-            if (ticks == 60)
+            // A key that comes ahead of the keyboard is lost.
+            if (ticks >= 60 && !closed && QApplication::activeModalWidget()->isActiveWindow()) {
+                closed = true;
                 desk().session.run({"xdotool", "key", closing});
+            }
         };
         timer.setRunning(true);
         run();
         timer.setRunning(false);
         EXPECT_FALSE(whenUp.empty());
         EXPECT_EQ(form.selection(), whenUp) << "it went on selecting behind what was up";
-        const auto closed = form.selection();
+        const auto then = form.selection();
         desk().pumpFor(300);
-        EXPECT_EQ(form.selection(), closed) << "it goes on behind it";
-        EXPECT_LT(static_cast<int>(closed.size()), form.list.listCount());
+        EXPECT_EQ(form.selection(), then) << "it goes on behind it";
+        EXPECT_LT(static_cast<int>(then.size()), form.list.listCount());
     }
     std::vector<int> whenUp;
 };
