@@ -223,6 +223,27 @@ INSTANTIATE_TEST_SUITE_P(
                     Joint{"mono.mp3", "cbr_bare.mp3"}, Joint{"id3v2.mp3", "id3v2.mp3"},
                     Joint{"cbr_bare.mp3", "layer2.mp2"}, Joint{"free.mp3", "cbr_bare.mp3"}));
 
+// It stands in a frame of its own, which would be heard as a gap.
+TEST_F(MpegFile, TheHeaderOfAJoinedPartIsNoSound) {
+    constexpr int decoderDelay = 529;
+    for (const char *name : {"cbr.mp3", "vbr.mp3", "id3v2.mp3", "rate_22.05.mp3"}) {
+        const Bytes one = readFile(mediaFile(name));
+        const auto start = static_cast<std::size_t>(id3v2Size(MemorySource(one), 0));
+        const Bytes part(one.begin() + static_cast<std::ptrdiff_t>(start), one.end());
+        const auto header = readMpegSeekHeader(MemorySource(part), 0);
+        ASSERT_TRUE(header && header->delay) << name;
+        const int samples = parseMpegFrame(part)->samples;
+        Bytes joined = part;
+        append(joined, one);
+        append(joined, one);
+        const auto reader = open(joined);
+        ASSERT_TRUE(reader) << name;
+        EXPECT_EQ(reader->frames(), 3 * header->frames * samples - *header->delay - decoderDelay)
+            << name;
+        EXPECT_EQ(decodeAll(*reader), reader->frames()) << name;
+    }
+}
+
 TEST_F(MpegFile, ManyPartsOfManyFormsAreOneAfterTheOther) {
     Bytes bytes;
     const std::vector<const char *> names = {"rate_48.mp3", "cbr_bare.mp3", "rate_32.mp3",

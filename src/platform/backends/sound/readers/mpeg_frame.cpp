@@ -41,6 +41,18 @@ bool chainHolds(std::span<const std::uint8_t> bytes, bool bytesAreAll, bool atOn
     return chain.headers >= wanted || (atOnce && chain.headers >= 2 && chain.reachesEnd);
 }
 
+// Of a frame of layer III: behind what tells of its sound, of which a header has none.
+std::size_t xingAt(std::span<const std::uint8_t> bytes) {
+    const bool isFirstVersion = (bytes[1] & 0x18) == 0x18;
+    const bool isMono = bytes[3] >> 6 == 3;
+    return 4 + (isFirstVersion ? (isMono ? 17U : 32U) : (isMono ? 9U : 17U));
+}
+constexpr std::size_t vbriAt = 36;
+
+bool isMark(const std::uint8_t *bytes, const char *mark) {
+    return std::memcmp(bytes, mark, 4) == 0;
+}
+
 // The kinds of fields that are there are named in front of them; the encoder's own follow.
 void readXingFields(std::span<const std::uint8_t> bytes, MpegSeekHeader &header) {
     constexpr std::array<std::size_t, 4> sizes{4, 4, 100, 4}; // frames, bytes, places, quality
@@ -152,24 +164,29 @@ std::optional<MpegSeekHeader> readMpegSeekHeader(const ByteSource &source, std::
     const auto frame = parseMpegFrame(std::span(bytes).first(got));
     if (!frame || frame->layer != 3)
         return std::nullopt;
-    const std::size_t side =
-        frame->version == 1 ? (frame->channels == 1 ? 17 : 32) : (frame->channels == 1 ? 9 : 17);
-    const auto isAt = [&](std::size_t at, const char *mark) {
-        return std::memcmp(bytes.data() + at, mark, 4) == 0;
-    };
     MpegSeekHeader header;
-    const std::size_t xing = 4 + side;
-    if (got >= xing + 16 && (isAt(xing, "Xing") || isAt(xing, "Info"))) {
+    const std::size_t xing = xingAt(bytes);
+    if (got >= xing + 16 && (isMark(&bytes[xing], "Xing") || isMark(&bytes[xing], "Info"))) {
         readXingFields(std::span(bytes).first(got).subspan(xing), header);
         return header;
     }
-    constexpr std::size_t vbri = 36;
-    if (got >= vbri + 18 && isAt(vbri, "VBRI")) {
-        header.bytes = bigEndian(std::span(bytes).subspan(vbri + 10));
-        header.frames = bigEndian(std::span(bytes).subspan(vbri + 14));
+    if (got >= vbriAt + 18 && isMark(&bytes[vbriAt], "VBRI")) {
+        header.bytes = bigEndian(std::span(bytes).subspan(vbriAt + 10));
+        header.frames = bigEndian(std::span(bytes).subspan(vbriAt + 14));
         return header;
     }
     return std::nullopt;
+}
+
+bool isMpegSeekHeader(std::span<const std::uint8_t> bytes) {
+    static_assert(mpegSeekHeaderBytes >= vbriAt + 4);
+    if (bytes.size() < mpegSeekHeaderBytes || (bytes[1] & 6) != 2) // layer III alone
+        return false;
+    const std::size_t xing = xingAt(bytes);
+    const bool isXing = isMark(&bytes[xing], "Xing") || isMark(&bytes[xing], "Info");
+    const std::size_t mark = isXing ? xing : vbriAt;
+    return (isXing || isMark(&bytes[vbriAt], "VBRI")) &&
+           std::all_of(&bytes[4], &bytes[mark], [](std::uint8_t byte) { return byte == 0; });
 }
 
 std::int64_t id3v2Size(const ByteSource &source, std::int64_t offset) {

@@ -66,6 +66,10 @@ struct MpegSeekHeader {
 };
 std::optional<MpegSeekHeader> readMpegSeekHeader(const ByteSource &source, std::int64_t start);
 
+// Whether the frame that begins these bytes holds such a header, certainly no sound.
+bool isMpegSeekHeader(std::span<const std::uint8_t> bytes);
+constexpr std::size_t mpegSeekHeaderBytes = 40; // as many of them as it takes to know
+
 // The size of an ID3v2 tag at this place, 0 if there is none.
 std::int64_t id3v2Size(const ByteSource &source, std::int64_t offset);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <utility>
 
 namespace velmora::platform::sound {
 
@@ -70,7 +71,6 @@ bool MpegWalk::takeAlike() {
     constexpr std::uint32_t emphasis = 3;
     if ((header & alikeBits) != pattern_ || (header & emphasis) == 2 || size == 0)
         return false;
-    isOther_ = false;
     return take(size + ((header & paddingBit) != 0 ? padding_ : 0));
 }
 
@@ -85,8 +85,8 @@ bool MpegWalk::takeChain(std::span<const std::uint8_t> bytes) {
         return false;
     if (!take(chain.sizeOf(chain.first)))
         return false;
-    isOther_ = !known;
-    if (isOther_) {
+    if (!known) {
+        hasChanged_ = true;
         next_.form = chain.first;
         next_.freeSize = chain.freeSize;
         learnForm();
@@ -106,9 +106,16 @@ std::int64_t MpegWalk::tagSize(std::span<const std::uint8_t> bytes) const {
     return chain.headers == 2 ? size : 0;
 }
 
+MpegWalk::Step MpegWalk::handOut() {
+    if (isMpegSeekHeader(window_.at(offset_, std::min(size_, mpegSeekHeaderBytes))))
+        return Step::Nothing;
+    isOther_ = std::exchange(hasChanged_, false);
+    return Step::Frame;
+}
+
 MpegWalk::Step MpegWalk::step() {
     if (inStep_ && takeAlike())
-        return Step::Frame;
+        return handOut();
     for (const std::int64_t limit = next_.offset + searchBytes; next_.offset < limit;) {
         const auto bytes = window_.at(next_.offset, mpegChainBytes);
         if (bytes.size() < headerBytes)
@@ -118,7 +125,7 @@ MpegWalk::Step MpegWalk::step() {
             continue;
         }
         if (bytes[0] == 0xFF && takeChain(bytes))
-            return Step::Frame;
+            return handOut();
         inStep_ = false;
         const auto again = std::find_if(bytes.begin() + 1, bytes.end(), [](std::uint8_t byte) {
             return byte == 0xFF || byte == 'I';

@@ -50,7 +50,8 @@ struct MpegPlace {
 
 // A frame that stands where the one before it ends belongs to it when it is alike. Elsewhere,
 // behind junk or a tag, or where the form changes, a single header proves nothing: several in a
-// chain must agree. A frame that the end of the source cuts is none: a decoder drops it.
+// chain must agree. A frame that the end of the source cuts is none: a decoder drops it. Nor is the
+// header of a part that was joined to others.
 class MpegWalk {
 public:
     MpegWalk(const ByteSource &source, const MpegPlace &from);
@@ -72,6 +73,7 @@ public:
     const MpegPlace &next() const { return next_; }
 
 private:
+    Step handOut();
     bool takeAlike();
     bool takeChain(std::span<const std::uint8_t> bytes);
     bool take(int size);
@@ -91,6 +93,7 @@ private:
     std::int64_t offset_ = 0;
     std::size_t size_ = 0;
     bool isOther_ = false;
+    bool hasChanged_ = false; // the form, since the last frame that was handed out
 };
 
 } // namespace velmora::platform::sound
