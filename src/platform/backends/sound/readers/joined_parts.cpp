@@ -102,21 +102,28 @@ bool JoinedParts::searchOn() {
 }
 
 void JoinedParts::searchMarks() {
-    bytes_.resize(searchedAtOnce);
-    const std::size_t got = source_.read(place_, bytes_);
-    const auto bytes = view(std::span(bytes_).first(got));
-    for (std::size_t at = 0; (at = bytes.find(mark_, at)) != bytes.npos; ++at) {
-        if (at + markContext > got)
+    const auto known = bytesAt_ + static_cast<std::int64_t>(bytes_.size());
+    if (place_ + static_cast<std::int64_t>(markContext) > known) {
+        bytes_.resize(searchedAtOnce);
+        bytes_.resize(source_.read(place_, bytes_));
+        bytesAt_ = place_;
+    }
+    const auto bytes = view(bytes_);
+    for (auto at = static_cast<std::size_t>(place_ - bytesAt_);
+         (at = bytes.find(mark_, at)) != bytes.npos; ++at) {
+        if (at + markContext > bytes.size())
             break;
-        if (!beginsPart(bytes.substr(at), place_ + static_cast<std::int64_t>(at)))
+        const std::int64_t start = bytesAt_ + static_cast<std::int64_t>(at);
+        if (!beginsPart(bytes.substr(at), start))
             continue;
-        starts_.push_back(place_ + static_cast<std::int64_t>(at));
-        place_ = mark_ == "fLaC" ? flacSoundStart(source_, starts_.back())
-                                 : starts_.back() + static_cast<std::int64_t>(mark_.size());
+        starts_.push_back(start);
+        place_ = mark_ == "fLaC" ? flacSoundStart(source_, start)
+                                 : start + static_cast<std::int64_t>(mark_.size());
         return;
     }
-    isComplete_ = got < searchedAtOnce;
-    place_ += static_cast<std::int64_t>(got) - static_cast<std::int64_t>(markContext - 1);
+    isComplete_ = bytes.size() < searchedAtOnce;
+    place_ = bytesAt_ + static_cast<std::int64_t>(bytes.size()) -
+             static_cast<std::int64_t>(markContext - 1);
 }
 
 bool JoinedParts::beginsPart(std::string_view bytes, std::int64_t place) {

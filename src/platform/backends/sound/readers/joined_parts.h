@@ -41,8 +41,9 @@ private:
     std::vector<std::int64_t> starts_{0};
     std::int64_t place_ = 0; // up to here it is searched
     bool isComplete_ = false;
-    bool lastBegan_ = true; // the last page was the first of a stream
-    std::vector<std::uint8_t> bytes_;
+    bool lastBegan_ = true;           // the last page was the first of a stream
+    std::vector<std::uint8_t> bytes_; // of the source from there on; many a part may begin in them
+    std::int64_t bytesAt_ = 0;
 };
 
 } // namespace velmora::platform::sound
