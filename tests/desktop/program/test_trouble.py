@@ -332,7 +332,8 @@ class Maker(TroubleTest):
     def assert_page_comes(self, more):
         self.net.answers["/source/mini/"] = answer((self.PAGE + more).encode())
         self.begin()
-        self.open("welcome", WELCOME)
+        page = self.open("welcome", WELCOME)
+        self.assertTrue(self.player.says(page, "Page"), "the page is not shown")
         self.assertLess(self.memory(), 400)
         self.assert_fit()
 
