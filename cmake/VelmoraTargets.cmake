@@ -43,10 +43,10 @@ function(velmora_backend_library name)
     endif()
 endfunction()
 
-# velmora_test(NAME name SOURCES ... LIBRARIES ... [LABELS ...] [TIMEOUT seconds])
+# velmora_test(NAME name SOURCES ... LIBRARIES ... [LABELS ...] [TIMEOUT seconds] [COST seconds])
 include(GoogleTest)
 function(velmora_test)
-    cmake_parse_arguments(arg "" "NAME;TIMEOUT;PRECOMPILED" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+    cmake_parse_arguments(arg "" "NAME;TIMEOUT;COST;PRECOMPILED" "SOURCES;LIBRARIES;LABELS" ${ARGN})
     add_executable(${arg_NAME} ${arg_SOURCES})
     if("Qt6::Widgets" IN_LIST arg_LIBRARIES)
         velmora_precompiled(${arg_NAME} cmake/precompiled/window_tests.h Qt6::Widgets GTest::gmock)
@@ -73,6 +73,10 @@ function(velmora_test)
     set_tests_properties(${arg_NAME} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}"
         ENVIRONMENT_MODIFICATION
             "GTEST_OUTPUT=set:xml:${CMAKE_BINARY_DIR}/Testing/cases/${arg_NAME}.xml")
+    # The longest begin first, so that the last one is not alone; what is usual, where it is long.
+    if(arg_COST)
+        set_tests_properties(${arg_NAME} PROPERTIES COST ${arg_COST})
+    endif()
     # What listens is not run under the sanitizers, see ./test, and not built for them either.
     if(VELMORA_SANITIZE AND "recorded" IN_LIST arg_LABELS)
         set_target_properties(${arg_NAME} PROPERTIES EXCLUDE_FROM_ALL ON)

@@ -280,6 +280,7 @@ class InTheWindow(FilmTest):
             player.tool("mousemove_relative", "--", 10, 5)
         self.assertTrue(wait_for(lambda: player.place(window) != before, 5))
         player.tool("mouseup", 1)
+        self.assertTrue(player.done(window), "the drag is not handled to its end")
         rect = self.whole(player, window)
         self.assert_stretched(rect)
         self.assert_moves(rect)
