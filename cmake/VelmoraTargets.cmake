@@ -59,7 +59,7 @@ function(velmora_test)
         velmora_flags)
     target_include_directories(${arg_NAME} PRIVATE "${CMAKE_SOURCE_DIR}/src" "${CMAKE_SOURCE_DIR}")
     if(NOT arg_TIMEOUT)
-        set(arg_TIMEOUT 120)
+        set(arg_TIMEOUT 300)
     endif()
     # One ctest entry an executable: start-up of a process for each case would cost more than the
     # cases; the run prints each case by name on failure.
