@@ -144,6 +144,9 @@ void Main::dragMove(const forms::MouseEvent &event) {
 }
 
 void Main::endDrag(const forms::MouseEvent &event) {
+    if (event.button == forms::leftButton) {
+        app_.formSet().settle_Pair(*this, app_.playList_Form());
+    }
     topmost_Main = app_.formSet().set_Topmost(hWnd(), false);
     topmost_PlayList = app_.formSet().set_Topmost(app_.playList_Form().hWnd(), false);
     app_.formSet().keep_Topmost();

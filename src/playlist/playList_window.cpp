@@ -149,6 +149,9 @@ void playList_Form::setDragHandlers() {
             main.move({main.left() + offset.x, main.top() + offset.y, main.width(), main.height()});
         };
         area->MouseUp = [this, isForm = area == &on()](const forms::MouseEvent &event) {
+            if (event.button == forms::leftButton) {
+                app_.formSet().settle_Pair(*this, app_.Main());
+            }
             app_.formSet().set_Topmost(hWnd(), false);
             app_.formSet().set_Topmost(app_.Main().hWnd(), false);
             app_.formSet().keep_Topmost();

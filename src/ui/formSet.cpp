@@ -13,6 +13,8 @@
 #include "settings/setControl.h"
 #include "velmora.h"
 
+#include <cmath>
+
 namespace velmora {
 
 namespace {
@@ -71,8 +73,32 @@ void formSet::start_Drag(const forms::Form &form, const forms::MouseEvent &event
         return;
     }
     const PointTwips at = pointer_On(form, event);
-    drag_X = roundToInt32(at.x);
-    drag_Y = roundToInt32(at.y);
+    const PointTwips held = held_Off(form);
+    drag_X = roundToInt32(at.x - held.x);
+    drag_Y = roundToInt32(at.y - held.y);
+}
+
+// Less than a pixel is rounding.
+PointTwips formSet::held_Off(const forms::Form &form) {
+    RectPixels seen;
+    if (!app_.platform().windows.GetWindowRect(form.hWnd(), seen)) {
+        return {0, 0};
+    }
+    const auto beyondRounding = [](Twips off) { return std::abs(off) < twipsPerPixel ? 0 : off; };
+    return {beyondRounding(static_cast<Twips>(seen.left) * twipsPerPixel - form.left()),
+            beyondRounding(static_cast<Twips>(seen.top) * twipsPerPixel - form.top())};
+}
+
+// A window manager may have kept the one that was dragged from where the pointer left it: the other
+// goes beside it.
+void formSet::settle_Pair(forms::Form &dragged, forms::Form &other) {
+    const PointTwips held = held_Off(dragged);
+    if (held.x == 0 && held.y == 0) {
+        return;
+    }
+    for (forms::Form *form : {&dragged, &other}) {
+        form->move({form->left() + held.x, form->top() + held.y, form->width(), form->height()});
+    }
 }
 
 PointTwips formSet::drag_Offset(const forms::Form &form, const forms::MouseEvent &event) {

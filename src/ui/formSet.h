@@ -45,6 +45,8 @@ public:
     void start_Drag(const forms::Form &form, const forms::MouseEvent &event);
     // How far the form has to move (twips), while the left button is down.
     PointTwips drag_Offset(const forms::Form &form, const forms::MouseEvent &event);
+    // The end of a drag that took another form along.
+    void settle_Pair(forms::Form &dragged, forms::Form &other);
     // The handlers of a form that is dragged alone, on the form itself or on one of its controls.
     void make_Draggable(forms::Form &form, forms::ControlEvents &events);
 
@@ -70,6 +72,8 @@ public:
     void form_KeyDown(std::int16_t keyCode, std::int16_t shift, std::u16string_view formName);
 
 private:
+    // How far the window manager keeps a form from where it was placed.
+    PointTwips held_Off(const forms::Form &form);
     struct Key;
     void trayClicked();
 

@@ -5,6 +5,7 @@
 #include "platform/forms/menu.h"
 #include "tests/fakes/fake_system.h"
 
+#include <algorithm>
 #include <cmath>
 #include <exception>
 #include <gtest/gtest.h>
@@ -271,10 +272,27 @@ platform::HWND FakeWindows::FindWindowA(std::u16string_view className) {
 }
 
 bool FakeWindows::GetWindowRect(platform::HWND window, RectPixels &rect) {
-    if (window != taskBarWindow || !hasTaskBar) {
+    if (window == taskBarWindow && hasTaskBar) {
+        rect = taskBar;
+        return true;
+    }
+    const forms::Form *form = formOf(window);
+    if (form == nullptr) {
         return false;
     }
-    rect = taskBar;
+    const auto pixels = [](Twips twips) {
+        return static_cast<std::int32_t>(std::lround(twips / twipsPerPixel));
+    };
+    const std::int32_t width = pixels(form->width());
+    const std::int32_t height = pixels(form->height());
+    rect.left = pixels(form->left());
+    rect.top = pixels(form->top());
+    if (keepsInside) {
+        rect.left = std::clamp(rect.left, keepsInside->left, keepsInside->right - width);
+        rect.top = std::clamp(rect.top, keepsInside->top, keepsInside->bottom - height);
+    }
+    rect.right = rect.left + width;
+    rect.bottom = rect.top + height;
     return true;
 }
 

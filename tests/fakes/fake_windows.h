@@ -90,6 +90,8 @@ public:
     bool hasTaskBar = true;
     PointPixels screen{1280, 800};
     PointPixels cursor{0, 0};
+    // The window manager keeps windows wholly in there, whatever place they ask for.
+    std::optional<RectPixels> keepsInside;
     bool workAreaFails = false;
     bool trayFails = false;
     bool cursorFails = false;

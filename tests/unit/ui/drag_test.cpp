@@ -100,5 +100,85 @@ TEST_F(Drag, OfMainOrTheListByAnyHandleTakesTheOtherAlong) {
     }
 }
 
+// A window manager that keeps windows on its screen, and the two windows side by side on it.
+class HeldPair : public Drag {
+protected:
+    void SetUp() override {
+        Drag::SetUp();
+        main().show();
+        list().show();
+        main().move({160 * 15, 300 * 15, main().width(), main().height()});
+        list().move(
+            {main().left() + main().width(), main().top(), list().width(), list().height()});
+        windows.keepsInside = RectPixels{0, 0, 1280, 800};
+    }
+    Main &main() { return app.Main(); }
+    playList_Form &list() { return app.playList_Form(); }
+    RectPixels seen(const forms::Form &form) {
+        RectPixels rect;
+        windows.GetWindowRect(form.hWnd(), rect);
+        return rect;
+    }
+    // Takes hold at a place in the window that is seen, in pixels, and moves by so much, and back
+    // by so much.
+    void haul(forms::Form &form, PointPixels by, PointPixels back) {
+        const RectPixels at = seen(form);
+        const PointTwips where{20, 20};
+        constexpr std::int16_t button = forms::leftButton;
+        windows.cursor = {at.left + 5, at.top + 5};
+        form.pointerPressed(where, button, 0);
+        for (const PointPixels step : {by, back}) {
+            for (int part = 0; part < 10; ++part) {
+                windows.cursor.x += step.x / 10;
+                windows.cursor.y += step.y / 10;
+                form.pointerMoved(where, button, 0);
+            }
+        }
+        form.pointerReleased(where, button, 0);
+    }
+    void expectTogether() {
+        EXPECT_EQ(seen(list()).left, seen(main()).right);
+        EXPECT_EQ(seen(list()).top, seen(main()).top);
+    }
+};
+
+constexpr PointPixels outwards[] = {{-600, 0}, {600, 0}, {0, -600}, {0, 600}, {600, 600}};
+
+TEST_F(HeldPair, IsTogetherAgainWhenADragThatWasHeldAtAnEdgeComesBack) {
+    for (forms::Form *handle :
+         {static_cast<forms::Form *>(&main()), static_cast<forms::Form *>(&list())}) {
+        for (const PointPixels out : outwards) {
+            SCOPED_TRACE(std::to_string(out.x) + "," + std::to_string(out.y));
+            const RectPixels before = seen(*handle);
+            haul(*handle, out, {-out.x, -out.y});
+            expectTogether();
+            EXPECT_EQ(seen(*handle), before);
+        }
+    }
+}
+
+TEST_F(HeldPair, LeftAtAnEdgeIsTogetherAgainAfterTheNextDrag) {
+    for (const PointPixels out : outwards) {
+        SCOPED_TRACE(std::to_string(out.x) + "," + std::to_string(out.y));
+        main().move({160 * 15, 300 * 15, main().width(), main().height()});
+        list().move(
+            {main().left() + main().width(), main().top(), list().width(), list().height()});
+        haul(main(), out, {0, 0});
+        const RectPixels held = seen(main());
+        const PointPixels inwards{160 - held.left, 300 - held.top};
+        haul(main(), {inwards.x / 10 * 10, inwards.y / 10 * 10}, {0, 0});
+        expectTogether();
+        // It is where the pointer took it from where it was held, not from where it had been meant.
+        EXPECT_NEAR(seen(main()).left, 160, 10);
+        EXPECT_NEAR(seen(main()).top, 300, 10);
+    }
+}
+
+TEST_F(HeldPair, TheOtherGoesBesideOneThatIsHeldAndHasRoomThere) {
+    haul(main(), {-600, 0}, {0, 0});
+    EXPECT_EQ(seen(main()).left, 0);
+    expectTogether();
+}
+
 } // namespace
 } // namespace velmora

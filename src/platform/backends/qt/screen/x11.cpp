@@ -1,6 +1,7 @@
 #include "platform/backends/qt/screen/x11.h"
 
 #include <QGuiApplication>
+#include <QScreen>
 
 #include <xcb/shape.h>
 
@@ -22,6 +23,7 @@ template <typename Reply> using Owned = std::unique_ptr<Reply, Free>;
 constexpr std::uint32_t stateRemove = 0;
 constexpr std::uint32_t stateAdd = 1;
 constexpr std::uint32_t sourceApplication = 1;
+constexpr std::uint32_t iconicState = 3;
 constexpr std::uint32_t maxStates = 64;
 
 // The head of the notice that a selection changed hands, as the XFIXES protocol lays it out.
@@ -41,7 +43,7 @@ X11::X11()
     screen_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
     internAtoms();
     std::uint8_t unused = 0;
-    guest_ = hasExtension("XWAYLAND", unused);
+    guest_ = hasExtension("XWAYLAND", unused) || isGuestScreen();
     hasExtension("XFIXES", fixesEvent_);
     composited_ = readComposited();
     qApp->installNativeEventFilter(this);
@@ -58,7 +60,9 @@ void X11::internAtoms() {
                                           "_NET_WM_STATE_DEMANDS_ATTENTION",
                                           "_NET_WM_CM_S0",
                                           "XdndPosition",
-                                          "XdndActionCopy"};
+                                          "XdndActionCopy",
+                                          "WM_CHANGE_STATE",
+                                          "WM_STATE"};
     xcb_intern_atom_cookie_t asked[AtomCount];
     for (int i = 0; i < AtomCount; ++i)
         asked[i] =
@@ -79,6 +83,12 @@ bool X11::hasExtension(const char *name, std::uint8_t &firstEvent) {
         return false;
     firstEvent = reply->first_event;
     return true;
+}
+
+// The servers of Debian 12 and before it have no such extension; their outputs tell.
+bool X11::isGuestScreen() {
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    return screen != nullptr && screen->name().startsWith(QLatin1String("XWAYLAND"));
 }
 
 bool X11::readComposited() {
@@ -116,6 +126,19 @@ void X11::requestState(xcb_window_t window, bool on, Atom state) {
     event.data.data32[0] = on ? stateAdd : stateRemove;
     event.data.data32[1] = atoms_[state];
     event.data.data32[3] = sourceApplication;
+    xcb_send_event(connection_, 0, root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char *>(&event));
+    flush();
+}
+
+void X11::iconify(xcb_window_t window) {
+    xcb_client_message_event_t event = {};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = atoms_[ChangeState];
+    event.data.data32[0] = iconicState;
     xcb_send_event(connection_, 0, root(),
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char *>(&event));

@@ -30,6 +30,8 @@ public:
         CompositorSelection,
         DragPosition,
         DragCopy,
+        ChangeState,
+        WmState,
         AtomCount
     };
 
@@ -55,6 +57,8 @@ public:
     void setStatesBeforeMap(xcb_window_t window, std::initializer_list<Atom> states);
     // Asks the window manager to change a state of a mapped window.
     void requestState(xcb_window_t window, bool on, Atom state);
+    // Asks the window manager to minimise a mapped window.
+    void iconify(xcb_window_t window);
     bool hasState(xcb_window_t window, Atom state);
 
     // The window consists of these rectangles (rows from top to bottom), for drawing and for
@@ -66,7 +70,8 @@ public:
     std::vector<xcb_keysym_t> keySymbols(xcb_keycode_t key);
 
     // A clear window that feels the pointer and shows nothing; `entered` is called when the pointer
-    // comes over it.
+    // comes over it. None where the server has no clear windows.
+    bool canSense() const { return clearVisual() != XCB_NONE; }
     xcb_window_t makeSensor(const QRect &place, std::function<void()> entered);
     void placeSensor(xcb_window_t sensor, const QRect &place);
     void destroySensor(xcb_window_t sensor);
@@ -79,6 +84,7 @@ public:
 
 private:
     void internAtoms();
+    static bool isGuestScreen();
     bool readComposited();
     std::vector<xcb_atom_t> readStates(xcb_window_t window);
     xcb_visualid_t clearVisual() const;

@@ -8,9 +8,19 @@
 
 namespace velmora::platform::qt {
 
-EdgeSensor::~EdgeSensor() {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::milliseconds comingDown{500};
+
+} // namespace
+
+EdgeSensor::~EdgeSensor() { drop(); }
+
+void EdgeSensor::drop() {
     if (sensor_ != XCB_WINDOW_NONE)
         hub_.x11.destroySensor(sensor_);
+    sensor_ = XCB_WINDOW_NONE;
 }
 
 // The shown window that stands at the top edge by itself and is not the line across the desktop:
@@ -30,28 +40,32 @@ void EdgeSensor::follow(const forms::Form &strip) {
     const QRect place(qRound(at.x() * density), qRound(at.y() * density),
                       qRound(toPixels(strip.width()) * density), 1);
     if (sensor_ == XCB_WINDOW_NONE)
-        sensor_ = hub_.x11.makeSensor(place, [this] { touched_ = true; });
+        sensor_ = hub_.x11.makeSensor(place, [this] {
+            touched_ = Clock::now();
+            hub_.pointerOutside = true;
+        });
     else if (place != place_)
         hub_.x11.placeSensor(sensor_, place);
     place_ = place;
 }
 
 PointPixels EdgeSensor::pointer(PointPixels real) {
-    if (!active_)
-        return real;
-    const forms::Form *shown = strip();
+    const forms::Form *shown = active_ ? strip() : nullptr;
+    const bool isOutOfSight = shown != nullptr && shown->top() + shown->height() <= 0;
+    if (!isOutOfSight)
+        drop();
     if (shown == nullptr)
         return real;
-    if (touched_) {
-        // As long as the pointer stands on the edge, and until the strip has come down to it.
-        touched_ = false;
-        hub_.pointerOutside = false;
-        return {qRound(toPixels(shown->left() + shown->width() / 2)), 0};
-    }
-    if (hub_.pointerOutside) {
+    const int middle = qRound(toPixels(shown->left() + shown->width() / 2));
+    if (!hub_.x11.canSense())
+        return {middle, 1}; // nothing would bring it back: it stays
+    if (isOutOfSight)
         follow(*shown);
+    // The strip takes its time to come down to the pointer, which then tells of itself.
+    if (hub_.pointerOutside && Clock::now() - touched_ < comingDown)
+        return {middle, 0};
+    if (hub_.pointerOutside || isOutOfSight)
         return {real.x, qRound(toPixels(shown->height())) + 1};
-    }
     return real;
 }
 

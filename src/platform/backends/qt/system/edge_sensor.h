@@ -2,11 +2,12 @@
 
 // On XWayland nobody tells where the pointer is while it is over foreign windows. A window that has
 // slid out of sight above the screen's top edge could then never know that the pointer touches the
-// edge over it: a strip of one pixel, seen by nobody, feels it.
+// edge over it: a strip of one pixel, seen by nobody, feels it. It is there only while the window
+// is out of sight: clicks at the edge are others' at any other time.
 
 #include "platform/backends/qt/window/hub.h"
 
-#include <optional>
+#include <chrono>
 
 namespace velmora::platform::qt {
 
@@ -24,12 +25,13 @@ public:
 private:
     const forms::Form *strip() const;
     void follow(const forms::Form &strip);
+    void drop();
 
     Hub &hub_;
     bool active_;
     xcb_window_t sensor_ = XCB_WINDOW_NONE;
     QRect place_;
-    bool touched_ = false;
+    std::chrono::steady_clock::time_point touched_{}; // when the pointer last came over it
 };
 
 } // namespace velmora::platform::qt

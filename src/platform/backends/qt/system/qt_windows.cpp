@@ -123,6 +123,8 @@ QtWindowSystem::~QtWindowSystem() = default;
 int QtWindowSystem::run() { return parts_->hub.loop.run(); }
 void QtWindowSystem::quit(int status) { parts_->hub.loop.quit(status); }
 
+double QtWindowSystem::pixelScale() const { return qGuiApp->devicePixelRatio(); }
+
 void QtWindowSystem::beforeNestedLoop() { parts_->hub.loop.arm(); }
 
 std::uint32_t QtWindowSystem::waitForEvents(std::chrono::steady_clock::time_point due) {
@@ -210,8 +212,18 @@ std::int32_t QtWindowSystem::SetWindowPos(HWND window, std::int32_t insertAfter,
         place.height = qt::toTwips(height);
     }
     form->move(place);
-    if (insertAfter == HWND_TOPMOST || insertAfter == HWND_NOTOPMOST)
-        form->setTopmost(insertAfter == HWND_TOPMOST);
+    if (insertAfter != HWND_TOPMOST && insertAfter != HWND_NOTOPMOST)
+        return 1;
+    const bool wasTopmost = form->topmost();
+    form->setTopmost(insertAfter == HWND_TOPMOST);
+    // No manager keeps what it does not have on top: asked for once more it comes to the top again.
+    if (wasTopmost && form->topmost() && form->unmanaged())
+        form->raise();
+    // While another program is at work a manager may keep its window above what is only raised.
+    const bool comesForward = wasTopmost && !form->topmost() && form->visible();
+    if (comesForward && QGuiApplication::applicationState() != Qt::ApplicationActive)
+        if (const qt::FormEntry *entry = parts_->hub.entry(window); entry->window != nullptr)
+            entry->window->bringForward();
     return 1;
 }
 
@@ -258,11 +270,13 @@ bool QtWindowSystem::GetWindowRect(HWND window, RectPixels &rect) {
         rect = qt::screens::taskBar();
         return true;
     }
-    const forms::Form *form = parts_->form(window);
-    if (form == nullptr)
+    const qt::FormEntry *entry = parts_->hub.entry(window);
+    if (entry == nullptr)
         return false;
-    rect.left = qRound(qt::toPixels(form->left()));
-    rect.top = qRound(qt::toPixels(form->top()));
+    const forms::Form *form = entry->form;
+    const QPoint held = entry->window != nullptr ? entry->window->heldOff() : QPoint();
+    rect.left = qRound(qt::toPixels(form->left())) + held.x();
+    rect.top = qRound(qt::toPixels(form->top())) + held.y();
     rect.right = rect.left + qRound(qt::toPixels(form->width()));
     rect.bottom = rect.top + qRound(qt::toPixels(form->height()));
     return true;

@@ -42,6 +42,9 @@ public:
     // WaitableTimers. Answers 0 when it is due, else 1.
     std::uint32_t waitForEvents(std::chrono::steady_clock::time_point due);
 
+    // Device pixels to a logical one, on the densest screen: the toolkit counts alike on all.
+    double pixelScale() const;
+
     // Keeps timers running through a dialog of the toolkit: to be called ahead of its loop.
     void beforeNestedLoop();
 

@@ -48,10 +48,11 @@ bool repeats(const QWidget &widget, const QKeyEvent &event) {
 FormInput::FormInput(Hub &hub, QtFormWindow &window, forms::Form &form, Scene &scene)
     : hub_(hub), window_(window), form_(form), scene_(scene) {}
 
-// The pointer's place on the screen less the form's place as the program knows it: the window's own
-// coordinates lag behind while it is being dragged.
+// The pointer's place on the screen less the form's place as the program knows it, or where a
+// window manager holds it instead: the window's own coordinates lag behind while it is being
+// dragged.
 PointTwips FormInput::place(QPointF global) const {
-    const QPointF at = screens::toProgram(global);
+    const QPointF at = screens::toProgram(global) - window_.heldOff();
     return {toTwips(at.x()) - form_.left(), toTwips(at.y()) - form_.top()};
 }
 

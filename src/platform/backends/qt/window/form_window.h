@@ -39,6 +39,9 @@ public:
     // The native window; 0 before it was needed.
     xcb_window_t nativeWindow() const;
 
+    // How far the window manager keeps the window from where its form stands, in logical pixels.
+    QPoint heldOff() const;
+
     // Above the others, restored if it was minimised, with the keyboard.
     void bringForward();
     void attention(bool wanted);
@@ -68,7 +71,9 @@ private:
     bool isKeyed() const;
     bool isFullScreen() const;
     void firstFocus();
+    void comeBack();
     void densityChanged();
+    void originChanged();
 
     // From the toolkit.
     void closed();
@@ -82,6 +87,8 @@ private:
     FormInput input_;
     std::unique_ptr<TopWidget> top_;
     WindowPlace place_;
+    QPoint heldOff_;
+    QPoint origin_; // of the program's coordinates when the window was last placed in them
     std::chrono::steady_clock::time_point lastForced_;
     std::chrono::steady_clock::time_point lastOutline_;
     std::chrono::steady_clock::time_point paintedFor_; // what was painted serves the eye until then

@@ -18,6 +18,7 @@ namespace velmora::platform::qt {
 namespace {
 
 constexpr int raisePauseMs = 100;
+constexpr int iconifyLimitMs = 1000;
 
 Qt::WindowFlags flagsOf(const forms::Form &form) {
     Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint;
@@ -66,6 +67,7 @@ void QtFormWindow::realise() {
     scene_.build(*top_);
     top_->winId();
     density_ = scaleFactor();
+    origin_ = screens::primary().topLeft();
     QObject::connect(top_->windowHandle(), &QWindow::screenChanged, top_.get(),
                      [this] { densityChanged(); });
 }
@@ -97,8 +99,7 @@ void QtFormWindow::show() {
     setStatesBeforeMap();
     outlineDirty_ = true;
     applyOutline();
-    if (form_.windowState() == forms::WindowState::Minimised)
-        top_->setWindowState(top_->windowState() | Qt::WindowMinimized);
+    comeBack();
     top_->show();
     if (!form_.unmanaged())
         top_->activateWindow();
@@ -108,6 +109,13 @@ void QtFormWindow::show() {
         firstFocus();
     if (form_.unmanaged() && form_.topmost())
         applyTopmost();
+}
+
+// Who shows a window wants to see it: it does not come up minimised, whoever minimised it before.
+void QtFormWindow::comeBack() {
+    top_->setWindowState(top_->windowState() & ~Qt::WindowMinimized);
+    if (form_.windowState() == forms::WindowState::Minimised)
+        form_.stateChanged(forms::WindowState::Normal);
 }
 
 void QtFormWindow::firstFocus() {
@@ -133,6 +141,7 @@ void QtFormWindow::hideNow() {
     if (!hidePending_)
         return;
     hidePending_ = false;
+    heldOff_ = {};
     top_->hide();
     ground_.forget();
 }
@@ -146,7 +155,8 @@ void QtFormWindow::applyPlace() {
     const QRect before = top_->geometry();
     const bool resized = before.size() != area.size();
     placing_ = true;
-    place_.asked(area.topLeft());
+    place_.asked(area.topLeft(), top_->isVisible() && !form_.unmanaged());
+    heldOff_ = {};
     if (isFullScreen()) {
         // No size of its own, else the window manager would not let it fill the screen.
         top_->setMinimumSize(0, 0);
@@ -178,9 +188,26 @@ void QtFormWindow::applyPlace() {
     }
 }
 
+// Another monitor is the primary one, or it lies elsewhere: a window that a manager has stays where
+// it is on the screen, the others keep their place on the primary monitor.
+void QtFormWindow::originChanged() {
+    const QPoint now = screens::primary().topLeft();
+    if (std::exchange(origin_, now) == now)
+        return;
+    if (form_.unmanaged()) {
+        applyPlace();
+        return;
+    }
+    const QPointF at = screens::toProgram(QPointF(top_->geometry().topLeft() - heldOff_));
+    form_.movedTo(toTwips(at.x()), toTwips(at.y()));
+}
+
 // The toolkit takes a window for as large as before, in pixels of another size: the server is told.
 void QtFormWindow::screensChanged() {
-    if (top_ == nullptr || std::abs(scaleFactor() - density_) < 0.001)
+    if (top_ == nullptr)
+        return;
+    originChanged();
+    if (std::abs(scaleFactor() - density_) < 0.001)
         return;
     const double before = std::exchange(density_, scaleFactor());
     // Its corner stays where it is on the screen.
@@ -188,7 +215,8 @@ void QtFormWindow::screensChanged() {
                   static_cast<Twips>(form_.top() * before / density_));
     const QRect area = areaOf(form_);
     placing_ = true;
-    place_.asked(area.topLeft());
+    place_.asked(area.topLeft(), false);
+    heldOff_ = {};
     if (!isFullScreen()) {
         // The limits that the window manager knows count in the old pixels.
         top_->setMinimumSize(0, 0);
@@ -216,12 +244,29 @@ void QtFormWindow::screensChanged() {
 void QtFormWindow::moved() {
     if (placing_ || top_ == nullptr || top_->isMinimized())
         return;
-    const auto position = place_.reported(top_->geometry().topLeft());
-    if (!position)
-        return;
-    const QPointF at = screens::toProgram(QPointF(*position));
-    form_.movedTo(toTwips(at.x()), toTwips(at.y()));
+    const QPoint position = top_->geometry().topLeft();
+    switch (place_.reported(position)) {
+    case WindowPlace::Report::Passed:
+        break;
+    case WindowPlace::Report::Granted:
+        heldOff_ = {};
+        break;
+    case WindowPlace::Report::Refused:
+        // The form goes on standing where it was put: what is dragged along with it would part
+        // from it, were it to follow the window.
+        heldOff_ = position - areaOf(form_).topLeft();
+        break;
+    case WindowPlace::Report::Moved: {
+        heldOff_ = {};
+        const QPointF at = screens::toProgram(QPointF(position));
+        form_.movedTo(toTwips(at.x()), toTwips(at.y()));
+        break;
+    }
+    }
 }
+
+// While the window is on its way an answer may be one to an earlier place.
+QPoint QtFormWindow::heldOff() const { return place_.isAtRest() ? heldOff_ : QPoint(); }
 
 void QtFormWindow::applyTopmost() {
     if (!top_->isVisible())
@@ -255,10 +300,14 @@ void QtFormWindow::applyTopmost() {
 void QtFormWindow::applyState() {
     if (!top_->isVisible())
         return;
-    if (form_.windowState() == forms::WindowState::Minimised)
-        top_->setWindowState(top_->windowState() | Qt::WindowMinimized);
-    else
+    if (form_.windowState() == forms::WindowState::Normal) {
         bringForward();
+        return;
+    }
+    // Asked of the window manager directly: the toolkit would take the window for minimised under
+    // one that minimises none, and its clicks and moves would go astray.
+    hub_.x11.iconify(nativeWindow());
+    QTimer::singleShot(iconifyLimitMs, top_.get(), [this] { stateChanged(); });
 }
 
 void QtFormWindow::stateChanged() {
@@ -273,6 +322,10 @@ void QtFormWindow::stateChanged() {
 void QtFormWindow::raise() {
     if (top_ == nullptr || !form_.visible())
         return;
+    if (top_->isMinimized() && !form_.showInTaskbar()) {
+        bringForward(); // nothing else would ever bring it back
+        return;
+    }
     top_->raise();
     hub_.moveToFront(*this);
     hub_.x11.flush();

@@ -6,9 +6,14 @@ namespace velmora::platform::qt {
 
 namespace {
 constexpr std::size_t most = 64;
-}
+// No window manager takes longer to answer; what comes later is a move of its own.
+constexpr std::chrono::seconds answerLimit{1};
+constexpr std::chrono::milliseconds restTime{300};
+} // namespace
 
-void WindowPlace::asked(QPoint position) {
+void WindowPlace::asked(QPoint position, bool isManaged, Clock::time_point now) {
+    askedAt_ = now;
+    awaitsAnswer_ = isManaged;
     if (!asked_.empty() && asked_.back() == position)
         return;
     if (asked_.size() == most)
@@ -16,16 +21,23 @@ void WindowPlace::asked(QPoint position) {
     asked_.push_back(position);
 }
 
-std::optional<QPoint> WindowPlace::reported(QPoint position) {
+bool WindowPlace::isAtRest(Clock::time_point now) const { return now - askedAt_ >= restTime; }
+
+WindowPlace::Report WindowPlace::reported(QPoint position, Clock::time_point now) {
     const auto found = std::find(asked_.begin(), asked_.end(), position);
-    if (found == asked_.end()) {
-        asked_.clear();
-        return position;
+    if (found != asked_.end()) {
+        // Reports come in order: what was asked for before this one was passed over. The last one
+        // is kept: it may be reported again.
+        asked_.erase(asked_.begin(), found);
+        if (asked_.size() > 1)
+            return Report::Passed;
+        awaitsAnswer_ = false;
+        return Report::Granted;
     }
-    // Reports come in order: what was asked for before this one was passed over. The last one is
-    // kept: it may be reported again.
-    asked_.erase(asked_.begin(), found);
-    return std::nullopt;
+    if (awaitsAnswer_ && now - askedAt_ < answerLimit)
+        return Report::Refused;
+    asked_.clear();
+    return Report::Moved;
 }
 
 } // namespace velmora::platform::qt

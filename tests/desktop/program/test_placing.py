@@ -1,0 +1,210 @@
+#!/usr/bin/env python3
+"""What window managers, monitors and a guest server make of the places of the real program's windows.
+
+    test_placing.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
+"""
+
+import re
+import sys
+import unittest
+
+from player import LIST, MAIN, MINI, PlayerTest, stairs
+from session import Session, quiet, rest, wait_for
+
+WIDTH = int(MAIN["form"][2])
+
+
+class Placing(PlayerTest):
+    def setUp(self):
+        super().setUp()
+        self.track = f"{self.music}/track.wav"
+        stairs(self.track, 60, step=0)
+        self.write_list([self.track])
+
+    def haul(self, player, by, steps=12):
+        for _ in range(steps):
+            player.tool("mousemove_relative", "--", round(by[0] / steps), round(by[1] / steps))
+
+
+class HeldAtAnEdge(Placing):
+    """openbox lets no window leave the screen by more than nine tenths, whatever the program asks."""
+
+    def test_the_pair_comes_back_together_from_every_edge(self):
+        player, main, rows = self.start_with_list()
+        home = player.place(main)
+        for number, out in enumerate(((-700, 0), (700, 0), (0, 420), (0, -420), (540, 420))):
+            with self.subTest(out=out):
+                grip = player.point(main if number % 2 == 0 else rows, 150, 12)
+                player.tool("mousemove", *grip)
+                player.tool("mousedown", 1)
+                self.haul(player, out)
+                # The hand comes to rest there, and moves a little.
+                for step in (1, -1) * 3:
+                    rest(lambda: (player.place(main), player.place(rows)), still=0.1)
+                    player.tool("mousemove_relative", "--", step, step)
+                self.haul(player, (-out[0], -out[1]))
+                player.tool("mousemove", *grip)
+                player.tool("mouseup", 1)
+                self.assert_touching(player, main, rows)
+                self.assertTrue(wait_for(lambda: player.place(main) == home, 5),
+                                f"it stands at {player.place(main)}, not at {home}")
+
+    def test_a_window_that_is_held_takes_its_clicks_where_it_is_seen(self):
+        player, main = self.start()
+        player.tool("mousemove", *player.point(main, 470, 150))
+        player.tool("mousedown", 1)
+        self.haul(player, (-1000, 0))
+        place = wait_for(lambda: player.place(main)[0] < 0 and player.place(main), 5)
+        self.assertTrue(place)
+        player.tool("mouseup", 1)
+        shown = -place[0]  # columns beyond the edge
+        button = MAIN["playListButton"]
+        self.assertGreater(shown, 0)
+        rest(lambda: player.place(main), still=0.5)
+        # What is left in sight is dragged, not thrown about.
+        player.tool("mousemove", *player.point(main, 470, 150))
+        player.tool("mousedown", 1)
+        self.haul(player, (600, 0))
+        player.tool("mouseup", 1)
+        self.assertTrue(wait_for(lambda: abs(player.place(main)[0] - place[0] - 600) < 3, 5),
+                        f"from {place} by 600 it came to {player.place(main)}")
+        player.click_at(main, button[0] + button[2] / 2, button[1] + button[3] / 2)
+        self.assertTrue(player.form(LIST), "its button does not answer")
+
+
+class Minimised(Placing):
+    def restore(self, main):
+        quiet("xdotool", "windowactivate", main, env=self.session.env)
+
+    def test_after_a_minimise_the_strip_brings_the_main_window_in_full_view(self):
+        player, main = self.start()
+        player.click(main, "minimizeButton")
+        self.assertTrue(player.gone(main))
+        self.restore(main)
+        self.assertTrue(player.window())
+        player.click(main, "mini_Button")
+        strip = player.form(MINI)
+        self.assertTrue(strip and player.gone(main))
+        player.tool("mousemove", player.place(strip)[0] + 40, 0)
+        self.assertTrue(wait_for(lambda: player.place(strip)[1] == 0, 5))
+        player.click(strip, "mini_Button", form=MINI)
+        self.assertTrue(player.window(), "the main window comes up minimised")
+
+    def test_a_list_that_another_program_minimised_comes_back_by_its_button(self):
+        player, main, rows = self.start_with_list()
+        quiet("xdotool", "windowminimize", rows, env=self.session.env)
+        self.assertTrue(player.gone(rows), "nothing minimises it")
+        player.click(main, "playListButton")
+        if not player.form(LIST, 2):
+            player.click(main, "playListButton")
+        self.assertTrue(player.form(LIST), "the list is lost")
+
+
+class TwoMonitors(Session):
+    """A screen of two halves; the left one is the primary monitor."""
+    screen = "2560x800x24"
+
+    def parts(self, primary):
+        for name, left in (("left", 0), ("right", 1280)):
+            quiet("xrandr", "--delmonitor", name, env=self.env)
+        for name, left in (("left", 0), ("right", 1280)):
+            star = "*" if name == primary else ""
+            quiet("xrandr", "--setmonitor", star + name, f"1280/340x800/200+{left}+0",
+                  "screen" if name == "left" else "none", env=self.env)
+
+    def _display(self):
+        super()._display()
+        self.parts("left")
+
+
+class Monitors(Placing):
+    session_kind = TwoMonitors
+
+    def test_when_another_monitor_becomes_the_primary_one_windows_stay_and_take_their_clicks(self):
+        player, main = self.start()
+        before = player.place(main)
+        self.assertLess(before[0], 1280)
+        self.session.parts("right")
+        # Once the program knows: the desktop's line, empty as it is, goes over there.
+        player.took(main)
+        self.assertTrue(self.until(lambda: self.opens_the_list(player, main)),
+                        "its button does not answer")
+        self.assertEqual(player.place(main)[1], before[1], "it moved")
+
+    def opens_the_list(self, player, main):
+        player.click(main, "playListButton")
+        return player.form(LIST, 1)
+
+    def until(self, look):
+        return wait_for(look, 8)
+
+    def test_a_drag_after_it_moves_by_what_the_pointer_moves(self):
+        player, main = self.start()
+        before = player.place(main)
+        self.session.parts("right")
+        self.assertTrue(self.until(lambda: self.opens_the_list(player, main)))
+        player.click(main, "playListButton")
+        self.assertTrue(wait_for(lambda: not player.form(LIST, 0.1), 5))
+        before = player.place(main)
+        player.tool("mousemove", *player.point(main, 150, 12))
+        player.tool("mousedown", 1)
+        self.haul(player, (60, 36))
+        player.tool("mouseup", 1)
+        self.assertTrue(wait_for(lambda: player.place(main) == (before[0] + 60, before[1] + 36), 5),
+                        f"from {before} it was thrown to {player.place(main)}")
+
+
+class GuestScreen(Session):
+    """A screen that calls its output what XWayland does. The pointer is known all the same."""
+
+    def _display(self):
+        super()._display()
+        quiet("xrandr", "--setmonitor", "*XWAYLAND0", "1280/340x800/200+0+0", "screen", env=self.env)
+
+
+class Guest(Placing):
+    session_kind = GuestScreen
+
+    def sensors(self):
+        """The widths of windows of one row at the upper edge."""
+        tree = quiet("xwininfo", "-root", "-tree", env=self.session.env)
+        widths = [int(found) for found in re.findall(r" (\d+)x1\+\d+\+0 ", tree)]
+        return [width for width in widths if width > 1]
+
+    def hidden(self, player, strip):
+        return wait_for(lambda: player.place(strip)[1] <= -int(MINI["form"][3]), 10)
+
+    def test_the_edge_feels_the_pointer_only_while_the_strip_is_out_of_sight(self):
+        player, main = self.start()
+        # As a person does who wants the window as large as the screen.
+        player.click_at(main, 150, 12, times=2)
+        strip = player.form(MINI)
+        self.assertTrue(strip and player.gone(main))
+        self.assertTrue(self.hidden(player, strip), "the strip stays")
+        width = int(MINI["form"][2])
+        self.assertTrue(wait_for(lambda: self.sensors() == [width], 5),
+                        f"nothing at the edge feels the pointer: {self.sensors()}")
+        player.tool("mousemove", player.place(strip)[0] + 40, 0)
+        self.assertTrue(wait_for(lambda: player.place(strip)[1] == 0, 5), "the strip is lost")
+        self.assertTrue(wait_for(lambda: not self.sensors(), 5),
+                        "the edge takes clicks under the strip that is shown")
+        player.click(strip, "mini_Button", form=MINI)
+        self.assertTrue(player.window())
+        self.assertTrue(wait_for(lambda: not self.sensors(), 5),
+                        "the edge takes clicks after the strip has gone")
+
+    def test_a_pointer_that_left_again_lets_the_strip_slide_out_again(self):
+        player, main = self.start()
+        player.click(main, "mini_Button")
+        strip = player.form(MINI)
+        self.assertTrue(strip and self.hidden(player, strip))
+        for _ in range(3):
+            self.assertTrue(wait_for(self.sensors, 5))
+            player.tool("mousemove", player.place(strip)[0] + 40, 0)
+            player.tool("mousemove", 640, 500)
+            self.assertTrue(wait_for(lambda: player.place(strip)[1] == 0, 5), "it does not come")
+            self.assertTrue(self.hidden(player, strip), "it stays though the pointer has gone")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
