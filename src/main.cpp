@@ -53,6 +53,7 @@ int play() {
     const auto files = platform::makeFileSystem(*ansi, calls);
     const auto folders = platform::makeFolders(homes);
     platform::PictureOptions pictures;
+    pictures.pixelScale = [&windows] { return windows->pixelScale(); };
     pictures.soundServerAnswers = [] { return platform::sound::soundServerAnswers(); };
     platform::media::MciInterpreter media(platform::sound::makeSoundOpener(),
                                           platform::makePictureOpener(pictures));

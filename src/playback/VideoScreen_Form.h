@@ -49,6 +49,8 @@ private:
     void tick();
 
     Velmora &app_;
+    PointTwips before_{}; // where the window stood before it took the whole screen
+    bool isWhole_ = false;
 };
 
 } // namespace velmora

@@ -18,6 +18,7 @@ constexpr Twips gap = 100;         // between the groups of the strip, and to it
 constexpr Twips belowTitle = 10;   // from the title icon to the picture
 constexpr Twips behindTitle = 200; // from the title to the text area, and from there to the channel
 constexpr Twips buttonSize = 495;
+constexpr Twips fullScreenFromRight = 3240;    // the title row's label, from the right edge
 constexpr RectTwips fillInset{50, 40, 70, 80}; // of a fill in its bar
 
 Twips rightOf(const forms::Control &control) { return control.left() + control.width(); }
@@ -44,7 +45,12 @@ void VideoScreen_Form::setScreenSize(std::int32_t newWidth, std::int32_t newHeig
         }
         const auto wide = static_cast<Twips>(newWidth);
         const auto high = static_cast<Twips>(newHeight);
-        move({left(), top(), wide, high});
+        const PointTwips at = isWhole_ ? before_ : PointTwips{left(), top()};
+        isWhole_ = false;
+        move({at.x, at.y, wide, high});
+        // A put over the whole screen has had it placed for that width.
+        close.setLeft(skinSet::close_Left(wide, close.width()));
+        fullScreen_Button.setLeft(wide - fullScreenFromRight);
         const Twips titleEnd = title_ICO.top() + title_ICO.height();
         videoScreen.move({0, titleEnd + belowTitle, wide, high - titleEnd});
         set_Str_ControlVideo_Place();
@@ -57,6 +63,10 @@ void VideoScreen_Form::setFullScreen(bool keep) {
         if (!keep) {
             app_.player().pause_Sub();
         }
+        if (!isWhole_) {
+            before_ = {left(), top()};
+        }
+        isWhole_ = true;
         move({0, 0, app_.platform().windows.screenWidth(), app_.platform().windows.screenHeight()});
         showTitleRow(false);
         videoScreen.move({0, 0, width(), height()});

@@ -132,7 +132,7 @@ template <typename Form> void layTitle(Form &form) {
 template <typename Form> void layTitleAndClose(Form &form) {
     layTitle(form);
     form.close.setTop(skin::titleStripTop);
-    form.close.setLeft(form.width() - closeMargin - form.close.width());
+    form.close.setLeft(skinSet::close_Left(form.width(), form.close.width()));
 }
 
 template <typename Part> void takeArrow(Part &part, const Part &from) {
@@ -158,6 +158,10 @@ skinSet::skinSet(Velmora &app) : app_(app) {}
 
 std::int16_t skinSet::title_Top(std::int16_t height) {
     return roundToInt16(skin::titleStripTop + (skin::titleStripHeight - height) / 2.0);
+}
+
+Twips skinSet::close_Left(Twips formWidth, Twips closeWidth) {
+    return formWidth - closeMargin - closeWidth;
 }
 
 void skinSet::skin_All() {

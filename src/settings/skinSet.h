@@ -3,6 +3,8 @@
 // Hands the pictures, the hand cursor and the title layout that are designed onto Main to all other
 // forms, so that each picture is stored once; and dresses the lyric labels with their fonts.
 
+#include "base/geometry.h"
+
 #include <cstdint>
 
 namespace velmora {
@@ -35,6 +37,9 @@ public:
 
     // The top (twips) of a title label of this height (twips), centred in the title strip.
     static std::int16_t title_Top(std::int16_t height);
+
+    // The left edge (twips) of a close button of this width in the title strip of a form.
+    static Twips close_Left(Twips formWidth, Twips closeWidth);
 
     // Dresses the desktop line / the other lyric lines from their preview boxes. `fromStaging`: the
     // previews take the staging set of setControl first.

@@ -81,6 +81,13 @@ protected:
     bool waitForQuarters(xcb_window_t window) {
         return waitUntil([&] { return showsQuarters(x_.look(window)); });
     }
+    void resizeParent(int width, int height) {
+        const std::uint32_t values[] = {static_cast<std::uint32_t>(width),
+                                        static_cast<std::uint32_t>(height)};
+        xcb_configure_window(x_.connection(), parent_,
+                             XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, values);
+        xcb_flush(x_.connection());
+    }
     bool waitForGrey(xcb_window_t window, int second) {
         return waitUntil([&] { return std::abs(greyOf(x_.look(window)) - greyAt(second)) <= 8; });
     }
@@ -400,10 +407,39 @@ TEST_F(PictureWindowTest, ClosingTheWindowOfAFilmWithoutSoundLetsItRunToItsEnd) 
     EXPECT_TRUE(waitUntil([&] { return device->mode() == Mode::Stopped; }));
 }
 
+TEST_F(PictureWindowTest, OnceOverTheWholeOfItsParentItKeepsFillingIt) {
+    const auto device = openInside("film.mp4");
+    ASSERT_TRUE(device);
+    ASSERT_TRUE(device->putWindow(0, 0, 730, 525));
+    const auto fills = [&](int width, int height) {
+        resizeParent(width, height);
+        return waitUntil([&] {
+            (void)device->mode();
+            const auto now = x_.geometry(windowOf(*device));
+            return now.x == 0 && now.y == 0 && now.width == width && now.height == height;
+        });
+    };
+    EXPECT_TRUE(fills(90, 70));
+    EXPECT_TRUE(fills(400, 300));
+    // The parent may come to that size after the picture.
+    ASSERT_TRUE(device->putWindow(0, 0, 500, 320));
+    EXPECT_TRUE(fills(500, 320));
+    EXPECT_TRUE(fills(120, 80));
+    // A part of it stays as it is.
+    ASSERT_TRUE(device->putWindow(10, 10, 50, 40));
+    resizeParent(200, 150);
+    EXPECT_FALSE(waitUntil(
+        [&] {
+            (void)device->mode();
+            return x_.geometry(windowOf(*device)).width != 50;
+        },
+        600));
+}
+
 TEST_F(PictureWindowTest, PixelsOfPutAreScaledToThoseOfTheDevice) {
     platform::PictureOptions options;
     options.audioOutput = "null";
-    options.pixelScale = 1.5;
+    options.pixelScale = [] { return 1.5; };
     const auto device = platform::makePictureOpener(options)->open(
         {mediaFile("film.mp4"), "MPEGVideo", true, parent_});
     ASSERT_TRUE(device);

@@ -3,6 +3,8 @@
 #include "tests/unit/playback/video_fixture.h"
 #include "tests/unit/pointer.h"
 
+#include "settings/skinSet.h"
+
 namespace velmora {
 namespace {
 
@@ -206,6 +208,27 @@ TEST_F(Video, FullScreenButtonGoesThereAndBack) {
     EXPECT_EQ(app.player().isFullScreen, -1);
     window().videoScreen_Control.on().DblClick();
     EXPECT_EQ(app.player().isFullScreen, 0);
+}
+
+TEST_F(Video, FromFullScreenItComesBackToItsPlaceWithItsTitleRowInSight) {
+    auto &w = window();
+    w.move({4125, 2070, w.width(), w.height()});
+    const Twips closeLeft = w.close.left();
+    const Twips labelLeft = w.fullScreen_Button.left();
+    w.setFullScreen(true);
+    w.setFullScreen(true);                 // the screen's size changed meanwhile
+    app.skinSet().skin_VideoScreen_Form(); // as a put does
+    EXPECT_GT(w.close.left(), closeLeft);
+    w.setScreenSize_Default();
+    EXPECT_EQ(w.left(), 4125);
+    EXPECT_EQ(w.top(), 2070);
+    EXPECT_EQ(w.close.left(), closeLeft);
+    EXPECT_LE(w.close.left() + w.close.width(), w.width());
+    EXPECT_EQ(w.fullScreen_Button.left(), labelLeft);
+    w.setScreenSize(12000, 9000, true);
+    EXPECT_EQ(w.left(), 4125);
+    EXPECT_EQ(w.close.left(), closeLeft + 1050);
+    EXPECT_EQ(w.fullScreen_Button.left(), labelLeft + 1050);
 }
 
 TEST_F(Video, ComesBackInFullScreenForTheNextTrack) {

@@ -200,8 +200,8 @@ void Opening::showOwnWindow() {
         return;
     const double width = core_.number("dwidth", answerLimit).value_or(640.0);
     const double height = core_.number("dheight", answerLimit).value_or(360.0);
-    const auto scaled = [&](double pixels) {
-        return static_cast<std::int32_t>(std::clamp(pixels * options_.pixelScale, 1.0, 32'000.0));
+    const auto scaled = [scale = options_.pixelScale()](double pixels) {
+        return static_cast<std::int32_t>(std::clamp(pixels * scale, 1.0, 32'000.0));
     };
     medium_.window->showSized(scaled(width), scaled(height));
 }

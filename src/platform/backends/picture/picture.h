@@ -20,8 +20,8 @@ struct PictureOptions {
     std::string videoOutput = {};
     // Names the sound stream and the engine's own window.
     std::string applicationName = "Velmora";
-    // Device pixels to one pixel of `putWindow` and of the engine's own window.
-    double pixelScale = 1.0;
+    // Device pixels to one pixel of `putWindow` and of the engine's own window, asked for at each.
+    std::function<double()> pixelScale = [] { return 1.0; };
     // An open that has not come to an end by then fails.
     int openLimitMs = 10'000;
     // Whether a sound server answers just now. A medium that plays silently for want of one asks
@@ -35,7 +35,8 @@ struct PictureOptions {
 // medium refers to is ever followed. Cover art is no picture.
 //
 // With a parent window the picture lies in a child window that the device makes inside it, hidden
-// and without extent until the first `putWindow`. With "style child" alone the device has a window
+// and without extent until the first `putWindow`. Once put over the whole of its parent it keeps
+// filling it when that changes its size. With "style child" alone the device has a window
 // of its own, shown when the medium is open; closing it ends the picture, the sound goes on. With
 // neither, or where no display can be reached, the sound alone plays.
 //

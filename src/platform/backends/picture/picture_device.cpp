@@ -290,8 +290,8 @@ bool PictureDevice::putWindow(std::int32_t x, std::int32_t y, std::int32_t width
                               std::int32_t height) {
     if (!hasPicture())
         return false;
-    const auto scaled = [&](std::int32_t pixels) {
-        const double value = std::round(pixels * medium_.pixelScale);
+    const auto scaled = [scale = medium_.pixelScale()](std::int32_t pixels) {
+        const double value = std::round(pixels * scale);
         return static_cast<std::int32_t>(std::clamp(value, -100'000.0, 100'000.0));
     };
     return medium_.window->place(scaled(x), scaled(y), scaled(width), scaled(height));

@@ -25,7 +25,7 @@ struct OpenMedium {
     bool isMono = false;
     bool isOwnWindow = false; // not inside a window of the program
     std::int32_t lengthMs = 0;
-    double pixelScale = 1.0;
+    std::function<double()> pixelScale;       // see PictureOptions
     std::function<bool()> soundServerAnswers; // see PictureOptions; may be empty
 };
 

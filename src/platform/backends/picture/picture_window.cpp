@@ -32,6 +32,7 @@ std::unique_ptr<PictureWindow> PictureWindow::insideParent(std::uint32_t parent)
     std::unique_ptr<PictureWindow> window(new PictureWindow(connect()));
     if (window->connection_ == nullptr || !window->create(parent, XCB_EVENT_MASK_STRUCTURE_NOTIFY))
         return nullptr;
+    window->followParent(parent);
     return window;
 }
 
@@ -64,6 +65,33 @@ bool PictureWindow::create(std::uint32_t parent, std::uint32_t events) {
         return true;
     window_ = 0;
     return false;
+}
+
+void PictureWindow::followParent(std::uint32_t parent) {
+    parent_ = parent;
+    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection_.get(), parent, XCB_CW_EVENT_MASK, &events);
+}
+
+// The parent takes its size on another connection, before or after the picture is put over it.
+void PictureWindow::parentIs(std::int32_t width, std::int32_t height) {
+    constexpr std::int32_t rounding = 2;
+    const bool isCovered = put_[0] == 0 && put_[1] == 0 && std::abs(put_[2] - width) <= rounding &&
+                           std::abs(put_[3] - height) <= rounding;
+    fillsParent_ = fillsParent_ || isCovered;
+    if (fillsParent_ && (put_[2] != width || put_[3] != height))
+        resize(width, height);
+}
+
+void PictureWindow::resize(std::int32_t width, std::int32_t height) {
+    if (width < 1 || height < 1)
+        return;
+    put_ = {0, 0, width, height};
+    const std::array<std::uint32_t, 2> values{static_cast<std::uint32_t>(width),
+                                              static_cast<std::uint32_t>(height)};
+    xcb_configure_window(connection_.get(), window_,
+                         XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, values.data());
+    xcb_flush(connection_.get());
 }
 
 xcb_atom_t PictureWindow::atom(const char *name) {
@@ -101,6 +129,12 @@ bool PictureWindow::place(std::int32_t x, std::int32_t y, std::int32_t width, st
                              XCB_CONFIG_WINDOW_HEIGHT,
                          values.data());
     const auto mapped = xcb_map_window_checked(connection_.get(), window_);
+    put_ = {x, y, width, height};
+    fillsParent_ = false;
+    const auto parent = own(xcb_get_geometry_reply(
+        connection_.get(), xcb_get_geometry(connection_.get(), parent_), nullptr));
+    if (parent != nullptr)
+        parentIs(parent->width, parent->height);
     return own(xcb_request_check(connection_.get(), mapped)) == nullptr;
 }
 
@@ -131,6 +165,10 @@ bool PictureWindow::isGone() {
         } else if (kind == XCB_DESTROY_NOTIFY) {
             const auto *end = reinterpret_cast<const xcb_destroy_notify_event_t *>(event.get());
             isGone_ = isGone_ || end->window == window_;
+        } else if (kind == XCB_CONFIGURE_NOTIFY) {
+            const auto *now = reinterpret_cast<const xcb_configure_notify_event_t *>(event.get());
+            if (now->window == parent_)
+                parentIs(now->width, now->height);
         }
     }
     isGone_ = isGone_ || xcb_connection_has_error(connection_.get()) != 0;

@@ -3,6 +3,7 @@
 // The X window that the engine draws into: a child inside a window of the program, or a window of
 // its own on the screen.
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -24,8 +25,9 @@ public:
 
     std::uint32_t id() const { return window_; }
 
-    // Moves, sizes and shows; device pixels. False outside what a window can be: a size of at least
-    // 1, everything within 16 bits.
+    // Moves, sizes and shows; device pixels. Once it covers its whole parent it follows the size of
+    // that, as `isGone` looks at what happened. False outside what a window can be: a size of at
+    // least 1, everything within 16 bits.
     bool place(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height);
     // Shows at this size, made smaller in proportion where the screen is smaller.
     void showSized(std::int32_t width, std::int32_t height);
@@ -42,6 +44,9 @@ private:
 
     explicit PictureWindow(Connection connection) : connection_(std::move(connection)) {}
     static Connection connect();
+    void followParent(std::uint32_t parent);
+    void parentIs(std::int32_t width, std::int32_t height);
+    void resize(std::int32_t width, std::int32_t height);
     bool create(std::uint32_t parent, std::uint32_t events);
     void describe(const std::string &title, const std::string &applicationName);
     xcb_atom_t atom(const char *name);
@@ -49,6 +54,9 @@ private:
 
     Connection connection_;
     std::uint32_t window_ = 0;
+    std::uint32_t parent_ = 0; // inside a window of the program
+    std::array<std::int32_t, 4> put_{};
+    bool fillsParent_ = false;
     xcb_atom_t deleteWindow_ = 0;
     bool isGone_ = false;
 };
