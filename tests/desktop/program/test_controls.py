@@ -234,7 +234,9 @@ class MiniWindow(Sound):
         self.press_strip("Volume_ICO")
         self.assert_silent()
         self.press_strip("nextButton")
-        self.assertIsNone(wait_for(lambda: self.peak() > 0, 1.5), "the next track is heard")
+        self.assertTrue(self.player.says(self.strip, "two"))
+        self.assertTrue(self.player.says(self.strip, "00:02"), "the next track does not play")
+        self.assertEqual(self.peak(), 0, "the next track is heard")
         self.press_strip("Volume_Set_BG", 0.5)
         self.assert_level(0.5)
 
