@@ -13,7 +13,7 @@ namespace velmora::tests {
 namespace {
 
 constexpr std::uint32_t protocolVersion = 5;
-constexpr auto limit = std::chrono::seconds(10);
+constexpr auto limit = std::chrono::seconds(30);
 
 } // namespace
 

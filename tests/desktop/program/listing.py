@@ -116,7 +116,7 @@ class ListTest(PlayerTest):
                            for path in paths)
         at = player.point(window, x, y)
         done = subprocess.run([DRAG, window, str(at[0]), str(at[1]), kind], input=data.encode(),
-                              env=self.session.env, stdout=subprocess.PIPE, check=False, timeout=40)
+                              env=self.session.env, stdout=subprocess.PIPE, check=False, timeout=90)
         return done.stdout.decode().strip() if done.returncode == 0 else None
 
     def drop_at_row(self, player, rows, row, paths):

@@ -5,6 +5,7 @@ A test script that imports this is called as
     test_X.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
 """
 
+import functools
 import json
 import math
 import os
@@ -85,18 +86,25 @@ def said(control):
         yield from said(child)
 
 
+@functools.lru_cache(maxsize=None)
+def tone_second(frequency, level):
+    """A second of a tone of so many whole Hz, so that another one may follow."""
+    frames, phase = bytearray(), 0.0
+    for _ in range(RATE):
+        phase += 2 * math.pi * frequency / RATE
+        value = int(32767 * level * math.sin(phase))
+        frames += struct.pack("<hh", value, value)
+    return bytes(frames)
+
+
 def stairs(path, seconds, level=0.5, base=200, step=100):
     """A WAV whose tone tells the second: base + second * step Hz."""
     with wave.open(path, "wb") as out:
         out.setnchannels(2)
         out.setsampwidth(2)
         out.setframerate(RATE)
-        frames, phase = bytearray(), 0.0
-        for number in range(seconds * RATE):
-            phase += 2 * math.pi * (base + (number // RATE) * step) / RATE
-            value = int(32767 * level * math.sin(phase))
-            frames += struct.pack("<hh", value, value)
-        out.writeframes(bytes(frames))
+        out.writeframes(b"".join(tone_second(base + number * step, level)
+                                 for number in range(seconds)))
 
 
 def pitch(samples):
