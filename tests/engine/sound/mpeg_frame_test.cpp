@@ -241,6 +241,25 @@ TEST(MpegSeekHeader, TellsFramesAndBytesOfAnyChannelLayout) {
     EXPECT_FALSE(readMpegSeekHeader(MemorySource(frames(1)), 0));
 }
 
+// Wherever in a stream it stands; bytes of sound may be any.
+TEST(MpegSeekHeader, AFrameThatHoldsOneIsNoneOfSoundButSoundThatReadsLikeOneIs) {
+    constexpr std::size_t size = 417;
+    const auto counted = [](const Bytes &bytes) {
+        const MemorySource source(bytes);
+        MpegIndex index(source, 0);
+        while (index.countOn()) {
+        }
+        return index.frames();
+    };
+    for (const char *mark : {"Xing", "Info", "VBRI"}) {
+        Bytes bytes = frames(10);
+        std::copy_n(mark, 4, bytes.begin() + 4 * size + 36);
+        EXPECT_EQ(counted(bytes), 9) << mark;
+        bytes[4 * size + 20] = 1; // something is told of its sound
+        EXPECT_EQ(counted(bytes), 10) << mark;
+    }
+}
+
 TEST(MpegSeekHeader, TheOtherKindStandsAtAFixedPlace) {
     Bytes bytes = frames(1);
     const Bytes header = {'V', 'B', 'R', 'I', 0, 1, 0, 0, 0, 0, 0, 0, 9, 8, 0, 0, 7, 6};
