@@ -283,6 +283,7 @@ class Adding(AtOnce):
         for name in names:
             open(f"{folder}/{name}", "wb").close()
         player, main, rows = self.start_held()
+        live = player.look(rows, "addFile", form=LIST)
         self.go_on(player, main)
         player.click(rows, "addDir", form=LIST)
         dialog = self.assert_box(player, PICK_FOLDER)
@@ -296,6 +297,8 @@ class Adding(AtOnce):
             self.right_click_ground(player, rows)
         self.assert_list(self.tracks + [f"{folder}/{name}" for name in names])
         self.assertEqual(player.menus(0), [])
+        # The list is saved before its buttons come back.
+        self.assertTrue(wait_for(lambda: player.look(rows, "addFile", form=LIST) == live))
         self.right_click_ground(player, rows)
         self.assertTrue(player.menus(), "no menu comes up behind it")
 
