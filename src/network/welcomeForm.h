@@ -22,18 +22,22 @@ namespace velmora {
 class Velmora;
 
 // The banner's texts and addresses in turns, as the file's entries joined and divided again give
-// them. A count far beyond the entries that are there costs nothing: what is not stored is empty.
+// them. Any count, and any gap between the entries, costs nothing: only what is there is stored.
 class BannerItems {
 public:
-    // `stored` are the first elements; the rest, up to `upperBound`, are empty.
-    void set(std::vector<std::u16string> stored, std::int64_t upperBound);
+    struct Item {
+        std::int64_t index = 0;
+        std::u16string text;
+    };
+    // `present` are the elements that are not empty, by rising index.
+    void set(std::vector<Item> present, std::int64_t upperBound);
     void erase() noexcept;
     // Raise for an array that was erased or never set, and beyond its bound.
     std::int64_t upperBound() const;
     std::u16string at(std::int64_t index) const;
 
 private:
-    std::vector<std::u16string> stored_;
+    std::vector<Item> present_;
     std::optional<std::int64_t> upperBound_;
 };
 
@@ -57,8 +61,8 @@ public:
     std::u16string welcome_File;
     std::u16string welcome_Url;
     std::int32_t welcome_Result = 0; // of the last download
-    std::u16string ad_Text;
-    BannerItems ad_Items;
+    std::u16string ad_Text;          // the entries joined; of a long gap between them its beginning
+    BannerItems ad_Items;            // divided again
     std::int32_t ad_Index = 0;
     std::int16_t ad_Wait = 0; // ticks since a banner that fits was shown
     std::u16string line_Color, line_Font, line_FontSize, line_Interval;
@@ -74,12 +78,14 @@ private:
     bool checkVersion();
     void showPages(bool isComplete);
     void showBanner(std::int64_t count);
+    void joinBanner(std::int64_t count);
     void showStanding();
     void tick();
     void nextBanner();
     void showItem(std::int64_t index);
     std::u16string value(std::u16string_view section, std::u16string_view key) const;
-    std::int64_t lastPresent(std::u16string_view section, std::u16string_view before) const;
+    std::vector<std::int32_t> numbersPresent(std::u16string_view section,
+                                             std::u16string_view before) const;
     void makeLines(std::size_t tab);
     forms::Label &lineOf(std::size_t tab, std::int64_t index);
     void openTag(const forms::Control &control);

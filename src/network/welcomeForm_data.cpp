@@ -48,13 +48,13 @@ std::vector<std::u16string> splitAt(std::u16string_view text, std::u16string_vie
 
 // --- the banner's array ---
 
-void BannerItems::set(std::vector<std::u16string> stored, std::int64_t upperBound) {
-    stored_ = std::move(stored);
+void BannerItems::set(std::vector<Item> present, std::int64_t upperBound) {
+    present_ = std::move(present);
     upperBound_ = upperBound;
 }
 
 void BannerItems::erase() noexcept {
-    stored_.clear();
+    present_.clear();
     upperBound_.reset();
 }
 
@@ -67,8 +67,10 @@ std::int64_t BannerItems::upperBound() const {
 std::u16string BannerItems::at(std::int64_t index) const {
     if (index < 0 || index > upperBound())
         raise(ErrorNumber::SubscriptOutOfRange);
-    const auto place = static_cast<std::size_t>(index);
-    return place < stored_.size() ? stored_[place] : std::u16string();
+    const auto found =
+        std::lower_bound(present_.begin(), present_.end(), index,
+                         [](const Item &item, std::int64_t wanted) { return item.index < wanted; });
+    return found != present_.end() && found->index == index ? found->text : std::u16string();
 }
 
 // --- reading ---
@@ -78,12 +80,12 @@ std::u16string welcomeForm::value(std::u16string_view section, std::u16string_vi
         trim(iniValue(app_.platform().profiles, welcome_File, section, key, std::nullopt)));
 }
 
-// The highest number between `before` and "_Str" or "_Link" among a section's keys, or -1. Counts
-// in the file are taken as they are given, but what lies behind the data is empty and not asked
-// for.
-std::int64_t welcomeForm::lastPresent(std::u16string_view section,
-                                      std::u16string_view before) const {
-    std::int64_t last = -1;
+// The numbers between `before` and "_Str" or "_Link" among a section's keys, rising, each once.
+// Counts in the file are taken as they are given, but what the data leaves out is empty and not
+// asked for.
+std::vector<std::int32_t> welcomeForm::numbersPresent(std::u16string_view section,
+                                                      std::u16string_view before) const {
+    std::vector<std::int32_t> numbers;
     const std::u16string beginning = upper(before);
     for (const std::u16string &name :
          app_.platform().profiles.GetPrivateProfileKeysA(section, welcome_File)) {
@@ -96,10 +98,12 @@ std::int64_t welcomeForm::lastPresent(std::u16string_view section,
             std::u16string_view(key).substr(beginning.size(), end - beginning.size());
         if (tail != u"_STR" && tail != u"_LINK")
             continue;
-        if (const auto number = strictInt32(digits))
-            last = std::max<std::int64_t>(last, *number);
+        if (const auto number = strictInt32(digits); number && *number >= 0)
+            numbers.push_back(*number);
     }
-    return last;
+    std::sort(numbers.begin(), numbers.end());
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+    return numbers;
 }
 
 bool welcomeForm::read_Config() {
@@ -144,23 +148,8 @@ void welcomeForm::showBanner(std::int64_t count) {
         showStanding();
         return;
     }
-    ad_Text.clear();
-    const std::int64_t there = std::min(count, lastPresent(u"Advertising", u"index_") + 1);
-    for (std::int64_t i = 0; i < there; ++i) {
-        const std::u16string key = u"index_" + decimal(i);
-        ad_Text += value(u"Advertising", key + u"_Str");
-        ad_Text += mark;
-        ad_Text += value(u"Advertising", key + u"_Link");
-        ad_Text += mark;
-    }
-    std::vector<std::u16string> items;
-    if (there > 0)
-        items = splitAt(ad_Text, mark);
-    else if (count > 0)
-        items.emplace_back();
-    const std::int64_t behind = std::max<std::int64_t>(count - there, 0);
-    const std::int64_t last = static_cast<std::int64_t>(items.size()) - 1 + 2 * behind;
-    ad_Items.set(std::move(items), last);
+    joinBanner(count);
+    const std::int64_t last = ad_Items.upperBound();
     if (last < 2 || (last == 2 && ad_Items.at(0).empty() && ad_Items.at(1).empty())) {
         showStanding();
         return;
@@ -169,6 +158,51 @@ void welcomeForm::showBanner(std::int64_t count) {
     Advertising.setTag(ad_Items.at(1));
     ad_Index = 0;
     ad_Wait = 0;
+}
+
+// A text and an address an entry, each with the mark behind it, divided at the marks again: what
+// holds the mark itself, or ends in a part of it, moves all that follows. A gap needs a few of its
+// marks for that to come to rest; the others are counted and not written.
+void welcomeForm::joinBanner(std::int64_t count) {
+    constexpr std::int64_t written = 3; // entries of a gap
+    std::vector<BannerItems::Item> present;
+    std::int64_t element = 0;
+    std::size_t divided = 0;
+    const auto divide = [&] {
+        for (std::u16string &piece : splitAt(std::u16string_view(ad_Text).substr(divided), mark)) {
+            if (!piece.empty())
+                present.push_back({element, std::move(piece)});
+            ++element;
+        }
+        --element; // the last piece goes on behind
+        divided = ad_Text.size();
+    };
+    std::int64_t next = 0;
+    const auto leaveOut = [&](std::int64_t until) {
+        const std::int64_t gap = until - next;
+        for (std::int64_t i = 0; i < 2 * std::min(gap, written); ++i)
+            ad_Text += mark;
+        if (gap > written) {
+            divide();
+            element += 2 * (gap - written);
+        }
+    };
+    ad_Text.clear();
+    for (const std::int64_t i : numbersPresent(u"Advertising", u"index_")) {
+        if (i >= count)
+            break;
+        leaveOut(i);
+        const std::u16string key = u"index_" + decimal(i);
+        ad_Text += value(u"Advertising", key + u"_Str");
+        ad_Text += mark;
+        ad_Text += value(u"Advertising", key + u"_Link");
+        ad_Text += mark;
+        next = i + 1;
+    }
+    leaveOut(count);
+    divide();
+    // Nothing joined gives an array without elements.
+    ad_Items.set(std::move(present), count > 0 ? element : -1);
 }
 
 // --- the lines ---
@@ -204,7 +238,9 @@ void welcomeForm::makeLines(std::size_t tab) {
     const std::int64_t count = leadingInt32(value(u"databases", array + u"Ubound"));
     if (count <= 0)
         return;
-    const std::int64_t there = std::min(count, lastPresent(u"databases", array) + 1);
+    const std::vector<std::int32_t> numbers = numbersPresent(u"databases", array);
+    const std::int64_t there =
+        numbers.empty() ? 0 : std::min<std::int64_t>(count, std::int64_t{numbers.back()} + 1);
     for (std::int64_t i = 0; i < std::max<std::int64_t>(there, 1); ++i) {
         forms::Label &line = lineOf(tab, i);
         if (i == 0)

@@ -181,5 +181,57 @@ TEST_F(Banner, DividesEntriesAtTheMarkThatJoinsThem) {
     EXPECT_EQ(label().tag(), u"b");
 }
 
+// What lies between the entries is counted and neither stored nor asked for: with a string for each
+// this took gigabytes and minutes.
+TEST_F(Banner, OfEntriesFarApartCostsWhatIsThereAlone) {
+    startWith(2'000'000'000, "index_0_Str=a\nindex_1999999999_Str=z\nindex_1999999999_Link=end\n");
+    EXPECT_EQ(label().caption(), u"a");
+    EXPECT_EQ(page().ad_Items.upperBound(), 4'000'000'000);
+    EXPECT_EQ(page().ad_Items.at(3'999'999'998), u"z");
+    EXPECT_EQ(page().ad_Items.at(3'999'999'999), u"end");
+    EXPECT_EQ(page().ad_Items.at(2'000'000'000), u"");
+    EXPECT_LT(page().ad_Text.size(), 100U);
+}
+
+TEST_F(Banner, OfANumberBeyondTheCountIsNotThere) {
+    startWith(2, "index_0_Str=a\nindex_2_Str=c\nindex_2147483647_Str=z\nindex_-1_Str=y\n");
+    EXPECT_EQ(page().ad_Items.upperBound(), 4);
+    EXPECT_EQ(page().ad_Items.at(0), u"a");
+    EXPECT_EQ(page().ad_Items.at(4), u"");
+}
+
+// Against the plain way: all entries joined as one text, which is divided at the marks.
+TEST_F(Banner, IsDividedAsIfAllWereJoined) {
+    const std::vector<std::string> texts = {"",      "a", "a|■",     "|■|",  "■|",
+                                            "b|■|c", "|", "x|■|■|y", "|■|■", "■"};
+    for (std::size_t seed = 0; seed < 200; ++seed) {
+        std::string entries;
+        std::u16string joined;
+        constexpr std::size_t count = 24;
+        for (std::size_t i = 0; i < count; ++i) {
+            const bool there = (i + seed) % 11 == 0 || i == seed % 5;
+            for (const char *kind : {"_Str", "_Link"}) {
+                const std::string &text =
+                    texts[(i * 7 + seed * 3 + (kind[1] == 'S' ? 0 : seed)) % texts.size()];
+                if (there && !text.empty()) {
+                    entries += "index_" + std::to_string(i) + kind + "=" + text + "\n";
+                    joined += fromUtf8(text);
+                }
+                joined += u"|■|";
+            }
+        }
+        startWith(count, entries);
+        std::int64_t index = 0;
+        for (std::size_t at = 0;; ++index) {
+            const std::size_t end = joined.find(u"|■|", at);
+            EXPECT_EQ(page().ad_Items.at(index), joined.substr(at, end - at)) << entries;
+            if (end == joined.npos)
+                break;
+            at = end + 3;
+        }
+        EXPECT_EQ(page().ad_Items.upperBound(), index) << entries;
+    }
+}
+
 } // namespace
 } // namespace velmora
