@@ -8,6 +8,7 @@
 #include "network/webPage.h"
 #include "platform/contracts/internet.h"
 #include "platform/contracts/platform.h"
+#include "platform/contracts/system.h"
 #include "platform/contracts/windows.h"
 #include "settings/setControl.h"
 #include "velmora.h"
@@ -18,6 +19,8 @@
 namespace velmora {
 
 namespace {
+
+constexpr std::int64_t longestSearchMs = 180'000;
 
 bool beginsWith(std::u16string_view link, std::u16string_view address) {
     return !address.empty() && link.size() >= address.size() &&
@@ -72,10 +75,10 @@ std::u16string lrc_Internet_Search::searchAddress(std::u16string_view word) cons
 
 bool lrc_Internet_Search::searchLrc(std::u16string_view word) {
     const std::u16string address = searchAddress(word);
+    Scan scan = newScan();
     passOver([&] { app_.platform().internet.DeleteUrlCacheEntryA(address); });
     std::u16string page;
     passOver([&] { page = getWebPage(app_.platform(), address); });
-    Scan scan;
     if (!page.empty()) {
         passOver([&] { scanPages(address, scan); });
         keepState(std::move(scan));
@@ -83,6 +86,12 @@ bool lrc_Internet_Search::searchLrc(std::u16string_view word) {
     lrcSearchUrl = address;
     lrcSearchPage = std::move(page);
     return !lrcSearchPage.empty();
+}
+
+lrc_Internet_Search::Scan lrc_Internet_Search::newScan() const {
+    Scan scan;
+    scan.untilMs = app_.platform().clock.steadyMs() + longestSearchMs;
+    return scan;
 }
 
 void lrc_Internet_Search::keepState(Scan &&scan) {
@@ -93,7 +102,11 @@ void lrc_Internet_Search::keepState(Scan &&scan) {
 }
 
 void lrc_Internet_Search::scanLrcPages(std::u16string address) {
-    Scan scan{lrcPageLinks, lrcDownloadLinks, lrcFirstPageDone, lrcPageIndex};
+    Scan scan = newScan();
+    scan.pageLinks = lrcPageLinks;
+    scan.downloadLinks = lrcDownloadLinks;
+    scan.isFirstPageDone = lrcFirstPageDone;
+    scan.pageIndex = lrcPageIndex;
     std::optional<RunTimeError> failure;
     try {
         scanPages(std::move(address), scan);
@@ -149,6 +162,9 @@ void lrc_Internet_Search::scanFurtherPages(const Addresses &addresses, Scan &sca
     const std::int16_t last = toInt16(scan.pageLinks.upperBound() - 2);
     for (std::int16_t index = 0; index <= last; index = addInt16(index, 1)) {
         scan.pageIndex = index;
+        // A page may name any number of further ones, and each may take its time.
+        if (app_.platform().clock.steadyMs() >= scan.untilMs)
+            raise(ErrorNumber::General);
         std::u16string address = lower(scan.pageLinks.at(index));
         const std::u16string base = linkBase(app_.platform().windows, address);
         const std::u16string page = upper(getWebPage(app_.platform(), address));

@@ -53,7 +53,9 @@ private:
         std::int16_t pageIndex = 0;
         std::int32_t pages = 0; // page links stored by this scan
         std::int32_t lyrics = 0;
+        std::int64_t untilMs = 0; // by the steady clock; a further page asked for later ends it
     };
+    Scan newScan() const;
     void scanPages(std::u16string address, Scan &scan);
     bool scanFirstPage(std::u16string address, const Addresses &addresses, Scan &scan);
     void scanFurtherPages(const Addresses &addresses, Scan &scan);

@@ -12,6 +12,7 @@
 #include "network/webPage.h"
 #include "platform/contracts/ansi.h"
 #include "platform/contracts/files.h"
+#include "platform/contracts/internet.h"
 #include "platform/contracts/platform.h"
 #include "platform/contracts/system.h"
 #include "platform/contracts/windows.h"
@@ -113,6 +114,7 @@ void search_Lrc_Internet_Form::search_Button_Click() {
         show_Label.setCaption(nothingToSearch);
         return;
     }
+    app_.platform().internet.tryHostsAnew();
     if (!check_Network(app_.platform().internet)) {
         enableSaving(false);
         show_Label.setCaption(notOnline);
@@ -161,6 +163,7 @@ bool search_Lrc_Internet_Form::fetch(std::u16string_view address, const std::u16
         show_Label.setCaption(notWritable);
         return false;
     }
+    app_.platform().internet.tryHostsAnew();
     const bool isFetched = downloadToLocal(app_.platform(), address, target, [&] {
         if (isOnlyPlaceOf(app_.platform(), target, WrittenOverBy::Another))
             app_.saveOrOpenFile().keepOld(target);

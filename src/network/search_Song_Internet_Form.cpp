@@ -9,6 +9,7 @@
 #include "network/song_Internet_Search.h"
 #include "network/toUrlString.h"
 #include "platform/contracts/ansi.h"
+#include "platform/contracts/internet.h"
 #include "platform/contracts/platform.h"
 #include "playlist/playList_Form.h"
 #include "playlist/saveOrOpenFile.h"
@@ -114,6 +115,7 @@ void search_Song_Internet_Form::search_Button_Click() {
         show_Label.setCaption(nothingToSearch);
         return;
     }
+    app_.platform().internet.tryHostsAnew();
     if (!check_Network(app_.platform().internet)) {
         show_Label.setCaption(notOnline);
         return;

@@ -7,6 +7,7 @@
 #include "network/searchWindow.h"
 #include "network/search_Song_Internet_Form.h"
 #include "platform/contracts/files.h"
+#include "platform/contracts/internet.h"
 #include "platform/contracts/platform.h"
 #include "platform/contracts/windows.h"
 #include "playback/Main.h"
@@ -129,6 +130,7 @@ void search_Song_Internet_Form::save_Click() {
 // What is fetched is the row that is chosen now, whatever questions stand before the transfer.
 void search_Song_Internet_Form::readRow() {
     const std::int16_t row = search_Song_List.listIndex();
+    app_.platform().internet.tryHostsAnew();
     say(fetching);
     title.refresh();
     readRecord(row, 5);

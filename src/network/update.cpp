@@ -3,6 +3,7 @@
 #include "base/numbers.h"
 #include "base/run_time_error.h"
 #include "base/text.h"
+#include "network/addresses.h"
 #include "network/check_Network.h"
 #include "network/controlINI.h"
 #include "network/temporary_names.h"
@@ -35,6 +36,8 @@ update::update(Velmora &app) : app_(app) {}
 void update::check_Update(bool userStarted) {
     platform::WindowSystem &windows = app_.platform().windows;
     const Language &texts = app_.Language();
+    if (userStarted)
+        app_.platform().internet.tryHostsAnew();
     if (!check_Network(app_.platform().internet)) {
         if (userStarted)
             windows.MsgBox(texts.msg_No_Network, MsgBoxButtons::Ok, MsgBoxIcon::Critical, title());
@@ -132,7 +135,8 @@ bool update::fetch_UpdateInfo() {
     update_TmpFile = folder + std::u16string(updateFileName);
     app_.saveOrOpenFile().shellDel(update_TmpFile);
     app_.platform().windows.DoEvents();
-    update_Result = app_.platform().internet.URLDownloadToFileA(address, update_TmpFile);
+    update_Result = app_.platform().internet.URLDownloadToFileA(address, update_TmpFile,
+                                                                platform::informationFile);
     return update_Result == 0;
 }
 
@@ -152,8 +156,13 @@ bool update::fetchProgram(const Offer &offer) {
         update_Result = invalidName;
         return false;
     }
-    update_Result =
-        app_.platform().internet.URLDownloadToFileA(offer.address, newProgramPath(offer));
+    if (!mayFetchProgram(app_.setControl().get_MakerHost(), offer.address)) {
+        constexpr std::int32_t accessDenied = 5;
+        update_Result = accessDenied;
+        return false;
+    }
+    update_Result = app_.platform().internet.URLDownloadToFileA(
+        offer.address, newProgramPath(offer), platform::programFile);
     return update_Result == 0;
 }
 

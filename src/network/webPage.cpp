@@ -40,7 +40,8 @@ bool downloadToLocal(const platform::Platform &platform, std::u16string_view url
     try {
         platform.internet.DeleteUrlCacheEntryA(url);
         platform.windows.DoEvents();
-        return (!mayFetch || mayFetch()) && platform.internet.URLDownloadToFileA(url, file) == 0;
+        return (!mayFetch || mayFetch()) &&
+               platform.internet.URLDownloadToFileA(url, file, platform::lyricFile) == 0;
     } catch (const RunTimeError &) {
         return false;
     }

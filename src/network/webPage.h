@@ -30,9 +30,9 @@ std::u16string bytesToCharset(platform::Internet &internet, std::string_view byt
 std::int32_t countText(platform::WindowSystem &windows, std::u16string_view text,
                        std::u16string_view find, std::vector<std::int32_t> *positions = nullptr);
 
-// Fetches a file. True exactly when the system reported success; never raises. `mayFetch` is asked
-// behind the pending events, right ahead of the fetch: nothing is fetched where it says no or
-// raises. The texts must outlive those events.
+// Fetches a lyric's file. True exactly when the system reported success; never raises. `mayFetch`
+// is asked behind the pending events, right ahead of the fetch: nothing is fetched where it says no
+// or raises. The texts must outlive those events.
 bool downloadToLocal(const platform::Platform &platform, std::u16string_view url,
                      std::u16string_view file, const std::function<bool()> &mayFetch = {});
 

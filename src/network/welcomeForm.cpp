@@ -3,6 +3,7 @@
 #include "base/numbers.h"
 #include "base/run_time_error.h"
 #include "base/text.h"
+#include "network/addresses.h"
 #include "network/check_Network.h"
 #include "network/temporary_names.h"
 #include "network/update.h"
@@ -71,8 +72,11 @@ std::array<zkButton *, welcomeForm::tabs> welcomeForm::buttons() {
     return {&tabButton_0, &tabButton_1, &tabButton_2};
 }
 
+// What a server served leads to the web and to a letter alone. Any other word comes to nothing:
+// files, folders and programs of this machine are no business of its.
 void welcomeForm::openTag(const forms::Control &control) {
-    app_.saveOrOpenFile().shellOpen(control.tag());
+    if (isAddressForTheDesktop(control.tag()))
+        app_.saveOrOpenFile().shellOpen(control.tag());
 }
 
 void welcomeForm::showTab(std::size_t tab) {
@@ -106,6 +110,8 @@ void welcomeForm::Start(bool silent) {
     welcome_File = app_.system_SpecialFolder().get_Special_Folder(folderTemporary) +
                    std::u16string(welcomeFileName);
     welcome_Url = app_.setControl().get_MakerHost() + std::u16string(pagePath);
+    if (!silent)
+        app_.platform().internet.tryHostsAnew();
     if (!check_Network(app_.platform().internet)) {
         giveUp(app_.Language().msg_No_Network, !silent);
         return;
@@ -181,7 +187,8 @@ bool welcomeForm::fetch_Welcome() {
         return false;
     app_.saveOrOpenFile().shellDel(welcome_File);
     app_.platform().windows.DoEvents();
-    welcome_Result = app_.platform().internet.URLDownloadToFileA(welcome_Url, welcome_File);
+    welcome_Result = app_.platform().internet.URLDownloadToFileA(welcome_Url, welcome_File,
+                                                                 platform::informationFile);
     return welcome_Result == 0;
 }
 

@@ -184,13 +184,14 @@ bool FakeInternet::DeleteUrlCacheEntryA(std::u16string_view url) {
     return false;
 }
 
-std::int32_t FakeInternet::URLDownloadToFileA(std::u16string_view url, std::u16string_view path) {
+std::int32_t FakeInternet::URLDownloadToFileA(std::u16string_view url, std::u16string_view path,
+                                              const platform::FileLimits &limits) {
     note({u"URLDownloadToFileA", url, path});
     const auto found = downloads_.find(std::u16string(url));
     if (found == downloads_.end())
         return resourceNotFound;
     found->second.second = true;
-    if (failing("URLDownloadToFileA") || path.empty())
+    if (failing("URLDownloadToFileA") || path.empty() || found->second.first.size() > limits.bytes)
         return resourceNotFound;
     const bool wasThere = files_.hasFile(path);
     if (duringDownload)

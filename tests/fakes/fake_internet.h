@@ -67,6 +67,7 @@ public:
     // The converted bodies that went out.
     std::vector<std::string> sentBodies;
     std::map<std::u16string, std::u16string> cookies; // by name
+    int triedAnew = 0;                                // how often the person asked
     // Runs inside each read and each page fetch, before the answer.
     std::function<void()> meanwhile;
     // Runs inside each whole download, ahead of its end.
@@ -99,7 +100,9 @@ public:
                           std::string &bytes) override;
     bool InternetCloseHandle(platform::InternetHandle handle) override;
     bool DeleteUrlCacheEntryA(std::u16string_view url) override;
-    std::int32_t URLDownloadToFileA(std::u16string_view url, std::u16string_view path) override;
+    void tryHostsAnew() override { ++triedAnew; }
+    std::int32_t URLDownloadToFileA(std::u16string_view url, std::u16string_view path,
+                                    const platform::FileLimits &limits) override;
     std::optional<std::string> XmlHttpGet(std::u16string_view url) override;
     std::u16string decodeCharset(std::string_view bytes, std::u16string_view charset) override;
 

@@ -3,11 +3,14 @@
 // The network: WinINet's operations, the synchronous page object and the decoder of pages.
 //
 // Everything happens on the caller's thread, inside the call, and nothing pumps: not a read, not a
-// send, not a whole download. Every connect is limited to 10 s and every stall to 30 s, so no call
-// waits for ever. The HTTP library behind it is loaded when it is first needed.
+// send, not a whole download. Every connect is limited to 10 s, every header with all its redirects
+// to 40 s and every body by its rate, so no call waits for ever. A host that could not be reached
+// fails at once for 60 s. Redirects lead from https to https alone, and from elsewhere not to this
+// machine. The HTTP library behind it is loaded when it is first needed.
 //
 // Texts are converted to the code page in force before they leave.
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -25,9 +28,21 @@ inline constexpr std::uint32_t HTTP_ADDREQ_FLAG_ADD = 0x20000000U;
 inline constexpr std::uint32_t HTTP_ADDREQ_FLAG_REPLACE = 0x80000000U;
 inline constexpr std::uint32_t HTTP_QUERY_RAW_HEADERS = 21;
 
+// How much and how long a whole file may be; more is a failure.
+struct FileLimits {
+    std::size_t bytes = 0;
+    std::chrono::milliseconds time{0};
+};
+inline constexpr FileLimits informationFile{std::size_t{1} << 20, std::chrono::minutes(1)};
+inline constexpr FileLimits lyricFile{std::size_t{16} << 20, std::chrono::minutes(1)};
+inline constexpr FileLimits programFile{std::size_t{1} << 30, std::chrono::hours(1)};
+
 class Internet {
 public:
     virtual ~Internet() = default;
+
+    // The person asks: hosts that could not be reached just now are tried again.
+    virtual void tryHostsAnew() = 0;
 
     // Above 0 when an interface other than loopback is up with an address, or a configured host is
     // a loopback address. Nothing is contacted. `flags` is set to 0.
@@ -71,7 +86,7 @@ public:
                                                       std::size_t capacity) = 0;
 
     // The next `count` bytes of the body, fewer only at its end; after a cut what came, then false.
-    // True with nothing is the end. Chunks are undone, gzip is not.
+    // True with nothing is the end. Less than 1 KB in 5 s is a cut. Chunks are undone, gzip is not.
     virtual bool InternetReadFile(InternetHandle request, std::size_t count,
                                   std::string &bytes) = 0;
 
@@ -85,7 +100,8 @@ public:
     // or a relative path among them, leaves the target untouched and gives another number. Below 1
     // KB/s for 30 s is a stall. What comes meanwhile to a place at which nothing was is not
     // replaced: that is a failure.
-    virtual std::int32_t URLDownloadToFileA(std::u16string_view url, std::u16string_view path) = 0;
+    virtual std::int32_t URLDownloadToFileA(std::u16string_view url, std::u16string_view path,
+                                            const FileLimits &limits) = 0;
 
     // "MSXML2.XMLHTTP" with "GET", synchronous: `Open`, `send`, `responseBody`. Any status is a
     // page; gzip is undone. Absent when the request did not complete its answer (ReadyState is not

@@ -42,7 +42,7 @@ protected:
     // What lies behind a link, by way of a file as the program does it.
     std::string fetched(const std::u16string &link) {
         const std::string target = (music_ / ".fetched").string();
-        if (internet_->URLDownloadToFileA(link, fromUtf8(target)) != 0)
+        if (internet_->URLDownloadToFileA(link, fromUtf8(target), platform::programFile) != 0)
             return "(nothing)";
         std::ifstream file(target, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};

@@ -23,6 +23,7 @@ protected:
     }
     ~HttpDownload() override { fs::remove_all(folder_); }
 
+    platform::FileLimits fileLimits_ = platform::programFile;
     std::string target() const { return (folder_ / "target.bin").string(); }
     std::string content() const {
         std::ifstream file(target(), std::ios::binary);
@@ -30,7 +31,7 @@ protected:
     }
     bool download(const std::u16string &url) { return downloadTo(url, target()); }
     bool downloadTo(const std::u16string &url, const std::string &path) {
-        return internet().URLDownloadToFileA(url, fromUtf8(path)) == 0;
+        return internet().URLDownloadToFileA(url, fromUtf8(path), fileLimits_) == 0;
     }
     // The old file, and nothing else.
     ::testing::AssertionResult untouched() const {
@@ -143,6 +144,31 @@ TEST_F(HttpDownload, ThatDripsSlowerThanTheLeastRateIsGivenUp) {
         while (talk.send(std::string(1000, 'x'))) // at most 100 kB a second
             talk.wait(milliseconds(10));
     });
+    EXPECT_FALSE(download(server.url(u"/f")));
+    EXPECT_TRUE(untouched());
+}
+
+TEST_F(HttpDownload, OfMoreThanItMayBeIsGivenUp) {
+    LoopbackServer server([](Talk &talk, const std::string &) {
+        talk.send("HTTP/1.0 200 OK\r\n\r\n");
+        talk.sendZeros(std::uint64_t{1} << 40);
+    });
+    fileLimits_.bytes = std::size_t{1} << 20;
+    EXPECT_FALSE(download(server.url(u"/f")));
+    EXPECT_TRUE(untouched());
+    EXPECT_LT(server.bytesSent(), std::uint64_t{64} << 20);
+    LoopbackServer fitting(always(response(std::string(fileLimits_.bytes, 'x'))));
+    EXPECT_TRUE(download(fitting.url(u"/f")));
+    EXPECT_EQ(content().size(), fileLimits_.bytes);
+}
+
+TEST_F(HttpDownload, ThatTakesLongerThanItMayIsGivenUpThoughItNeverStalls) {
+    LoopbackServer server([](Talk &talk, const std::string &) {
+        talk.send("HTTP/1.0 200 OK\r\n\r\n");
+        while (talk.send(std::string(4096, 'x')))
+            talk.wait(milliseconds(20));
+    });
+    fileLimits_.time = milliseconds(500);
     EXPECT_FALSE(download(server.url(u"/f")));
     EXPECT_TRUE(untouched());
 }

@@ -56,7 +56,8 @@ protected:
         return {std::istreambuf_iterator<char>(file), {}};
     }
     bool download(const std::string &url) {
-        return internet().URLDownloadToFileA(fromAscii(url), fromUtf8(target())) == 0;
+        return internet().URLDownloadToFileA(fromAscii(url), fromUtf8(target()),
+                                             platform::programFile) == 0;
     }
     std::optional<std::string> pageAt(const std::string &url) { return page(fromAscii(url)); }
     void expectRefused(const std::string &certificate) {
@@ -95,12 +96,13 @@ TEST_F(Https, MayBeWhereAPlainAddressLeads) {
     LoopbackServer plain(always("HTTP/1.1 302 Found\r\nLocation: " + server.url("/page") +
                                 "\r\nContent-Length: 0\r\n\r\n"));
     EXPECT_EQ(page(plain.url(u"/")), "secret <a href=x>");
-    EXPECT_TRUE(internet().URLDownloadToFileA(plain.url(u"/"), fromUtf8(target())) == 0);
+    EXPECT_TRUE(internet().URLDownloadToFileA(plain.url(u"/"), fromUtf8(target()),
+                                              platform::programFile) == 0);
     EXPECT_EQ(content(), "secret <a href=x>");
     EXPECT_EQ(bodyOf(send(plain.port())).bytes, "secret <a href=x>");
 }
 
-TEST_F(Https, MayLeadToAPlainAddressButToNoFileOfThisMachine) {
+TEST_F(Https, LeadsToNoPlainAddressAndToNoFileOfThisMachine) {
     LoopbackServer plain(always(response("open")));
     put("away", "HTTP/1.1 302 Found\r\nLocation: " + toUtf8(plain.url(u"/")) +
                     "\r\nContent-Length: 0\r\n\r\n");
@@ -108,7 +110,9 @@ TEST_F(Https, MayLeadToAPlainAddressButToNoFileOfThisMachine) {
                   "Content-Length: 0\r\n\r\n");
     TlsServer server(trusted(), pages_);
     ASSERT_TRUE(server.works());
-    EXPECT_EQ(pageAt(server.url("/away")), "open");
+    EXPECT_THROW(pageAt(server.url("/away")), RunTimeError);
+    EXPECT_FALSE(download(server.url("/away")));
+    EXPECT_TRUE(plain.requests().empty());
     EXPECT_THROW(pageAt(server.url("/inside")), RunTimeError);
     EXPECT_FALSE(download(server.url("/inside")));
     EXPECT_EQ(content(), "old");

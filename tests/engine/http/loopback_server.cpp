@@ -27,7 +27,9 @@ int boundSocket(LoopbackServer::Address address, int &port) {
     } else {
         auto &own = reinterpret_cast<sockaddr_in &>(place);
         own.sin_family = AF_INET;
-        own.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        own.sin_port = htons(static_cast<std::uint16_t>(port));
+        own.sin_addr.s_addr =
+            htonl(address == LoopbackServer::Address::V4 ? INADDR_LOOPBACK : INADDR_ANY);
         size = sizeof own;
     }
     auto *general = reinterpret_cast<sockaddr *>(&place);
@@ -117,7 +119,7 @@ void Talk::reset() {
     ::setsockopt(socket_, SOL_SOCKET, SO_LINGER, &none, sizeof none);
 }
 
-LoopbackServer::LoopbackServer(Script script, Address address)
+LoopbackServer::LoopbackServer(Script script, Address address, int port)
     : script_([this, script = std::move(script)](Talk &talk) {
           const std::string request = talk.receive();
           if (request.empty())
@@ -127,7 +129,8 @@ LoopbackServer::LoopbackServer(Script script, Address address)
               requests_.push_back(request);
           }
           script(talk, request);
-      }) {
+      }),
+      port_(port) {
     listenOn(address);
 }
 

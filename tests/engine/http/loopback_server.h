@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace velmora::testing {
@@ -44,10 +45,14 @@ private:
 class LoopbackServer {
 public:
     using Script = std::function<void(Talk &, const std::string &request)>;
-    enum class Address { V4, V6 };
+    enum class Address { V4, V6, Everywhere }; // the last: every address of this machine
 
     // Runs `script` for each connection, one after the other, after its request has been received.
-    explicit LoopbackServer(Script script, Address address = Address::V4);
+    explicit LoopbackServer(Script script, Address address = Address::V4)
+        : LoopbackServer(std::move(script), address, 0) {}
+    // At a port that was free a moment ago.
+    LoopbackServer(Script script, int port)
+        : LoopbackServer(std::move(script), Address::V4, port) {}
     // The same without receiving anything first; `beforeAccept` is how long connections lie
     // unaccepted.
     LoopbackServer(std::function<void(Talk &)> script, std::chrono::milliseconds beforeAccept);
@@ -66,6 +71,7 @@ public:
     static int closedPort();
 
 private:
+    LoopbackServer(Script script, Address address, int port);
     void listenOn(Address address);
     void run();
 

@@ -45,7 +45,9 @@ TEST_F(WithoutTheHttpLibrary, PagesRaiseAndSayWhy) {
 }
 
 TEST_F(WithoutTheHttpLibrary, FilesAndCookiesFail) {
-    EXPECT_NE(internet().URLDownloadToFileA(u"http://127.0.0.1/", u"/tmp/velmora/none"), 0);
+    EXPECT_NE(internet().URLDownloadToFileA(u"http://127.0.0.1/", u"/tmp/velmora/none",
+                                            platform::programFile),
+              0);
     EXPECT_FALSE(internet().InternetSetCookieA(u"http://127.0.0.1/", u"", u"a=b"));
     EXPECT_EQ(internet().InternetGetCookieA(u"http://127.0.0.1/", u"", 255), std::nullopt);
     EXPECT_FALSE(internet().DeleteUrlCacheEntryA(u"http://127.0.0.1/"));

@@ -3,11 +3,34 @@
 #include "http_fixture.h"
 #include "tests/engine/newer_loopback.h"
 
+#include <arpa/inet.h>
+#include <ifaddrs.h>
+#include <net/if.h>
+#include <thread>
+
 namespace velmora::testing {
 
 namespace {
 
 using std::chrono::milliseconds;
+
+// An address of this machine by which others reach it; empty where there is none.
+std::string outsideAddress() {
+    ifaddrs *all = nullptr;
+    std::string found;
+    if (::getifaddrs(&all) != 0)
+        return found;
+    for (const ifaddrs *one = all; one != nullptr && found.empty(); one = one->ifa_next) {
+        if (one->ifa_addr == nullptr || one->ifa_addr->sa_family != AF_INET ||
+            (one->ifa_flags & IFF_LOOPBACK) != 0 || (one->ifa_flags & IFF_UP) == 0)
+            continue;
+        char text[INET_ADDRSTRLEN] = "";
+        const auto *place = reinterpret_cast<const sockaddr_in *>(one->ifa_addr);
+        found = ::inet_ntop(AF_INET, &place->sin_addr, text, sizeof text);
+    }
+    ::freeifaddrs(all);
+    return found;
+}
 
 class HttpTrouble : public HttpTest {
 protected:
@@ -29,6 +52,90 @@ TEST_F(HttpTrouble, ACutBodyGivesWhatCameAndThenFails) {
         EXPECT_EQ(body.bytes, std::string(byte, 'x'));
         EXPECT_TRUE(body.cut) << byte;
     }
+}
+
+// --- hosts that are not there ---
+
+TEST_F(HttpTrouble, AHostThatCannotBeReachedFailsAtOnceUntilThePersonAsks) {
+    InternetLimits limits;
+    limits.connect = milliseconds(400);
+    limits.unreached = std::chrono::hours(1);
+    limit(limits);
+    // Lets connections lie unaccepted: a client waits for the limit.
+    const int port = LoopbackServer::closedPort();
+    EXPECT_FALSE(send(port).answered);
+    LoopbackServer back(always(response("here")), port);
+    ASSERT_TRUE(back.works());
+    const std::u16string url = back.url(u"/");
+    EXPECT_THROW(page(url), RunTimeError);
+    EXPECT_FALSE(send(port).answered);
+    EXPECT_EQ(back.connections(), 0) << "it was not asked";
+    internet().tryHostsAnew();
+    EXPECT_EQ(page(url), "here");
+    EXPECT_TRUE(send(port).answered) << "what answers is not remembered as away";
+}
+
+TEST_F(HttpTrouble, AHostIsTriedAgainByItselfAfterAWhile) {
+    InternetLimits limits;
+    limits.unreached = milliseconds(300);
+    limit(limits);
+    const int port = LoopbackServer::closedPort();
+    EXPECT_FALSE(send(port).answered);
+    LoopbackServer back(always(response("here")), port);
+    ASSERT_TRUE(back.works());
+    const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!send(port).answered && std::chrono::steady_clock::now() < until)
+        std::this_thread::yield();
+    EXPECT_EQ(back.connections(), 1);
+}
+
+TEST_F(HttpTrouble, AHostThatAnswersBadlyIsNoHostThatIsAway) {
+    LoopbackServer server(always("nonsense\r\n\r\n"));
+    EXPECT_THROW(page(server.url(u"/")), RunTimeError);
+    EXPECT_THROW(page(server.url(u"/")), RunTimeError);
+    EXPECT_EQ(server.connections(), 2);
+}
+
+// --- headers and redirects ---
+
+TEST_F(HttpTrouble, AllRedirectsTogetherHaveOneLimit) {
+    InternetLimits limits;
+    limits.header = milliseconds(700);
+    limit(limits);
+    LoopbackServer server([](Talk &talk, const std::string &) {
+        talk.wait(milliseconds(200)); // each by itself is quick enough
+        talk.send("HTTP/1.1 302 Found\r\nLocation: /again\r\nContent-Length: 0\r\n\r\n");
+    });
+    EXPECT_THROW(page(server.url(u"/")), RunTimeError);
+    EXPECT_LE(server.connections(), 5);
+}
+
+TEST_F(HttpTrouble, AServerElsewhereLeadsToNoServiceOfThisMachine) {
+    const std::string own = outsideAddress();
+    if (own.empty())
+        GTEST_SKIP() << "this machine has no address but its own";
+    LoopbackServer inside(always(response("secret")));
+    const auto leads = always("HTTP/1.1 302 Found\r\nLocation: " + toUtf8(inside.url(u"/")) +
+                              "\r\nContent-Length: 0\r\n\r\n");
+    LoopbackServer outside(leads, LoopbackServer::Address::Everywhere);
+    const std::string port = ":" + std::to_string(outside.port()) + "/";
+    EXPECT_THROW(page(fromAscii("http://" + own + port)), RunTimeError);
+    EXPECT_TRUE(inside.requests().empty());
+    EXPECT_EQ(page(fromAscii("http://127.0.0.1" + port)), "secret");
+}
+
+TEST_F(HttpTrouble, ABodyReadPieceByPieceNeedsNoFewerThanOneKilobyteInItsTime) {
+    InternetLimits limits;
+    limits.read = milliseconds(300);
+    limit(limits);
+    LoopbackServer server([](Talk &talk, const std::string &) {
+        talk.send("HTTP/1.0 200 OK\r\nContent-Length: 5000\r\n\r\n" + std::string(1500, 'x'));
+        while (talk.send("y")) // at most 50 bytes a second
+            talk.wait(milliseconds(20));
+    });
+    const Body body = bodyOf(send(server.port()));
+    EXPECT_TRUE(body.cut);
+    EXPECT_LT(body.bytes.size(), 3000U);
 }
 
 TEST_F(HttpTrouble, AChunkThatIsCutFails) {

@@ -46,7 +46,8 @@ protected:
     std::string fileAt(const std::u16string &url) {
         const std::string target = (folder_ / "target").string();
         std::ofstream(target) << "old";
-        const bool isFetched = internet().URLDownloadToFileA(url, fromUtf8(target)) == 0;
+        const bool isFetched =
+            internet().URLDownloadToFileA(url, fromUtf8(target), platform::programFile) == 0;
         std::ifstream file(target, std::ios::binary);
         const std::string content{std::istreambuf_iterator<char>(file), {}};
         EXPECT_EQ(isFetched, content != "old") << content;

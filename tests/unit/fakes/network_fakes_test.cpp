@@ -88,10 +88,10 @@ TEST_F(TheNetworkInMemory, servesPagesByTheirAddressOneAfterTheOther) {
 TEST_F(TheNetworkInMemory, bringsDownloadsToTheDisk) {
     fake.files.addFolder(u"/d/e");
     net.setDownload(u"http://a/f", "bytes");
-    EXPECT_EQ(net.URLDownloadToFileA(u"http://a/f", u"/d/e/f"), 0);
+    EXPECT_EQ(net.URLDownloadToFileA(u"http://a/f", u"/d/e/f", platform::programFile), 0);
     EXPECT_EQ(fake.files.contents(u"/d/e/f"), "bytes");
-    EXPECT_NE(net.URLDownloadToFileA(u"http://a/g", u"/d/e/f"), 0);
-    EXPECT_NE(net.URLDownloadToFileA(u"http://a/f", u"/none/f"), 0);
+    EXPECT_NE(net.URLDownloadToFileA(u"http://a/g", u"/d/e/f", platform::programFile), 0);
+    EXPECT_NE(net.URLDownloadToFileA(u"http://a/f", u"/none/f", platform::programFile), 0);
     EXPECT_EQ(fake.files.contents(u"/d/e/f"), "bytes");
 }
 

@@ -313,7 +313,8 @@ TEST_F(LyricMeanwhile, IsTheOneOfItsOwnSearchThoughAnotherOneRanInside) {
                           "<html><a href=\"http://sitea/asp/lrc.asp?id=8\">"
                           "<a href=\"http://sitea/asp/lrc.asp?id=9\"><a href=\"http://other/x\">");
     fake.internet.setDownload(u"HTTP://SITEA/ASP/LRC.ASP?ID=8", "[00:01]of another song");
-    app.platform().internet.URLDownloadToFileA(u"HTTP://SITEA/ASP/LRC.ASP?ID=8", u"/m/other.lrc");
+    app.platform().internet.URLDownloadToFileA(u"HTTP://SITEA/ASP/LRC.ASP?ID=8", u"/m/other.lrc",
+                                               platform::lyricFile);
     velmora::search_Lrc_Internet_Form &window = app.search_Lrc_Internet_Form();
     window.songName_Text.setText(u"Other");
     int pump = 0;

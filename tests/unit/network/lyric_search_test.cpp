@@ -303,6 +303,25 @@ TEST_F(LyricSearch, endsAtAFurtherPageThatDoesNotCome) {
     }
 }
 
+// Each page may take a minute, and a page may name thirty thousand others.
+TEST_F(LyricSearch, asksForNoFurtherPageAfterThreeMinutes) {
+    std::string page = a(100);
+    for (int i = 1; i <= 8; ++i) {
+        page += pageLink(i);
+        if (i <= 6)
+            net.setPage(pageAddress(i), "nothing");
+    }
+    net.meanwhile = [&] { fake.clock.steadyTime += 30'000; };
+    EXPECT_TRUE(searchPage(page));
+    // The first page twice, then what begins ahead of the 180th second.
+    EXPECT_EQ(countLog(u"XmlHttpGet http://engine/m?f=ms&pn="), 4);
+    EXPECT_EQ(rows(), Texts{rowA(100)}) << "what was found stays";
+    net.meanwhile = nullptr;
+    net.log.clear();
+    EXPECT_TRUE(searchPage(page));
+    EXPECT_EQ(countLog(u"XmlHttpGet http://engine/m?f=ms&pn="), 6) << "the next has its own time";
+}
+
 TEST_F(LyricSearch, scannedAgainGoesStraightToTheFurtherPages) {
     searchPage(pageLink(1) + pageLink(2) + pageLink(3)); // bounds 0 to 2
     EXPECT_EQ(search.lrcPageIndex, 0);

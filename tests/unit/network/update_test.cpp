@@ -101,6 +101,24 @@ TEST_F(Update, FetchesTheProgramInOneOrder) {
                      std::u16string(u"URLDownloadToFileA http://maker/new.exe ") + newPath}));
 }
 
+TEST_F(Update, IsFetchedFromNowhereThatCouldBeAnybody) {
+    const auto fetches = [&](std::u16string_view maker, std::u16string address) {
+        fake.registry.setText(u"SOFTWARE\\Norvane\\zkPlayer\\hosts", u"maker", maker);
+        work().new_Version = u"3.0.0";
+        work().new_DownloadUrl = address;
+        return work().fetch_NewProgram();
+    };
+    // All of them could be had.
+    for (const char16_t *address : {u"http://maker/new.exe", u"https://files.example/new.exe"})
+        fake.internet.setDownload(address, "program");
+    EXPECT_TRUE(fetches(u"http://maker", u"http://maker/new.exe"));
+    EXPECT_FALSE(fetches(u"http://maker", u"http://other/new.exe"));
+    EXPECT_NE(work().update_Result, 0);
+    EXPECT_FALSE(fetches(u"https://maker.example", u"http://maker.example/new.exe"));
+    EXPECT_FALSE(fetches(u"http://maker.example", u"http://maker.example/new.exe"));
+    EXPECT_TRUE(fetches(u"https://maker.example", u"https://files.example/new.exe"));
+}
+
 TEST_F(Update, TestsTheTemporaryFolderForTheProgramToo) {
     work().new_Version = u"3.0.0";
     work().new_DownloadUrl = u"http://maker/new.exe";
@@ -154,7 +172,7 @@ TEST_F(Update, IsNotFetchedWhereTheTemporaryFolderCannotBeWritten) {
     files.setReadOnly(fake.folders.temporary);
     serveVersion("3.0.0");
     fake.internet.URLDownloadToFileA(u"http://maker/source/softwareDate/zkPlayerUpdate.php",
-                                     u"/x/asked");
+                                     u"/x/asked", platform::informationFile);
     const std::size_t asked = fake.internet.log.size();
     work().check_Update(true);
     for (std::size_t i = asked; i < fake.internet.log.size(); ++i)

@@ -283,6 +283,23 @@ TEST_F(Welcome, ThatLoadsBehindAFailureOffersNoRetry) {
     EXPECT_TRUE(page().FrameDate_0.visible());
 }
 
+TEST_F(Welcome, LeadsToTheWebAndToALetterAndToNothingOfThisMachine) {
+    for (const char *link : {"/etc/passwd", "../x", "file:///etc/passwd", "x.desktop", "0", "",
+                             "mailto:a@b?attach=/etc/passwd", "MAILTO:a@b?subject=x&ATTACHMENT=/x",
+                             "ssh://x", "httpx://y", "/opt/velmora/zkPlayer [3.1.0].exe"}) {
+        start(whole("[databases]\ndatabases_0_Ubound=1\ndatabases_0_0_Str=a\ndatabases_0_0_Link=" +
+                    std::string(link) + "\n"));
+        page().databases_0_0.on().Click();
+        EXPECT_TRUE(opened().empty()) << link;
+    }
+    for (const char *link : {"http://a/b", "HTTPS://a", "mailto:a@b?subject=x"}) {
+        start(whole("[databases]\ndatabases_0_Ubound=1\ndatabases_0_0_Str=a\ndatabases_0_0_Link=" +
+                    std::string(link) + "\n"));
+        page().databases_0_0.on().Click();
+        EXPECT_EQ(toUtf8(opened()), link);
+    }
+}
+
 TEST_F(Welcome, WithMoreLinesThanAnArrayTakesFails) {
     start(whole("[databases]\ndatabases_0_Ubound=2000000000\ndatabases_0_0_Str=a\n"
                 "[Advertising]\nAdvertisingNumbers=2000000000\nindex_0_Str=x\n"));

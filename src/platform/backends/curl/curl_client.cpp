@@ -36,6 +36,19 @@ bool CurlClient::load() {
     return jar_ != nullptr;
 }
 
+bool CurlClient::start(Exchange &exchange, const std::string &url, Exchange::Time until) {
+    const std::string server = url.substr(0, url.find_first_of("/?#", url.find("://") + 3));
+    const auto known = unreached_.find(server);
+    if (known != unreached_.end() && std::chrono::steady_clock::now() < known->second)
+        return false;
+    const bool answered = exchange.start(until);
+    if (exchange.unreached())
+        unreached_[server] = std::chrono::steady_clock::now() + limits_.unreached;
+    else
+        unreached_.erase(server);
+    return answered;
+}
+
 std::int32_t CurlClient::InternetGetConnectedState(std::uint32_t &flags) {
     flags = 0;
     if (hasOutsideInterface())

@@ -41,7 +41,9 @@ public:
     bool InternetReadFile(InternetHandle request, std::size_t count, std::string &bytes) override;
     bool InternetCloseHandle(InternetHandle handle) override;
     bool DeleteUrlCacheEntryA(std::u16string_view url) override;
-    std::int32_t URLDownloadToFileA(std::u16string_view url, std::u16string_view path) override;
+    void tryHostsAnew() override { unreached_.clear(); }
+    std::int32_t URLDownloadToFileA(std::u16string_view url, std::u16string_view path,
+                                    const FileLimits &limits) override;
     std::optional<std::string> XmlHttpGet(std::u16string_view url) override;
     std::u16string decodeCharset(std::string_view bytes, std::u16string_view charset) override;
 
@@ -74,6 +76,9 @@ private:
         return found == handles_.end() ? nullptr : std::get_if<Kind>(&found->second.what);
     }
     std::vector<std::string> jarLines();
+    // Starts an exchange, unless its host could not be reached a moment ago, and notes when it
+    // cannot be reached now.
+    bool start(Exchange &exchange, const std::string &url, Exchange::Time until);
     bool receiveInto(Exchange &exchange, AtomicFile &file);
 
     const AnsiText &ansi_;
@@ -84,6 +89,7 @@ private:
     CURLSH *jar_ = nullptr;
     std::map<InternetHandle, Entry> handles_;
     InternetHandle lastHandle_ = 0;
+    std::map<std::string, Exchange::Time> unreached_; // by scheme, host and port: until when
 };
 
 } // namespace velmora::platform::http

@@ -42,7 +42,8 @@ bool CurlClient::receiveInto(Exchange &exchange, AtomicFile &file) {
     return true;
 }
 
-std::int32_t CurlClient::URLDownloadToFileA(std::u16string_view url, std::u16string_view path) {
+std::int32_t CurlClient::URLDownloadToFileA(std::u16string_view url, std::u16string_view path,
+                                            const FileLimits &limits) {
     if (!isWebAddress(url) || path.empty() || path.front() != u'/')
         return INET_E_DOWNLOAD_FAILURE;
     if (!load())
@@ -53,11 +54,14 @@ std::int32_t CurlClient::URLDownloadToFileA(std::u16string_view url, std::u16str
         request.url = escaped(ansi_.encode(url));
         request.agent = ownAgent;
         request.headers = {"Pragma: no-cache"};
+        request.mostBytes = limits.bytes;
         // Ahead of the request: what lies there now may be replaced, what comes from here on not.
         AtomicFile file(systemPathOrRaise(path), AtomicFile::While::Unnamed,
                         AtomicFile::Over::OldFile, calls_);
+        const std::string address = request.url;
         Exchange exchange(*curl_, jar_, limits_, std::move(request));
-        whole = exchange.start() && receiveInto(exchange, file);
+        whole = start(exchange, address, std::chrono::steady_clock::now() + limits.time) &&
+                receiveInto(exchange, file);
     });
     return whole ? S_OK : INET_E_DOWNLOAD_FAILURE;
 }
@@ -75,8 +79,9 @@ std::optional<std::string> CurlClient::XmlHttpGet(std::u16string_view url) {
     request.agent = ownAgent;
     request.undoGzip = true;
     request.mostBytes = limits_.pageBytes;
+    const std::string address = request.url;
     Exchange exchange(*curl_, jar_, limits_, std::move(request));
-    if (!exchange.start(std::chrono::steady_clock::now() + limits_.page))
+    if (!start(exchange, address, std::chrono::steady_clock::now() + limits_.page))
         fail(exchange.failure());
     std::string page;
     exchange.read(limits_.pageBytes + 1, 1, page);

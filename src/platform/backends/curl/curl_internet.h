@@ -17,9 +17,12 @@ namespace velmora::platform {
 
 // How long and how much a request may take. The defaults are the rules; tests shorten them.
 struct InternetLimits {
-    std::chrono::milliseconds connect{10'000}; // name look-up, connection and its encryption
-    std::chrono::milliseconds stall{30'000};   // a header as a whole; a body that does not go on
-    std::chrono::milliseconds page{60'000};    // a whole page
+    std::chrono::milliseconds connect{10'000};   // name look-up, connection and its encryption
+    std::chrono::milliseconds stall{30'000};     // one header; a body that does not go on
+    std::chrono::milliseconds header{40'000};    // all up to the last header, redirects included
+    std::chrono::milliseconds read{5'000};       // of a body that is read piece by piece, for 1 KB
+    std::chrono::milliseconds page{60'000};      // a whole page
+    std::chrono::milliseconds unreached{60'000}; // for which a host is not tried again
     std::size_t pageBytes = std::size_t{16} << 20;
     std::size_t downloadBytesPerSecond = 1024; // less than this for `stall` is a stall
 };

@@ -123,8 +123,11 @@ bool CurlClient::HttpSendRequestA(InternetHandle request, std::u16string_view bo
     sent.body = ansi_.encode(body);
     sent.body.resize(std::min(bodyLength, sent.body.size()));
     open->exchange.reset(); // a request may be sent again
+    // A body that brings less than this holds the window for nothing.
+    sent.stall = limits_.read;
+    const std::string address = sent.url;
     open->exchange = std::make_unique<Exchange>(*curl_, jar_, limits_, std::move(sent));
-    if (open->exchange->start())
+    if (start(*open->exchange, address, Exchange::Time::max()))
         return true;
     open->exchange.reset();
     return false;
@@ -146,7 +149,6 @@ bool CurlClient::InternetReadFile(InternetHandle request, std::size_t count, std
     OpenRequest *open = find<OpenRequest>(request);
     if (open == nullptr || open->exchange == nullptr)
         return false;
-    // A body that brings less than this in the stall limit holds the window for nothing.
     constexpr std::size_t least = 1024;
     open->exchange->read(count, least, bytes);
     const Ending ending = open->exchange->ending();

@@ -1,5 +1,7 @@
 #include "platform/backends/curl/exchange.h"
 
+#include "platform/backends/curl/addresses.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
@@ -58,8 +60,17 @@ void Exchange::prepare() {
     const auto set = [&](CURLoption option, auto value) { curl_.easySetopt(easy_, option, value); };
     set(CURLOPT_URL, request_.url.c_str());
     set(CURLOPT_PATH_AS_IS, 1L);
-    set(CURLOPT_PROTOCOLS_STR, "http,https");
-    set(CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+    // A library that does not know one of these is too old to be trusted with a redirect.
+    const auto must = [&](CURLoption option, auto value) {
+        const CURLcode code = curl_.easySetopt(easy_, option, value);
+        if (code != CURLE_OK && result_ == CURLE_OK) {
+            result_ = code;
+            ending_ = Ending::Failed;
+        }
+    };
+    must(CURLOPT_PROTOCOLS_STR, "http,https");
+    // What began encrypted stays so.
+    must(CURLOPT_REDIR_PROTOCOLS_STR, partsOf(request_.url).secure ? "https" : "http,https");
     set(CURLOPT_FOLLOWLOCATION, 1L);
     set(CURLOPT_MAXREDIRS, mostRedirects);
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
@@ -85,7 +96,7 @@ void Exchange::prepare() {
     set(CURLOPT_HEADERDATA, this);
     set(CURLOPT_WRITEFUNCTION, &Exchange::onBody);
     set(CURLOPT_WRITEDATA, this);
-    set(CURLOPT_PREREQFUNCTION, &Exchange::onConnected);
+    must(CURLOPT_PREREQFUNCTION, &Exchange::onConnected);
     set(CURLOPT_PREREQDATA, this);
 }
 
@@ -122,8 +133,8 @@ std::size_t Exchange::onBody(char *bytes, std::size_t size, std::size_t count, v
         exchange.ending_ = Ending::TooLong;
         return 0;
     }
-    // A body with a limit of its own is never held back: undoing gzip could not stop half way.
-    if (most == 0 && exchange.ready() >= std::max(exchange.wanted_, readAhead)) {
+    // A packed body is never held back: undoing gzip could not stop half way. It has a limit.
+    if (!exchange.request_.undoGzip && exchange.ready() >= std::max(exchange.wanted_, readAhead)) {
         exchange.paused_ = true;
         return CURL_WRITEFUNC_PAUSE;
     }
@@ -133,8 +144,18 @@ std::size_t Exchange::onBody(char *bytes, std::size_t size, std::size_t count, v
     return length;
 }
 
-int Exchange::onConnected(void *self, char *, char *, int, int) {
+// A server elsewhere sends nobody to the services of this machine, which believe whoever is here.
+bool Exchange::mayGoTo(std::string_view peer) {
+    const bool outside = !isLoopback(peer);
+    if (!std::exchange(connected_, true))
+        beganOutside_ = outside;
+    return outside || !beganOutside_;
+}
+
+int Exchange::onConnected(void *self, char *peer, char *, int, int) {
     auto &exchange = *static_cast<Exchange *>(self);
+    if (!exchange.mayGoTo(peer == nullptr ? "" : peer))
+        return CURL_PREREQFUNC_ABORT;
     exchange.stageUntil_ = steady_clock::now() + exchange.limits_.stall;
     return CURL_PREREQFUNC_OK;
 }
@@ -179,22 +200,24 @@ bool Exchange::start(Time until) {
         return false;
     until_ = until;
     stageUntil_ = steady_clock::now() + limits_.connect;
+    const Time headerUntil = std::min(until_, steady_clock::now() + limits_.header);
     curl_.multiAddHandle(multi_, easy_);
     while (!header_.complete() && ending_ == Ending::Running)
-        step(std::min(until_, stageUntil_));
+        step(std::min(headerUntil, stageUntil_));
     return header_.complete();
 }
 
 void Exchange::read(std::size_t count, std::size_t leastInStall, std::string &bytes) {
     wanted_ = count;
-    Time windowEnd = steady_clock::now() + limits_.stall;
+    const milliseconds stall = request_.stall.count() > 0 ? request_.stall : limits_.stall;
+    Time windowEnd = steady_clock::now() + stall;
     std::size_t windowFrom = received_;
     while (ready() < count && ending_ == Ending::Running) {
         if (std::exchange(paused_, false))
             curl_.easyPause(easy_, CURLPAUSE_CONT);
         if (received_ - windowFrom >= leastInStall) {
             windowFrom = received_;
-            windowEnd = steady_clock::now() + limits_.stall;
+            windowEnd = steady_clock::now() + stall;
         }
         step(std::min(until_, windowEnd));
     }

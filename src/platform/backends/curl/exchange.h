@@ -22,10 +22,11 @@ struct Request {
     std::string body;  // sent with POST always, with other verbs unless empty
     std::string user;  // empty sends no credentials
     std::string password;
-    std::vector<std::string> headers; // "Name: value"; "Name:" keeps one from being sent
-    bool oldProtocol = false;         // HTTP/1.0
-    bool undoGzip = false;            // asks for it, too
-    std::size_t mostBytes = 0;        // of the body; more fails the exchange; 0 is no limit
+    std::vector<std::string> headers;   // "Name: value"; "Name:" keeps one from being sent
+    bool oldProtocol = false;           // HTTP/1.0
+    bool undoGzip = false;              // asks for it, too
+    std::size_t mostBytes = 0;          // of the body; more fails the exchange; 0 is no limit
+    std::chrono::milliseconds stall{0}; // of the body, where it has a limit of its own
 };
 
 // How an exchange stands.
@@ -60,6 +61,8 @@ public:
 
     Ending ending() const noexcept { return ending_; }
     const HeaderBlock &header() const noexcept { return header_; }
+    // No connection to the address that was asked for came about.
+    bool unreached() const noexcept { return !connected_ && ending_ != Ending::Running; }
     // Why it failed, in the library's words.
     std::string failure() const;
 
@@ -72,7 +75,9 @@ private:
 
     static std::size_t onHeader(char *bytes, std::size_t size, std::size_t count, void *self);
     static std::size_t onBody(char *bytes, std::size_t size, std::size_t count, void *self);
-    static int onConnected(void *self, char *, char *, int, int);
+    static int onConnected(void *self, char *peer, char *, int, int);
+    // Whether the next request of the exchange may go to this peer.
+    bool mayGoTo(std::string_view peer);
 
     const CurlLibrary &curl_;
     InternetLimits limits_;
@@ -88,6 +93,8 @@ private:
     std::size_t wanted_ = 0; // by the present read
     std::size_t received_ = 0;
     bool paused_ = false;
+    bool connected_ = false;
+    bool beganOutside_ = false;     // the first peer was another machine
     Time until_ = Time::max();      // of the whole exchange
     Time stageUntil_ = Time::max(); // of the connection, then of the header
     CURLcode result_ = CURLE_OK;
