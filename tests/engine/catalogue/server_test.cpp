@@ -102,9 +102,12 @@ TEST_F(CatalogueServer, AnswersAnOldRequestWithLengthAndTypeInAShortHeaderAndNoC
 
 TEST_F(CatalogueServer, SendsWholeFiles) {
     const std::string target = (music_ / "downloaded").string();
-    EXPECT_EQ(internet_->URLDownloadToFileA(url(songPath()), fromUtf8(target), platform::programFile), 0);
+    EXPECT_EQ(
+        internet_->URLDownloadToFileA(url(songPath()), fromUtf8(target), platform::programFile), 0);
     EXPECT_EQ(std::filesystem::file_size(target), 4298U);
-    EXPECT_NE(internet_->URLDownloadToFileA(url(u"/song/none.mp3"), fromUtf8(target), platform::programFile), 0);
+    EXPECT_NE(internet_->URLDownloadToFileA(url(u"/song/none.mp3"), fromUtf8(target),
+                                            platform::programFile),
+              0);
 }
 
 TEST_F(CatalogueServer, AnswersSearches) {
