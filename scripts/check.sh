@@ -35,6 +35,7 @@ program            base forms contracts
 linux              base contracts text
 registry           base contracts text linux
 curl               base contracts text linux
+bus                base contracts text linux
 media              base contracts
 picture            base contracts media
 sound/readers      base

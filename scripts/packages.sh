@@ -2,11 +2,11 @@
 # Sourced by ./run, ./test and bench/run behind scripts/build.sh.
 
 packages_run="libqt6widgets6 qt6-qpa-plugins qt6-translations-l10n libpulse0 libmpg123-0
- libsndfile1 libfluidsynth3 libmpv2 libcurl4 libsqlite3-0 libxcb-shape0 timgm6mb-soundfont fonts-liberation fonts-noto-cjk xdg-utils
+ libsndfile1 libfluidsynth3 libmpv2 libcurl4 libsystemd0 libsqlite3-0 libxcb-shape0 timgm6mb-soundfont fonts-liberation fonts-noto-cjk xdg-utils
  ca-certificates libmicrohttpd12 libtag1v5"
 
 packages_build="g++ cmake ninja-build ccache mold pkg-config qt6-base-dev libmpv-dev libfluidsynth-dev
- libpulse-dev libmpg123-dev libsndfile1-dev libcurl4-openssl-dev libsqlite3-dev libxcb1-dev
+ libpulse-dev libmpg123-dev libsndfile1-dev libcurl4-openssl-dev libsqlite3-dev libsystemd-dev libxcb1-dev
  libxcb-shape0-dev libmicrohttpd-dev libtag1-dev"
 
 # A screen, a window manager and a sound server for machines that have none.

@@ -2,6 +2,7 @@
 
 #include "playback/Main.h"
 #include "base/run_time_error.h"
+#include "platform/backends/bus/desktop_bus.h"
 #include "platform/backends/curl/curl_internet.h"
 #include "platform/backends/linux/home_folders.h"
 #include "platform/backends/linux/linux.h"
@@ -17,8 +18,10 @@
 
 #include <chrono>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -76,8 +79,13 @@ int play() {
         {}, calls);
     const auto dialogs = platform::makeQtDialogs(*windows, *ansi, calls);
 
-    Velmora program({*ansi, *clock, *dialogs, *files, *folders, *internet, media, *processes,
-                     *profiles, registry, *shell, *versions, *waitableTimers, *waveOut, *windows});
+    platform::DesktopBus desktop(homes, [&windows](int descriptor, std::function<void()> ready) {
+        return windows->watch(descriptor, std::move(ready));
+    });
+
+    Velmora program({*ansi, *clock, *dialogs, *files, *folders, desktop.inhibitor(), *internet,
+                     media, *processes, *profiles, registry, desktop.remote(), *shell, *versions,
+                     *waitableTimers, *waveOut, *windows});
     running = &program;
     // The session's end is the close button.
     windows->onSessionEnd = [&program] { program.Main().closeButton_Click(); };

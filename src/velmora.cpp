@@ -15,6 +15,7 @@
 #include "playback/check_SoundDriver_Form.h"
 #include "playback/miniForm.h"
 #include "playback/player.h"
+#include "playback/remoteControl.h"
 #include "playback/startLoad_Form.h"
 #include "playlist/Search.h"
 #include "playlist/another_PlayInfo_Form.h"
@@ -63,8 +64,9 @@ struct Velmora::Modules {
     explicit Modules(Velmora &app)
         : copyFile_(app), formSet_(app), Language_(app), Language_Set_(app),
           lrc_Internet_Search_(app), myCommondialog_(app), player_(app), playerInfo_(app),
-          Procedure_Description_(app), saveOrOpenFile_(app), Search_(app), setControl_(app),
-          skinSet_(app), song_Internet_Search_(app), system_SpecialFolder_(app), update_(app) {}
+          Procedure_Description_(app), remoteControl_(app), saveOrOpenFile_(app), Search_(app),
+          setControl_(app), skinSet_(app), song_Internet_Search_(app), system_SpecialFolder_(app),
+          update_(app) {}
 
     velmora::copyFile copyFile_;
     velmora::formSet formSet_;
@@ -75,6 +77,7 @@ struct Velmora::Modules {
     velmora::player player_;
     velmora::playerInfo playerInfo_;
     velmora::Procedure_Description Procedure_Description_;
+    velmora::remoteControl remoteControl_;
     velmora::saveOrOpenFile saveOrOpenFile_;
     velmora::Search Search_;
     velmora::setControl setControl_;
@@ -125,6 +128,7 @@ velmora::playerInfo &Velmora::playerInfo() noexcept { return modules_->playerInf
 velmora::Procedure_Description &Velmora::Procedure_Description() noexcept {
     return modules_->Procedure_Description_;
 }
+velmora::remoteControl &Velmora::remoteControl() noexcept { return modules_->remoteControl_; }
 velmora::saveOrOpenFile &Velmora::saveOrOpenFile() noexcept { return modules_->saveOrOpenFile_; }
 velmora::Search &Velmora::Search() noexcept { return modules_->Search_; }
 velmora::setControl &Velmora::setControl() noexcept { return modules_->setControl_; }

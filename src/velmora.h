@@ -23,6 +23,7 @@ class myCommondialog;
 class player;
 class playerInfo;
 class Procedure_Description;
+class remoteControl;
 class saveOrOpenFile;
 class Search;
 class setControl;
@@ -72,6 +73,7 @@ public:
     velmora::player &player() noexcept;
     velmora::playerInfo &playerInfo() noexcept;
     velmora::Procedure_Description &Procedure_Description() noexcept;
+    velmora::remoteControl &remoteControl() noexcept;
     velmora::saveOrOpenFile &saveOrOpenFile() noexcept;
     velmora::Search &Search() noexcept;
     velmora::setControl &setControl() noexcept;

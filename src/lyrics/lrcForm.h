@@ -28,6 +28,7 @@ public:
     // --- the lyric (its lines are the rows of List1) ---------------------------------------------
     std::u16string lrcPath;
     bool hasLrc = false;
+    std::uint32_t readings = 0; // calls of startLoad
     std::u16string nowLrcLine;  // the current line, or a status text
     std::u16string lrcFullText; // all words without labels, each line ended by CR LF
     std::u16string lrcTi, lrcAr, lrcAl, lrcBy;

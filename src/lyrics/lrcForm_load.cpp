@@ -13,6 +13,7 @@
 namespace velmora {
 
 void lrcForm::startLoad(std::u16string_view path) {
+    ++readings;
     List1.clear();
     if (trim(path).empty()) {
         forgetLyric();

@@ -76,6 +76,8 @@ public:
 
     // --- bars and channel ------------------------------------------------------------------------
     void load_Played_BG_MouseUp(Twips x);
+    // The same to a time (ms).
+    void seek_To_Position(std::int32_t ms);
     void Volume_Set_BG_MouseUp(Twips x);
     void Volume_ICO_Click();
     // Switches to the channel (0, 1, 2); the images follow only when the engine took it.

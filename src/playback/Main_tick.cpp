@@ -11,6 +11,7 @@
 #include "playback/MenuForm.h"
 #include "playback/display.h"
 #include "playback/player.h"
+#include "playback/remoteControl.h"
 #include "playlist/playList_Form.h"
 #include "ui/formSet.h"
 #include "ui/marquee.h"
@@ -49,8 +50,10 @@ StateControls Main::stateControls() {
 
 // Every failure is passed over; what follows it runs.
 void Main::tick() {
-    passOver([this] {
-        if (app_.player().get_Length() == 0) {
+    std::int32_t length = 0;
+    passOver([&] {
+        length = app_.player().get_Length();
+        if (length == 0) {
             stop_Sub();
         } else {
             showLyricLine(app_, lrc_Text, lrcBox.width(), shownLine_);
@@ -58,6 +61,7 @@ void Main::tick() {
     });
     passOver([this] { showState(app_, stateControls()); });
     keepScrollBars();
+    passOver([&] { app_.remoteControl().tick(length); });
 }
 
 void Main::keepScrollBars() {

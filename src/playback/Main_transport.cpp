@@ -158,6 +158,10 @@ void Main::load_Played_BG_MouseUp(Twips x) {
     seekByRelease(app_, {PlayerWindow::Main, *this, load_Played_BG, playInfo_Show, nameBox}, x);
 }
 
+void Main::seek_To_Position(std::int32_t ms) {
+    seekToTime(app_, {PlayerWindow::Main, *this, load_Played_BG, playInfo_Show, nameBox}, ms);
+}
+
 void Main::Volume_Set_BG_MouseUp(Twips x) { setVolumeByRelease(app_, PlayerWindow::Main, x); }
 
 void Main::Volume_ICO_Click() { mute(app_); }

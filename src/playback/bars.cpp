@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace velmora {
 
@@ -34,23 +35,31 @@ std::array<VolumeBar, 3> volumeBars(Velmora &app) {
              {PlayerWindow::VideoScreen_Form, video.Volume_Set_BG, video.Volume_Set}}};
 }
 
-} // namespace
-
-void seekByRelease(Velmora &app, const SeekControls &controls, Twips x) {
-    if (x >= controls.load_Played_BG.width()) {
-        return;
-    }
+template <typename Seek> void seekShown(Velmora &app, const SeekControls &controls, Seek &&seek) {
     controls.load_Played_BG.setMousePointer(forms::pointerHourglass);
     controls.form.setMousePointer(forms::pointerHourglass);
     controls.playInfo_Show.setCaption(app.Language().msg_Seeking);
     centreLabel(controls.playInfo_Show, controls.nameBox.width());
     const player::Medium medium = app.player().medium();
-    app.player().seek_ByBar(controls.window, std::max(x, 0.0F));
+    std::forward<Seek>(seek)();
     if (app.lrcForm().hasLrc && !app.player().isGone(medium)) {
         app.lrcForm().nowLrcLine = app.lrcForm().lrcWaitText;
     }
     controls.load_Played_BG.setMousePointer(forms::pointerCustom);
     controls.form.setMousePointer(forms::pointerDefault);
+}
+
+} // namespace
+
+void seekByRelease(Velmora &app, const SeekControls &controls, Twips x) {
+    if (x < controls.load_Played_BG.width()) {
+        seekShown(app, controls,
+                  [&] { app.player().seek_ByBar(controls.window, std::max(x, 0.0F)); });
+    }
+}
+
+void seekToTime(Velmora &app, const SeekControls &controls, std::int32_t ms) {
+    seekShown(app, controls, [&] { app.player().seek_To(ms); });
 }
 
 void setVolumeByRelease(Velmora &app, PlayerWindow window, Twips x) {
@@ -68,6 +77,12 @@ void setVolumeByRelease(Velmora &app, PlayerWindow window, Twips x) {
             bar.fill.setWidth(own.fill.width() / whole * bar.background.width());
         }
     }
+}
+
+void setVolumeByShare(Velmora &app, double share) {
+    const Twips whole = app.Main().Volume_Set_BG.width();
+    const auto wanted = static_cast<Twips>(std::clamp(share, 0.0, 1.0) * whole);
+    setVolumeByRelease(app, PlayerWindow::Main, std::min(wanted, whole - deadEnd));
 }
 
 void mute(Velmora &app) {

@@ -28,6 +28,12 @@ void seekByRelease(Velmora &app, const SeekControls &controls, Twips x);
 // other two windows follow in proportion.
 void setVolumeByRelease(Velmora &app, PlayerWindow window, Twips x);
 
+// The same with the seek bar of Main, to a time (ms) that somebody else has named.
+void seekToTime(Velmora &app, const SeekControls &controls, std::int32_t ms);
+
+// Sets the volume to a share (0 to 1) of Main's bar, as far as a release on it could.
+void setVolumeByShare(Velmora &app, double share);
+
 // Silence, and all three fills empty. No level is kept.
 void mute(Velmora &app);
 

@@ -44,7 +44,7 @@ void showStopped(Velmora &app, const StateControls &controls, forms::Label &lrc_
     lrc_Text.setCaption(u"");
     controls.playInfo_Show.setCaption(app.Language().msg_Welcome);
     centreLabel(controls.playInfo_Show, controls.nameBox.width());
-    controls.play_Time.setCaption(u"00:00:00 - 00:00:00");
+    controls.play_Time.setCaption(stoppedTime);
     controls.load_Played.setWidth(emptyBarWidth);
     controls.playButton.setVisible(true);
     controls.pauseButton.setVisible(false);

@@ -5,6 +5,8 @@
 #include "platform/forms/controls.h"
 #include "playback/player.h"
 
+#include <string_view>
+
 namespace velmora {
 
 class Velmora;
@@ -19,6 +21,9 @@ struct StateControls {
     forms::Control &nameBox;
     forms::Control &load_Played;
 };
+
+// What the time says in the stopped look, and never while a medium is in use that lasts a second.
+inline constexpr std::u16string_view stoppedTime = u"00:00:00 - 00:00:00";
 
 // Asks for the state and shows it. Asking may start the next track; any answer but "playing" is
 // asked for a second time, and one that is then neither paused nor idle brings the stopped look.

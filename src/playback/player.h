@@ -73,12 +73,16 @@ public:
     // Whether it was closed since, and its file is not the one that is open by now. The engine is
     // asked only where something was closed.
     bool isGone(const Medium &medium);
+    // How often a medium, or none, was closed.
+    std::uint32_t closings() const { return closings_; }
 
     // --- playing
     // ---------------------------------------------------------------------------------- Plays from
     // the present position with a fade-in to the volume that Main's bar shows, handling events
     // meanwhile; then puts the channel back. With nothing open: stop_Sub of Main, result 0.
     std::int16_t play_Sub();
+    // Whether it is at work now, with events handled in it.
+    bool isStarting() const { return starting_ > 0; }
     std::int16_t pause_Sub();
     std::int16_t seek_To(std::int32_t ms);
     // Picks and starts a track; see the directions above.
@@ -91,7 +95,8 @@ public:
     std::int32_t get_PlayStatus();
 
     // --- times -----------------------------------------------------------------------------------
-    std::int32_t get_Length();         // 0 with nothing open
+    std::int32_t get_Length(); // 0 with nothing open
+    std::int32_t position();
     std::u16string get_LengthText();   // HH:MM:SS
     std::u16string get_PositionText(); // HH:MM:SS
     // mm:ss below ten minutes. From ten minutes on the text grows with each call (up to 32,767
@@ -143,11 +148,11 @@ private:
     // Sends a command that expects no answer; whether the engine took it.
     bool send(std::u16string_view command);
     std::u16string ask(std::u16string_view command, int returnSize);
-    std::int32_t position();
 
     Velmora &app_;
     Random random_;
     std::uint32_t closings_ = 0; // of a medium, or of none
+    int starting_ = 0;           // calls of play_Sub, one inside another
 };
 
 } // namespace velmora

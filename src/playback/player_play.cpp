@@ -10,6 +10,7 @@
 #include "platform/contracts/windows.h"
 #include "playback/Main.h"
 #include "playback/VideoScreen_Form.h"
+#include "playback/remoteControl.h"
 #include "playlist/Search.h"
 #include "playlist/playList_Form.h"
 #include "settings/setControl.h"
@@ -43,6 +44,17 @@ std::int16_t randomIndex(double rnd, std::int16_t rows) {
     return static_cast<std::int16_t>(std::floor(rnd * (rows - 1)) + 1);
 }
 
+class Starting {
+public:
+    explicit Starting(int &count) : count_(count) { ++count_; }
+    ~Starting() { --count_; }
+    Starting(const Starting &) = delete;
+    Starting &operator=(const Starting &) = delete;
+
+private:
+    int &count_;
+};
+
 } // namespace
 
 std::int16_t player::set_Volume(std::int32_t level) {
@@ -74,12 +86,14 @@ std::int16_t player::seek_To(std::int32_t ms) {
     if (!send(u"seek NOWMUSIC to " + decimal(ms))) {
         return 0;
     }
+    app_.remoteControl().seeked(ms);
     play_Sub();
     return done;
 }
 
 std::int16_t player::play_Sub() {
     std::int16_t result = 0;
+    const Starting starting(starting_);
     passOver([&] {
         set_Volume(0);
         send(u"play NOWMUSIC");

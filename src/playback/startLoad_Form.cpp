@@ -14,6 +14,7 @@
 #include "playback/MenuForm.h"
 #include "playback/check_SoundDriver_Form.h"
 #include "playback/player.h"
+#include "playback/remoteControl.h"
 #include "playlist/playerInfo.h"
 #include "playlist/saveOrOpenFile.h"
 #include "settings/Language.h"
@@ -71,6 +72,7 @@ void startLoad_Form::startLoad() {
     initialise();
     say(u"检测程序启动数...");
     checkInstances();
+    app_.remoteControl().start();
     passOver([this] { clearLeftovers(); });
     passOver([this] { prepareTray(); });
     say(u"检测系统声卡...");
@@ -141,6 +143,7 @@ void startLoad_Form::checkInstances() {
         return;
     }
     if (alreadyRunning()) {
+        app_.platform().remote.raiseOther();
         app_.platform().windows.MsgBox(
             app_.Language().msg_Already_Running, platform::MsgBoxButtons::Ok,
             platform::MsgBoxIcon::Exclamation, app_.Main().title.caption());

@@ -63,6 +63,8 @@ public:
     void addDir_Click();
     // Files and folders dropped on the list at a height.
     void filesDropped(const std::vector<std::u16string> &paths, Twips y);
+    // Files and folders from outside: as if dropped, but behind the last row.
+    void filesOpened(const std::vector<std::u16string> &paths);
 
     // --- removing --------------------------------------------------------------------------
     void delIndx_Click();
@@ -115,7 +117,8 @@ private:
     void addFilesOf(const std::u16string &folder, bool passing,
                     std::optional<RunTimeError> &pending);
     void addDroppedFolder(const std::u16string &folder);
-    void dropOne(const std::u16string &path, Twips y);
+    void takeDropped(const std::vector<std::u16string> &paths, std::optional<Twips> y);
+    void dropOne(const std::u16string &path, std::optional<Twips> y);
     bool isFolderChoice(std::u16string_view folder) const;
 
     // The paths of the selected rows, or of all, in the order of the list.

@@ -228,6 +228,14 @@ void playList_Form::append(const std::u16string &path) {
 }
 
 void playList_Form::filesDropped(const std::vector<std::u16string> &paths, Twips y) {
+    takeDropped(paths, y);
+}
+
+void playList_Form::filesOpened(const std::vector<std::u16string> &paths) {
+    takeDropped(paths, std::nullopt);
+}
+
+void playList_Form::takeDropped(const std::vector<std::u16string> &paths, std::optional<Twips> y) {
     const ListWork still(app_);
     const auto error = trapped([&] {
         controlEnabled(false);
@@ -247,7 +255,7 @@ void playList_Form::filesDropped(const std::vector<std::u16string> &paths, Twips
 }
 
 // Each file asks anew for the row under the drop, so several go in one before the other.
-void playList_Form::dropOne(const std::u16string &path, Twips y) {
+void playList_Form::dropOne(const std::u16string &path, std::optional<Twips> y) {
     platform::FileSystem &files = app_.platform().files;
     // The exact file comes ahead of a folder whose name differs from it in case alone.
     const std::u16string file = app_.saveOrOpenFile().fileOnDisk(path);
@@ -264,7 +272,11 @@ void playList_Form::dropOne(const std::u16string &path, Twips y) {
     }
     const std::u16string stem = app_.player().getFileStem(path);
     if (!app_.Search().isInPlayList(path)) {
-        const std::int32_t row = rowAtPoint(0, y);
+        if (!y) {
+            append(path);
+            return;
+        }
+        const std::int32_t row = rowAtPoint(0, *y);
         playList_Item.addItem(stem, row);
         List1.addItem(path, row);
     } else if (!stem.empty()) {

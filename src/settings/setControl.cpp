@@ -239,6 +239,13 @@ void setControl::writePlaySet() {
     closeKey();
 }
 
+void setControl::save_PlayMode() {
+    passOver([&] { openKey(keys::playSet); });
+    passOver([&] { writeText(u"PlayMode", decimal(PlayMode), 2); });
+    passOver([&] { flushKey(); });
+    passOver([&] { closeKey(); });
+}
+
 void setControl::sync_PlaySet() {
     passOver([&] { openKey(keys::playSet); });
     passOver([&] { flushKey(); });

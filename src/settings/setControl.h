@@ -69,6 +69,8 @@ public:
     // Waits until all that was saved is on the disk: once for all that an Apply stores, so that a
     // power cut takes the last one at most.
     void sync_PlaySet();
+    // Writes the play mode from memory; a failure is passed over.
+    void save_PlayMode();
     // Deletes the user's settings; true when the key went.
     bool delete_PlaySet();
 

@@ -184,10 +184,10 @@ std::int32_t formSet::tray_WndProc(platform::HWND window, std::uint32_t message,
         if (message != trayMessage) {
             result = app_.platform().windows.CallWindowProcA(old_WndProc, window, message, wParam,
                                                              lParam);
+        } else if (lParam == leftButtonUp) {
+            show_Player();
         } else if (app_.startLoad_Form().visible()) {
             return; // The start is still running.
-        } else if (lParam == leftButtonUp) {
-            trayClicked();
         } else if (lParam == rightButtonUp) {
             app_.MenuForm().open_Menu(app_.MenuForm());
         }
@@ -195,7 +195,10 @@ std::int32_t formSet::tray_WndProc(platform::HWND window, std::uint32_t message,
     return result;
 }
 
-void formSet::trayClicked() {
+void formSet::show_Player() {
+    if (app_.startLoad_Form().visible()) {
+        return; // The start is still running.
+    }
     velmora::Main &main = app_.Main();
     if (main.windowState() == forms::WindowState::Minimised) {
         main.setWindowState(forms::WindowState::Normal);

@@ -63,6 +63,10 @@ public:
     std::int32_t tray_WndProc(platform::HWND window, std::uint32_t message, std::int32_t wParam,
                               std::int32_t lParam);
 
+    // Brings the player to the front, out of the mini window and the task bar. Not before the end
+    // of the start.
+    void show_Player();
+
     // --- settings and keys -----------------------------------------------------------------------
     // Fills the settings window from the stored settings and shows it.
     void open_PlaySet();
@@ -75,7 +79,6 @@ private:
     // How far the window manager keeps a form from where it was placed.
     PointTwips held_Off(const forms::Form &form);
     struct Key;
-    void trayClicked();
 
     Velmora &app_;
 };

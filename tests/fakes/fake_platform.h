@@ -10,6 +10,7 @@
 #include "tests/fakes/fake_media.h"
 #include "tests/fakes/fake_profiles.h"
 #include "tests/fakes/fake_registry.h"
+#include "tests/fakes/fake_remote.h"
 #include "tests/fakes/fake_system.h"
 #include "tests/fakes/fake_windows.h"
 
@@ -21,11 +22,13 @@ struct FakePlatform {
     FakeDialogs dialogs;
     FakeFiles files{ansi};
     FakeFolders folders;
+    FakeInhibitor inhibitor;
     FakeInternet internet{ansi, files};
     FakeMedia media;
     FakeProcesses processes;
     FakeProfiles profiles{ansi, files};
     FakeRegistry registry{ansi};
+    FakeRemote remote;
     FakeShell shell{&files};
     FakeVersionRecords versions{ansi};
     FakeWaitableTimers waitableTimers{clock};
@@ -33,8 +36,9 @@ struct FakePlatform {
     FakeWindows windows{clock};
 
     platform::Platform bundle() {
-        return {ansi,     clock,    dialogs, files,    folders,        internet, media,  processes,
-                profiles, registry, shell,   versions, waitableTimers, waveOut,  windows};
+        return {ansi,     clock,    dialogs,        files,    folders,  inhibitor,
+                internet, media,    processes,      profiles, registry, remote,
+                shell,    versions, waitableTimers, waveOut,  windows};
     }
 };
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include <exception>
 #include <gtest/gtest.h>
 
@@ -322,7 +323,9 @@ platform::MsgBoxResult FakeWindows::MsgBox(std::u16string_view text,
     EXPECT_EQ(scripted.box.buttons, shownBox.buttons);
     EXPECT_EQ(scripted.box.icon, shownBox.icon);
     if (scripted.meanwhile) {
+        const bool before = std::exchange(modal, true);
         scripted.meanwhile();
+        modal = before;
     }
     return scripted.answer;
 }

@@ -95,6 +95,7 @@ public:
     bool workAreaFails = false;
     bool trayFails = false;
     bool cursorFails = false;
+    bool modal = false; // a box that was expected is up, or a test says so
 
     // --- what was asked --------------------------------------------------------------------------
     int pumps = 0;
@@ -158,6 +159,7 @@ public:
     bool GetCursorPos(PointPixels &position) override;
     platform::MsgBoxResult MsgBox(std::u16string_view text, platform::MsgBoxButtons buttons,
                                   platform::MsgBoxIcon icon, std::u16string_view title) override;
+    bool isModal() override { return modal; }
     void PopupMenu(forms::Form &owner, forms::Menu &menu) override;
     bool Shell_NotifyIconA(std::uint32_t operation, const platform::NotifyIconData &data) override;
     void setAppTitle(std::u16string_view title) override { appTitles.emplace_back(title); }

@@ -14,11 +14,13 @@ struct Instead {
     platform::Dialogs *dialogs = nullptr;
     platform::FileSystem *files = nullptr;
     platform::Folders *folders = nullptr;
+    platform::Inhibitor *inhibitor = nullptr;
     platform::Internet *internet = nullptr;
     platform::MediaControl *media = nullptr;
     platform::Processes *processes = nullptr;
     platform::Profiles *profiles = nullptr;
     platform::Registry *registry = nullptr;
+    platform::Remote *remote = nullptr;
     platform::Shell *shell = nullptr;
     platform::VersionRecords *versions = nullptr;
     platform::WaitableTimers *waitableTimers = nullptr;
@@ -35,11 +37,13 @@ inline platform::Platform with(const platform::Platform &all, const Instead &ins
             .dialogs = pick(instead.dialogs, all.dialogs),
             .files = pick(instead.files, all.files),
             .folders = pick(instead.folders, all.folders),
+            .inhibitor = pick(instead.inhibitor, all.inhibitor),
             .internet = pick(instead.internet, all.internet),
             .media = pick(instead.media, all.media),
             .processes = pick(instead.processes, all.processes),
             .profiles = pick(instead.profiles, all.profiles),
             .registry = pick(instead.registry, all.registry),
+            .remote = pick(instead.remote, all.remote),
             .shell = pick(instead.shell, all.shell),
             .versions = pick(instead.versions, all.versions),
             .waitableTimers = pick(instead.waitableTimers, all.waitableTimers),

@@ -98,6 +98,8 @@ public:
     // Application-modal; timers go on. The first button is the default. Yes/No cannot be escaped.
     virtual MsgBoxResult MsgBox(std::u16string_view text, MsgBoxButtons buttons, MsgBoxIcon icon,
                                 std::u16string_view title) = 0;
+    // Whether a box or dialog is up, so that no window takes input.
+    virtual bool isModal() = 0;
     virtual void PopupMenu(forms::Form &owner, forms::Menu &menu) = 0;
 
     // --- desktop ---------------------------------------------------------------------------------

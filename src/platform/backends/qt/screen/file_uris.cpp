@@ -1,88 +1,17 @@
 #include "platform/backends/qt/screen/file_uris.h"
 
+#include "text/file_uris.h"
+
 #include <unistd.h>
 
 #include <climits>
-#include <optional>
 
 namespace velmora::platform::qt {
 
-namespace {
-
-int hexValue(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
-}
-
-std::optional<std::string> unescaped(std::string_view text) {
-    std::string bytes;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '%' || i + 2 >= text.size() || hexValue(text[i + 1]) < 0 ||
-            hexValue(text[i + 2]) < 0) {
-            bytes.push_back(text[i]);
-            continue;
-        }
-        bytes.push_back(static_cast<char>(hexValue(text[i + 1]) * 16 + hexValue(text[i + 2])));
-        i += 2;
-    }
-    if (bytes.find('\0') != std::string::npos)
-        return std::nullopt;
-    return bytes;
-}
-
-bool isThisHost(std::string_view host) {
-    if (host.empty() || host == "localhost")
-        return true;
-    char name[HOST_NAME_MAX + 1] = {};
-    return gethostname(name, HOST_NAME_MAX) == 0 && host == name;
-}
-
-bool startsWithScheme(std::string_view line) {
-    constexpr std::string_view scheme = "file:";
-    if (line.size() < scheme.size())
-        return false;
-    for (std::size_t i = 0; i < scheme.size(); ++i)
-        if ((line[i] | 0x20) != scheme[i] && line[i] != scheme[i])
-            return false;
-    return true;
-}
-
-std::optional<std::string> localPath(std::string_view line) {
-    if (!startsWithScheme(line))
-        return std::nullopt;
-    line.remove_prefix(5);
-    if (line.substr(0, 2) == "//") {
-        line.remove_prefix(2);
-        const std::size_t slash = line.find('/');
-        if (slash == std::string_view::npos || !isThisHost(line.substr(0, slash)))
-            return std::nullopt;
-        line.remove_prefix(slash);
-    }
-    if (line.empty() || line.front() != '/')
-        return std::nullopt;
-    // Some file managers end a folder's address with a slash; a path has none, but for the root's.
-    while (line.size() > 1 && line.back() == '/')
-        line.remove_suffix(1);
-    return unescaped(line);
-}
-
-} // namespace
-
 std::vector<std::string> localPaths(std::string_view uriList) {
-    std::vector<std::string> paths;
-    while (!uriList.empty()) {
-        const std::size_t end = uriList.find_first_of("\r\n");
-        std::string_view line = uriList.substr(0, end);
-        uriList.remove_prefix(end == std::string_view::npos ? uriList.size() : end + 1);
-        if (auto path = localPath(line))
-            paths.push_back(std::move(*path));
-    }
-    return paths;
+    char host[HOST_NAME_MAX + 1] = {};
+    gethostname(host, HOST_NAME_MAX);
+    return platform::localPaths(uriList, host);
 }
 
 } // namespace velmora::platform::qt

@@ -19,6 +19,7 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QSocketNotifier>
 
 #include <cstring>
 
@@ -124,6 +125,28 @@ int QtWindowSystem::run() { return parts_->hub.loop.run(); }
 void QtWindowSystem::quit(int status) { parts_->hub.loop.quit(status); }
 
 double QtWindowSystem::pixelScale() const { return qGuiApp->devicePixelRatio(); }
+
+std::function<void(bool)> QtWindowSystem::watch(int descriptor, std::function<void()> ready) {
+    // A watch may end inside its own call, so the notifiers go when that is over.
+    const auto make = [&](QSocketNotifier::Type type) {
+        std::shared_ptr<QSocketNotifier> notifier(new QSocketNotifier(descriptor, type),
+                                                  [](QSocketNotifier *gone) {
+                                                      gone->setEnabled(false);
+                                                      gone->disconnect();
+                                                      gone->deleteLater();
+                                                  });
+        notifier->setEnabled(type == QSocketNotifier::Read);
+        QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(),
+                         [loop = &parts_->hub.loop, ready] {
+                             const auto work = ready;
+                             const qt::Loop::Handler handler(*loop);
+                             work();
+                         });
+        return notifier;
+    };
+    return [reading = make(QSocketNotifier::Read),
+            writing = make(QSocketNotifier::Write)](bool wanted) { writing->setEnabled(wanted); };
+}
 
 void QtWindowSystem::beforeNestedLoop() { parts_->hub.loop.arm(); }
 
@@ -306,6 +329,8 @@ MsgBoxResult QtWindowSystem::MsgBox(std::u16string_view text, MsgBoxButtons butt
                                     MsgBoxIcon icon, std::u16string_view title) {
     return qt::showMessageBox(parts_->hub, qt::toShown(text), buttons, icon, qt::toShown(title));
 }
+
+bool QtWindowSystem::isModal() { return QApplication::activeModalWidget() != nullptr; }
 
 void QtWindowSystem::PopupMenu(forms::Form & /*owner*/, forms::Menu &menu) {
     qt::showPopupMenu(parts_->hub, menu);

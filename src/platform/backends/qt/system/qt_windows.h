@@ -45,6 +45,10 @@ public:
     // Device pixels to a logical one, on the densest screen: the toolkit counts alike on all.
     double pixelScale() const;
 
+    // Calls `ready` from the loop whenever the descriptor can be read, and while what comes back
+    // was last called with true, when it can be written to. The watch ends with what comes back.
+    std::function<void(bool writing)> watch(int descriptor, std::function<void()> ready);
+
     // Keeps timers running through a dialog of the toolkit: to be called ahead of its loop.
     void beforeNestedLoop();
 
@@ -81,6 +85,7 @@ public:
 
     MsgBoxResult MsgBox(std::u16string_view text, MsgBoxButtons buttons, MsgBoxIcon icon,
                         std::u16string_view title) override;
+    bool isModal() override;
     void PopupMenu(forms::Form &owner, forms::Menu &menu) override;
 
     bool Shell_NotifyIconA(std::uint32_t operation, const NotifyIconData &data) override;

@@ -1,0 +1,91 @@
+#include "platform/backends/bus/desktop_bus.h"
+
+#include "platform/backends/bus/application.h"
+#include "platform/backends/bus/connection.h"
+#include "platform/backends/bus/inhibition.h"
+#include "platform/backends/bus/media_player.h"
+#include "platform/backends/bus/names.h"
+
+#include <utility>
+
+namespace velmora::platform {
+
+struct DesktopBus::Parts final : Remote, Inhibitor {
+    Parts(const HomeFolders &homes, WatchDescriptor watch)
+        : ofConfiguration(bus::nameOfConfiguration(homes.programConfig())),
+          connection(std::move(watch)), media(connection), application(connection),
+          names(connection, ofConfiguration), suspend(connection, bus::Inhibition::Of::Suspend),
+          idle(connection, bus::Inhibition::Of::Idle) {
+        connection.onOpened = [this] { opened(); };
+        connection.onLost = [this] {
+            suspend.lost();
+            idle.lost();
+        };
+    }
+
+    void opened() {
+        if (!started)
+            return;
+        media.attach();
+        application.attach();
+        names.request();
+        suspend.opened();
+        idle.opened();
+    }
+
+    void start(RemoteControlled &player) override {
+        media.setControlled(player);
+        application.setControlled(player);
+        started = true;
+        if (connection.isOpen())
+            opened();
+        else
+            connection.open();
+    }
+
+    // A bus that came late or came back is found when there is something to tell.
+    void publish(const NowPlaying &now) noexcept override {
+        connection.open();
+        media.publish(now, {});
+    }
+
+    void seeked(std::int32_t ms) noexcept override { media.seeked(ms); }
+
+    void raiseOther() noexcept override {
+        if (!connection.open())
+            return;
+        const bus::BusLibrary &library = connection.library();
+        connection.call(
+            {ofConfiguration.c_str(), bus::applicationPath, bus::applicationInterface, "Activate"},
+            [&library](sd_bus_message *message) {
+                library.setAutoStart(message, 0);
+                return library.append(message, "a{sv}", 0);
+            },
+            [](sd_bus_message *, bool) {});
+    }
+
+    void keep(const Awake &awake) noexcept override {
+        connection.open();
+        suspend.want(awake.sound);
+        idle.want(awake.picture);
+    }
+
+    const std::string ofConfiguration;
+    bool started = false;
+    bus::Connection connection;
+    bus::MediaPlayer media;
+    bus::Application application;
+    bus::Names names;
+    bus::Inhibition suspend;
+    bus::Inhibition idle;
+};
+
+DesktopBus::DesktopBus(const HomeFolders &homes, WatchDescriptor watch)
+    : parts_(std::make_unique<Parts>(homes, std::move(watch))) {}
+
+DesktopBus::~DesktopBus() = default;
+
+Remote &DesktopBus::remote() { return *parts_; }
+Inhibitor &DesktopBus::inhibitor() { return *parts_; }
+
+} // namespace velmora::platform

@@ -1,0 +1,35 @@
+#pragma once
+
+// The rest of the desktop, over the session bus: media keys and everything else that speaks MPRIS,
+// files that are opened from elsewhere, and keeping the machine awake.
+
+#include "platform/backends/linux/home_folders.h"
+#include "platform/contracts/inhibitor.h"
+#include "platform/contracts/remote.h"
+
+#include <functional>
+#include <memory>
+
+namespace velmora::platform {
+
+// Calls `ready` from the loop whenever the descriptor can be read, and while it is asked for, when
+// it can be written to. What comes back asks for that; the watch ends with it.
+using WatchDescriptor =
+    std::function<std::function<void(bool writing)>(int descriptor, std::function<void()> ready)>;
+
+class DesktopBus {
+public:
+    DesktopBus(const HomeFolders &homes, WatchDescriptor watch);
+    ~DesktopBus();
+    DesktopBus(const DesktopBus &) = delete;
+    DesktopBus &operator=(const DesktopBus &) = delete;
+
+    Remote &remote();
+    Inhibitor &inhibitor();
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
+};
+
+} // namespace velmora::platform

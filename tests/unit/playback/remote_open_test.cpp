@@ -1,0 +1,116 @@
+// Files that come from outside.
+
+#include "tests/unit/playback/remote_fixture.h"
+
+namespace velmora {
+namespace {
+
+class RemoteOpen : public RemoteFixture {
+protected:
+    Texts list() {
+        Texts all;
+        for (std::int32_t row = 0; row < app.playList_Form().List1.listCount(); ++row) {
+            all.push_back(app.playList_Form().List1.list(row));
+        }
+        return all;
+    }
+};
+
+TEST_F(RemoteOpen, OneFileGoesTheWayOfTheOpenButton) {
+    addTrack(u"/x/new.mp3");
+    player().open({u"/x/new.mp3"}, false);
+    EXPECT_EQ(list(), (Texts{u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/x/new.mp3"}));
+    EXPECT_EQ(media.openPath(), u"/x/new.mp3");
+    EXPECT_EQ(media.mode(), u"playing");
+    EXPECT_TRUE(files.hasFile(u"/lists/zkPlayList.m3u"));
+    EXPECT_TRUE(main().enabled());
+    EXPECT_TRUE(app.playList_Form().enabled());
+}
+
+TEST_F(RemoteOpen, AFileThatIsListedIsPlayedToo) {
+    play();
+    player().open({u"/m/c.mp3"}, false);
+    EXPECT_EQ(media.openPath(), u"/m/c.mp3");
+    EXPECT_EQ(app.player().nowPlay_Index, 3);
+    EXPECT_EQ(rows(), 3);
+}
+
+TEST_F(RemoteOpen, OfSeveralTheFirstIsPlayedAndAllAreBehindTheList) {
+    addTrack(u"/x/1.mp3");
+    addTrack(u"/x/2.mp3");
+    player().open({u"/x/2.mp3", u"/x/1.mp3", u"/m/b.mp3"}, false);
+    EXPECT_EQ(list(), (Texts{u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/x/2.mp3", u"/x/1.mp3"}));
+    EXPECT_EQ(media.openPath(), u"/x/2.mp3");
+}
+
+TEST_F(RemoteOpen, EnqueueOnlyAdds) {
+    play();
+    addTrack(u"/x/1.mp3");
+    player().open({u"/x/1.mp3"}, true);
+    EXPECT_EQ(rows(), 4);
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+    EXPECT_EQ(media.count(u"close NOWMUSIC"), 0U);
+}
+
+TEST_F(RemoteOpen, AFolderGivesItsTracksAndTheFirstOfThemIsPlayed) {
+    files.addFolder(u"/x");
+    addTrack(u"/x/1.mp3");
+    addTrack(u"/x/2.mp3");
+    files.addFile(u"/x/notes.txt");
+    player().open({u"/x"}, false);
+    EXPECT_EQ(rows(), 5);
+    EXPECT_EQ(media.openPath(), u"/x/1.mp3");
+}
+
+TEST_F(RemoteOpen, WhatIsNotThereChangesNothing) {
+    play();
+    player().open({u"/gone.mp3"}, false);
+    EXPECT_EQ(rows(), 3);
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+    EXPECT_EQ(media.count(u"close NOWMUSIC"), 0U);
+}
+
+TEST_F(RemoteOpen, ItWaitsWhileMainIsDisabled) {
+    addTrack(u"/x/new.mp3");
+    main().setEnabled(false);
+    player().open({u"/x/new.mp3"}, false);
+    tickMain();
+    EXPECT_EQ(rows(), 3);
+    main().setEnabled(true);
+    windows.advance(1000);
+    EXPECT_EQ(media.openPath(), u"/x/new.mp3");
+}
+
+TEST_F(RemoteOpen, ItWaitsForTheEndOfTheStart) {
+    addTrack(u"/x/new.mp3");
+    main().Timer1.setRunning(false);
+    player().open({u"/x/new.mp3"}, false);
+    EXPECT_EQ(rows(), 3);
+    main().Timer1.setRunning(true);
+    windows.advance(1000);
+    EXPECT_EQ(media.openPath(), u"/x/new.mp3");
+}
+
+TEST_F(RemoteOpen, ItWaitsForABoxToBeAnswered) {
+    addTrack(u"/x/new.mp3");
+    windows.modal = true;
+    player().open({u"/x/new.mp3"}, false);
+    windows.advance(1000);
+    EXPECT_EQ(rows(), 3);
+    windows.modal = false;
+    windows.advance(1000);
+    EXPECT_EQ(media.openPath(), u"/x/new.mp3");
+}
+
+TEST_F(RemoteOpen, NoMoreWaitsThanAListHolds) {
+    main().setEnabled(false);
+    const std::vector<std::u16string> many(40'000, u"/gone.mp3");
+    player().open(many, true);
+    player().open(many, true);
+    main().setEnabled(true);
+    windows.advance(100);
+    EXPECT_EQ(rows(), 3);
+}
+
+} // namespace
+} // namespace velmora
