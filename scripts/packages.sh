@@ -15,7 +15,7 @@ packages_headless="xvfb openbox xdotool xclip x11-utils x11-xserver-utils imagem
 
 packages_test="git libgtest-dev libgmock-dev clang clang-format clang-tidy libclang-rt-14-dev picom wmctrl
  trayer xsettingsd dbus at-spi2-core locales sox libsox-fmt-all ffmpeg lame flac python3 procps zlib1g-dev openssl
- strace dosfstools exfat-fuse exfatprogs bindfs desktop-file-utils appstream man-db"
+ playerctl libglib2.0-bin python3-dbusmock strace dosfstools exfat-fuse exfatprogs bindfs desktop-file-utils appstream man-db"
 
 packages_bench="libbenchmark-dev"
 

@@ -142,8 +142,8 @@ class Session:
         if not wait_for(lambda: "null1" in quiet("pactl", "list", "short", "sinks", env=self.env)):
             raise RuntimeError("no sound server")
 
-    def start_words(self):
-        """A bus on which programs started from now on tell what their windows say."""
+    def start_bus(self):
+        """A bus of this session's own, for the programs started from now on."""
         reading, writing = os.pipe()
         self.spawn(["dbus-daemon", "--session", "--nofork", f"--print-address={writing}"],
                    pass_fds=[writing])
@@ -152,7 +152,13 @@ class Session:
             address = told.readline().strip()
         if not address:
             raise RuntimeError("no bus")
-        self.env.update(DBUS_SESSION_BUS_ADDRESS=address, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+        self.env["DBUS_SESSION_BUS_ADDRESS"] = address
+        return self.children[-1]
+
+    def start_words(self):
+        """A bus on which programs started from now on tell what their windows say."""
+        self.start_bus()
+        self.env["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
 
     def spawn(self, command, **options):
         child = subprocess.Popen([*BOUND, *command], env=self.env, stdout=subprocess.DEVNULL,

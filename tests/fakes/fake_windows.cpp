@@ -7,9 +7,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 #include <exception>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace velmora::fakes {
 
