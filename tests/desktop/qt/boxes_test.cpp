@@ -11,6 +11,10 @@
 #include <QFontInfo>
 #include <QListView>
 #include <QMenu>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QToolTip>
 
 namespace velmora::tests {
@@ -112,6 +116,40 @@ TEST_F(MessageBoxTest, AForcedCloseCountsAsNo) {
     });
     EXPECT_EQ(desk().windows->MsgBox(u"Really?", MsgBoxButtons::YesNo, MsgBoxIcon::Question, u"V"),
               MsgBoxResult::No);
+}
+
+// The buttons would lie below the screen, and the first of them still be the one that Enter
+// presses.
+TEST_F(MessageBoxTest, ATextHigherThanTheScreenScrollsAboveItsButtons) {
+    std::u16string text;
+    for (int line = 0; line < 900; ++line)
+        text += u"What is new\r\n";
+    QRect box;
+    QRect button;
+    int down = 0;
+    int up = -1;
+    Meanwhile meanwhile(boxIsUp, [&] {
+        QWidget *shown = QApplication::activeModalWidget();
+        box = shown->frameGeometry();
+        const auto buttons = shown->findChildren<QPushButton *>();
+        button = QRect(buttons.front()->mapToGlobal(QPoint()), buttons.front()->size());
+        auto *area = shown->findChild<QScrollArea *>();
+        ASSERT_NE(area, nullptr);
+        QObject::connect(area->verticalScrollBar(), &QScrollBar::valueChanged, [&](int value) {
+            down = std::max(down, value);
+            up = value;
+        });
+        for (const char *key : {"Next", "Next", "Prior", "Prior"})
+            press(key);
+        press("n");
+    });
+    EXPECT_EQ(desk().windows->MsgBox(text, MsgBoxButtons::YesNo, MsgBoxIcon::None, u"V"),
+              MsgBoxResult::No);
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    EXPECT_TRUE(screen.contains(box)) << box.top() << " to " << box.bottom();
+    EXPECT_TRUE(box.contains(button));
+    EXPECT_GT(down, 0);
+    EXPECT_EQ(up, 0);
 }
 
 TEST_F(MessageBoxTest, NoOtherWindowTakesInputAndTimersGoOn) {

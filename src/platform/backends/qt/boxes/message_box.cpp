@@ -2,6 +2,7 @@
 
 #include "platform/backends/qt/boxes/dark_dialog.h"
 #include "platform/backends/qt/paint/look.h"
+#include "platform/backends/qt/screen/screens.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -10,6 +11,8 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -21,6 +24,7 @@ namespace {
 
 constexpr int iconSize = 36;
 constexpr int widestText = 460;
+constexpr int roomForTheRest = 140; // of a box: its title, its buttons and what lies between
 
 // The words of the system's own boxes, in the system's language.
 QString buttonText(MsgBoxResult result) {
@@ -112,7 +116,7 @@ public:
             words->setWordWrap(true);
             words->setFixedWidth(widestText);
         }
-        row->addWidget(words, 1);
+        row->addWidget(fitted(words), 1);
         body()->addLayout(row);
         auto *keys = new QHBoxLayout;
         keys->setSpacing(8);
@@ -140,6 +144,8 @@ protected:
                 reject();
             return;
         }
+        if (scrolls(event->key()))
+            return;
         if (event->key() == Qt::Key_Y && has(MsgBoxResult::Yes))
             answer(MsgBoxResult::Yes);
         else if (event->key() == Qt::Key_N && has(MsgBoxResult::No))
@@ -149,6 +155,42 @@ protected:
     }
 
 private:
+    // A text higher than the screen scrolls inside the box: its buttons stay in view.
+    QWidget *fitted(QLabel *words) {
+        const int room = screens::freeOfPanels().height() - roomForTheRest;
+        const int high =
+            words->wordWrap() ? words->heightForWidth(widestText) : words->sizeHint().height();
+        if (high <= room)
+            return words;
+        words->setFixedHeight(high);
+        words->setAttribute(Qt::WA_TranslucentBackground);
+        scroll_ = new QScrollArea;
+        scroll_->setFrameShape(QFrame::NoFrame);
+        scroll_->setFocusPolicy(Qt::NoFocus);
+        scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        scroll_->viewport()->setAutoFillBackground(false);
+        scroll_->setWidget(words);
+        scroll_->setFixedSize(
+            words->sizeHint().width() + scroll_->verticalScrollBar()->sizeHint().width(), room);
+        return scroll_;
+    }
+
+    bool scrolls(int key) {
+        if (scroll_ == nullptr)
+            return false;
+        QScrollBar &bar = *scroll_->verticalScrollBar();
+        switch (key) {
+        case Qt::Key_PageUp:
+            bar.triggerAction(QAbstractSlider::SliderPageStepSub);
+            return true;
+        case Qt::Key_PageDown:
+            bar.triggerAction(QAbstractSlider::SliderPageStepAdd);
+            return true;
+        default:
+            return false;
+        }
+    }
+
     bool has(MsgBoxResult result) const {
         return std::find(results_.begin(), results_.end(), result) != results_.end();
     }
@@ -160,6 +202,7 @@ private:
 
     std::vector<MsgBoxResult> results_;
     MsgBoxResult result_;
+    QScrollArea *scroll_ = nullptr; // where the text does not fit
 };
 
 } // namespace
