@@ -14,13 +14,16 @@ import unittest
 
 CMAKE, BUILD, SOURCE, VERSION = sys.argv[1:5]
 ID = "example.norvane.velmora"
-PROGRAMS = ("velmora", "velmora-catalogue", "velmora-registry")
+PROGRAMS = ("velmora", "velmora-catalogue", "velmora-open", "velmora-registry")
 SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
 EXPECTED = {
     *(f"bin/{name}" for name in PROGRAMS),
     *(f"share/man/man1/{name}.1" for name in PROGRAMS),
     "share/man/man5/catalogue.ini.5",
     f"share/applications/{ID}.desktop",
+    f"share/dbus-1/services/{ID}.service",
+    "share/bash-completion/completions/velmora-open",
+    "share/zsh/site-functions/_velmora-open",
     f"share/metainfo/{ID}.metainfo.xml",
     f"share/icons/hicolor/scalable/apps/{ID}.svg",
     f"share/icons/hicolor/symbolic/apps/{ID}-symbolic.svg",
@@ -81,7 +84,8 @@ class Installed(unittest.TestCase):
 
     def test_a_wrong_option_is_named_with_status_2(self):
         for name in PROGRAMS[1:]:
-            for words in (["--nonsense"], ["-z"], []):
+            # Without a word the player is brought to the front.
+            for words in (["--nonsense"], ["-z"], *([] if name == "velmora-open" else [[]])):
                 done = run(self.at(f"bin/{name}"), *words)
                 self.assertEqual(done.returncode, 2, done.stdout)
                 self.assertTrue(done.stdout.startswith((name, self.at(f"bin/{name}"))), done.stdout)

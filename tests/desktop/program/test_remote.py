@@ -6,9 +6,11 @@
 
 import os
 import re
+import shutil
 import signal
 import subprocess
 import sys
+import tempfile
 import unittest
 
 from player import PROGRAM, PlayerTest, Player, stairs
@@ -55,7 +57,9 @@ TOLD = {
 }
 
 
-class Remote(PlayerTest):
+class BusTest(PlayerTest):
+    """A player with three tracks, and a bus."""
+
     def setUp(self):
         super().setUp()
         self.bus = self.session.start_bus()
@@ -87,6 +91,8 @@ class Remote(PlayerTest):
         self.assertTrue(wait_for(lambda: NAME in self.names(), 20), "the player is not on the bus")
         return player, main
 
+
+class Remote(BusTest):
     def test_every_member_is_there_with_the_types_of_the_convention(self):
         self.start_there()
         for interface, members in TOLD.items():
@@ -136,8 +142,8 @@ class Remote(PlayerTest):
         with open(log, "wb") as out:
             watching = subprocess.Popen(
                 ["dbus-monitor", "--session", f"type='signal',path='{PATH}'"],
-                env=self.session.env, stdout=out, stderr=subprocess.DEVNULL)
-        self.addCleanup(self.session.stop, watching)
+                env=self.session.env, stdout=out, stderr=subprocess.DEVNULL, start_new_session=True)
+        self.session.children.append(watching)
 
         def signals():
             with open(log, encoding="utf-8", errors="replace") as file:
@@ -260,6 +266,85 @@ class Remote(PlayerTest):
         self.ask("busctl", "--user", "call", NAME, PATH, ROOT, "Quit")
         self.assertTrue(player.ended(20))
         self.assertEqual(player.child.returncode, 0)
+
+
+class Opened(BusTest):
+    """The command line, with the player started by the bus where none runs."""
+
+    OPEN = os.path.join(os.path.dirname(os.path.abspath(PROGRAM)), "../tools/open/velmora-open")
+
+    def setUp(self):
+        services = tempfile.mkdtemp(prefix="velmora-services-")
+        self.addCleanup(shutil.rmtree, services)
+        os.makedirs(services + "/dbus-1/services")
+        with open(f"{services}/dbus-1/services/{ID}.service", "w", encoding="utf-8") as file:
+            file.write(f"[D-BUS Service]\nName={ID}\nExec={os.path.abspath(PROGRAM)}\n")
+        self.services = services
+        super().setUp()
+
+    def start_bus_with_services(self):
+        self.session.env["XDG_DATA_DIRS"] = self.services
+        self.bus = self.session.start_bus()
+
+    def open(self, *words):
+        return self.ask(self.OPEN, *words)
+
+    def end_it(self):
+        self.open("--quit")
+
+    def test_a_file_starts_the_player_and_is_played(self):
+        self.start_bus_with_services()
+        self.addCleanup(self.end_it)
+        done = self.open(self.tracks[1])
+        self.assertEqual((done.returncode, done.stdout), (0, ""))
+        self.assertTrue(wait_for(lambda: "two 100%" in self.open("--status").stdout, 30))
+        self.assertTrue(wait_for(lambda: self.open("--status").stdout.startswith("Playing"), 30))
+
+    def test_it_steers_and_says_what_plays(self):
+        self.start_there()
+        self.assertEqual(self.open("--next").returncode, 0)
+        self.assertTrue(wait_for(lambda: re.match(r"Playing\none\n0:\d\d / 1:00\n",
+                                                  self.open("--status").stdout), 20))
+        self.open("--pause")
+        self.assertTrue(wait_for(lambda: self.open("--status").stdout.startswith("Paused"), 20))
+        self.open("--seek", "0:40")
+        self.assertTrue(wait_for(lambda: re.search(r"\n0:4\d", self.open("--status").stdout), 20))
+        self.open("--volume", "50")
+        self.assertTrue(wait_for(lambda: abs(float(self.control("volume")) - 0.5) < 0.02, 20))
+        more = self.music + "/more.wav"
+        shutil.copy(self.tracks[0], more)
+        self.assertEqual(self.open("--enqueue", more).returncode, 0)
+        self.assertTrue(wait_for(lambda: more in self.list_lines(), 20))
+        self.assertIn("one", self.open("--status").stdout)
+
+    def test_each_line_of_the_lyric_comes_in_its_time(self):
+        with open(self.tracks[0].replace(".wav", ".lrc"), "w", encoding="utf-8") as file:
+            file.write("[00:01.00]first\n[00:03.00]second\n")
+        self.start_there()
+        log = self.session.home + "/lines"
+        with open(log, "wb") as out:
+            child = subprocess.Popen([self.OPEN, "--lyrics"], env=self.session.env, stdout=out,
+                                     start_new_session=True)
+        self.session.children.append(child)
+        self.open("--next")
+
+        def lines():
+            with open(log, encoding="utf-8") as file:
+                return file.read().split("\n")
+        self.assertTrue(wait_for(lambda: "second" in lines(), 30), str(lines()))
+        self.assertEqual([line for line in lines() if line], ["first", "second"])
+        self.open("--quit")
+        self.assertTrue(wait_for(lambda: child.poll() == 0, 20))
+
+    def test_what_cannot_be_reached_is_one_line_and_status_1(self):
+        for words in (["--pause"], ["--status"], [self.tracks[0]]):
+            done = self.open(*words)
+            self.assertEqual((done.returncode, done.stdout.count("\n")), (1, 1), done.stdout)
+        done = self.open("/gone.mp3")
+        self.assertEqual((done.returncode, done.stdout.count("\n")), (1, 1), done.stdout)
+        self.session.env["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nowhere"
+        done = self.open("--play")
+        self.assertEqual((done.returncode, done.stdout.count("\n")), (1, 1), done.stdout)
 
 
 class Awake(PlayerTest):

@@ -27,13 +27,13 @@ bool BusLibrary::findAll(void *library) {
            find(library, "sd_bus_add_match_async", addMatchAsync) &&
            find(library, "sd_bus_emit_properties_changed_strv", emitPropertiesChanged) &&
            find(library, "sd_bus_emit_signal", emitSignal) &&
-           find(library, "sd_bus_call_async", callAsync) && find(library, "sd_bus_send", send) &&
+           find(library, "sd_bus_call_async", callAsync) && find(library, "sd_bus_call", call) &&
+           find(library, "sd_bus_wait", wait) && find(library, "sd_bus_error_free", errorFree) &&
            find(library, "sd_bus_slot_unref", slotUnref) &&
            find(library, "sd_bus_reply_method_return", replyReturn) &&
            find(library, "sd_bus_error_set", errorSet) &&
            find(library, "sd_bus_message_new_method_call", newMethodCall) &&
            find(library, "sd_bus_message_set_auto_start", setAutoStart) &&
-           find(library, "sd_bus_message_set_expect_reply", setExpectReply) &&
            find(library, "sd_bus_message_unref", messageUnref) &&
            find(library, "sd_bus_message_is_method_error", isMethodError) &&
            find(library, "sd_bus_message_append", append) &&

@@ -28,13 +28,14 @@ struct BusLibrary {
     decltype(sd_bus_emit_properties_changed_strv) *emitPropertiesChanged = nullptr;
     decltype(sd_bus_emit_signal) *emitSignal = nullptr;
     decltype(sd_bus_call_async) *callAsync = nullptr;
-    decltype(sd_bus_send) *send = nullptr;
+    decltype(sd_bus_call) *call = nullptr;
+    decltype(sd_bus_wait) *wait = nullptr;
+    decltype(sd_bus_error_free) *errorFree = nullptr;
     decltype(sd_bus_slot_unref) *slotUnref = nullptr;
     decltype(sd_bus_reply_method_return) *replyReturn = nullptr;
     decltype(sd_bus_error_set) *errorSet = nullptr;
     decltype(sd_bus_message_new_method_call) *newMethodCall = nullptr;
     decltype(sd_bus_message_set_auto_start) *setAutoStart = nullptr;
-    decltype(sd_bus_message_set_expect_reply) *setExpectReply = nullptr;
     decltype(sd_bus_message_unref) *messageUnref = nullptr;
     decltype(sd_bus_message_is_method_error) *isMethodError = nullptr;
     decltype(sd_bus_message_append) *append = nullptr;

@@ -2,6 +2,7 @@
 
 // The object of MPRIS 2: what a shell's media card, its keys and other programs see and ask.
 
+#include "platform/backends/bus/application_id.h"
 #include "platform/backends/bus/connection.h"
 #include "platform/backends/bus/object_table.h"
 #include "platform/contracts/remote.h"
@@ -9,8 +10,6 @@
 #include <string>
 
 namespace velmora::platform::bus {
-
-inline constexpr const char *applicationId = "example.norvane.velmora";
 
 class MediaPlayer {
 public:
