@@ -109,6 +109,8 @@ class Remote(BusTest):
             self.assertEqual(found, members)
 
     def test_a_key_plays_pauses_and_steps(self):
+        with open(self.music + "/Cover.jpg", "wb") as picture:
+            picture.write(b"picture")
         self.start_there()
         self.control("next")
         self.assert_comes("Playing", "status")
@@ -122,6 +124,7 @@ class Remote(BusTest):
         self.assertEqual(self.control("metadata", "xesam:url"),
                          "file://" + self.tracks[1].replace("%", "%25").replace(" ", "%20"))
         self.assertEqual(self.control("metadata", "mpris:length"), "60000000")
+        self.assertEqual(self.control("metadata", "mpris:artUrl"), f"file://{self.music}/Cover.jpg")
         self.control("position", "30")
         self.assertTrue(wait_for(lambda: float(self.control("position")) >= 30, 20))
         self.control("volume", "0.5")

@@ -2,9 +2,11 @@
 
 #include "platform/backends/bus/application.h"
 #include "platform/backends/bus/connection.h"
+#include "platform/backends/bus/cover.h"
 #include "platform/backends/bus/inhibition.h"
 #include "platform/backends/bus/media_player.h"
 #include "platform/backends/bus/names.h"
+#include "text/path_text.h"
 
 #include <utility>
 
@@ -46,7 +48,12 @@ struct DesktopBus::Parts final : Remote, Inhibitor {
     // A bus that came late or came back is found when there is something to tell.
     void publish(const NowPlaying &now) noexcept override {
         connection.open();
-        media.publish(now, {});
+        // Looked for once a track, and only for somebody.
+        if (connection.isOpen() && now.track != coverOf) {
+            coverOf = now.track;
+            cover = bus::coverBeside(pathBytes(now.path));
+        }
+        media.publish(now, cover);
     }
 
     void seeked(std::int32_t ms) noexcept override { media.seeked(ms); }
@@ -72,6 +79,8 @@ struct DesktopBus::Parts final : Remote, Inhibitor {
 
     const std::string ofConfiguration;
     bool started = false;
+    std::uint32_t coverOf = 0; // the track whose cover is known
+    std::string cover;
     bus::Connection connection;
     bus::MediaPlayer media;
     bus::Application application;

@@ -1,0 +1,14 @@
+#pragma once
+
+// The picture that lies beside a track.
+
+#include <string>
+
+namespace velmora::platform::bus {
+
+// The address of a picture named cover, folder or front in the folder of a track (the path's
+// bytes), in this order and whatever the case; empty where there is none, and where the disk does
+// not answer soon.
+std::string coverBeside(const std::string &track);
+
+} // namespace velmora::platform::bus
