@@ -67,12 +67,18 @@ bool Desk::pump(const std::function<bool()> &condition, int limitMs) {
 bool Desk::settle() {
     constexpr int limitMs = 30000;
     XTurn turn(session.display());
-    bool taken = turn.managerTook(limitMs);
-    for (int sign = 0; taken && sign < 2; ++sign) {
-        turn.ask(static_cast<xcb_window_t>(own_->winId()));
-        taken = pump([&] { return turn.answered(); }, limitMs);
+    if (!turn.managerTook(limitMs)) {
+        ADD_FAILURE() << "the window manager is silent";
+        return false;
     }
-    return taken;
+    for (int sign = 0; sign < 2; ++sign) {
+        turn.ask(static_cast<xcb_window_t>(own_->winId()));
+        if (!pump([&] { return turn.answered(); }, limitMs)) {
+            ADD_FAILURE() << "the program is silent";
+            return false;
+        }
+    }
+    return true;
 }
 
 void Desk::pumpFor(int ms) {
@@ -83,7 +89,7 @@ void Desk::tool(const std::vector<std::string> &words) {
     std::vector<std::string> command = {"xdotool"};
     command.insert(command.end(), words.begin(), words.end());
     session.run(command);
-    EXPECT_TRUE(settle()) << "neither the window manager nor the program takes in what is sent";
+    settle();
     pumpFor(15);
 }
 
