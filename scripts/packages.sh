@@ -17,6 +17,10 @@ packages_test="git libgtest-dev libgmock-dev clang clang-format clang-tidy libcl
  trayer xsettingsd dbus at-spi2-core locales sox libsox-fmt-all ffmpeg lame flac python3 procps zlib1g-dev openssl
  playerctl libglib2.0-bin python3-dbusmock strace dosfstools exfat-fuse exfatprogs bindfs desktop-file-utils appstream man-db"
 
+# Desktops that the walk of tests/desktops runs on: those of every run, and the others.
+packages_desktop="xfwm4 sway xwayland"
+packages_desktops="icewm i3-wm mutter kwin-x11"
+
 packages_bench="libbenchmark-dev"
 
 # What packages are built with.

@@ -1,0 +1,251 @@
+#!/usr/bin/env python3
+"""One walk through the program, the same on every desktop, and a table of what came of it.
+
+    walk.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL DESKTOP...
+
+Writes desktops.md and a picture of each desktop into the folder that VELMORA_ARTIFACTS names. Fails where a cell of the
+table is wrong; a known limit has its reason in LIMITS.
+"""
+
+import os
+import subprocess
+import sys
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+DESKTOPS = sys.argv[5:]
+sys.path[:0] = [HERE, os.path.join(HERE, "..", "desktop", "program")]
+from desks import DESKS  # noqa: E402
+import session  # noqa: E402
+from player import LIST, MAIN, MINI, Player, stairs  # noqa: E402
+from session import quiet, rest, wait_for  # noqa: E402
+
+SKIPPED = 77
+STRIP = int(MINI["form"][3])
+HAND = {"mousemove", "mousemove_relative", "mousedown", "mouseup", "click", "key"}
+PLACED = "the compositor keeps floating windows where it puts them, whatever place they ask for"
+UNMINIMISED = "nothing is minimised there: the window stays"
+EDGES = {"left": (-700, 0), "right": (700, 0), "upper": (0, -420), "lower": (0, 420)}
+LIMITS = {
+    ("sway", "the list opens beside the main window"): PLACED,
+    **{("sway", f"both dragged beyond the {edge} edge and back"): PLACED for edge in EDGES},
+    ("sway", "the list, minimised by another program, comes back by its button"): UNMINIMISED,
+    ("sway", "minimise and back"): UNMINIMISED,
+    ("sway", "after that, mini mode and back"): UNMINIMISED,
+    ("i3", "the list, minimised by another program, comes back by its button"): UNMINIMISED,
+    ("i3", "minimise and back"): UNMINIMISED,
+    ("i3", "after that, mini mode and back"): UNMINIMISED,
+}
+
+
+class Walker(Player):
+    """The hand is where the desktop's person has it."""
+
+    def tool(self, *words):
+        if words[0] not in HAND:
+            return super().tool(*words)
+        return self.session.hand(*words)
+
+
+def need(found, what):
+    if not found:
+        raise AssertionError(what)
+    return found
+
+
+class Walk:
+    def __init__(self, desk):
+        self.desk = desk
+        music = desk.home + "/music"
+        os.makedirs(music)
+        stairs(music + "/track.wav", 30, step=0)
+        self.player = self.main = self.list = None
+
+    def haul(self, by, steps=12):
+        for _ in range(steps):
+            self.player.tool("mousemove_relative", "--", round(by[0] / steps), round(by[1] / steps))
+
+    def start(self):
+        self.player = Walker(self.desk)
+        self.main = need(self.player.window(), "no main window")
+        self.home = need(rest(lambda: self.player.place(self.main)), "it never comes to rest")
+
+    def open_list(self):
+        self.player.click(self.main, "playListButton")
+        self.list = need(self.player.form(LIST), "no list")
+        self.touching()
+        self.home = rest(lambda: self.player.place(self.main))
+
+    def touching(self):
+        def touch():
+            (x, y), (list_x, list_y) = self.player.place(self.main), self.player.place(self.list)
+            return (list_x, list_y) == (x + int(MAIN["form"][2]), y)
+        need(wait_for(touch, 8), f"list at {self.player.place(self.list)}, main at {self.player.place(self.main)}")
+
+    def out_and_back(self, out):
+        grip = self.player.point(self.main, 150, 12)
+        self.player.tool("mousemove", *grip)
+        self.player.tool("mousedown", 1)
+        self.haul(out)
+        for step in (1, -1) * 3:
+            rest(lambda: (self.player.place(self.main), self.player.place(self.list)), still=0.1)
+            self.player.tool("mousemove_relative", "--", step, step)
+        self.haul((-out[0], -out[1]))
+        self.player.tool("mousemove", *grip)
+        rest(lambda: self.player.place(self.main), still=0.2)
+        self.player.tool("mouseup", 1)
+        self.touching()
+        need(wait_for(lambda: self.player.place(self.main) == self.home, 5),
+             f"from {self.home} it came back to {self.player.place(self.main)}")
+
+    def is_minimised(self, window):
+        # Some compositors go on drawing what they have minimised, for their overviews.
+        return wait_for(lambda: window not in self.player.windows() or "Iconic" in quiet(
+            "xprop", "-id", window, "WM_STATE", env=self.desk.env), 3)
+
+    def is_back(self, window):
+        return wait_for(lambda: window in self.player.windows() and "Iconic" not in quiet(
+            "xprop", "-id", window, "WM_STATE", env=self.desk.env), 10)
+
+    def minimised_list(self):
+        quiet("xdotool", "windowminimize", self.list, env=self.desk.env)
+        need(self.is_minimised(self.list), "nothing minimises it")
+        for _ in range(2):
+            self.player.click(self.main, "playListButton")
+            if self.is_back(self.list):
+                break
+        need(self.is_back(self.list), "the list is lost")
+
+    def hide_list(self):
+        self.player.click(self.list, "close", form=LIST)
+        need(self.player.gone(self.list), "the list stays")
+
+    def enter_mini(self):
+        self.player.click_at(self.main, 150, 12, times=2)
+        self.strip = need(self.player.form(MINI), "no strip")
+        need(self.player.gone(self.main), "the main window stays")
+
+    def strip_hides(self):
+        self.player.tool("mousemove", 640, 600)
+        need(wait_for(lambda: self.player.place(self.strip)[1] <= -STRIP, 10), "the strip stays")
+
+    def strip_comes(self):
+        def along_the_edge():
+            # A hand does not stand still there.
+            self.player.tool("mousemove", 301, 0)
+            self.player.tool("mousemove", 300, 0)
+            return self.player.place(self.strip)[1] == 0
+        need(wait_for(along_the_edge, 10), "the strip is lost")
+        self.player.tool("mousemove", 300, 20)
+
+    def leave_mini(self):
+        self.player.click(self.strip, "mini_Button", form=MINI)
+        self.main = need(self.player.window(10), "the main window does not come back")
+
+    def minimise(self):
+        self.player.click(self.main, "minimizeButton")
+        need(self.is_minimised(self.main), "nothing is minimised")
+        quiet("xdotool", "windowactivate", self.main, env=self.desk.env)
+        need(self.is_back(self.main), "it stays minimised")
+
+    def mini_after_minimise(self):
+        self.minimise()
+        self.mini_and_back()
+        need(self.is_back(self.main), "it comes up minimised")
+
+    def mini_and_back(self):
+        self.player.click(self.main, "mini_Button")
+        self.strip = need(self.player.form(MINI), "no strip")
+        self.strip_comes()
+        self.leave_mini()
+
+    def menu(self):
+        self.player.click_at(self.main, 5, 150, button=3)
+        need(self.player.menus(), "no menu")
+        self.player.tool("key", "Escape")
+        need(wait_for(lambda: not self.player.menus(1, 0.1), 5), "the menu stays")
+
+    def second_start(self):
+        second = Walker(self.desk)
+        box = need(wait_for(second.boxes, 15), "no word of the first")[0]
+        self.desk.key("Return", box)
+        need(second.ended(), "the second one stays")
+        need(self.player.window(5), "the first one is gone")
+
+    def end(self):
+        self.player.click(self.main, "closeButton")
+        need(self.player.ended(), "it does not end")
+        need(self.player.child.returncode == 0, "it does not end in order")
+
+    def rows(self):
+        yield "start", self.start
+        yield "the list opens beside the main window", self.open_list
+        for name, out in EDGES.items():
+            yield f"both dragged beyond the {name} edge and back", lambda out=out: self.out_and_back(out)
+        yield "the list, minimised by another program, comes back by its button", self.minimised_list
+        yield "the list hides", self.hide_list
+        yield "a double click on the title brings the strip", self.enter_mini
+        yield "the strip slides out of sight", self.strip_hides
+        yield "the upper edge brings it back", self.strip_comes
+        yield "its button brings the main window", self.leave_mini
+        yield "minimise and back", self.minimise
+        yield "after that, mini mode and back", self.mini_after_minimise
+        yield "the menu opens and closes", self.menu
+        yield "a second start says so and leaves the first", self.second_start
+        yield "end", self.end
+
+
+def walk(name, artifacts):
+    """What became of each row; the walk ends where nothing is left to go on with."""
+    desk = DESKS[name]()
+    if desk.hands:
+        session.TAKEN = None  # the outer screen has no window manager to wait for
+    cells = {}
+    try:
+        steps = Walk(desk)
+        for row, step in steps.rows():
+            limit = LIMITS.get((name, row))
+            try:
+                step()
+                cells[row] = "ok"
+            except (AssertionError, AttributeError, KeyError, TypeError) as error:
+                cells[row] = f"limit: {limit}" if limit else f"**wrong**: {error}"
+            print(f"{name}: {row}: {cells[row]}", flush=True)
+            if row == "a double click on the title brings the strip" and artifacts:
+                subprocess.run(["import", "-silent", "-window", "root", f"{artifacts}/desktop-{name}.png"],
+                               env=desk.hands or desk.env, check=False)
+    finally:
+        desk.close()
+    return cells
+
+
+def table(columns):
+    rows = list(next(iter(columns.values())))
+    lines = ["| | " + " | ".join(columns) + " |", "|" + "---|" * (len(columns) + 1)]
+    for row in rows:
+        lines.append(f"| {row} | " + " | ".join(cells.get(row, "-") for cells in columns.values()) + " |")
+    return "\n".join(lines) + "\n"
+
+
+def main():
+    artifacts = os.environ.get("VELMORA_ARTIFACTS")
+    if artifacts:
+        os.makedirs(artifacts, exist_ok=True)
+    columns = {}
+    for name in DESKTOPS:
+        missing = DESKS[name].missing()
+        if missing:
+            print(f"skipped: {name} needs {', '.join(missing)}")
+            continue
+        columns[name] = walk(name, artifacts)
+    if not columns:
+        return SKIPPED
+    text = table(columns)
+    print(text)
+    if artifacts:
+        with open(f"{artifacts}/desktops-{'-'.join(columns)}.md", "w", encoding="utf-8") as file:
+            file.write(text)
+    return int(any("**wrong**" in cell for cells in columns.values() for cell in cells.values()))
+
+
+if __name__ == "__main__":
+    sys.exit(main())
