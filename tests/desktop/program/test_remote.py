@@ -264,6 +264,15 @@ class Remote(BusTest):
         with open(self.session.home + "/errors.log", encoding="utf-8") as errors:
             self.assertEqual(errors.read(), "")
 
+    def test_the_mixer_knows_the_program_by_its_id(self):
+        self.start_there()
+        self.control("next")
+
+        def streams():
+            return quiet("pactl", "list", "sink-inputs", env=self.session.env)
+        self.assertTrue(wait_for(lambda: f'application.id = "{ID}"' in streams(), 20), streams())
+        self.assertIn(f'application.icon_name = "{ID}"', streams())
+
     def test_quitting_from_outside_is_the_close_button(self):
         player, _ = self.start_there()
         self.ask("busctl", "--user", "call", NAME, PATH, ROOT, "Quit")

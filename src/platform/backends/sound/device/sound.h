@@ -16,8 +16,8 @@ namespace velmora::platform::sound {
 std::vector<std::string> defaultSoundFonts();
 
 struct SoundOptions {
-    std::string applicationName = "Velmora"; // UTF-8, shown by the desktop's mixer
-    std::string iconName = "velmora";
+    std::string applicationName = "Velmora";          // UTF-8, shown by the desktop's mixer
+    std::string iconName = "example.norvane.velmora"; // the program's ID
     // Address of the sound server; empty: the user's own, as libpulse finds it.
     std::string server = {};
     // For MIDI: the first that can be loaded. None: media of this kind fail to open.

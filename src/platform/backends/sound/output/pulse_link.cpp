@@ -72,9 +72,10 @@ void PulseLink::connect(bool mayStartServer) {
     pa_proplist *properties = table_->pa_proplist_new();
     table_->pa_proplist_sets(properties, PA_PROP_APPLICATION_NAME,
                              options_.applicationName.c_str());
+    // Desktops know the program and its icon by one name.
     if (!options_.iconName.empty())
-        table_->pa_proplist_sets(properties, PA_PROP_APPLICATION_ICON_NAME,
-                                 options_.iconName.c_str());
+        for (const char *property : {PA_PROP_APPLICATION_ICON_NAME, PA_PROP_APPLICATION_ID})
+            table_->pa_proplist_sets(properties, property, options_.iconName.c_str());
     context_ = table_->pa_context_new_with_proplist(table_->pa_mainloop_get_api(loop_),
                                                     options_.applicationName.c_str(), properties);
     table_->pa_proplist_free(properties);
