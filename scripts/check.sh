@@ -36,7 +36,7 @@ linux              base contracts text
 registry           base contracts text linux
 curl               base contracts text linux
 bus                base contracts text linux
-media              base contracts
+media              base contracts text
 picture            base contracts media
 sound/readers      base
 sound/output       base media sound/readers

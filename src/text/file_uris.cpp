@@ -1,45 +1,16 @@
 #include "text/file_uris.h"
 
+#include "base/ascii.h"
+
 #include <optional>
 
 namespace velmora::platform {
 
 namespace {
 
-int hexValue(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
-}
-
-std::optional<std::string> unescaped(std::string_view text) {
-    std::string bytes;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '%' || i + 2 >= text.size() || hexValue(text[i + 1]) < 0 ||
-            hexValue(text[i + 2]) < 0) {
-            bytes.push_back(text[i]);
-            continue;
-        }
-        bytes.push_back(static_cast<char>(hexValue(text[i + 1]) * 16 + hexValue(text[i + 2])));
-        i += 2;
-    }
-    if (bytes.find('\0') != std::string::npos)
-        return std::nullopt;
-    return bytes;
-}
-
 bool startsWithScheme(std::string_view line) {
     constexpr std::string_view scheme = "file:";
-    if (line.size() < scheme.size())
-        return false;
-    for (std::size_t i = 0; i < scheme.size(); ++i)
-        if ((line[i] | 0x20) != scheme[i] && line[i] != scheme[i])
-            return false;
-    return true;
+    return lowerAscii(line.substr(0, scheme.size())) == scheme;
 }
 
 } // namespace
@@ -63,7 +34,10 @@ std::optional<std::string> localPath(std::string_view line, std::string_view thi
     // Some file managers end a folder's address with a slash; a path has none, but for the root's.
     while (line.size() > 1 && line.back() == '/')
         line.remove_suffix(1);
-    return unescaped(line);
+    std::string path = unescaped(line);
+    if (path.find('\0') != std::string::npos)
+        return std::nullopt;
+    return path;
 }
 
 std::vector<std::string> localPaths(std::string_view uriList, std::string_view thisHost) {

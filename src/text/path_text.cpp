@@ -1,5 +1,6 @@
 #include "text/path_text.h"
 
+#include "base/ascii.h"
 #include "base/utf8.h"
 #include "text/utf8_units.h"
 
@@ -11,16 +12,6 @@ constexpr char16_t byteUnits = 0xDC00;
 
 bool isLetter(char16_t unit) noexcept {
     return (unit >= u'A' && unit <= u'Z') || (unit >= u'a' && unit <= u'z');
-}
-
-int hexValue(char unit) noexcept {
-    if (unit >= '0' && unit <= '9')
-        return unit - '0';
-    if (unit >= 'A' && unit <= 'F')
-        return unit - 'A' + 10;
-    if (unit >= 'a' && unit <= 'f')
-        return unit - 'a' + 10;
-    return -1;
 }
 
 } // namespace
@@ -95,35 +86,32 @@ std::u16string typedFolder(std::u16string_view text, std::u16string_view home) {
 }
 
 std::u16string shortPath(std::u16string_view path) {
-    constexpr char16_t digits[] = u"0123456789ABCDEF";
     std::u16string result;
-    for (const char c : pathBytes(path)) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte <= ' ' || byte >= 0x7F || byte == '"' || byte == '%') {
-            result += u'%';
-            result += digits[byte >> 4];
-            result += digits[byte & 15];
-        } else {
+    for (const char byte : pathBytes(path)) {
+        const bool plain = byte > ' ' && byte < 0x7F && byte != '"' && byte != '%';
+        if (plain)
             result += static_cast<char16_t>(byte);
-        }
+        else
+            addEscaped(result, byte);
     }
     return result;
 }
 
-std::string shortPathBytes(std::u16string_view path) {
-    const std::string bytes = pathBytes(path);
-    std::string result;
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        const bool escape = bytes[i] == '%' && i + 2 < bytes.size() &&
-                            hexValue(bytes[i + 1]) >= 0 && hexValue(bytes[i + 2]) >= 0;
-        if (escape) {
-            result += static_cast<char>(hexValue(bytes[i + 1]) << 4 | hexValue(bytes[i + 2]));
-            i += 2;
-        } else {
-            result += bytes[i];
-        }
+std::optional<std::string> decodeShortPath(std::u16string_view shortPath) {
+    std::string bytes;
+    bytes.reserve(shortPath.size());
+    for (std::size_t i = 0; i < shortPath.size(); ++i) {
+        const bool escape = shortPath[i] == u'%';
+        const int byte = escape ? escapedByte(shortPath, i) : shortPath[i];
+        // A NUL byte is in no name, however it is written.
+        if (byte <= 0 || (!escape && (byte <= ' ' || byte > '~')))
+            return std::nullopt;
+        bytes += static_cast<char>(byte);
+        i += escape ? 2 : 0;
     }
-    return result;
+    if (bytes.empty())
+        return std::nullopt;
+    return bytes;
 }
 
 } // namespace velmora::platform

@@ -2,6 +2,7 @@
 
 // Paths as texts: to and from the operating system's bytes, separators, parts.
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -26,7 +27,10 @@ std::u16string typedFolder(std::u16string_view text, std::u16string_view home);
 
 // Every blank, double quote, "%", control and non-ASCII byte as %XX.
 std::u16string shortPath(std::u16string_view path);
-// What a short path stands for; a "%" without two hexadecimal digits behind it stays.
-std::string shortPathBytes(std::u16string_view path);
+
+// The inverse: the name behind a short path. "%XX" is the byte XX, every other character must be
+// printable ASCII and stands for itself. Absent for a text that no short path can be: empty, a "%"
+// without two hexadecimal digits, a NUL byte, a character outside printable ASCII.
+std::optional<std::string> decodeShortPath(std::u16string_view shortPath);
 
 } // namespace velmora::platform

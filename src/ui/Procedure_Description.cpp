@@ -1,5 +1,6 @@
 #include "ui/Procedure_Description.h"
 
+#include "base/ascii.h"
 #include "base/numbers.h"
 #include "base/run_time_error.h"
 #include "base/text.h"
@@ -102,7 +103,7 @@ std::u16string hex4(std::uint32_t half) {
     std::u16string digits;
     for (unsigned shift = 16; shift > 0;) {
         shift -= 4;
-        digits += u"0123456789ABCDEF"[half >> shift & 0xFU];
+        digits += static_cast<char16_t>(hexDigit(half >> shift));
     }
     return digits;
 }

@@ -1,5 +1,6 @@
 #include "catalogue/catalogue.h"
 
+#include "base/ascii.h"
 #include "base/text.h"
 #include "catalogue/lyric_file.h"
 #include "catalogue/maker_files.h"
@@ -15,16 +16,6 @@ namespace {
 constexpr std::string_view pageType = "text/html; charset=gb18030";
 constexpr std::string_view textType = "text/plain; charset=utf-8";
 constexpr std::chrono::seconds refreshEvery{2};
-
-char lower(char byte) noexcept {
-    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
-}
-
-std::string lowered(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), lower);
-    return result;
-}
 
 Answer notFound() {
     return {404, std::string(textType), "There is nothing here.\r\n", std::nullopt};
@@ -47,10 +38,10 @@ bool isHostField(std::string_view host) {
 }
 
 bool isThisMachine(std::string_view host) {
-    const std::string name = lowered(host.substr(0, host.rfind(':')));
+    const std::string name = lowerAscii(host.substr(0, host.rfind(':')));
     const bool number =
         name.substr(0, 4) == "127." && name.find_first_not_of("0123456789.") == std::string::npos;
-    return number || name == "localhost" || name == "[::1]" || lowered(host) == "localhost";
+    return number || name == "localhost" || name == "[::1]" || lowerAscii(host) == "localhost";
 }
 
 // What stands between a beginning and an end; absent unless both are there.
@@ -65,13 +56,13 @@ std::optional<std::string_view> between(std::string_view text, std::string_view 
 } // namespace
 
 std::u16string searchWords(std::string_view query, std::string_view name, std::string_view end) {
-    const std::string low = lowered(query);
-    const std::string key = lowered(name) + "=";
+    const std::string low = lowerAscii(query);
+    const std::string key = lowerAscii(name) + "=";
     std::size_t at = low.substr(0, key.size()) == key ? 0 : low.find("&" + key);
     if (at == std::string::npos)
         return u"";
     at += key.size() + (at == 0 && low.substr(0, key.size()) == key ? 0 : 1);
-    const std::size_t cut = low.rfind(lowered(end));
+    const std::size_t cut = low.rfind(lowerAscii(end));
     const std::string_view words =
         query.substr(at, cut == std::string::npos || cut < at ? std::string_view::npos : cut - at);
     std::string plain(words);
@@ -103,7 +94,7 @@ Answer Catalogue::answer(std::string_view target, std::string_view host) {
                 std::nullopt};
     const std::size_t mark = std::min(target.find('?'), target.size());
     const std::string_view query = target.substr(std::min(mark + 1, target.size()));
-    return route(lowered(unescaped(target.substr(0, mark))), query, baseFor(host));
+    return route(lowerAscii(unescaped(target.substr(0, mark))), query, baseFor(host));
 }
 
 Answer Catalogue::route(const std::string &path, std::string_view query, std::u16string_view base) {
@@ -119,7 +110,7 @@ Answer Catalogue::route(const std::string &path, std::string_view query, std::u1
         return page(songPage(base, words, Library::search(library_.songs(), words)));
     }
     if (path == "/asp/lrc.asp")
-        return lyric(between(lowered(query), "id=", "").value_or(""));
+        return lyric(between(lowerAscii(query), "id=", "").value_or(""));
     if (const auto id = between(path, "/lrcdown/", ".lrc"))
         return lyric(*id);
     if (const auto name = between(path, "/song/", ""))

@@ -1,5 +1,6 @@
 #include "catalogue/library.h"
 
+#include "base/ascii.h"
 #include "base/text.h"
 #include "catalogue/lyric_file.h"
 #include "catalogue/texts.h"
@@ -40,7 +41,7 @@ std::string idOf(std::string_view path) {
     }
     std::string id;
     for (int i = 60; i >= 0; i -= 4)
-        id += "0123456789abcdef"[value >> i & 15];
+        id += lowerAscii(hexDigit(static_cast<unsigned>(value >> i)));
     return id;
 }
 
@@ -56,11 +57,7 @@ std::string formatOf(std::string_view path) {
     const std::size_t dot = nameOf(path).rfind('.');
     if (dot == std::string_view::npos)
         return "";
-    std::string format(nameOf(path).substr(dot + 1));
-    for (char &byte : format)
-        if (byte >= 'A' && byte <= 'Z')
-            byte = static_cast<char>(byte + ('a' - 'A'));
-    return format;
+    return lowerAscii(nameOf(path).substr(dot + 1));
 }
 
 void makeForms(Item &item) {

@@ -33,13 +33,6 @@ bool isOtherWord(char16_t unit) noexcept {
     return unit >= 0x2000 && !sign;
 }
 
-int hexValue(char byte) noexcept {
-    if (byte >= '0' && byte <= '9')
-        return byte - '0';
-    const char low = static_cast<char>(byte | 0x20);
-    return low >= 'a' && low <= 'f' ? low - 'a' + 10 : -1;
-}
-
 } // namespace
 
 std::u16string textOf(std::string_view bytes) {
@@ -64,22 +57,6 @@ std::string pageBytes(std::u16string_view text) {
     }
     iconv_close(converter);
     result.resize(result.size() - outLeft);
-    return result;
-}
-
-std::string unescaped(std::string_view text) {
-    std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool two = text[i] == '%' && i + 2 < text.size();
-        const int high = two ? hexValue(text[i + 1]) : -1;
-        const int low = two ? hexValue(text[i + 2]) : -1;
-        if (high >= 0 && low >= 0) {
-            result += static_cast<char>(high * 16 + low);
-            i += 2;
-        } else {
-            result += text[i];
-        }
-    }
     return result;
 }
 

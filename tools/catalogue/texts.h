@@ -14,9 +14,6 @@ std::u16string textOf(std::string_view bytes);
 // The bytes of a page. Every character has some in GB18030; half a pair becomes U+FFFD.
 std::string pageBytes(std::u16string_view text);
 
-// Undoes %XX; a "%" without two hexadecimal digits behind it stays.
-std::string unescaped(std::string_view text);
-
 // Between quotes and tags of a page. The word by which readers find links is taken apart.
 std::u16string htmlText(std::u16string_view text);
 

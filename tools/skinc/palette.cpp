@@ -1,5 +1,6 @@
 #include "palette.h"
 
+#include "base/ascii.h"
 #include "error.h"
 
 #include <algorithm>
@@ -8,22 +9,12 @@ namespace velmora::skinc {
 
 namespace {
 
-int hexDigit(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
-}
-
 bool parseHex(std::string_view digits, Argb &colour) {
     if (digits.size() != 3 && digits.size() != 6)
         return false;
     Argb value = 0;
     for (const char c : digits) {
-        const int digit = hexDigit(c);
+        const int digit = hexValue(c);
         if (digit < 0)
             return false;
         value = value * 16 + static_cast<Argb>(digit);

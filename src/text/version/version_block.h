@@ -2,6 +2,8 @@
 
 // Builds a version record in the Windows layout, at compile time or at run time.
 
+#include "base/ascii.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -103,11 +105,10 @@ constexpr void putFixedPart(VersionBlock<Capacity> &block, const VersionFields &
 
 // Language and code page as the eight digits of a string table's name.
 constexpr std::array<char16_t, 8> tableName(const VersionFields &fields) {
-    constexpr char16_t digits[] = u"0123456789ABCDEF";
     std::array<char16_t, 8> name{};
     const std::uint32_t pair = static_cast<std::uint32_t>(fields.language) << 16 | fields.codePage;
     for (unsigned i = 0; i < 8; ++i)
-        name[i] = digits[pair >> (28 - 4 * i) & 15];
+        name[i] = static_cast<char16_t>(hexDigit(pair >> (28 - 4 * i)));
     return name;
 }
 

@@ -60,7 +60,6 @@ void sendLines(const std::u16string &text) {
     while (start <= text.size()) {
         const std::size_t end = std::min(text.find(u'\n', start), text.size());
         const std::u16string_view line = std::u16string_view(text).substr(start, end - start);
-        static_cast<void>(decodeShortPath(line));
         send(media, line, size++ % 12);
         start = end + 1;
     }

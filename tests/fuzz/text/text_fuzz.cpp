@@ -30,7 +30,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const std::string bytes(reinterpret_cast<const char *>(data) + 1, size - 1);
 
     require(pathBytes(pathFromBytes(bytes)) == bytes);
-    require(shortPathBytes(shortPath(pathFromBytes(bytes))) == bytes);
+    // A name goes to the command's text and back; no name is empty or holds a NUL byte.
+    const bool name = !bytes.empty() && bytes.find('\0') == std::string::npos;
+    require(decodeShortPath(shortPath(pathFromBytes(bytes))) ==
+            (name ? std::optional(bytes) : std::nullopt));
+    // What somebody else wrote as a short path is refused or is some name, whose own is read again.
+    if (const auto other = decodeShortPath(pathFromBytes(bytes)))
+        require(decodeShortPath(shortPath(pathFromBytes(*other))) == other);
 
     const std::u16string text = ansi.decode(bytes);
     require(ansi.byteCount(text) == ansi.encode(text).size());

@@ -23,14 +23,6 @@ TEST(PageBytes, ShowHalfAPairAsAMark) {
     EXPECT_EQ(platform::LegacyPage(936).decode(pageBytes(u"a\xD83Cz")), u"a\xFFFDz");
 }
 
-TEST(Unescaped, UndoesPairsOfDigitsOnly) {
-    EXPECT_EQ(unescaped("%E4%b8%AD a%20b"), "\xE4\xB8\xAD a b");
-    EXPECT_EQ(unescaped("100%"), "100%");
-    EXPECT_EQ(unescaped("%4"), "%4");
-    EXPECT_EQ(unescaped("%zz%4x"), "%zz%4x");
-    EXPECT_EQ(unescaped("%41%"), "A%");
-}
-
 TEST(HtmlText, HoldsNoMarkupAndNoLinkWord) {
     EXPECT_EQ(htmlText(u"<a & \"b\">"), u"&lt;a &amp; &quot;b&quot;&gt;");
     EXPECT_EQ(upper(htmlText(u"a href HREF hReF=x")).find(u"HREF"), std::u16string::npos);

@@ -90,12 +90,37 @@ TEST(ShortPath, hasNoLengthLimitAndKeepsExtensionsWhole) {
 
 TEST(ShortPath, leadsBackToTheSameBytes) {
     for (const std::string &name : {"/a b%20c"s, "/\xFF\n\"%"s, "/曲 目"s, "/%zz%4"s, "/100%"s})
-        EXPECT_EQ(shortPathBytes(shortPath(pathFromBytes(name))), name);
+        EXPECT_EQ(decodeShortPath(shortPath(pathFromBytes(name))), name);
 }
 
-TEST(ShortPathBytes, leaveAPercentSignWithoutDigits) {
-    EXPECT_EQ(shortPathBytes(u"/a%zz%4"), "/a%zz%4");
-    EXPECT_EQ(shortPathBytes(u"/a%e6%9B%b2%"), "/a曲%");
+TEST(DecodeShortPath, escapesBecomeBytes) {
+    EXPECT_EQ(decodeShortPath(u"/m/My%20Song.mp3"), "/m/My Song.mp3");
+    EXPECT_EQ(decodeShortPath(u"/%E6%AD%8C.mp3"), "/\xE6\xAD\x8C.mp3");
+    EXPECT_EQ(decodeShortPath(u"/%ff%0a%7F"), "/\xFF\n\x7F");
+}
+
+TEST(DecodeShortPath, aPercentSignIsItselfEscaped) {
+    EXPECT_EQ(decodeShortPath(u"/100%25.mp3"), "/100%.mp3");
+    EXPECT_EQ(decodeShortPath(u"/a%2520b"), "/a%20b"); // decoded once, never twice
+}
+
+TEST(DecodeShortPath, otherPrintableCharactersStandForThemselves) {
+    EXPECT_EQ(decodeShortPath(u"/a'b`c\\d$(e);&*?~!"), "/a'b`c\\d$(e);&*?~!");
+}
+
+TEST(DecodeShortPath, aHangingPercentSignIsNoPath) {
+    for (const auto *text : {u"/a%", u"/a%2", u"/a%zz", u"/a%2 ", u"%", u"/a%%20"})
+        EXPECT_EQ(decodeShortPath(text), std::nullopt);
+}
+
+TEST(DecodeShortPath, aNulByteIsNoPath) { EXPECT_EQ(decodeShortPath(u"/a%00b"), std::nullopt); }
+
+TEST(DecodeShortPath, anUnescapedCharacterOutsideAsciiIsNoPath) {
+    EXPECT_EQ(decodeShortPath(u"/歌.mp3"), std::nullopt);
+    EXPECT_EQ(decodeShortPath(u"/a\nb"), std::nullopt);
+    EXPECT_EQ(decodeShortPath(u"/a b"), std::nullopt);
+    EXPECT_EQ(decodeShortPath(u"/a\u007Fb"), std::nullopt);
+    EXPECT_EQ(decodeShortPath(u""), std::nullopt);
 }
 
 } // namespace

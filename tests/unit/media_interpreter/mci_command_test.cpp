@@ -188,36 +188,6 @@ TEST(MciCommand, OtherItemsOfKnownVerbsFail) {
         EXPECT_NE(errorOf(text), MciError::None);
 }
 
-TEST(ShortPath, EscapesBecomeBytes) {
-    EXPECT_EQ(decodeShortPath(u"/m/My%20Song.mp3"), "/m/My Song.mp3");
-    EXPECT_EQ(decodeShortPath(u"/%E6%AD%8C.mp3"), "/\xE6\xAD\x8C.mp3");
-    EXPECT_EQ(decodeShortPath(u"/%ff%0a%7F"), "/\xFF\n\x7F");
-}
-
-TEST(ShortPath, APercentSignIsItselfEscaped) {
-    EXPECT_EQ(decodeShortPath(u"/100%25.mp3"), "/100%.mp3");
-    EXPECT_EQ(decodeShortPath(u"/a%2520b"), "/a%20b"); // decoded once, never twice
-}
-
-TEST(ShortPath, OtherPrintableCharactersStandForThemselves) {
-    EXPECT_EQ(decodeShortPath(u"/a'b`c\\d$(e);&*?~!"), "/a'b`c\\d$(e);&*?~!");
-}
-
-TEST(ShortPath, AHangingPercentSignIsNoPath) {
-    for (const auto *text : {u"/a%", u"/a%2", u"/a%zz", u"/a%2 ", u"%", u"/a%%20"})
-        EXPECT_EQ(decodeShortPath(text), std::nullopt);
-}
-
-TEST(ShortPath, ANulByteIsNoPath) { EXPECT_EQ(decodeShortPath(u"/a%00b"), std::nullopt); }
-
-TEST(ShortPath, AnUnescapedCharacterOutsideAsciiIsNoPath) {
-    EXPECT_EQ(decodeShortPath(u"/歌.mp3"), std::nullopt);
-    EXPECT_EQ(decodeShortPath(u"/a\nb"), std::nullopt);
-    EXPECT_EQ(decodeShortPath(u"/a b"), std::nullopt);
-    EXPECT_EQ(decodeShortPath(u"/a\u007Fb"), std::nullopt);
-    EXPECT_EQ(decodeShortPath(u""), std::nullopt);
-}
-
 TEST(DeviceType, KnownTypesComeInTheirOwnSpelling) {
     EXPECT_EQ(knownDeviceType(u"mpegvideo"), "MPEGVideo");
     EXPECT_EQ(knownDeviceType(u"MPEGVIDEO2"), "MPEGVideo2");

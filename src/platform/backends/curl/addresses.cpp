@@ -1,5 +1,7 @@
 #include "platform/backends/curl/addresses.h"
 
+#include "base/ascii.h"
+
 #include <arpa/inet.h>
 #include <netinet/in.h>
 
@@ -8,10 +10,6 @@
 namespace velmora::platform::http {
 
 namespace {
-
-char lower(char byte) noexcept {
-    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
-}
 
 bool endsWith(std::string_view text, std::string_view end) noexcept {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
@@ -23,26 +21,20 @@ std::string hostOf(std::string_view authority) {
         authority = authority.substr(1, authority.find(']') - 1);
     else if (std::count(authority.begin(), authority.end(), ':') < 2)
         authority = authority.substr(0, authority.find(':'));
-    std::string host(authority);
-    std::transform(host.begin(), host.end(), host.begin(), lower);
-    return host;
+    return lowerAscii(authority);
 }
 
 } // namespace
 
 std::string escaped(std::string_view bytes) {
-    constexpr char digits[] = "0123456789ABCDEF";
     std::string result;
     result.reserve(bytes.size());
     for (const char byte : bytes) {
-        const auto value = static_cast<unsigned char>(byte);
-        if (value <= ' ' || value >= 0x7F || byte == '"') {
-            result += '%';
-            result += digits[value >> 4];
-            result += digits[value & 15];
-        } else {
+        const bool plain = byte > ' ' && byte < 0x7F && byte != '"';
+        if (plain)
             result += byte;
-        }
+        else
+            addEscaped(result, byte);
     }
     return result;
 }
@@ -51,9 +43,7 @@ AddressParts partsOf(std::string_view address) {
     AddressParts parts;
     const std::size_t colon = address.find("://");
     if (colon != std::string_view::npos) {
-        std::string scheme(address.substr(0, colon));
-        std::transform(scheme.begin(), scheme.end(), scheme.begin(), lower);
-        parts.secure = scheme == "https";
+        parts.secure = lowerAscii(address.substr(0, colon)) == "https";
         address.remove_prefix(colon + 3);
     }
     const std::size_t end = std::min(address.find_first_of("/?#"), address.size());

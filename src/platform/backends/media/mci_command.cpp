@@ -190,16 +190,6 @@ constexpr std::array verbs{
     Verb{u"put", parsePut},
 };
 
-int hexDigit(char16_t unit) {
-    if (unit >= u'0' && unit <= u'9')
-        return unit - u'0';
-    if (unit >= u'A' && unit <= u'F')
-        return unit - u'A' + 10;
-    if (unit >= u'a' && unit <= u'f')
-        return unit - u'a' + 10;
-    return -1;
-}
-
 } // namespace
 
 MciError parseMciCommand(std::u16string_view text, MciCommand &command) {
@@ -217,30 +207,6 @@ MciError parseMciCommand(std::u16string_view text, MciCommand &command) {
                            [&] { return words.expectEnd(); });
     }
     return MciError::UnrecognizedCommand;
-}
-
-std::optional<std::string> decodeShortPath(std::u16string_view shortPath) {
-    std::string bytes;
-    bytes.reserve(shortPath.size());
-    for (std::size_t i = 0; i < shortPath.size(); ++i) {
-        if (shortPath[i] <= u' ' || shortPath[i] > u'~')
-            return std::nullopt;
-        if (shortPath[i] != u'%') {
-            bytes += static_cast<char>(shortPath[i]);
-            continue;
-        }
-        if (shortPath.size() - i < 3)
-            return std::nullopt;
-        const int high = hexDigit(shortPath[i + 1]);
-        const int low = hexDigit(shortPath[i + 2]);
-        if (high < 0 || low < 0 || (high == 0 && low == 0))
-            return std::nullopt;
-        bytes += static_cast<char>(high * 16 + low);
-        i += 2;
-    }
-    if (bytes.empty())
-        return std::nullopt;
-    return bytes;
 }
 
 std::optional<std::string> knownDeviceType(std::u16string_view type) {

@@ -57,11 +57,6 @@ struct MciCommand {
 // unspecified then. Ranges of volumes and positions are not looked at here.
 MciError parseMciCommand(std::u16string_view text, MciCommand &command);
 
-// The file name behind a short path: "%XX" is the byte XX, every other character must be printable
-// ASCII and stands for itself. Absent for a text that no short path can be: empty, a "%" without
-// two hexadecimal digits, a NUL byte, a character outside printable ASCII.
-std::optional<std::string> decodeShortPath(std::u16string_view shortPath);
-
 // The device type in its own spelling ("mpegvideo" gives "MPEGVideo"); absent for a type that no
 // device has.
 std::optional<std::string> knownDeviceType(std::u16string_view type);

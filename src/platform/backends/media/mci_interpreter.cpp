@@ -3,6 +3,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "platform/backends/media/medium_file.h"
+#include "text/path_text.h"
 
 #include <algorithm>
 #include <array>
