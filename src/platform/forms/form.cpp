@@ -277,19 +277,8 @@ void Form::controlChanged(Control &control, Change what, const RectTwips &before
     window_->controlChanged(control, what, before);
     if (what == Change::Enabled) {
         focusInside(control);
-    }
-}
-
-// A control disabled and enabled again gets back the focus that it had, and so does what is in it.
-void Form::focusInside(Control &control) {
-    if (active_ == nullptr || !active_->isLive() || !active_->isShown()) {
-        return;
-    }
-    for (const Control *inner = active_; inner != nullptr; inner = inner->container().asControl()) {
-        if (inner == &control) {
-            window_->focus(active_);
-            return;
-        }
+    } else if (what == Change::Visible && !control.visible()) {
+        focusBelow(control);
     }
 }
 

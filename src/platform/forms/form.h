@@ -161,11 +161,12 @@ public:
     bool keyPressed(std::int16_t keyCode, std::int16_t shift);
     void keyReleased(std::int16_t keyCode, std::int16_t shift);
     // Tab and Shift+Tab: to the next control that can take the focus, in the order of the design,
-    // round and round.
-    void focusNext(bool backwards);
-    // The user's click gave a toolkit widget the focus. Not for what the toolkit does by itself
-    // when a widget is disabled or hidden.
-    void focusTaken(Control *control) noexcept { active_ = control; }
+    // round and round, but for those that a panel lies over. False where there is none.
+    bool focusNext(bool backwards);
+    // Where that would be; null for nowhere.
+    Control *nextFocus(bool backwards) const;
+    // Whether a panel lies over the control, or over what holds it, and has its keys.
+    bool isCovered(const Control &control) const;
     // The window manager's wish to close this window: `unload`. Dropped while the form is disabled.
     void closeRequested();
     // The window was moved, minimised or restored from outside.
@@ -198,7 +199,8 @@ private:
     enum class PointerEvent : std::uint8_t { Down, Move, Up };
     Control *takerAt(PointTwips at) const;
     Control *keyTarget() const;
-    void focusInside(Control &control);
+    void focusInside(const Control &control);
+    void focusBelow(const Control &panel);
     void deliver(PointerEvent what, Control *target, PointTwips at, std::int16_t button,
                  std::int16_t shift);
     void hoverAt(Control *control, PointTwips at, std::int16_t shift);

@@ -2,6 +2,7 @@
 
 #include "platform/forms/dispatch.h"
 #include "platform/forms/form.h"
+#include "platform/forms/host.h"
 #include "platform/forms/user_control.h"
 
 #include <algorithm>
@@ -74,13 +75,16 @@ Control *topmostAt(const Container &container, PointTwips at) {
     return nullptr;
 }
 
+bool isPanel(const Control &control) noexcept {
+    return control.kind() == Kind::PictureBox || control.kind() == Kind::Frame;
+}
+
 // A panel above the control or above what holds it; null when the control lies free.
-Control *panelOver(Control &control) {
-    for (Control *part = &control; part != nullptr; part = part->container().asControl()) {
+Control *panelOver(const Control &control) {
+    for (const Control *part = &control; part != nullptr; part = part->container().asControl()) {
         const std::vector<Control *> &order = part->container().controls();
         for (auto it = std::find(order.begin(), order.end(), part) + 1; it != order.end(); ++it) {
-            const Kind kind = (*it)->kind();
-            if ((kind == Kind::PictureBox || kind == Kind::Frame) && (*it)->visible() &&
+            if (isPanel(**it) && (*it)->visible() &&
                 overlap((*it)->placeInForm(), control.placeInForm())) {
                 return *it;
             }
@@ -362,19 +366,51 @@ void Form::keyReleased(std::int16_t keyCode, std::int16_t shift) {
     }
 }
 
-void Form::focusNext(bool backwards) {
+bool Form::isCovered(const Control &control) const { return panelOver(control) != nullptr; }
+
+Control *Form::nextFocus(bool backwards) const {
     std::vector<Control *> order;
     collectFocusable(
         *this, [](const Control &control) { return control.takesFocus(); }, order);
     if (!enabled_ || order.empty()) {
-        return;
+        return nullptr;
     }
     if (backwards) {
         std::reverse(order.begin(), order.end());
     }
     const auto present = std::find(order.begin(), order.end(), active_);
     const bool wraps = present == order.end() || present + 1 == order.end();
-    setFocus(wraps ? order.front() : *(present + 1));
+    return wraps ? order.front() : *(present + 1);
+}
+
+bool Form::focusNext(bool backwards) {
+    Control *const next = nextFocus(backwards);
+    if (next != nullptr) {
+        setFocus(next);
+    }
+    return next != nullptr;
+}
+
+// A control disabled and enabled again gets back the focus that it had, and so does what is in it.
+void Form::focusInside(const Control &control) {
+    if (active_ == nullptr || !active_->isLive() || !active_->isShown()) {
+        return;
+    }
+    for (const Control *inner = active_; inner != nullptr; inner = inner->container().asControl()) {
+        if (inner == &control) {
+            window_->focus(active_);
+            return;
+        }
+    }
+}
+
+// A panel that goes hands back the focus that it took.
+void Form::focusBelow(const Control &panel) {
+    const bool below = active_ != nullptr && active_->isLive() && active_->isShown() &&
+                       isPanel(panel) && overlap(panel.placeInForm(), active_->placeInForm());
+    if (below && !isCovered(*active_)) {
+        window_->focus(active_);
+    }
 }
 
 Form::PointerLook Form::pointerAt(PointTwips at) const {

@@ -237,12 +237,48 @@ TEST_F(KeysTest, AClickByKeyMayEndThePicture) {
     EXPECT_EQ(picture, nullptr);
 }
 
-TEST_F(KeysTest, TheViewReportsAFocusThatTheUserGaveWithoutAnEcho) {
-    auto &window = shown();
-    window.focused = nullptr;
-    form.focusTaken(&text);
+TEST_F(KeysTest, TabPassesOverWhatAPanelLiesOverAndStopsThereAgainWhenItIsGone) {
+    PictureBox panel(form, "panel");
+    form.show();
+    panel.move(text.place());
+    form.setFocus(&list);
+    EXPECT_TRUE(form.isCovered(text));
+    EXPECT_TRUE(form.focusNext(false));
+    EXPECT_EQ(form.activeControl(), &list);
+    panel.setVisible(false);
+    EXPECT_EQ(form.nextFocus(false), &text);
+    EXPECT_TRUE(form.focusNext(true));
     EXPECT_EQ(form.activeControl(), &text);
-    EXPECT_EQ(window.focused, nullptr);
+}
+
+TEST_F(KeysTest, TabGoesNowhereWhereNothingTakesTheFocusOrTheFormIsDisabled) {
+    form.setFocus(&list);
+    form.setEnabled(false);
+    EXPECT_FALSE(form.focusNext(false));
+    form.setEnabled(true);
+    list.setVisible(false);
+    text.setVisible(false);
+    EXPECT_FALSE(form.focusNext(false));
+    EXPECT_EQ(form.activeControl(), &list);
+}
+
+TEST_F(KeysTest, APanelThatGoesHandsTheFocusBackToWhatLiesFreeThen) {
+    PictureBox lower(form, "lower");
+    PictureBox upper(form, "upper");
+    PictureBox aside(form, "aside");
+    auto &window = shown();
+    form.setFocus(&text);
+    lower.move(text.place());
+    upper.move(text.place());
+    aside.move({text.left() + text.width(), text.top(), 100, 100});
+    window.focused = nullptr;
+    lower.setVisible(false);
+    EXPECT_EQ(window.focused, nullptr) << "another panel lies over it";
+    upper.setVisible(false);
+    EXPECT_EQ(window.focused, &text);
+    window.focused = nullptr;
+    aside.setVisible(false);
+    EXPECT_EQ(window.focused, nullptr) << "it took nothing";
 }
 
 } // namespace velmora::forms

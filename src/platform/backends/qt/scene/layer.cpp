@@ -24,6 +24,6 @@ void Layer::paintEvent(QPaintEvent *event) {
 void Layer::press(PointTwips at) { scene_.press(at); }
 
 // Tab goes round the controls in the order of the design, painted ones included.
-bool Layer::focusNextPrevChild(bool next) { return scene_.moveFocus(next); }
+bool Layer::focusNextPrevChild(bool next) { return scene_.moveFocus(!next); }
 
 } // namespace velmora::platform::qt

@@ -156,8 +156,6 @@ void Scene::syncEnabled(const forms::Control &control) {
             if (!enabled)
                 yieldFocus(control);
             own->widget->setEnabled(enabled);
-            if (enabled)
-                giveFocusBack(control);
         }
     }
     if (const forms::Container *inner = containerOf(control))
@@ -207,17 +205,9 @@ void Scene::controlChanged(forms::Control &control, forms::Change what, const Re
             update(control, before);
         else
             callbacks_.touched(control, toPixels(before));
-        if (own != nullptr && own->layer) {
-            // A panel over a list takes the keyboard, too, and hands it back when it goes.
-            for (const auto &[other, theirs] : own_) {
-                if (theirs.view == nullptr)
-                    continue;
-                if (control.visible() && isCovered(*other))
-                    yieldFocus(*other);
-                else if (!control.visible())
-                    giveFocusBack(*other);
-            }
-        }
+        // A panel over a list takes the keyboard, too.
+        if (form_.activeControl() != nullptr && form_.isCovered(*form_.activeControl()))
+            yieldFocus(*form_.activeControl());
         break;
     case forms::Change::Enabled:
         syncEnabled(control);
@@ -245,8 +235,6 @@ void Scene::controlChanged(forms::Control &control, forms::Change what, const Re
 
 // The control is in its destructor: nothing virtual of it may be asked any more.
 void Scene::controlGone(forms::Control &control) {
-    if (owedFocus_ == &control)
-        owedFocus_ = nullptr;
     if (ringed_ == &control)
         ringed_ = nullptr;
     forgetMarks();

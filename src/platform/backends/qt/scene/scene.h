@@ -41,7 +41,6 @@ public:
 
     // Makes the child widgets, in `top`, which must live as long as the scene.
     void build(Layer &top);
-    bool isBuilt() const noexcept { return top_ != nullptr; }
 
     void controlChanged(forms::Control &control, forms::Change what, const RectTwips &before);
     void controlGone(forms::Control &control);
@@ -59,17 +58,13 @@ public:
     QWidget *widgetOf(const forms::Control &control) const;
     // The control whose own widget this is (or a part of it), or null.
     forms::Control *controlOf(const QWidget *widget) const;
-    // Whether something painted lies over the control's widget and takes its input.
-    bool isCovered(const forms::Control &control) const;
     // What a layer paints and holds, flat, in the order of painting.
     std::vector<const forms::Control *> childrenOf(const Layer &layer) const;
     void press(PointTwips at);
     // The control's native window, made now if need be.
     QWidget *nativeBox(forms::PictureBox &box);
 
-    // The control that the focus goes to from `from`, in design order; null if there is none.
-    forms::Control *nextFocus(const forms::Control *from, bool forward) const;
-    bool moveFocus(bool forward);
+    bool moveFocus(bool backwards) { return form_.focusNext(backwards); }
     // The ring is drawn round what is the active control now, where that is painted.
     void followFocus();
 
@@ -108,7 +103,6 @@ private:
     bool looksUnmoved(const forms::Control &control, const RectTwips &before) const;
     void update(const forms::Control &control, const RectTwips &place);
     void yieldFocus(const forms::Control &control);
-    void giveFocusBack(const forms::Control &control);
 
     forms::Form &form_;
     ControlPainter &painter_;
@@ -116,9 +110,8 @@ private:
     Callbacks callbacks_;
     Layer *top_ = nullptr;
     std::unordered_map<const forms::Control *, Own> own_;
-    std::vector<Mark> marks_;                   // the latest that are still to be painted
-    const forms::Control *ringed_ = nullptr;    // the last that the ring was asked for
-    const forms::Control *owedFocus_ = nullptr; // lost it while disabled or covered
+    std::vector<Mark> marks_;                // the latest that are still to be painted
+    const forms::Control *ringed_ = nullptr; // the last that the ring was asked for
 };
 
 } // namespace velmora::platform::qt

@@ -108,45 +108,13 @@ void Scene::restack(const forms::Container &container) {
     });
 }
 
-bool Scene::isCovered(const forms::Control &control) const {
-    const QRectF area = toPixels(control.placeInForm());
-    bool above = false;
-    bool covered = false;
-    walk(form_, [&](const forms::Control &other) {
-        if (&other == &control) {
-            above = true;
-        } else if (above && own_.contains(&other) && own_.at(&other).layer && other.isShown() &&
-                   other.kind() == forms::Kind::PictureBox) {
-            covered = toPixels(other.placeInForm()).contains(area.center());
-        }
-        return !covered;
-    });
-    return covered;
-}
-
-// Leaves the focus with the window, so that no key reaches the control.
+// Leaves the focus with the window, so that no key reaches the control. The form gives it back.
 void Scene::yieldFocus(const forms::Control &control) {
     QWidget *widget = widgetOf(control);
     QWidget *focus = top_->focusWidget();
     if (widget == nullptr || focus == nullptr || (focus != widget && !widget->isAncestorOf(focus)))
         return;
-    const forms::Control *holder = controlOf(focus);
     top_->setFocus();
-    owedFocus_ = holder != nullptr ? holder : &control;
-}
-
-void Scene::giveFocusBack(const forms::Control &control) {
-    if (owedFocus_ != &control)
-        return;
-    QWidget *widget = widgetOf(control);
-    QWidget *focus = top_->focusWidget();
-    // Somebody else may have got it in between.
-    if (focus != nullptr && focus != top_)
-        owedFocus_ = nullptr;
-    else if (widget != nullptr && widget->isEnabled() && control.isShown() && !isCovered(control)) {
-        owedFocus_ = nullptr;
-        widget->setFocus();
-    }
 }
 
 std::vector<const forms::Control *> Scene::childrenOf(const Layer &layer) const {
@@ -182,31 +150,6 @@ QWidget *Scene::nativeBox(forms::PictureBox &box) {
         own->widget->winId();
     }
     return own->widget;
-}
-
-forms::Control *Scene::nextFocus(const forms::Control *from, bool forward) const {
-    std::vector<const forms::Control *> stops;
-    walk(form_, [&](const forms::Control &control) {
-        if (control.isShown() && control.isLive() && control.takesFocus() && !isCovered(control))
-            stops.push_back(&control);
-        return true;
-    });
-    if (stops.empty())
-        return nullptr;
-    const auto at = std::find(stops.begin(), stops.end(), from);
-    if (at == stops.end())
-        return const_cast<forms::Control *>(forward ? stops.front() : stops.back());
-    const auto count = static_cast<std::ptrdiff_t>(stops.size());
-    const auto next = (at - stops.begin() + (forward ? 1 : count - 1)) % count;
-    return const_cast<forms::Control *>(stops[static_cast<std::size_t>(next)]);
-}
-
-bool Scene::moveFocus(bool forward) {
-    forms::Control *next = nextFocus(form_.activeControl(), forward);
-    if (next == nullptr)
-        return false;
-    form_.setFocus(next);
-    return true;
 }
 
 void Scene::followFocus() {

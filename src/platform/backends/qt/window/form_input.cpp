@@ -245,9 +245,6 @@ bool FormInput::keyUp(std::int16_t code, std::int16_t shift, bool child) {
 
 bool FormInput::keyDown(const QKeyEvent &event, std::int16_t code, std::int16_t shift, bool child) {
     swallowed_.erase(code);
-    const forms::Control *active = form_.activeControl();
-    if (active != nullptr && scene_.isCovered(*active))
-        return true;
     bool pass = form_.enabled();
     if (code != 0) {
         keysDown_.insert(code);
@@ -257,7 +254,7 @@ bool FormInput::keyDown(const QKeyEvent &event, std::int16_t code, std::int16_t 
     if (!pass)
         swallowed_.insert(code);
     else if (!child && (event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab))
-        scene_.moveFocus(event.key() == Qt::Key_Tab);
+        form_.focusNext(event.key() == Qt::Key_Backtab);
     return !pass || !child;
 }
 

@@ -121,7 +121,7 @@ void QtFormWindow::comeBack() {
 void QtFormWindow::firstFocus() {
     const forms::Control *wanted = form_.activeControl();
     if (wanted == nullptr)
-        wanted = scene_.nextFocus(nullptr, true);
+        wanted = form_.nextFocus(false);
     QWidget *widget = wanted != nullptr ? scene_.widgetOf(*wanted) : nullptr;
     if (widget != nullptr && wanted->takesFocus())
         widget->setFocus();
