@@ -247,7 +247,7 @@ void Probe::removing() {
     std::vector<double> cpu;
     for (int run = 0; run < (quick_ ? 1 : 5); ++run) {
         program_.fill(10000);
-        form().List1.find(u"the index is there"); // as behind a load
+        form().List1.contains(u"the index is there"); // as behind a load
         for (int row = 0; row < 10000; row += 10)
             form().playList_Item.setSelected(row, true);
         program_.handle([&] {

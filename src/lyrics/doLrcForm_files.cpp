@@ -50,7 +50,7 @@ std::u16string doLrcForm::editedLyric() const {
     text.append(u"[Al:").append(lrc_Al_Str.text()).append(u"]").append(crLf);
     text.append(u"[By:").append(lrc_By_Str.text()).append(u"]").append(crLf);
     for (std::int32_t row = 0; row < lrcList.listCount(); ++row) {
-        text.append(lrcList.row(row)).append(crLf);
+        text.append(lrcList.list(row)).append(crLf);
     }
     return text;
 }

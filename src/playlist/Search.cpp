@@ -44,7 +44,7 @@ bool Search::isSupportedFormat(std::u16string_view path) const {
 }
 
 bool Search::isInPlayList(std::u16string_view path) const {
-    return app_.playList_Form().List1.find(path) >= 0;
+    return app_.playList_Form().List1.contains(path);
 }
 
 } // namespace velmora

@@ -101,11 +101,11 @@ void saveOrOpenFile::encodeList() {
     const std::int32_t rows = list.listCount();
     std::size_t atLeast = 0;
     for (std::int32_t row = 0; row < rows; ++row)
-        atLeast += list.row(row).size() + 2;
+        atLeast += list.list(row).size() + 2;
     saved_.clear();
     saved_.reserve(atLeast);
     for (std::int32_t row = 0; row < rows; ++row) {
-        ansi.appendTo(saved_, list.row(row));
+        ansi.appendTo(saved_, list.list(row));
         saved_ += "\r\n";
     }
 }
@@ -203,7 +203,7 @@ bool saveOrOpenFile::takeLine(std::string_view line) {
     const std::string_view bytes = trimmed(line);
     const std::u16string path = app_.platform().ansi.decodePath(bytes);
     showLoading(line, bytes, path);
-    if (form.List1.find(path) >= 0)
+    if (form.List1.contains(path))
         return true;
     return passOver([&] { form.playList_Item.addItem(app_.player().getFileStem(path)); }) &&
            passOver([&] { form.List1.addItem(path); });

@@ -53,21 +53,11 @@ RectTwips Control::placeInForm() const noexcept {
     return place;
 }
 
-void Control::setVisible(bool visible) {
-    if (visible == visible_) {
-        return;
-    }
-    visible_ = visible;
-    changed(Change::Visible);
-}
-
 void Control::setEnabled(bool enabled) {
-    if (enabled == enabled_) {
-        return;
+    if (differs(enabled_, enabled)) {
+        changed(Change::Enabled);
+        enabledChanged();
     }
-    enabled_ = enabled;
-    changed(Change::Enabled);
-    enabledChanged();
 }
 
 bool Control::isShown() const noexcept {
@@ -78,30 +68,6 @@ bool Control::isShown() const noexcept {
 bool Control::isLive() const noexcept {
     const Control *outer = container_->asControl();
     return enabled_ && (outer == nullptr ? form_->enabled() : outer->isLive());
-}
-
-void Control::setToolTip(std::u16string_view text) {
-    if (toolTip_ == text) {
-        return;
-    }
-    toolTip_ = text;
-    changed(Change::ToolTip);
-}
-
-void Control::setMousePointer(std::int16_t pointer) {
-    if (mousePointer_ == pointer) {
-        return;
-    }
-    mousePointer_ = pointer;
-    changed(Change::Pointer);
-}
-
-void Control::setMouseIcon(MouseIcon icon) {
-    if (mouseIcon_ == icon) {
-        return;
-    }
-    mouseIcon_ = icon;
-    changed(Change::Pointer);
 }
 
 void Control::zOrder(std::int16_t position) {

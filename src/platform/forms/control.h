@@ -67,6 +67,15 @@ enum class MouseIcon : std::uint8_t { None, Hand };
 // one of the numbers is none.
 RectTwips checkedPlace(const RectTwips &place);
 
+// Stores a value and tells whether it is a new one.
+template <typename Value, typename New> bool differs(Value &held, const New &value) {
+    if (held == value) {
+        return false;
+    }
+    held = value;
+    return true;
+}
+
 class Control {
 public:
     // `name` must outlive the control (a literal). Registers with the container, on top.
@@ -96,7 +105,7 @@ public:
 
     bool visible() const noexcept { return visible_; }
     bool enabled() const noexcept { return enabled_; }
-    void setVisible(bool visible);
+    void setVisible(bool visible) { set(visible_, visible, Change::Visible); }
     void setEnabled(bool enabled);
     // With all containers and the form taken into account. `isShown` is true on a hidden form, too.
     bool isShown() const noexcept;
@@ -105,12 +114,12 @@ public:
     const std::u16string &tag() const noexcept { return tag_; }
     void setTag(std::u16string_view tag) { tag_ = tag; }
     const std::u16string &toolTip() const noexcept { return toolTip_; }
-    void setToolTip(std::u16string_view text);
+    void setToolTip(std::u16string_view text) { set(toolTip_, text, Change::ToolTip); }
 
     std::int16_t mousePointer() const noexcept { return mousePointer_; }
-    void setMousePointer(std::int16_t pointer);
+    void setMousePointer(std::int16_t pointer) { set(mousePointer_, pointer, Change::Pointer); }
     MouseIcon mouseIcon() const noexcept { return mouseIcon_; }
-    void setMouseIcon(MouseIcon icon);
+    void setMouseIcon(MouseIcon icon) { set(mouseIcon_, icon, Change::Pointer); }
 
     // Brings the control to the front (0) or back (1) of its container.
     void zOrder(std::int16_t position = 0);
@@ -132,6 +141,12 @@ public:
 
 protected:
     void changed(Change what);
+    // What every setter does: a new value is stored and told.
+    template <typename Value, typename New> void set(Value &held, const New &value, Change what) {
+        if (differs(held, value)) {
+            changed(what);
+        }
+    }
     // The own flag is another now.
     virtual void enabledChanged() {}
     void placeChanged(const RectTwips &before);

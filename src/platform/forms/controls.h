@@ -25,20 +25,20 @@ public:
     const Font &font() const noexcept { return font_; }
     void setFont(const Font &font);
     Colour foreColor() const noexcept { return foreColor_; }
-    void setForeColor(Colour colour);
+    void setForeColor(Colour colour) { set(foreColor_, colour, Change::Look); }
     Colour backColor() const noexcept { return backColor_; }
-    void setBackColor(Colour colour);
+    void setBackColor(Colour colour) { set(backColor_, colour, Change::Look); }
     bool transparent() const noexcept { return transparent_; }
-    void setTransparent(bool transparent);
+    void setTransparent(bool transparent) { set(transparent_, transparent, Change::Look); }
     Alignment alignment() const noexcept { return alignment_; }
-    void setAlignment(Alignment alignment);
+    void setAlignment(Alignment alignment) { set(alignment_, alignment, Change::Look); }
     bool autoSize() const noexcept { return autoSize_; }
     void setAutoSize(bool autoSize);
     bool wordWrap() const noexcept { return wordWrap_; }
-    void setWordWrap(bool wordWrap);
+    void setWordWrap(bool wordWrap) { set(wordWrap_, wordWrap, Change::Look); }
     // A dark rim around the letters, so that they read on any ground (the desktop lyric).
     bool rim() const noexcept { return rim_; }
-    void setRim(bool rim);
+    void setRim(bool rim) { set(rim_, rim, Change::Look); }
 
     std::u16string accessibleName() const override;
 
@@ -63,7 +63,7 @@ public:
     using Control::Control;
     Kind kind() const noexcept override { return Kind::Image; }
     Picture picture() const noexcept { return picture_; }
-    void setPicture(Picture picture);
+    void setPicture(Picture picture) { set(picture_, picture, Change::Look); }
 
 private:
     Picture picture_ = Picture::None;
@@ -75,9 +75,9 @@ public:
     using Control::Control;
     Kind kind() const noexcept override { return Kind::Shape; }
     Colour fillColor() const noexcept { return fillColor_; }
-    void setFillColor(Colour colour);
+    void setFillColor(Colour colour) { set(fillColor_, colour, Change::Look); }
     Picture picture() const noexcept { return picture_; }
-    void setPicture(Picture picture);
+    void setPicture(Picture picture) { set(picture_, picture, Change::Look); }
 
 private:
     Colour fillColor_ = 0;
@@ -93,13 +93,9 @@ public:
     Twips y1() const noexcept { return y1_; }
     Twips x2() const noexcept { return x2_; }
     Twips y2() const noexcept { return y2_; }
-    void setX1(Twips x) { setEnds(x, y1_, x2_, y2_); }
-    void setY1(Twips y) { setEnds(x1_, y, x2_, y2_); }
-    void setX2(Twips x) { setEnds(x1_, y1_, x, y2_); }
-    void setY2(Twips y) { setEnds(x1_, y1_, x2_, y); }
     void setEnds(Twips x1, Twips y1, Twips x2, Twips y2);
     Colour borderColor() const noexcept { return borderColor_; }
-    void setBorderColor(Colour colour);
+    void setBorderColor(Colour colour) { set(borderColor_, colour, Change::Look); }
 
 private:
     Twips x1_ = 0;
@@ -118,11 +114,11 @@ public:
     Control *asControl() noexcept override { return this; }
 
     Picture picture() const noexcept { return picture_; }
-    void setPicture(Picture picture);
+    void setPicture(Picture picture) { set(picture_, picture, Change::Look); }
     Colour backColor() const noexcept { return backColor_; }
-    void setBackColor(Colour colour);
+    void setBackColor(Colour colour) { set(backColor_, colour, Change::Look); }
     bool transparent() const noexcept { return transparent_; }
-    void setTransparent(bool transparent);
+    void setTransparent(bool transparent) { set(transparent_, transparent, Change::Look); }
 
     // The inner size in twips.
     Twips scaleWidth() const noexcept { return width(); }
@@ -146,9 +142,9 @@ public:
     Form &containerForm() noexcept override { return form(); }
     Control *asControl() noexcept override { return this; }
     const std::u16string &caption() const noexcept { return caption_; }
-    void setCaption(std::u16string_view caption);
+    void setCaption(std::u16string_view caption) { set(caption_, caption, Change::Look); }
     const Font &font() const noexcept { return font_; }
-    void setFont(const Font &font);
+    void setFont(const Font &font) { set(font_, font, Change::Look); }
     std::u16string accessibleName() const override { return caption_; }
 
 private:
@@ -163,17 +159,17 @@ public:
     Kind kind() const noexcept override { return Kind::TextBox; }
     bool takesFocus() const noexcept override { return true; }
     const std::u16string &text() const noexcept { return text_; }
-    void setText(std::u16string_view text);
+    void setText(std::u16string_view text) { set(text_, text, Change::Text); }
     bool locked() const noexcept { return locked_; }
-    void setLocked(bool locked);
+    void setLocked(bool locked) { set(locked_, locked, Change::Text); }
     bool multiLine() const noexcept { return multiLine_; }
-    void setMultiLine(bool multiLine);
+    void setMultiLine(bool multiLine) { set(multiLine_, multiLine, Change::Look); }
     const Font &font() const noexcept { return font_; }
-    void setFont(const Font &font);
+    void setFont(const Font &font) { set(font_, font, Change::Look); }
     Colour foreColor() const noexcept { return foreColor_; }
-    void setForeColor(Colour colour);
+    void setForeColor(Colour colour) { set(foreColor_, colour, Change::Look); }
     Colour backColor() const noexcept { return backColor_; }
-    void setBackColor(Colour colour);
+    void setBackColor(Colour colour) { set(backColor_, colour, Change::Look); }
 
     // The view's road for the user's edit: stores the text, then raises Change.
     void userEdited(std::u16string_view text);
@@ -197,9 +193,9 @@ public:
     std::int16_t value() const noexcept { return value_; }
     void setValue(std::int16_t value);
     const std::u16string &caption() const noexcept { return caption_; }
-    void setCaption(std::u16string_view caption);
+    void setCaption(std::u16string_view caption) { set(caption_, caption, Change::Look); }
     const Font &font() const noexcept { return font_; }
-    void setFont(const Font &font);
+    void setFont(const Font &font) { set(font_, font, Change::Look); }
     std::u16string accessibleName() const override { return caption_; }
 
     void userToggled();
@@ -219,9 +215,9 @@ public:
     bool value() const noexcept { return value_; }
     void setValue(bool value);
     const std::u16string &caption() const noexcept { return caption_; }
-    void setCaption(std::u16string_view caption);
+    void setCaption(std::u16string_view caption) { set(caption_, caption, Change::Look); }
     const Font &font() const noexcept { return font_; }
-    void setFont(const Font &font);
+    void setFont(const Font &font) { set(font_, font, Change::Look); }
     std::u16string accessibleName() const override { return caption_; }
 
     void userChose();

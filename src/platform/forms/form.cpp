@@ -34,14 +34,6 @@ Watch::~Watch() {
     }
 }
 
-void Form::setCaption(std::u16string_view caption) {
-    if (caption_ == caption) {
-        return;
-    }
-    caption_ = caption;
-    formChanged(FormChange::Caption);
-}
-
 void Form::setLeft(Twips left) { move({left, place_.top, place_.width, place_.height}); }
 void Form::setTop(Twips top) { move({place_.left, top, place_.width, place_.height}); }
 void Form::setWidth(Twips width) { move({place_.left, place_.top, width, place_.height}); }
@@ -105,79 +97,14 @@ void Form::setVisible(bool visible) {
 }
 
 void Form::setEnabled(bool enabled) {
-    if (enabled == enabled_) {
+    if (!differs(enabled_, enabled)) {
         return;
     }
-    enabled_ = enabled;
     formChanged(FormChange::Enabled);
     if (enabled && leavePending_) {
         leavePending_ = false;
         leaveHovered({-twipsPerPixel, -twipsPerPixel}, 0);
     }
-}
-
-void Form::setWindowState(WindowState state) {
-    if (state == state_) {
-        return;
-    }
-    state_ = state;
-    formChanged(FormChange::State);
-}
-
-void Form::setMousePointer(std::int16_t pointer) {
-    if (pointer == mousePointer_) {
-        return;
-    }
-    mousePointer_ = pointer;
-    formChanged(FormChange::Pointer);
-}
-
-void Form::setGround(Picture ground) {
-    if (ground == ground_) {
-        return;
-    }
-    ground_ = ground;
-    formChanged(FormChange::Look);
-}
-
-void Form::setBackColor(Colour colour) {
-    if (colour == backColor_) {
-        return;
-    }
-    backColor_ = colour;
-    formChanged(FormChange::Look);
-}
-
-void Form::setIcon(Picture icon) {
-    if (icon == icon_) {
-        return;
-    }
-    icon_ = icon;
-    formChanged(FormChange::Icon);
-}
-
-void Form::setLayered(bool layered) {
-    if (layered == layered_) {
-        return;
-    }
-    layered_ = layered;
-    formChanged(FormChange::Look);
-}
-
-void Form::setWindowKey(std::optional<Colour> key) {
-    if (key == key_) {
-        return;
-    }
-    key_ = key;
-    formChanged(FormChange::Look);
-}
-
-void Form::setTopmost(bool topmost) {
-    if (topmost == topmost_) {
-        return;
-    }
-    topmost_ = topmost;
-    formChanged(FormChange::Topmost);
 }
 
 void Form::raise() {

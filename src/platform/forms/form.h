@@ -50,7 +50,7 @@ public:
     platform::HWND hWnd() const noexcept { return hWnd_; }
 
     const std::u16string &caption() const noexcept { return caption_; }
-    void setCaption(std::u16string_view caption);
+    void setCaption(std::u16string_view caption) { set(caption_, caption, FormChange::Caption); }
 
     // Screen position and size. Float as the design has them; the window is placed at the nearest
     // logical pixel. Sizes below 0 count as 0; what is no number raises. A new size raises Resize.
@@ -72,19 +72,19 @@ public:
     bool enabled() const noexcept { return enabled_; }
     void setEnabled(bool enabled);
     WindowState windowState() const noexcept { return state_; }
-    void setWindowState(WindowState state);
+    void setWindowState(WindowState state) { set(state_, state, FormChange::State); }
     std::int16_t mousePointer() const noexcept { return mousePointer_; }
-    void setMousePointer(std::int16_t pointer);
+    void setMousePointer(std::int16_t pointer) { set(mousePointer_, pointer, FormChange::Pointer); }
 
     // The picture stretched over the whole window; without one the back colour.
     Picture ground() const noexcept { return ground_; }
-    void setGround(Picture ground);
+    void setGround(Picture ground) { set(ground_, ground, FormChange::Look); }
     Colour backColor() const noexcept { return backColor_; }
-    void setBackColor(Colour colour);
+    void setBackColor(Colour colour) { set(backColor_, colour, FormChange::Look); }
     const Font &font() const noexcept { return font_; }
     void setFont(const Font &font) { font_ = font; }
     Picture icon() const noexcept { return icon_; }
-    void setIcon(Picture icon);
+    void setIcon(Picture icon) { set(icon_, icon, FormChange::Icon); }
 
     // How the window appears outside: with an entry in the task bar, or without.
     bool showInTaskbar() const noexcept { return showInTaskbar_; }
@@ -103,9 +103,9 @@ public:
     bool layered() const noexcept { return layered_; }
     std::optional<Colour> windowKey() const noexcept { return key_; }
     bool topmost() const noexcept { return topmost_; }
-    void setLayered(bool layered);
-    void setWindowKey(std::optional<Colour> key);
-    void setTopmost(bool topmost);
+    void setLayered(bool layered) { set(layered_, layered, FormChange::Look); }
+    void setWindowKey(std::optional<Colour> key) { set(key_, key, FormChange::Look); }
+    void setTopmost(bool topmost) { set(topmost_, topmost, FormChange::Topmost); }
     // Above all normal windows once, without staying there.
     void raise();
 
@@ -209,6 +209,12 @@ private:
     void controlChanged(Control &control, Change what, const RectTwips &before);
     void controlGone(Control &control);
     void formChanged(FormChange what);
+    template <typename Value, typename New>
+    void set(Value &held, const New &value, FormChange what) {
+        if (differs(held, value)) {
+            formChanged(what);
+        }
+    }
     void placeChanged(const RectTwips &before);
 
     Host &host_;

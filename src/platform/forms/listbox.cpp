@@ -129,28 +129,6 @@ Twips ListBox::rowHeight() const noexcept {
     return design / static_cast<Twips>(designRows_);
 }
 
-void ListBox::setFont(const Font &font) {
-    if (font_ == font) {
-        return;
-    }
-    font_ = font;
-    changed(Change::Look);
-}
-
-void ListBox::setForeColor(Colour colour) {
-    if (foreColor_ != colour) {
-        foreColor_ = colour;
-        changed(Change::Look);
-    }
-}
-
-void ListBox::setBackColor(Colour colour) {
-    if (backColor_ != colour) {
-        backColor_ = colour;
-        changed(Change::Look);
-    }
-}
-
 void ListBox::raiseClick() {
     if (events() != nullptr) {
         raiseEvent(events()->Click);

@@ -5,6 +5,8 @@
 
 #include <limits>
 #include <memory>
+#include <optional>
+#include <unordered_set>
 
 namespace velmora::forms {
 
@@ -17,29 +19,27 @@ namespace velmora::forms {
 // -1 until one is chosen. It follows its row on insertion and removal above; if its row goes, the
 // row now at that index is current, and is not selected by that (-1 when none is left there).
 //
-// The index behind `find` lives here; nothing outside holds a second copy of the rows.
+// The index behind `contains` lives here; nothing outside holds a second copy of the rows.
 class ListBox : public Control {
 public:
-    ListBox(Container &container, const char *name);
-    ~ListBox() override;
+    using Control::Control;
     Kind kind() const noexcept override { return Kind::ListBox; }
     bool takesFocus() const noexcept override { return true; }
 
     static constexpr std::int16_t mostRows = std::numeric_limits<std::int16_t>::max();
     std::int16_t listCount() const noexcept { return static_cast<std::int16_t>(rows_.size()); }
     const std::u16string &list(std::int32_t row) const noexcept; // the empty text out of range
-    // The same for rows that the caller knows to be there.
-    const std::u16string &row(std::int32_t row) const noexcept { return list(row); }
     void setList(std::int32_t row, std::u16string_view text);
     void addItem(std::u16string_view text);
     void addItem(std::u16string_view text, std::int32_t row); // row 0..listCount
     void removeItem(std::int32_t row);
     void clear();
 
-    // The lowest row whose text equals `text` exactly, or -1. The time hardly grows with the list;
-    // the index is built when first asked and kept from then on.
-    std::int16_t find(std::u16string_view text) const;
-    bool contains(std::u16string_view text) const { return find(text) >= 0; }
+    // The lowest row whose text equals `text` exactly, or -1. The time grows with the list.
+    std::int16_t find(std::u16string_view text) const noexcept;
+    // Whether there is one. The time does not grow with the list: the index is built when first
+    // asked and kept from then on.
+    bool contains(std::u16string_view text) const;
 
     bool multiSelect() const noexcept { return multiSelect_; }
     void setMultiSelect(bool multi) noexcept { multiSelect_ = multi; }
@@ -63,11 +63,11 @@ public:
     Twips rowHeight() const noexcept;
 
     const Font &font() const noexcept { return font_; }
-    void setFont(const Font &font);
+    void setFont(const Font &font) { set(font_, font, Change::Look); }
     Colour foreColor() const noexcept { return foreColor_; }
-    void setForeColor(Colour colour);
+    void setForeColor(Colour colour) { set(foreColor_, colour, Change::Look); }
     Colour backColor() const noexcept { return backColor_; }
-    void setBackColor(Colour colour);
+    void setBackColor(Colour colour) { set(backColor_, colour, Change::Look); }
 
     // The view's roads for the user's input; a disabled list ignores them, and so do they rows that
     // are not there. `userClicked` is a press of the left button, or (`dragging`) its move to
@@ -89,21 +89,34 @@ public:
     void userScrolled(std::int32_t topRow);
 
 private:
-    class Index;
-
-    // The label orders the rows: it grows from row to row, and stays when rows before it come and
-    // go. That lets the index remember a row without being told of every shift.
     struct Row {
         std::unique_ptr<std::u16string> text; // a text handed out stays where it is
-        std::int64_t label = 0;
         bool selected = false;
     };
+    // Not noexcept: the set then keeps each text's hash instead of asking for it again and again.
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::u16string_view text) const {
+            return std::hash<std::u16string_view>()(text);
+        }
+        std::size_t operator()(const std::u16string *text) const {
+            return (*this)(std::u16string_view(*text));
+        }
+    };
+    struct Equal {
+        using is_transparent = void;
+        bool operator()(const std::u16string *a, const std::u16string *b) const noexcept {
+            return *a == *b;
+        }
+        bool operator()(std::u16string_view a, const std::u16string *b) const noexcept {
+            return a == *b;
+        }
+    };
+    using Index = std::unordered_multiset<const std::u16string *, Hash, Equal>;
 
     bool has(std::int32_t row) const noexcept { return row >= 0 && row < listCount(); }
     Row &at(std::int32_t row) noexcept { return rows_[static_cast<std::size_t>(row)]; }
-    std::int64_t labelFor(std::int32_t row);
-    void relabel() noexcept;
-    std::int32_t rowOf(std::int64_t label) const noexcept;
+    void forget(const std::u16string &text) noexcept;
     void mark(std::int32_t row, bool selected) noexcept;
     void markOnly(std::int32_t first, std::int32_t last) noexcept;
     void extendTo(std::int32_t row, bool keepOthers);
@@ -113,9 +126,8 @@ private:
     void raiseClick();
 
     std::vector<Row> rows_;
-    mutable std::unique_ptr<Index> index_;
-    std::int64_t lastLabel_ = 0;   // of the row added last
-    std::vector<bool> beforeDrag_; // the selection at a press with Ctrl; else empty
+    mutable std::optional<Index> index_; // the texts of the rows
+    std::vector<bool> beforeDrag_;       // the selection at a press with Ctrl; else empty
     Font font_;
     Colour foreColor_ = 0;
     Colour backColor_ = 0x00FFFFFF;

@@ -1,96 +1,11 @@
-// The rows of a list box, and the index that finds one by its text.
+// The rows of a list box, and the index that knows their texts.
 
 #include "base/run_time_error.h"
 #include "platform/forms/listbox.h"
 
 #include <algorithm>
-#include <set>
-#include <unordered_map>
 
 namespace velmora::forms {
-
-namespace {
-
-// The distance of labels at the end of the list, and the share of a gap that a run of insertions at
-// one place takes each time; both make it rare that all rows must be labelled anew.
-constexpr std::int64_t labelStep = std::int64_t{1} << 32;
-constexpr std::int64_t runShare = 64;
-
-} // namespace
-
-// Hashes of texts, and the labels of the rows that have them. A removal costs one hash and one
-// look-up however many rows there are, and however many of them are alike.
-class ListBox::Index {
-public:
-    explicit Index(const std::vector<Row> &rows) {
-        places_.reserve(rows.size());
-        for (const Row &row : rows) {
-            add(*row.text, row.label);
-        }
-    }
-
-    void add(std::u16string_view text, std::int64_t label) {
-        const auto [place, isNew] = places_.try_emplace(hash(text), Places{label, nullptr});
-        if (isNew) {
-            return;
-        }
-        Places &places = place->second;
-        if (!places.others) {
-            places.others = std::make_unique<std::set<std::int64_t>>();
-        }
-        places.others->insert(std::max(label, places.first));
-        places.first = std::min(label, places.first);
-    }
-
-    void remove(std::u16string_view text, std::int64_t label) {
-        const auto place = places_.find(hash(text));
-        Places &places = place->second;
-        if (!places.others) {
-            places_.erase(place);
-            return;
-        }
-        if (places.first == label) {
-            places.first = *places.others->begin();
-            places.others->erase(places.others->begin());
-        } else {
-            places.others->erase(label);
-        }
-        if (places.others->empty()) {
-            places.others.reset();
-        }
-    }
-
-    // Calls `is(label)` for the rows whose text may be this one, from the lowest on, until it says
-    // yes.
-    template <typename Is> void first(std::u16string_view text, Is &&is) const {
-        const auto place = places_.find(hash(text));
-        if (place == places_.end() || is(place->second.first) || !place->second.others) {
-            return;
-        }
-        for (const std::int64_t label : *place->second.others) {
-            if (is(label)) {
-                return;
-            }
-        }
-    }
-
-private:
-    // Most texts stand in one row.
-    struct Places {
-        std::int64_t first;
-        std::unique_ptr<std::set<std::int64_t>> others;
-    };
-
-    static std::size_t hash(std::u16string_view text) noexcept {
-        return std::hash<std::u16string_view>()(text);
-    }
-
-    std::unordered_map<std::size_t, Places> places_;
-};
-
-ListBox::ListBox(Container &container, const char *name) : Control(container, name) {}
-
-ListBox::~ListBox() = default;
 
 const std::u16string &ListBox::list(std::int32_t row) const noexcept {
     static const std::u16string empty;
@@ -106,11 +21,11 @@ void ListBox::setList(std::int32_t row, std::u16string_view text) {
         return;
     }
     auto fresh = std::make_unique<std::u16string>(text);
-    if (index_) {
-        index_->remove(*held.text, held.label);
-        index_->add(*fresh, held.label);
-    }
+    forget(*held.text);
     held.text = std::move(fresh);
+    if (index_) {
+        index_->insert(held.text.get());
+    }
     changed(Change::Rows);
 }
 
@@ -123,11 +38,9 @@ void ListBox::addItem(std::u16string_view text, std::int32_t row) {
     if (listCount() == mostRows) {
         raise(ErrorNumber::Overflow);
     }
-    lastLabel_ = labelFor(row);
-    rows_.insert(rows_.begin() + row,
-                 Row{std::make_unique<std::u16string>(text), lastLabel_, false});
+    rows_.insert(rows_.begin() + row, Row{std::make_unique<std::u16string>(text)});
     if (index_) {
-        index_->add(text, lastLabel_);
+        index_->insert(at(row).text.get());
     }
     beforeDrag_.clear();
     if (listIndex_ >= row) {
@@ -144,9 +57,7 @@ void ListBox::removeItem(std::int32_t row) {
         raise(ErrorNumber::InvalidCall);
     }
     mark(row, false);
-    if (index_) {
-        index_->remove(*at(row).text, at(row).label);
-    }
+    forget(*at(row).text);
     rows_.erase(rows_.begin() + row);
     beforeDrag_.clear();
     if (listIndex_ > row) {
@@ -175,61 +86,34 @@ void ListBox::clear() {
     changed(Change::Rows);
 }
 
-// A label between those of the neighbours that a new row at this place will have.
-std::int64_t ListBox::labelFor(std::int32_t row) {
-    if (rows_.empty()) {
-        return 0;
-    }
-    if (row == listCount()) {
-        return rows_.back().label + labelStep;
-    }
-    if (row == 0) {
-        return rows_.front().label - labelStep;
-    }
-    if (at(row).label - at(row - 1).label < 2) {
-        relabel();
-    }
-    const std::int64_t before = at(row - 1).label;
-    const std::int64_t after = at(row).label;
-    const std::int64_t gap = after - before;
-    const std::int64_t share = std::max<std::int64_t>(1, gap / runShare);
-    if (before == lastLabel_) {
-        return before + share;
-    }
-    return after == lastLabel_ ? after - share : before + gap / 2;
+std::int16_t ListBox::find(std::u16string_view text) const noexcept {
+    const auto found =
+        std::find_if(rows_.begin(), rows_.end(), [&](const Row &row) { return *row.text == text; });
+    return found == rows_.end() ? std::int16_t{-1}
+                                : static_cast<std::int16_t>(found - rows_.begin());
 }
 
-void ListBox::relabel() noexcept {
-    std::int64_t label = 0;
-    for (Row &row : rows_) {
-        row.label = label;
-        label += labelStep;
-    }
-    lastLabel_ = -1;
-    index_.reset(); // built again when somebody asks
-}
-
-std::int32_t ListBox::rowOf(std::int64_t label) const noexcept {
-    const auto place =
-        std::lower_bound(rows_.begin(), rows_.end(), label,
-                         [](const Row &row, std::int64_t wanted) { return row.label < wanted; });
-    return static_cast<std::int32_t>(place - rows_.begin());
-}
-
-std::int16_t ListBox::find(std::u16string_view text) const {
+bool ListBox::contains(std::u16string_view text) const {
     if (!index_) {
-        index_ = std::make_unique<Index>(rows_);
-    }
-    std::int32_t found = -1;
-    index_->first(text, [&](std::int64_t label) {
-        const std::int32_t row = rowOf(label);
-        if (list(row) != text) {
-            return false; // another text with the same hash
+        index_.emplace();
+        index_->reserve(rows_.size());
+        for (const Row &row : rows_) {
+            index_->insert(row.text.get());
         }
-        found = row;
-        return true;
-    });
-    return static_cast<std::int16_t>(found);
+    }
+    return index_->contains(text);
+}
+
+// Of equal texts it is this very one that leaves the index.
+void ListBox::forget(const std::u16string &text) noexcept {
+    if (!index_) {
+        return;
+    }
+    auto place = index_->find(&text); // equal ones stand side by side
+    while (*place != &text) {
+        ++place;
+    }
+    index_->erase(place);
 }
 
 } // namespace velmora::forms

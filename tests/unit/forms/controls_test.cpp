@@ -255,17 +255,6 @@ TEST_F(LineTest, KeepsItsEndsAndLiesAroundThem) {
     EXPECT_EQ(line.place(), (RectTwips{150, 150, 165, 315})); // one pixel more on each side
 }
 
-TEST_F(LineTest, OneEndCanBeMovedAlone) {
-    Line line{form, "line"};
-    line.setEnds(10, 20, 30, 40);
-    line.setX2(60);
-    line.setY1(5);
-    EXPECT_EQ(line.x1(), 10);
-    EXPECT_EQ(line.y1(), 5);
-    EXPECT_EQ(line.x2(), 60);
-    EXPECT_EQ(line.y2(), 40);
-}
-
 TEST_F(LineTest, TurningItInItsOwnRectangleRepaints) {
     Line line{form, "line"};
     line.setEnds(0, 0, 150, 150);

@@ -76,7 +76,7 @@ void ListView::paintRow(QPainter &painter, int row, const QRectF &place, double 
     look.font = &list_.font();
     look.colour = isEnabled() ? toQColor(list_.foreColor()) : QColor::fromRgba(look::dimmed);
     look.middle = true;
-    texts_.draw(painter, place.adjusted(textLeft, 0, -2, 0), list_.row(row), look);
+    texts_.draw(painter, place.adjusted(textLeft, 0, -2, 0), list_.list(row), look);
 }
 
 void ListView::mousePressEvent(QMouseEvent *event) {
