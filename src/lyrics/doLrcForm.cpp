@@ -6,6 +6,7 @@
 #include "lyrics/lrc_text.h"
 #include "lyrics/lyric_file.h"
 #include "platform/contracts/windows.h"
+#include "platform/forms/keys.h"
 #include "playback/Main.h"
 #include "playback/player.h"
 #include "playlist/playList_Form.h"
@@ -14,15 +15,6 @@
 #include "velmora.h"
 
 namespace velmora {
-
-namespace {
-
-constexpr std::int16_t keyF9 = 120;
-constexpr std::int16_t keyF10 = 121;
-constexpr std::int16_t keyO = 79;
-constexpr std::int16_t keyS = 83;
-
-} // namespace
 
 doLrcForm::doLrcForm(Velmora &app) : doLrcForm_Design(app.platform().windows), app_(app) {}
 
@@ -83,15 +75,15 @@ void doLrcForm::released() {
 
 void doLrcForm::keyPressed(std::int16_t keyCode, std::int16_t shift) {
     const bool isCtrl = (shift & forms::ctrlMask) != 0;
-    if (keyCode == keyF9) {
+    if (keyCode == forms::keyF9) {
         addTime_Label_Button_Click();
-    } else if (keyCode == keyF10) {
+    } else if (keyCode == forms::keyF10) {
         delTime_Label_Button_Click();
-    } else if (keyCode == keyS && isCtrl) {
+    } else if (keyCode == forms::keyS && isCtrl) {
         save_Button_Click();
-    } else if (keyCode == keyS && shift == forms::shiftMask) {
+    } else if (keyCode == forms::keyS && shift == forms::shiftMask) {
         anotherSave_Button_Click();
-    } else if (keyCode == keyO && isCtrl) {
+    } else if (keyCode == forms::keyO && isCtrl) {
         openFile_Button_Click();
     }
 }

@@ -4,6 +4,7 @@
 #include "lyrics/lrcForm.h"
 #include "platform/contracts/system.h"
 #include "platform/contracts/windows.h"
+#include "platform/forms/keys.h"
 #include "playback/Main.h"
 #include "playback/MenuForm.h"
 #include "playback/bars.h"
@@ -14,20 +15,6 @@
 #include "velmora.h"
 
 namespace velmora {
-
-namespace {
-
-constexpr std::int16_t keyEnter = 13;
-constexpr std::int16_t keyEscape = 27;
-constexpr std::int16_t keySpace = 32;
-constexpr std::int16_t keyF2 = 113;
-constexpr std::int16_t keyF3 = 114;
-constexpr std::int16_t keyF4 = 115;
-constexpr std::int16_t keyF5 = 116;
-constexpr std::int16_t keyF6 = 117;
-constexpr std::int16_t keyF11 = 122;
-
-} // namespace
 
 VideoScreen_Form::VideoScreen_Form(Velmora &app)
     : VideoScreen_Form_Design(app.platform().windows), app_(app) {}
@@ -110,26 +97,28 @@ void VideoScreen_Form::keyDown(const forms::KeyEvent &key) {
         void (*work)(VideoScreen_Form &form, Velmora &app);
     };
     static constexpr Row rows[] = {
-        {keyEscape,
+        {forms::keyEscape,
          [](VideoScreen_Form &form, Velmora &app) {
              app.player().isFullScreen == 0 ? form.hide() : form.setScreenSize_Default();
          }},
-        {keyEnter,
+        {forms::keyEnter,
          [](VideoScreen_Form &form, Velmora &app) {
              app.player().isFullScreen == 0 ? form.setFullScreen(false)
                                             : form.setScreenSize_Default();
          }},
-        {keyF11, [](VideoScreen_Form &form, Velmora &) { form.hide(); }},
-        {keyF6, [](VideoScreen_Form &, Velmora &app) { app.player().next_Sub(directionNext); }},
-        {keyF5, [](VideoScreen_Form &, Velmora &app) { app.player().next_Sub(directionPrevious); }},
-        {keyF4,
+        {forms::keyF11, [](VideoScreen_Form &form, Velmora &) { form.hide(); }},
+        {forms::keyF6,
+         [](VideoScreen_Form &, Velmora &app) { app.player().next_Sub(directionNext); }},
+        {forms::keyF5,
+         [](VideoScreen_Form &, Velmora &app) { app.player().next_Sub(directionPrevious); }},
+        {forms::keyF4,
          [](VideoScreen_Form &, Velmora &app) {
              app.player().close_Sub(0);
              app.Main().stop_Sub();
          }},
-        {keyF3, [](VideoScreen_Form &, Velmora &app) { app.player().pause_Sub(); }},
-        {keyF2, [](VideoScreen_Form &, Velmora &app) { app.player().play_Sub(); }},
-        {keySpace, [](VideoScreen_Form &form, Velmora &) { form.spaceKey(); }},
+        {forms::keyF3, [](VideoScreen_Form &, Velmora &app) { app.player().pause_Sub(); }},
+        {forms::keyF2, [](VideoScreen_Form &, Velmora &app) { app.player().play_Sub(); }},
+        {forms::keySpace, [](VideoScreen_Form &form, Velmora &) { form.spaceKey(); }},
     };
     for (const Row &row : rows) {
         if (row.code == key.keyCode) {

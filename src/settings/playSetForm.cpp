@@ -1,6 +1,7 @@
 #include "settings/playSetForm.h"
 
 #include "base/run_time_error.h"
+#include "platform/forms/keys.h"
 #include "playback/Main.h"
 #include "playlist/playList_Form.h"
 #include "settings/Language.h"
@@ -88,8 +89,7 @@ void playSetForm::listenForKeys(forms::Container &container) {
 }
 
 void playSetForm::keyDown(forms::KeyEvent &key) {
-    constexpr std::int16_t keyS = 83;
-    if (key.keyCode == keyS && (key.shift & forms::ctrlMask) != 0) {
+    if (key.keyCode == forms::keyS && (key.shift & forms::ctrlMask) != 0) {
         key.keyCode = 0;
         qd_Click();
     }

@@ -3,6 +3,7 @@
 #include "ui/formSet.h"
 
 #include "base/text.h"
+#include "platform/forms/keys.h"
 #include "playback/Main.h"
 #include "playback/VideoScreen_Form.h"
 #include "playback/list_button.h"
@@ -19,23 +20,6 @@ namespace {
 
 enum class From : std::uint8_t { Main, List, Both };
 enum class With : std::uint8_t { Anything, Ctrl, ShiftAlone };
-
-constexpr std::int16_t keyEnter = 13;
-constexpr std::int16_t keyEscape = 27;
-constexpr std::int16_t keyDelete = 46;
-constexpr std::int16_t keyA = 65;
-constexpr std::int16_t keyS = 83;
-constexpr std::int16_t keyF2 = 113;
-constexpr std::int16_t keyF3 = 114;
-constexpr std::int16_t keyF4 = 115;
-constexpr std::int16_t keyF5 = 116;
-constexpr std::int16_t keyF6 = 117;
-constexpr std::int16_t keyF7 = 118;
-constexpr std::int16_t keyF8 = 119;
-constexpr std::int16_t keyF9 = 120;
-constexpr std::int16_t keyF10 = 121;
-constexpr std::int16_t keyF11 = 122;
-constexpr std::int16_t keyF12 = 123;
 
 struct Pressed {
     std::u16string_view formName;
@@ -91,59 +75,59 @@ struct formSet::Key {
 // Every row is tested, in this order; a key may match more than one.
 void formSet::form_KeyDown(std::int16_t keyCode, std::int16_t shift, std::u16string_view formName) {
     static constexpr Key keys[] = {
-        {From::Main, keyF7, With::Anything,
+        {From::Main, forms::keyF7, With::Anything,
          [](Velmora &app, const Pressed &) { app.Main().openFile_Button_Click(); }},
-        {From::Main, keyF2, With::Anything,
+        {From::Main, forms::keyF2, With::Anything,
          [](Velmora &app, const Pressed &) { app.Main().playButton_Click(); }},
         // With Shift both of these match: the disk first, and the second asks its question again,
         // for the same rows.
-        {From::List, keyDelete, With::ShiftAlone,
+        {From::List, forms::keyDelete, With::ShiftAlone,
          [](Velmora &app, const Pressed &key) {
              app.playList_Form().delOne(1, false, key.chosen);
          }},
-        {From::List, keyDelete, With::Anything,
+        {From::List, forms::keyDelete, With::Anything,
          [](Velmora &app, const Pressed &key) {
              app.playList_Form().delOne(0, false, key.chosen);
          }},
-        {From::List, keyA, With::Ctrl, selectAll},
-        {From::List, keyF7, With::Anything,
+        {From::List, forms::keyA, With::Ctrl, selectAll},
+        {From::List, forms::keyF7, With::Anything,
          [](Velmora &app, const Pressed &) { app.playList_Form().addFile_Click(); }},
-        {From::List, keyEnter, With::Anything,
+        {From::List, forms::keyEnter, With::Anything,
          [](Velmora &app, const Pressed &) { app.playList_Form().playThis(); }},
-        {From::List, keyF2, With::Anything,
+        {From::List, forms::keyF2, With::Anything,
          [](Velmora &app, const Pressed &) { app.playList_Form().playThis(); }},
-        {From::Both, keyEscape, With::Anything,
+        {From::Both, forms::keyEscape, With::Anything,
          [](Velmora &app, const Pressed &) { app.startLoad_Form().unload(); }},
-        {From::Both, keyF12, With::Anything, showAbout},
-        {From::Both, keyS, With::Ctrl,
+        {From::Both, forms::keyF12, With::Anything, showAbout},
+        {From::Both, forms::keyS, With::Ctrl,
          [](Velmora &app, const Pressed &) { app.Main().playSet_Button_Click(); }},
-        {From::Both, keyF8, With::Anything, hideList},
-        {From::Both, keyF11, With::Anything, toggleVideo},
-        {From::Both, keyF6, With::Anything,
+        {From::Both, forms::keyF8, With::Anything, hideList},
+        {From::Both, forms::keyF11, With::Anything, toggleVideo},
+        {From::Both, forms::keyF6, With::Anything,
          [](Velmora &app, const Pressed &) { app.player().next_Sub(directionNext); }},
-        {From::Both, keyF5, With::Anything,
+        {From::Both, forms::keyF5, With::Anything,
          [](Velmora &app, const Pressed &) { app.player().next_Sub(directionPrevious); }},
-        {From::Both, keyF4, With::Anything,
+        {From::Both, forms::keyF4, With::Anything,
          [](Velmora &app, const Pressed &) {
              app.player().close_Sub(0);
              app.Main().stop_Sub();
          }},
-        {From::Both, keyF3, With::Anything,
+        {From::Both, forms::keyF3, With::Anything,
          [](Velmora &app, const Pressed &) { app.player().pause_Sub(); }},
-        {From::Both, keyF10, With::Anything,
+        {From::Both, forms::keyF10, With::Anything,
          [](Velmora &app, const Pressed &) { app.playList_Form().to_Folder(); }},
-        {From::Both, keyF9, With::Anything,
+        {From::Both, forms::keyF9, With::Anything,
          [](Velmora &app, const Pressed &) { app.playList_Form().open_Folder(); }},
     };
     // While an operation on the list is at work all keys are still but the one that ends the
     // program.
-    if (ListWork::isGoingOn(app_) && keyCode != keyEscape) {
+    if (ListWork::isGoingOn(app_) && keyCode != forms::keyEscape) {
         return;
     }
     const bool fromMain = equalsIgnoringCase(formName, u"main");
     const bool fromList = equalsIgnoringCase(formName, u"playlist_Form");
-    const Pressed pressed{formName,
-                          keyCode == keyDelete ? app_.playList_Form().choice() : ListChoice()};
+    const Pressed pressed{formName, keyCode == forms::keyDelete ? app_.playList_Form().choice()
+                                                                : ListChoice()};
     for (const Key &key : keys) {
         const bool here = key.from == From::Main   ? fromMain
                           : key.from == From::List ? fromList

@@ -4,6 +4,7 @@
 #include "platform/contracts/windows.h"
 #include "platform/forms/dispatch.h"
 #include "platform/forms/form.h"
+#include "platform/forms/keys.h"
 
 #include <algorithm>
 #include <cmath>
@@ -30,9 +31,6 @@ constexpr std::array pictures{forms::Picture::button_normal, forms::Picture::but
 constexpr double edgePixels = 2;
 constexpr int edgesAcross = 3;
 constexpr int edgesDown = 16;
-
-constexpr std::int16_t enterKey = 13;
-constexpr std::int16_t spaceKey = 32;
 
 // The sum of an unsigned 8-bit number and a step; where it leaves the range it stays at 255.
 std::uint8_t stepped(std::uint8_t fade, std::int32_t step) noexcept {
@@ -215,7 +213,7 @@ void zkButton::mouseUp(const forms::MouseEvent &event) {
 void zkButton::keyDown(forms::KeyEvent &event) {
     const forms::Watch watch(*this);
     UserControl::keyDown(event);
-    if (watch && (event.keyCode == enterKey || event.keyCode == spaceKey)) {
+    if (watch && (event.keyCode == forms::keyEnter || event.keyCode == forms::keySpace)) {
         event.keyCode = 0;
         click();
     }

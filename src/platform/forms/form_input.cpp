@@ -3,6 +3,7 @@
 #include "platform/forms/dispatch.h"
 #include "platform/forms/form.h"
 #include "platform/forms/host.h"
+#include "platform/forms/keys.h"
 #include "platform/forms/user_control.h"
 
 #include <algorithm>
@@ -37,10 +38,8 @@ UserControl *asCustom(Control *control) noexcept {
 
 // A picture or label that Tab stops at is clicked by these.
 bool isClickKey(const Control &control, std::int16_t keyCode) noexcept {
-    constexpr std::int16_t enterKey = 13;
-    constexpr std::int16_t spaceKey = 32;
     return (control.kind() == Kind::Image || control.kind() == Kind::Label) &&
-           control.takesFocus() && (keyCode == enterKey || keyCode == spaceKey);
+           control.takesFocus() && (keyCode == keyEnter || keyCode == keySpace);
 }
 
 const Container *asContainer(const Control &control) noexcept {
