@@ -20,13 +20,7 @@ doLrcForm::doLrcForm(Velmora &app) : doLrcForm_Design(app.platform().windows), a
 
 void doLrcForm::load() {
     app_.formSet().set_ColourKey(*this);
-    app_.formSet().make_Draggable(*this, on());
-    app_.formSet().make_Draggable(*this, title.on());
-    app_.formSet().make_Draggable(*this, title_ICO.on());
-    on().QueryUnload = [this](bool &cancel) {
-        cancel = true;
-        close_Click();
-    };
+    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Click(); });
     // The list of this window shows as many rows as the play list.
     attachScrollBar({P1, P2, P3, P4, lrcList}, app_.formSet(),
                     [this] { return app_.playList_Form().visibleRows; });

@@ -63,9 +63,7 @@ search_Lrc_Internet_Form::search_Lrc_Internet_Form(Velmora &app)
 
 void search_Lrc_Internet_Form::load() {
     app_.formSet().set_ColourKey(*this);
-    app_.formSet().make_Draggable(*this, on());
-    app_.formSet().make_Draggable(*this, title.on());
-    app_.formSet().make_Draggable(*this, title_ICO.on());
+    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Click(); });
     search_Lrc_List.setFont(app_.playList_Form().playList_Item.font());
     setHandlers();
 }
@@ -82,10 +80,6 @@ void search_Lrc_Internet_Form::setHandlers() {
             fetchAndMatch();
     };
     search_Lrc_List.on().MouseMove = [this](const forms::MouseEvent &event) { showTip(event.y); };
-    on().QueryUnload = [this](bool &cancel) {
-        cancel = true;
-        close_Click();
-    };
     attachScrollBar({P1, P2, P3, P4, search_Lrc_List}, app_.formSet(),
                     [this] { return visibleRows; });
 }

@@ -42,9 +42,7 @@ search_Song_Internet_Form::search_Song_Internet_Form(Velmora &app)
 
 void search_Song_Internet_Form::load() {
     app_.formSet().set_ColourKey(*this);
-    app_.formSet().make_Draggable(*this, on());
-    app_.formSet().make_Draggable(*this, title.on());
-    app_.formSet().make_Draggable(*this, title_ICO.on());
+    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Click(); });
     search_Song_List.setFont(app_.playList_Form().playList_Item.font());
     hintText_ = u"双击曲目地址下载！";
     setHandlers();
@@ -62,10 +60,6 @@ void search_Song_Internet_Form::setHandlers() {
             fetchIntoCache(Then::Play);
     };
     search_Song_List.on().MouseMove = [this](const forms::MouseEvent &event) { hover(event.y); };
-    on().QueryUnload = [this](bool &cancel) {
-        cancel = true;
-        close_Click();
-    };
     wd.Progress = [this](double total, double received, double speed) {
         wd_Progress(total, received, speed);
     };

@@ -34,13 +34,7 @@ welcomeForm::welcomeForm(Velmora &app) : welcomeForm_Design(app.platform().windo
 void welcomeForm::load() {
     app_.formSet().set_ColourKey(*this);
     hide();
-    app_.formSet().make_Draggable(*this, on());
-    app_.formSet().make_Draggable(*this, title.on());
-    app_.formSet().make_Draggable(*this, title_ICO.on());
-    on().QueryUnload = [this](bool &cancel) {
-        cancel = true;
-        close_Click();
-    };
+    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Click(); });
     setHandlers();
 }
 

@@ -28,15 +28,16 @@ public:
     std::int16_t rotation_Count = 0;
     std::u16string chosen_File; // the file picked last, while it is being taken in
 
-    // --- start
-    // ------------------------------------------------------------------------------------ The play
-    // list, the last file, then the tick.
+    // --- start -----------------------------------------------------------------------------------
+    // The play list, the last file, then the tick.
     void main_Load();
 
     // --- transport -------------------------------------------------------------------------------
     void playButton_Click();
     void pauseButton_Click();
     void stopButton_Click();
+    // The stop of every key, menu and smaller window: the medium goes first, then the looks.
+    void closeAndStop();
     void nextButton_Click();
     void upButton_Click();
     // One file by the dialog; what follows is take_Chosen_File.
@@ -47,9 +48,8 @@ public:
     // The stopped look of all windows; sends no command to the engine.
     void stop_Sub();
 
-    // --- windows
-    // ---------------------------------------------------------------------------------- Ends the
-    // program.
+    // --- windows ---------------------------------------------------------------------------------
+    // Ends the program.
     void closeButton_Click();
     void minimizeButton_Click();
     void mini_Button_Click();

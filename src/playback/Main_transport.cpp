@@ -48,6 +48,11 @@ void Main::stopButton_Click() {
     app_.player().close_Sub(0);
 }
 
+void Main::closeAndStop() {
+    app_.player().close_Sub(0);
+    stop_Sub();
+}
+
 void Main::nextButton_Click() {
     app_.player().next_Sub(app_.setControl().PlayMode == playRandom ? directionRandom
                                                                     : directionNext);

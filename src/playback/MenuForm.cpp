@@ -25,11 +25,7 @@ void MenuForm::load() {
     const Row rows[] = {
         {play, [](Velmora &app) { app.Main().playButton_Click(); }},
         {pause, [](Velmora &app) { app.player().pause_Sub(); }},
-        {stop,
-         [](Velmora &app) {
-             app.player().close_Sub(0);
-             app.Main().stop_Sub();
-         }},
+        {stop, [](Velmora &app) { app.Main().closeAndStop(); }},
         // These two walk the list whatever the play mode.
         {nextSong, [](Velmora &app) { app.player().next_Sub(directionNext); }},
         {upSong, [](Velmora &app) { app.player().next_Sub(directionPrevious); }},

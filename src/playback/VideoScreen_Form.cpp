@@ -111,11 +111,7 @@ void VideoScreen_Form::keyDown(const forms::KeyEvent &key) {
          [](VideoScreen_Form &, Velmora &app) { app.player().next_Sub(directionNext); }},
         {forms::keyF5,
          [](VideoScreen_Form &, Velmora &app) { app.player().next_Sub(directionPrevious); }},
-        {forms::keyF4,
-         [](VideoScreen_Form &, Velmora &app) {
-             app.player().close_Sub(0);
-             app.Main().stop_Sub();
-         }},
+        {forms::keyF4, [](VideoScreen_Form &, Velmora &app) { app.Main().closeAndStop(); }},
         {forms::keyF3, [](VideoScreen_Form &, Velmora &app) { app.player().pause_Sub(); }},
         {forms::keyF2, [](VideoScreen_Form &, Velmora &app) { app.player().play_Sub(); }},
         {forms::keySpace, [](VideoScreen_Form &form, Velmora &) { form.spaceKey(); }},

@@ -84,15 +84,9 @@ check_SoundDriver_Form::check_SoundDriver_Form(Velmora &app)
 
 void check_SoundDriver_Form::load() {
     passOver([this] { app_.formSet().set_ColourKey(*this); });
-    app_.formSet().make_Draggable(*this, on());
-    app_.formSet().make_Draggable(*this, title.on());
-    app_.formSet().make_Draggable(*this, title_ICO.on());
+    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Click(); });
     close.on().Click = [this] { close_Click(); };
     check.on().Click = [this] { check_Click(); };
-    on().QueryUnload = [this](bool &cancel) {
-        cancel = true;
-        close_Click();
-    };
 }
 
 std::int16_t check_SoundDriver_Form::get_CheckResult() {

@@ -93,10 +93,7 @@ void miniForm::playButton_Click() {
     player.play_Sub();
 }
 
-void miniForm::stopButton_Click() {
-    app_.player().close_Sub(0);
-    app_.Main().stop_Sub();
-}
+void miniForm::stopButton_Click() { app_.Main().closeAndStop(); }
 
 void miniForm::lock(bool closed) {
     auto_Hide = closed ? 0 : -1;

@@ -100,8 +100,7 @@ void player::openFile(std::u16string path, std::int16_t &result) {
     if (onDisk.empty()) {
         return;
     }
-    close_Sub(0);
-    app_.Main().stop_Sub();
+    app_.Main().closeAndStop();
     const std::u16string shortPath(untilNul(app_.platform().files.GetShortPathNameA(onDisk)));
     const std::u16string device = get_DeviceType(shortPath);
     if (device == u"RealPlayer") {

@@ -11,14 +11,8 @@ another_PlayInfo_Form::another_PlayInfo_Form(Velmora &app)
 
 void another_PlayInfo_Form::load() {
     app_.formSet().set_ColourKey(*this);
-    app_.formSet().make_Draggable(*this, on());
-    app_.formSet().make_Draggable(*this, title.on());
-    app_.formSet().make_Draggable(*this, title_ICO.on());
+    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Click(); });
     close.on().Click = [this] { close_Click(); };
-    on().QueryUnload = [this](bool &cancel) {
-        cancel = true;
-        close_Click();
-    };
 }
 
 void another_PlayInfo_Form::close_Click() {

@@ -19,9 +19,7 @@ listControl_Form::listControl_Form(Velmora &app)
 
 void listControl_Form::load() {
     app_.formSet().set_ColourKey(*this);
-    app_.formSet().make_Draggable(*this, on());
-    app_.formSet().make_Draggable(*this, title.on());
-    app_.formSet().make_Draggable(*this, title_ICO.on());
+    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Box(); });
     setHandlers();
 }
 
@@ -29,10 +27,6 @@ void listControl_Form::setHandlers() {
     OK.on().Click = [this] { OK_Click(); };
     Cancel.on().Click = [this] { close_Box(); };
     close.on().Click = [this] { close_Box(); };
-    on().QueryUnload = [this](bool &cancel) {
-        cancel = true;
-        close_Box();
-    };
 }
 
 void listControl_Form::OK_Click() {

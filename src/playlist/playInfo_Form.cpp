@@ -19,16 +19,10 @@ playInfo_Form::playInfo_Form(Velmora &app)
 
 void playInfo_Form::load() {
     app_.formSet().set_ColourKey(*this);
-    app_.formSet().make_Draggable(*this, on());
-    app_.formSet().make_Draggable(*this, title.on());
-    app_.formSet().make_Draggable(*this, title_ICO.on());
+    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Click(); });
     close.on().Click = [this] { close_Click(); };
     anotherInfo_Button.on().Click = [this] { anotherInfo_Button_Click(); };
     openLrcFile.on().Click = [this] { openLrcFile_Click(); };
-    on().QueryUnload = [this](bool &cancel) {
-        cancel = true;
-        close_Click();
-    };
     Timer1.onTimer = [this] { tick(); };
 }
 

@@ -18,18 +18,11 @@ playSetForm::playSetForm(Velmora &app) : playSetForm_Design(app.platform().windo
 void playSetForm::load() {
     passOver([this] { app_.formSet().set_ColourKey(*this); });
     layPages();
-    app_.formSet().make_Draggable(*this, on());
-    app_.formSet().make_Draggable(*this, title.on());
-    app_.formSet().make_Draggable(*this, title_ICO.on());
+    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { leave(); });
     setTabHandlers();
     setButtonHandlers();
     on().KeyDown = [this](forms::KeyEvent &key) { keyDown(key); };
     listenForKeys(*this);
-    // The window only hides, for the run's whole length.
-    on().QueryUnload = [this](bool &cancel) {
-        cancel = true;
-        leave();
-    };
 }
 
 // The pages may be designed side by side; they are used over one another.

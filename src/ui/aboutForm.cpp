@@ -15,17 +15,11 @@ aboutForm::aboutForm(Velmora &app) : aboutForm_Design(app.platform().windows), a
 
 void aboutForm::load() {
     passOver([this] { app_.formSet().set_ColourKey(*this); });
-    app_.formSet().make_Draggable(*this, on());
-    app_.formSet().make_Draggable(*this, title.on());
-    app_.formSet().make_Draggable(*this, title_ICO.on());
+    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Click(); });
     close.on().Click = [this] { close_Click(); };
     // A mail line shows the address that it writes to.
     for (forms::Label *line : {&email, &Cooperation_Email})
         line->on().Click = [this, line] { app_.saveOrOpenFile().mailTo(line->caption()); };
-    on().QueryUnload = [this](bool &cancel) {
-        cancel = true;
-        close_Click();
-    };
 }
 
 void aboutForm::show_For(std::u16string_view caller) {

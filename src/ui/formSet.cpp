@@ -116,6 +116,18 @@ void formSet::make_Draggable(forms::Form &form, forms::ControlEvents &events) {
     };
 }
 
+void formSet::dress(forms::Form &form, std::initializer_list<forms::Control *> handles,
+                    std::function<void()> close) {
+    make_Draggable(form, form.on());
+    for (forms::Control *handle : handles) {
+        make_Draggable(form, handle->on());
+    }
+    form.on().QueryUnload = [close = std::move(close)](bool &cancel) {
+        cancel = true;
+        close();
+    };
+}
+
 // --- docking ---------------------------------------------------------------------------------
 
 bool formSet::read_Tray_Area() {

@@ -7,6 +7,8 @@
 #include "platform/forms/form.h"
 
 #include <cstdint>
+#include <functional>
+#include <initializer_list>
 #include <string_view>
 
 namespace velmora {
@@ -29,18 +31,16 @@ public:
     std::int32_t drag_Y = 0;
     std::int32_t wait_Ms = 0; // the sleep between two steps of the mini window's slide
 
-    // --- shape and order
-    // -------------------------------------------------------------------------- Makes the key
-    // colour of the form a hole.
+    // --- shape and order -------------------------------------------------------------------------
+    // Makes the key colour of the form a hole.
     void set_ColourKey(forms::Form &form);
     std::int32_t set_Topmost(platform::HWND window, bool flag);
     // Keeps the mini window and the desktop lyric on top.
     void keep_Topmost();
 
-    // --- dragging
-    // --------------------------------------------------------------------------------- X and Y of
-    // a drag are the pointer's place on the screen less the form's place at that moment: the
-    // coordinates that come with an event lag behind a window that is being moved.
+    // --- dragging --------------------------------------------------------------------------------
+    // X and Y of a drag are the pointer's place on the screen less the form's place at that moment:
+    // the coordinates that come with an event lag behind a window that is being moved.
     PointTwips pointer_On(const forms::Form &form, const forms::MouseEvent &event);
     void start_Drag(const forms::Form &form, const forms::MouseEvent &event);
     // How far the form has to move (twips), while the left button is down.
@@ -49,6 +49,10 @@ public:
     void settle_Pair(forms::Form &dragged, forms::Form &other);
     // The handlers of a form that is dragged alone, on the form itself or on one of its controls.
     void make_Draggable(forms::Form &form, forms::ControlEvents &events);
+    // What most windows share: dragged alone by the form and these controls of it, and closed by
+    // `close`, which hides it: a window stays for the run's whole length.
+    void dress(forms::Form &form, std::initializer_list<forms::Control *> handles,
+               std::function<void()> close);
 
     // --- docking ---------------------------------------------------------------------------------
     bool read_Tray_Area();

@@ -108,10 +108,7 @@ void formSet::form_KeyDown(std::int16_t keyCode, std::int16_t shift, std::u16str
         {From::Both, forms::keyF5, With::Anything,
          [](Velmora &app, const Pressed &) { app.player().next_Sub(directionPrevious); }},
         {From::Both, forms::keyF4, With::Anything,
-         [](Velmora &app, const Pressed &) {
-             app.player().close_Sub(0);
-             app.Main().stop_Sub();
-         }},
+         [](Velmora &app, const Pressed &) { app.Main().closeAndStop(); }},
         {From::Both, forms::keyF3, With::Anything,
          [](Velmora &app, const Pressed &) { app.player().pause_Sub(); }},
         {From::Both, forms::keyF10, With::Anything,
