@@ -53,10 +53,9 @@ public:
     // The buffer of `get_PositionMMSS`.
     std::u16string pos_MMSS;
 
-    // --- opening and closing
-    // ---------------------------------------------------------------------- Opens a file with the
-    // device that its extension selects. A missing file leaves everything as it is, the open medium
-    // included. An error inside ends the routine with the result so far.
+    // --- opening and closing ---------------------------------------------------------------------
+    // Opens a file with the device that its extension selects. A missing file leaves everything as
+    // it is, the open medium included. An error inside ends the routine with the result so far.
     std::int16_t open_File(std::u16string path);
     // Mode 0 also resets what the windows keep for an open medium; any other mode only closes.
     // -1 when the engine had something to close.
@@ -76,10 +75,9 @@ public:
     // How often a medium, or none, was closed.
     std::uint32_t closings() const { return closings_; }
 
-    // --- playing
-    // ---------------------------------------------------------------------------------- Plays from
-    // the present position with a fade-in to the volume that Main's bar shows, handling events
-    // meanwhile; then puts the channel back. With nothing open: stop_Sub of Main, result 0.
+    // --- playing ---------------------------------------------------------------------------------
+    // Plays from the present position with a fade-in to the volume that Main's bar shows, handling
+    // events meanwhile; then puts the channel back. With nothing open: stop_Sub of Main, result 0.
     std::int16_t play_Sub();
     // Whether it is at work now, with events handled in it.
     bool isStarting() const { return starting_ > 0; }
@@ -104,9 +102,8 @@ public:
     std::u16string get_PositionMMSS();
     std::u16string get_LrcTimeTag(); // [mm:ss.cc], the lyric editor's stamp
 
-    // --- seek bars
-    // -------------------------------------------------------------------------------- Width
-    // (twips) of the fill for the present position; the whole background at position 0.
+    // --- seek bars -------------------------------------------------------------------------------
+    // Width (twips) of the fill for the present position; the whole background at position 0.
     std::int32_t get_PlayedWidth(PlayerWindow window);
     // Seeks to where the bar was clicked; `x` in twips from its left edge. Not the inverse of
     // `get_PlayedWidth`.
@@ -121,9 +118,9 @@ public:
     // The picture control's inner size goes into `put_VideoWindow`.
     std::int16_t put_VideoWindowWhole();
 
-    // --- files and the list
-    // ------------------------------------------------------------------------- The file name
-    // without folder and extension; empty when the last "." stands in a folder's name.
+    // --- files and the list ----------------------------------------------------------------------
+    // The file name without folder and extension; empty when the last "." stands in a folder's
+    // name.
     std::u16string getFileStem(std::u16string_view path) const;
     // Fills the four labels of playInfo_Form.
     void show_FileInfo(std::u16string_view path);

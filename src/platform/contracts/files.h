@@ -76,10 +76,9 @@ public:
     // pipes and devices are not found. Folders: folders only. Never raises.
     virtual std::u16string Dir(std::u16string_view path, SearchFor what = SearchFor::Files) = 0;
 
-    // All names of a folder, sorted by upper-cased name, without "." , ".." and names beginning
-    // with
-    // "."; a folder entered before in the same walk (device, inode) is empty. An unreadable folder
-    // is empty. `walk` is the identity of the walk, 0 for a single listing.
+    // All names of a folder, sorted by upper-cased name, without those that begin with a dot; a
+    // folder entered before in the same walk (device, inode) is empty. An unreadable folder is
+    // empty. `walk` is the identity of the walk, 0 for a single listing.
     virtual std::vector<std::u16string> list(std::u16string_view folder, SearchFor what,
                                              std::uint32_t walk = 0) = 0;
 

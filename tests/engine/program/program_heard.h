@@ -56,10 +56,9 @@ protected:
     }
     ~ProgramHeard() override { std::filesystem::remove_all(folder_); }
 
-    // --- tracks
-    // ----------------------------------------------------------------------------------- A second
-    // of one frequency on each side at half of full scale, loud from its first sample to its last.
-    // Answers its path.
+    // --- tracks ----------------------------------------------------------------------------------
+    // A second of one frequency on each side at half of full scale, loud from its first sample to
+    // its last. Answers its path.
     std::string tone(const std::string &name, double left, double right, double seconds = 1.0) {
         constexpr int rate = 44100;
         const auto frames = static_cast<std::uint32_t>(seconds * rate);
@@ -102,9 +101,8 @@ protected:
         app_.player().play_Sub();
     }
 
-    // --- time
-    // ------------------------------------------------------------------------------------- Lets
-    // the program's timers tick in real time until the condition holds.
+    // --- time ------------------------------------------------------------------------------------
+    // Lets the program's timers tick in real time until the condition holds.
     bool runUntil(const std::function<bool()> &condition, int limitMs = 10'000) {
         const auto end = Clock::now() + std::chrono::milliseconds(limitMs);
         while (!condition()) {

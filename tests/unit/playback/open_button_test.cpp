@@ -115,8 +115,7 @@ TEST_F(OpenButton, OfAFileWithoutAStemClosesAPlayingMediumAllTheSame) {
     EXPECT_FALSE(media.isOpen());
 }
 
-// --- a list that is full, or nearly
-// ----------------------------------------------------------------
+// --- a list that is full, or nearly --------------------------------------------------------------
 
 class OpenButtonOfALongList : public OpenButton {
 protected:

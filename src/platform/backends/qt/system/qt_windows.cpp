@@ -27,8 +27,8 @@ namespace velmora::platform {
 
 namespace {
 
-// The number of the task bar, which is no window of ours.
 constexpr double plainPoints = 9;
+// The number of the task bar, which is no window of ours.
 constexpr HWND taskBarNumber = ~HWND{0};
 
 } // namespace

@@ -195,7 +195,7 @@ TimePoint Voice::fill(TimePoint now) {
 bool Voice::rewriteStale(TimePoint now, std::int64_t heard) {
     if (!staleFrom_)
         return false;
-    if (now<lastMix_ + mixSettled && * staleFrom_ - heard> framesOfMs(staleNearMs))
+    if (now < (lastMix_ + mixSettled) && (*staleFrom_ - heard) > framesOfMs(staleNearMs))
         return false;
     const std::int64_t end = std::min(head_, *staleFrom_ + largeStep);
     write(*staleFrom_, end);
