@@ -32,6 +32,9 @@ add_library(velmora_flags INTERFACE)
 target_compile_options(velmora_flags INTERFACE
     -Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
     -Wcast-align -Wnull-dereference -Wformat=2 -fno-strict-aliasing)
+# Errors know where they were raised; what users run tells nothing of the folder that it was built in.
+target_compile_options(velmora_flags INTERFACE
+    "$<$<NOT:$<CONFIG:Debug>>:-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=>")
 # g++ 12 reports false positives of these in optimised standard library code.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(velmora_flags INTERFACE -Wno-restrict -Wno-null-dereference

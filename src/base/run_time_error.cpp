@@ -2,6 +2,9 @@
 
 #include "base/text.h"
 
+#include <cstdio>
+#include <cstdlib>
+
 namespace velmora {
 
 namespace {
@@ -12,9 +15,21 @@ std::u16string describe(ErrorNumber number, std::u16string description) {
 
 } // namespace
 
-RunTimeError::RunTimeError(ErrorNumber number, std::u16string description)
+RunTimeError::RunTimeError(ErrorNumber number, std::u16string description,
+                           std::source_location raisedAt)
     : std::runtime_error(toUtf8(describe(number, description))), number_(number),
-      description_(describe(number, std::move(description))) {}
+      description_(describe(number, std::move(description))), raisedAt_(raisedAt) {}
+
+void noteSwallowed(const RunTimeError &error, std::source_location droppedAt) noexcept {
+    if constexpr (VELMORA_DEVELOPMENT) {
+        if (std::getenv("VELMORA_SWALLOWED") != nullptr) {
+            std::fprintf(stderr, "swallowed: %d %s, raised at %s:%u, dropped at %s:%u\n",
+                         static_cast<int>(error.number()), error.what(),
+                         error.raisedAt().file_name(), error.raisedAt().line(),
+                         droppedAt.file_name(), droppedAt.line());
+        }
+    }
+}
 
 std::u16string defaultDescription(ErrorNumber number) {
     switch (number) {
@@ -48,6 +63,8 @@ std::u16string defaultDescription(ErrorNumber number) {
     return u"Application-defined or object-defined error";
 }
 
-void raise(ErrorNumber number) { throw RunTimeError(number, defaultDescription(number)); }
+void raise(ErrorNumber number, std::source_location raisedAt) {
+    throw RunTimeError(number, defaultDescription(number), raisedAt);
+}
 
 } // namespace velmora

@@ -7,6 +7,7 @@
 // of an event handler ends that handler and nothing else; the forms do that catching (see
 // platform/forms/control.h).
 
+#include <source_location>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -35,28 +36,40 @@ enum class ErrorNumber : int {
 class RunTimeError : public std::runtime_error {
 public:
     // `description` is what a message box shows; it is never empty.
-    RunTimeError(ErrorNumber number, std::u16string description);
+    RunTimeError(ErrorNumber number, std::u16string description,
+                 std::source_location raisedAt = std::source_location::current());
 
     ErrorNumber number() const noexcept { return number_; }
     const std::u16string &description() const noexcept { return description_; }
+    const std::source_location &raisedAt() const noexcept { return raisedAt_; }
 
 private:
     ErrorNumber number_;
     std::u16string description_;
+    std::source_location raisedAt_;
 };
 
 // The description that the platform's designers gave to an error number, for errors that no
 // service describes better ("Overflow", "Type mismatch").
 std::u16string defaultDescription(ErrorNumber number);
 
-[[noreturn]] void raise(ErrorNumber number);
+[[noreturn]] void raise(ErrorNumber number,
+                        std::source_location raisedAt = std::source_location::current());
+
+// For those who catch an error and go on as if nothing had been. In a build for development the
+// environment variable VELMORA_SWALLOWED makes it a line on standard error, with the places where
+// the error was raised and dropped; else nothing comes of it.
+void noteSwallowed(const RunTimeError &error,
+                   std::source_location droppedAt = std::source_location::current()) noexcept;
 
 // Runs one statement and drops its failure. Returns whether it went through.
-template <typename Statement> bool passOver(Statement &&statement) {
+template <typename Statement> bool
+passOver(Statement &&statement, std::source_location droppedAt = std::source_location::current()) {
     try {
         std::forward<Statement>(statement)();
         return true;
-    } catch (const RunTimeError &) {
+    } catch (const RunTimeError &error) {
+        noteSwallowed(error, droppedAt);
         return false;
     }
 }

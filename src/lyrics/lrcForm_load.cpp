@@ -26,7 +26,8 @@ void lrcForm::startLoad(std::u16string_view path) {
             forgetLyric();
         }
         followLyric();
-    } catch (const RunTimeError &) {
+    } catch (const RunTimeError &error) {
+        noteSwallowed(error);
         // The box that would tell of it takes a text that is no number as part of its title, so it
         // never comes up: that second error is what the caller meets.
         velmora::raise(ErrorNumber::TypeMismatch);

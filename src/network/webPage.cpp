@@ -42,7 +42,8 @@ bool downloadToLocal(const platform::Platform &platform, std::u16string_view url
         platform.windows.DoEvents();
         return (!mayFetch || mayFetch()) &&
                platform.internet.URLDownloadToFileA(url, file, platform::lyricFile) == 0;
-    } catch (const RunTimeError &) {
+    } catch (const RunTimeError &error) {
+        noteSwallowed(error);
         return false;
     }
 }

@@ -74,7 +74,8 @@ bool playerInfo::readId3v1(std::u16string_view path) {
         return true;
     try {
         return readTag(onDisk);
-    } catch (const RunTimeError &) {
+    } catch (const RunTimeError &error) {
+        noteSwallowed(error);
         return false;
     }
 }

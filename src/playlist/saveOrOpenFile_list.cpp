@@ -192,7 +192,8 @@ bool saveOrOpenFile::readLines(const std::u16string &path) {
                 return false;
         }
         return true;
-    } catch (const RunTimeError &) {
+    } catch (const RunTimeError &error) {
+        noteSwallowed(error);
         return false;
     }
 }

@@ -22,7 +22,8 @@ namespace {
 template <typename Result, typename Read> Result orElse(const Result &otherwise, Read read) {
     try {
         return read();
-    } catch (const RunTimeError &) {
+    } catch (const RunTimeError &error) {
+        noteSwallowed(error);
         return otherwise;
     }
 }

@@ -44,7 +44,8 @@ bool setControl::save_Lrc_Font(std::u16string_view set) {
         writeNumber(u"Lrc_BackColor", Lrc_BackColor);
         closeKey();
         return true;
-    } catch (const RunTimeError &) {
+    } catch (const RunTimeError &error) {
+        noteSwallowed(error);
         return false;
     }
 }
@@ -54,7 +55,8 @@ bool setControl::load_Lrc_Font(std::u16string_view set) {
         getProvider();
         readLrcFont(set);
         return true;
-    } catch (const RunTimeError &) {
+    } catch (const RunTimeError &error) {
+        noteSwallowed(error);
         // Nothing is dressed for "Other", its own preview included.
         if (set == u"Desktop")
             dressPreviews();

@@ -18,8 +18,8 @@ void raiseEvent(const Handler &handler, Arguments &&...arguments) {
     const Handler kept = handler;
     try {
         kept(std::forward<Arguments>(arguments)...);
-    } catch (const RunTimeError &) {
-        // An event has no caller that could be told.
+    } catch (const RunTimeError &error) {
+        noteSwallowed(error); // an event has no caller that could be told
     }
 }
 

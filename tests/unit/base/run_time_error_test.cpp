@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <functional>
 #include <stdexcept>
+#include <string>
 
 namespace velmora {
 namespace {
@@ -49,6 +52,40 @@ TEST(RunTimeError, isRaisedByNumberAlone) {
         EXPECT_EQ(error.number(), ErrorNumber::PathNotFound);
         EXPECT_EQ(error.description(), u"Path not found");
     }
+}
+
+class Swallowed : public testing::Test {
+protected:
+    void TearDown() override { unsetenv("VELMORA_SWALLOWED"); }
+    static std::string heard(const std::function<void()> &work) {
+        testing::internal::CaptureStderr();
+        work();
+        return testing::internal::GetCapturedStderr();
+    }
+};
+
+TEST_F(Swallowed, isToldWithBothPlacesToWhoeverAsks) {
+    setenv("VELMORA_SWALLOWED", "1", 1);
+    int raised = 0;
+    int dropped = 0;
+    const std::string line = heard([&] {
+        dropped = __LINE__ + 1;
+        passOver([&] {
+            raised = __LINE__ + 1;
+            raise(ErrorNumber::DiskFull);
+        });
+    });
+    EXPECT_EQ(line.find("swallowed: 61 Disk full, raised at "), 0U) << line;
+    EXPECT_NE(line.find("run_time_error_test.cpp:" + std::to_string(raised) + ","), line.npos)
+        << line;
+    EXPECT_NE(line.find("run_time_error_test.cpp:" + std::to_string(dropped) + "\n"), line.npos)
+        << line;
+}
+
+TEST_F(Swallowed, isNotToldWhereNobodyAsksOrNothingFails) {
+    EXPECT_EQ(heard([] { passOver([] { raise(ErrorNumber::DiskFull); }); }), "");
+    setenv("VELMORA_SWALLOWED", "1", 1);
+    EXPECT_EQ(heard([] { passOver([] {}); }), "");
 }
 
 TEST(PassOver, tellsWhetherTheStatementWentThrough) {

@@ -143,8 +143,8 @@ void Loop::leave() noexcept {
         idle_.pop_front();
         try {
             work();
-        } catch (const RunTimeError &) {
-            // An error ends the piece of work that raised it, as it ends a handler.
+        } catch (const RunTimeError &error) {
+            noteSwallowed(error); // it ends the piece of work that raised it, as it ends a handler
         }
     }
     --depth_;
