@@ -22,16 +22,16 @@ namespace velmora::platform::http {
 CurlClient::~CurlClient() {
     handles_.clear();
     if (jar_ != nullptr)
-        curl_->shareCleanup(jar_);
+        curl_->curl_share_cleanup(jar_);
 }
 
 bool CurlClient::load() {
     if (curl_ == nullptr)
         curl_ = CurlLibrary::load();
     if (curl_ != nullptr && jar_ == nullptr) {
-        jar_ = curl_->shareInit();
+        jar_ = curl_->curl_share_init();
         if (jar_ != nullptr)
-            curl_->shareSetopt(jar_, CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
+            curl_->curl_share_setopt(jar_, CURLSHOPT_SHARE, CURL_LOCK_DATA_COOKIE);
     }
     return jar_ != nullptr;
 }
@@ -85,30 +85,30 @@ bool CurlClient::InternetSetCookieA(std::u16string_view url, std::u16string_view
         return false;
     const auto line = jarLine(
         partsOf(ansi_.encode(url)), ansi_.encode(name), ansi_.encode(data), std::time(nullptr),
-        [&](const std::string &date) { return curl_->getdate(date.c_str(), nullptr); });
-    CURL *easy = line ? curl_->easyInit() : nullptr;
+        [&](const std::string &date) { return curl_->curl_getdate(date.c_str(), nullptr); });
+    CURL *easy = line ? curl_->curl_easy_init() : nullptr;
     if (easy == nullptr)
         return false;
-    curl_->easySetopt(easy, CURLOPT_SHARE, jar_);
-    curl_->easySetopt(easy, CURLOPT_COOKIEFILE, "");
-    const CURLcode result = curl_->easySetopt(easy, CURLOPT_COOKIELIST, line->c_str());
-    curl_->easyCleanup(easy);
+    curl_->curl_easy_setopt(easy, CURLOPT_SHARE, jar_);
+    curl_->curl_easy_setopt(easy, CURLOPT_COOKIEFILE, "");
+    const CURLcode result = curl_->curl_easy_setopt(easy, CURLOPT_COOKIELIST, line->c_str());
+    curl_->curl_easy_cleanup(easy);
     return result == CURLE_OK;
 }
 
 std::vector<std::string> CurlClient::jarLines() {
     std::vector<std::string> lines;
-    CURL *easy = curl_->easyInit();
+    CURL *easy = curl_->curl_easy_init();
     if (easy == nullptr)
         return lines;
-    curl_->easySetopt(easy, CURLOPT_SHARE, jar_);
-    curl_->easySetopt(easy, CURLOPT_COOKIEFILE, "");
+    curl_->curl_easy_setopt(easy, CURLOPT_SHARE, jar_);
+    curl_->curl_easy_setopt(easy, CURLOPT_COOKIEFILE, "");
     curl_slist *list = nullptr;
-    curl_->easyGetinfo(easy, CURLINFO_COOKIELIST, &list);
+    curl_->curl_easy_getinfo(easy, CURLINFO_COOKIELIST, &list);
     for (const curl_slist *item = list; item != nullptr; item = item->next)
         lines.emplace_back(item->data);
-    curl_->slistFreeAll(list);
-    curl_->easyCleanup(easy);
+    curl_->curl_slist_free_all(list);
+    curl_->curl_easy_cleanup(easy);
     return lines;
 }
 

@@ -34,35 +34,38 @@ std::string hostsWithoutProxy() {
 Exchange::Exchange(const CurlLibrary &curl, CURLSH *jar, const InternetLimits &limits,
                    Request request)
     : curl_(curl), limits_(limits), request_(std::move(request)),
-      withoutProxy_(hostsWithoutProxy()), easy_(curl.easyInit()), multi_(curl.multiInit()) {
+      withoutProxy_(hostsWithoutProxy()), easy_(curl.curl_easy_init()),
+      multi_(curl.curl_multi_init()) {
     if (easy_ == nullptr || multi_ == nullptr) {
         result_ = CURLE_FAILED_INIT;
         ending_ = Ending::Failed;
         return;
     }
-    curl_.easySetopt(easy_, CURLOPT_SHARE, jar);
-    curl_.easySetopt(easy_, CURLOPT_COOKIEFILE, "");
+    curl_.curl_easy_setopt(easy_, CURLOPT_SHARE, jar);
+    curl_.curl_easy_setopt(easy_, CURLOPT_COOKIEFILE, "");
     prepare();
     prepareBody();
 }
 
 Exchange::~Exchange() {
     if (easy_ != nullptr && multi_ != nullptr)
-        curl_.multiRemoveHandle(multi_, easy_);
+        curl_.curl_multi_remove_handle(multi_, easy_);
     if (easy_ != nullptr)
-        curl_.easyCleanup(easy_);
+        curl_.curl_easy_cleanup(easy_);
     if (multi_ != nullptr)
-        curl_.multiCleanup(multi_);
-    curl_.slistFreeAll(headers_);
+        curl_.curl_multi_cleanup(multi_);
+    curl_.curl_slist_free_all(headers_);
 }
 
 void Exchange::prepare() {
-    const auto set = [&](CURLoption option, auto value) { curl_.easySetopt(easy_, option, value); };
+    const auto set = [&](CURLoption option, auto value) {
+        curl_.curl_easy_setopt(easy_, option, value);
+    };
     set(CURLOPT_URL, request_.url.c_str());
     set(CURLOPT_PATH_AS_IS, 1L);
     // A library that does not know one of these is too old to be trusted with a redirect.
     const auto must = [&](CURLoption option, auto value) {
-        const CURLcode code = curl_.easySetopt(easy_, option, value);
+        const CURLcode code = curl_.curl_easy_setopt(easy_, option, value);
         if (code != CURLE_OK && result_ == CURLE_OK) {
             result_ = code;
             ending_ = Ending::Failed;
@@ -90,7 +93,7 @@ void Exchange::prepare() {
         set(CURLOPT_PASSWORD, request_.password.c_str());
     }
     for (const std::string &header : request_.headers)
-        headers_ = curl_.slistAppend(headers_, header.c_str());
+        headers_ = curl_.curl_slist_append(headers_, header.c_str());
     set(CURLOPT_HTTPHEADER, headers_);
     set(CURLOPT_HEADERFUNCTION, &Exchange::onHeader);
     set(CURLOPT_HEADERDATA, this);
@@ -103,16 +106,16 @@ void Exchange::prepare() {
 void Exchange::prepareBody() {
     const std::string &verb = request_.verb;
     if (verb == "POST" || !request_.body.empty()) {
-        curl_.easySetopt(easy_, CURLOPT_POST, 1L);
-        curl_.easySetopt(easy_, CURLOPT_POSTFIELDSIZE_LARGE,
-                         static_cast<curl_off_t>(request_.body.size()));
-        curl_.easySetopt(easy_, CURLOPT_POSTFIELDS, request_.body.c_str());
+        curl_.curl_easy_setopt(easy_, CURLOPT_POST, 1L);
+        curl_.curl_easy_setopt(easy_, CURLOPT_POSTFIELDSIZE_LARGE,
+                               static_cast<curl_off_t>(request_.body.size()));
+        curl_.curl_easy_setopt(easy_, CURLOPT_POSTFIELDS, request_.body.c_str());
     }
     // POST and GET are not named, so that a redirect may turn one into the other.
     if (verb == "HEAD")
-        curl_.easySetopt(easy_, CURLOPT_NOBODY, 1L);
+        curl_.curl_easy_setopt(easy_, CURLOPT_NOBODY, 1L);
     else if (!verb.empty() && verb != "POST" && (verb != "GET" || !request_.body.empty()))
-        curl_.easySetopt(easy_, CURLOPT_CUSTOMREQUEST, verb.c_str());
+        curl_.curl_easy_setopt(easy_, CURLOPT_CUSTOMREQUEST, verb.c_str());
 }
 
 std::size_t Exchange::onHeader(char *bytes, std::size_t size, std::size_t count, void *self) {
@@ -165,7 +168,7 @@ void Exchange::step(Time until) {
     int running = 0;
     const std::size_t before = received_;
     const bool headerBefore = header_.complete();
-    curl_.multiPerform(multi_, &running);
+    curl_.curl_multi_perform(multi_, &running);
     noteResult();
     if (ending_ != Ending::Running || received_ != before || header_.complete() != headerBefore)
         return;
@@ -175,12 +178,13 @@ void Exchange::step(Time until) {
         return;
     }
     constexpr decltype(left) longestWait = 1000;
-    curl_.multiPoll(multi_, nullptr, 0, static_cast<int>(std::min(left + 1, longestWait)), nullptr);
+    curl_.curl_multi_poll(multi_, nullptr, 0, static_cast<int>(std::min(left + 1, longestWait)),
+                          nullptr);
 }
 
 void Exchange::noteResult() {
     int left = 0;
-    while (const CURLMsg *message = curl_.multiInfoRead(multi_, &left)) {
+    while (const CURLMsg *message = curl_.curl_multi_info_read(multi_, &left)) {
         if (message->msg != CURLMSG_DONE)
             continue;
         result_ = message->data.result;
@@ -201,7 +205,7 @@ bool Exchange::start(Time until) {
     until_ = until;
     stageUntil_ = steady_clock::now() + limits_.connect;
     const Time headerUntil = std::min(until_, steady_clock::now() + limits_.header);
-    curl_.multiAddHandle(multi_, easy_);
+    curl_.curl_multi_add_handle(multi_, easy_);
     while (!header_.complete() && ending_ == Ending::Running)
         step(std::min(headerUntil, stageUntil_));
     return header_.complete();
@@ -214,7 +218,7 @@ void Exchange::read(std::size_t count, std::size_t leastInStall, std::string &by
     std::size_t windowFrom = received_;
     while (ready() < count && ending_ == Ending::Running) {
         if (std::exchange(paused_, false))
-            curl_.easyPause(easy_, CURLPAUSE_CONT);
+            curl_.curl_easy_pause(easy_, CURLPAUSE_CONT);
         if (received_ - windowFrom >= leastInStall) {
             windowFrom = received_;
             windowEnd = steady_clock::now() + stall;
@@ -226,7 +230,8 @@ void Exchange::read(std::size_t count, std::size_t leastInStall, std::string &by
 }
 
 std::string Exchange::failure() const {
-    return curl_.easyStrerror(ending_ == Ending::TimedOut ? CURLE_OPERATION_TIMEDOUT : result_);
+    return curl_.curl_easy_strerror(ending_ == Ending::TimedOut ? CURLE_OPERATION_TIMEDOUT
+                                                                : result_);
 }
 
 } // namespace velmora::platform::http

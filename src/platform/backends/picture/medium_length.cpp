@@ -38,32 +38,32 @@ public:
 
     ~PacketReader() {
         if (packet_ != nullptr)
-            library_->packetFree(&packet_);
-        library_->closeInput(&context_);
+            library_->av_packet_free(&packet_);
+        library_->avformat_close_input(&context_);
     }
     PacketReader(const PacketReader &) = delete;
     PacketReader &operator=(const PacketReader &) = delete;
 
     bool open(const std::string &path) {
-        context_ = library_->allocContext();
-        packet_ = library_->packetAlloc();
+        context_ = library_->avformat_alloc_context();
+        packet_ = library_->av_packet_alloc();
         if (context_ == nullptr || packet_ == nullptr)
             return false;
         context_->interrupt_callback = {&PacketReader::isLate, this};
         std::error_code unknown;
         size_ = static_cast<std::int64_t>(std::filesystem::file_size(path, unknown));
         AVDictionary *options = nullptr;
-        library_->dictSet(&options, "format_whitelist", mediaFormats, 0);
-        library_->dictSet(&options, "protocol_whitelist", "file", 0);
+        library_->av_dict_set(&options, "format_whitelist", mediaFormats, 0);
+        library_->av_dict_set(&options, "protocol_whitelist", "file", 0);
         const int opened =
-            library_->openInput(&context_, ("file:" + path).c_str(), nullptr, &options);
-        library_->dictFree(&options);
-        return opened >= 0 && library_->findStreamInfo(context_, nullptr) >= 0;
+            library_->avformat_open_input(&context_, ("file:" + path).c_str(), nullptr, &options);
+        library_->av_dict_free(&options);
+        return opened >= 0 && library_->avformat_find_stream_info(context_, nullptr) >= 0;
     }
 
     void seek(double seconds) {
         const auto target = static_cast<std::int64_t>((start() + seconds) / timeBase);
-        library_->seekFile(context_, -1, INT64_MIN, target, target, 0);
+        library_->avformat_seek_file(context_, -1, INT64_MIN, target, target, 0);
     }
 
     double start() const {
@@ -78,14 +78,14 @@ public:
         std::vector<double> sums(context_->nb_streams, 0.0);
         std::optional<double> last;
         bool isWhole = true;
-        while (isWhole && library_->readFrame(context_, packet_) >= 0) {
+        while (isWhole && library_->av_read_frame(context_, packet_) >= 0) {
             if (isPlayed() && static_cast<std::size_t>(packet_->stream_index) < sums.size()) {
                 double &sum = sums[static_cast<std::size_t>(packet_->stream_index)];
                 sum += inSeconds(packet_->duration);
                 const double end = endOfPacket().value_or(sum);
                 last = std::max(last.value_or(end), end);
             }
-            library_->packetUnref(packet_);
+            library_->av_packet_unref(packet_);
             isWhole = isLate(this) == 0;
         }
         return last && !isWhole ? reckoned(*last) : last;

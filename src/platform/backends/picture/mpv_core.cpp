@@ -63,20 +63,20 @@ std::unique_ptr<MpvCore> MpvCore::start(std::shared_ptr<const MpvLibrary> librar
     if (!startAlone([] {}))
         return nullptr;
     useDecimalPoint();
-    mpv_handle *handle = library->create();
+    mpv_handle *handle = library->mpv_create();
     if (handle == nullptr)
         return nullptr;
     std::unique_ptr<MpvCore> core(new MpvCore(std::move(library), handle));
     for (const auto &[name, value] : options)
-        core->library_->setOptionString(handle, name.c_str(), value.c_str());
-    if (core->library_->initialize(handle) < 0)
+        core->library_->mpv_set_option_string(handle, name.c_str(), value.c_str());
+    if (core->library_->mpv_initialize(handle) < 0)
         return nullptr;
     return core;
 }
 
 MpvCore::MpvCore(std::shared_ptr<const MpvLibrary> library, mpv_handle *handle)
     : library_(std::move(library)), handle_(handle) {
-    library_->setWakeupCallback(
+    library_->mpv_set_wakeup_callback(
         handle_, [](void *hasEvents) { static_cast<std::atomic<bool> *>(hasEvents)->store(true); },
         hasEvents_.get());
 }
@@ -84,7 +84,7 @@ MpvCore::MpvCore(std::shared_ptr<const MpvLibrary> library, mpv_handle *handle)
 MpvCore::~MpvCore() {
     // An engine that ends late still has its flag to set.
     runBounded([library = library_, handle = handle_,
-                hasEvents = hasEvents_] { library->terminateDestroy(handle); },
+                hasEvents = hasEvents_] { library->mpv_terminate_destroy(handle); },
                endLimit);
     errorHandler_.restore();
 }
@@ -94,8 +94,9 @@ std::uint64_t MpvCore::command(const std::vector<std::string> &words) {
     for (const std::string &word : words)
         arguments.push_back(word.c_str());
     arguments.push_back(nullptr);
-    return send(
-        [&](std::uint64_t id) { return library_->commandAsync(handle_, id, arguments.data()); });
+    return send([&](std::uint64_t id) {
+        return library_->mpv_command_async(handle_, id, arguments.data());
+    });
 }
 
 std::uint64_t MpvCore::send(const std::function<int(std::uint64_t)> &submit) {
@@ -113,7 +114,7 @@ std::uint64_t MpvCore::send(const std::function<int(std::uint64_t)> &submit) {
 
 std::uint64_t MpvCore::send(const char *property, mpv_format format, void *value) {
     return send([&](std::uint64_t id) {
-        return library_->setPropertyAsync(handle_, id, property, format, value);
+        return library_->mpv_set_property_async(handle_, id, property, format, value);
     });
 }
 
@@ -149,14 +150,14 @@ void MpvCore::read(const char *property, mpv_format format, milliseconds limit,
                    const std::function<void(const mpv_event_property &)> &take) {
     pump();
     const std::uint64_t id = ++lastId_;
-    if (overdue_ > 0 || library_->getPropertyAsync(handle_, id, property, format) < 0)
+    if (overdue_ > 0 || library_->mpv_get_property_async(handle_, id, property, format) < 0)
         return;
     // Events may be left behind the answer, and the engine tells of its first one only.
     hasEvents_->store(true);
     const auto end = Clock::now() + limit;
     for (;;) {
         const std::chrono::duration<double> left = end - Clock::now();
-        const mpv_event *event = library_->waitEvent(handle_, std::max(left.count(), 0.0));
+        const mpv_event *event = library_->mpv_wait_event(handle_, std::max(left.count(), 0.0));
         if (event->event_id == MPV_EVENT_GET_PROPERTY_REPLY && event->reply_userdata == id) {
             if (event->error >= 0)
                 take(*static_cast<const mpv_event_property *>(event->data));
@@ -196,7 +197,7 @@ std::optional<std::string> MpvCore::text(const char *property, milliseconds limi
 }
 
 void MpvCore::observeFlag(const char *property) {
-    library_->observeProperty(handle_, 0, property, MPV_FORMAT_FLAG);
+    library_->mpv_observe_property(handle_, 0, property, MPV_FORMAT_FLAG);
 }
 
 bool MpvCore::pump(milliseconds wait) {
@@ -205,7 +206,7 @@ bool MpvCore::pump(milliseconds wait) {
     bool any = false;
     for (;;) {
         const double seconds = any ? 0.0 : static_cast<double>(wait.count()) / 1000.0;
-        const mpv_event *event = library_->waitEvent(handle_, seconds);
+        const mpv_event *event = library_->mpv_wait_event(handle_, seconds);
         if (event->event_id == MPV_EVENT_NONE)
             return any;
         any = true;
@@ -230,8 +231,8 @@ void MpvCore::dispatch(const mpv_event &event) {
         listener_(event);
 }
 
-void MpvCore::hook(const char *name) { library_->hookAdd(handle_, 0, name, 0); }
+void MpvCore::hook(const char *name) { library_->mpv_hook_add(handle_, 0, name, 0); }
 
-void MpvCore::continueHook(std::uint64_t id) { library_->hookContinue(handle_, id); }
+void MpvCore::continueHook(std::uint64_t id) { library_->mpv_hook_continue(handle_, id); }
 
 } // namespace velmora::platform::picture

@@ -1,37 +1,37 @@
 #pragma once
 
-// The functions of libmpv that the device uses, under their own names and types.
+// The functions of libmpv that the device uses.
 
-#include "platform/backends/picture/shared_library.h"
+#include "base/loaded_library.h"
 
-#include <memory>
 #include <mpv/client.h>
 
 namespace velmora::platform::picture {
 
+#define VELMORA_MPV_FUNCTIONS(F)                                                                   \
+    F(mpv_create)                                                                                  \
+    F(mpv_initialize)                                                                              \
+    F(mpv_terminate_destroy)                                                                       \
+    F(mpv_set_option_string)                                                                       \
+    F(mpv_command_async)                                                                           \
+    F(mpv_set_property_async)                                                                      \
+    F(mpv_get_property_async)                                                                      \
+    F(mpv_observe_property)                                                                        \
+    F(mpv_set_wakeup_callback)                                                                     \
+    F(mpv_wait_event)                                                                              \
+    F(mpv_request_event)                                                                           \
+    F(mpv_hook_add)                                                                                \
+    F(mpv_hook_continue)
+
 struct MpvLibrary {
+    explicit MpvLibrary(const LoadedLibrary &library) { VELMORA_MPV_FUNCTIONS(VELMORA_TABLE_BIND) }
     // Null where the library is not installed or too old.
-    static std::shared_ptr<const MpvLibrary> load();
+    static std::shared_ptr<const MpvLibrary> load() {
+        return loadedTable<MpvLibrary>("libmpv.so.2");
+    }
 
-    decltype(mpv_create) *create = nullptr;
-    decltype(mpv_initialize) *initialize = nullptr;
-    decltype(mpv_terminate_destroy) *terminateDestroy = nullptr;
-    decltype(mpv_set_option_string) *setOptionString = nullptr;
-    decltype(mpv_command_async) *commandAsync = nullptr;
-    decltype(mpv_set_property_async) *setPropertyAsync = nullptr;
-    decltype(mpv_get_property_async) *getPropertyAsync = nullptr;
-    decltype(mpv_observe_property) *observeProperty = nullptr;
-    decltype(mpv_set_wakeup_callback) *setWakeupCallback = nullptr;
-    decltype(mpv_wait_event) *waitEvent = nullptr;
-    decltype(mpv_request_event) *requestEvent = nullptr;
-    decltype(mpv_hook_add) *hookAdd = nullptr;
-    decltype(mpv_hook_continue) *hookContinue = nullptr;
-
-private:
-    MpvLibrary();
-    bool findAll();
-
-    SharedLibrary library_;
+    bool complete = true;
+    VELMORA_MPV_FUNCTIONS(VELMORA_TABLE_MEMBER)
 };
 
 } // namespace velmora::platform::picture

@@ -27,7 +27,7 @@ void WakeUp::drain() {
 
 PulseLink::PulseLink(PulseLinkOptions options, WakeUp &wakeUp)
     : options_(std::move(options)), wakeUp_(wakeUp),
-      table_(std::make_unique<PulseTable>(Library(options_.library))) {
+      table_(std::make_unique<PulseTable>(LoadedLibrary(options_.library))) {
     if (!table_->complete)
         return;
     loop_ = table_->pa_mainloop_new();

@@ -2,6 +2,6 @@
 
 namespace velmora::platform::sound {
 
-PulseTable::PulseTable(const Library &library) { VELMORA_PULSE_FUNCTIONS(VELMORA_TABLE_BIND) }
+PulseTable::PulseTable(const LoadedLibrary &library) { VELMORA_PULSE_FUNCTIONS(VELMORA_TABLE_BIND) }
 
 } // namespace velmora::platform::sound

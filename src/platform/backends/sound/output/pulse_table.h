@@ -2,7 +2,7 @@
 
 // The functions of libpulse that are used, filled when sound is first wanted.
 
-#include "platform/backends/sound/readers/library.h"
+#include "base/loaded_library.h"
 
 #include <pulse/pulseaudio.h>
 
@@ -49,7 +49,7 @@ namespace velmora::platform::sound {
     F(pa_operation_unref)
 
 struct PulseTable {
-    explicit PulseTable(const Library &library);
+    explicit PulseTable(const LoadedLibrary &library);
     bool complete = true;
     VELMORA_PULSE_FUNCTIONS(VELMORA_TABLE_MEMBER)
 };

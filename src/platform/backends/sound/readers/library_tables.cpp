@@ -2,15 +2,16 @@
 
 namespace velmora::platform::sound {
 
-Mpg123Table::Mpg123Table(const Library &library) {
+Mpg123Table::Mpg123Table(const LoadedLibrary &library) {
     VELMORA_MPG123_FUNCTIONS(VELMORA_TABLE_BIND)
     if (complete)
         complete = mpg123_init() == MPG123_OK;
 }
 
-SndfileTable::SndfileTable(const Library &library){VELMORA_SNDFILE_FUNCTIONS(VELMORA_TABLE_BIND)}
+SndfileTable::SndfileTable(const LoadedLibrary &library){
+    VELMORA_SNDFILE_FUNCTIONS(VELMORA_TABLE_BIND)}
 
-FluidsynthTable::FluidsynthTable(const Library &library) {
+FluidsynthTable::FluidsynthTable(const LoadedLibrary &library) {
     VELMORA_FLUIDSYNTH_FUNCTIONS(VELMORA_TABLE_BIND)
     // The library would report every oddity of a file on standard error.
     if (complete) {
@@ -25,7 +26,7 @@ template <class Table> std::shared_ptr<const Table>
 load(std::mutex &mutex, std::shared_ptr<const Table> &table, const std::string &name) {
     const std::lock_guard lock(mutex);
     if (!table)
-        table = std::make_shared<const Table>(Library(name));
+        table = std::make_shared<const Table>(LoadedLibrary(name));
     return table->complete ? table : nullptr;
 }
 

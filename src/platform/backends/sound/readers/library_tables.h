@@ -2,7 +2,7 @@
 
 // The functions of the decoding libraries, each a table that is filled on first use.
 
-#include "platform/backends/sound/readers/library.h"
+#include "base/loaded_library.h"
 
 #include <fluidsynth.h>
 #include <memory>
@@ -51,19 +51,19 @@ namespace velmora::platform::sound {
     F(fluid_set_log_function)
 
 struct Mpg123Table {
-    explicit Mpg123Table(const Library &library);
+    explicit Mpg123Table(const LoadedLibrary &library);
     bool complete = true;
     VELMORA_MPG123_FUNCTIONS(VELMORA_TABLE_MEMBER)
 };
 
 struct SndfileTable {
-    explicit SndfileTable(const Library &library);
+    explicit SndfileTable(const LoadedLibrary &library);
     bool complete = true;
     VELMORA_SNDFILE_FUNCTIONS(VELMORA_TABLE_MEMBER)
 };
 
 struct FluidsynthTable {
-    explicit FluidsynthTable(const Library &library);
+    explicit FluidsynthTable(const LoadedLibrary &library);
     bool complete = true;
     VELMORA_FLUIDSYNTH_FUNCTIONS(VELMORA_TABLE_MEMBER)
 };
