@@ -111,11 +111,21 @@ class OnThisMachine(unittest.TestCase):
             out.setparams((2, 2, 44100, 0, "NONE", ""))
             out.writeframes((b"\x00\x20\x00\x20" * 50 + b"\x00\xe0\x00\xe0" * 50) * 44100 // 100 * 60)
         quiet("gio", "launch", f"/usr/share/applications/{ID}.desktop", env=session.env)
-        window = session.window("velmora", 30)
-        self.assertTrue(window, "no window comes up")
+        self.assertTrue(session.window("velmora", 30), "no window comes up")
         self.assertEqual(os.readlink(f"/proc/{quiet('pgrep', '-nx', 'velmora').strip()}/exe"), "/usr/bin/velmora")
 
-        quiet("xdotool", "key", "Escape", env=session.env)
+        # A file manager's double click.
+        quiet("gio", "mime", "audio/x-wav", f"{ID}.desktop", env=session.env)
+        quiet("gio", "open", song, env=session.env)
+        self.assertTrue(wait_for(lambda: "song" in quiet("velmora-open", "--status", env=session.env), 30),
+                        "the file is not opened")
+        recorder = Recorder(session)
+        self.addCleanup(recorder.close)
+        self.assertTrue(wait_for(lambda: recorder.blocks and Recorder.loud(recorder.blocks[-1][1], 200), 20),
+                        "nothing is heard")
+        self.assertEqual(len(quiet("pgrep", "-x", "velmora").split()), 1, "one player is enough")
+
+        quiet("velmora-open", "--quit", env=session.env)
         self.assertTrue(wait_for(lambda: not quiet("pgrep", "-x", "velmora"), 15), "it does not end")
 
         code, told = run("apt-get", "purge", "-y", *NAMES)
