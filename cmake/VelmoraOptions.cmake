@@ -2,6 +2,8 @@
 
 option(VELMORA_TESTS "Build the tests" ON)
 option(VELMORA_BENCH "Build the benchmarks" OFF)
+# For us, not for whoever builds this with the next compiler.
+option(VELMORA_WARNINGS_ARE_ERRORS "Stop at a warning" OFF)
 option(VELMORA_FUZZ "Build the fuzz targets (clang)" OFF)
 set(VELMORA_SANITIZE "" CACHE STRING "Sanitizers for every target, e.g. address,undefined")
 
@@ -30,11 +32,14 @@ endif()
 
 add_library(velmora_flags INTERFACE)
 target_compile_options(velmora_flags INTERFACE
-    -Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
     -Wcast-align -Wnull-dereference -Wformat=2 -fno-strict-aliasing)
 # Errors know where they were raised; what users run tells nothing of the folder that it was built in.
 target_compile_options(velmora_flags INTERFACE
     "$<$<NOT:$<CONFIG:Debug>>:-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=>")
+if(VELMORA_WARNINGS_ARE_ERRORS)
+    target_compile_options(velmora_flags INTERFACE -Werror)
+endif()
 # g++ 12 reports false positives of these in optimised standard library code.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(velmora_flags INTERFACE -Wno-restrict -Wno-null-dereference
