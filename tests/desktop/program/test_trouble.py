@@ -345,9 +345,17 @@ class Maker(TroubleTest):
         self.assert_page_comes("[databases]\r\ndatabases_0_Ubound=2000000000\r\n"
                                "databases_0_0_Str=text\r\n")
 
-    def test_a_page_with_keys_of_a_megabyte_comes_up(self):
-        self.assert_page_comes("x" * 1_000_000 + "=y\r\n[databases]\r\ndatabases_0_Ubound=1\r\n"
-                               "databases_0_0_Str=" + "z" * 1_000_000 + "\r\n")
+    def test_a_page_with_keys_of_half_a_megabyte_comes_up(self):
+        self.assert_page_comes("x" * 500_000 + "=y\r\n[databases]\r\ndatabases_0_Ubound=1\r\n"
+                               "databases_0_0_Str=" + "z" * 500_000 + "\r\n")
+
+    def test_a_page_of_more_than_a_megabyte_is_refused(self):
+        self.net.answers["/source/mini/"] = answer(
+            (self.PAGE + "[databases]\r\n" + "a=b\r\n" * 300_000).encode())
+        self.begin()
+        self.player.click(self.window, "welcome")
+        self.answer(self.player, "Return", "远程数据传输错误！")
+        self.assert_fit()
 
     def test_a_version_that_is_a_way_out_of_the_folder_is_not_fetched(self):
         self.net.answers["/source/softwareDate/"] = answer(
