@@ -59,7 +59,7 @@ END
 # The program, the control model, the contracts and the interpreter see no toolkit, no library and nothing of the system,
 # by whatever header: of those in angle brackets only the ones named here, which deal in values and are the language's
 # own.
-values='algorithm|array|bit|bitset|cctype|charconv|chrono|cmath|compare|concepts|cstddef|cstdint|cstdio|cstdlib|cstring|ctime|deque|exception|functional|initializer_list|iterator|limits|list|map|memory|numbers|numeric|optional|queue|random|ranges|ratio|set|source_location|span|sstream|stack|stdexcept|string|string_view|system_error|tuple|type_traits|unordered_map|unordered_set|utility|variant|vector'
+values='algorithm|array|bit|bitset|cctype|charconv|chrono|cmath|compare|concepts|cstddef|cstdint|cstdio|cstdlib|cstring|ctime|deque|exception|functional|initializer_list|iterator|limits|list|map|memory|numbers|numeric|optional|queue|random|ranges|ratio|set|span|sstream|stack|stdexcept|string|string_view|system_error|tuple|type_traits|unordered_map|unordered_set|utility|variant|vector'
 # What waits for a disk has a thread for it, libraries are loaded by one road, and the interpreter reads a medium's first bytes.
 aside='^src/(base/(within_time\.(h|cpp)|loaded_library\.cpp)|platform/backends/media/medium_file\.cpp):'
 plain=(src/base src/playback src/playlist src/lyrics src/network src/settings src/ui src/velmora.cpp src/velmora.h

@@ -15,18 +15,16 @@ std::u16string describe(ErrorNumber number, std::u16string description) {
 
 } // namespace
 
-RunTimeError::RunTimeError(ErrorNumber number, std::u16string description,
-                           std::source_location raisedAt)
+RunTimeError::RunTimeError(ErrorNumber number, std::u16string description, SourcePlace raisedAt)
     : std::runtime_error(toUtf8(describe(number, description))), number_(number),
       description_(describe(number, std::move(description))), raisedAt_(raisedAt) {}
 
-void noteSwallowed(const RunTimeError &error, std::source_location droppedAt) noexcept {
+void noteSwallowed(const RunTimeError &error, SourcePlace droppedAt) noexcept {
     if constexpr (VELMORA_DEVELOPMENT) {
         if (std::getenv("VELMORA_SWALLOWED") != nullptr) {
-            std::fprintf(stderr, "swallowed: %d %s, raised at %s:%u, dropped at %s:%u\n",
-                         static_cast<int>(error.number()), error.what(),
-                         error.raisedAt().file_name(), error.raisedAt().line(),
-                         droppedAt.file_name(), droppedAt.line());
+            std::fprintf(stderr, "swallowed: %d %s, raised at %s:%d, dropped at %s:%d\n",
+                         static_cast<int>(error.number()), error.what(), error.raisedAt().file,
+                         error.raisedAt().line, droppedAt.file, droppedAt.line);
         }
     }
 }
@@ -63,7 +61,7 @@ std::u16string defaultDescription(ErrorNumber number) {
     return u"Application-defined or object-defined error";
 }
 
-void raise(ErrorNumber number, std::source_location raisedAt) {
+void raise(ErrorNumber number, SourcePlace raisedAt) {
     throw RunTimeError(number, defaultDescription(number), raisedAt);
 }
 
