@@ -48,9 +48,10 @@ protected:
         return {std::istreambuf_iterator<char>(file), {}};
     }
     platform::Platform bundle() {
-        return {fake_.ansi,  fake_.clock,    fake_.dialogs,        fake_.files,    fake_.folders,
-                *internet_,  fake_.media,    fake_.processes,      fake_.profiles, fake_.registry,
-                fake_.shell, fake_.versions, fake_.waitableTimers, fake_.waveOut,  fake_.windows};
+        return {fake_.ansi,      fake_.clock,  fake_.dialogs, fake_.files,     fake_.folders,
+                fake_.inhibitor, *internet_,   fake_.media,   fake_.processes, fake_.profiles,
+                fake_.registry,  fake_.remote, fake_.shell,   fake_.versions,  fake_.waitableTimers,
+                fake_.waveOut,   fake_.windows};
     }
 
     MusicFolder music_;
