@@ -11,6 +11,7 @@
 #include "platform/backends/curl/curl_internet.h"
 #include "platform/backends/linux/linux.h"
 #include "tests/fakes/fake_platform.h"
+#include "tests/fakes/instead.h"
 #include "velmora.h"
 
 #include <gmock/gmock.h>
@@ -48,10 +49,7 @@ protected:
         return {std::istreambuf_iterator<char>(file), {}};
     }
     platform::Platform bundle() {
-        return {fake_.ansi,      fake_.clock,  fake_.dialogs, fake_.files,     fake_.folders,
-                fake_.inhibitor, *internet_,   fake_.media,   fake_.processes, fake_.profiles,
-                fake_.registry,  fake_.remote, fake_.shell,   fake_.versions,  fake_.waitableTimers,
-                fake_.waveOut,   fake_.windows};
+        return fakes::with(fake_.bundle(), {.internet = internet_.get()});
     }
 
     MusicFolder music_;
