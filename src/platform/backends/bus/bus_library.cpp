@@ -1,58 +1,46 @@
 #include "platform/backends/bus/bus_library.h"
 
-#include <dlfcn.h>
-
 namespace velmora::platform::bus {
 
-namespace {
-
-template <typename Function> bool find(void *library, const char *name, Function *&function) {
-    function = reinterpret_cast<Function *>(dlsym(library, name));
-    return function != nullptr;
-}
-
-} // namespace
-
-bool BusLibrary::findAll(void *library) {
-    return find(library, "sd_bus_open_user", openUser) &&
-           find(library, "sd_bus_close_unref", closeUnref) &&
-           find(library, "sd_bus_is_open", isOpen) && find(library, "sd_bus_get_fd", getFd) &&
-           find(library, "sd_bus_get_events", getEvents) &&
-           find(library, "sd_bus_get_n_queued_write", queuedWrites) &&
-           find(library, "sd_bus_process", process) &&
-           find(library, "sd_bus_add_object_vtable", addObjectVtable) &&
-           find(library, "sd_bus_request_name_async", requestNameAsync) &&
-           find(library, "sd_bus_release_name_async", releaseNameAsync) &&
-           find(library, "sd_bus_match_signal_async", matchSignalAsync) &&
-           find(library, "sd_bus_add_match_async", addMatchAsync) &&
-           find(library, "sd_bus_emit_properties_changed_strv", emitPropertiesChanged) &&
-           find(library, "sd_bus_emit_signal", emitSignal) &&
-           find(library, "sd_bus_call_async", callAsync) && find(library, "sd_bus_call", call) &&
-           find(library, "sd_bus_wait", wait) && find(library, "sd_bus_error_free", errorFree) &&
-           find(library, "sd_bus_slot_unref", slotUnref) &&
-           find(library, "sd_bus_reply_method_return", replyReturn) &&
-           find(library, "sd_bus_error_set", errorSet) &&
-           find(library, "sd_bus_message_new_method_call", newMethodCall) &&
-           find(library, "sd_bus_message_set_auto_start", setAutoStart) &&
-           find(library, "sd_bus_message_unref", messageUnref) &&
-           find(library, "sd_bus_message_is_method_error", isMethodError) &&
-           find(library, "sd_bus_message_append", append) &&
-           find(library, "sd_bus_message_append_strv", appendStrv) &&
-           find(library, "sd_bus_message_open_container", openContainer) &&
-           find(library, "sd_bus_message_close_container", closeContainer) &&
-           find(library, "sd_bus_message_read", read) &&
-           find(library, "sd_bus_message_enter_container", enterContainer) &&
-           find(library, "sd_bus_message_exit_container", exitContainer) &&
-           find(library, "sd_bus_message_skip", skip) &&
-           find(library, "sd_bus_object_vtable_format", vtableFormat);
+bool BusLibrary::findAll(const LoadedLibrary &library) {
+    return library.bind(openUser, "sd_bus_open_user") &&
+           library.bind(closeUnref, "sd_bus_close_unref") &&
+           library.bind(isOpen, "sd_bus_is_open") && library.bind(getFd, "sd_bus_get_fd") &&
+           library.bind(getEvents, "sd_bus_get_events") &&
+           library.bind(queuedWrites, "sd_bus_get_n_queued_write") &&
+           library.bind(process, "sd_bus_process") &&
+           library.bind(addObjectVtable, "sd_bus_add_object_vtable") &&
+           library.bind(requestNameAsync, "sd_bus_request_name_async") &&
+           library.bind(releaseNameAsync, "sd_bus_release_name_async") &&
+           library.bind(matchSignalAsync, "sd_bus_match_signal_async") &&
+           library.bind(addMatchAsync, "sd_bus_add_match_async") &&
+           library.bind(emitPropertiesChanged, "sd_bus_emit_properties_changed_strv") &&
+           library.bind(emitSignal, "sd_bus_emit_signal") &&
+           library.bind(callAsync, "sd_bus_call_async") && library.bind(call, "sd_bus_call") &&
+           library.bind(wait, "sd_bus_wait") && library.bind(errorFree, "sd_bus_error_free") &&
+           library.bind(slotUnref, "sd_bus_slot_unref") &&
+           library.bind(replyReturn, "sd_bus_reply_method_return") &&
+           library.bind(errorSet, "sd_bus_error_set") &&
+           library.bind(newMethodCall, "sd_bus_message_new_method_call") &&
+           library.bind(setAutoStart, "sd_bus_message_set_auto_start") &&
+           library.bind(messageUnref, "sd_bus_message_unref") &&
+           library.bind(isMethodError, "sd_bus_message_is_method_error") &&
+           library.bind(append, "sd_bus_message_append") &&
+           library.bind(appendStrv, "sd_bus_message_append_strv") &&
+           library.bind(openContainer, "sd_bus_message_open_container") &&
+           library.bind(closeContainer, "sd_bus_message_close_container") &&
+           library.bind(read, "sd_bus_message_read") &&
+           library.bind(enterContainer, "sd_bus_message_enter_container") &&
+           library.bind(exitContainer, "sd_bus_message_exit_container") &&
+           library.bind(skip, "sd_bus_message_skip") &&
+           library.bind(vtableFormat, "sd_bus_object_vtable_format");
 }
 
 std::shared_ptr<const BusLibrary> BusLibrary::load() {
     // Systems without systemd have the same functions in another library.
     for (const char *name : {"libsystemd.so.0", "libelogind.so.0"}) {
-        void *library = dlopen(name, RTLD_LAZY | RTLD_LOCAL);
         std::shared_ptr<BusLibrary> result(new BusLibrary);
-        if (library != nullptr && result->findAll(library))
+        if (result->findAll(LoadedLibrary(name)))
             return result;
     }
     return nullptr;

@@ -2,6 +2,8 @@
 
 // The functions of sd-bus that the desktop's back-end uses, under their own names and types.
 
+#include "base/loaded_library.h"
+
 #include <systemd/sd-bus.h>
 
 #include <memory>
@@ -50,7 +52,7 @@ struct BusLibrary {
 
 private:
     BusLibrary() = default;
-    bool findAll(void *library);
+    bool findAll(const LoadedLibrary &library);
 };
 
 } // namespace velmora::platform::bus
