@@ -108,6 +108,14 @@ class Installed(unittest.TestCase):
         self.assertEqual(done.returncode, 0, done.stdout)
         self.assertNotRegex(done.stdout, r"(?m)^[EW]:")
 
+    def test_the_desktop_and_software_centres_are_told_of_the_same_media(self):
+        listed = [line for line in read(SOURCE, "assets/media-types.txt").split("\n") if re.match("[a-z]", line)]
+        self.assertGreater(len(listed), 20)
+        desktop = re.search(r"^MimeType=(.*)$", read(self.root, f"share/applications/{ID}.desktop"), re.M).group(1)
+        self.assertEqual(desktop.strip(";").split(";"), listed)
+        described = read(self.root, f"share/metainfo/{ID}.metainfo.xml")
+        self.assertEqual(re.findall(r"<mediatype>(.*?)</mediatype>", described), listed)
+
     def test_a_software_centre_finds_the_desktop_file_and_the_icon(self):
         done = run("appstreamcli", "validate-tree", "--no-net", self.root)
         self.assertEqual(done.returncode, 0, done.stdout)
@@ -151,7 +159,7 @@ class Described(unittest.TestCase):
     def test_the_version_is_one_everywhere(self):
         self.assertEqual(re.match(r"velmora \((.*?)\)", read(SOURCE, "debian/changelog")).group(1), VERSION)
         self.assertEqual(re.search(r'<release version="(.*?)"',
-                                   read(SOURCE, f"assets/desktop/{ID}.metainfo.xml")).group(1), VERSION)
+                                   read(SOURCE, f"assets/desktop/{ID}.metainfo.xml.in")).group(1), VERSION)
         self.assertEqual(re.search(r"^## (\S+)", read(SOURCE, "CHANGELOG.md"), re.M).group(1), VERSION)
 
     def test_the_package_names_every_library_that_is_loaded_at_its_first_use(self):
