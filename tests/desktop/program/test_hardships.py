@@ -82,7 +82,9 @@ class Settings(HardshipTest):
         try:
             player, main = self.start()
             self.assertTrue(player.took(main))
-            self.assertTrue(player.title(main).endswith(titles[0]), player.title(main))
+            # A track's title rolls; the program's own stands.
+            title = player.title(main)
+            self.assertTrue(title == TITLE if titles[0] == TITLE else titles[0] in title, title)
             for title in titles[1:]:
                 self.session.key("F6", main)
                 self.assert_title(player, main, title, 30)
