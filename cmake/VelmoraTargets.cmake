@@ -77,6 +77,10 @@ function(velmora_test)
     if(arg_COST)
         set_tests_properties(${arg_NAME} PROPERTIES COST ${arg_COST})
     endif()
+    # What listens to the sound as it comes has fewer beside it: a machine that cannot keep up is heard.
+    if("recorded" IN_LIST arg_LABELS)
+        set_tests_properties(${arg_NAME} PROPERTIES PROCESSORS 2)
+    endif()
     # What listens is not run under the sanitizers, see ./test, and not built for them either.
     if(VELMORA_SANITIZE AND "recorded" IN_LIST arg_LABELS)
         set_target_properties(${arg_NAME} PROPERTIES EXCLUDE_FROM_ALL ON)
