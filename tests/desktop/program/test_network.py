@@ -136,7 +136,7 @@ class Lyrics(NetworkTest):
         for name in ("known", "unheard"):
             stairs(f"{self.music}/{name}.wav", 60, level=0.05, step=0)
         with open(self.music + "/known.lrc", "w", newline="", encoding="utf-8") as file:
-            file.write("[00:00.00]all in good time\r\n")
+            file.write("".join(f"[00:{second:02}.00]all in good time\r\n" for second in range(60)))
         self.serve()
         self.write_list([f"{self.music}/{name}.wav" for name in ("known", "unheard")])
         self.begin()
