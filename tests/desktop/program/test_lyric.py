@@ -281,6 +281,8 @@ class Standing(LyricTest):
                 file.write(f"Xft/DPI {1024 * 96 * percent // 100}\n")
         scale(100)
         daemon = self.session.spawn(["xsettingsd", "-c", settings])
+        # The toolkit asks for one at the start alone.
+        self.assertTrue(wait_for(lambda: "Xft/DPI" in quiet("dump_xsettings", env=self.session.env)))
         player, main = self.sing(self.LINE)
         line = self.strip(player)
         self.assertTrue(self.letters(player))
