@@ -20,13 +20,11 @@ void WholeFade(benchmark::State &state) {
     for (auto _ : state) {
         x = x == 15 ? 30 : 15; // a pointer that stands still is no move
         button.mouseMove({0, 0, x, 60});
-        for (int i = 0; i < 9; ++i, ++ticks) {
+        for (int i = 0; i < 9; ++i, ++ticks)
             program.fake.windows.advance(tickMs);
-        }
         button.mouseMove({0, 0, -x, -60});
-        for (; button.ticking(); ++ticks) {
+        for (; button.ticking(); ++ticks)
             program.fake.windows.advance(tickMs);
-        }
     }
     state.counters["ticks"] =
         benchmark::Counter(static_cast<double>(ticks), benchmark::Counter::kAvgIterations);

@@ -50,9 +50,8 @@ private:
 void LoadLyric(benchmark::State &state) {
     Program program;
     const Lyric lyric(program, static_cast<int>(state.range(0)));
-    for (auto _ : state) {
+    for (auto _ : state)
         program.app.lrcForm().startLoad(lyric.path());
-    }
     state.SetComplexityN(state.range(0));
 }
 BENCHMARK(LoadLyric)
@@ -67,9 +66,8 @@ BENCHMARK(LoadLyric)
 void SearchLine(benchmark::State &state) {
     Program program;
     const Lyric lyric(program, static_cast<int>(state.range(0)));
-    for (auto _ : state) {
+    for (auto _ : state)
         benchmark::DoNotOptimize(program.app.lrcForm().ListIndex(u"98:76"));
-    }
 }
 BENCHMARK(SearchLine)->Arg(100)->Arg(1000)->Arg(30000)->Unit(benchmark::kMicrosecond);
 
@@ -83,9 +81,8 @@ void LyricTick(benchmark::State &state) {
     program.fake.media.mciSendStringA(u"open /m/a.mp3 type MPEGVideo alias NOWMUSIC", 0);
     for (auto _ : state) {
         program.app.lrcForm().Timer1.onTimer();
-        if (program.fake.media.commands().size() > 100000) {
+        if (program.fake.media.commands().size() > 100000)
             program.fake.media.clearCommands();
-        }
     }
 }
 BENCHMARK(LyricTick)->Unit(benchmark::kMicrosecond);

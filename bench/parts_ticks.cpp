@@ -10,9 +10,8 @@ namespace {
 void IdleTick(benchmark::State &state) {
     Program program;
     program.app.Main().show();
-    for (auto _ : state) {
+    for (auto _ : state)
         program.app.Main().Timer1.onTimer();
-    }
 }
 BENCHMARK(IdleTick)->Unit(benchmark::kMicrosecond);
 

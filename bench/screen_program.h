@@ -134,16 +134,18 @@ public:
     // Answers the next question with Yes by its key, once it is on the screen, after calling
     // `ahead`.
     void answerYes(const std::function<void()> &ahead) {
-        QTimer::singleShot(30, [this, ahead] {
-            QWidget *box = QApplication::activeModalWidget();
-            if (box == nullptr) {
-                answerYes(ahead);
-                return;
-            }
-            ahead();
-            QKeyEvent press(QEvent::KeyPress, Qt::Key_Y, Qt::NoModifier, "y");
-            QApplication::sendEvent(box, &press);
-        });
+        QTimer::singleShot(
+            30,
+            [this, ahead] {
+                QWidget *box = QApplication::activeModalWidget();
+                if (box == nullptr) {
+                    answerYes(ahead);
+                    return;
+                }
+                ahead();
+                QKeyEvent press(QEvent::KeyPress, Qt::Key_Y, Qt::NoModifier, "y");
+                QApplication::sendEvent(box, &press);
+            });
     }
 
     void fill(int rows) {

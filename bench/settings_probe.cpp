@@ -83,10 +83,9 @@ private:
         for (int i = 0; i < 5; ++i)
             windows_.DoEvents();
         for (forms::Form *form : std::initializer_list<forms::Form *>{
-                 &app_.Main(), &app_.playList_Form(), &app_.playSetForm()}) {
+                 &app_.Main(), &app_.playList_Form(), &app_.playSetForm()})
             if (form->visible())
                 form->refresh();
-        }
     }
 
     void measure(const char *name, const std::function<void()> &work,

@@ -45,10 +45,9 @@ double cpuMs() {
 // The number behind a name in a file of the process file system.
 double number(const std::string &path, const std::string &name) {
     std::ifstream file(path);
-    for (std::string line; std::getline(file, line);) {
+    for (std::string line; std::getline(file, line);)
         if (line.starts_with(name))
             return std::atof(line.c_str() + name.size());
-    }
     return 0;
 }
 

@@ -41,9 +41,8 @@ int play() {
     platform::QtOptions windowOptions;
     windowOptions.note = note;
     const auto windows = platform::QtWindowSystem::make(windowOptions);
-    if (windows == nullptr) {
+    if (windows == nullptr)
         return 1; // it has said why
-    }
 
     const platform::HomeFolders homes = platform::homeFolders();
     platform::SqliteRegistry *settings = nullptr;

@@ -177,9 +177,8 @@ bool Velmora::videoScreenLoaded() const noexcept {
 
 void Velmora::unloadVideoScreen() {
     velmora::VideoScreen_Form *form = forms_->VideoScreen_Form_.loaded();
-    if (form == nullptr) {
+    if (form == nullptr)
         return;
-    }
     form->Timer1.setRunning(false);
     form->hide();
     // A touch from here on makes a fresh window. The old one may have a handler of its own active.

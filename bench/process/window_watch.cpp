@@ -63,9 +63,8 @@ std::string titleOf(xcb_connection_t *display, xcb_window_t window) {
         display,
         xcb_get_property(display, 0, window, XCB_ATOM_WM_NAME, XCB_GET_PROPERTY_TYPE_ANY, 0, 64),
         nullptr));
-    if (!reply) {
+    if (!reply)
         return {};
-    }
     return {static_cast<const char *>(xcb_get_property_value(reply.get())),
             static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
 }
@@ -75,9 +74,8 @@ std::string titleOf(xcb_connection_t *display, xcb_window_t window) {
 bool isReal(xcb_connection_t *display, xcb_window_t window, std::string &size) {
     const Reply<xcb_get_geometry_reply_t> reply(
         xcb_get_geometry_reply(display, xcb_get_geometry(display, window), nullptr));
-    if (!reply || reply->width < 40 || reply->height < 20) {
+    if (!reply || reply->width < 40 || reply->height < 20)
         return false;
-    }
     size = std::to_string(reply->width) + "x" + std::to_string(reply->height);
     return true;
 }
@@ -107,9 +105,8 @@ private:
     void report(xcb_window_t window) {
         const auto found = damages_.find(window);
         std::string size;
-        if (found == damages_.end() || found->second || !isReal(display_, window, size)) {
+        if (found == damages_.end() || found->second || !isReal(display_, window, size))
             return;
-        }
         found->second = true;
         ++painted_;
         const double ms = std::chrono::duration<double, std::milli>(Clock::now() - start_).count();

@@ -95,11 +95,10 @@ bool TextPart::isIn(std::u16string_view text) const noexcept {
     if (part_.size() > text.size())
         return false;
     const std::size_t end = text.size() - part_.size() + rare_ + 1;
-    for (std::size_t at = rare_; (at = findUnit(text.data(), at, end, part_[rare_])) < end; ++at) {
+    for (std::size_t at = rare_; (at = findUnit(text.data(), at, end, part_[rare_])) < end; ++at)
         if (std::memcmp(text.data() + at - rare_, part_.data(), part_.size() * sizeof(char16_t)) ==
             0)
             return true;
-    }
     return false;
 }
 

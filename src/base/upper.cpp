@@ -38,9 +38,9 @@ char16_t *copyUpper(std::u16string_view text, char16_t *out) noexcept {
 
 bool equalsIgnoringCase(std::u16string_view a, std::u16string_view b) noexcept {
     return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(), [](char16_t x, char16_t y) {
-               return x == y || upperUnit(x) == upperUnit(y);
-           });
+           std::equal(
+               a.begin(), a.end(), b.begin(),
+               [](char16_t x, char16_t y) { return x == y || upperUnit(x) == upperUnit(y); });
 }
 
 } // namespace velmora

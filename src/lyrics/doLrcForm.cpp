@@ -42,9 +42,8 @@ void doLrcForm::setHandlers() {
         {list_Load, &doLrcForm::list_Load_Click},
         {close, &doLrcForm::close_Click},
     };
-    for (const Button &button : buttons) {
+    for (const Button &button : buttons)
         button.control.on().Click = [this, work = button.work] { (this->*work)(); };
-    }
 }
 
 void doLrcForm::setListHandlers() {
@@ -69,17 +68,16 @@ void doLrcForm::released() {
 
 void doLrcForm::keyPressed(std::int16_t keyCode, std::int16_t shift) {
     const bool isCtrl = (shift & forms::ctrlMask) != 0;
-    if (keyCode == forms::keyF9) {
+    if (keyCode == forms::keyF9)
         addTime_Label_Button_Click();
-    } else if (keyCode == forms::keyF10) {
+    else if (keyCode == forms::keyF10)
         delTime_Label_Button_Click();
-    } else if (keyCode == forms::keyS && isCtrl) {
+    else if (keyCode == forms::keyS && isCtrl)
         save_Button_Click();
-    } else if (keyCode == forms::keyS && shift == forms::shiftMask) {
+    else if (keyCode == forms::keyS && shift == forms::shiftMask)
         anotherSave_Button_Click();
-    } else if (keyCode == forms::keyO && isCtrl) {
+    else if (keyCode == forms::keyO && isCtrl)
         openFile_Button_Click();
-    }
 }
 
 void doLrcForm::close_Click() { hide(); }
@@ -89,9 +87,8 @@ void doLrcForm::close_Click() { hide(); }
 void doLrcForm::emptyControls() {
     lrcList.clear();
     for (forms::TextBox *box :
-         {&lrc_Index_Text, &lrc_Ti_Str, &lrc_Ar_Str, &lrc_Al_Str, &lrc_By_Str}) {
+         {&lrc_Index_Text, &lrc_Ti_Str, &lrc_Ar_Str, &lrc_Al_Str, &lrc_By_Str})
         box->setText(u"");
-    }
 }
 
 void doLrcForm::startLoad() {
@@ -109,9 +106,8 @@ void doLrcForm::all_Enabled(bool flag) {
         &lrcList,     &lrc_Index_Text,    &lrc_Al_Str,           &lrc_Ar_Str,
         &lrc_By_Str,  &lrc_Ti_Str,        &addTime_Label_Button, &delTime_Label_Button,
         &save_Button, &anotherSave_Button};
-    for (forms::Control *control : controls) {
+    for (forms::Control *control : controls)
         control->setEnabled(flag);
-    }
     no_Lrc_Clew.setVisible(!flag);
 }
 
@@ -125,12 +121,10 @@ void doLrcForm::loadFromLyric() {
     nowRow = 0;
     hasText = false;
     // One step beyond the last line: it reads as empty and gives the list an empty row at its end.
-    for (std::int32_t row = 0; row <= lyric.List1.listCount(); ++row) {
+    for (std::int32_t row = 0; row <= lyric.List1.listCount(); ++row)
         takeLine(lyric.List1.list(row));
-    }
-    if (lrcList.listCount() > 0) {
+    if (lrcList.listCount() > 0)
         selectRow(0);
-    }
     all_Enabled(true);
 }
 
@@ -150,16 +144,14 @@ bool doLrcForm::takeLine(std::u16string_view line) {
 // Selecting raises the list's click, so the line to edit follows.
 void doLrcForm::selectRow(std::int32_t row) {
     const std::int16_t before = lrcList.firstSelected();
-    if (before >= 0) {
+    if (before >= 0)
         lrcList.setSelected(before, false);
-    }
     lrcList.setSelected(row, true);
 }
 
 void doLrcForm::addFile_To_List(std::u16string_view path) {
-    if (path.empty()) {
+    if (path.empty())
         return;
-    }
     emptyControls();
     nowRow = 0;
     hasText = false;
@@ -169,9 +161,8 @@ void doLrcForm::addFile_To_List(std::u16string_view path) {
             hasText = true;
         }
     });
-    if (lrcList.listCount() > 0) {
+    if (lrcList.listCount() > 0)
         selectRow(0);
-    }
     all_Enabled(hasText);
     if (!hasText) {
         app_.platform().windows.MsgBox(u"您所选择的文件是空文件，无法将内容添加到编辑区！",
@@ -192,9 +183,8 @@ void doLrcForm::addTime_Label_Button_Click() {
 
 void doLrcForm::delTime_Label_Button_Click() {
     lrcList.setList(nowRow, withoutStamp(lrcList.list(nowRow)));
-    if (nowRow == 0) {
+    if (nowRow == 0)
         return;
-    }
     selectRow(nowRow - 1);
     nowRow = addInt16(nowRow, -1);
 }

@@ -49,9 +49,8 @@ std::u16string doLrcForm::editedLyric() const {
     text.append(u"[Ar:").append(lrc_Ar_Str.text()).append(u"]").append(crLf);
     text.append(u"[Al:").append(lrc_Al_Str.text()).append(u"]").append(crLf);
     text.append(u"[By:").append(lrc_By_Str.text()).append(u"]").append(crLf);
-    for (std::int32_t row = 0; row < lrcList.listCount(); ++row) {
+    for (std::int32_t row = 0; row < lrcList.listCount(); ++row)
         text.append(lrcList.list(row)).append(crLf);
-    }
     return text;
 }
 
@@ -93,9 +92,8 @@ void doLrcForm::saveAs(std::u16string_view stem, std::u16string_view lyric) {
     savePath = app_.myCommondialog().file_Dialog(
         hWnd(), dialogSave, u"选择要保存歌词同步文件的地址 - " + app_.Main().title.caption(), stem,
         saveFilter, u"", u"lrc");
-    if (savePath.empty()) {
+    if (savePath.empty())
         return;
-    }
     const bool isSaved = app_.saveOrOpenFile().writeLrcFile(savePath, lyric);
     tell(stem, isSaved ? saved : notSaved, savePath, !isSaved);
 }

@@ -30,27 +30,23 @@ void lrcForm::load() {
 std::int16_t lrcForm::ListIndex(std::u16string_view text) const {
     const TextPart time(text);
     const std::int16_t rows = List1.listCount();
-    for (std::int16_t row = 0; row < rows; ++row) {
-        if (time.isIn(List1.list(row))) {
+    for (std::int16_t row = 0; row < rows; ++row)
+        if (time.isIn(List1.list(row)))
             return row;
-        }
-    }
     return -1;
 }
 
 void lrcForm::tick() {
     lineIndex = ListIndex(app_.player().get_PositionMMSS());
-    if (lineIndex != -1) {
+    if (lineIndex != -1)
         nowLrcLine = wordsOf(List1.list(lineIndex));
-    }
     passOver([this] { showLine(); });
 }
 
 void lrcForm::showLine() {
     if (isCentred_ && lrc_Text.caption() == nowLrcLine && lrc_Text.font() == centredFont_ &&
-        lrc_Text.place() == RectTwips{0, 0, width(), lrc_Text.height()}) {
+        lrc_Text.place() == RectTwips{0, 0, width(), lrc_Text.height()})
         return; // Nothing would come out differently, so nothing is fitted and drawn again.
-    }
     lrc_Text.setCaption(nowLrcLine);
     isCentred_ = lrc_Text.width() <= width();
     if (isCentred_) {

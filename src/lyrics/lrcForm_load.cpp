@@ -22,9 +22,8 @@ void lrcForm::startLoad(std::u16string_view path) {
     }
     try {
         readFile(path);
-        if (List1.listCount() == 0) {
+        if (List1.listCount() == 0)
             forgetLyric();
-        }
         followLyric();
     } catch (const RunTimeError &error) {
         noteSwallowed(error);
@@ -37,12 +36,10 @@ void lrcForm::startLoad(std::u16string_view path) {
 void lrcForm::readFile(std::u16string_view path) {
     lrcFullText.clear();
     const LyricLines read = readLyricFile(app_.platform(), path);
-    for (const std::u16string &line : read.lines) {
+    for (const std::u16string &line : read.lines)
         takeLine(line);
-    }
-    if (read.failure) {
+    if (read.failure)
         throw RunTimeError(*read.failure);
-    }
     lrcPath = path;
     nowLrcLine.clear();
     hasLrc = true;
@@ -51,14 +48,12 @@ void lrcForm::readFile(std::u16string_view path) {
 
 void lrcForm::takeLine(const std::u16string &line) {
     const std::u16string_view words = wordsOf(line);
-    if (!words.empty()) {
+    if (!words.empty())
         lrcFullText.append(words).append(crLf);
-    }
     List1.addItem(line);
     const std::optional<TagLine> found = tagOf(line);
-    if (!found) {
+    if (!found)
         return;
-    }
     switch (found->tag) {
     case LyricTag::Ti:
         lrcTi = found->value;
@@ -92,9 +87,8 @@ void lrcForm::forgetLyric() {
     lrc_Text.setVisible(false);
     velmora::playInfo_Form &info = app_.playInfo_Form();
     for (forms::TextBox *box : {&info.lrc_Path_Str, &info.lrc_Full, &info.lrc_Ti_Str,
-                                &info.lrc_Ar_Str, &info.lrc_Al_Str, &info.lrc_By_Str}) {
+                                &info.lrc_Ar_Str, &info.lrc_Al_Str, &info.lrc_By_Str})
         box->setText(u"");
-    }
 }
 
 // The desktop line and the editor follow whatever is loaded now.

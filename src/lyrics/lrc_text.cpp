@@ -61,9 +61,8 @@ bool endsWithLabel(std::u16string_view line) noexcept {
 }
 
 std::optional<TagLine> tagOf(std::u16string_view line) noexcept {
-    if (!endsWithLabel(line)) {
+    if (!endsWithLabel(line))
         return std::nullopt;
-    }
     const std::u16string_view text = trim(line);
     const std::u16string_view word = leftPart(text, tagWordLength);
     for (const TagWord &known : tagWords) {
@@ -78,11 +77,9 @@ std::optional<TagLine> tagOf(std::u16string_view line) noexcept {
 std::u16string withoutStamp(std::u16string_view item) {
     const std::u16string_view text = trim(item);
     std::u16string_view left = item;
-    for (const StampForm &form : stampForms) {
-        if (matches(leftPart(text, form.length), form.pattern)) {
+    for (const StampForm &form : stampForms)
+        if (matches(leftPart(text, form.length), form.pattern))
             left = rightPart(left, static_cast<std::ptrdiff_t>(left.size()) - form.length);
-        }
-    }
     return std::u16string(left);
 }
 

@@ -29,13 +29,11 @@ void readLines(platform::LineReader &reader, std::vector<std::string> &lines) {
     while (!reader.endOfFile()) {
         std::string line = reader.readLine();
         total += static_cast<std::int64_t>(line.size()) + 1;
-        if (total > largestFile + 1) {
+        if (total > largestFile + 1)
             raise(ErrorNumber::DeviceIo);
-        }
         if (!isBlank(line)) {
-            if (lines.size() == mostLines) {
+            if (lines.size() == mostLines)
                 raise(ErrorNumber::Overflow);
-            }
             lines.push_back(std::move(line));
         }
     }
@@ -50,9 +48,8 @@ RawLines readRawLines(const platform::Platform &platform, std::u16string_view pa
     RawLines result;
     try {
         const std::u16string onDisk = pathOnDisk(platform, path);
-        if (platform.files.FileLen(onDisk) > largestFile) {
+        if (platform.files.FileLen(onDisk) > largestFile)
             raise(ErrorNumber::DeviceIo);
-        }
         readLines(*platform.files.openInput(onDisk), result.lines);
     } catch (const RunTimeError &failure) {
         result.failure = failure;
@@ -62,17 +59,15 @@ RawLines readRawLines(const platform::Platform &platform, std::u16string_view pa
 
 // Whether the bytes are needed no more once the file is written over.
 bool mayGo(const platform::AnsiText &ansi, const RawLines &raw, WrittenOverBy newWords) {
-    if (raw.failure || raw.lines.size() > mostRows) {
+    if (raw.failure || raw.lines.size() > mostRows)
         return false;
-    }
     const std::vector<std::u16string> texts = ansi.decodeTogether(raw.lines, false);
     for (std::size_t line = 0; line < texts.size(); ++line) {
         // A page is a guess: a wrong one gives wrong characters, and none of them looks lost.
         const bool isSuspect =
             newWords == WrittenOverBy::Itself || texts[line].find(lostByte) != std::u16string::npos;
-        if (isSuspect && ansi.encode(texts[line]) != raw.lines[line]) {
+        if (isSuspect && ansi.encode(texts[line]) != raw.lines[line])
             return false;
-        }
     }
     return true;
 }
@@ -82,9 +77,8 @@ bool mayGo(const platform::AnsiText &ansi, const RawLines &raw, WrittenOverBy ne
 std::u16string pathOnDisk(const platform::Platform &platform, std::u16string_view path) {
     const std::u16string name = platform.files.Dir(path);
     const std::size_t folder = path.rfind(platform.files.separatorOf(path));
-    if (name.empty() || folder == std::u16string_view::npos) {
+    if (name.empty() || folder == std::u16string_view::npos)
         return std::u16string(path);
-    }
     return std::u16string(path.substr(0, folder + 1)) + name;
 }
 
@@ -96,13 +90,11 @@ LyricLines readLyricFile(const platform::Platform &platform, std::u16string_view
 void copyLyricFile(const platform::Platform &platform, std::u16string_view from,
                    std::u16string_view to) {
     const RawLines raw = readRawLines(platform, from);
-    if (raw.failure) {
+    if (raw.failure)
         throw RunTimeError(*raw.failure);
-    }
     std::string bytes;
-    for (const std::string &line : raw.lines) {
+    for (const std::string &line : raw.lines)
         bytes.append(line).append("\r\n");
-    }
     platform.files.writeNew(to, bytes, true);
 }
 

@@ -164,15 +164,14 @@ void search_Song_Internet_Form::anotherSave_Click() {
 
 void search_Song_Internet_Form::fetch(const std::u16string &target, bool canWrite, bool nameIsValid,
                                       Then then) {
-    if (!canWrite) {
+    if (!canWrite)
         say(folderRefuses);
-    } else if (!nameIsValid) {
+    else if (!nameIsValid)
         say(nameIsWrong);
-    } else if (!mayReplace(target)) {
+    else if (!mayReplace(target))
         sayReady();
-    } else {
+    else
         transfer(target, then);
-    }
 }
 
 bool search_Song_Internet_Form::mayReplace(const std::u16string &target) {

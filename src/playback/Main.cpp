@@ -76,18 +76,16 @@ void Main::setClickHandlers() {
         {link, &Main::link_Click},
         {welcome, &Main::welcome_Click},
     };
-    for (const Row &row : rows) {
+    for (const Row &row : rows)
         row.control.on().Click = [this, handler = row.handler] { (this->*handler)(); };
-    }
 }
 
 // --- start ---------------------------------------------------------------------------------------
 
 void Main::main_Load() {
     passOver([this] {
-        if (app_.saveOrOpenFile().loadPlayList()) {
+        if (app_.saveOrOpenFile().loadPlayList())
             loadLastFile();
-        }
     });
     Timer1.setRunning(true);
     setEnabled(true);
@@ -95,9 +93,8 @@ void Main::main_Load() {
 
 void Main::loadLastFile() {
     if (app_.playList_Form().playList_Item.listCount() == 0 ||
-        app_.setControl().get_IsAutoPlay() != 0) {
+        app_.setControl().get_IsAutoPlay() != 0)
         return;
-    }
     const std::u16string path = app_.setControl().get_LastPlayFile();
     velmora::player &player = app_.player();
     if (path.empty()) {
@@ -147,9 +144,8 @@ void Main::playListButton_Click() {
 
 void Main::song_GoTo_List_Click() {
     app_.player().selectEntryOfFile(app_.player().nowPlay_File);
-    if (!app_.playList_Form().visible()) {
+    if (!app_.playList_Form().visible())
         playListButton_Click();
-    }
 }
 
 void Main::videoScreen_Button_Click() {
@@ -178,9 +174,8 @@ void Main::desktop_Lrc_Click() {
             platform::MsgBoxIcon::Exclamation, app_.Language().msg_Error);
         return;
     }
-    if (!lyric.hasLrc) {
+    if (!lyric.hasLrc)
         return;
-    }
     lyric.lrc_Text.setVisible(!lyric.lrc_Text.visible());
     lyric.position();
     lyric.desktopLrcOn = lyric.lrc_Text.visible();
@@ -194,17 +189,15 @@ void Main::do_Lrc_Click() {
 void Main::search_Lrc_Internet_Click() {
     velmora::search_Lrc_Internet_Form &form = app_.search_Lrc_Internet_Form();
     form.setVisible(!form.visible());
-    if (form.visible()) {
+    if (form.visible())
         form.startLoad();
-    }
 }
 
 void Main::search_Song_Internet_Click() {
     velmora::search_Song_Internet_Form &form = app_.search_Song_Internet_Form();
     form.setVisible(!form.visible());
-    if (form.visible()) {
+    if (form.visible())
         form.startLoad();
-    }
 }
 
 void Main::check_SoundDriver_Click() { app_.check_SoundDriver_Form().show(); }
@@ -255,9 +248,8 @@ void Main::meActiveControl_Enabled(bool flag) {
         &playSet_Button,       &playListButton, &search_Lrc_Internet,
         &search_Song_Internet,
     };
-    for (forms::Control *control : controls) {
+    for (forms::Control *control : controls)
         control->setEnabled(flag);
-    }
 }
 
 } // namespace velmora

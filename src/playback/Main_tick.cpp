@@ -30,13 +30,11 @@ template <typename Window> void keepScrollBar(Window &window, const forms::ListB
     window.P2.setVisible(needed);
     window.P3.setVisible(needed);
     window.P4.setVisible(needed);
-    if (!needed || window.P2.tag() == u"1") {
+    if (!needed || window.P2.tag() == u"1")
         return;
-    }
     const std::int32_t beyond = list.listCount() - capacity;
-    if (beyond == 0) {
+    if (beyond == 0)
         raise(ErrorNumber::DivisionByZero);
-    }
     const double share = static_cast<double>(list.topIndex()) / beyond;
     window.P2.setTop(static_cast<Twips>(share * (window.P4.height() - window.P2.height())));
 }
@@ -53,11 +51,10 @@ void Main::tick() {
     std::int32_t length = 0;
     passOver([&] {
         length = app_.player().get_Length();
-        if (length == 0) {
+        if (length == 0)
             stop_Sub();
-        } else {
+        else
             showLyricLine(app_, lrc_Text, lrcBox.width(), shownLine_);
-        }
     });
     passOver([this] { showState(app_, stateControls()); });
     keepScrollBars();
@@ -67,9 +64,8 @@ void Main::tick() {
 void Main::keepScrollBars() {
     velmora::playList_Form &list = app_.playList_Form();
     passOver([&] {
-        if (list.visible()) {
+        if (list.visible())
             keepScrollBar(list, list.playList_Item, list.visibleRows, list.visibleRows);
-        }
     });
     passOver([&] {
         velmora::doLrcForm &editor = app_.doLrcForm();
@@ -81,9 +77,8 @@ void Main::keepScrollBars() {
     passOver([&] { app_.player().isDoLrc_Open = app_.doLrcForm().visible() ? -1 : 0; });
     velmora::search_Lrc_Internet_Form &lyrics = app_.search_Lrc_Internet_Form();
     passOver([&] {
-        if (lyrics.visible()) {
+        if (lyrics.visible())
             keepScrollBar(lyrics, lyrics.search_Lrc_List, lyrics.visibleRows, lyrics.visibleRows);
-        }
     });
     passOver([&] {
         velmora::search_Song_Internet_Form &songs = app_.search_Song_Internet_Form();
@@ -95,9 +90,8 @@ void Main::keepScrollBars() {
 
 // Rolls the caption in the task bar, one character a tick.
 void Main::rollCaption() {
-    if (app_.player().get_Length() == 0) {
+    if (app_.player().get_Length() == 0)
         return;
-    }
     const std::u16string whole = u" " + title.caption() + u" - " + app_.player().nowPlay_Title;
     passOver([&] {
         rotation_Count = whole.size() < static_cast<std::size_t>(rotation_Count)
@@ -120,27 +114,24 @@ void Main::setDragHandlers() {
         area->MouseUp = [this](const forms::MouseEvent &event) { endDrag(event); };
     }
     on().DblClick = [this] {
-        if (playButton.enabled()) {
+        if (playButton.enabled())
             mini_Button_Click();
-        }
     };
     title.on().DblClick = [this] { mini_Button_Click(); };
     title_ICO.on().DblClick = [this] { mini_Button_Click(); };
 }
 
 void Main::startDrag(const forms::MouseEvent &event) {
-    if (event.button != forms::leftButton) {
+    if (event.button != forms::leftButton)
         return;
-    }
     app_.formSet().start_Drag(*this, event);
     topmost_Main = app_.formSet().set_Topmost(hWnd(), true);
     topmost_PlayList = app_.formSet().set_Topmost(app_.playList_Form().hWnd(), true);
 }
 
 void Main::dragMove(const forms::MouseEvent &event) {
-    if ((event.button & forms::leftButton) == 0) {
+    if ((event.button & forms::leftButton) == 0)
         return;
-    }
     const PointTwips offset = app_.formSet().drag_Offset(*this, event);
     velmora::playList_Form &list = app_.playList_Form();
     move({left() + offset.x, top() + offset.y, width(), height()});
@@ -148,15 +139,13 @@ void Main::dragMove(const forms::MouseEvent &event) {
 }
 
 void Main::endDrag(const forms::MouseEvent &event) {
-    if (event.button == forms::leftButton) {
+    if (event.button == forms::leftButton)
         app_.formSet().settle_Pair(*this, app_.playList_Form());
-    }
     topmost_Main = app_.formSet().set_Topmost(hWnd(), false);
     topmost_PlayList = app_.formSet().set_Topmost(app_.playList_Form().hWnd(), false);
     app_.formSet().keep_Topmost();
-    if (event.button == forms::rightButton) {
+    if (event.button == forms::rightButton)
         app_.MenuForm().open_Menu(*this);
-    }
 }
 
 } // namespace velmora

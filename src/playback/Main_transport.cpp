@@ -96,18 +96,15 @@ void Main::takeChosenFile(const std::u16string &path) {
     forms::ListBox &names = app_.playList_Form().playList_Item;
     const std::u16string stem = player.getFileStem(path);
     if (app_.Search().isInPlayList(path)) {
-        if (!stem.empty()) {
+        if (!stem.empty())
             selectNamesakes(stem);
-        }
         return;
     }
     // A full list takes nothing more, and the music goes on.
-    if (!stem.empty() && names.listCount() == forms::ListBox::mostRows) {
+    if (!stem.empty() && names.listCount() == forms::ListBox::mostRows)
         velmora::raise(ErrorNumber::Overflow);
-    }
-    if (player.get_PlayStatus() == statusPlaying) {
+    if (player.get_PlayStatus() == statusPlaying)
         player.close_Sub(0);
-    }
     if (!stem.empty()) {
         names.addItem(stem);
         app_.playList_Form().List1.addItem(path);
@@ -118,17 +115,15 @@ void Main::takeChosenFile(const std::u16string &path) {
         app_.platform().windows.MsgBox(app_.Language().msg_Bad_Path, platform::MsgBoxButtons::Ok,
                                        platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
     }
-    if (player.get_Length() == 0) {
+    if (player.get_Length() == 0)
         stop_Sub();
-    }
     app_.saveOrOpenFile().savePlayList();
 }
 
 void Main::selectNamesakes(const std::u16string &stem) {
     forms::ListBox &names = app_.playList_Form().playList_Item;
-    for (std::int32_t row = 0; row < names.listCount(); ++row) {
+    for (std::int32_t row = 0; row < names.listCount(); ++row)
         names.setSelected(row, false);
-    }
     for (std::int32_t row = 0; row < names.listCount(); ++row) {
         if (names.list(row) == stem) {
             names.setSelected(row, true);
@@ -172,9 +167,8 @@ void Main::Volume_Set_BG_MouseUp(Twips x) { setVolumeByRelease(app_, PlayerWindo
 void Main::Volume_ICO_Click() { mute(app_); }
 
 void Main::choose_Channel(std::int16_t channel) {
-    if (app_.player().set_AudioSource(channel) == 0) {
+    if (app_.player().set_AudioSource(channel) == 0)
         return;
-    }
     AudioSource_H.setVisible(channel == 0);
     AudioSource_L.setVisible(channel == 1);
     AudioSource_R.setVisible(channel == 2);

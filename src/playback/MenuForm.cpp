@@ -41,9 +41,8 @@ void MenuForm::load() {
     };
     for (const Row &row : rows) {
         row.entry.on().Click = [this, work = row.work] {
-            if (!ListWork::isGoingOn(app_)) {
+            if (!ListWork::isGoingOn(app_))
                 work(app_);
-            }
         };
     }
     close.on().Click = [this] { app_.startLoad_Form().unload(); };
@@ -82,25 +81,22 @@ void MenuForm::loadListMenu() {
         row.entry.on().Click = [this, work = row.work] {
             List &list = app_.playList_Form();
             const ListChoice chosen = list.takeMenuChoice();
-            if (!ListWork::isGoingOn(app_)) {
+            if (!ListWork::isGoingOn(app_))
                 work(list, chosen);
-            }
         };
     }
 }
 
 void MenuForm::open_Menu(forms::Form &owner) {
-    if (!ListWork::isGoingOn(app_)) {
+    if (!ListWork::isGoingOn(app_))
         app_.platform().windows.PopupMenu(owner, menu);
-    }
 }
 
 void MenuForm::mode_Click() {
-    if (!app_.Main().visible() && app_.miniForm().visible()) {
+    if (!app_.Main().visible() && app_.miniForm().visible())
         app_.miniForm().mini_Button_Click();
-    } else if (app_.Main().visible()) {
+    else if (app_.Main().visible())
         app_.Main().mini_Button_Click();
-    }
 }
 
 void MenuForm::about_Click() {

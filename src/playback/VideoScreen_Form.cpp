@@ -32,11 +32,10 @@ void VideoScreen_Form::load() {
     Timer1.onTimer = [this] { tick(); };
     app_.Language_Set().language_VideoScreen_Form();
     // A window made anew for the next track comes back in the mode of the one before.
-    if (app_.player().isFullScreen == 0) {
+    if (app_.player().isFullScreen == 0)
         setScreenSize_Default();
-    } else {
+    else
         setFullScreen(true);
-    }
 }
 
 void VideoScreen_Form::setClickHandlers() {
@@ -72,18 +71,16 @@ void VideoScreen_Form::setDragHandlers() {
     for (forms::ControlEvents *area : areas) {
         app_.formSet().make_Draggable(*this, *area);
         area->MouseUp = [this](const forms::MouseEvent &event) {
-            if (event.button == forms::rightButton && playButton.enabled()) {
+            if (event.button == forms::rightButton && playButton.enabled())
                 app_.MenuForm().open_Menu(*this);
-            }
         };
     }
 }
 
 void VideoScreen_Form::playButton_Click() {
     velmora::player &player = app_.player();
-    if (!app_.lrcForm().Timer1.running() && app_.saveOrOpenFile().fileExists(player.nowPlay_File)) {
+    if (!app_.lrcForm().Timer1.running() && app_.saveOrOpenFile().fileExists(player.nowPlay_File))
         player.open_File(player.nowPlay_File);
-    }
     player.play_Sub();
 }
 
@@ -116,20 +113,17 @@ void VideoScreen_Form::keyDown(const forms::KeyEvent &key) {
         {forms::keyF2, [](VideoScreen_Form &, Velmora &app) { app.player().play_Sub(); }},
         {forms::keySpace, [](VideoScreen_Form &form, Velmora &) { form.spaceKey(); }},
     };
-    for (const Row &row : rows) {
-        if (row.code == key.keyCode) {
+    for (const Row &row : rows)
+        if (row.code == key.keyCode)
             row.work(*this, app_);
-        }
-    }
 }
 
 void VideoScreen_Form::spaceKey() {
     const std::int32_t status = app_.player().get_PlayStatus();
-    if (status == statusOther) {
+    if (status == statusOther)
         app_.player().play_Sub();
-    } else if (status == statusPlaying) {
+    else if (status == statusPlaying)
         app_.player().pause_Sub();
-    }
 }
 
 // --- the tick ------------------------------------------------------------------------------------

@@ -40,9 +40,8 @@ void VideoScreen_Form::setScreenSize_Default() { setScreenSize(defaultWidth, def
 
 void VideoScreen_Form::setScreenSize(std::int32_t newWidth, std::int32_t newHeight, bool keep) {
     passOver([&] {
-        if (!keep) {
+        if (!keep)
             app_.player().pause_Sub();
-        }
         const auto wide = static_cast<Twips>(newWidth);
         const auto high = static_cast<Twips>(newHeight);
         const PointTwips at = isWhole_ ? before_ : PointTwips{left(), top()};
@@ -60,12 +59,10 @@ void VideoScreen_Form::setScreenSize(std::int32_t newWidth, std::int32_t newHeig
 
 void VideoScreen_Form::setFullScreen(bool keep) {
     passOver([&] {
-        if (!keep) {
+        if (!keep)
             app_.player().pause_Sub();
-        }
-        if (!isWhole_) {
+        if (!isWhole_)
             before_ = {left(), top()};
-        }
         isWhole_ = true;
         move({0, 0, app_.platform().windows.screenWidth(), app_.platform().windows.screenHeight()});
         showTitleRow(false);
@@ -103,9 +100,8 @@ void VideoScreen_Form::layOut(bool fullScreen, bool keep) {
     nameBox.setWidth(textWidth);
     playInfo_Show.setWidth(textWidth);
     layStrip();
-    if (!keep && !putAndPlay()) {
+    if (!keep && !putAndPlay())
         return;
-    }
     if (fullScreen) {
         app_.player().isFullScreen = -1;
         app_.formSet().set_Topmost(hWnd(), true);
@@ -137,9 +133,8 @@ void VideoScreen_Form::layVolume() {
     Volume_Set_BG.setHeight(200);
     putAhead(Volume_Set_BG, nowTime, upButton);
     const velmora::Main &main = app_.Main();
-    if (main.Volume_Set_BG.width() == 0) {
+    if (main.Volume_Set_BG.width() == 0)
         velmora::raise(ErrorNumber::DivisionByZero);
-    }
     const Twips share = main.Volume_Set.width() / main.Volume_Set_BG.width();
     Volume_Set.move({Volume_Set_BG.left() + fillInset.left, Volume_Set_BG.top() + fillInset.top,
                      share * Volume_Set_BG.width() - fillInset.width,

@@ -42,9 +42,8 @@ template <typename Seek> void seekShown(Velmora &app, const SeekControls &contro
     centreLabel(controls.playInfo_Show, controls.nameBox.width());
     const player::Medium medium = app.player().medium();
     std::forward<Seek>(seek)();
-    if (app.lrcForm().hasLrc && !app.player().isGone(medium)) {
+    if (app.lrcForm().hasLrc && !app.player().isGone(medium))
         app.lrcForm().nowLrcLine = app.lrcForm().lrcWaitText;
-    }
     controls.load_Played_BG.setMousePointer(forms::pointerCustom);
     controls.form.setMousePointer(forms::pointerDefault);
 }
@@ -53,30 +52,28 @@ template <typename Seek> void seekShown(Velmora &app, const SeekControls &contro
 
 void seekByRelease(Velmora &app, const SeekControls &controls, Twips x) {
     if (x < controls.load_Played_BG.width()) {
-        seekShown(app, controls,
-                  [&] { app.player().seek_ByBar(controls.window, std::max(x, 0.0F)); });
+        seekShown(
+            app, controls, [&] { app.player().seek_ByBar(controls.window, std::max(x, 0.0F)); });
     }
 }
 
 void seekToTime(Velmora &app, const SeekControls &controls, std::int32_t ms) {
-    seekShown(app, controls, [&] { app.player().seek_To(ms); });
+    seekShown(
+        app, controls, [&] { app.player().seek_To(ms); });
 }
 
 void setVolumeByRelease(Velmora &app, PlayerWindow window, Twips x) {
     const std::array<VolumeBar, 3> bars = volumeBars(app);
     const VolumeBar &own = bars[static_cast<std::size_t>(window)];
     const Twips whole = own.background.width();
-    if (x > whole - deadEnd) {
+    if (x > whole - deadEnd)
         return;
-    }
     x = std::max(x, 0.0F);
     app.player().set_Volume(roundToInt32(static_cast<double>(x) / whole * 1000));
     own.fill.setWidth(x);
-    for (const VolumeBar &bar : bars) {
-        if (bar.window != window) {
+    for (const VolumeBar &bar : bars)
+        if (bar.window != window)
             bar.fill.setWidth(own.fill.width() / whole * bar.background.width());
-        }
-    }
 }
 
 void setVolumeByShare(Velmora &app, double share) {
@@ -87,9 +84,8 @@ void setVolumeByShare(Velmora &app, double share) {
 
 void mute(Velmora &app) {
     app.player().set_Volume(0);
-    for (const VolumeBar &bar : volumeBars(app)) {
+    for (const VolumeBar &bar : volumeBars(app))
         bar.fill.setWidth(0);
-    }
 }
 
 } // namespace velmora

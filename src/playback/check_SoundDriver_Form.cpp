@@ -41,11 +41,9 @@ public:
     // The texts whose bits are set.
     template <std::size_t Count>
     void addBits(std::uint32_t bits, const std::u16string_view (&texts)[Count]) {
-        for (std::size_t bit = 0; bit < Count; ++bit) {
-            if ((bits >> bit & 1) != 0) {
+        for (std::size_t bit = 0; bit < Count; ++bit)
+            if ((bits >> bit & 1) != 0)
                 add(texts[bit]);
-            }
-        }
     }
     const std::u16string &text() const { return text_; }
 
@@ -84,7 +82,8 @@ check_SoundDriver_Form::check_SoundDriver_Form(Velmora &app)
 
 void check_SoundDriver_Form::load() {
     passOver([this] { app_.formSet().set_ColourKey(*this); });
-    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Click(); });
+    app_.formSet().dress(
+        *this, {&title, &title_ICO}, [this] { close_Click(); });
     close.on().Click = [this] { close_Click(); };
     check.on().Click = [this] { check_Click(); };
 }
@@ -97,13 +96,11 @@ std::int16_t check_SoundDriver_Form::get_CheckResult() {
 void check_SoundDriver_Form::check_Click() {
     platform::WaveOut &waveOut = app_.platform().waveOut;
     deviceCount_ = waveOut.waveOutGetNumDevs();
-    if (deviceCount_ < 1) {
+    if (deviceCount_ < 1)
         return;
-    }
     platform::WaveOutCaps caps;
-    if (waveOut.waveOutGetDevCapsA(firstDevice, caps, recordSize) != 0) {
+    if (waveOut.waveOutGetDevCapsA(firstDevice, caps, recordSize) != 0)
         return;
-    }
     checkResult_Text.setText(capabilities(caps, app_.Language()));
 }
 

@@ -33,11 +33,10 @@ void showState(Velmora &app, const StateControls &controls) {
     passOver([&] {
         controls.load_Played.setWidth(static_cast<Twips>(player.get_PlayedWidth(controls.window)));
     });
-    if (controls.playInfo_Show.width() > controls.nameBox.width()) {
+    if (controls.playInfo_Show.width() > controls.nameBox.width())
         rollLabel(controls.playInfo_Show, controls.nameBox.width(), titleMarquee);
-    } else {
+    else
         centreLabel(controls.playInfo_Show, controls.nameBox.width());
-    }
 }
 
 void showStopped(Velmora &app, const StateControls &controls, forms::Label &lrc_Text) {

@@ -78,18 +78,16 @@ void miniForm::setStripHandlers() {
 }
 
 void miniForm::mouseUp(const forms::MouseEvent &event) {
-    if (event.button == forms::rightButton && playButton.enabled()) {
+    if (event.button == forms::rightButton && playButton.enabled())
         app_.MenuForm().open_Menu(*this);
-    }
 }
 
 // --- buttons -------------------------------------------------------------------------------------
 
 void miniForm::playButton_Click() {
     velmora::player &player = app_.player();
-    if (!app_.lrcForm().Timer1.running() && app_.saveOrOpenFile().fileExists(player.nowPlay_File)) {
+    if (!app_.lrcForm().Timer1.running() && app_.saveOrOpenFile().fileExists(player.nowPlay_File))
         player.open_File(player.nowPlay_File);
-    }
     player.play_Sub();
 }
 
@@ -122,9 +120,8 @@ void miniForm::show_Stopped() { showStopped(app_, stateControls(), lrc_Text); }
 
 void miniForm::tick() {
     passOver([this] {
-        if (auto_Hide != 0) {
+        if (auto_Hide != 0)
             hideByPointer();
-        }
     });
     passOver([this] {
         if (app_.player().get_Length() != 0) {
@@ -136,19 +133,16 @@ void miniForm::tick() {
 
 void miniForm::hideByPointer() {
     PointPixels pointer;
-    if (!app_.platform().windows.GetCursorPos(pointer) || top() > nearTheEdge) {
+    if (!app_.platform().windows.GetCursorPos(pointer) || top() > nearTheEdge)
         return;
-    }
     const auto x = static_cast<Twips>(pointer.x);
     const Twips leftEdge = left() / twipsPerPixel;
     const bool besides = x < leftEdge || x > leftEdge + width() / twipsPerPixel;
     const bool below = height() / twipsPerPixel < static_cast<Twips>(pointer.y);
-    if (below || besides) {
+    if (below || besides)
         slide_Mini(true);
-    }
-    if (pointer.y == 0 && !besides) {
+    if (pointer.y == 0 && !besides)
         slide_Mini(false);
-    }
 }
 
 // Out of sight goes by one step a tick, so that the pointer may come back meanwhile; back goes at
@@ -166,9 +160,8 @@ void miniForm::slide_Mini(bool hide) {
         setTop(top() + slideStep);
         sleep.Wait(app_.formSet().wait_Ms);
     }
-    if (top() > 0) {
+    if (top() > 0)
         setTop(0);
-    }
 }
 
 } // namespace velmora

@@ -79,11 +79,9 @@ std::u16string player::get_DeviceType(std::u16string_view shortPath) const {
     const std::size_t point = shortPath.rfind(u'.');
     if (point != std::u16string_view::npos) {
         const std::u16string extension = upper(shortPath.substr(point + 1));
-        for (const DeviceRow &row : deviceTable) {
-            if (row.extension == extension) {
+        for (const DeviceRow &row : deviceTable)
+            if (row.extension == extension)
                 return std::u16string(row.device);
-            }
-        }
     }
     return u"MPEGVideo";
 }
@@ -97,9 +95,8 @@ std::int16_t player::open_File(std::u16string path) {
 void player::openFile(std::u16string path, std::int16_t &result) {
     // The engine takes names as they are: it gets the one that the search found.
     const std::u16string onDisk = app_.saveOrOpenFile().fileOnDisk(path);
-    if (onDisk.empty()) {
+    if (onDisk.empty())
         return;
-    }
     app_.Main().closeAndStop();
     const std::u16string shortPath(untilNul(app_.platform().files.GetShortPathNameA(onDisk)));
     const std::u16string device = get_DeviceType(shortPath);
@@ -114,13 +111,11 @@ void player::openFile(std::u16string path, std::int16_t &result) {
     selectEntryOfFile(path);
     embedVideo(device, command);
     const bool ownWindow = app_.setControl().VideoInterface == 1;
-    if (ownWindow) {
+    if (ownWindow)
         hookVideoWindow();
-    }
     const bool opened = send(command);
-    if (ownWindow) {
+    if (ownWindow)
         app_.Main().videoScreen_Button.setVisible(put_VideoWindowWhole() == done);
-    }
     send(u"set NOWMUSIC time format milliseconds");
     if (opened) {
         result = done;
@@ -142,19 +137,17 @@ void player::readTitle() {
           tag.playInfo_CommentText.text().empty() && tag.playInfo_GenreText.text().empty() &&
           tag.playInfo_TitleText.text().empty() && tag.playInfo_YearText.text().empty());
     // A tag of blanks leaves the button as it was.
-    if (filled || !found) {
+    if (filled || !found)
         info.anotherInfo_Button.setEnabled(filled);
-    }
     if (filled) {
         const std::u16string &artist = tag.playInfo_ArtistText.text();
         const std::u16string &title = tag.playInfo_TitleText.text();
-        if (!artist.empty() && !title.empty()) {
+        if (!artist.empty() && !title.empty())
             nowPlay_Title = artist + u" -- " + title;
-        } else if (!title.empty()) {
+        else if (!title.empty())
             nowPlay_Title = u"No Artist -- " + title;
-        } else if (!artist.empty()) {
+        else if (!artist.empty())
             nowPlay_Title = artist + u" -- No Title";
-        }
     } else if (tag.visible()) {
         // As its own button does it: the window behind waits for it, disabled.
         tag.close_Click();
@@ -173,9 +166,8 @@ bool player::isGone(const Medium &medium) {
 std::int16_t player::close_Sub(std::int16_t mode) {
     ++closings_;
     const std::int16_t result = send(u"close NOWMUSIC") ? done : 0;
-    if (mode != 0) {
+    if (mode != 0)
         return result;
-    }
     velmora::Main &main = app_.Main();
     app_.lrcForm().Timer1.setRunning(false);
     app_.lrcForm().List1.clear();
@@ -225,9 +217,8 @@ void player::countAddedRow() {
 }
 
 void player::selectEntryOfFile(std::u16string_view path) {
-    if (path.empty()) {
+    if (path.empty())
         return;
-    }
     velmora::playList_Form &window = app_.playList_Form();
     forms::ListBox &names = window.playList_Item;
     const forms::ListBox &paths = window.List1;

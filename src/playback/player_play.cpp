@@ -83,9 +83,8 @@ std::int16_t player::set_AudioSource(std::int16_t channel) {
 std::int16_t player::pause_Sub() { return asBoolean(send(u"pause NOWMUSIC")); }
 
 std::int16_t player::seek_To(std::int32_t ms) {
-    if (!send(u"seek NOWMUSIC to " + decimal(ms))) {
+    if (!send(u"seek NOWMUSIC to " + decimal(ms)))
         return 0;
-    }
     app_.remoteControl().seeked(ms);
     play_Sub();
     return done;
@@ -104,9 +103,8 @@ std::int16_t player::play_Sub() {
         const Medium played = medium();
         fadeIn();
         restoreChannel();
-        if (!isGone(played)) {
+        if (!isGone(played))
             app_.Search().findTrackLyric(nowPlay_File);
-        }
         // Events ran in both: what was stopped meanwhile is not in use, and a track that has begun
         // has done all this for itself.
         if (isGone(played)) {
@@ -123,9 +121,8 @@ std::int16_t player::play_Sub() {
 std::int32_t player::volumeTarget() {
     const velmora::Main &main = app_.Main();
     const double whole = main.Volume_Set_BG.width();
-    if (whole == 0) {
+    if (whole == 0)
         raise(ErrorNumber::DivisionByZero);
-    }
     return roundToInt32(main.Volume_Set.width() / whole * 1000);
 }
 
@@ -136,9 +133,8 @@ void player::fadeIn() {
     for (std::int32_t counter = 0; counter <= target; ++counter) {
         set_Volume(counter);
         target = volumeTarget();
-        if (target > counter + fadeJump) {
+        if (target > counter + fadeJump)
             counter += fadeJump;
-        }
         app_.platform().windows.DoEvents();
         zkMySleep(app_).Wait(fadeWaitMs);
     }
@@ -147,13 +143,12 @@ void player::fadeIn() {
 // The engine forgets the channel at each open; Main's images remember it.
 void player::restoreChannel() {
     const velmora::Main &main = app_.Main();
-    if (main.AudioSource_H.visible()) {
+    if (main.AudioSource_H.visible())
         set_AudioSource(0);
-    } else if (main.AudioSource_L.visible()) {
+    else if (main.AudioSource_L.visible())
         set_AudioSource(1);
-    } else if (main.AudioSource_R.visible()) {
+    else if (main.AudioSource_R.visible())
         set_AudioSource(2);
-    }
     velmora::VideoScreen_Form &video = app_.VideoScreen_Form();
     video.AudioSource_H.setVisible(main.AudioSource_H.visible());
     video.AudioSource_L.setVisible(main.AudioSource_L.visible());
@@ -162,18 +157,14 @@ void player::restoreChannel() {
 
 std::int32_t player::get_PlayStatus() {
     const std::u16string mode = ask(u"status NOWMUSIC mode", 255);
-    if (startsWith(mode, u"playing") || startsWith(mode, u"播放")) {
+    if (startsWith(mode, u"playing") || startsWith(mode, u"播放"))
         return statusPlaying;
-    }
-    if (!startsWith(mode, u"stopped") && !startsWith(mode, u"停止")) {
+    if (!startsWith(mode, u"stopped") && !startsWith(mode, u"停止"))
         return statusOther;
-    }
-    if (app_.setControl().isAutoPlay != 0) {
+    if (app_.setControl().isAutoPlay != 0)
         return statusEnded;
-    }
-    if (isDoLrc_Open == 0) {
+    if (isDoLrc_Open == 0)
         afterEnd();
-    }
     return statusChanged;
 }
 
@@ -209,9 +200,8 @@ void player::next_Sub(std::int16_t direction) {
         nowPlay_Index = nextIndex(nowPlay_Index, rows);
         break;
     case directionPrevious:
-        if (rows == 0) {
+        if (rows == 0)
             return;
-        }
         nowPlay_Index = previousIndex(nowPlay_Index, rows);
         break;
     case directionRandom:

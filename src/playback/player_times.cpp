@@ -84,39 +84,33 @@ std::u16string player::get_LrcTimeTag() {
 std::u16string player::get_PositionMMSS() {
     const std::int32_t seconds = roundToInt32(position() / 1000.0);
     const std::int32_t minutes = seconds / 60;
-    if (minutes < 10) {
+    if (minutes < 10)
         pos_MMSS = u"0";
-    }
     pos_MMSS += decimal(minutes) + u":";
-    if (seconds % 60 < 10) {
+    if (seconds % 60 < 10)
         pos_MMSS += u"0";
-    }
     pos_MMSS += decimal(seconds % 60);
-    if (pos_MMSS.size() > longestText) {
+    if (pos_MMSS.size() > longestText)
         pos_MMSS.resize(longestText);
-    }
     return pos_MMSS;
 }
 
 std::int32_t player::get_PlayedWidth(PlayerWindow window) {
     const Bar bar = barOf(window);
     const double at = leadingNumber(ask(u"status NOWMUSIC position", numberSize));
-    if (std::trunc(at) <= 0) {
+    if (std::trunc(at) <= 0)
         return roundToInt32(bar.background.width());
-    }
     const double usable = bar.background.width() - 2.0 * (bar.fill.left() - bar.background.left());
     const std::int32_t length = get_Length();
-    if (length == 0) {
+    if (length == 0)
         raise(ErrorNumber::DivisionByZero);
-    }
     return roundToInt32(usable / length * at);
 }
 
 void player::seek_ByBar(PlayerWindow window, Twips x) {
     const double usable = barOf(window).background.width() - barMargin;
-    if (usable == 0) {
+    if (usable == 0)
         raise(ErrorNumber::DivisionByZero);
-    }
     seek_To(roundToInt32(x / usable * get_Length()));
 }
 

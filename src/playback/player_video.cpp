@@ -23,9 +23,8 @@ bool isVideoDevice(std::u16string_view device) {
 } // namespace
 
 void player::embedVideo(std::u16string_view device, std::u16string &command) {
-    if (!isVideoDevice(device)) {
+    if (!isVideoDevice(device))
         return;
-    }
     if (app_.setControl().VideoInterface == 0) {
         command += u" style child ";
     } else if (app_.setControl().VideoInterface == 1) {

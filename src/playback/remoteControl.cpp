@@ -64,9 +64,8 @@ bool remoteControl::isStill() {
 // The question that tells it for certain starts the next track, so the controls are read, to which
 // Main's tick has written the answer.
 RemoteStatus remoteControl::status() {
-    if (app_.Main().pauseButton.visible()) {
+    if (app_.Main().pauseButton.visible())
         return RemoteStatus::Playing;
-    }
     return app_.Main().play_Time.caption() != stoppedTime ? RemoteStatus::Paused
                                                           : RemoteStatus::Stopped;
 }
@@ -79,9 +78,8 @@ void remoteControl::command(RemoteCommand command) {
         app_.formSet().show_Player();
         return;
     }
-    if (isStill()) {
+    if (isStill())
         return;
-    }
     const AtWork work(atWork_);
     passOver([&] { perform(command); });
 }
@@ -90,34 +88,28 @@ void remoteControl::perform(RemoteCommand command) {
     velmora::Main &main = app_.Main();
     const bool starting = app_.player().isStarting();
     const bool playing = starting || status() == RemoteStatus::Playing;
-    if (command == RemoteCommand::PlayPause) {
+    if (command == RemoteCommand::PlayPause)
         command = playing ? RemoteCommand::Pause : RemoteCommand::Play;
-    }
     switch (command) {
     case RemoteCommand::Play:
-        if (!playing) {
+        if (!playing)
             main.playButton_Click();
-        }
         break;
     case RemoteCommand::Pause:
-        if (playing) {
+        if (playing)
             main.pauseButton_Click();
-        }
         break;
     case RemoteCommand::Stop:
-        if (playing || status() != RemoteStatus::Stopped) {
+        if (playing || status() != RemoteStatus::Stopped)
             main.stopButton_Click();
-        }
         break;
     case RemoteCommand::Next:
-        if (app_.playList_Form().playList_Item.listCount() > 0) {
+        if (app_.playList_Form().playList_Item.listCount() > 0)
             main.nextButton_Click();
-        }
         break;
     case RemoteCommand::Previous:
-        if (app_.playList_Form().playList_Item.listCount() > 0) {
+        if (app_.playList_Form().playList_Item.listCount() > 0)
             main.upButton_Click();
-        }
         break;
     case RemoteCommand::Quit:
         main.closeButton_Click();
@@ -135,23 +127,20 @@ std::int32_t remoteControl::positionMs() {
 }
 
 void remoteControl::seekBy(std::int64_t ms) {
-    if (isStill() || !now_.canSeek) {
+    if (isStill() || !now_.canSeek)
         return;
-    }
     // Beyond any track either way; the sum is then one, too.
     constexpr std::int64_t farthest = std::int64_t{1} << 40;
     const std::int64_t target = positionMs() + std::clamp(ms, -farthest, farthest);
-    if (target > now_.lengthMs) {
+    if (target > now_.lengthMs)
         command(RemoteCommand::Next);
-    } else {
+    else
         jump(std::max<std::int64_t>(target, 0));
-    }
 }
 
 void remoteControl::seekTo(std::uint32_t track, std::int64_t ms) {
-    if (!isStill() && now_.canSeek && track == now_.track && ms >= 0 && ms <= now_.lengthMs) {
+    if (!isStill() && now_.canSeek && track == now_.track && ms >= 0 && ms <= now_.lengthMs)
         jump(ms);
-    }
 }
 
 void remoteControl::jump(std::int64_t ms) {
@@ -164,9 +153,8 @@ void remoteControl::seeked(std::int32_t ms) { app_.platform().remote.seeked(ms);
 // --- volume, order, full screen ------------------------------------------------------------------
 
 void remoteControl::setVolume(double volume) {
-    if (!isStill()) {
+    if (!isStill())
         passOver([&] { setVolumeByShare(app_, volume); });
-    }
 }
 
 bool remoteControl::setLoop(RemoteLoop loop) {
@@ -184,21 +172,18 @@ bool remoteControl::setLoop(RemoteLoop loop) {
 
 bool remoteControl::setShuffle(bool shuffle) {
     const std::int16_t mode = app_.setControl().PlayMode;
-    if (shuffle) {
+    if (shuffle)
         return setPlayMode(randomly);
-    }
     return setPlayMode(mode == randomly ? inOrder : mode);
 }
 
 // The choice can be made where tracks follow each other, and there alone, as in the settings.
 bool remoteControl::setPlayMode(std::int16_t mode) {
     velmora::setControl &settings = app_.setControl();
-    if (settings.isAutoPlay != 0) {
+    if (settings.isAutoPlay != 0)
         return false;
-    }
-    if (isStill() || mode == settings.PlayMode) {
+    if (isStill() || mode == settings.PlayMode)
         return true;
-    }
     velmora::playSetForm &form = app_.playSetForm();
     forms::OptionButton *const modes[] = {&form.Play_Order, &form.Play_Random,
                                           &form.Play_RepeatPlay};
@@ -210,9 +195,8 @@ bool remoteControl::setPlayMode(std::int16_t mode) {
 
 void remoteControl::setFullscreen(bool fullscreen) {
     if (isStill() || !now_.canSetFullscreen || !app_.videoScreenLoaded() ||
-        fullscreen == (app_.player().isFullScreen != 0)) {
+        fullscreen == (app_.player().isFullScreen != 0))
         return;
-    }
     const AtWork work(atWork_);
     passOver([&] { app_.VideoScreen_Form().fullScreen_Button_Click(); });
 }
@@ -222,15 +206,13 @@ void remoteControl::setFullscreen(bool fullscreen) {
 void remoteControl::open(std::vector<std::u16string> paths, bool enqueue) {
     // No list holds more, however often somebody asks while the answer must wait.
     constexpr std::size_t most = forms::ListBox::mostRows;
-    if (paths.empty() || waitingPaths_ >= most) {
+    if (paths.empty() || waitingPaths_ >= most)
         return;
-    }
     paths.resize(std::min(paths.size(), most - waitingPaths_));
     waitingPaths_ += paths.size();
     waiting_.push_back({std::move(paths), enqueue});
-    if (!isStill()) {
+    if (!isStill())
         openWaiting();
-    }
 }
 
 void remoteControl::openWaiting() {
@@ -251,9 +233,8 @@ void remoteControl::openNow(const Order &order) {
         return;
     }
     app_.playList_Form().filesOpened(order.paths);
-    if (!order.enqueue) {
+    if (!order.enqueue)
         playFirst(order);
-    }
 }
 
 // The open button's way; what it does not do for a track in the list is to play it.
@@ -262,9 +243,8 @@ void remoteControl::openOne(const std::u16string &path) {
     app_.playList_Form().setEnabled(false);
     app_.Main().setEnabled(false);
     app_.Main().take_Chosen_File(path);
-    if (listed) {
+    if (listed)
         app_.playList_Form().playThis(ListChoice{{}, path});
-    }
 }
 
 void remoteControl::playFirst(const Order &order) {

@@ -39,14 +39,12 @@ void remoteControl::tick(std::int32_t lengthMs) {
     if (settled) {
         readTrack(lengthMs);
         readState();
-        if (std::exchange(changed_, false)) {
+        if (std::exchange(changed_, false))
             app_.platform().remote.publish(now_);
-        }
         keepAwake();
     }
-    if (!waiting_.empty() && !isStill()) {
+    if (!waiting_.empty() && !isStill())
         app_.platform().windows.whenIdle([this] { openWaiting(); });
-    }
 }
 
 void remoteControl::readTrack(std::int32_t lengthMs) {
@@ -80,14 +78,12 @@ void remoteControl::readTag() {
 
 void remoteControl::readLyric() {
     const velmora::lrcForm &lyric = app_.lrcForm();
-    if (lyric.readings == lyric_ && now_.lyric.empty() == (lyric.List1.listCount() == 0)) {
+    if (lyric.readings == lyric_ && now_.lyric.empty() == (lyric.List1.listCount() == 0))
         return;
-    }
     lyric_ = lyric.readings;
     std::u16string text;
-    for (std::int32_t row = 0; row < lyric.List1.listCount(); ++row) {
+    for (std::int32_t row = 0; row < lyric.List1.listCount(); ++row)
         text.append(lyric.List1.list(row)).append(1, u'\n');
-    }
     take(now_.lyric, text);
 }
 
@@ -98,9 +94,8 @@ void remoteControl::readState() {
     take(now_.hasTrack, !now_.path.empty());
     take(now_.canSeek, now_.status != RemoteStatus::Stopped && now_.lengthMs > 0);
     take(now_.hasRows, app_.playList_Form().playList_Item.listCount() > 0);
-    if (const Twips whole = main.Volume_Set_BG.width(); whole > 0) {
+    if (const Twips whole = main.Volume_Set_BG.width(); whole > 0)
         take(now_.volume, static_cast<double>(main.Volume_Set.width()) / whole);
-    }
     const bool follows = settings.isAutoPlay == 0;
     take(now_.shuffle, follows && settings.PlayMode == 1);
     take(now_.loop, !follows                 ? RemoteLoop::None

@@ -37,11 +37,9 @@ constexpr std::int32_t instancesThatRefuse = 2;
 // "major.minor.revision" out of four numbers joined by points.
 std::u16string firstThree(const std::u16string &version) {
     std::size_t end = 0;
-    for (int points = 0; end < version.size(); ++end) {
-        if (version[end] == u'.' && ++points == 3) {
+    for (int points = 0; end < version.size(); ++end)
+        if (version[end] == u'.' && ++points == 3)
             break;
-        }
-    }
     return std::u16string(trim(std::u16string_view(version).substr(0, end)));
 }
 
@@ -97,15 +95,13 @@ void startLoad_Form::readVersion() {
     const platform::FileSystem &files = app_.platform().files;
     platform::Processes &processes = app_.platform().processes;
     std::u16string path = processes.applicationFolder();
-    if (path.empty() || path.back() != files.separator()) {
+    if (path.empty() || path.back() != files.separator())
         path += files.separator();
-    }
     path += processes.applicationStem();
     velmora::Procedure_Description &record = app_.Procedure_Description();
     record.read_File_Version(path + u".exe");
-    if (record.ver_FileVersion.empty()) {
+    if (record.ver_FileVersion.empty())
         record.read_File_Version(path);
-    }
     app_.Main().Vesion = firstThree(record.ver_FileVersion);
 }
 
@@ -125,11 +121,10 @@ std::u16string startLoad_Form::restart_Marker_Path() const {
 std::int16_t startLoad_Form::restart_Marker(bool write) {
     const bool done = passOver([&] {
         const auto object = app_.platform().files.CreateFileSystemObject();
-        if (write) {
+        if (write)
             object->CreateTextFile(restart_Marker_Path(), app_.Main().title.caption());
-        } else {
+        else
             object->DeleteFile(restart_Marker_Path());
-        }
     });
     return done ? -1 : 0;
 }
@@ -166,16 +161,13 @@ std::int32_t startLoad_Form::countInstances() {
     std::int32_t count = 0;
     for (const std::u16string &path :
          app_.platform().processes.ExecQuery(u"Select * Form Win32_Process", queryFlags)) {
-        if (path.empty() || !app_.saveOrOpenFile().fileExists(path)) {
+        if (path.empty() || !app_.saveOrOpenFile().fileExists(path))
             continue;
-        }
         app_.Procedure_Description().read_File_Version(path);
-        if (upper(app_.Procedure_Description().ver_InternalName) == upper(u"zkPlayer")) {
+        if (upper(app_.Procedure_Description().ver_InternalName) == upper(u"zkPlayer"))
             ++count;
-        }
-        if (count == instancesThatRefuse) {
+        if (count == instancesThatRefuse)
             break;
-        }
     }
     return count;
 }
@@ -188,12 +180,10 @@ void startLoad_Form::clearLeftovers() {
     const velmora::setControl &settings = app_.setControl();
     const std::u16string temporary =
         app_.system_SpecialFolder().get_Special_Folder(folderTemporary);
-    for (const std::u16string &folder : {settings.Path_Lrc, settings.Path_Cache, temporary}) {
+    for (const std::u16string &folder : {settings.Path_Lrc, settings.Path_Cache, temporary})
         files.clearProbes(folder);
-    }
-    for (const std::u16string_view name : {updateFileName, welcomeFileName}) {
+    for (const std::u16string_view name : {updateFileName, welcomeFileName})
         files.shellDel(temporary + std::u16string(name));
-    }
 }
 
 void startLoad_Form::prepareTray() {
@@ -202,9 +192,8 @@ void startLoad_Form::prepareTray() {
 }
 
 void startLoad_Form::checkSound() {
-    if (app_.check_SoundDriver_Form().get_CheckResult() != 0) {
+    if (app_.check_SoundDriver_Form().get_CheckResult() != 0)
         return;
-    }
     app_.platform().windows.MsgBox(app_.Language().msg_No_Sound_Card, platform::MsgBoxButtons::Ok,
                                    platform::MsgBoxIcon::Critical, app_.Main().title.caption());
     app_.Main().check_SoundDriver.setVisible(false);
@@ -232,12 +221,10 @@ void startLoad_Form::preparePlayer() {
 
 // Both sets pass through the same staging variables, so each is applied before the next is read.
 void startLoad_Form::loadLyricFonts() {
-    if (app_.setControl().load_Lrc_Font(u"Desktop")) {
+    if (app_.setControl().load_Lrc_Font(u"Desktop"))
         app_.skinSet().apply_Desktop_Lrc_Font(true);
-    }
-    if (app_.setControl().load_Lrc_Font(u"Other")) {
+    if (app_.setControl().load_Lrc_Font(u"Other"))
         app_.skinSet().apply_Other_Lrc_Font(true);
-    }
 }
 
 void startLoad_Form::checkSafeMode() {
@@ -273,9 +260,8 @@ void startLoad_Form::loadPlayMode() {
 void startLoad_Form::showWelcome() {
     const bool shows = app_.setControl().get_AutoShowWelcome();
     app_.Main().welcome.setVisible(!shows);
-    if (shows) {
+    if (shows)
         app_.welcomeForm().Start(false);
-    }
 }
 
 void startLoad_Form::end(int status) {

@@ -36,10 +36,9 @@ std::u16string Search::getExtension(std::u16string_view path) const {
 
 bool Search::isSupportedFormat(std::u16string_view path) const {
     const std::u16string extension = getExtension(path);
-    for (const std::u16string_view format : supportedFormats) {
+    for (const std::u16string_view format : supportedFormats)
         if (extension == format)
             return true;
-    }
     return false;
 }
 

@@ -31,22 +31,18 @@ void Search::findTrackLyric(std::u16string_view path) {
         app_.setControl().Path_Lrc + app_.platform().files.separator();
     const std::u16string save = lyricFolder + stem + u".LRC";
     const std::u16string trackFolder = getFolderPart(path);
-    if (trackFolder.empty() || loadNamesake(save, stem)) {
+    if (trackFolder.empty() || loadNamesake(save, stem))
         return;
-    }
     if (loadNamesake(trackFolder + stem + u".LRC", stem)) {
         app_.saveOrOpenFile().writeLrcFile(lyricFolder + stem + u".Lrc", LyricSource::Memory);
         return;
     }
     const Wanted wanted{stem, save, app_.player().medium()};
     // The Internet is of use only where its answer can be kept.
-    if (app_.saveOrOpenFile().canWriteFolder(app_.setControl().Path_Lrc) &&
-        findOnInternet(wanted)) {
+    if (app_.saveOrOpenFile().canWriteFolder(app_.setControl().Path_Lrc) && findOnInternet(wanted))
         return;
-    }
-    if (app_.player().isGone(wanted.medium)) {
+    if (app_.player().isGone(wanted.medium))
         return;
-    }
     app_.lrcForm().startLoad(u"");
     app_.playInfo_Form().lrcInfo_Frame.setEnabled(false);
 }
@@ -54,9 +50,8 @@ void Search::findTrackLyric(std::u16string_view path) {
 // The comparison guards against a search that takes parts of a name as patterns.
 bool Search::loadNamesake(std::u16string_view path, std::u16string_view stem) {
     const std::u16string foundName = upper(app_.platform().files.Dir(path));
-    if (foundName != upper(std::u16string(stem) + u".lrc")) {
+    if (foundName != upper(std::u16string(stem) + u".lrc"))
         return false;
-    }
     matched(path);
     return true;
 }
@@ -73,10 +68,8 @@ bool Search::findOnInternet(const Wanted &wanted) {
         say(u"正在以属性标志从可选网站搜索...", wanted);
         const bool isBoth = !title.empty() && !artist.empty();
         // The title alone is tried even when it is empty.
-        if (tryKeyword(title + (isBoth ? u" " : u"") + artist, wanted) ||
-            tryKeyword(title, wanted)) {
+        if (tryKeyword(title + (isBoth ? u" " : u"") + artist, wanted) || tryKeyword(title, wanted))
             return true;
-        }
     }
     say(u"正在以文件名从可选网站搜索...", wanted);
     return tryKeyword(wanted.stem, wanted);
@@ -86,28 +79,24 @@ bool Search::tryKeyword(const std::u16string &keyword, const Wanted &wanted) {
     const bool isFetched = fetchLyric(keyword, wanted);
     // The person may have saved one meanwhile, or a seek have begun a search that found it. Loaded
     // once more, it would take from the editor what was typed since.
-    if (!isThere(wanted)) {
+    if (!isThere(wanted))
         return false;
-    }
-    if (!app_.player().isGone(wanted.medium) && (isFetched || !isShown(wanted))) {
+    if (!app_.player().isGone(wanted.medium) && (isFetched || !isShown(wanted)))
         matched(wanted.save);
-    }
     return true;
 }
 
 // The first link that the search gives is taken as it is; nothing weighs it.
 bool Search::fetchLyric(const std::u16string &keyword, const Wanted &wanted) {
     velmora::lrc_Internet_Search &internet = app_.lrc_Internet_Search();
-    if (!internet.searchLrc(keyword)) {
+    if (!internet.searchLrc(keyword))
         return false;
-    }
     // The next search, which may begin in the events ahead of the fetch, puts its own there.
     const LinkArray links = internet.lrcDownloadLinks;
     std::int32_t last = 0;
     // An array that nothing was ever stored in has no bound: nothing was found.
-    if (!passOver([&] { last = links.upperBound(); }) || last == 1) {
+    if (!passOver([&] { last = links.upperBound(); }) || last == 1)
         return false;
-    }
     say(u"正在下载歌词...", wanted);
     return downloadToLocal(app_.platform(), links.at(0), wanted.save,
                            [&] { return !isThere(wanted); });
@@ -127,9 +116,8 @@ bool Search::isShown(const Wanted &wanted) {
 }
 
 void Search::say(std::u16string_view text, const Wanted &wanted) {
-    if (!app_.player().isGone(wanted.medium)) {
+    if (!app_.player().isGone(wanted.medium))
         app_.lrcForm().nowLrcLine = text;
-    }
 }
 
 } // namespace velmora

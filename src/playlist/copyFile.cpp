@@ -19,11 +19,10 @@ bool copyFile::copyOneFile(std::u16string_view source, std::u16string_view desti
         operation.to = std::u16string(destination) + std::u16string(2, u'\0');
         operation.flags = platform::FOF_ALLOWUNDO;
         if (app_.platform().dialogs.SHFileOperationA(operation) == 0 &&
-            operation.anyOperationsAborted) {
+            operation.anyOperationsAborted)
             app_.platform().windows.MsgBox(
                 app_.Language().msg_Copy_Failed, platform::MsgBoxButtons::Ok,
                 platform::MsgBoxIcon::Critical, app_.Language().msg_Error);
-        }
     });
     return false;
 }

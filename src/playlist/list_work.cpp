@@ -6,15 +6,13 @@
 namespace velmora {
 
 ListWork::ListWork(Velmora &app) : app_(app), isOutermost_(!isGoingOn(app)) {
-    if (isOutermost_) {
+    if (isOutermost_)
         app_.Main().meActiveControl_Enabled(false);
-    }
 }
 
 ListWork::~ListWork() {
-    if (isOutermost_) {
+    if (isOutermost_)
         app_.Main().meActiveControl_Enabled(true);
-    }
 }
 
 bool ListWork::isGoingOn(Velmora &app) { return !app.Main().playButton.enabled(); }

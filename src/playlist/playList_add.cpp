@@ -89,9 +89,8 @@ void playList_Form::addFile_Click() {
         const std::u16string path = app_.myCommondialog().file_Dialog(
             hWnd(), dialogOpen, app_.Language().msg_AddMedia_Title, u"",
             app_.Language().msg_Media_Filter, u"", u"");
-        if (!path.empty()) {
+        if (!path.empty())
             takeFile(path);
-        }
     });
     showError(error, app_.Main().title.caption());
     app_.saveOrOpenFile().savePlayList();
@@ -102,9 +101,8 @@ void playList_Form::addFile_Click() {
 void playList_Form::takeFile(const std::u16string &path) {
     const std::u16string stem = app_.player().getFileStem(path);
     if (app_.Search().isInPlayList(path)) {
-        if (!stem.empty()) {
+        if (!stem.empty())
             selectNamesakes(stem, false, true);
-        }
     } else if (!stem.empty()) {
         playList_Item.addItem(stem);
         List1.addItem(path);
@@ -137,13 +135,11 @@ void playList_Form::addDir_Click() {
                 app_.Main().title.caption()) == platform::MsgBoxResult::Yes;
         waitAdd.setVisible(true);
         ++walk_;
-        if (deep) {
+        if (deep)
             folders = walkFolders(folder, pending);
-        }
         // Only a walk in depth passes over failures; without one, the first ends the work.
-        for (const std::u16string &one : folders) {
+        for (const std::u16string &one : folders)
             addFilesOf(one, deep, pending);
-        }
     }
     hideProgress();
     showError(pending, app_.Main().title.caption());
@@ -155,9 +151,8 @@ void playList_Form::addDir_Click() {
 // dead.
 void playList_Form::answerEvents(std::optional<RunTimeError> &pending) {
     const auto error = trapped([this] { app_.platform().windows.DoEvents(); });
-    if (error) {
+    if (error)
         pending = error;
-    }
 }
 
 // Breadth first: the queue grows at its end while it is read from its beginning.
@@ -178,9 +173,8 @@ std::vector<std::u16string> playList_Form::walkFolders(const std::u16string &fir
                              scanTitle);
                 folders.push_back(found);
             });
-            if (error) {
+            if (error)
                 pending = error;
-            }
         }
     }
     return folders;
@@ -189,9 +183,8 @@ std::vector<std::u16string> playList_Form::walkFolders(const std::u16string &fir
 void playList_Form::addFilesOf(const std::u16string &folder, bool passing,
                                std::optional<RunTimeError> &pending) {
     answerEvents(pending);
-    if (pending && !passing) {
+    if (pending && !passing)
         return;
-    }
     std::u16string path;
     for (const std::u16string &name :
          app_.platform().files.list(folder, platform::SearchFor::Files, walk_)) {
@@ -200,23 +193,20 @@ void playList_Form::addFilesOf(const std::u16string &folder, bool passing,
             path = folder;
             path += trim(name);
             showProgress(path, app_.Language().msg_Loading_Tracks);
-            if (!app_.Search().isSupportedFormat(path)) {
+            if (!app_.Search().isSupportedFormat(path))
                 return;
-            }
             if (!app_.Search().isInPlayList(path)) {
                 append(path);
                 return;
             }
             const std::u16string stem = app_.player().getFileStem(path);
-            if (!stem.empty()) {
+            if (!stem.empty())
                 selectNamesakes(stem, false, false);
-            }
         });
         if (error) {
             pending = error;
-            if (!passing) {
+            if (!passing)
                 return;
-            }
         }
     }
 }
@@ -240,9 +230,8 @@ void playList_Form::takeDropped(const std::vector<std::u16string> &paths, std::o
     const auto error = trapped([&] {
         controlEnabled(false);
         waitAdd.setVisible(true);
-        for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
+        for (std::int32_t row = 0; row < playList_Item.listCount(); ++row)
             playList_Item.setSelected(row, false);
-        }
         for (const std::u16string &path : paths) {
             app_.platform().windows.DoEvents();
             dropOne(path, y);
@@ -263,13 +252,11 @@ void playList_Form::dropOne(const std::u16string &path, std::optional<Twips> y) 
         addDroppedFolder(path + std::u16string(1, files.separatorOf(path)));
         return;
     }
-    if (file.empty()) {
+    if (file.empty())
         return;
-    }
     showProgress(path, app_.Language().msg_Loading_Tracks);
-    if (!app_.Search().isSupportedFormat(path)) {
+    if (!app_.Search().isSupportedFormat(path))
         return;
-    }
     const std::u16string stem = app_.player().getFileStem(path);
     if (!app_.Search().isInPlayList(path)) {
         if (!y) {
@@ -295,15 +282,13 @@ void playList_Form::addDroppedFolder(const std::u16string &folder) {
                 app_.platform().windows.DoEvents();
                 const std::u16string path = folder + std::u16string(trim(name));
                 showProgress(path, app_.Language().msg_Loading_Tracks);
-                if (!app_.Search().isSupportedFormat(path)) {
+                if (!app_.Search().isSupportedFormat(path))
                     return;
-                }
                 const std::u16string stem = app_.player().getFileStem(path);
-                if (!app_.Search().isInPlayList(path)) {
+                if (!app_.Search().isInPlayList(path))
                     append(path);
-                } else if (!stem.empty()) {
+                else if (!stem.empty())
                     selectNamesakes(stem, true, false);
-                }
             });
         }
     }

@@ -51,9 +51,8 @@ void playList_Form::Alter_Click(const ListChoice &chosen) {
 }
 
 void playList_Form::askForName(std::int16_t row) {
-    if (row < 0) {
+    if (row < 0)
         return;
-    }
     const std::u16string name = playList_Item.list(row);
     const std::u16string path = List1.list(row);
     const std::size_t point = name.find(u'.');
@@ -74,9 +73,8 @@ void playList_Form::askForName(std::int16_t row) {
 // current.
 void playList_Form::alter_Jieguo() {
     alterNew_ = app_.listControl_Form().listControl_Result;
-    if (alterNew_.empty() || !app_.Search().isInPlayList(alterPath_)) {
+    if (alterNew_.empty() || !app_.Search().isInPlayList(alterPath_))
         return;
-    }
     const ListWork still(app_);
     const auto error = trapped([this] { renameChosen(); });
     app_.saveOrOpenFile().savePlayList();
@@ -88,15 +86,13 @@ void playList_Form::renameChosen() {
     app_.player().close_Sub(0);
     const std::u16string renamed = trimmed(alterFolder_) + trimmed(alterNew_) + trimmed(alterTail_);
     // The question how the player stands may have started the next track, and let events in.
-    if (!app_.Search().isInPlayList(alterPath_)) {
+    if (!app_.Search().isInPlayList(alterPath_))
         return;
-    }
     app_.platform().files.Name(alterPath_, renamed);
     // A renaming replaces no file, so the file of a row that has this path already was gone.
     const std::int16_t stale = renamed == alterPath_ ? std::int16_t{-1} : List1.find(renamed);
-    if (stale >= 0) {
+    if (stale >= 0)
         removeRow(stale);
-    }
     const std::int16_t row = List1.find(alterPath_);
     List1.setList(row, renamed);
     // The prefix is kept for the display only; the file does without it.
@@ -115,15 +111,13 @@ void playList_Form::Search_Click() {
 // With case, anywhere in the name; every hit is selected and the list stays where it is.
 void playList_Form::search_Jieguo() {
     findText_ = app_.listControl_Form().listControl_Result;
-    if (findText_.empty()) {
+    if (findText_.empty())
         return;
-    }
     const TextPart wanted(findText_);
     for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
         playList_Item.setSelected(row, false);
-        if (wanted.isIn(playList_Item.list(row))) {
+        if (wanted.isIn(playList_Item.list(row)))
             playList_Item.setSelected(row, true);
-        }
     }
 }
 
@@ -131,9 +125,8 @@ void playList_Form::to_Folder() { to_Folder(choice()); }
 
 // Tracks begin and select their rows while the user looks for a folder, and while files are copied.
 void playList_Form::to_Folder(const ListChoice &chosen) {
-    if (playList_Item.listCount() == 0) {
+    if (playList_Item.listCount() == 0)
         return;
-    }
     if (chosen.selected.empty()) {
         app_.platform().windows.MsgBox(app_.Language().msg_Select_One_File,
                                        platform::MsgBoxButtons::Ok, platform::MsgBoxIcon::Critical,
@@ -148,13 +141,11 @@ void playList_Form::to_Folder(const ListChoice &chosen) {
         showProgress(u"", u"CopyFile Loading...");
         const std::u16string folder =
             app_.myCommondialog().browse_Folder(hWnd(), app_.Language().msg_Select_Folder);
-        if (!isFolderChoice(folder)) {
+        if (!isFolderChoice(folder))
             return;
-        }
         for (const std::u16string &path : chosen.selected) {
-            if (!app_.Search().isInPlayList(path)) {
+            if (!app_.Search().isInPlayList(path))
                 continue;
-            }
             showProgress(u"From：" + path, u"CopyFile To：" + folder);
             app_.copyFile().copyOneFile(path, folder);
         }
@@ -169,9 +160,8 @@ void playList_Form::to_Folder(const ListChoice &chosen) {
 void playList_Form::open_Folder() { open_Folder(choice()); }
 
 void playList_Form::open_Folder(const ListChoice &chosen) {
-    if (playList_Item.listCount() == 0) {
+    if (playList_Item.listCount() == 0)
         return;
-    }
     if (chosen.selected.size() != 1) {
         app_.platform().windows.MsgBox(app_.Language().msg_One_Dir_Only,
                                        platform::MsgBoxButtons::Ok, platform::MsgBoxIcon::Critical,

@@ -26,29 +26,24 @@ constexpr std::size_t ruleLength = 66;
 
 std::vector<std::u16string> playList_Form::chosenPaths(bool all) const {
     std::vector<std::u16string> paths;
-    for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
-        if (all || playList_Item.selected(row)) {
+    for (std::int32_t row = 0; row < playList_Item.listCount(); ++row)
+        if (all || playList_Item.selected(row))
             paths.push_back(List1.list(row));
-        }
-    }
     return paths;
 }
 
 std::int32_t playList_Form::lowestOf(const Paths &chosen) const {
     const std::int16_t rows = playList_Item.listCount();
-    for (std::int32_t row = playList_Item.firstSelected(); row >= 0 && row < rows; ++row) {
-        if (playList_Item.selected(row) && chosen.contains(List1.list(row))) {
+    for (std::int32_t row = playList_Item.firstSelected(); row >= 0 && row < rows; ++row)
+        if (playList_Item.selected(row) && chosen.contains(List1.list(row)))
             return row;
-        }
-    }
     return -1;
 }
 
 std::int32_t playList_Form::countOf(const Paths &chosen) const {
     std::int32_t count = 0;
-    for (std::int32_t row = 0; row < playList_Item.listCount(); ++row) {
+    for (std::int32_t row = 0; row < playList_Item.listCount(); ++row)
         count += playList_Item.selected(row) && chosen.contains(List1.list(row)) ? 1 : 0;
-    }
     return count;
 }
 
@@ -68,14 +63,11 @@ void playList_Form::delAll_Click() {
     const std::vector<std::u16string> asked = chosenPaths(true);
     const Paths chosen(asked.begin(), asked.end());
     const ListWork still(app_);
-    if (!isSure()) {
+    if (!isSure())
         return;
-    }
-    for (std::int32_t row = playList_Item.listCount() - 1; row >= 0; --row) {
-        if (chosen.contains(List1.list(row))) {
+    for (std::int32_t row = playList_Item.listCount() - 1; row >= 0; --row)
+        if (chosen.contains(List1.list(row)))
             removeRow(row);
-        }
-    }
     app_.saveOrOpenFile().savePlayList();
 }
 
@@ -98,17 +90,14 @@ void playList_Form::delOne(std::int16_t mode, bool all, const ListChoice &choice
         mode == 1 && all ? chosenPaths(true) : choice.selected;
     const Paths chosen(asked.begin(), asked.end());
     const ListWork still(app_);
-    if (!isSure()) {
+    if (!isSure())
         return;
-    }
     waitAdd.setVisible(true);
     if (mode == 1) {
         app_.player().close_Sub(0);
-        for (std::int32_t row = 0; all && row < playList_Item.listCount(); ++row) {
-            if (chosen.contains(List1.list(row))) {
+        for (std::int32_t row = 0; all && row < playList_Item.listCount(); ++row)
+            if (chosen.contains(List1.list(row)))
                 playList_Item.setSelected(row, true);
-            }
-        }
     }
     const std::int32_t count = countOf(chosen);
     if (count == 0) {
@@ -127,9 +116,8 @@ void playList_Form::delOne(std::int16_t mode, bool all, const ListChoice &choice
         removeOne(row, mode, report, done + 1 == count);
     }
     waitAdd.setVisible(false);
-    if (mode == 1) {
+    if (mode == 1)
         writeDeleteReport(report);
-    }
 }
 
 // A file that cannot be deleted leaves the list all the same.

@@ -20,9 +20,8 @@ void playList_Form::playThis() { playRow(playList_Item.listIndex()); }
 
 void playList_Form::playThis(const ListChoice &chosen) {
     const std::int16_t row = List1.find(chosen.current);
-    if (row >= 0 || chosen.current.empty()) {
+    if (row >= 0 || chosen.current.empty())
         playRow(row);
-    }
 }
 
 void playList_Form::playRow(std::int16_t row) {
@@ -34,9 +33,8 @@ void playList_Form::playRow(std::int16_t row) {
 
 std::int32_t playList_Form::rowAtPoint(Twips /*x*/, Twips y) const {
     const std::int32_t height = roundToInt32(playList_Item.rowHeight());
-    if (height == 0) {
+    if (height == 0)
         velmora::raise(ErrorNumber::DivisionByZero);
-    }
     const std::int32_t row = playList_Item.topIndex() + roundToInt32(y) / height;
     return row < playList_Item.listCount() ? row : 0;
 }
@@ -57,9 +55,8 @@ void playList_Form::setHandlers() {
     };
     for (const Button &button : buttons) {
         button.control.on().Click = [this, work = button.work] {
-            if (!ListWork::isGoingOn(app_)) {
+            if (!ListWork::isGoingOn(app_))
                 (this->*work)();
-            }
         };
     }
     close.on().Click = [this] { close_Click(); };
@@ -87,9 +84,8 @@ void playList_Form::setHandlers() {
 void playList_Form::setMenuHandlers() {
     forms::ControlEvents &list = playList_Item.on();
     list.MouseDown = [this](const forms::MouseEvent &event) {
-        if (event.button == forms::rightButton) {
+        if (event.button == forms::rightButton)
             pointed_ = choice();
-        }
     };
     list.Click = [this] {
         if (pointed_) {
@@ -105,9 +101,8 @@ void playList_Form::setMenuHandlers() {
 
 void playList_Form::openMenu() {
     if (playList_Item.enabled() && !ListWork::isGoingOn(app_)) {
-        if (!pointed_) {
+        if (!pointed_)
             pointed_ = choice();
-        }
         app_.platform().windows.PopupMenu(*this, app_.MenuForm().playlist_Menu);
     }
     pointed_.reset();
@@ -123,8 +118,8 @@ ListChoice playList_Form::takeMenuChoice() {
 }
 
 void playList_Form::setScrollHandlers() {
-    attachScrollBar({P1, P2, P3, P4, playList_Item}, app_.formSet(),
-                    [this] { return visibleRows; });
+    attachScrollBar(
+        {P1, P2, P3, P4, playList_Item}, app_.formSet(), [this] { return visibleRows; });
 }
 
 // The list and the main window move as one. The menu opens on the form alone, not on its title.
@@ -132,9 +127,8 @@ void playList_Form::setDragHandlers() {
     forms::ControlEvents *const areas[] = {&on(), &title.on(), &title_ICO.on()};
     for (forms::ControlEvents *area : areas) {
         area->MouseDown = [this](const forms::MouseEvent &event) {
-            if (event.button != forms::leftButton) {
+            if (event.button != forms::leftButton)
                 return;
-            }
             app_.formSet().start_Drag(*this, event);
             app_.formSet().set_Topmost(hWnd(), true);
             app_.formSet().set_Topmost(app_.Main().hWnd(), true);

@@ -13,9 +13,8 @@
 namespace velmora {
 
 bool saveOrOpenFile::writeLrcFile(std::u16string_view path, LyricSource source) {
-    if (source == LyricSource::Editor) {
+    if (source == LyricSource::Editor)
         return writeLrcFile(path, app_.doLrcForm().editedLyric());
-    }
     return passOver([&] { copyLyricFile(app_.platform(), app_.lrcForm().lrcPath, path); });
 }
 

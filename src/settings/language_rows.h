@@ -77,27 +77,24 @@ constexpr bool sameKeys(std::u16string_view a, std::u16string_view b) {
     const auto up = [](char16_t unit) {
         return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 32) : unit;
     };
-    for (std::size_t i = 0; i < a.size(); ++i) {
+    for (std::size_t i = 0; i < a.size(); ++i)
         if (up(a[i]) != up(b[i]))
             return false;
-    }
     return true;
 }
 
 // No text is missing, none has blanks in front, and all four name the same keys.
 constexpr bool wellFormed(const Texts &texts) {
-    for (const std::u16string_view text : texts) {
+    for (const std::u16string_view text : texts)
         if (text.empty() || text.front() == u' ' || !sameKeys(keysIn(text), keysIn(texts[0])))
             return false;
-    }
     return true;
 }
 
 template <typename Rows> constexpr bool allWellFormed(const Rows &rows) {
-    for (const auto &row : rows) {
+    for (const auto &row : rows)
         if (!wellFormed(row.texts))
             return false;
-    }
     return true;
 }
 

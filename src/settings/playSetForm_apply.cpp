@@ -49,18 +49,16 @@ void playSetForm::takeChoices() {
         settings.isAutoPlay = 1;
 
     const forms::OptionButton *const modes[] = {&Play_Order, &Play_Random, &Play_RepeatPlay};
-    for (std::size_t i = 0; i < std::size(modes); ++i) {
+    for (std::size_t i = 0; i < std::size(modes); ++i)
         if (modes[i]->value())
             settings.PlayMode = static_cast<std::int16_t>(i);
-    }
     settings.VideoInterface = openVideo_Interface.value() == 1 ? 1 : 0;
 
     const forms::OptionButton *const languages[] = {&Language_China, &Language_English,
                                                     &Language_French, &Language_Japanese};
-    for (std::size_t i = 0; i < std::size(languages); ++i) {
+    for (std::size_t i = 0; i < std::size(languages); ++i)
         if (languages[i]->value())
             settings.Language = static_cast<std::int16_t>(i);
-    }
 }
 
 // The desktop line shows by itself while the box is ticked and a lyric is there; else it shows when

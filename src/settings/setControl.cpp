@@ -131,27 +131,33 @@ std::int32_t setControl::readDword(std::u16string_view name) {
 }
 
 std::int32_t setControl::getNumber(std::u16string_view name) {
-    return orElse(0, [&] {
-        getProvider();
-        return readNumber(name);
-    });
+    return orElse(
+        0,
+        [&] {
+            getProvider();
+            return readNumber(name);
+        });
 }
 
 std::u16string setControl::getFolder(std::u16string_view name, const std::u16string &otherwise) {
-    return orElse(otherwise, [&] {
-        getProvider();
-        return readString(keys::playSet, name);
-    });
+    return orElse(
+        otherwise,
+        [&] {
+            getProvider();
+            return readString(keys::playSet, name);
+        });
 }
 
 std::u16string setControl::getHost(std::u16string_view name) {
-    return orElse(std::u16string(), [&] {
-        getProvider();
-        std::u16string host = readString(keys::hosts, name);
-        while (!host.empty() && host.back() == u'/')
-            host.pop_back();
-        return host;
-    });
+    return orElse(
+        std::u16string(),
+        [&] {
+            getProvider();
+            std::u16string host = readString(keys::hosts, name);
+            while (!host.empty() && host.back() == u'/')
+                host.pop_back();
+            return host;
+        });
 }
 
 std::int32_t setControl::get_AutoUpdate() { return getNumber(u"AutoUpadate"); }
@@ -182,10 +188,12 @@ void setControl::load_Language() {
 }
 
 std::u16string setControl::get_LastPlayFile() {
-    return orElse(std::u16string(), [&] {
-        getProvider();
-        return readString(keys::playParameters, u"lastPlayFileName");
-    });
+    return orElse(
+        std::u16string(),
+        [&] {
+            getProvider();
+            return readString(keys::playParameters, u"lastPlayFileName");
+        });
 }
 
 bool setControl::get_AutoShowWelcome() { return getNumber(u"AutoShowWelcome") != 0; }
@@ -215,11 +223,13 @@ void setControl::writeDword(std::u16string_view name, std::uint32_t value) {
 }
 
 bool setControl::save_PlaySet() {
-    return orElse(false, [&] {
-        writePlaySet();
-        make_Folders();
-        return true;
-    });
+    return orElse(
+        false,
+        [&] {
+            writePlaySet();
+            make_Folders();
+            return true;
+        });
 }
 
 void setControl::writePlaySet() {
@@ -254,10 +264,12 @@ void setControl::sync_PlaySet() {
 }
 
 bool setControl::delete_PlaySet() {
-    return orElse(false, [&] {
-        return app_.platform().registry.RegDeleteKeyA(platform::HKEY_LOCAL_MACHINE,
-                                                      keys::playSet) == platform::ERROR_SUCCESS;
-    });
+    return orElse(
+        false,
+        [&] {
+            return app_.platform().registry.RegDeleteKeyA(platform::HKEY_LOCAL_MACHINE,
+                                                          keys::playSet) == platform::ERROR_SUCCESS;
+        });
 }
 
 void setControl::save_LastPlayFile(std::u16string_view path) {

@@ -17,7 +17,8 @@ constexpr int utf8Page = 65001;
 bool isAscii(std::string_view bytes) noexcept { return asciiRun(bytes) == bytes.size(); }
 
 bool isAscii(std::u16string_view text) noexcept {
-    return std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
+    return std::all_of(
+        text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
 }
 
 // Whether a reader would take one of the lines for UTF-8. Some letters of a page, one behind the
@@ -130,14 +131,13 @@ std::vector<std::u16string> AnsiConversion::decodeTogether(const std::vector<std
     const LegacyPage *page = balance < 0 ? legacy() : nullptr;
     std::vector<std::u16string> result;
     result.reserve(texts.size());
-    for (const std::string &text : texts) {
+    for (const std::string &text : texts)
         if (isAscii(text))
             result.push_back(fromAscii(text));
         else if (page)
             result.push_back(page->decode(text, fixedLength));
         else
             result.push_back(decodeUtf8UnitsAnyway(text, fixedLength));
-    }
     return result;
 }
 

@@ -75,11 +75,9 @@ constexpr std::array<Wording, 3> fontWords{
 template <std::size_t Count> std::u16string wordsFor(std::uint32_t value,
                                                      const std::array<Wording, Count> &table,
                                                      std::u16string_view otherwise) {
-    for (const Wording &row : table) {
-        if (row.value == value) {
+    for (const Wording &row : table)
+        if (row.value == value)
             return std::u16string(row.words);
-        }
-    }
     return std::u16string(otherwise);
 }
 
@@ -116,9 +114,8 @@ void Procedure_Description::clear() {
     for (std::u16string *text :
          {&ver_FileDescription, &ver_ProductName, &ver_OriginalFilename, &ver_InternalName,
           &ver_CompanyName, &ver_LegalCopyright, &ver_StrucVersion, &ver_FileVersion,
-          &ver_ProductVersion, &ver_Flags, &ver_OS, &ver_FileType, &ver_FileSubtype}) {
+          &ver_ProductVersion, &ver_Flags, &ver_OS, &ver_FileType, &ver_FileSubtype})
         text->clear();
-    }
 }
 
 void Procedure_Description::read_File_Version(std::u16string_view path) {
@@ -126,9 +123,8 @@ void Procedure_Description::read_File_Version(std::u16string_view path) {
     platform::VersionRecords &versions = app_.platform().versions;
     std::uint32_t size = 0;
     passOver([&] { size = versions.GetFileVersionInfoSizeA(path); });
-    if (size < 1) {
+    if (size < 1)
         return;
-    }
     std::string record;
     passOver([&] { record = versions.GetFileVersionInfoA(path, size); });
     passOver([&] { readFixedPart(record); });
@@ -140,36 +136,31 @@ void Procedure_Description::readFixedPart(std::string_view record) {
     std::string part(fixedPartSize, '\0');
     passOver([&] {
         const auto found = app_.platform().versions.VerQueryValueA(record, u"\\");
-        if (found && found->size() >= fixedPartSize) {
+        if (found && found->size() >= fixedPartSize)
             part = *found;
-        }
     });
     ver_StrucVersion = twoNumbers(wordAt(part, structure));
     ver_FileVersion = twoNumbers(wordAt(part, fileHigh)) + u"." + twoNumbers(wordAt(part, fileLow));
     ver_ProductVersion =
         twoNumbers(wordAt(part, productHigh)) + u"." + twoNumbers(wordAt(part, productLow));
-    for (const Wording &flag : flagWords) {
-        if ((wordAt(part, flags) & flag.value) != 0) {
+    for (const Wording &flag : flagWords)
+        if ((wordAt(part, flags) & flag.value) != 0)
             ver_Flags = std::u16string(flag.words) + ver_Flags;
-        }
-    }
     ver_OS = wordsFor(wordAt(part, system), systemWords, u"未知操作系统");
     const std::uint32_t fileType = wordAt(part, type);
     ver_FileType = wordsFor(fileType, typeWords, u"未知");
-    if (fileType == typeDriver) {
+    if (fileType == typeDriver)
         ver_FileSubtype = wordsFor(wordAt(part, subtype), driverWords, u"");
-    } else if (fileType == typeFont) {
+    else if (fileType == typeFont)
         ver_FileSubtype = wordsFor(wordAt(part, subtype), fontWords, u"");
-    }
 }
 
 // The strings of the record's first language.
 void Procedure_Description::readStrings(std::string_view record) {
     platform::VersionRecords &versions = app_.platform().versions;
     const auto language = versions.VerQueryValueA(record, u"\\VarFileInfo\\Translation");
-    if (!language || language->size() < 4) {
+    if (!language || language->size() < 4)
         return;
-    }
     const std::u16string block =
         u"\\StringFileInfo\\" + hex4(halfAt(*language, 0)) + hex4(halfAt(*language, 2));
     struct Row {
@@ -184,9 +175,8 @@ void Procedure_Description::readStrings(std::string_view record) {
     for (const Row &row : rows) {
         passOver([&] {
             if (const auto bytes =
-                    versions.VerQueryValueA(record, block + std::u16string(row.name))) {
+                    versions.VerQueryValueA(record, block + std::u16string(row.name)))
                 row.text = untilNul(app_.platform().ansi.decode(*bytes));
-            }
         });
     }
 }

@@ -25,9 +25,8 @@ constexpr std::int32_t rightButtonUp = 0x205;
 constexpr std::size_t tipLength = 64;
 
 std::u16string_view cutTip(std::u16string_view text) {
-    if (text.size() <= tipLength) {
+    if (text.size() <= tipLength)
         return text;
-    }
     const char16_t last = text[tipLength - 1];
     const bool insidePair = last >= 0xD800 && last <= 0xDBFF;
     return text.substr(0, insidePair ? tipLength - 1 : tipLength);
@@ -61,17 +60,15 @@ void formSet::keep_Topmost() {
 
 PointTwips formSet::pointer_On(const forms::Form &form, const forms::MouseEvent &event) {
     PointPixels pointer;
-    if (!app_.platform().windows.GetCursorPos(pointer)) {
+    if (!app_.platform().windows.GetCursorPos(pointer))
         return {event.x, event.y};
-    }
     return {static_cast<Twips>(pointer.x) * twipsPerPixel - form.left(),
             static_cast<Twips>(pointer.y) * twipsPerPixel - form.top()};
 }
 
 void formSet::start_Drag(const forms::Form &form, const forms::MouseEvent &event) {
-    if (event.button != forms::leftButton) {
+    if (event.button != forms::leftButton)
         return;
-    }
     const PointTwips at = pointer_On(form, event);
     const PointTwips held = held_Off(form);
     drag_X = roundToInt32(at.x - held.x);
@@ -81,9 +78,8 @@ void formSet::start_Drag(const forms::Form &form, const forms::MouseEvent &event
 // Less than a pixel is rounding.
 PointTwips formSet::held_Off(const forms::Form &form) {
     RectPixels seen;
-    if (!app_.platform().windows.GetWindowRect(form.hWnd(), seen)) {
+    if (!app_.platform().windows.GetWindowRect(form.hWnd(), seen))
         return {0, 0};
-    }
     const auto beyondRounding = [](Twips off) { return std::abs(off) < twipsPerPixel ? 0 : off; };
     return {beyondRounding(static_cast<Twips>(seen.left) * twipsPerPixel - form.left()),
             beyondRounding(static_cast<Twips>(seen.top) * twipsPerPixel - form.top())};
@@ -93,12 +89,10 @@ PointTwips formSet::held_Off(const forms::Form &form) {
 // goes beside it.
 void formSet::settle_Pair(forms::Form &dragged, forms::Form &other) {
     const PointTwips held = held_Off(dragged);
-    if (held.x == 0 && held.y == 0) {
+    if (held.x == 0 && held.y == 0)
         return;
-    }
-    for (forms::Form *form : {&dragged, &other}) {
+    for (forms::Form *form : {&dragged, &other})
         form->move({form->left() + held.x, form->top() + held.y, form->width(), form->height()});
-    }
 }
 
 PointTwips formSet::drag_Offset(const forms::Form &form, const forms::MouseEvent &event) {
@@ -119,9 +113,8 @@ void formSet::make_Draggable(forms::Form &form, forms::ControlEvents &events) {
 void formSet::dress(forms::Form &form, std::initializer_list<forms::Control *> handles,
                     std::function<void()> close) {
     make_Draggable(form, form.on());
-    for (forms::Control *handle : handles) {
+    for (forms::Control *handle : handles)
         make_Draggable(form, handle->on());
-    }
     form.on().QueryUnload = [close = std::move(close)](bool &cancel) {
         cancel = true;
         close();
@@ -142,9 +135,8 @@ bool formSet::read_Tray_Area() {
 void formSet::dock_PlayList(bool flag) {
     passOver([&] {
         read_Tray_Area();
-        if (!read_Tray_Area()) {
+        if (!read_Tray_Area())
             return;
-        }
         velmora::Main &main = app_.Main();
         saved_Top = roundToInt32(main.top());
         if (flag) {
@@ -193,24 +185,22 @@ std::int32_t formSet::tray_WndProc(platform::HWND window, std::uint32_t message,
                                    std::int32_t wParam, std::int32_t lParam) {
     std::int32_t result = 0;
     passOver([&] {
-        if (message != trayMessage) {
+        if (message != trayMessage)
             result = app_.platform().windows.CallWindowProcA(old_WndProc, window, message, wParam,
                                                              lParam);
-        } else if (lParam == leftButtonUp) {
+        else if (lParam == leftButtonUp)
             show_Player();
-        } else if (app_.startLoad_Form().visible()) {
+        else if (app_.startLoad_Form().visible())
             return; // The start is still running.
-        } else if (lParam == rightButtonUp) {
+        else if (lParam == rightButtonUp)
             app_.MenuForm().open_Menu(app_.MenuForm());
-        }
     });
     return result;
 }
 
 void formSet::show_Player() {
-    if (app_.startLoad_Form().visible()) {
+    if (app_.startLoad_Form().visible())
         return; // The start is still running.
-    }
     velmora::Main &main = app_.Main();
     if (main.windowState() == forms::WindowState::Minimised) {
         main.setWindowState(forms::WindowState::Normal);
@@ -235,24 +225,18 @@ void formSet::open_PlaySet() {
 void formSet::fill_PlaySet() {
     velmora::setControl &settings = app_.setControl();
     velmora::playSetForm &form = app_.playSetForm();
-    if (settings.get_AutoUpdate() == 1) {
+    if (settings.get_AutoUpdate() == 1)
         form.autoUpdate.setValue(1);
-    }
-    if (settings.get_AutoUpdate() == 0) {
+    if (settings.get_AutoUpdate() == 0)
         form.autoUpdate.setValue(0);
-    }
-    if (settings.get_IsAutoPlay() == 0) {
+    if (settings.get_IsAutoPlay() == 0)
         form.isAutoPlay.setValue(1);
-    }
-    if (settings.get_IsAutoPlay() == 1) {
+    if (settings.get_IsAutoPlay() == 1)
         form.isAutoPlay.setValue(0);
-    }
-    if (settings.get_VideoInterface() == 0) {
+    if (settings.get_VideoInterface() == 0)
         form.openVideo_Interface.setValue(0);
-    }
-    if (settings.get_VideoInterface() == 1) {
+    if (settings.get_VideoInterface() == 1)
         form.openVideo_Interface.setValue(1);
-    }
     form.isAutoPlay_Click();
     form.language_Load(settings.Language_Index);
 }

@@ -35,9 +35,8 @@ void selectAll(Velmora &app, const Pressed &) {
         list.playList_Item.setSelected(row, true);
         app.platform().windows.DoEvents();
     }
-    for (std::int32_t row = 0; row < list.playList_Item.listCount(); ++row) {
+    for (std::int32_t row = 0; row < list.playList_Item.listCount(); ++row)
         list.playList_Item.setSelected(row, true);
-    }
     list.controlEnabled(true);
 }
 
@@ -54,13 +53,11 @@ void hideList(Velmora &app, const Pressed &) {
 }
 
 void toggleVideo(Velmora &app, const Pressed &) {
-    if (!app.Main().videoScreen_Button.visible()) {
+    if (!app.Main().videoScreen_Button.visible())
         return;
-    }
     app.Main().videoScreen_Button_Click();
-    if (app.VideoScreen_Form().visible()) {
+    if (app.VideoScreen_Form().visible())
         app.formSet().set_Topmost(app.VideoScreen_Form().hWnd(), true);
-    }
 }
 
 } // namespace
@@ -118,9 +115,8 @@ void formSet::form_KeyDown(std::int16_t keyCode, std::int16_t shift, std::u16str
     };
     // While an operation on the list is at work all keys are still but the one that ends the
     // program.
-    if (ListWork::isGoingOn(app_) && keyCode != forms::keyEscape) {
+    if (ListWork::isGoingOn(app_) && keyCode != forms::keyEscape)
         return;
-    }
     const bool fromMain = equalsIgnoringCase(formName, u"main");
     const bool fromList = equalsIgnoringCase(formName, u"playlist_Form");
     const Pressed pressed{formName, keyCode == forms::keyDelete ? app_.playList_Form().choice()
@@ -132,9 +128,8 @@ void formSet::form_KeyDown(std::int16_t keyCode, std::int16_t shift, std::u16str
         const bool held =
             key.with == With::Anything ||
             (key.with == With::Ctrl ? (shift & forms::ctrlMask) != 0 : shift == forms::shiftMask);
-        if (here && key.code == keyCode && held) {
+        if (here && key.code == keyCode && held)
             key.work(app_, pressed);
-        }
     }
 }
 

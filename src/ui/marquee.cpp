@@ -39,9 +39,8 @@ void rollLabel(forms::Label &label, Twips boxWidth, const MarqueeMeasure &measur
                               leadingNumber(label.tag()) == 1};
     const MarqueeState after = marqueeStep(before, label.width(), boxWidth, measure);
     label.setLeft(after.left);
-    if (after.movingRight != before.movingRight) {
+    if (after.movingRight != before.movingRight)
         label.setTag(after.movingRight ? u"1" : u"2");
-    }
 }
 
 void centreLabel(forms::Label &label, Twips boxWidth) {

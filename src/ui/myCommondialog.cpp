@@ -19,9 +19,8 @@ constexpr std::int32_t boldWeight = 700;
 // The record's buffer: the name padded with NULs to its length. A longer name has no padding to
 // speak of, which is an error.
 std::u16string padded(std::u16string_view name) {
-    if (name.size() > fileNamePadding) {
+    if (name.size() > fileNamePadding)
         raise(ErrorNumber::InvalidCall);
-    }
     std::u16string buffer(name);
     buffer.resize(fileNamePadding, u'\0');
     return buffer;
@@ -37,14 +36,12 @@ std::u16string myCommondialog::browse_Folder(platform::HWND owner, std::u16strin
         const platform::BROWSEINFO record{owner, std::u16string(title),
                                           platform::BIF_RETURNONLYFSDIRS};
         const auto chosen = app_.platform().dialogs.SHBrowseForFolderA(record);
-        if (!chosen) {
+        if (!chosen)
             return;
-        }
         result = untilNul(*chosen);
         const char16_t separator = app_.platform().files.separator();
-        if (result.empty() || result.back() != separator) {
+        if (result.empty() || result.back() != separator)
             result += separator;
-        }
     });
     return result;
 }
@@ -94,9 +91,8 @@ std::u16string myCommondialog::file_Dialog(platform::HWND owner, std::int32_t mo
                            platform::OFN_OVERWRITEPROMPT;
             chosen = app_.platform().dialogs.GetSaveFileNameA(record);
         }
-        if (chosen) {
+        if (chosen)
             result = untilNul(record.file);
-        }
     });
     return result;
 }
@@ -114,9 +110,8 @@ bool myCommondialog::choose_Font(platform::HWND owner, forms::Font &font) {
         record.logFont.faceName = ansi.encode(font.name());
         record.pointSize = roundToInt32(static_cast<double>(font.size()) * 10);
         record.flags = platform::CF_SCREENFONTS | platform::CF_EFFECTS;
-        if (app_.platform().dialogs.ChooseFontA(record) != 1) {
+        if (app_.platform().dialogs.ChooseFontA(record) != 1)
             return;
-        }
         font.setBold(record.logFont.weight >= boldWeight);
         font.setItalic(record.logFont.italic);
         font.setUnderline(record.logFont.underline);

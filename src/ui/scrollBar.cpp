@@ -12,17 +12,14 @@ void dragThumb(const ScrollBarParts &parts, std::int32_t pressedAt, Twips y,
                std::int16_t visibleRows) {
     forms::Control &thumb = parts.P2;
     const Twips limit = parts.P4.height() - thumb.height();
-    if (thumb.top() >= 0 && thumb.top() <= limit) {
+    if (thumb.top() >= 0 && thumb.top() <= limit)
         thumb.setTop(thumb.top() + y - static_cast<Twips>(pressedAt));
-    }
-    if (thumb.top() <= 0) {
+    if (thumb.top() <= 0)
         thumb.setTop(0);
-    } else if (thumb.top() > limit) {
+    else if (thumb.top() > limit)
         thumb.setTop(limit);
-    }
-    if (limit == 0) {
+    if (limit == 0)
         raise(ErrorNumber::DivisionByZero);
-    }
     const double share = static_cast<double>(thumb.top()) / static_cast<double>(limit);
     parts.list.setTopIndex(roundToInt16(share * (parts.list.listCount() - visibleRows)));
 }
@@ -32,9 +29,8 @@ void dragThumb(const ScrollBarParts &parts, std::int32_t pressedAt, Twips y,
 void attachScrollBar(const ScrollBarParts &parts, formSet &drag,
                      std::function<std::int16_t()> visibleRows) {
     parts.P1.on().Click = [parts] {
-        if (parts.list.topIndex() > 0) {
+        if (parts.list.topIndex() > 0)
             parts.list.setTopIndex(parts.list.topIndex() - 1);
-        }
     };
     parts.P3.on().Click = [parts, visibleRows] {
         if (parts.list.topIndex() < parts.list.listCount() - visibleRows()) {

@@ -25,9 +25,8 @@ system_SpecialFolder::system_SpecialFolder(Velmora &app) : app_(app) {}
 
 std::u16string system_SpecialFolder::folderOf(std::int32_t number) const {
     platform::Folders &folders = app_.platform().folders;
-    if (std::ranges::find(shellFolders, number) != shellFolders.end()) {
+    if (std::ranges::find(shellFolders, number) != shellFolders.end())
         return std::u16string(untilNul(folders.SHGetSpecialFolder(number).value_or(u"")));
-    }
     switch (number) {
     case folderWindows:
         return folders.GetWindowsDirectoryA();
@@ -44,9 +43,8 @@ std::u16string system_SpecialFolder::get_Special_Folder(std::int32_t number) con
     const platform::FileSystem &files = app_.platform().files;
     std::u16string folder = folderOf(number);
     const char16_t separator = folder.empty() ? files.separator() : files.separatorOf(folder);
-    if (folder.empty() || folder.back() != separator) {
+    if (folder.empty() || folder.back() != separator)
         folder += separator;
-    }
     return folder;
 }
 

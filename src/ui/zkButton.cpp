@@ -51,9 +51,8 @@ zkButton::zkButton(forms::Container &container, const char *name)
 }
 
 zkButton::~zkButton() {
-    for (platform::DeviceContext &context : state_DC_) {
+    for (platform::DeviceContext &context : state_DC_)
         platform::DeleteDC(context);
-    }
 }
 
 void zkButton::setCaption(std::u16string_view caption) {
@@ -67,9 +66,8 @@ void zkButton::setSpeed(std::int32_t speed) {
 }
 
 void zkButton::setForeColor(Colour colour) {
-    if (foreColor_ == colour && captionColor_ == colour) {
+    if (foreColor_ == colour && captionColor_ == colour)
         return;
-    }
     foreColor_ = colour;
     captionColor_ = colour;
     changed(forms::Change::Look);
@@ -89,9 +87,8 @@ int zkButton::devicePixels(Twips twips) const {
 }
 
 void zkButton::drawShown() const {
-    if (shown_ || !asked_) {
+    if (shown_ || !asked_)
         return;
-    }
     shown_ = true;
     if (!sized_) {
         sized_ = true;
@@ -153,18 +150,15 @@ void zkButton::assemble(std::size_t index) const {
         draw(columns[0], rows[side]);
         draw(columns[2], rows[side]);
     }
-    for (const std::size_t side : {std::size_t{0}, std::size_t{2}}) {
+    for (const std::size_t side : {std::size_t{0}, std::size_t{2}})
         draw(columns[1], rows[side]);
-    }
-    for (const std::size_t side : {std::size_t{0}, std::size_t{2}}) {
+    for (const std::size_t side : {std::size_t{0}, std::size_t{2}})
         draw(columns[side], rows[1]);
-    }
 }
 
 void zkButton::mouseMove(const forms::MouseEvent &event) {
-    if (event.x == last_X_ && event.y == last_Y_) {
+    if (event.x == last_X_ && event.y == last_Y_)
         return;
-    }
     last_X_ = event.x;
     last_Y_ = event.y;
     const forms::Watch watch(*this);
@@ -201,9 +195,8 @@ void zkButton::mouseDown(const forms::MouseEvent &event) {
 void zkButton::mouseUp(const forms::MouseEvent &event) {
     const forms::Watch watch(*this);
     UserControl::mouseUp(event);
-    if (!watch) {
+    if (!watch)
         return;
-    }
     fade_ = 0;
     state_ = State::ToHot;
     // The next move counts even where the pointer stands still.
@@ -255,9 +248,8 @@ void zkButton::tick() {
 
 // A disabled button is still and looks normal, whatever it was about.
 void zkButton::enabledChanged() {
-    if (enabled()) {
+    if (enabled())
         return;
-    }
     TimerPaint.setRunning(false);
     state_ = State::Idle;
     rested_ = State::ToNormal;

@@ -20,15 +20,13 @@ constexpr std::uint32_t timerSignalled = 0;
 
 // The halves are made by floating point. The low one is an unsigned pattern in a signed number.
 DueTime relativeDueTime(std::int32_t ms) {
-    if (ms <= 0) {
+    if (ms <= 0)
         return {-1, -1}; // the shortest relative time; 0 would be an absolute one
-    }
     const double high = ms * stepsPerMs / twoTo32;
     const double whole = std::floor(high);
     double low = (high - whole) * -twoTo32;
-    if (low < -2147483648.0) {
+    if (low < -2147483648.0)
         low += twoTo32;
-    }
     return {roundToInt32(low), roundToInt32(-1 - whole)};
 }
 
@@ -53,12 +51,10 @@ void zkMySleep::Wait(std::int32_t ms) {
     platform::WaitableTimers &timers = app_.platform().waitableTimers;
     bool alreadyExists = false;
     handle_ = timers.CreateWaitableTimerA(true, timerName(), alreadyExists);
-    if (handle_ == 0) {
+    if (handle_ == 0)
         raise(ErrorNumber::General);
-    }
-    if (!alreadyExists) {
+    if (!alreadyExists)
         timers.SetWaitableTimer(handle_, -1, -1);
-    }
     const DueTime due = relativeDueTime(ms);
     timers.SetWaitableTimer(handle_, due.low, due.high);
     std::uint32_t woken = 0;

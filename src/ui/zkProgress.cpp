@@ -11,15 +11,12 @@ namespace velmora {
 void zkProgress::setCaption(std::u16string_view caption) { Caption_ = trim(caption); }
 
 std::u16string zkProgress::textFor(double shown) const {
-    if (CaptionStyle_ == 0) {
+    if (CaptionStyle_ == 0)
         return {};
-    }
-    if (CaptionStyle_ == 1) {
+    if (CaptionStyle_ == 1)
         return Caption_;
-    }
-    if (Max_ == Min_) {
+    if (Max_ == Min_)
         raise(ErrorNumber::DivisionByZero);
-    }
     const double ratio = (shown - Min_) / (static_cast<double>(Max_) - Min_);
     const std::u16string percent = format0_00(ratio * 100) + u"%";
     return CaptionStyle_ == 2 || Caption_.empty() ? percent : Caption_ + u" " + percent;
@@ -35,9 +32,8 @@ void zkProgress::setValue(double value) {
     shownLook_.bar = {};
     changed(forms::Change::Look); // cleared, even where what follows raises
     const std::u16string text = textFor(shown);
-    if (Max_ == Min_) {
+    if (Max_ == Min_)
         raise(ErrorNumber::InvalidPropertyValue);
-    }
     const double share = (shown - Min_) / (static_cast<double>(Max_) - Min_);
     shownLook_.ground = BackColor_;
     shownLook_.border = BorderStyle_ != 0;

@@ -86,10 +86,9 @@ bool isTheUsers(std::string_view entry) {
         return false;
     for (const std::string_view beginning :
          {"DISPLAY=", "WAYLAND_DISPLAY=", "XAUTHORITY=", "SESSION_MANAGER=", "XDG_",
-          "HOME=", "DBUS_SESSION_BUS_ADDRESS=", "QT_", "LANG=", "LANGUAGE=", "LC_", "TZ="}) {
+          "HOME=", "DBUS_SESSION_BUS_ADDRESS=", "QT_", "LANG=", "LANGUAGE=", "LC_", "TZ="})
         if (entry.starts_with(beginning))
             return true;
-    }
     return false;
 }
 
@@ -127,10 +126,9 @@ XSession::~XSession() {
 
 std::vector<std::string> XSession::environment() const {
     std::vector<std::string> result;
-    for (char **variable = environ; *variable != nullptr; ++variable) {
+    for (char **variable = environ; *variable != nullptr; ++variable)
         if (!isTheUsers(*variable))
             result.emplace_back(*variable);
-    }
     result.push_back("DISPLAY=" + display_);
     result.push_back("HOME=" + home_);
     result.push_back("XDG_CONFIG_HOME=" + home_ + "/config");

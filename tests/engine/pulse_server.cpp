@@ -323,10 +323,9 @@ bool MonitorRecorder::waitForFrames(std::size_t count, int limitMs) const {
 }
 
 std::size_t MonitorRecorder::findLoud(float threshold, std::size_t from) const {
-    for (std::size_t i = from * 2; i < samples_.size(); ++i) {
+    for (std::size_t i = from * 2; i < samples_.size(); ++i)
         if (std::abs(samples_[i]) >= threshold)
             return i / 2;
-    }
     return frameNone;
 }
 

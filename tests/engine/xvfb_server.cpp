@@ -102,10 +102,9 @@ namespace {
 
 xcb_visualid_t alphaVisual(const xcb_screen_t *screen) {
     for (auto depth = xcb_screen_allowed_depths_iterator(screen); depth.rem > 0;
-         xcb_depth_next(&depth)) {
+         xcb_depth_next(&depth))
         if (depth.data->depth == 32 && xcb_depth_visuals_length(depth.data) > 0)
             return xcb_depth_visuals(depth.data)[0].visual_id;
-    }
     return 0;
 }
 

@@ -24,9 +24,8 @@ std::optional<Answer> next(std::deque<Answer> &script, const char *what) {
 } // namespace
 
 FakeDialogs::~FakeDialogs() {
-    if (std::uncaught_exceptions() > 0) {
+    if (std::uncaught_exceptions() > 0)
         return;
-    }
     const auto left = folders_.size() + opens_.size() + saves_.size() + colours_.size() +
                       fonts_.size() + copies_.size();
     EXPECT_EQ(left, 0U) << "dialogs were expected and never came";
@@ -39,27 +38,24 @@ std::optional<std::u16string> FakeDialogs::SHBrowseForFolderA(const platform::BR
 
 std::optional<std::u16string> FakeDialogs::answer(std::deque<Path> &script, const char *what) {
     const Path path = next(script, what).value_or(Path{});
-    if (path.meanwhile) {
+    if (path.meanwhile)
         path.meanwhile();
-    }
     return path.answer;
 }
 
 bool FakeDialogs::ChooseColorA(platform::CHOOSECOLOR &record) {
     colourRecords.push_back(record);
     const auto answer = next(colours_, "a colour").value_or(std::nullopt);
-    if (answer) {
+    if (answer)
         record.result = *answer;
-    }
     return answer.has_value();
 }
 
 bool FakeDialogs::fileDialog(std::deque<Path> &script, platform::OPENFILENAME &record) {
     files.push_back(record);
     const auto chosen = answer(script, toUtf8(record.title).c_str());
-    if (chosen) {
+    if (chosen)
         record.file = *chosen + std::u16string(1, u'\0') + u"left over";
-    }
     return chosen.has_value();
 }
 
@@ -80,9 +76,8 @@ std::int32_t FakeDialogs::ChooseFontA(platform::CHOOSEFONT &record) {
 std::int32_t FakeDialogs::SHFileOperationA(platform::SHFILEOPSTRUCT &operation) {
     operations.push_back(operation);
     const Copy copy = next(copies_, "a copy").value_or(Copy{});
-    if (copy.meanwhile) {
+    if (copy.meanwhile)
         copy.meanwhile();
-    }
     operation.anyOperationsAborted = copy.aborted;
     return copy.answer;
 }

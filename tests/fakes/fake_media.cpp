@@ -82,9 +82,9 @@ std::vector<std::u16string> FakeMedia::actions() const {
 }
 
 std::size_t FakeMedia::count(std::u16string_view text) const {
-    return static_cast<std::size_t>(
-        std::count_if(commands_.begin(), commands_.end(),
-                      [&](const Command &command) { return command.text == text; }));
+    return static_cast<std::size_t>(std::count_if(
+        commands_.begin(), commands_.end(),
+        [&](const Command &command) { return command.text == text; }));
 }
 
 MciAnswer FakeMedia::mciSendStringA(std::u16string_view command, int returnSize) {

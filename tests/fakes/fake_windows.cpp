@@ -30,22 +30,19 @@ void FakeFormWindow::controlChanged(forms::Control &control, forms::Change what,
     told.push_back({control.name(), what, {}, before});
     const bool seen = form_.visible() && (control.isShown() || what == forms::Change::Visible);
     if (seen && what != forms::Change::Pointer && what != forms::Change::ToolTip &&
-        control.kind() != forms::Kind::Timer && control.kind() != forms::Kind::Menu) {
+        control.kind() != forms::Kind::Timer && control.kind() != forms::Kind::Menu)
         ++paints;
-    }
 }
 
 void FakeFormWindow::controlGone(forms::Control &control) {
-    if (focused == &control) {
+    if (focused == &control)
         focused = nullptr;
-    }
 }
 
 void FakeFormWindow::formChanged(forms::FormChange what, const RectTwips &before) {
     told.push_back({{}, {}, what, before});
-    if (what == forms::FormChange::Visible && form_.visible()) {
+    if (what == forms::FormChange::Visible && form_.visible())
         windows_.shown.emplace_back(form_.name());
-    }
 }
 
 void FakeFormWindow::refresh(forms::Control * /*control*/) {
@@ -61,35 +58,29 @@ FakeWindows::FakeWindows(FakeClock &clock)
     : clock_(clock), timers_([&clock] { return clock.steadyMs(); }) {}
 
 FakeWindows::~FakeWindows() {
-    if (leavingByException()) {
+    if (leavingByException())
         return;
-    }
-    for (const ScriptedBox &box : scriptedBoxes_) {
+    for (const ScriptedBox &box : scriptedBoxes_)
         ADD_FAILURE() << "a message box was expected and never came: " << toUtf8(box.box.text);
-    }
-    for (const auto &[menu, entry, meanwhile] : scriptedPopups_) {
+    for (const auto &[menu, entry, meanwhile] : scriptedPopups_)
         ADD_FAILURE() << "a popup menu was expected and never came: " << menu << ", " << entry;
-    }
 }
 
 void FakeWindows::advance(std::int64_t ms) {
     const std::int64_t end = clock_.steadyMs() + ms;
     for (;;) {
         const std::optional<std::int64_t> due = timers_.nextDueMs();
-        if (!due || *due > end) {
+        if (!due || *due > end)
             break;
-        }
-        if (*due > clock_.steadyMs()) {
+        if (*due > clock_.steadyMs())
             clock_.advance(*due - clock_.steadyMs());
-        }
         ++depth_;
         timers_.runDue();
         --depth_;
         runIdleWork();
     }
-    if (end > clock_.steadyMs()) {
+    if (end > clock_.steadyMs())
         clock_.advance(end - clock_.steadyMs());
-    }
     runIdleWork();
 }
 
@@ -160,18 +151,16 @@ void FakeWindows::runIdleWork() {
     while (depth_ == 0 && !idleWork_.empty()) {
         std::vector<std::function<void()>> work;
         work.swap(idleWork_);
-        for (const auto &one : work) {
+        for (const auto &one : work)
             one();
-        }
     }
 }
 
 forms::TextExtent FakeWindows::textExtent(std::u16string_view text, const forms::Font &font) {
     ++measures;
     double units = 0;
-    for (const char16_t unit : text) {
+    for (const char16_t unit : text)
         units += unit > 0x2E7F ? 2 : 1;
-    }
     const double scale = font.size() / 9.0;
     const double pixels = std::ceil(units * 8 * scale);
     return {static_cast<Twips>(pixels) * twipsPerPixel,
@@ -202,21 +191,18 @@ std::int32_t FakeWindows::GetWindowLongA(platform::HWND window, std::int32_t ind
 std::int32_t FakeWindows::SetWindowLongA(platform::HWND window, std::int32_t index,
                                          std::int32_t value) {
     const std::int32_t before = GetWindowLongA(window, index);
-    if (forms::Form *form = formOf(window); form != nullptr && index == platform::GWL_EXSTYLE) {
+    if (forms::Form *form = formOf(window); form != nullptr && index == platform::GWL_EXSTYLE)
         form->setLayered((value & platform::WS_EX_LAYERED) != 0);
-    }
     return before;
 }
 
 bool FakeWindows::SetLayeredWindowAttributes(platform::HWND window, Colour key,
                                              std::uint8_t /*alpha*/, std::uint32_t flags) {
     forms::Form *form = formOf(window);
-    if (form == nullptr || !form->layered()) {
+    if (form == nullptr || !form->layered())
         return false;
-    }
-    if ((flags & platform::LWA_COLORKEY) != 0) {
+    if ((flags & platform::LWA_COLORKEY) != 0)
         form->setWindowKey(key);
-    }
     return true;
 }
 
@@ -225,18 +211,16 @@ std::int32_t FakeWindows::SetWindowPos(platform::HWND window, std::int32_t inser
                                        std::int32_t /*width*/, std::int32_t /*height*/,
                                        std::uint32_t flags) {
     forms::Form *form = formOf(window);
-    if (form == nullptr) {
+    if (form == nullptr)
         return 0;
-    }
     positionings.push_back({form->name(), insertAfter, flags});
     form->setTopmost(insertAfter == platform::HWND_TOPMOST);
     return 1;
 }
 
 std::int32_t FakeWindows::hookWindowProc(platform::HWND window, platform::WindowProc procedure) {
-    if (formOf(window) != nullptr) {
+    if (formOf(window) != nullptr)
         hooks_[window] = std::move(procedure);
-    }
     return 0;
 }
 
@@ -253,17 +237,15 @@ std::int32_t FakeWindows::CallWindowProcA(std::int32_t /*procedure*/, platform::
 
 bool FakeWindows::FlashWindow(platform::HWND window, bool /*invert*/) {
     const forms::Form *form = formOf(window);
-    if (form == nullptr) {
+    if (form == nullptr)
         return false;
-    }
     flashes.emplace_back(form->name());
     return true;
 }
 
 bool FakeWindows::SystemParametersInfoA(std::uint32_t action, RectPixels &area) {
-    if (workAreaFails || action != platform::SPI_GETWORKAREA) {
+    if (workAreaFails || action != platform::SPI_GETWORKAREA)
         return false;
-    }
     area = workArea;
     return true;
 }
@@ -278,9 +260,8 @@ bool FakeWindows::GetWindowRect(platform::HWND window, RectPixels &rect) {
         return true;
     }
     const forms::Form *form = formOf(window);
-    if (form == nullptr) {
+    if (form == nullptr)
         return false;
-    }
     const auto pixels = [](Twips twips) {
         return static_cast<std::int32_t>(std::lround(twips / twipsPerPixel));
     };
@@ -298,9 +279,8 @@ bool FakeWindows::GetWindowRect(platform::HWND window, RectPixels &rect) {
 }
 
 bool FakeWindows::GetCursorPos(PointPixels &position) {
-    if (cursorFails) {
+    if (cursorFails)
         return false;
-    }
     position = cursor;
     return true;
 }
@@ -338,12 +318,10 @@ void FakeWindows::PopupMenu(forms::Form & /*owner*/, forms::Menu &menu) {
     const auto [name, wanted, meanwhile] = std::move(scriptedPopups_.front());
     scriptedPopups_.pop_front();
     EXPECT_EQ(name, menu.name());
-    if (meanwhile) {
+    if (meanwhile)
         meanwhile();
-    }
-    if (wanted.empty()) {
+    if (wanted.empty())
         return;
-    }
     std::vector<forms::Menu *> looking(menu.entries());
     while (!looking.empty()) {
         forms::Menu *entry = looking.back();

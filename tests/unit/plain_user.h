@@ -24,9 +24,8 @@ public:
         EXPECT_EQ(::seteuid(nobody), 0);
     }
     ~PlainUser() {
-        if (::getuid() == 0) {
+        if (::getuid() == 0)
             EXPECT_EQ(::seteuid(0), 0);
-        }
     }
     PlainUser(const PlainUser &) = delete;
     PlainUser &operator=(const PlainUser &) = delete;

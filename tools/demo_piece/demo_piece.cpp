@@ -42,9 +42,8 @@ private:
 };
 
 void mix(Stereo &out, std::size_t frame, float sample, float pan) {
-    if (frame >= out.left.size()) {
+    if (frame >= out.left.size())
         return;
-    }
     out.left[frame] += sample * (1.0F - pan);
     out.right[frame] += sample * pan;
 }
@@ -109,28 +108,24 @@ void compose(Stereo &out) {
     for (int bar = 0; bar < bars; ++bar) {
         const auto &chord = chords[static_cast<std::size_t>(bar) % chords.size()];
         const double at = bar * 3 * beatSeconds;
-        for (const int note : chord) {
+        for (const int note : chord)
             pad(out, at, note, 3 * beatSeconds + 0.4, 0.018F);
-        }
         pluck(out, noise, at, chord[0] - 12, 1.4, 0.50F, 0.45F);
         pluck(out, noise, at + beatSeconds, chord[1], 0.9, 0.22F, 0.62F);
         pluck(out, noise, at + 2 * beatSeconds, chord[2], 0.9, 0.22F, 0.62F);
-        if (bar < 4 || bar >= bars - 2) {
+        if (bar < 4 || bar >= bars - 2)
             continue; // the accompaniment opens and closes alone
-        }
         for (int beat = 0; beat < 3; ++beat) {
             const int note = tune[static_cast<std::size_t>((bar * 3 + beat) % 24)];
-            if (note != 0) {
+            if (note != 0)
                 pluck(out, noise, at + beat * beatSeconds, note, 1.8, 0.42F, 0.35F);
-            }
         }
     }
 }
 
 void append(std::string &out, std::uint32_t value, int bytes) {
-    for (int i = 0; i < bytes; ++i) {
+    for (int i = 0; i < bytes; ++i)
         out += static_cast<char>(value >> (8 * i));
-    }
 }
 
 std::string field(const char *text, std::size_t size) {

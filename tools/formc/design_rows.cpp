@@ -105,8 +105,8 @@ const PropertyRow *findProperty(std::string_view word, KindSet kind) {
 }
 
 bool isProperty(std::string_view word) {
-    return std::ranges::any_of(propertyTable,
-                               [&](const PropertyRow &row) { return row.word == word; });
+    return std::ranges::any_of(
+        propertyTable, [&](const PropertyRow &row) { return row.word == word; });
 }
 
 } // namespace velmora::formc

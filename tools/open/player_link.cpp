@@ -88,51 +88,55 @@ Reached PlayerLink::getWith(const char *name, const Read &read) {
 }
 
 Reached PlayerLink::getStatus(std::string &status) {
-    return getWith("PlaybackStatus", [&](const auto &library, sd_bus_message *answer) {
-        const char *text = "";
-        int done = library.enterContainer(answer, 'v', "s");
-        if (done >= 0)
-            done = library.read(answer, "s", &text);
-        status = text;
-        return done;
-    });
+    return getWith(
+        "PlaybackStatus",
+        [&](const auto &library, sd_bus_message *answer) {
+            const char *text = "";
+            int done = library.enterContainer(answer, 'v', "s");
+            if (done >= 0)
+                done = library.read(answer, "s", &text);
+            status = text;
+            return done;
+        });
 }
 
 Reached PlayerLink::getTrack(Track &track) {
-    return getWith("Metadata", [&](const auto &library, sd_bus_message *answer) {
-        int done = library.enterContainer(answer, 'v', "a{sv}");
-        if (done >= 0)
-            done = library.enterContainer(answer, 'a', "{sv}");
-        while (done >= 0 && (done = library.enterContainer(answer, 'e', "sv")) > 0) {
-            const char *key = "";
-            const char *text = nullptr;
-            done = library.read(answer, "s", &key);
-            if (done < 0)
-                break;
-            if (std::strcmp(key, "xesam:title") == 0 || std::strcmp(key, "xesam:asText") == 0) {
-                done = library.read(answer, "v", "s", &text);
-                if (done >= 0)
-                    (std::strcmp(key, "xesam:title") == 0 ? track.title : track.lyric) = text;
-            } else if (std::strcmp(key, "xesam:artist") == 0) {
-                done = library.enterContainer(answer, 'v', "as");
-                if (done >= 0)
-                    done = library.enterContainer(answer, 'a', "s");
-                while (done >= 0 && (done = library.read(answer, "s", &text)) > 0)
-                    track.artist += (track.artist.empty() ? "" : ", ") + std::string(text);
-                if (done >= 0)
-                    done = library.exitContainer(answer);
-                if (done >= 0)
-                    done = library.exitContainer(answer);
-            } else if (std::strcmp(key, "mpris:length") == 0) {
-                done = library.read(answer, "v", "x", &track.lengthUs);
-            } else {
-                done = library.skip(answer, "v");
-            }
+    return getWith(
+        "Metadata",
+        [&](const auto &library, sd_bus_message *answer) {
+            int done = library.enterContainer(answer, 'v', "a{sv}");
             if (done >= 0)
-                done = library.exitContainer(answer);
-        }
-        return done;
-    });
+                done = library.enterContainer(answer, 'a', "{sv}");
+            while (done >= 0 && (done = library.enterContainer(answer, 'e', "sv")) > 0) {
+                const char *key = "";
+                const char *text = nullptr;
+                done = library.read(answer, "s", &key);
+                if (done < 0)
+                    break;
+                if (std::strcmp(key, "xesam:title") == 0 || std::strcmp(key, "xesam:asText") == 0) {
+                    done = library.read(answer, "v", "s", &text);
+                    if (done >= 0)
+                        (std::strcmp(key, "xesam:title") == 0 ? track.title : track.lyric) = text;
+                } else if (std::strcmp(key, "xesam:artist") == 0) {
+                    done = library.enterContainer(answer, 'v', "as");
+                    if (done >= 0)
+                        done = library.enterContainer(answer, 'a', "s");
+                    while (done >= 0 && (done = library.read(answer, "s", &text)) > 0)
+                        track.artist += (track.artist.empty() ? "" : ", ") + std::string(text);
+                    if (done >= 0)
+                        done = library.exitContainer(answer);
+                    if (done >= 0)
+                        done = library.exitContainer(answer);
+                } else if (std::strcmp(key, "mpris:length") == 0) {
+                    done = library.read(answer, "v", "x", &track.lengthUs);
+                } else {
+                    done = library.skip(answer, "v");
+                }
+                if (done >= 0)
+                    done = library.exitContainer(answer);
+            }
+            return done;
+        });
 }
 
 int PlayerLink::onSignal(sd_bus_message * /*message*/, void *link, sd_bus_error * /*error*/) {

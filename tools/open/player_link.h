@@ -50,11 +50,13 @@ public:
 
     // A property of the player; `type` is what it holds, read into `value`.
     template <typename Value> Reached get(const char *name, const char *type, Value &value) {
-        return getWith(name, [&](const auto &library, sd_bus_message *answer) {
-            if (const int entered = library.enterContainer(answer, 'v', type); entered < 0)
-                return entered;
-            return library.read(answer, type, &value);
-        });
+        return getWith(
+            name,
+            [&](const auto &library, sd_bus_message *answer) {
+                if (const int entered = library.enterContainer(answer, 'v', type); entered < 0)
+                    return entered;
+                return library.read(answer, type, &value);
+            });
     }
     Reached getStatus(std::string &status);
     Reached getTrack(Track &track);

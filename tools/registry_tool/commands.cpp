@@ -226,15 +226,19 @@ private:
     }
 
     std::int32_t write(const Place &place, std::uint32_t value) {
-        return write(place, [&](platform::RegistryHandle key) {
-            return registry_.RegSetValueExA(key, place.name, value);
-        });
+        return write(
+            place,
+            [&](platform::RegistryHandle key) {
+                return registry_.RegSetValueExA(key, place.name, value);
+            });
     }
     std::int32_t write(const Place &place, const std::u16string &text) {
-        return write(place, [&](platform::RegistryHandle key) {
-            return registry_.RegSetValueExA(key, place.name, platform::REG_SZ, text,
-                                            static_cast<std::uint32_t>(ansi_->byteCount(text)));
-        });
+        return write(
+            place,
+            [&](platform::RegistryHandle key) {
+                return registry_.RegSetValueExA(key, place.name, platform::REG_SZ, text,
+                                                static_cast<std::uint32_t>(ansi_->byteCount(text)));
+            });
     }
     // What is written lies on the disk when the tool says that it is done.
     template <typename Put> std::int32_t write(const Place &place, Put put) {

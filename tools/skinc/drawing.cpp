@@ -52,12 +52,11 @@ private:
     }
 
     void collectGradients(const XmlElement &element) {
-        for (const XmlElement &child : element.children) {
+        for (const XmlElement &child : element.children)
             if (child.name == "linearGradient")
                 source_.addGradient(child);
             else
                 collectGradients(child);
-        }
     }
 
     void children(const XmlElement &parent, const Style &style) {

@@ -69,7 +69,7 @@ private:
 
     // Text, comments and processing instructions; stops at an element or a closing tag.
     void skipMisc() {
-        while (!atEnd()) {
+        while (!atEnd())
             if (starts("<!--"))
                 skipUntil("-->", "a comment");
             else if (starts("<?"))
@@ -80,7 +80,6 @@ private:
                 return;
             else
                 take();
-        }
     }
 
     std::string name() {

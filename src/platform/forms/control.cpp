@@ -10,11 +10,9 @@
 namespace velmora::forms {
 
 RectTwips checkedPlace(const RectTwips &place) {
-    for (const Twips number : {place.left, place.top, place.width, place.height}) {
-        if (!std::isfinite(number)) {
+    for (const Twips number : {place.left, place.top, place.width, place.height})
+        if (!std::isfinite(number))
             raise(ErrorNumber::InvalidPropertyValue);
-        }
-    }
     return {place.left, place.top, std::max(place.width, 0.0F), std::max(place.height, 0.0F)};
 }
 
@@ -35,9 +33,8 @@ void Control::setHeight(Twips height) { move({place_.left, place_.top, place_.wi
 
 void Control::move(const RectTwips &wanted) {
     const RectTwips place = checkedPlace(wanted);
-    if (place == place_) {
+    if (place == place_)
         return;
-    }
     const RectTwips before = placeInForm();
     place_ = place;
     placeChanged(before);
@@ -73,31 +70,27 @@ bool Control::isLive() const noexcept {
 void Control::zOrder(std::int16_t position) {
     auto &order = container_->controls_;
     const bool front = position == 0;
-    if (order.empty() || (front ? order.back() : order.front()) == this) {
+    if (order.empty() || (front ? order.back() : order.front()) == this)
         return;
-    }
     std::erase(order, this);
     order.insert(front ? order.end() : order.begin(), this);
     changed(Change::Order);
 }
 
 void Control::refresh() {
-    if (FormWindow *window = form_->window()) {
+    if (FormWindow *window = form_->window())
         window->refresh(this);
-    }
 }
 
 ControlEvents &Control::on() {
-    if (!events_) {
+    if (!events_)
         events_ = std::make_unique<ControlEvents>();
-    }
     return *events_;
 }
 
 void Control::changed(Change what) {
-    if (form_->window() != nullptr) {
+    if (form_->window() != nullptr)
         form_->controlChanged(*this, what, placeInForm());
-    }
 }
 
 void Control::placeChanged(const RectTwips &before) {

@@ -69,9 +69,8 @@ RectTwips checkedPlace(const RectTwips &place);
 
 // Stores a value and tells whether it is a new one.
 template <typename Value, typename New> bool differs(Value &held, const New &value) {
-    if (held == value) {
+    if (held == value)
         return false;
-    }
     held = value;
     return true;
 }
@@ -143,9 +142,8 @@ protected:
     void changed(Change what);
     // What every setter does: a new value is stored and told.
     template <typename Value, typename New> void set(Value &held, const New &value, Change what) {
-        if (differs(held, value)) {
+        if (differs(held, value))
             changed(what);
-        }
     }
     // The own flag is another now.
     virtual void enabledChanged() {}

@@ -12,9 +12,8 @@ namespace velmora::forms {
 // control that holds it.
 template <typename Handler, typename... Arguments>
 void raiseEvent(const Handler &handler, Arguments &&...arguments) {
-    if (!handler) {
+    if (!handler)
         return;
-    }
     const Handler kept = handler;
     try {
         kept(std::forward<Arguments>(arguments)...);

@@ -10,9 +10,8 @@ Font::Font(std::u16string_view name, float sizePoints, bool bold) : name_(name) 
 }
 
 void Font::setSize(float points) noexcept {
-    if (points >= 1 && points <= 2160) {
+    if (points >= 1 && points <= 2160)
         size_ = points;
-    }
 }
 
 void Font::setBold(bool bold) noexcept {
@@ -26,9 +25,8 @@ void Font::setWeight(std::int32_t weight) noexcept {
 }
 
 Colour plainColour(Colour colour) noexcept {
-    if ((colour & 0x80000000U) == 0) {
+    if ((colour & 0x80000000U) == 0)
         return colour & 0x00FFFFFFU;
-    }
     // The system colours by their index, as the design's platform had them; index 15 is the face of
     // buttons.
     constexpr std::array<Colour, 25> system = {

@@ -29,9 +29,8 @@ Watch::Watch(Form &form) noexcept : form_(&form), control_(nullptr), outer_(form
 }
 
 Watch::~Watch() {
-    if (form_ != nullptr) {
+    if (form_ != nullptr)
         form_->watches_ = outer_;
-    }
 }
 
 void Form::setLeft(Twips left) { move({left, place_.top, place_.width, place_.height}); }
@@ -41,9 +40,8 @@ void Form::setHeight(Twips height) { move({place_.left, place_.top, place_.width
 
 void Form::move(const RectTwips &wanted) {
     const RectTwips place = checkedPlace(wanted);
-    if (place == place_) {
+    if (place == place_)
         return;
-    }
     const RectTwips before = place_;
     startCentred_ = startCentred_ && place.left == before.left && place.top == before.top;
     place_ = place;
@@ -74,32 +72,27 @@ void Form::setStartCentred(bool centred) {
 }
 
 void Form::show() {
-    if (visible_) {
+    if (visible_)
         raise();
-    } else {
+    else
         setVisible(true);
-    }
 }
 void Form::hide() { setVisible(false); }
 
 void Form::setVisible(bool visible) {
-    if (visible == visible_) {
+    if (visible == visible_)
         return;
-    }
-    if (visible) {
+    if (visible)
         ensureWindow();
-    }
     visible_ = visible;
     formChanged(FormChange::Visible);
-    if (visible && active_ == nullptr) {
+    if (visible && active_ == nullptr)
         setFocus(keyTarget());
-    }
 }
 
 void Form::setEnabled(bool enabled) {
-    if (!differs(enabled_, enabled)) {
+    if (!differs(enabled_, enabled))
         return;
-    }
     formChanged(FormChange::Enabled);
     if (enabled && leavePending_) {
         leavePending_ = false;
@@ -108,24 +101,20 @@ void Form::setEnabled(bool enabled) {
 }
 
 void Form::raise() {
-    if (window_ && visible_) {
+    if (window_ && visible_)
         window_->raise();
-    }
 }
 
 bool Form::unload() {
     const Watch watch(*this);
     bool cancel = false;
-    if (events_) {
+    if (events_)
         raiseEvent(events_->QueryUnload, cancel);
-    }
-    if (cancel || !watch) {
+    if (cancel || !watch)
         return !cancel;
-    }
     hide();
-    if (events_) {
+    if (events_)
         raiseEvent(events_->Unload);
-    }
     return true;
 }
 
@@ -134,25 +123,21 @@ TextExtent Form::textExtent(std::u16string_view text, const Font &font) const {
 }
 
 void Form::setFocus(Control *control) {
-    if (control == active_ || (control != nullptr && !(control->isShown() && control->isLive()))) {
+    if (control == active_ || (control != nullptr && !(control->isShown() && control->isLive())))
         return;
-    }
     active_ = control;
-    if (window_) {
+    if (window_)
         window_->focus(control);
-    }
 }
 
 void Form::refresh() {
-    if (window_) {
+    if (window_)
         window_->refresh(nullptr);
-    }
 }
 
 FormEvents &Form::on() {
-    if (!events_) {
+    if (!events_)
         events_ = std::make_unique<FormEvents>();
-    }
     return *events_;
 }
 
@@ -164,17 +149,15 @@ void Form::movedTo(Twips left, Twips top) {
 void Form::stateChanged(WindowState state) { state_ = state; }
 
 void Form::closeRequested() {
-    if (enabled_) {
+    if (enabled_)
         unload();
-    }
 }
 
 FormWindow &Form::ensureWindow() {
     if (!window_) {
         window_ = host_.makeWindow(*this);
-        if (window_->scaleFactor() != 1.0) {
+        if (window_->scaleFactor() != 1.0)
             scaleChanged();
-        }
     }
     return *window_;
 }
@@ -182,13 +165,11 @@ FormWindow &Form::ensureWindow() {
 namespace {
 
 void tellScale(const Container &container) {
-    for (Control *control : container.controls()) {
-        if (control->kind() == Kind::Custom) {
+    for (Control *control : container.controls())
+        if (control->kind() == Kind::Custom)
             static_cast<UserControl *>(control)->scaleChanged();
-        } else if (const auto *inner = dynamic_cast<const Container *>(control)) {
+        else if (const auto *inner = dynamic_cast<const Container *>(control))
             tellScale(*inner);
-        }
-    }
 }
 
 } // namespace
@@ -198,49 +179,39 @@ void Form::scaleChanged() { tellScale(*this); }
 void Form::dropWindow() noexcept { window_.reset(); }
 
 void Form::controlChanged(Control &control, Change what, const RectTwips &before) {
-    if (!window_) {
+    if (!window_)
         return;
-    }
     window_->controlChanged(control, what, before);
-    if (what == Change::Enabled) {
+    if (what == Change::Enabled)
         focusInside(control);
-    } else if (what == Change::Visible && !control.visible()) {
+    else if (what == Change::Visible && !control.visible())
         focusBelow(control);
-    }
 }
 
 void Form::controlGone(Control &control) {
-    if (active_ == &control) {
+    if (active_ == &control)
         active_ = nullptr;
-    }
-    if (captured_ == &control) {
+    if (captured_ == &control)
         captured_ = nullptr;
-    }
-    if (hovered_ == &control) {
+    if (hovered_ == &control)
         hovered_ = nullptr;
-    }
-    for (Watch *watch = watches_; watch != nullptr; watch = watch->outer_) {
+    for (Watch *watch = watches_; watch != nullptr; watch = watch->outer_)
         watch->gone_ = watch->gone_ || watch->control_ == &control;
-    }
-    if (window_) {
+    if (window_)
         window_->controlGone(control);
-    }
 }
 
 void Form::formChanged(FormChange what) {
-    if (window_) {
+    if (window_)
         window_->formChanged(what, place_);
-    }
 }
 
 void Form::placeChanged(const RectTwips &before) {
-    if (window_) {
+    if (window_)
         window_->formChanged(FormChange::Place, before);
-    }
     const bool resized = before.width != place_.width || before.height != place_.height;
-    if (resized && events_) {
+    if (resized && events_)
         raiseEvent(events_->Resize);
-    }
 }
 
 } // namespace velmora::forms

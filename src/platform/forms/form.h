@@ -211,9 +211,8 @@ private:
     void formChanged(FormChange what);
     template <typename Value, typename New>
     void set(Value &held, const New &value, FormChange what) {
-        if (differs(held, value)) {
+        if (differs(held, value))
             formChanged(what);
-        }
     }
     void placeChanged(const RectTwips &before);
 

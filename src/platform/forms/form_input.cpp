@@ -61,13 +61,11 @@ Control *topmostAt(const Container &container, PointTwips at) {
     const std::vector<Control *> &order = container.controls();
     for (auto it = order.rbegin(); it != order.rend(); ++it) {
         Control &control = **it;
-        if (!control.visible() || !takesPointer(control.kind()) || !inside(control.place(), at)) {
+        if (!control.visible() || !takesPointer(control.kind()) || !inside(control.place(), at))
             continue;
-        }
         if (const Container *inner = asContainer(control)) {
-            if (Control *found = topmostAt(*inner, {at.x - control.left(), at.y - control.top()})) {
+            if (Control *found = topmostAt(*inner, {at.x - control.left(), at.y - control.top()}))
                 return found;
-            }
         }
         return &control;
     }
@@ -82,12 +80,10 @@ bool isPanel(const Control &control) noexcept {
 Control *panelOver(const Control &control) {
     for (const Control *part = &control; part != nullptr; part = part->container().asControl()) {
         const std::vector<Control *> &order = part->container().controls();
-        for (auto it = std::find(order.begin(), order.end(), part) + 1; it != order.end(); ++it) {
+        for (auto it = std::find(order.begin(), order.end(), part) + 1; it != order.end(); ++it)
             if (isPanel(**it) && (*it)->visible() &&
-                overlap((*it)->placeInForm(), control.placeInForm())) {
+                overlap((*it)->placeInForm(), control.placeInForm()))
                 return *it;
-            }
-        }
     }
     return nullptr;
 }
@@ -96,15 +92,12 @@ Control *panelOver(const Control &control) {
 template <typename Takes>
 void collectFocusable(const Container &container, Takes takes, std::vector<Control *> &into) {
     for (Control *control : container.controls()) {
-        if (!control->visible() || !control->enabled()) {
+        if (!control->visible() || !control->enabled())
             continue;
-        }
-        if (takes(*control) && panelOver(*control) == nullptr) {
+        if (takes(*control) && panelOver(*control) == nullptr)
             into.push_back(control);
-        }
-        if (const Container *inner = asContainer(*control)) {
+        if (const Container *inner = asContainer(*control))
             collectFocusable(*inner, takes, into);
-        }
     }
 }
 
@@ -116,9 +109,8 @@ const Handler *handlerOf(const ControlEvents *events, Handler ControlEvents::*wh
 
 template <typename Handler, typename... Arguments>
 void raiseIfSet(const Handler *handler, Arguments &&...arguments) {
-    if (handler != nullptr) {
+    if (handler != nullptr)
         raiseEvent(*handler, std::forward<Arguments>(arguments)...);
-    }
 }
 
 } // namespace
@@ -127,11 +119,9 @@ Control *Form::controlAt(PointTwips at) const { return takerAt(at); }
 
 Control *Form::takerAt(PointTwips at) const {
     Control *control = topmostAt(*this, at);
-    for (Control *outer = control; outer != nullptr; outer = outer->container().asControl()) {
-        if (!outer->enabled()) {
+    for (Control *outer = control; outer != nullptr; outer = outer->container().asControl())
+        if (!outer->enabled())
             control = outer->container().asControl();
-        }
-    }
     return control;
 }
 
@@ -164,18 +154,16 @@ void Form::hoverAt(Control *control, PointTwips at, std::int16_t shift) {
     if (hovered_ != nullptr && hovered_ != control) {
         const Watch watch(*this);
         leaveHovered(at, shift);
-        if (!watch) {
+        if (!watch)
             return;
-        }
     }
     leavePending_ = false;
 }
 
 void Form::leaveHovered(PointTwips at, std::int16_t shift) {
     Control *const left = std::exchange(hovered_, nullptr);
-    if (left == nullptr || !left->isLive()) {
+    if (left == nullptr || !left->isLive())
         return;
-    }
     const RectTwips place = left->placeInForm();
     // Something may lie over it where the pointer is now.
     const PointTwips outside =
@@ -184,21 +172,18 @@ void Form::leaveHovered(PointTwips at, std::int16_t shift) {
 }
 
 void Form::pointerPressed(PointTwips at, std::int16_t button, std::int16_t shift) {
-    if (!enabled_) {
+    if (!enabled_)
         return;
-    }
     if (heldButtons_ == 0) {
         captured_ = takerAt(at);
         formCaptured_ = captured_ == nullptr;
         clickSpent_ = false;
     }
     heldButtons_ = static_cast<std::int16_t>(heldButtons_ | button);
-    if (captured_ != nullptr && clickFocuses(captured_->kind())) {
+    if (captured_ != nullptr && clickFocuses(captured_->kind()))
         active_ = captured_;
-    }
-    if (captured_ != nullptr ? captured_->isLive() : formCaptured_) {
+    if (captured_ != nullptr ? captured_->isLive() : formCaptured_)
         deliver(PointerEvent::Down, captured_, at, button, shift);
-    }
 }
 
 void Form::pointerMoved(PointTwips at, std::int16_t buttons, std::int16_t shift) {
@@ -206,21 +191,18 @@ void Form::pointerMoved(PointTwips at, std::int16_t buttons, std::int16_t shift)
         leavePending_ = hovered_ != nullptr && takerAt(at) != hovered_;
         return;
     }
-    if (buttons == 0 && heldButtons_ != 0) {
+    if (buttons == 0 && heldButtons_ != 0)
         pointerLost(); // a box or menu took the release
-    }
     if (heldButtons_ != 0) {
         // The control that took the press may be gone, or disabled.
-        if (captured_ != nullptr ? captured_->isLive() : formCaptured_) {
+        if (captured_ != nullptr ? captured_->isLive() : formCaptured_)
             deliver(PointerEvent::Move, captured_, at, buttons, shift);
-        }
         return;
     }
     const Watch watch(*this);
     hoverAt(takerAt(at), at, shift);
-    if (!watch || !enabled_) {
+    if (!watch || !enabled_)
         return;
-    }
     // The handler of the leave may have changed what lies here.
     Control *const target = takerAt(at);
     hovered_ = asCustom(target);
@@ -228,9 +210,8 @@ void Form::pointerMoved(PointTwips at, std::int16_t buttons, std::int16_t shift)
 }
 
 void Form::pointerReleased(PointTwips at, std::int16_t button, std::int16_t shift) {
-    if ((heldButtons_ & button) == 0) {
+    if ((heldButtons_ & button) == 0)
         return; // the press went elsewhere, or the form was disabled then
-    }
     heldButtons_ = static_cast<std::int16_t>(heldButtons_ & ~button);
     Control *const target = captured_;
     const bool ours = target != nullptr || formCaptured_;
@@ -238,23 +219,20 @@ void Form::pointerReleased(PointTwips at, std::int16_t button, std::int16_t shif
         captured_ = nullptr;
         formCaptured_ = false;
     }
-    if (!enabled_ || !ours) {
+    if (!enabled_ || !ours)
         return;
-    }
     const bool within = takerAt(at) == target && inside({0, 0, width(), height()}, at);
     const bool click = within && button == leftButton && !clickSpent_ &&
                        (target == nullptr || !clicksByItself(target->kind()));
     const bool leaves = heldButtons_ == 0 && !within && asCustom(target) != nullptr;
     const Watch formWatch(*this);
     std::optional<Watch> watch;
-    if (target != nullptr) {
+    if (target != nullptr)
         watch.emplace(*target);
-    }
     const auto alive = [&] { return formWatch && (!watch || *watch); };
     deliver(PointerEvent::Up, target, at, button, shift);
-    if (click && alive() && enabled_ && (target == nullptr || target->isLive())) {
+    if (click && alive() && enabled_ && (target == nullptr || target->isLive()))
         clickOn(target);
-    }
     if (leaves && alive() && enabled_) {
         hovered_ = target;
         leaveHovered(at, shift);
@@ -271,9 +249,8 @@ void Form::clickOn(Control *target) {
 }
 
 void Form::pointerDoubleClicked(PointTwips at, std::int16_t button, std::int16_t shift) {
-    if (!enabled_) {
+    if (!enabled_)
         return;
-    }
     Control *const target = takerAt(at);
     const auto *handler =
         handlerOf(target != nullptr ? target->events() : events_.get(), &ControlEvents::DblClick);
@@ -294,27 +271,24 @@ void Form::pointerDoubleClicked(PointTwips at, std::int16_t button, std::int16_t
 void Form::pointerLost() {
     heldButtons_ = 0;
     // The pointer may be anywhere now; the next move or leave tells a button that held the press.
-    if (asCustom(captured_) != nullptr) {
+    if (asCustom(captured_) != nullptr)
         hovered_ = captured_;
-    }
     captured_ = nullptr;
     formCaptured_ = false;
     clickSpent_ = false;
 }
 
 void Form::pointerLeft() {
-    if (!enabled_) {
+    if (!enabled_)
         leavePending_ = hovered_ != nullptr;
-    } else if (heldButtons_ == 0) {
+    else if (heldButtons_ == 0)
         leaveHovered(nowhere, 0);
-    }
 }
 
 // The active control; the first that can take the focus when none was chosen or it is hidden.
 Control *Form::keyTarget() const {
-    if (active_ != nullptr && active_->isShown()) {
+    if (active_ != nullptr && active_->isShown())
         return active_;
-    }
     std::vector<Control *> order;
     collectFocusable(
         *this, [](Control &control) { return clickFocuses(control.kind()); }, order);
@@ -322,18 +296,15 @@ Control *Form::keyTarget() const {
 }
 
 bool Form::keyPressed(std::int16_t keyCode, std::int16_t shift) {
-    if (!enabled_) {
+    if (!enabled_)
         return false;
-    }
     KeyEvent event{keyCode, shift};
     Control *target = keyTarget();
     Control *const panel = target != nullptr ? panelOver(*target) : nullptr;
-    if (panel != nullptr) {
+    if (panel != nullptr)
         target = panel;
-    }
-    if (target != nullptr && !target->isLive()) {
+    if (target != nullptr && !target->isLive())
         return false;
-    }
     const Watch watch(*this);
     if (UserControl *custom = asCustom(target)) {
         custom->keyDown(event);
@@ -350,14 +321,12 @@ bool Form::keyPressed(std::int16_t keyCode, std::int16_t shift) {
 }
 
 void Form::keyReleased(std::int16_t keyCode, std::int16_t shift) {
-    if (!enabled_) {
+    if (!enabled_)
         return;
-    }
     KeyEvent event{keyCode, shift};
     Control *target = keyTarget();
-    if (Control *panel = target != nullptr ? panelOver(*target) : nullptr) {
+    if (Control *panel = target != nullptr ? panelOver(*target) : nullptr)
         target = panel;
-    }
     if (target == nullptr || target->isLive()) {
         raiseIfSet(
             handlerOf(target != nullptr ? target->events() : events_.get(), &ControlEvents::KeyUp),
@@ -371,12 +340,10 @@ Control *Form::nextFocus(bool backwards) const {
     std::vector<Control *> order;
     collectFocusable(
         *this, [](const Control &control) { return control.takesFocus(); }, order);
-    if (!enabled_ || order.empty()) {
+    if (!enabled_ || order.empty())
         return nullptr;
-    }
-    if (backwards) {
+    if (backwards)
         std::reverse(order.begin(), order.end());
-    }
     const auto present = std::find(order.begin(), order.end(), active_);
     const bool wraps = present == order.end() || present + 1 == order.end();
     return wraps ? order.front() : *(present + 1);
@@ -384,17 +351,15 @@ Control *Form::nextFocus(bool backwards) const {
 
 bool Form::focusNext(bool backwards) {
     Control *const next = nextFocus(backwards);
-    if (next != nullptr) {
+    if (next != nullptr)
         setFocus(next);
-    }
     return next != nullptr;
 }
 
 // A control disabled and enabled again gets back the focus that it had, and so does what is in it.
 void Form::focusInside(const Control &control) {
-    if (active_ == nullptr || !active_->isLive() || !active_->isShown()) {
+    if (active_ == nullptr || !active_->isLive() || !active_->isShown())
         return;
-    }
     for (const Control *inner = active_; inner != nullptr; inner = inner->container().asControl()) {
         if (inner == &control) {
             window_->focus(active_);
@@ -407,16 +372,14 @@ void Form::focusInside(const Control &control) {
 void Form::focusBelow(const Control &panel) {
     const bool below = active_ != nullptr && active_->isLive() && active_->isShown() &&
                        isPanel(panel) && overlap(panel.placeInForm(), active_->placeInForm());
-    if (below && !isCovered(*active_)) {
+    if (below && !isCovered(*active_))
         window_->focus(active_);
-    }
 }
 
 Form::PointerLook Form::pointerAt(PointTwips at) const {
     const Control *control = topmostAt(*this, at);
-    if (control == nullptr || control->mousePointer() == pointerDefault || !control->isLive()) {
+    if (control == nullptr || control->mousePointer() == pointerDefault || !control->isLive())
         return {mousePointer_, MouseIcon::None};
-    }
     return {control->mousePointer(), control->mouseIcon()};
 }
 

@@ -27,66 +27,54 @@ void ListBox::mark(std::int32_t row, bool selected) noexcept {
 }
 
 void ListBox::markOnly(std::int32_t first, std::int32_t last) noexcept {
-    for (std::int32_t row = 0; row < listCount(); ++row) {
+    for (std::int32_t row = 0; row < listCount(); ++row)
         mark(row, row >= first && row <= last);
-    }
 }
 
 void ListBox::setSelected(std::int32_t row, bool selected) {
-    if (!has(row)) {
+    if (!has(row))
         raise(ErrorNumber::InvalidCall);
-    }
-    if (selected && !multiSelect_) {
+    if (selected && !multiSelect_)
         ensureVisible(row);
-    }
     const bool isNew = at(row).selected != selected;
     const bool moves = selected && listIndex_ != row;
-    if (!isNew && !moves) {
+    if (!isNew && !moves)
         return;
-    }
-    if (selected && !multiSelect_) {
+    if (selected && !multiSelect_)
         markOnly(row, row);
-    } else {
+    else
         mark(row, selected);
-    }
     if (selected) {
         listIndex_ = narrow(row);
         anchor_ = listIndex_;
     }
     changed(Change::Selection);
-    if (selected && !multiSelect_) {
+    if (selected && !multiSelect_)
         raiseClick();
-    }
 }
 
 std::int16_t ListBox::firstSelected() const noexcept {
-    if (selCount_ == 0) {
+    if (selCount_ == 0)
         return -1;
-    }
     const auto found =
         std::find_if(rows_.begin(), rows_.end(), [](const Row &row) { return row.selected; });
     return narrow(found - rows_.begin());
 }
 
 void ListBox::setListIndex(std::int32_t row) {
-    if (row < -1 || row >= listCount()) {
+    if (row < -1 || row >= listCount())
         raise(ErrorNumber::InvalidPropertyValue);
-    }
-    if (!multiSelect_) {
+    if (!multiSelect_)
         ensureVisible(row);
-    }
-    if (listIndex_ == row) {
+    if (listIndex_ == row)
         return;
-    }
     listIndex_ = narrow(row);
     anchor_ = listIndex_;
-    if (!multiSelect_) {
+    if (!multiSelect_)
         markOnly(row, row);
-    }
     changed(Change::Selection);
-    if (row >= 0) {
+    if (row >= 0)
         raiseClick();
-    }
 }
 
 void ListBox::clampTop() noexcept {
@@ -98,26 +86,22 @@ void ListBox::setTopIndex(std::int32_t row) {
     const std::int16_t before = topIndex_;
     const std::int32_t most = std::max(0, listCount() - designRows_);
     topIndex_ = narrow(std::clamp(row, 0, most));
-    if (topIndex_ != before) {
+    if (topIndex_ != before)
         changed(Change::Scroll);
-    }
 }
 
 void ListBox::ensureVisible(std::int32_t row) {
-    if (!has(row)) {
+    if (!has(row))
         return;
-    }
-    if (row < topIndex_) {
+    if (row < topIndex_)
         setTopIndex(row);
-    } else if (row >= topIndex_ + designRows_) {
+    else if (row >= topIndex_ + designRows_)
         setTopIndex(row - designRows_ + 1);
-    }
 }
 
 void ListBox::setDesignRows(std::int16_t rows) {
-    if (rows < 1 || (rows == designRows_ && designHeight_ == height())) {
+    if (rows < 1 || (rows == designRows_ && designHeight_ == height()))
         return;
-    }
     designRows_ = rows;
     designHeight_ = height();
     clampTop();
@@ -130,24 +114,21 @@ Twips ListBox::rowHeight() const noexcept {
 }
 
 void ListBox::raiseClick() {
-    if (events() != nullptr) {
+    if (events() != nullptr)
         raiseEvent(events()->Click);
-    }
 }
 
 void ListBox::extendTo(std::int32_t row, bool keepOthers) {
-    if (anchor_ < 0) {
+    if (anchor_ < 0)
         anchor_ = narrow(listIndex_ >= 0 ? listIndex_ : row);
-    }
     const std::int32_t first = std::min<std::int32_t>(anchor_, row);
     const std::int32_t last = std::max<std::int32_t>(anchor_, row);
     if (!keepOthers) {
         markOnly(first, last);
         return;
     }
-    for (std::int32_t i = first; i <= last; ++i) {
+    for (std::int32_t i = first; i <= last; ++i)
         mark(i, true);
-    }
 }
 
 // A drag that began with Ctrl gives each row it covers the state of the pressed one, and each row
@@ -160,9 +141,8 @@ void ListBox::dragTo(std::int32_t row) {
     const bool state = selected(anchor_);
     const std::int32_t first = std::min<std::int32_t>(anchor_, row);
     const std::int32_t last = std::max<std::int32_t>(anchor_, row);
-    for (std::int32_t i = 0; i < listCount(); ++i) {
+    for (std::int32_t i = 0; i < listCount(); ++i)
         mark(i, i >= first && i <= last ? state : beforeDrag_[static_cast<std::size_t>(i)]);
-    }
 }
 
 // The end of every choice by the user.
@@ -174,9 +154,8 @@ void ListBox::chosen(std::int32_t row) {
 }
 
 void ListBox::userClicked(std::int32_t row, std::int16_t shift, bool dragging) {
-    if (!isLive() || !has(row) || (dragging && row == listIndex_)) {
+    if (!isLive() || !has(row) || (dragging && row == listIndex_))
         return;
-    }
     const bool ctrl = (shift & ctrlMask) != 0;
     if (!multiSelect_) {
         markOnly(row, row);
@@ -191,9 +170,8 @@ void ListBox::userClicked(std::int32_t row, std::int16_t shift, bool dragging) {
         if (ctrl) {
             mark(row, !selected(row));
             beforeDrag_.reserve(rows_.size());
-            for (const Row &one : rows_) {
+            for (const Row &one : rows_)
                 beforeDrag_.push_back(one.selected);
-            }
         } else {
             markOnly(row, row);
         }
@@ -202,15 +180,13 @@ void ListBox::userClicked(std::int32_t row, std::int16_t shift, bool dragging) {
 }
 
 void ListBox::userRightClicked(std::int32_t row) {
-    if (!selected(row)) {
+    if (!selected(row))
         userClicked(row, 0, false);
-    }
 }
 
 void ListBox::userMoved(std::int32_t row, std::int16_t shift) {
-    if (!isLive() || rows_.empty()) {
+    if (!isLive() || rows_.empty())
         return;
-    }
     row = std::clamp<std::int32_t>(row, 0, listCount() - 1);
     beforeDrag_.clear();
     if (multiSelect_ && (shift & shiftMask) != 0) {
@@ -229,18 +205,15 @@ void ListBox::userMoved(std::int32_t row, std::int16_t shift) {
 
 void ListBox::userDoubleClicked(std::int32_t row) {
     const bool wanted = has(row) || rows_.empty();
-    if (row != listIndex_) {
+    if (row != listIndex_)
         userClicked(row, 0, false);
-    }
-    if (isLive() && wanted && events() != nullptr) {
+    if (isLive() && wanted && events() != nullptr)
         raiseEvent(events()->DblClick);
-    }
 }
 
 void ListBox::userScrolled(std::int32_t topRow) {
-    if (isLive()) {
+    if (isLive())
         setTopIndex(topRow);
-    }
 }
 
 } // namespace velmora::forms

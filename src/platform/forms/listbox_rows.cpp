@@ -13,61 +13,50 @@ const std::u16string &ListBox::list(std::int32_t row) const noexcept {
 }
 
 void ListBox::setList(std::int32_t row, std::u16string_view text) {
-    if (!has(row)) {
+    if (!has(row))
         raise(ErrorNumber::InvalidCall);
-    }
     Row &held = at(row);
-    if (*held.text == text) {
+    if (*held.text == text)
         return;
-    }
     auto fresh = std::make_unique<std::u16string>(text);
     forget(*held.text);
     held.text = std::move(fresh);
-    if (index_) {
+    if (index_)
         index_->insert(held.text.get());
-    }
     changed(Change::Rows);
 }
 
 void ListBox::addItem(std::u16string_view text) { addItem(text, listCount()); }
 
 void ListBox::addItem(std::u16string_view text, std::int32_t row) {
-    if (row < 0 || row > listCount()) {
+    if (row < 0 || row > listCount())
         raise(ErrorNumber::InvalidCall);
-    }
-    if (listCount() == mostRows) {
+    if (listCount() == mostRows)
         raise(ErrorNumber::Overflow);
-    }
     rows_.insert(rows_.begin() + row, Row{std::make_unique<std::u16string>(text)});
-    if (index_) {
+    if (index_)
         index_->insert(at(row).text.get());
-    }
     beforeDrag_.clear();
-    if (listIndex_ >= row) {
+    if (listIndex_ >= row)
         ++listIndex_;
-    }
-    if (anchor_ >= row) {
+    if (anchor_ >= row)
         ++anchor_;
-    }
     changed(Change::Rows);
 }
 
 void ListBox::removeItem(std::int32_t row) {
-    if (!has(row)) {
+    if (!has(row))
         raise(ErrorNumber::InvalidCall);
-    }
     mark(row, false);
     forget(*at(row).text);
     rows_.erase(rows_.begin() + row);
     beforeDrag_.clear();
-    if (listIndex_ > row) {
+    if (listIndex_ > row)
         --listIndex_;
-    } else if (listIndex_ >= listCount()) {
+    else if (listIndex_ >= listCount())
         listIndex_ = -1;
-    }
-    if (anchor_ > row || anchor_ >= listCount()) {
+    if (anchor_ > row || anchor_ >= listCount())
         --anchor_;
-    }
     clampTop();
     changed(Change::Rows);
 }
@@ -78,9 +67,8 @@ void ListBox::clear() {
     selCount_ = 0;
     topIndex_ = 0;
     beforeDrag_.clear();
-    if (rows_.empty()) {
+    if (rows_.empty())
         return;
-    }
     index_.reset();
     rows_.clear();
     changed(Change::Rows);
@@ -97,22 +85,19 @@ bool ListBox::contains(std::u16string_view text) const {
     if (!index_) {
         index_.emplace();
         index_->reserve(rows_.size());
-        for (const Row &row : rows_) {
+        for (const Row &row : rows_)
             index_->insert(row.text.get());
-        }
     }
     return index_->contains(text);
 }
 
 // Of equal texts it is this very one that leaves the index.
 void ListBox::forget(const std::u16string &text) noexcept {
-    if (!index_) {
+    if (!index_)
         return;
-    }
     auto place = index_->find(&text); // equal ones stand side by side
-    while (*place != &text) {
+    while (*place != &text)
         ++place;
-    }
     index_->erase(place);
 }
 

@@ -12,26 +12,22 @@ Menu::Menu(Menu &parent, const char *name) : Control(parent.form(), name), paren
 }
 
 Menu::~Menu() {
-    if (parent_ != nullptr) {
+    if (parent_ != nullptr)
         std::erase(parent_->entries_, this);
-    }
-    for (Menu *entry : entries_) {
+    for (Menu *entry : entries_)
         entry->parent_ = nullptr;
-    }
 }
 
 void Menu::setCaption(std::u16string_view caption) {
-    if (caption_ == caption) {
+    if (caption_ == caption)
         return;
-    }
     caption_ = caption;
     changed(Change::Look);
 }
 
 void Menu::choose() {
-    if (enabled() && visible() && !separator_ && events() != nullptr) {
+    if (enabled() && visible() && !separator_ && events() != nullptr)
         raiseEvent(events()->Click);
-    }
 }
 
 } // namespace velmora::forms

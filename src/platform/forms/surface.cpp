@@ -48,9 +48,8 @@ template <typename Put> void eachPixel(const Axis &across, const Axis &down, con
                                        const Surface &source, Put &&put) {
     for (int v = down.firstStep(); v < down.endStep(target.height()); ++v) {
         const int sourceY = down.sourceOf(v);
-        for (int u = across.firstStep(); u < across.endStep(target.width()); ++u) {
+        for (int u = across.firstStep(); u < across.endStep(target.width()); ++u)
             put(across.first + u, down.first + v, source.pixel(across.sourceOf(u), sourceY));
-        }
     }
 }
 
@@ -92,9 +91,8 @@ bool BitBlt(DeviceContext &target, int x, int y, int width, int height, const De
 bool StretchBlt(DeviceContext &target, int x, int y, int width, int height,
                 const DeviceContext &source, int sourceX, int sourceY, int sourceWidth,
                 int sourceHeight, std::uint32_t operation) {
-    if (!ready(target, source) || operation != SRCCOPY) {
+    if (!ready(target, source) || operation != SRCCOPY)
         return false;
-    }
     Surface &into = *target.selected;
     eachPixel({x, width, sourceX, sourceWidth}, {y, height, sourceY, sourceHeight}, into,
               *source.selected,
@@ -106,9 +104,8 @@ bool AlphaBlend(DeviceContext &target, int x, int y, int width, int height,
                 const DeviceContext &source, int sourceX, int sourceY,
                 const BlendFunction &function) {
     if (!ready(target, source) || function.operation != 0 || function.flags != 0 ||
-        function.alphaFormat != 0) {
+        function.alphaFormat != 0)
         return false;
-    }
     Surface &into = *target.selected;
     const std::uint32_t alpha = function.sourceConstantAlpha;
     eachPixel({x, width, sourceX, width}, {y, height, sourceY, height}, into, *source.selected,

@@ -29,9 +29,8 @@ public:
     // Outside the surface: black, and writing does nothing.
     Pixel pixel(int x, int y) const noexcept { return has(x, y) ? pixels_[at(x, y)] : black; }
     void setPixel(int x, int y, Pixel pixel) noexcept {
-        if (has(x, y)) {
+        if (has(x, y))
             pixels_[at(x, y)] = pixel;
-        }
     }
 
     // For views: `width` times `height` pixels.

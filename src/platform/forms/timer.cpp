@@ -15,17 +15,15 @@ Timer::Timer(Container &container, const char *name) : Control(container, name) 
 Timer::~Timer() { form().host().timers().forget(*this); }
 
 void Timer::setInterval(std::int32_t intervalMs) {
-    if (intervalMs_ == intervalMs) {
+    if (intervalMs_ == intervalMs)
         return;
-    }
     intervalMs_ = intervalMs;
     schedule();
 }
 
 void Timer::setRunning(bool running) {
-    if (running_ == running) {
+    if (running_ == running)
         return;
-    }
     running_ = running;
     schedule();
 }
@@ -33,9 +31,8 @@ void Timer::setRunning(bool running) {
 void Timer::schedule() {
     TimerQueue &queue = form().host().timers();
     queue.remove(*this);
-    if (running_ && intervalMs_ > 0) {
+    if (running_ && intervalMs_ > 0)
         queue.add(*this);
-    }
 }
 
 TimerQueue::TimerQueue(Clock clock) : clock_(std::move(clock)) {}
@@ -53,9 +50,8 @@ void TimerQueue::add(Timer &timer) {
     timer.enabledAs_ = ++order_;
     timer.dueMs_ = nextOnGrid(clock_(), timer.intervalMs_);
     timers_.push_back(&timer); // ascending order of enabling
-    if (onEarlier) {
+    if (onEarlier)
         onEarlier();
-    }
 }
 
 void TimerQueue::remove(Timer &timer) {
@@ -65,20 +61,16 @@ void TimerQueue::remove(Timer &timer) {
 
 void TimerQueue::forget(Timer &timer) {
     remove(timer);
-    for (Running *one = running_; one != nullptr; one = one->outer) {
-        if (one->timer == &timer) {
+    for (Running *one = running_; one != nullptr; one = one->outer)
+        if (one->timer == &timer)
             one->timer = nullptr;
-        }
-    }
 }
 
 std::optional<std::int64_t> TimerQueue::nextDueMs() const {
     std::optional<std::int64_t> earliest;
-    for (const Timer *timer : timers_) {
-        if (!timer->inHandler_ && (!earliest || timer->dueMs_ < *earliest)) {
+    for (const Timer *timer : timers_)
+        if (!timer->inHandler_ && (!earliest || timer->dueMs_ < *earliest))
             earliest = timer->dueMs_;
-        }
-    }
     return earliest;
 }
 
@@ -88,9 +80,8 @@ std::optional<std::int64_t> TimerQueue::nextWakeMs() const {
     std::optional<std::int64_t> latest;
     for (const Timer *timer : timers_) {
         const std::int64_t wakeBy = timer->dueMs_ + (timer->intervalMs_ >= patientMs ? slackMs : 0);
-        if (!timer->inHandler_ && (!latest || wakeBy < *latest)) {
+        if (!timer->inHandler_ && (!latest || wakeBy < *latest))
             latest = wakeBy;
-        }
     }
     return latest;
 }
@@ -109,9 +100,8 @@ void TimerQueue::collectDue() {
     for (Timer *timer : timers_) {
         if (timer->dueMs_ <= now && !timer->inHandler_) {
             timer->dueMs_ = nextOnGrid(now, timer->intervalMs_);
-            if (std::find(waiting_.begin(), waiting_.end(), timer) == waiting_.end()) {
+            if (std::find(waiting_.begin(), waiting_.end(), timer) == waiting_.end())
                 waiting_.push_back(timer);
-            }
         }
     }
 }
@@ -128,17 +118,14 @@ void TimerQueue::run(Timer &timer) {
         ~Leave() { queue.running_ = running.outer; }
     } leave{*this, running};
     raiseEvent(timer.onTimer);
-    if (running.timer == nullptr) {
+    if (running.timer == nullptr)
         return;
-    }
     timer.inHandler_ = false;
     const std::int64_t now = clock_();
-    if (timer.dueMs_ <= now) {
+    if (timer.dueMs_ <= now)
         timer.dueMs_ = nextOnGrid(now, timer.intervalMs_);
-    }
-    if (onEarlier) {
+    if (onEarlier)
         onEarlier();
-    }
 }
 
 } // namespace velmora::forms

@@ -12,50 +12,42 @@ double UserControl::scale() const noexcept {
 }
 
 void UserControl::mouseDown(const MouseEvent &event) {
-    if (events() != nullptr) {
+    if (events() != nullptr)
         raiseEvent(events()->MouseDown, event);
-    }
 }
 
 void UserControl::mouseMove(const MouseEvent &event) {
-    if (events() != nullptr) {
+    if (events() != nullptr)
         raiseEvent(events()->MouseMove, event);
-    }
 }
 
 void UserControl::mouseUp(const MouseEvent &event) {
-    if (events() != nullptr) {
+    if (events() != nullptr)
         raiseEvent(events()->MouseUp, event);
-    }
 }
 
 void UserControl::click() {
-    if (events() != nullptr) {
+    if (events() != nullptr)
         raiseEvent(events()->Click);
-    }
 }
 
 void UserControl::keyDown(KeyEvent &event) {
-    if (events() != nullptr) {
+    if (events() != nullptr)
         raiseEvent(events()->KeyDown, event);
-    }
 }
 
 void UserControl::move(const RectTwips &place) {
     const RectTwips before = this->place();
     Control::move(place);
-    if (before.width != width() || before.height != height()) {
+    if (before.width != width() || before.height != height())
         resized();
-    }
 }
 
 bool UserControl::looksEnabled() const noexcept {
     for (const Control *control = this; control != nullptr;
-         control = control->container().asControl()) {
-        if (!control->enabled()) {
+         control = control->container().asControl())
+        if (!control->enabled())
             return false;
-        }
-    }
     return true;
 }
 

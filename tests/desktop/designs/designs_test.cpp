@@ -176,21 +176,23 @@ TEST_F(Designs, EnglishTextsAQuarterLongerStillHaveRoom) {
     app.setControl().Language_Index = 1;
     app.Language_Set().apply_Language();
     for (forms::Form *form : allForms()) {
-        eachControl(*form, [&](Control &control) {
-            if (fixed.contains(control.name()))
-                return;
-            if (auto *label = dynamic_cast<Label *>(&control))
-                label->setCaption(lengthened(label->caption()));
-            if (auto *frame = dynamic_cast<forms::Frame *>(&control))
-                frame->setCaption(lengthened(frame->caption()));
-            if (auto *box = dynamic_cast<forms::CheckBox *>(&control))
-                box->setCaption(lengthened(box->caption()));
-            if (auto *option = dynamic_cast<forms::OptionButton *>(&control))
-                option->setCaption(lengthened(option->caption()));
-            if (auto *button = dynamic_cast<zkButton *>(&control))
-                button->setCaption(lengthened(button->caption()));
-            EXPECT_LE(lacking(control), 0) << form->name() << '.' << control.name();
-        });
+        eachControl(
+            *form,
+            [&](Control &control) {
+                if (fixed.contains(control.name()))
+                    return;
+                if (auto *label = dynamic_cast<Label *>(&control))
+                    label->setCaption(lengthened(label->caption()));
+                if (auto *frame = dynamic_cast<forms::Frame *>(&control))
+                    frame->setCaption(lengthened(frame->caption()));
+                if (auto *box = dynamic_cast<forms::CheckBox *>(&control))
+                    box->setCaption(lengthened(box->caption()));
+                if (auto *option = dynamic_cast<forms::OptionButton *>(&control))
+                    option->setCaption(lengthened(option->caption()));
+                if (auto *button = dynamic_cast<zkButton *>(&control))
+                    button->setCaption(lengthened(button->caption()));
+                EXPECT_LE(lacking(control), 0) << form->name() << '.' << control.name();
+            });
     }
 }
 
@@ -203,11 +205,13 @@ TEST_F(Designs, TipsAndMenuEntriesAreShortLines) {
         app.setControl().Language_Index = language;
         app.Language_Set().apply_Language();
         for (forms::Form *form : allForms())
-            eachControl(*form, [&](Control &control) {
-                EXPECT_LE(widthOf(control.toolTip(), font), longestTip)
-                    << languages[language] << ' ' << form->name() << '.' << control.name();
-                EXPECT_FALSE(contains(control.toolTip(), u"\n")) << control.name();
-            });
+            eachControl(
+                *form,
+                [&](Control &control) {
+                    EXPECT_LE(widthOf(control.toolTip(), font), longestTip)
+                        << languages[language] << ' ' << form->name() << '.' << control.name();
+                    EXPECT_FALSE(contains(control.toolTip(), u"\n")) << control.name();
+                });
         eachControl(app.MenuForm(), [&](Control &control) {
             if (const auto *entry = dynamic_cast<const forms::Menu *>(&control)) {
                 EXPECT_LE(widthOf(entry->caption(), font), longestEntry)
@@ -258,16 +262,19 @@ TEST_F(Designs, LabelsDoNotLieOverOneAnother) {
 
 TEST_F(Designs, LabelsAreAsHighAsALineOfTheirFont) {
     for (forms::Form *form : allForms())
-        eachControl(*form, [&](Control &control) {
-            if (control.kind() != Kind::Label)
-                return;
-            const auto &label = static_cast<const Label &>(control);
-            if (label.wordWrap() || label.caption().empty())
-                return;
-            const double line =
-                static_cast<double>(fonts.extent(u"Xyz", label.font()).height / twipsPerPixel);
-            EXPECT_GE(pixels(label.height()) + 0.01, line) << form->name() << '.' << label.name();
-        });
+        eachControl(
+            *form,
+            [&](Control &control) {
+                if (control.kind() != Kind::Label)
+                    return;
+                const auto &label = static_cast<const Label &>(control);
+                if (label.wordWrap() || label.caption().empty())
+                    return;
+                const double line =
+                    static_cast<double>(fonts.extent(u"Xyz", label.font()).height / twipsPerPixel);
+                EXPECT_GE(pixels(label.height()) + 0.01, line)
+                    << form->name() << '.' << label.name();
+            });
 }
 
 TEST_F(Designs, TitleRowsAreAlikeBeforeAndAfterTheHandOut) {

@@ -112,8 +112,10 @@ bool keepBoxes(platform::QtWindowSystem &windows, Velmora &app, const QString &f
     good &= boxes.keep("list_menu", menu(app.MenuForm().playlist_Menu));
     platform::OPENFILENAME file;
     file.title = u"Velmora 2011";
-    good &= boxes.keep("open", [&] { dialogs->GetOpenFileNameA(file); });
-    good &= boxes.keep("save", [&] { dialogs->GetSaveFileNameA(file); });
+    good &= boxes.keep(
+        "open", [&] { dialogs->GetOpenFileNameA(file); });
+    good &= boxes.keep(
+        "save", [&] { dialogs->GetSaveFileNameA(file); });
     good &= boxes.keep("folder", [&] { dialogs->SHBrowseForFolderA({}); });
     platform::CHOOSECOLOR colour;
     good &= boxes.keep("colour", [&] { dialogs->ChooseColorA(colour); });

@@ -147,10 +147,9 @@ int main(int count, char **values) {
         if (reader.call(bus, bus.bus, QStringLiteral("GetConnectionUnixProcessID"), {program.bus})
                 .toUInt() != process)
             continue;
-        for (const Reference &window : reader.children(program)) {
+        for (const Reference &window : reader.children(program))
             if (wanted.isEmpty() || reader.place(window) == wanted)
                 windows.append(reader.describe(window));
-        }
     }
     std::fputs(QJsonDocument(windows).toJson(QJsonDocument::Compact).constData(), stdout);
     return 0;

@@ -9,8 +9,9 @@ namespace {
 constexpr std::time_t now = 1000;
 
 std::optional<std::string> lineFor(std::string_view name, std::string_view data) {
-    return jarLine(partsOf("http://host/a/b"), name, data, now,
-                   [](const std::string &date) { return date == "later" ? 2000 : -1; });
+    return jarLine(
+        partsOf("http://host/a/b"), name, data, now,
+        [](const std::string &date) { return date == "later" ? 2000 : -1; });
 }
 
 std::string sent(const std::string &line, std::string_view address) {

@@ -314,9 +314,8 @@ TEST(PictureOpen, AFileNameMayHoldAnyBytes) {
         std::filesystem::copy_file(mediaFile("sound.aac"), folder / name);
         const auto device = silentOpener()->open({(folder / name).string(), "MPEGVideo", false, 0});
         EXPECT_TRUE(device) << testing::PrintToString(name);
-        if (device) {
+        if (device)
             EXPECT_NEAR(device->lengthMs(), 12'000, 50);
-        }
     }
     std::filesystem::remove_all(folder);
 }
@@ -357,9 +356,8 @@ TEST(PictureOpen, OneOpenerOpensOneMediumAfterTheOther) {
         for (const char *file : {"sound.m4a", "film.avi", "random.mp4", "film.mpg"}) {
             const auto device = opener->open({mediaFile(file), "MPEGVideo", false, 0});
             ASSERT_EQ(device != nullptr, std::string(file) != "random.mp4");
-            if (device) {
+            if (device)
                 ASSERT_TRUE(device->play());
-            }
         }
     }
 }
@@ -378,10 +376,9 @@ TEST(PictureOpen, TwoMediaMayBeOpenAtOnce) {
 TEST(PictureOpen, NothingIsWrittenToTheTerminal) {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    for (const char *file : {"film.avi", "damaged.avi", "damaged.mp4", "random.mp4", "text.mp4"}) {
+    for (const char *file : {"film.avi", "damaged.avi", "damaged.mp4", "random.mp4", "text.mp4"})
         if (const auto device = openSilently(file))
             playUpTo(*device, 100);
-    }
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }

@@ -25,8 +25,9 @@ Bytes joined(const std::vector<std::string> &names) {
 class JoinedFiles : public testing::Test {
 protected:
     std::unique_ptr<Reader> open(const Bytes &bytes, double bytesPerSecond = fastDisk) {
-        return openSoundFileReader(std::make_unique<LongFile>(bytes, 1, bytesPerSecond, now_),
-                                   libraries_.sndfile(), [this] { return now_; });
+        return openSoundFileReader(
+            std::make_unique<LongFile>(bytes, 1, bytesPerSecond, now_), libraries_.sndfile(),
+            [this] { return now_; });
     }
     // Where in its own file the next sound lies.
     static double placeHere(Reader &reader) {

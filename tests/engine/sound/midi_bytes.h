@@ -41,10 +41,9 @@ public:
 
 private:
     void length(std::uint32_t value) {
-        for (int shift = 21; shift > 0; shift -= 7) {
+        for (int shift = 21; shift > 0; shift -= 7)
             if (value >> shift != 0)
                 bytes_.push_back(static_cast<std::uint8_t>(0x80 | (value >> shift & 0x7F)));
-        }
         bytes_.push_back(static_cast<std::uint8_t>(value & 0x7F));
     }
     Bytes bytes_;

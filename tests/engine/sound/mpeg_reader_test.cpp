@@ -20,7 +20,8 @@ constexpr double fastDisk = 1e9;
 class MpegFile : public testing::Test {
 protected:
     std::unique_ptr<Reader> open(std::unique_ptr<ByteSource> source) {
-        return openMpegReader(std::move(source), libraries_.mpg123(), [this] { return now_; });
+        return openMpegReader(
+            std::move(source), libraries_.mpg123(), [this] { return now_; });
     }
     // The whole frames of a file, so often.
     std::unique_ptr<Reader> open(const char *name, std::int64_t times, double bytesPerSecond) {

@@ -185,10 +185,9 @@ TEST(Readers, AMissingLibraryLeavesItsKindUnplayableAndNoOther) {
 
 TEST(Readers, NothingIsWrittenToStandardError) {
     testing::internal::CaptureStderr();
-    for (const char *name : {"cbr.mp3", "vbr_bare.mp3", "chirp.ogg", "film.mp4", "sound.aac"}) {
+    for (const char *name : {"cbr.mp3", "vbr_bare.mp3", "chirp.ogg", "film.mp4", "sound.aac"})
         if (const auto reader = open(mediaFile(name)))
             decodeAll(*reader);
-    }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 

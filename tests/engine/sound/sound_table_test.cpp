@@ -341,14 +341,12 @@ void expectPlayed(const std::string &name, const OddSound &odd, const Measured &
     keep(name, found, expected, reason ? *reason : "");
     if (reason || std::max(found.decodedMs, found.referenceMs) < hearable)
         return;
-    if (found.isOurs) {
+    if (found.isOurs)
         EXPECT_NEAR(found.toldMs, found.decodedMs, 50) << name;
-    }
-    if (found.isOurs && expected > hearable) {
+    if (found.isOurs && expected > hearable)
         EXPECT_NEAR(found.toldMs, expected, 50) << name;
-    } else if (!found.isOurs) {
+    else if (!found.isOurs)
         EXPECT_TRUE(found.isPictured) << name;
-    }
 }
 
 std::vector<Form> formsToSpoil() {

@@ -20,10 +20,9 @@ void searchParts(const ByteSource &source) {
     isOnePiece(source);
     JoinedParts parts(source);
     std::int64_t steps = 0;
-    while (parts.searchOn()) {
+    while (parts.searchOn())
         if (++steps > source.size() + 1)
             std::abort();
-    }
     std::int64_t reached = -1;
     for (const std::int64_t start : parts.starts()) {
         if (start <= reached || (start >= source.size() && start != 0))
@@ -57,9 +56,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     }
     if (endBeforeTags(part) < 0 || endBeforeTags(part) > part.size())
         std::abort();
-    for (const auto samples : {flacSamplesPresent(part), oggSamplesPresent(part)}) {
+    for (const auto samples : {flacSamplesPresent(part), oggSamplesPresent(part)})
         if (samples && *samples < 0)
             std::abort();
-    }
     return 0;
 }

@@ -13,14 +13,17 @@ using std::chrono::milliseconds;
 constexpr milliseconds longTime{60000};
 
 TEST(WithinTime, GivesWhatTheWorkGives) {
-    EXPECT_EQ(withinTime(longTime, [] { return 42; }), 42);
+    EXPECT_EQ(withinTime(
+                  longTime, [] { return 42; }),
+              42);
     const auto pointer = withinTime(longTime, [] { return std::make_unique<int>(7); });
     ASSERT_TRUE(pointer);
     EXPECT_EQ(**pointer, 7);
 }
 
 TEST(WithinTime, RaisesWhatTheWorkRaises) {
-    EXPECT_THROW(withinTime(longTime, []() -> int { raise(ErrorNumber::PermissionDenied); }),
+    EXPECT_THROW(withinTime(
+                     longTime, []() -> int { raise(ErrorNumber::PermissionDenied); }),
                  RunTimeError);
 }
 
@@ -97,7 +100,8 @@ TEST(TimedHelper, DoesOneWorkAfterTheOtherOnTheSameThread) {
 
 TEST(TimedHelper, WhatTheWorkRaisesEndsNeitherTheHelperNorTheProgram) {
     TimedHelper helper;
-    EXPECT_THROW(helper.within(longTime, []() -> int { raise(ErrorNumber::PermissionDenied); }),
+    EXPECT_THROW(helper.within(
+                     longTime, []() -> int { raise(ErrorNumber::PermissionDenied); }),
                  RunTimeError);
     EXPECT_EQ(helper.within(longTime, [] { return 5; }), 5);
 }

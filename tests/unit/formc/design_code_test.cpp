@@ -12,17 +12,15 @@ namespace {
 
 Code codeOf(const std::string &text) {
     const Design design = parseDesign(text, {{{"text", 0x00F3EDE9U}}, {"play", "body"}});
-    for (const Fault &fault : design.faults) {
+    for (const Fault &fault : design.faults)
         ADD_FAILURE() << fault.line << ": " << fault.text;
-    }
     return writeCode(design, "playback");
 }
 
 std::string sourceOf(const std::string &kind, const std::string &properties) {
     std::string text = "form F\n    size 3000 3000\n" + kind + " c\n";
-    if (kind != "Timer" && kind != "Menu" && kind != "Line") {
+    if (kind != "Timer" && kind != "Menu" && kind != "Line")
         text += "    at 30 45\n    size 300 300\n";
-    }
     return codeOf(text + properties).source;
 }
 
@@ -62,9 +60,8 @@ TEST(DesignCode, TheFormIsSetUp) {
           "this->setGround(forms::Picture::body);", "this->setIcon(forms::Picture::play);",
           "this->setBackColor(0x112233);", "this->setShowInTaskbar(true);",
           "this->setUnmanaged(true);", "this->setStartCentred(true);",
-          "this->setMousePointer(forms::pointerHourglass);"}) {
+          "this->setMousePointer(forms::pointerHourglass);"})
         EXPECT_THAT(source, HasSubstr(line));
-    }
     // The middle is known only once the size is.
     EXPECT_LT(source.find("move("), source.find("setStartCentred"));
 }

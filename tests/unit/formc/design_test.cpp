@@ -24,9 +24,8 @@ Design read(const std::string &text) { return parseDesign(text, skin()); }
 // The faults as "line: text".
 std::vector<std::string> faults(const std::string &text) {
     std::vector<std::string> lines;
-    for (const Fault &fault : read(text).faults) {
+    for (const Fault &fault : read(text).faults)
         lines.push_back(std::to_string(fault.line) + ": " + fault.text);
-    }
     return lines;
 }
 
@@ -34,12 +33,10 @@ std::vector<std::string> faults(const std::string &text) {
 std::vector<std::string> faultsOf(const std::string &kind, const std::string &properties) {
     std::vector<std::string> lines;
     std::string text = "form F\n    size 3000 3000\n" + kind + " c\n";
-    if (kind != "Timer" && kind != "Menu" && kind != "Line") {
+    if (kind != "Timer" && kind != "Menu" && kind != "Line")
         text += "    at 0 0\n    size 300 300\n";
-    }
-    for (const Fault &fault : read(text + properties).faults) {
+    for (const Fault &fault : read(text + properties).faults)
         lines.push_back(fault.text);
-    }
     return lines;
 }
 
@@ -80,9 +77,8 @@ TEST(Design, AGoodOneHasNoFaults) { EXPECT_THAT(faults(good), IsEmpty()); }
 TEST(Design, HoldsControlsInTheOrderOfTheFile) {
     const Design design = read(good);
     std::vector<std::string> names;
-    for (const Thing *thing : design.all()) {
+    for (const Thing *thing : design.all())
         names.push_back(thing->name);
-    }
     EXPECT_THAT(names, ElementsAre("title", "waitAdd", "waitAdd_Title", "line", "Timer1", "menu",
                                    "entry", "deep"));
     EXPECT_EQ(design.form.name, "Main");
@@ -334,9 +330,8 @@ TEST(DesignFaults, AControlOutsideItsContainer) {
     };
     EXPECT_THAT(at("0 0"), IsEmpty());
     EXPECT_THAT(at("50 50"), IsEmpty());
-    for (const char *outside : {"51 0", "0 51", "-1 0", "0 -1", "150 150"}) {
+    for (const char *outside : {"51 0", "0 51", "-1 0", "0 -1", "150 150"})
         EXPECT_THAT(at(outside), ElementsAre("6: 'a' lies outside 'p'")) << outside;
-    }
 }
 
 TEST(DesignFaults, ALineOutsideItsContainer) {
@@ -358,19 +353,16 @@ TEST(Design, HostileTextNeitherCrashesNorHangs) {
     for (const std::string &text :
          {std::string(10'000, ' '), std::string(10'000, '"'),
           std::string("form F\n") + std::string(5'000, '\n') + "x", std::string("form F\0x\n", 9),
-          std::string("form ") + std::string(100'000, 'a')}) {
+          std::string("form ") + std::string(100'000, 'a')})
         EXPECT_FALSE(read(text).faults.empty());
-    }
 }
 
 TEST(DesignRows, EveryPropertyHasOneRowForEachKind) {
     for (const KindRow &kind : kindRows()) {
         std::set<std::string_view> words;
-        for (const PropertyRow &row : propertyRows()) {
-            if ((row.kinds & kind.bit) != 0) {
+        for (const PropertyRow &row : propertyRows())
+            if ((row.kinds & kind.bit) != 0)
                 EXPECT_TRUE(words.insert(row.word).second) << kind.word << ' ' << row.word;
-            }
-        }
     }
 }
 

@@ -18,11 +18,9 @@ const std::filesystem::path root = VELMORA_SOURCE_DIR;
 
 std::vector<std::filesystem::path> designs() {
     std::vector<std::filesystem::path> paths;
-    for (const auto &entry : std::filesystem::recursive_directory_iterator(root / "src")) {
-        if (entry.path().extension() == ".form") {
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(root / "src"))
+        if (entry.path().extension() == ".form")
             paths.push_back(entry.path());
-        }
-    }
     std::sort(paths.begin(), paths.end());
     return paths;
 }
@@ -90,33 +88,29 @@ TEST(Designs, AreFound) { EXPECT_GE(designs().size(), 17U); }
 
 TEST_P(EveryDesign, HasNoFault) {
     const Design design = load(GetParam());
-    for (const Fault &fault : design.faults) {
+    for (const Fault &fault : design.faults)
         ADD_FAILURE() << GetParam().string() << ':' << fault.line << ": " << fault.text;
-    }
     EXPECT_EQ(design.form.name, GetParam().stem().string());
 }
 
 TEST_P(EveryDesign, KeepsItsLabelsApart) {
     const Design design = load(GetParam());
-    if (design.faults.empty()) {
+    if (design.faults.empty())
         expectLabelsApart(design.form);
-    }
 }
 
 TEST_P(EveryDesign, LetsTheKeysReachItsLists) {
     const Design design = load(GetParam());
-    if (design.faults.empty()) {
+    if (design.faults.empty())
         expectNothingOverFocus(design.form);
-    }
 }
 
 TEST_P(EveryDesign, BecomesCode) {
     const Design design = load(GetParam());
     if (design.faults.empty()) {
         const Code code = writeCode(design, "x");
-        for (const Thing *thing : design.all()) {
+        for (const Thing *thing : design.all())
             EXPECT_NE(code.header.find(' ' + thing->name + '{'), std::string::npos) << thing->name;
-        }
     }
 }
 

@@ -99,9 +99,8 @@ TEST_F(ControlTest, EachChangeIsToldByItsKind) {
     image.setMouseIcon(MouseIcon::Hand);
     image.zOrder(1);
     std::vector<Change> changes;
-    for (const auto &told : window.told) {
+    for (const auto &told : window.told)
         changes.push_back(*told.change);
-    }
     EXPECT_THAT(changes, ElementsAre(Change::Visible, Change::Enabled, Change::ToolTip,
                                      Change::Pointer, Change::Pointer, Change::Order));
 }

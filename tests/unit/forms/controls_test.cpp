@@ -87,9 +87,8 @@ TEST_F(LabelTest, EachLookIsToldOnce) {
     label.setWordWrap(true);
     label.setRim(true);
     EXPECT_THAT(window.told, SizeIs(8));
-    for (const auto &told : window.told) {
+    for (const auto &told : window.told)
         EXPECT_EQ(told.change, Change::Look);
-    }
 }
 
 using OptionTest = FormFixture;
@@ -154,9 +153,8 @@ TEST_F(CheckTest, EachLookIsToldOnceAndNoneThatStays) {
         option.setFont(Font(u"Arial", 20));
     }
     EXPECT_THAT(window.told, SizeIs(6));
-    for (const auto &told : window.told) {
+    for (const auto &told : window.told)
         EXPECT_EQ(told.change, Change::Look);
-    }
 }
 
 TEST_F(CheckTest, TheUserTogglesBetween0And1AndRaisesClick) {

@@ -13,9 +13,8 @@ DeviceContext row(std::initializer_list<std::uint32_t> pixels) {
     DeviceContext context;
     SelectObject(context, CreateCompatibleBitmap(static_cast<int>(pixels.size()), 1));
     int x = 0;
-    for (const std::uint32_t pixel : pixels) {
+    for (const std::uint32_t pixel : pixels)
         context.selected->setPixel(x++, 0, 0xFF000000U | pixel);
-    }
     return context;
 }
 
@@ -23,9 +22,8 @@ std::string text(const DeviceContext &context) {
     std::string result;
     for (int y = 0; y < context.selected->height(); ++y) {
         result += y == 0 ? "" : "/";
-        for (int x = 0; x < context.selected->width(); ++x) {
+        for (int x = 0; x < context.selected->width(); ++x)
             result += static_cast<char>('0' + (context.selected->pixel(x, y) & 0xFFU));
-        }
     }
     return result;
 }
@@ -152,9 +150,8 @@ TEST(Drawing, BlendsByTheConstantAlpha) {
 TEST(Drawing, BlendingOverAndOverComesToTheSource) {
     DeviceContext target = row({0x00102030});
     const DeviceContext source = row({0x00F0E0D0});
-    for (int i = 0; i < 60; ++i) {
+    for (int i = 0; i < 60; ++i)
         AlphaBlend(target, 0, 0, 1, 1, source, 0, 0, alpha(30));
-    }
     for (const unsigned shift : {0U, 8U, 16U}) {
         const int reached = static_cast<int>(target.selected->pixel(0, 0) >> shift & 0xFFU);
         const int wanted = static_cast<int>(source.selected->pixel(0, 0) >> shift & 0xFFU);

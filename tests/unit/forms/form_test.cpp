@@ -12,11 +12,9 @@ class FormTest : public FormFixture {
 protected:
     static std::vector<FormChange> changesOf(const fakes::FakeFormWindow &window) {
         std::vector<FormChange> changes;
-        for (const auto &told : window.told) {
-            if (told.formChange) {
+        for (const auto &told : window.told)
+            if (told.formChange)
                 changes.push_back(*told.formChange);
-            }
-        }
         return changes;
     }
 };

@@ -14,17 +14,15 @@ protected:
     ListBox list{form, "list"};
 
     void fill(int rows) {
-        for (int row = 0; row < rows; ++row) {
+        for (int row = 0; row < rows; ++row)
             list.addItem(u"row " + decimalText(row));
-        }
     }
     static std::u16string decimalText(int number) { return fromAscii(std::to_string(number)); }
 
     std::vector<std::u16string> rows() const {
         std::vector<std::u16string> texts;
-        for (int row = 0; row < list.listCount(); ++row) {
+        for (int row = 0; row < list.listCount(); ++row)
             texts.push_back(list.list(row));
-        }
         return texts;
     }
 };
@@ -57,9 +55,8 @@ TEST_F(ListRowsTest, WritingAndRemovingOutOfRangeRaise) {
 }
 
 TEST_F(ListRowsTest, OneRowMoreThan32767RaisesOverflowAndAddsNothing) {
-    for (int row = 0; row < 32'767; ++row) {
+    for (int row = 0; row < 32'767; ++row)
         list.addItem(u"x");
-    }
     EXPECT_EQ(errorOf([&] { list.addItem(u"one too many"); }), overflow);
     EXPECT_EQ(errorOf([&] { list.addItem(u"one too many", 0); }), overflow);
     EXPECT_EQ(list.listCount(), 32'767);
@@ -89,17 +86,15 @@ TEST_F(ListRowsTest, ChangesOfRowsAreToldAndUnchangedTextsAreNot) {
     list.removeItem(0);
     list.clear();
     ASSERT_THAT(window.told, SizeIs(3));
-    for (const auto &told : window.told) {
+    for (const auto &told : window.told)
         EXPECT_EQ(told.change, Change::Rows);
-    }
 }
 
 TEST_F(ListRowsTest, ATextHandedOutStaysWhileRowsComeAndGo) {
     list.addItem(u"kept");
     const std::u16string &text = list.list(0);
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < 1000; ++i)
         list.addItem(u"before", 0);
-    }
     EXPECT_EQ(&text, &list.list(1000));
     EXPECT_EQ(text, u"kept");
 }
@@ -115,9 +110,8 @@ TEST_F(ListRowsTest, FindIsExact) {
 }
 
 TEST_F(ListRowsTest, FindGivesTheLowestOfEqualRows) {
-    for (const char16_t *text : {u"x", u"same", u"y", u"same", u"same"}) {
+    for (const char16_t *text : {u"x", u"same", u"y", u"same", u"same"})
         list.addItem(text);
-    }
     EXPECT_EQ(list.find(u"same"), 1);
     list.removeItem(1);
     EXPECT_EQ(list.find(u"same"), 2);
@@ -169,25 +163,21 @@ TEST_F(ListRowsTest, ABigListIsFilledSearchedAndEmptiedInReasonableTime) {
     for (int row = 0; row < 32'000; ++row) {
         const std::u16string path =
             u"/home/someone/Music/a long folder name/" + decimalText(row) + u".mp3";
-        if (!list.contains(path)) {
+        if (!list.contains(path))
             list.addItem(path);
-        }
     }
-    for (int row = 0; row < 32'000; ++row) {
+    for (int row = 0; row < 32'000; ++row)
         ASSERT_TRUE(list.contains(list.list(row)));
-    }
-    while (list.listCount() > 0) {
+    while (list.listCount() > 0)
         list.removeItem(list.listCount() / 2);
-    }
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(90));
 }
 
 TEST_F(ListRowsTest, ManyEqualRowsAreNoTrap) {
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_FALSE(list.contains(u"builds the index"));
-    for (int row = 0; row < 32'000; ++row) {
+    for (int row = 0; row < 32'000; ++row)
         list.addItem(u"the same");
-    }
     while (list.listCount() > 0) {
         ASSERT_TRUE(list.contains(u"the same"));
         list.removeItem(list.listCount() - 1);
@@ -279,9 +269,8 @@ TEST_F(ListRowsTest, AShortListStaysAtItsTop) {
 TEST_F(ListRowsTest, TheTopRowIsHeldInRangeWhenRowsGo) {
     fill(40);
     list.setTopIndex(23);
-    for (int i = 0; i < 10; ++i) {
+    for (int i = 0; i < 10; ++i)
         list.removeItem(0);
-    }
     EXPECT_EQ(list.topIndex(), 13);
 }
 

@@ -11,19 +11,16 @@ protected:
     Log log;
 
     SelectionTest() {
-        for (const char16_t *text : {u"0", u"1", u"2", u"3", u"4", u"5", u"6", u"7"}) {
+        for (const char16_t *text : {u"0", u"1", u"2", u"3", u"4", u"5", u"6", u"7"})
             list.addItem(text);
-        }
         logEvents(list.on(), "list", log);
     }
 
     std::vector<int> chosen() const {
         std::vector<int> rows;
-        for (int row = 0; row < list.listCount(); ++row) {
-            if (list.selected(row)) {
+        for (int row = 0; row < list.listCount(); ++row)
+            if (list.selected(row))
                 rows.push_back(row);
-            }
-        }
         EXPECT_EQ(list.selCount(), static_cast<int>(rows.size()));
         return rows;
     }
@@ -98,9 +95,8 @@ TEST_F(SelectionTest, SelectingARowThatIsNotThereRaises) {
 
 TEST_F(SelectionTest, SelectingByCodeInAnExtendedListLeavesTheTopRow) {
     list.setMultiSelect(true);
-    for (int i = 0; i < 40; ++i) {
+    for (int i = 0; i < 40; ++i)
         list.addItem(u"more");
-    }
     list.setSelected(40, true);
     EXPECT_EQ(list.topIndex(), 0);
     list.setListIndex(41);
@@ -109,9 +105,8 @@ TEST_F(SelectionTest, SelectingByCodeInAnExtendedListLeavesTheTopRow) {
 
 TEST_F(SelectionTest, TheOneSelectedRowOfASimpleListComesIntoViewAheadOfItsClick) {
     list.setDesignRows(17);
-    for (int i = 0; i < 40; ++i) {
+    for (int i = 0; i < 40; ++i)
         list.addItem(u"more");
-    }
     std::int16_t topAtClick = 0;
     list.on().Click = [&] { topAtClick = list.topIndex(); };
     list.setSelected(40, true);
@@ -263,9 +258,8 @@ TEST_F(SelectionTest, ADragWithCtrlForgetsWhatItWouldGiveBackOnceRowsHaveMoved) 
     EXPECT_THAT(chosen(), ElementsAre(1, 2, 3));
     dragAfter([this] {
         list.clear();
-        for (int row = 0; row < 9; ++row) {
+        for (int row = 0; row < 9; ++row)
             list.addItem(u"other");
-        }
     });
     EXPECT_THAT(chosen(), testing::Not(testing::Contains(5)));
 }
@@ -348,9 +342,8 @@ TEST_F(SelectionTest, KeysInAnEmptyListDoNothing) {
 }
 
 TEST_F(SelectionTest, TheUsersChoiceComesIntoView) {
-    for (int i = 0; i < 40; ++i) {
+    for (int i = 0; i < 40; ++i)
         list.addItem(u"more");
-    }
     list.userMoved(30, 0);
     EXPECT_EQ(list.topIndex(), 14);
     list.userMoved(2, 0);

@@ -288,9 +288,8 @@ TEST_F(PointerTest, ListsAndTogglesRaiseNoClickFromHere) {
     list.move({0, 1500, 300, 300});
     check.move({300, 1500, 300, 300});
     option.move({600, 1500, 300, 300});
-    for (Control *control : std::vector<Control *>{&list, &check, &option}) {
+    for (Control *control : std::vector<Control *>{&list, &check, &option})
         logEvents(control->on(), control->name(), log);
-    }
     click(10, 1510);
     form.pointerDoubleClicked({10, 1510}, leftButton, 0);
     release(10, 1510);
@@ -352,7 +351,8 @@ TEST_F(PointerTest, AnyHandlerMayEndTheForm) {
         raw->move({0, 0, 1000, 1000});
         brief->text.move({0, 0, 300, 300});
         raw->show();
-        trap(brief->text.on(), [&] { brief.reset(); });
+        trap(
+            brief->text.on(), [&] { brief.reset(); });
         const std::vector<std::function<void()>> script = {
             [&] {
                 raw->pointerMoved({10, 10}, 0, 0);
@@ -368,11 +368,9 @@ TEST_F(PointerTest, AnyHandlerMayEndTheForm) {
             },
             [&] { raw->keyPressed(65, 0); },
         };
-        for (const auto &step : script) {
-            if (brief) {
+        for (const auto &step : script)
+            if (brief)
                 step();
-            }
-        }
         EXPECT_EQ(brief, nullptr);
     }
 }

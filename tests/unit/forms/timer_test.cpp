@@ -150,9 +150,8 @@ TEST_F(TimerTest, ANestedPumpGoesOnWithTheTicksThatWait) {
     const auto a = timer("a", 10);
     const auto b = timer("b", 10);
     const auto c = timer("c", 10);
-    for (const auto *one : {&a, &b, &c}) {
+    for (const auto *one : {&a, &b, &c})
         (*one)->setRunning(true);
-    }
     a->onTimer = [&] {
         log.emplace_back("a in");
         windows.DoEvents();

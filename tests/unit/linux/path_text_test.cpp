@@ -12,9 +12,8 @@ using namespace std::string_literals;
 TEST(PathBytes, areTheNamesOwnWhateverTheyHold) {
     for (const std::string &name :
          {"plain.mp3"s, "曲目 é😀.mp3"s, "\xD6\xD0.mp3"s, "a\nb\rc"s, "\xFF\xFE\x80"s,
-          "cut \xE6\x9B"s, "\xED\xA0\x80"s, "\xED\xB2\x80"s, "back\\slash"s, "tab\t"s, "%41 \""s}) {
+          "cut \xE6\x9B"s, "\xED\xA0\x80"s, "\xED\xB2\x80"s, "back\\slash"s, "tab\t"s, "%41 \""s})
         EXPECT_EQ(pathBytes(pathFromBytes(name)), name);
-    }
 }
 
 TEST(PathBytes, surviveEveryPairOfBytes) {

@@ -57,7 +57,9 @@ private:
 };
 
 TEST_F(PatientDiskTest, GivesTheAnswerOfADiskThatAnswers) {
-    EXPECT_EQ(disk.ask("/music/a", [] { return 5; }), 5);
+    EXPECT_EQ(disk.ask(
+                  "/music/a", [] { return 5; }),
+              5);
     EXPECT_EQ(disk.ask("/music/b", [] { return 6; }), 6);
     EXPECT_FALSE(disk.isSilent("/music/c"));
 }

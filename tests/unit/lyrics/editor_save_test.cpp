@@ -123,9 +123,8 @@ TEST_F(EditorSave, SavesTheLinesThatItWasAskedForThoughAnotherTrackBegins) {
                              });
         const std::u16string path =
             answer == MsgBoxResult::Yes ? u"/lrc/Song.Lrc" : u"/lrc/other.lrc";
-        if (answer == MsgBoxResult::No) {
+        if (answer == MsgBoxResult::No)
             fake.dialogs.expectSave(path);
-        }
         expectTold(u"已成功保存！", path, MsgBoxIcon::Information);
         press(keyS, forms::ctrlMask);
         EXPECT_EQ(files.contents(path), written);

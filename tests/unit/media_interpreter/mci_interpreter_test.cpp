@@ -49,9 +49,8 @@ protected:
 
     std::uint32_t errorOf(const std::u16string &command) {
         const MciAnswer answer = mci_->mciSendStringA(command, 80);
-        if (answer.error != 0) {
+        if (answer.error != 0)
             EXPECT_EQ(answer.text, u"");
-        }
         return answer.error;
     }
 
@@ -403,9 +402,8 @@ TEST_F(Interpreter, RandomWordsOfTheLanguageNeverBreakIt) {
         for (unsigned count = random() % 8; count > 0; --count)
             text += words[random() % words.size()] + u' ';
         const MciAnswer answer = mci_->mciSendStringA(text, static_cast<int>(random() % 10));
-        if (answer.error != 0) {
+        if (answer.error != 0)
             ASSERT_EQ(answer.text, u"");
-        }
     }
 }
 

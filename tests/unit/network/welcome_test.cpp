@@ -334,9 +334,8 @@ TEST_F(Welcome, HoldsItsFileWhileItReadsManyKeys) {
             isHeld = false;
         else
             outside += !isHeld;
-        if (startsWith(line, u"read Advertising") || startsWith(line, u"read databases")) {
+        if (startsWith(line, u"read Advertising") || startsWith(line, u"read databases"))
             EXPECT_TRUE(isHeld) << toUtf8(line);
-        }
     }
     EXPECT_FALSE(isHeld);
     EXPECT_EQ(outside, 3) << "the version twice, and whether an update is needed";

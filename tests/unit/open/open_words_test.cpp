@@ -70,18 +70,15 @@ TEST(OpenWords, AnAmountIsATimeOrAStep) {
     EXPECT_EQ(open_tool::readAmount("1:01:30")->number, 3690);
     EXPECT_EQ(open_tool::readAmount("-1:30")->number, -90);
     EXPECT_TRUE(open_tool::readAmount("+5")->isStep);
-    for (const char *wrong : {"", "-", "1:", ":1", "1:2:3:4", "nan", "inf", "1e3", "--1", "1 "}) {
+    for (const char *wrong : {"", "-", "1:", ":1", "1:2:3:4", "nan", "inf", "1e3", "--1", "1 "})
         EXPECT_FALSE(open_tool::readAmount(wrong)) << wrong;
-    }
 }
 
 TEST(OpenWords, EveryNameComesThroughAsItsOwnBytes) {
     std::string name = "/m/";
-    for (int byte = 1; byte < 256; ++byte) {
-        if (byte != '/') {
+    for (int byte = 1; byte < 256; ++byte)
+        if (byte != '/')
             name.push_back(static_cast<char>(byte));
-        }
-    }
     const auto address = open_tool::addressOf(name, "/elsewhere");
     ASSERT_TRUE(address);
     EXPECT_EQ(platform::localPath(*address, "here"), name);

@@ -117,9 +117,8 @@ TEST_F(CallOrder, PlayingARowCountsItAheadOfTheClose) {
 }
 
 TEST_F(CallOrder, ADeletionFromTheDiskClosesUnderThePanelAheadOfItsSelection) {
-    for (std::int32_t row = 0; row < 2; ++row) {
+    for (std::int32_t row = 0; row < 2; ++row)
         list().playList_Item.setSelected(row, false);
-    }
     sure();
     media.at(u"close ", [&] {
         EXPECT_TRUE(list().waitAdd.visible());

@@ -16,9 +16,8 @@ protected:
     lrcForm &form() { return app.lrcForm(); }
     void lines(std::initializer_list<const char16_t *> texts) {
         form().List1.clear();
-        for (const char16_t *text : texts) {
+        for (const char16_t *text : texts)
             form().List1.addItem(text);
-        }
     }
     // One tick at this position.
     std::u16string at(std::u16string_view ms) {
@@ -202,9 +201,8 @@ TEST_F(DesktopLine, RollsByItselfInEachWindow) {
     tickMain();
     tickMain();
     EXPECT_EQ(app.Main().lrc_Text.left(), -100);
-    for (forms::Label *label : {&app.miniForm().lrc_Text, &app.playInfo_Form().lrc_Text}) {
+    for (forms::Label *label : {&app.miniForm().lrc_Text, &app.playInfo_Form().lrc_Text})
         label->setLeft(700);
-    }
     app.miniForm().Timer1.onTimer();
     EXPECT_EQ(app.miniForm().lrc_Text.left(), -50);
     app.playInfo_Form().show();

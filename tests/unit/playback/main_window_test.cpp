@@ -303,15 +303,13 @@ TEST_F(MainWindow, EveryButtonAndBarCanBeDisabledAtOnce) {
         &main().search_Song_Internet,
     };
     main().meActiveControl_Enabled(false);
-    for (const forms::Control *control : controls) {
+    for (const forms::Control *control : controls)
         EXPECT_FALSE(control->enabled()) << control->name();
-    }
     EXPECT_TRUE(main().closeButton.enabled());
     EXPECT_TRUE(main().minimizeButton.enabled());
     main().meActiveControl_Enabled(true);
-    for (const forms::Control *control : controls) {
+    for (const forms::Control *control : controls)
         EXPECT_TRUE(control->enabled()) << control->name();
-    }
 }
 
 } // namespace

@@ -354,9 +354,8 @@ TEST_F(Mini, ComesBackAtOnceWithThePointerAtTheTopInItsColumns) {
             tick();
             EXPECT_EQ(mini().top(), 0) << from;
             std::vector<Twips> expected;
-            for (int step = 1; step <= steps; ++step) {
+            for (int step = 1; step <= steps; ++step)
                 expected.push_back(from + 100 * static_cast<Twips>(step));
-            }
             EXPECT_EQ(tops, expected) << "a step, then a sleep, from " << from;
         }
     }

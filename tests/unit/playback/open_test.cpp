@@ -27,9 +27,8 @@ TEST_F(Opening, SendsCloseOpenAndTimeFormatInThisOrder) {
 TEST_F(Opening, PassesNoBufferForCommandsWithoutAnAnswer) {
     addTrack(u"/music/a.mp3");
     app.player().open_File(u"/music/a.mp3");
-    for (const auto &command : media.commands()) {
+    for (const auto &command : media.commands())
         EXPECT_EQ(command.returnSize, 0) << toUtf8(command.text);
-    }
 }
 
 TEST_F(Opening, SendsTheShortPathAndKeepsTheLongOne) {

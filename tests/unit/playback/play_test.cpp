@@ -27,9 +27,8 @@ protected:
         bool playing = false;
         for (const auto &text : media.actions()) {
             playing = playing || text == u"play NOWMUSIC";
-            if (playing && startsWith(text, u"setaudio NOWMUSIC volume to ")) {
+            if (playing && startsWith(text, u"setaudio NOWMUSIC volume to "))
                 levels.push_back(leadingInt32(text.substr(28)));
-            }
         }
         return levels;
     }

@@ -77,9 +77,8 @@ TEST_F(RemoteCommands, ADisabledMainTakesNoneOfThem) {
     main().setEnabled(false);
     for (const RemoteCommand command :
          {RemoteCommand::Pause, RemoteCommand::PlayPause, RemoteCommand::Stop, RemoteCommand::Next,
-          RemoteCommand::Previous, RemoteCommand::Quit}) {
+          RemoteCommand::Previous, RemoteCommand::Quit})
         ask(command);
-    }
     player().seekBy(5000);
     player().seekTo(now().track, 5000);
     player().setVolume(0.5);
@@ -138,9 +137,8 @@ TEST_F(RemoteCommands, ManyAtOnceDoNotPileUpOneInsideTheOther) {
     int deep = 0;
     int deepest = 0;
     windows.onPump = [&] {
-        if (++asked > 50) {
+        if (++asked > 50)
             return;
-        }
         deepest = std::max(deepest, ++deep);
         ask(RemoteCommand::Next);
         --deep;

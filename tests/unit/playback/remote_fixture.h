@@ -40,20 +40,17 @@ protected:
     const platform::NowPlaying &now() { return remote.now(); }
     std::vector<platform::RemoteStatus> statuses() {
         std::vector<platform::RemoteStatus> all;
-        for (const platform::NowPlaying &one : remote.published) {
-            if (all.empty() || all.back() != one.status) {
+        for (const platform::NowPlaying &one : remote.published)
+            if (all.empty() || all.back() != one.status)
                 all.push_back(one.status);
-            }
-        }
         return all;
     }
     int tracksTold() {
         std::vector<std::u16string> all;
         for (const platform::NowPlaying &one : remote.published) {
             const std::u16string all_of_it = one.path + u"|" + one.title + u"|" + one.lyric;
-            if (all.empty() || all.back() != all_of_it) {
+            if (all.empty() || all.back() != all_of_it)
                 all.push_back(all_of_it);
-            }
         }
         return static_cast<int>(all.size());
     }

@@ -9,9 +9,8 @@ class RemoteOpen : public RemoteFixture {
 protected:
     Texts list() {
         Texts all;
-        for (std::int32_t row = 0; row < app.playList_Form().List1.listCount(); ++row) {
+        for (std::int32_t row = 0; row < app.playList_Form().List1.listCount(); ++row)
             all.push_back(app.playList_Form().List1.list(row));
-        }
         return all;
     }
 };

@@ -54,9 +54,8 @@ TEST_F(RemoteTells, FromOneTrackToTheNextItNeverStopsPlaying) {
     app.player().nowPlay_Index = 1;
     const std::uint32_t before = now().track;
     media.reachEnd();
-    for (int i = 0; i < 5; ++i) {
+    for (int i = 0; i < 5; ++i)
         tickMain();
-    }
     ASSERT_EQ(now().path, u"/m/b.mp3");
     EXPECT_NE(now().track, before);
     EXPECT_EQ(now().lengthMs, 90'000);

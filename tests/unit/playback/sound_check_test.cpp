@@ -14,9 +14,8 @@ protected:
     SoundCheck() { speak(1); }
     check_SoundDriver_Form &form() { return app.check_SoundDriver_Form(); }
     platform::WaveOutCaps &device() {
-        if (fake.waveOut.devices.empty()) {
+        if (fake.waveOut.devices.empty())
             fake.waveOut.addDevice(u"Card");
-        }
         return fake.waveOut.devices.front();
     }
     std::u16string press() {
@@ -186,9 +185,8 @@ TEST_F(SoundCheck, HeadingsFollowTheLanguageAndTheListsAreEnglishInEach) {
         EXPECT_EQ(all[8], u"");
         EXPECT_EQ(all[9], texts.msg_Extended_List);
         EXPECT_EQ(all[10], u"   Support Left-Right Channals");
-        if (language < 2) {
+        if (language < 2)
             EXPECT_EQ(all[6], headings[static_cast<std::size_t>(language)]);
-        }
     }
 }
 

@@ -24,9 +24,8 @@ protected:
     // The list file of the next start, and the file that was played last.
     void savedList(std::initializer_list<std::u16string_view> paths) {
         std::string bytes;
-        for (const auto path : paths) {
+        for (const auto path : paths)
             bytes += toUtf8(path) + "\r\n";
-        }
         files.addFile(listPath(), bytes);
     }
     static std::u16string listPath() {

@@ -60,9 +60,8 @@ TEST_F(StartingTwice, WhenRefusedLeavesToTheFirstWhatItIsFetching) {
 TEST_F(StartingTwice, WhenRefusedAddsNoTrayIconAndShowsNoMain) {
     fake.processes.executables = {programPath, programPath};
     expectRefusal();
-    for (const auto &call : windows.trayCalls) {
+    for (const auto &call : windows.trayCalls)
         EXPECT_NE(call.operation, platform::NIM_ADD);
-    }
     EXPECT_FALSE(app.Main().visible());
     EXPECT_EQ(media.texts(), Texts{u"close NOWMUSIC"});
 }
@@ -80,9 +79,8 @@ TEST_F(StartingTwice, StopsCountingAtTwo) {
     files.addFile(u"/bin/third");
     fake.processes.executables = {programPath, programPath, u"/bin/third"};
     expectRefusal();
-    for (const auto &path : fake.versions.asked) {
+    for (const auto &path : fake.versions.asked)
         EXPECT_NE(path, u"/bin/third");
-    }
 }
 
 TEST_F(StartingTwice, IsNotRefusedWhenTheServiceFails) {

@@ -30,9 +30,8 @@ TEST_F(Start, CountsTheRowThatItResumesThoughAnotherOneIsChosenInTheFade) {
     savedList({u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"});
     lastPlayed(u"/m/b.mp3");
     windows.onPump = [&] {
-        if (media.mode() == u"playing") {
+        if (media.mode() == u"playing")
             app.playList_Form().playList_Item.setSelected(2, true);
-        }
     };
     app.start();
     EXPECT_EQ(app.player().nowPlay_Index, 2);

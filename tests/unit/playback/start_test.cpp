@@ -40,9 +40,8 @@ private:
             : FakeFormWindow(windows, form), saying_(windows) {}
         void refresh(forms::Control *control) override {
             FakeFormWindow::refresh(control);
-            if (control != nullptr && control->name() == std::string("showText")) {
+            if (control != nullptr && control->name() == std::string("showText"))
                 saying_.note(static_cast<forms::Label *>(control)->caption());
-            }
         }
 
     private:
@@ -69,9 +68,8 @@ protected:
     Velmora app{fakes::with(fake.bundle(), {.windows = &windows})};
     Texts texts() {
         Texts result;
-        for (const Said &one : windows.said) {
+        for (const Said &one : windows.said)
             result.push_back(one.text);
-        }
         return result;
     }
 };
@@ -264,9 +262,8 @@ TEST_F(Start, ClearsTheAutoOpenBoxOnAFreshMachine) {
 
 void storeFont(fakes::FakeRegistry &registry, const std::u16string &set, std::u16string_view name) {
     for (const char16_t *field : {u"Lrc_Bold", u"Lrc_Charset", u"Lrc_Italic", u"Lrc_Strikethrough",
-                                  u"Lrc_Underline", u"Lrc_ForeColor", u"Lrc_BackColor"}) {
+                                  u"Lrc_Underline", u"Lrc_ForeColor", u"Lrc_BackColor"})
         registry.setNumber(playSetKey, set + u"_" + field, 0);
-    }
     registry.setNumber(playSetKey, set + u"_Lrc_Weight", 400);
     registry.setNumber(playSetKey, set + u"_Lrc_Size", 20);
     registry.setText(playSetKey, set + u"_Lrc_Name", name);

@@ -13,9 +13,8 @@ class Status : public ProgramFixture {
 protected:
     Status() {
         setVolumeBar(0);
-        for (const char16_t *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"}) {
+        for (const char16_t *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"})
             addRow(path);
-        }
         app.player().nowPlay_Index = 1;
         openAndPlay(u"/m/a.mp3");
     }
@@ -204,9 +203,8 @@ TEST_F(Order, PreviousInAnEmptyListDoesNothing) {
 
 TEST_F(Order, AnyOtherDirectionDoesNothing) {
     media.clearCommands();
-    for (const std::int16_t direction : {0, 4, -1}) {
+    for (const std::int16_t direction : {0, 4, -1})
         app.player().next_Sub(direction);
-    }
     EXPECT_TRUE(media.commands().empty());
     EXPECT_EQ(app.player().nowPlay_Index, 1);
 }
@@ -273,9 +271,8 @@ TEST_F(Order, RandomIsReseededFromTheClockAtEachCall) {
         return app.player().nowPlay_Index;
     };
     const auto first = at(1000);
-    for (double seconds = 2000; seconds < 2010; ++seconds) {
+    for (double seconds = 2000; seconds < 2010; ++seconds)
         at(seconds);
-    }
     EXPECT_EQ(at(1000), first);
 }
 

@@ -18,9 +18,8 @@ public:
     using FakeWindows::FakeWindows;
     std::function<void()> onFlash;
     bool FlashWindow(platform::HWND window, bool invert) override {
-        if (onFlash) {
+        if (onFlash)
             onFlash();
-        }
         return FakeWindows::FlashWindow(window, invert);
     }
 };

@@ -72,9 +72,8 @@ TEST_F(TickErrors, AStoppedLookOfTheLengthDoesNotKeepTheStateFromBeingShown) {
 
 TEST_F(TickErrors, TheScrollBarsOfHiddenWindowsAreLeft) {
     const auto expectLeft = [this](auto &window, forms::ListBox &list) {
-        for (int row = 0; row < 60; ++row) {
+        for (int row = 0; row < 60; ++row)
             list.addItem(u"row");
-        }
         window.P1.setVisible(false);
         window.P2.setTop(7);
         window.P4.setVisible(true);

@@ -232,9 +232,8 @@ template <typename Window> void expectBar(Window &window, bool visible) {
 
 void fill(forms::ListBox &list, int count) {
     list.clear();
-    for (int row = 0; row < count; ++row) {
+    for (int row = 0; row < count; ++row)
         list.addItem(u"row");
-    }
 }
 
 template <typename Window> Twips travel(const Window &window) {

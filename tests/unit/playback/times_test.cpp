@@ -121,9 +121,8 @@ TEST_F(Times, ForTheLyricGrowFromTenMinutesOn) {
 
 TEST_F(Times, ForTheLyricStopGrowingAt32767Units) {
     at(u"600000");
-    for (int call = 0; call < 7000; ++call) {
+    for (int call = 0; call < 7000; ++call)
         app.player().get_PositionMMSS();
-    }
     EXPECT_EQ(app.player().pos_MMSS.size(), 32767U);
 }
 

@@ -209,17 +209,14 @@ TEST_F(FileFacts, AreShownAtEachOpen) {
 class RowOfFile : public ProgramFixture {
 protected:
     RowOfFile() {
-        for (const char16_t *path : {u"/m/a.mp3", u"/m/b.mp3", u"/x/a.mp3", u"/m/c.mp3"}) {
+        for (const char16_t *path : {u"/m/a.mp3", u"/m/b.mp3", u"/x/a.mp3", u"/m/c.mp3"})
             addRowOnly(path);
-        }
     }
     std::vector<int> selectedRows() {
         std::vector<int> found;
-        for (int row = 0; row < rows(); ++row) {
-            if (app.playList_Form().playList_Item.selected(row)) {
+        for (int row = 0; row < rows(); ++row)
+            if (app.playList_Form().playList_Item.selected(row))
                 found.push_back(row);
-            }
-        }
         return found;
     }
 };
@@ -245,9 +242,8 @@ TEST_F(RowOfFile, StaysAsItIsForAnEmptyPath) {
 }
 
 TEST_F(RowOfFile, ComesIntoView) {
-    for (int row = 0; row < 60; ++row) {
+    for (int row = 0; row < 60; ++row)
         addRowOnly(u"/many/" + std::u16string(1, static_cast<char16_t>(u'A' + row)) + u".mp3");
-    }
     app.player().selectEntryOfFile(u"/many/z.mp3");
     auto &list = app.playList_Form().playList_Item;
     ASSERT_EQ(list.selCount(), 1);

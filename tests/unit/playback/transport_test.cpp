@@ -14,9 +14,8 @@ protected:
     Transport() {
         speak(1);
         setVolumeBar(0);
-        for (const char16_t *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"}) {
+        for (const char16_t *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"})
             addRow(path);
-        }
         app.setControl().Path_List = u"/lists";
         files.addFolder(u"/lists");
     }

@@ -39,9 +39,8 @@ class CommandWatch : public fakes::FakeMedia {
 public:
     std::function<void(std::u16string_view)> onCommand;
     platform::MciAnswer mciSendStringA(std::u16string_view command, int returnSize) override {
-        if (onCommand) {
+        if (onCommand)
             onCommand(command);
-        }
         return FakeMedia::mciSendStringA(command, returnSize);
     }
 };
@@ -76,9 +75,8 @@ TEST_F(UnseenSteps, ThePictureIsHookedAheadOfTheOpen) {
     app.setControl().VideoInterface = 1;
     bool hooked = false;
     media.onCommand = [&](std::u16string_view command) {
-        if (command.starts_with(u"open ")) {
+        if (command.starts_with(u"open "))
             hooked = static_cast<bool>(windows.procedure);
-        }
     };
     app.player().open_File(u"/m/film.avi");
     EXPECT_TRUE(hooked);
@@ -94,9 +92,8 @@ TEST_F(UnseenSteps, TheChannelIsPutBackAheadOfTheLyricAndTheLyricAheadOfItsTick)
     app.player().open_File(u"/m/sound.mp3");
     int linesAtChannel = -1;
     media.onCommand = [&](std::u16string_view command) {
-        if (command.starts_with(u"setaudio  ")) {
+        if (command.starts_with(u"setaudio  "))
             linesAtChannel = app.lrcForm().List1.listCount();
-        }
     };
     app.player().play_Sub();
     EXPECT_EQ(linesAtChannel, 0);
@@ -122,9 +119,8 @@ TEST_F(UnseenSteps, TheMediumIsClosedBeforeItsWindowsAreReset) {
     app.player().play_Sub();
     bool tickedAtClose = false;
     media.onCommand = [&](std::u16string_view command) {
-        if (command == u"close NOWMUSIC") {
+        if (command == u"close NOWMUSIC")
             tickedAtClose = app.lrcForm().Timer1.running();
-        }
     };
     app.player().close_Sub(0);
     EXPECT_TRUE(tickedAtClose);
@@ -135,9 +131,8 @@ TEST_F(UnseenSteps, TheEndClosesTheMediumBeforeItTakesTheTrayIconAway) {
     app.formSet().tray_Add(app.Main());
     bool iconAtClose = false;
     media.onCommand = [&](std::u16string_view command) {
-        if (command == u"close NOWMUSIC") {
+        if (command == u"close NOWMUSIC")
             iconAtClose = windows.trayCalls.back().operation != platform::NIM_DELETE;
-        }
     };
     EXPECT_THROW(app.startLoad_Form().end(0), fakes::ProcessEnded);
     EXPECT_TRUE(iconAtClose);

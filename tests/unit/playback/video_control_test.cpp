@@ -57,9 +57,8 @@ TEST_F(Video, AToggleIsForTheWindowWhoseKeyWasPressedAndNotForTheNextFilms) {
     for (const bool isFull : {false, true}) {
         app.player().isFullScreen = 0;
         play();
-        if (isFull) {
+        if (isFull)
             key(13);
-        }
         windows.atNextPump([&] { openAndPlay(u"/m/next.avi"); });
         isFull ? window().setScreenSize(10950, 7875, false) : key(13);
         EXPECT_EQ(app.player().isFullScreen, isFull ? -1 : 0);
@@ -73,9 +72,8 @@ TEST_F(Video, OtherKeysDoNothing) {
     for (std::int16_t code = 1; code < 255; ++code) {
         const bool known =
             code == 13 || code == 27 || code == 32 || code == 122 || (code >= 113 && code <= 117);
-        if (!known) {
+        if (!known)
             key(code);
-        }
     }
     EXPECT_TRUE(media.actions().empty());
     EXPECT_TRUE(window().visible());

@@ -48,9 +48,8 @@ protected:
     }
     int puts() {
         int count = 0;
-        for (const auto &text : media.texts()) {
+        for (const auto &text : media.texts())
             count += startsWith(text, u"put ") ? 1 : 0;
-        }
         return count;
     }
 };

@@ -54,9 +54,8 @@ TEST_F(Video, RightSideOfTheStripStandsByTheTable) {
         EXPECT_EQ(w.AudioSource_R.place(), w.AudioSource_H.place());
         for (const forms::Control *control : std::initializer_list<const forms::Control *>{
                  &w.play_Time, &w.nowTime, &w.Volume_Set_BG, &w.Volume_ICO, &w.fullScreen_imgButton,
-                 &w.AudioSource_H}) {
+                 &w.AudioSource_H})
             EXPECT_NEAR(middleOf(*control), middleOf(w.upButton), 0.5) << control->name();
-        }
     });
 }
 
@@ -65,13 +64,11 @@ TEST_F(Video, WhateverStandsInTheStripGoesToItsMiddleAnew) {
     forms::Control *const controls[] = {
         &w.play_Time,    &w.nowTime, &w.Volume_Set_BG, &w.Volume_ICO, &w.fullScreen_imgButton,
         &w.AudioSource_H};
-    for (forms::Control *control : controls) {
+    for (forms::Control *control : controls)
         control->setTop(5000);
-    }
     w.setScreenSize(10951, 7876, true);
-    for (const forms::Control *control : controls) {
+    for (const forms::Control *control : controls)
         EXPECT_NEAR(middleOf(*control), middleOf(w.upButton), 0.5) << control->name();
-    }
 }
 
 TEST_F(Video, VolumeFillComesFromMainsProportion) {
@@ -154,9 +151,8 @@ TEST_F(Video, FullScreenCoversTheScreenAndHidesTheTitleRow) {
     EXPECT_EQ(w.videoScreen.width(), 1280 * 15);
     EXPECT_EQ(w.videoScreen.height(), 800 * 15 - w.videoScreen_Control.height());
     for (const forms::Control *control : std::initializer_list<const forms::Control *>{
-             &w.title_ICO, &w.title, &w.close, &w.fullScreen_Button}) {
+             &w.title_ICO, &w.title, &w.close, &w.fullScreen_Button})
         EXPECT_FALSE(control->visible()) << control->name();
-    }
     EXPECT_EQ(app.player().isFullScreen, -1);
     EXPECT_TRUE(w.topmost());
     EXPECT_TRUE(media.commands().empty()) << "kept: no command goes to the engine";

@@ -6,9 +6,8 @@ namespace velmora {
 namespace {
 
 TEST_F(Video, F5AndF6StepThroughTheListInRandomModeToo) {
-    for (const char16_t *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"}) {
+    for (const char16_t *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"})
         addRow(path);
-    }
     app.setControl().PlayMode = 1;
     app.player().nowPlay_Index = 1;
     play();

@@ -19,11 +19,9 @@ protected:
         addTrack(u"/m/sound.wav");
     }
     std::u16string openCommand() {
-        for (const auto &text : media.actions()) {
-            if (startsWith(text, u"open ")) {
+        for (const auto &text : media.actions())
+            if (startsWith(text, u"open "))
                 return text;
-            }
-        }
         return {};
     }
     std::u16string putCommand() {
@@ -124,11 +122,10 @@ TEST_F(OwnWindow, PutInAWindowBelowTheDefaultSizeSendsNothingAndLetsItGo) {
     app.player().open_File(u"/m/film.avi");
     for (const bool narrow : {true, false}) {
         auto &window = app.VideoScreen_Form();
-        if (narrow) {
+        if (narrow)
             window.setWidth(10949);
-        } else {
+        else
             window.setHeight(7874);
-        }
         media.clearCommands();
         EXPECT_EQ(app.player().put_VideoWindow(0, 0, 10, 10), 0);
         EXPECT_TRUE(media.commands().empty());

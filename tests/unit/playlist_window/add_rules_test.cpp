@@ -54,9 +54,8 @@ TEST_F(Adding, AnErrorOfOneFileIsToldAheadOfTheSaveWhileTheListIsStill) {
 }
 
 TEST_F(Adding, TheNamesakesOfAFileThatIsThereComeIntoView) {
-    for (int row = 0; row < 60; ++row) {
+    for (int row = 0; row < 60; ++row)
         addRowOnly(u"/m/" + std::u16string(1, static_cast<char16_t>(0x4e00 + row)) + u".mp3");
-    }
     addRowOnly(u"/m/a.mp3");
     dialogs.expectOpen(u"/m/a.mp3");
     list.addFile_Click();
@@ -112,9 +111,8 @@ TEST_F(Adding, AFileWithAnEmptyStemIsAddedByAFolderLikeAnyOther) {
 }
 
 TEST_F(Adding, AFolderSelectsTheNamesakesOfEachOfItsFilesOneByOne) {
-    for (const auto *path : {u"/music/a.mp3", u"/old/z.mp3", u"/music/b.mp3", u"/old/a.ogg"}) {
+    for (const auto *path : {u"/music/a.mp3", u"/old/z.mp3", u"/music/b.mp3", u"/old/a.ogg"})
         addRowOnly(path);
-    }
     files.addFile(u"/music/a.mp3");
     files.addFile(u"/music/b.mp3");
     addFolder(u"/music");
@@ -135,9 +133,8 @@ TEST_F(Adding, AFolderAppendsThePathAheadOfTheName) {
 }
 
 TEST_F(Adding, WithoutSubfoldersTheFirstErrorEndsTheWork) {
-    for (const auto *name : {u"/music/a.mp3", u"/music/b.mp3", u"/music/c.mp3"}) {
+    for (const auto *name : {u"/music/a.mp3", u"/music/b.mp3", u"/music/c.mp3"})
         files.addFile(name);
-    }
     dialogs.expectFolder(u"/music");
     answerSubfolders(MsgBoxResult::No);
     windows.atNextPump([] {}); // the folder
@@ -152,9 +149,8 @@ TEST_F(Adding, WithoutSubfoldersTheFirstErrorEndsTheWork) {
 }
 
 TEST_F(Adding, WithSubfoldersErrorsArePassedOverAndTheLastIsToldInTheEnd) {
-    for (const auto *name : {u"/music/a/1.mp3", u"/music/b/2.mp3", u"/music/c/3.mp3"}) {
+    for (const auto *name : {u"/music/a/1.mp3", u"/music/b/2.mp3", u"/music/c/3.mp3"})
         files.addFile(name);
-    }
     dialogs.expectFolder(u"/music");
     answerSubfolders(MsgBoxResult::Yes);
     windows.atNextPump([] {});                                // the folders of /music
@@ -167,14 +163,12 @@ TEST_F(Adding, WithSubfoldersErrorsArePassedOverAndTheLastIsToldInTheEnd) {
 }
 
 TEST_F(Adding, WithSubfoldersAnErrorAtOneFileLeavesOutThatFileAlone) {
-    for (const auto *name : {u"/music/1.mp3", u"/music/2.mp3", u"/music/3.mp3"}) {
+    for (const auto *name : {u"/music/1.mp3", u"/music/2.mp3", u"/music/3.mp3"})
         files.addFile(name);
-    }
     dialogs.expectFolder(u"/music");
     answerSubfolders(MsgBoxResult::Yes);
-    for (int pump = 0; pump < 3; ++pump) {
+    for (int pump = 0; pump < 3; ++pump)
         windows.atNextPump([] {}); // the folder twice, and 1
-    }
     windows.atNextPump([] { raise(ErrorNumber::DeviceIo); });
     expectError(u"Device I/O error", title2011);
     list.addDir_Click();
@@ -205,9 +199,8 @@ TEST_F(Adding, AFolderThatIsAddedAgainAddsNothing) {
 // --- a drop --------------------------------------------------------------------------------------
 
 TEST_F(Adding, ADropDeselectsWithoutAPumpForEachRow) {
-    for (const auto *path : {u"/m/1.mp3", u"/m/2.mp3", u"/m/3.mp3"}) {
+    for (const auto *path : {u"/m/1.mp3", u"/m/2.mp3", u"/m/3.mp3"})
         addRowOnly(path);
-    }
     files.addFile(u"/n/x.mp3");
     windows.pumps = 0;
     list.filesDropped({u"/n/x.mp3"}, 0);
@@ -238,9 +231,8 @@ TEST_F(Adding, AFolderOfLessThanThreeCharactersWithItsSeparatorIsPassedOver) {
 }
 
 TEST_F(Adding, AnErrorEndsADropWhichIsSavedAllTheSame) {
-    for (const auto *path : {u"/n/x.mp3", u"/n/y.mp3", u"/n/z.mp3"}) {
+    for (const auto *path : {u"/n/x.mp3", u"/n/y.mp3", u"/n/z.mp3"})
         files.addFile(path);
-    }
     windows.atNextPump([] {});
     windows.atNextPump([] { raise(ErrorNumber::DeviceIo); });
     expectError(u"Device I/O error", title2011);
@@ -253,9 +245,8 @@ TEST_F(Adding, AnErrorEndsADropWhichIsSavedAllTheSame) {
 }
 
 TEST_F(Adding, AnErrorInADroppedFolderIsPassedOver) {
-    for (const auto *path : {u"/n/x.mp3", u"/n/y.mp3", u"/n/z.mp3"}) {
+    for (const auto *path : {u"/n/x.mp3", u"/n/y.mp3", u"/n/z.mp3"})
         files.addFile(path);
-    }
     windows.atNextPump([] {}); // the folder
     windows.atNextPump([] { raise(ErrorNumber::DeviceIo); });
     list.filesDropped({u"/n"}, 0); // a box that nobody expected fails the test
@@ -263,9 +254,8 @@ TEST_F(Adding, AnErrorInADroppedFolderIsPassedOver) {
 }
 
 TEST_F(Adding, ADroppedFolderSelectsEveryNameThatContainsAStem) {
-    for (const auto *path : {u"/n/a.mp3", u"/m/xay.mp3", u"/m/b.mp3"}) {
+    for (const auto *path : {u"/n/a.mp3", u"/m/xay.mp3", u"/m/b.mp3"})
         addRowOnly(path);
-    }
     files.addFile(u"/n/a.mp3");
     list.filesDropped({u"/n"}, 0);
     EXPECT_EQ(selectedNames(), (Texts{u"a", u"xay"}));
@@ -281,9 +271,8 @@ TEST_F(Adding, ADroppedFileInTheListWhoseStemIsEmptySelectsNothing) {
 }
 
 TEST_F(Adding, ADropAboveTheTopOfAScrolledListCountsFromItsTopRow) {
-    for (int row = 0; row < 40; ++row) {
+    for (int row = 0; row < 40; ++row)
         addRowOnly(u"/m/" + std::u16string(1, static_cast<char16_t>(0x4e00 + row)) + u".mp3");
-    }
     names.setTopIndex(7);
     files.addFile(u"/n/x.mp3");
     list.filesDropped({u"/n/x.mp3"}, 0);

@@ -55,9 +55,8 @@ TEST_F(AddFile, AFileInTheListIsNotAddedAndItsNamesakesAreSelectedAlone) {
 }
 
 TEST_F(AddFile, TheSearchForNamesakesPumpsForEachRow) {
-    for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"}) {
+    for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"})
         addRowOnly(path);
-    }
     windows.pumps = 0;
     dialogs.expectOpen(u"/m/a.mp3");
     list.addFile_Click();
@@ -212,9 +211,8 @@ TEST_F(AddFolder, AFullListIsReportedOnceAfterTheWorkAndThePartIsSaved) {
         paths.addItem(u"/x/" + std::u16string(1, static_cast<char16_t>(0x4e00 + row % 20000)) +
                       (row < 20000 ? u"a" : u"b"));
     }
-    for (const auto *name : {u"/music/a.mp3", u"/music/b.mp3", u"/music/c.mp3"}) {
+    for (const auto *name : {u"/music/a.mp3", u"/music/b.mp3", u"/music/c.mp3"})
         files.addFile(name);
-    }
     dialogs.expectFolder(u"/music");
     answerSubfolders(MsgBoxResult::No);
     expectError(u"Overflow", title2011);
@@ -226,12 +224,10 @@ TEST_F(AddFolder, AFullListIsReportedOnceAfterTheWorkAndThePartIsSaved) {
 }
 
 TEST_F(Drop, SeveralNewFilesGoInOneBeforeTheOther) {
-    for (const auto *path : {u"/m/1.mp3", u"/m/2.mp3", u"/m/3.mp3"}) {
+    for (const auto *path : {u"/m/1.mp3", u"/m/2.mp3", u"/m/3.mp3"})
         addRowOnly(path);
-    }
-    for (const auto *path : {u"/n/x.mp3", u"/n/y.mp3", u"/n/z.mp3"}) {
+    for (const auto *path : {u"/n/x.mp3", u"/n/y.mp3", u"/n/z.mp3"})
         files.addFile(path);
-    }
     list.filesDropped({u"/n/x.mp3", u"/n/y.mp3", u"/n/z.mp3"}, names.rowHeight() * 1.5F);
     EXPECT_EQ(nameRows(), (Texts{u"1", u"z", u"y", u"x", u"2", u"3"}));
     EXPECT_EQ(pathRows().at(1), u"/n/z.mp3");
@@ -246,9 +242,8 @@ TEST_F(Drop, BelowTheLastRowInsertsAtTheTop) {
 }
 
 TEST_F(Drop, AFileInTheListSelectsEveryNameThatContainsItsStem) {
-    for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/ab.mp3"}) {
+    for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/ab.mp3"})
         addRowOnly(path);
-    }
     files.addFile(u"/m/a.mp3");
     list.filesDropped({u"/m/a.mp3"}, 0);
     EXPECT_EQ(selectedNames(), (Texts{u"a", u"ab"}));

@@ -12,11 +12,9 @@ protected:
     std::vector<std::string> changed() {
         std::vector<std::string> controls;
         auto &told = fakes::FakeWindows::windowOf(list)->told;
-        for (const auto &one : told) {
-            if (one.change == forms::Change::Rows) {
+        for (const auto &one : told)
+            if (one.change == forms::Change::Rows)
                 controls.push_back(one.control);
-            }
-        }
         told.clear();
         return controls;
     }
@@ -57,9 +55,8 @@ TEST_F(BothLists, AFileOfADroppedFolderGoesToThePathsFirst) {
 TEST_F(BothLists, ARemovedRowLeavesTheNamesFirst) {
     addRow(u"/m/a.mp3");
     for (const std::int16_t mode : {std::int16_t{0}, std::int16_t{1}}) {
-        if (rows() == 0) {
+        if (rows() == 0)
             addRow(u"/m/a.mp3");
-        }
         names.setSelected(0, true);
         answerSure(MsgBoxResult::Yes);
         changed();

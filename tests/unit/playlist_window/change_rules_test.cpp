@@ -12,9 +12,8 @@ protected:
     listControl_Form &box = app.listControl_Form();
 
     void fill(int count) {
-        for (int row = 0; row < count; ++row) {
+        for (int row = 0; row < count; ++row)
             addRowOnly(u"/m/" + std::u16string(1, static_cast<char16_t>(0x4e00 + row)) + u".mp3");
-        }
     }
     void rename(int row, std::u16string_view text) {
         names.setSelected(row, true);
@@ -53,9 +52,8 @@ TEST_F(Removing, EveryRowIsForTheDiskAlone) {
 }
 
 TEST_F(Removing, TheMenusTwoDeletionsDifferByTheirRows) {
-    for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"}) {
+    for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"})
         addRow(path);
-    }
     names.setSelected(1, true);
     answerSure(MsgBoxResult::Yes);
     pick("hardDrive_DelSelect");
@@ -133,9 +131,8 @@ TEST_F(Removing, FilesThatAreGoneAndFoldersAreReportedAndLeaveTheList) {
 }
 
 TEST_F(Removing, ARemovalMovesTheSelectionToNoNeighbour) {
-    for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"}) {
+    for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"})
         addRow(path);
-    }
     names.setSelected(1, true);
     answerSure(MsgBoxResult::Yes);
     list.delOne(0, false);
@@ -144,14 +141,12 @@ TEST_F(Removing, ARemovalMovesTheSelectionToNoNeighbour) {
 }
 
 TEST_F(Removing, NextAndPreviousGoOnFromTheOldIndex) {
-    for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"}) {
+    for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"})
         addRow(path);
-    }
     openAndPlay(u"/m/b.mp3");
     app.player().nowPlay_Index = 2;
-    for (int row = 0; row < 4; ++row) {
+    for (int row = 0; row < 4; ++row)
         names.setSelected(row, row == 0);
-    }
     answerSure(MsgBoxResult::Yes);
     list.delOne(0, false);
     app.player().next_Sub(1);

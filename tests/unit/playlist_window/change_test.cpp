@@ -131,9 +131,8 @@ TEST_F(Find, AsksWithAnEmptyBox) {
 }
 
 TEST_F(Find, SelectsEveryHitWithCaseAndDoesNotScroll) {
-    for (int number = 0; number < 40; ++number) {
+    for (int number = 0; number < 40; ++number)
         addRowOnly(u"/m/x" + std::u16string(1, static_cast<char16_t>(u'A' + number)) + u".mp3");
-    }
     addRowOnly(u"/m/Love.mp3");
     addRowOnly(u"/m/my love.mp3");
     names.setSelected(0, true);
@@ -168,9 +167,8 @@ TEST_F(Copy, AnEmptyListDoesNothingAndNoSelectionIsReported) {
 }
 
 TEST_F(Copy, EachSelectedFileGoesInListOrderThroughTheSystemsCopy) {
-    for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"}) {
+    for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"})
         addRow(path);
-    }
     choose(2);
     choose(0);
     dialogs.expectFolder(u"/usb");

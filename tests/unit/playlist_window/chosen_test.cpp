@@ -11,19 +11,16 @@ class Chosen : public ListTest {
 protected:
     Chosen() {
         setVolumeBar(0);
-        for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"}) {
+        for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"})
             addRow(path);
-        }
     }
     listControl_Form &box = app.listControl_Form();
 
     void selectOnly(std::initializer_list<int> wanted) {
-        for (std::int32_t row = 0; row < names.listCount(); ++row) {
+        for (std::int32_t row = 0; row < names.listCount(); ++row)
             names.setSelected(row, false);
-        }
-        for (const int row : wanted) {
+        for (const int row : wanted)
             names.setSelected(row, true);
-        }
     }
     // The question ahead of every removal, with what happens while it stands.
     void answerSure(MsgBoxResult answer, std::function<void()> meanwhile = {}) {
@@ -54,20 +51,16 @@ protected:
     }
     Texts savesOfTheList() {
         Texts saves;
-        for (const std::u16string &change : files.changes()) {
-            if (contains(change, listFile())) {
+        for (const std::u16string &change : files.changes())
+            if (contains(change, listFile()))
                 saves.push_back(change);
-            }
-        }
         return saves;
     }
     Texts filesLeft() {
         Texts left;
-        for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"}) {
-            if (files.hasFile(path)) {
+        for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"})
+            if (files.hasFile(path))
                 left.emplace_back(path);
-            }
-        }
         return left;
     }
 };
@@ -278,9 +271,8 @@ TEST_F(ChosenForANewName, ARowOfTheNewPathWhoseFileIsThereStays) {
 TEST_F(ChosenToBeCopied, ATrackThatBeginsInTheFolderDialogLeavesTheChoice) {
     selectOnly({0, 2, 3});
     dialogs.expectFolder(u"/usb", [&] { app.player().selectEntryOfFile(u"/m/b.mp3"); });
-    for (int copy = 0; copy < 3; ++copy) {
+    for (int copy = 0; copy < 3; ++copy)
         dialogs.expectCopy({});
-    }
     list.to_Folder();
     ASSERT_EQ(dialogs.operations.size(), 3U);
     EXPECT_TRUE(startsWith(dialogs.operations[0].from, u"/m/a.mp3"));

@@ -31,15 +31,13 @@ protected:
     static std::u16string pathOf(const std::u16string &stem) { return u"/m/" + stem + u".mp3"; }
     Texts allPaths() {
         Texts all;
-        for (const std::u16string &stem : stems()) {
+        for (const std::u16string &stem : stems())
             all.push_back(pathOf(stem));
-        }
         return all;
     }
     void makeFiles() {
-        for (const std::u16string &path : allPaths()) {
+        for (const std::u16string &path : allPaths())
             files.addFile(path);
-        }
     }
     void addAll() {
         makeFiles();
@@ -132,27 +130,22 @@ TEST_F(HardNames, AreDeletedOneByOneWithListAndDiskInStep) {
     windows.onPump = [&] {
         std::size_t lines = 0;
         const std::string saved = savedList();
-        for (auto at = saved.find("\r\n"); at != std::string::npos;
-             at = saved.find("\r\n", at + 1)) {
+        for (auto at = saved.find("\r\n"); at != std::string::npos; at = saved.find("\r\n", at + 1))
             ++lines;
-        }
         EXPECT_EQ(lines, static_cast<std::size_t>(rows()));
-        for (const std::u16string &path : pathRows()) {
+        for (const std::u16string &path : pathRows())
             EXPECT_TRUE(files.hasFile(path));
-        }
     };
     list.delOne(1, true);
     windows.onPump = {};
     EXPECT_EQ(rows(), 0);
     EXPECT_EQ(savedList(), "");
-    for (const std::u16string &path : allPaths()) {
+    for (const std::u16string &path : allPaths())
         EXPECT_FALSE(files.hasFile(path));
-    }
     const std::string report = files.contents(app.setControl().Path_DelFilesLog + u"/delFile.log");
     EXPECT_EQ(report.find("【Unsuccessful】"), std::string::npos);
-    for (const std::u16string &path : allPaths()) {
+    for (const std::u16string &path : allPaths())
         EXPECT_NE(report.find("\r\n    " + fake.ansi.encode(path) + "\r\n"), std::string::npos);
-    }
 }
 
 TEST_F(HardNames, AreFoundAndShownWhole) {

@@ -30,18 +30,15 @@ protected:
     Texts pathRows() { return rowsOf(paths); }
     static Texts rowsOf(const forms::ListBox &box) {
         Texts rows;
-        for (std::int32_t row = 0; row < box.listCount(); ++row) {
+        for (std::int32_t row = 0; row < box.listCount(); ++row)
             rows.push_back(box.list(row));
-        }
         return rows;
     }
     Texts selectedNames() {
         Texts rows;
-        for (std::int32_t row = 0; row < names.listCount(); ++row) {
-            if (names.selected(row)) {
+        for (std::int32_t row = 0; row < names.listCount(); ++row)
+            if (names.selected(row))
                 rows.push_back(names.list(row));
-            }
-        }
         return rows;
     }
 

@@ -9,14 +9,12 @@ namespace {
 class Remove : public ListTest {
 protected:
     Remove() {
-        for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"}) {
+        for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3", u"/m/d.mp3"})
             addRow(path);
-        }
     }
     void select(std::initializer_list<int> wanted) {
-        for (const int row : wanted) {
+        for (const int row : wanted)
             names.setSelected(row, true);
-        }
     }
     std::u16string reportFile() { return app.setControl().Path_DelFilesLog + u"/delFile.log"; }
 };
@@ -65,9 +63,8 @@ TEST_F(Remove, SavesAfterEachRow) {
     files.clearChanges();
     list.delOne(0, false);
     int saves = 0;
-    for (const std::u16string &change : files.changes()) {
+    for (const std::u16string &change : files.changes())
         saves += contains(change, u"zkPlayList.m3u") ? 1 : 0;
-    }
     EXPECT_GE(saves, 3);
     EXPECT_EQ(savedList(), "/m/d.mp3\r\n");
 }

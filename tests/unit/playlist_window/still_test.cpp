@@ -19,9 +19,8 @@ class Still : public ListTest {
 protected:
     Still() {
         setVolumeBar(0);
-        for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"}) {
+        for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"})
             addRow(path);
-        }
         openAndPlay(u"/m/a.mp3");
         app.player().nowPlay_Index = 1;
         names.setSelected(0, false);
@@ -46,27 +45,24 @@ protected:
         for (forms::Menu *entry : menu.entries()) {
             if (entry->entries().empty() && entry != &app.MenuForm().close &&
                 entry != &app.MenuForm().playlist_Hide && entry != &app.MenuForm().about &&
-                entry != &app.MenuForm().help && entry != &app.MenuForm().mode) {
+                entry != &app.MenuForm().help && entry != &app.MenuForm().mode)
                 entry->choose();
-            }
             chooseEverything(*entry);
         }
     }
     void rightClickEverywhere() {
         const forms::MouseEvent up{forms::rightButton, 0, 0, 0};
         for (forms::Form *form : std::initializer_list<forms::Form *>{
-                 &app.Main(), &list, &app.miniForm(), &app.VideoScreen_Form()}) {
+                 &app.Main(), &list, &app.miniForm(), &app.VideoScreen_Form()})
             form->on().MouseUp(up);
-        }
         names.on().MouseUp(up);
         app.formSet().tray_WndProc(app.Main().hWnd(), 2025, 0, 0x205);
     }
     void clickEveryButton() {
         for (forms::Control *button : std::initializer_list<forms::Control *>{
                  &list.addFile, &list.addDir, &list.delIndx, &list.delAll, &list.Alter,
-                 &list.Search, &list.afresh_Load}) {
+                 &list.Search, &list.afresh_Load})
             button->on().Click();
-        }
     }
     void expectNothingBegan() {
         EXPECT_EQ(media.openPath(), u"/m/a.mp3");

@@ -43,18 +43,15 @@ protected:
     }
     Texts listed(platform::SearchFor what) const {
         Texts folders;
-        for (const auto &listing : files.listings) {
-            if (listing.what == what) {
+        for (const auto &listing : files.listings)
+            if (listing.what == what)
                 folders.push_back(listing.folder);
-            }
-        }
         return folders;
     }
     // The one number of all listings.
     std::uint32_t walkOfAll() const {
-        for (const auto &listing : files.listings) {
+        for (const auto &listing : files.listings)
             EXPECT_EQ(listing.walk, files.listings.front().walk);
-        }
         return files.listings.front().walk;
     }
 

@@ -10,9 +10,8 @@ namespace {
 class ListWindow : public ListTest {
 protected:
     void fill(int count) {
-        for (int row = 0; row < count; ++row) {
+        for (int row = 0; row < count; ++row)
             addRowOnly(u"/m/" + std::u16string(1, static_cast<char16_t>(0x4e00 + row)) + u".mp3");
-        }
     }
     static forms::MouseEvent left(Twips x, Twips y) { return {forms::leftButton, 0, x, y}; }
 };

@@ -29,10 +29,9 @@ void everyText(fakes::FakeRegistry &registry, const std::u16string &text) {
 }
 
 void everyNumber(fakes::FakeRegistry &registry, std::uint32_t number) {
-    for (const char16_t *set : {u"Desktop_", u"Other_"}) {
+    for (const char16_t *set : {u"Desktop_", u"Other_"})
         for (const char16_t *stem : numberStems)
             registry.setNumber(playSetKey, set + std::u16string(stem), number);
-    }
 }
 
 const Fault faults[] = {
@@ -44,10 +43,9 @@ const Fault faults[] = {
     {"TextsForNumbers",
      [](auto &registry) {
          everyText(registry, u"1");
-         for (const char16_t *set : {u"Desktop_", u"Other_"}) {
+         for (const char16_t *set : {u"Desktop_", u"Other_"})
              for (const char16_t *stem : numberStems)
                  registry.setText(playSetKey, set + std::u16string(stem), u"1");
-         }
      }},
     {"EmptyTexts",
      [](auto &registry) {

@@ -119,10 +119,9 @@ TEST_F(Languages, EveryKeyIsPutAnewByEachRunAndNothingElseIs) {
             overwriteTexts(*form, u"leftover");
         apply(language);
         std::set<std::string> put;
-        for (const auto &[key, text] : allTexts()) {
+        for (const auto &[key, text] : allTexts())
             if (text != u"leftover")
                 put.insert(key);
-        }
         std::set<std::string> expected(std::begin(textKeys), std::end(textKeys));
         // The facts of the track are refreshed along with the language.
         for (const char *fact : {"playName", "playPath", "playFile_Size", "playFile_DateCreated"})
@@ -463,10 +462,9 @@ TEST_F(Languages, TheSameThingHasTheSameWordsEverywhere) {
     for (const std::int32_t language : {chinese, english, french, japanese}) {
         apply(language);
         const auto texts = allTexts();
-        for (const auto &group : groups) {
+        for (const auto &group : groups)
             for (const char *key : group)
                 EXPECT_EQ(texts.at(key), texts.at(group.front())) << key << " in " << language;
-        }
     }
 }
 

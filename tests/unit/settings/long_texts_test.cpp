@@ -24,32 +24,29 @@ protected:
 
     static Texts linesOf(const forms::TextBox &box) {
         Texts lines = split(box.text(), u'\n');
-        for (std::u16string &line : lines) {
+        for (std::u16string &line : lines)
             if (!line.empty() && line.back() == u'\r')
                 line.pop_back();
-        }
         return lines;
     }
 
     // The heads between stars, in order, without them.
     static Texts headsOf(const forms::TextBox &box) {
         Texts heads;
-        for (const std::u16string &line : linesOf(box)) {
+        for (const std::u16string &line : linesOf(box))
             if (line.size() > 2 && line.front() == u'※' && line.back() == u'※')
                 heads.push_back(line.substr(1, line.size() - 2));
-        }
         return heads;
     }
 
     // The keys at the beginnings of the lines, panel by panel, each panel closed by "-".
     static Texts keysOf(const forms::TextBox &box) {
         Texts keys;
-        for (const std::u16string &line : linesOf(box)) {
+        for (const std::u16string &line : linesOf(box))
             if (startsWith(line, u"    "))
                 keys.push_back(line.substr(4, line.find_first_of(u":：\u00A0") - 4));
             else if (line.empty())
                 keys.push_back(u"-");
-        }
         return keys;
     }
 };
@@ -67,9 +64,8 @@ TEST_F(LongTexts, BreakTheirLinesInOneWayAndHoldNoPlaceholder) {
     for (const auto &boxes : {help, shortcuts}) {
         for (const forms::TextBox *box : boxes) {
             const std::u16string &text = box->text();
-            for (std::size_t i = 0; i < text.size(); ++i) {
+            for (std::size_t i = 0; i < text.size(); ++i)
                 EXPECT_EQ(text[i] == u'\n', i > 0 && text[i - 1] == u'\r') << box->name();
-            }
             for (const char16_t *fault : {u"~", u"TODO", u"  \r", u"%1", u"\\"})
                 EXPECT_FALSE(contains(text, fault)) << box->name() << " " << toUtf8(fault);
         }
@@ -188,11 +184,9 @@ TEST_F(LongTexts, OfHelpNameOnlyKeysThatThereAre) {
 TEST_F(LongTexts, InFrenchHaveAnUnbreakableBlankAheadOfDoubleMarks) {
     for (const forms::TextBox *box : {help[2], shortcuts[2]}) {
         const std::u16string &text = box->text();
-        for (std::size_t i = 1; i < text.size(); ++i) {
-            if (std::u16string_view(u"!?:;»").find(text[i]) != std::u16string_view::npos) {
+        for (std::size_t i = 1; i < text.size(); ++i)
+            if (std::u16string_view(u"!?:;»").find(text[i]) != std::u16string_view::npos)
                 EXPECT_EQ(text[i - 1], u'\u00A0') << toUtf8(text.substr(i > 20 ? i - 20 : 0, 24));
-            }
-        }
     }
 }
 
@@ -243,10 +237,9 @@ TEST_F(LongTexts, OfShortcutsStandToTheLetterInEnglish) {
 TEST_F(LongTexts, OfShortcutsNameTheSameKeysTwiceByTheSameWords) {
     const auto wordsOf = [&](const forms::TextBox &box, std::u16string_view key) {
         std::set<std::u16string> words;
-        for (const std::u16string &line : linesOf(box)) {
+        for (const std::u16string &line : linesOf(box))
             if (startsWith(line, u"    " + std::u16string(key)))
                 words.insert(line);
-        }
         return words.size();
     };
     for (const forms::TextBox *box : shortcuts) {

@@ -23,10 +23,9 @@ protected:
     // The entries of the registry's log that begin with `beginning`.
     Texts logged(std::u16string_view beginning) const {
         Texts found;
-        for (const std::u16string &line : registry.log()) {
+        for (const std::u16string &line : registry.log())
             if (startsWith(line, beginning))
                 found.push_back(line);
-        }
         return found;
     }
 

@@ -28,10 +28,9 @@ protected:
             {&form.playFrame, &form.playSet},         {&form.lrc_Frame, &form.lrcSet},
             {&form.folder_Frame, &form.folderSet},    {&form.Language_Frame, &form.languageSet},
             {&form.Shortcuts_Frame, &form.Shortcuts}, {&form.help_Frame, &form.help}};
-        for (const auto &[frame, tab] : pages) {
+        for (const auto &[frame, tab] : pages)
             if (liesIn(control, *frame) && !frame->visible())
                 clickOn(*tab);
-        }
         clickOn(control);
     }
     void apply() { click(form.yy); }

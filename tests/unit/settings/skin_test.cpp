@@ -58,10 +58,9 @@ protected:
         for (forms::Control *control : container.controls()) {
             if (control->mouseIcon() == forms::MouseIcon::Hand)
                 names.emplace_back(control->name());
-            if (auto *inner = dynamic_cast<forms::Container *>(control)) {
+            if (auto *inner = dynamic_cast<forms::Container *>(control))
                 for (std::string &name : handsOf(*inner))
                     names.push_back(std::move(name));
-            }
         }
         return names;
     }
@@ -198,9 +197,8 @@ TEST_F(TheSkin, MainComesFirstAndTheOthersInTheirOrder) {
                                         &app.search_Song_Internet_Form(),
                                         &app.listControl_Form(),
                                         &app.VideoScreen_Form()};
-    for (std::size_t next = 1; next < std::size(order); ++next) {
+    for (std::size_t next = 1; next < std::size(order); ++next)
         EXPECT_LT(order[next - 1]->hWnd(), order[next]->hWnd()) << order[next]->name();
-    }
 }
 
 // --- layout --------------------------------------------------------------------------------------

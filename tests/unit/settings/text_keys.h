@@ -434,8 +434,8 @@ inline constexpr GivenText givenMessages[] = {
 
 // Calls `visit(control, property, text, put)` for every text that a control can show.
 template <typename Visit> void visitTexts(forms::Control &control, Visit &&visit) {
-    visit("toolTip", control.toolTip(),
-          [&](std::u16string_view text) { control.setToolTip(text); });
+    visit(
+        "toolTip", control.toolTip(), [&](std::u16string_view text) { control.setToolTip(text); });
     const auto caption = [&](auto *kind) {
         if (kind != nullptr)
             visit("caption", kind->caption(),

@@ -70,10 +70,9 @@ TEST_F(SettingsPages, HoldTheirControls) {
          {&form.Shortcuts_Show_Chinese, &form.Shortcuts_Show_English, &form.Shortcuts_Show_French,
           &form.Shortcuts_Show_Japanese}},
     };
-    for (const Content &content : contents) {
+    for (const Content &content : contents)
         for (const forms::Control *control : content.controls)
             EXPECT_EQ(&control->container(), &content.frame) << control->name();
-    }
     for (const forms::Control *control : std::initializer_list<const forms::Control *>{
              &form.qd, &form.qx, &form.yy, &form.abount, &form.playSet_Resume, &form.close,
              &form.title, &form.title_ICO, &form.copyright, &form.Picture1})
@@ -362,10 +361,9 @@ TEST_F(SettingsPages, AreConfirmedByCtrlSWhereverTheFocusIs) {
     ASSERT_GT(focusables.size(), 30U);
     for (forms::Control *control : focusables) {
         open();
-        for (const Page &page : pages()) {
+        for (const Page &page : pages())
             if (!control->isShown())
                 click(page.tab);
-        }
         form.setFocus(control);
         ASSERT_EQ(form.activeControl(), control) << control->name();
         registry.clearLog();

@@ -128,9 +128,8 @@ TEST(TheSkin, IconsShareOneGridAndOneStroke) {
         EXPECT_EQ(icon->width, 26) << name;
         EXPECT_EQ(icon->height, 26) << name;
         for (const Shape &shape : icon->shapes) {
-            if (shape.stroke.kind != PaintKind::None) {
+            if (shape.stroke.kind != PaintKind::None)
                 EXPECT_DOUBLE_EQ(shape.strokeWidth, 1.6) << name;
-            }
             const auto edges = bounds(shape.path);
             EXPECT_GE(std::min(edges[0], edges[1]), 0) << name;
             EXPECT_LE(std::max(edges[2], edges[3]), 18) << name;

@@ -280,9 +280,8 @@ TEST_F(Tray, RightClickOpensTheMenu) {
 
 TEST_F(Tray, OtherEventsDoNothing) {
     app.miniForm().show();
-    for (const std::int32_t what : {0x200, 0x201, 0x203, 0x204, 0}) {
+    for (const std::int32_t what : {0x200, 0x201, 0x203, 0x204, 0})
         EXPECT_EQ(event(what), 0);
-    }
     EXPECT_FALSE(main().visible());
 }
 
@@ -323,9 +322,8 @@ TEST_F(Windows, OfTheSettingsReadsEachValueForEachOfItsTests) {
             fake.registry.clearLog();
             rules().open_PlaySet();
             std::int64_t reads = 0;
-            for (const std::u16string &call : fake.registry.log()) {
+            for (const std::u16string &call : fake.registry.log())
                 reads += contains(call, name) ? 1 : 0;
-            }
             EXPECT_EQ(reads, 2) << toUtf8(name) << " " << toUtf8(value);
         }
     }

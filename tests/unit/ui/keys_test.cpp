@@ -23,9 +23,8 @@ protected:
     Keys() {
         speak(1);
         setVolumeBar(0);
-        for (const char16_t *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"}) {
+        for (const char16_t *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"})
             addRow(path);
-        }
         app.player().nowPlay_Index = 2;
         openAndPlay(u"/m/b.mp3");
         media.clearCommands();
@@ -199,9 +198,8 @@ TEST_F(Keys, CompareTheNameOfTheFormInUpperCase) {
 }
 
 TEST_F(Keys, OfAnotherFormDoNothing) {
-    for (std::int16_t key = 8; key < 130; ++key) {
+    for (std::int16_t key = 8; key < 130; ++key)
         press(key, u"miniForm", forms::ctrlMask);
-    }
     EXPECT_TRUE(media.commands().empty());
     EXPECT_TRUE(fake.processes.endStatuses.empty());
 }

@@ -27,9 +27,8 @@ protected:
     // The entries' names in order; a separator ahead of its name has a dash.
     static Names entriesOf(const forms::Menu &menu) {
         Names names;
-        for (const forms::Menu *entry : menu.entries()) {
+        for (const forms::Menu *entry : menu.entries())
             names.push_back((entry->separator() ? "-" : "") + std::string(entry->name()));
-        }
         return names;
     }
 };

@@ -90,10 +90,9 @@ std::int64_t whole(DueTime due) {
 }
 
 TEST(DueTime, IsTheNegativeCountOf100NanosecondSteps) {
-    for (const std::int32_t ms : {1, 2, 70, 1000, 214'748, 214'749, 429'496, 429'497, 3'600'000,
-                                  86'400'000, 2'147'483'647}) {
+    for (const std::int32_t ms :
+         {1, 2, 70, 1000, 214'748, 214'749, 429'496, 429'497, 3'600'000, 86'400'000, 2'147'483'647})
         EXPECT_EQ(whole(relativeDueTime(ms)), -static_cast<std::int64_t>(ms) * 10'000) << ms;
-    }
 }
 
 TEST(DueTime, HoldsTheLowHalfAsAnUnsignedPatternInASignedNumber) {

@@ -26,11 +26,9 @@ protected:
         std::string bytes = recordOf(fields);
         const std::size_t fixedPart = bytes.find("\xBD\x04\xEF\xFE");
         ASSERT_NE(fixedPart, std::string::npos);
-        for (const auto &[word, value] : words) {
-            for (std::size_t byte = 0; byte < 4; ++byte) {
+        for (const auto &[word, value] : words)
+            for (std::size_t byte = 0; byte < 4; ++byte)
                 bytes[fixedPart + word * 4 + byte] = static_cast<char>(value >> (8 * byte) & 0xFF);
-            }
-        }
         fake.versions.addRecordBytes(path, bytes);
         record().read_File_Version(path);
     }

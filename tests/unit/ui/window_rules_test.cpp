@@ -32,9 +32,8 @@ protected:
     WindowRules() {
         speak(1);
         setVolumeBar(0);
-        for (const char16_t *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"}) {
+        for (const char16_t *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"})
             addRow(path);
-        }
     }
     void press(std::int16_t key, std::u16string_view from = fromMain, std::int16_t shift = 0) {
         app.formSet().form_KeyDown(key, shift, from);
@@ -110,9 +109,8 @@ TEST_F(WindowRules, F12NamesMainToTheAboutWindow) {
 }
 
 TEST_F(WindowRules, CtrlAKeepsTheTopRow) {
-    for (int row = 0; row < 40; ++row) {
+    for (int row = 0; row < 40; ++row)
         addRowOnly(u"/m/" + std::u16string(1, static_cast<char16_t>(0x4e00 + row)) + u".mp3");
-    }
     app.playList_Form().playList_Item.setTopIndex(4);
     press(65, fromList, forms::ctrlMask);
     EXPECT_EQ(app.playList_Form().playList_Item.topIndex(), 4);
@@ -296,9 +294,8 @@ TEST_F(WindowRules, TheDesktopLineStaysWhereAWindowManagerWouldCloseIt) {
 TEST_F(WindowRules, AStoredValueThatIsNeitherYesNorNoLeavesItsBox) {
     const auto *const key = u"SOFTWARE\\Norvane\\zkPlayer\\playSet";
     auto &form = app.playSetForm();
-    for (const char16_t *name : {u"AutoUpadate", u"isAutoPlay", u"VideoInterface"}) {
+    for (const char16_t *name : {u"AutoUpadate", u"isAutoPlay", u"VideoInterface"})
         fake.registry.setText(key, name, u"7");
-    }
     for (const std::int16_t value : {std::int16_t{0}, std::int16_t{1}}) {
         form.autoUpdate.setValue(value);
         form.isAutoPlay.setValue(value);

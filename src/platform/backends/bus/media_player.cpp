@@ -63,7 +63,8 @@ struct MediaPlayer::Calls {
 
     template <RemoteCommand command>
     static int click(sd_bus_message *message, void *object, sd_bus_error * /*error*/) {
-        return done(message, object, [](RemoteControlled &player) { player.command(command); });
+        return done(
+            message, object, [](RemoteControlled &player) { player.command(command); });
     }
 
     static int playPause(sd_bus_message *message, void *object, sd_bus_error *error) {

@@ -46,7 +46,8 @@ bool isPlain(char c) {
 
 bool isYear(std::string_view text) {
     return text.size() == 4 &&
-           std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+           std::all_of(
+               text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
 } // namespace

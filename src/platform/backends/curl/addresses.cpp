@@ -67,11 +67,14 @@ bool isLoopback(std::string_view host) {
 }
 
 bool isHostText(std::string_view host) noexcept {
-    return !host.empty() && std::none_of(host.begin(), host.end(), [](char byte) {
-        const auto value = static_cast<unsigned char>(byte);
-        return value <= ' ' || value == 0x7F ||
-               std::string_view("/?#@\\").find(byte) != std::string_view::npos;
-    });
+    return !host.empty() &&
+           std::none_of(
+               host.begin(), host.end(),
+               [](char byte) {
+                   const auto value = static_cast<unsigned char>(byte);
+                   return value <= ' ' || value == 0x7F ||
+                          std::string_view("/?#@\\").find(byte) != std::string_view::npos;
+               });
 }
 
 } // namespace velmora::platform::http

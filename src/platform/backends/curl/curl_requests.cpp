@@ -25,9 +25,11 @@ bool sameName(std::string_view a, std::string_view b) {
 }
 
 bool isVerb(std::string_view verb) {
-    return std::all_of(verb.begin(), verb.end(), [](char byte) {
-        return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || byte == '-';
-    });
+    return std::all_of(
+        verb.begin(), verb.end(),
+        [](char byte) {
+            return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || byte == '-';
+        });
 }
 
 } // namespace

@@ -74,10 +74,12 @@ bool PatientDisk::owesAnswer(const std::string &path) {
 }
 
 bool PatientDisk::isSilent(const std::string &path) {
-    return owesAnswer(path) && !ask(path, [path] {
-               struct ::stat info {};
-               return ::stat(path.c_str(), &info);
-           });
+    return owesAnswer(path) && !ask(
+                                   path,
+                                   [path] {
+                                       struct ::stat info {};
+                                       return ::stat(path.c_str(), &info);
+                                   });
 }
 
 void PatientDisk::note(std::string folder, bool inTime,

@@ -212,10 +212,9 @@ MciError parseMciCommand(std::u16string_view text, MciCommand &command) {
 std::optional<std::string> knownDeviceType(std::u16string_view type) {
     constexpr std::array<std::string_view, 5> types{"MPEGVideo", "MPEGVideo2", "Waveaudio",
                                                     "Sequencer", "AVIVideo"};
-    for (const std::string_view known : types) {
+    for (const std::string_view known : types)
         if (equalsIgnoringCase(type, fromAscii(known)))
             return std::string(known);
-    }
     return std::nullopt;
 }
 

@@ -104,10 +104,9 @@ MediumFile lookAtMedium(const std::string &path) {
 }
 
 bool belongsToPictureDevice(std::string_view beginning) {
-    for (const Mark &mark : marks) {
+    for (const Mark &mark : marks)
         if (hasAt(beginning, mark.offset, mark.bytes))
             return true;
-    }
     const bool isAvi = hasAt(beginning, 0, "RIFF"sv) &&
                        (hasAt(beginning, 8, "AVI "sv) || hasAt(beginning, 8, "CDXA"sv));
     return isAvi || isAdts(beginning) || isTransportStream(beginning) ||

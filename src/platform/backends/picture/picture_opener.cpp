@@ -15,10 +15,9 @@ namespace {
 bool hasGraphicsCard() {
     std::error_code error;
     for (std::filesystem::directory_iterator node("/dev/dri", error), end; !error && node != end;
-         node.increment(error)) {
+         node.increment(error))
         if (node->path().filename().string().starts_with("renderD"))
             return true;
-    }
     return false;
 }
 

@@ -49,12 +49,14 @@ void Scene::promote(const forms::Control &control) {
     own.widget = new Layer(*this, &control, callbacks_.layerInput, parent);
     // Widgets within it move over.
     if (const forms::Container *inner = containerOf(control)) {
-        walk(*inner, [&](const forms::Control &child) {
-            QWidget *widget = widgetOf(child);
-            if (widget != nullptr && widget->parentWidget() == parent)
-                widget->setParent(own.widget);
-            return true;
-        });
+        walk(
+            *inner,
+            [&](const forms::Control &child) {
+                QWidget *widget = widgetOf(child);
+                if (widget != nullptr && widget->parentWidget() == parent)
+                    widget->setParent(own.widget);
+                return true;
+            });
     }
     syncTree(control);
     restack(form_);
@@ -101,11 +103,13 @@ void Scene::promoteAll(const forms::Container &container) {
 }
 
 void Scene::restack(const forms::Container &container) {
-    walk(container, [this](const forms::Control &control) {
-        if (QWidget *widget = widgetOf(control))
-            widget->raise();
-        return true;
-    });
+    walk(
+        container,
+        [this](const forms::Control &control) {
+            if (QWidget *widget = widgetOf(control))
+                widget->raise();
+            return true;
+        });
 }
 
 // Leaves the focus with the window, so that no key reaches the control. The form gives it back.

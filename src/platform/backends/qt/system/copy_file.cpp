@@ -32,9 +32,8 @@ bool copyShowing(FileCopy &copy, const QString &name) {
     while (copy.copyPiece()) {
         progress.setValue(static_cast<int>(std::min(copy.share(), 1.0) * (steps - 1)));
         QCoreApplication::processEvents();
-        if (progress.wasCanceled()) {
+        if (progress.wasCanceled())
             return false;
-        }
     }
     return true;
 }

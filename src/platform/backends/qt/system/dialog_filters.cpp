@@ -14,13 +14,11 @@ namespace {
 // The toolkit compares with case on this system, so each letter is given both ways.
 QString ignoringCase(const QString &pattern) {
     QString both;
-    for (const QChar unit : pattern) {
-        if (unit.isLetter() && unit.toLower() != unit.toUpper()) {
+    for (const QChar unit : pattern)
+        if (unit.isLetter() && unit.toLower() != unit.toUpper())
             both += QLatin1Char('[') + unit.toLower() + unit.toUpper() + QLatin1Char(']');
-        } else {
+        else
             both += unit;
-        }
-    }
     return both;
 }
 
@@ -41,9 +39,8 @@ struct Filter {
 std::vector<Filter> filtersOf(std::u16string_view pairs) {
     const std::vector<std::u16string> parts = split(pairs, u'\0');
     std::vector<Filter> filters;
-    for (std::size_t i = 0; i + 1 < parts.size() && !parts[i].empty(); i += 2) {
+    for (std::size_t i = 0; i + 1 < parts.size() && !parts[i].empty(); i += 2)
         filters.push_back({parts[i], parts[i + 1]});
-    }
     return filters;
 }
 
@@ -62,9 +59,8 @@ QStringList nameFilters(std::u16string_view pairs) {
         filters += description(filter.name) + QLatin1String(" (") +
                    patternsOf(filter.patterns).join(QLatin1Char(' ')) + QLatin1Char(')');
     }
-    if (filters.isEmpty()) {
+    if (filters.isEmpty())
         filters += QStringLiteral("*");
-    }
     return filters;
 }
 

@@ -70,9 +70,8 @@ public:
                                                    record.customColours[at + 1],
                                                    record.customColours[at + 2]));
         }
-        if (!runs(dialog)) {
+        if (!runs(dialog))
             return false;
-        }
         record.result = toColour(dialog.selectedColor());
         return true;
     }
@@ -107,24 +106,21 @@ public:
         // What it shows by itself for a font that is not installed: confirming that is no choice,
         // any other name is.
         const QString substitute = dialog.currentFont().family();
-        if (!runs(dialog)) {
+        if (!runs(dialog))
             return 0;
-        }
         const QFont chosen = dialog.selectedFont();
         record.logFont.weight = chosen.bold() ? boldWeight : regularWeight;
         record.logFont.italic = chosen.italic();
         record.logFont.underline = chosen.underline();
-        if (chosen.family() != substitute) {
+        if (chosen.family() != substitute)
             record.logFont.faceName = ansi_.encode(qt::fromQString(chosen.family()));
-        }
         record.pointSize = static_cast<std::int32_t>(std::lround(chosen.pointSizeF() * tenths));
         return 1;
     }
 
     std::int32_t SHFileOperationA(SHFILEOPSTRUCT &operation) override {
-        if (operation.function != FO_COPY) {
+        if (operation.function != FO_COPY)
             return 1;
-        }
         windows_.beforeNestedLoop();
         const auto outcome =
             qt::copyIntoFolder(windows_, untilNul(operation.from), untilNul(operation.to), calls_);
@@ -168,26 +164,22 @@ private:
 
     std::optional<std::u16string> chosenFile(QFileDialog &dialog) {
         layOut(dialog);
-        if (!runs(dialog) || dialog.selectedFiles().isEmpty()) {
+        if (!runs(dialog) || dialog.selectedFiles().isEmpty())
             return std::nullopt;
-        }
         return toPath(dialog.selectedFiles().front());
     }
 
     bool fileName(QFileDialog &dialog, OPENFILENAME &record) {
         dialog.setWindowTitle(qt::toShown(record.title));
         dialog.setNameFilters(qt::nameFilters(record.filter));
-        if (!record.initialDirectory.empty()) {
+        if (!record.initialDirectory.empty())
             dialog.setDirectory(fromPath(record.initialDirectory));
-        }
         const std::u16string_view proposed = untilNul(record.file);
-        if (!proposed.empty()) {
+        if (!proposed.empty())
             dialog.selectFile(fromPath(proposed));
-        }
         const auto chosen = chosenFile(dialog);
-        if (chosen) {
+        if (chosen)
             record.file = *chosen + std::u16string(1, u'\0');
-        }
         return chosen.has_value();
     }
 

@@ -129,19 +129,21 @@ double QtWindowSystem::pixelScale() const { return qGuiApp->devicePixelRatio(); 
 std::function<void(bool)> QtWindowSystem::watch(int descriptor, std::function<void()> ready) {
     // A watch may end inside its own call, so the notifiers go when that is over.
     const auto make = [&](QSocketNotifier::Type type) {
-        std::shared_ptr<QSocketNotifier> notifier(new QSocketNotifier(descriptor, type),
-                                                  [](QSocketNotifier *gone) {
-                                                      gone->setEnabled(false);
-                                                      gone->disconnect();
-                                                      gone->deleteLater();
-                                                  });
+        std::shared_ptr<QSocketNotifier> notifier(
+            new QSocketNotifier(descriptor, type),
+            [](QSocketNotifier *gone) {
+                gone->setEnabled(false);
+                gone->disconnect();
+                gone->deleteLater();
+            });
         notifier->setEnabled(type == QSocketNotifier::Read);
-        QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(),
-                         [loop = &parts_->hub.loop, ready] {
-                             const auto work = ready;
-                             const qt::Loop::Handler handler(*loop);
-                             work();
-                         });
+        QObject::connect(
+            notifier.get(), &QSocketNotifier::activated, notifier.get(),
+            [loop = &parts_->hub.loop, ready] {
+                const auto work = ready;
+                const qt::Loop::Handler handler(*loop);
+                work();
+            });
         return notifier;
     };
     return [reading = make(QSocketNotifier::Read),
@@ -159,7 +161,8 @@ std::uint32_t QtWindowSystem::waitForEvents(std::chrono::steady_clock::time_poin
 HWND QtWindowSystem::formMade(forms::Form &form) { return parts_->hub.addForm(form); }
 
 void QtWindowSystem::formGone(forms::Form &form) {
-    std::erase_if(parts_->hub.forms, [&](const auto &entry) { return entry.second.form == &form; });
+    std::erase_if(
+        parts_->hub.forms, [&](const auto &entry) { return entry.second.form == &form; });
 }
 
 std::unique_ptr<forms::FormWindow> QtWindowSystem::makeWindow(forms::Form &form) {

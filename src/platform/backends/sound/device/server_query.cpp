@@ -86,10 +86,9 @@ bool configNamesServer() {
         if (namesServer(path))
             return true;
         const std::string folder = path + ".d";
-        for (const std::string &name : namesIn(folder)) {
+        for (const std::string &name : namesIn(folder))
             if (name.ends_with(".conf") && namesServer(folder + "/" + name))
                 return true;
-        }
     }
     return false;
 }

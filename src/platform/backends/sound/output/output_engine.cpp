@@ -5,10 +5,9 @@
 namespace velmora::platform::sound {
 
 OutputEngine::~OutputEngine() {
-    for (const auto &left : left_) {
+    for (const auto &left : left_)
         if (const auto thread = left.lock())
             thread->end();
-    }
     if (thread_)
         thread_->end();
 }
@@ -31,10 +30,9 @@ void OutputEngine::wake() {
     tend();
     if (thread_)
         thread_->wake();
-    for (const auto &left : left_) {
+    for (const auto &left : left_)
         if (const auto thread = left.lock())
             thread->wake();
-    }
 }
 
 void OutputEngine::tend() {

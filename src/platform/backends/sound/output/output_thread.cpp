@@ -144,9 +144,9 @@ TimePoint OutputThread::connect(PulseLink &link, TimePoint now) {
         return connectRetry_;
     }
     // A medium just opened is worth a try at once; one that stands still is not worth waking up.
-    const bool fresh = std::any_of(lines_.begin(), lines_.end(), [this](const Line &line) {
-        return !line.voice->stream() && line.since > connectSince_;
-    });
+    const bool fresh = std::any_of(
+        lines_.begin(), lines_.end(),
+        [this](const Line &line) { return !line.voice->stream() && line.since > connectSince_; });
     const bool playing = std::any_of(lines_.begin(), lines_.end(),
                                      [](const Line &line) { return line.voice->wantsToPlay(); });
     if (!fresh && !playing)

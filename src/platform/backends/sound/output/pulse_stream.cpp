@@ -70,11 +70,10 @@ void PulseStream::connect() {
         [](pa_stream *stream, void *self) {
             auto *that = static_cast<PulseStream *>(self);
             const pa_stream_state_t state = that->table_.pa_stream_get_state(stream);
-            if (state == PA_STREAM_READY) {
+            if (state == PA_STREAM_READY)
                 that->askSink();
-            } else if (!PA_STREAM_IS_GOOD(state)) {
+            else if (!PA_STREAM_IS_GOOD(state))
                 that->state_ = State::Lost;
-            }
         },
         this);
     table_.pa_stream_set_started_callback(

@@ -66,10 +66,9 @@ std::optional<std::int64_t> fileBehind(const ByteSource &source, std::int64_t st
 std::string_view markOf(const ByteSource &source) {
     Head head{};
     source.read(0, head);
-    for (const auto mark : {"fLaC"sv, "OggS"sv}) {
+    for (const auto mark : {"fLaC"sv, "OggS"sv})
         if (view(head).starts_with(mark))
             return mark;
-    }
     return {};
 }
 
@@ -90,13 +89,12 @@ JoinedParts::JoinedParts(const ByteSource &source) : source_(source), mark_(mark
 bool JoinedParts::searchOn() {
     if (isComplete_)
         return false;
-    if (!mark_.empty()) {
+    if (!mark_.empty())
         searchMarks();
-    } else if (const auto next = fileBehind(source_, starts_.back())) {
+    else if (const auto next = fileBehind(source_, starts_.back()))
         starts_.push_back(*next);
-    } else {
+    else
         isComplete_ = true;
-    }
     isComplete_ = isComplete_ || starts_.size() == mostParts;
     return !isComplete_;
 }

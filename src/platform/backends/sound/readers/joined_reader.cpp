@@ -30,12 +30,11 @@ public:
         stereo_.resize(frames * 2);
         mix_.mix(in.data(), stereo_.data(), frames);
         out.assign(frames * to_, 0.0F);
-        for (std::size_t i = 0; i < frames; ++i) {
+        for (std::size_t i = 0; i < frames; ++i)
             if (to_ == 1)
                 out[i] = (stereo_[i * 2] + stereo_[i * 2 + 1]) / 2;
             else
                 std::copy_n(&stereo_[i * 2], 2, &out[i * to_]);
-        }
     }
 
 private:

@@ -14,10 +14,9 @@ SndfileTable::SndfileTable(const LoadedLibrary &library){
 FluidsynthTable::FluidsynthTable(const LoadedLibrary &library) {
     VELMORA_FLUIDSYNTH_FUNCTIONS(VELMORA_TABLE_BIND)
     // The library would report every oddity of a file on standard error.
-    if (complete) {
+    if (complete)
         for (const int level : {FLUID_PANIC, FLUID_ERR, FLUID_WARN, FLUID_INFO, FLUID_DBG})
             fluid_set_log_function(level, nullptr, nullptr);
-    }
 }
 
 namespace {
