@@ -78,10 +78,19 @@ void remoteControl::command(RemoteCommand command) {
         app_.formSet().show_Player();
         return;
     }
+    // The start that a command itself may have caused ends with it.
+    if (!app_.Main().Timer1.running())
+        asked_ = command;
     if (isStill())
         return;
     const AtWork work(atWork_);
     passOver([&] { perform(command); });
+}
+
+void remoteControl::doWaiting() {
+    openWaiting();
+    if (asked_ && !isStill())
+        command(*std::exchange(asked_, std::nullopt));
 }
 
 void remoteControl::perform(RemoteCommand command) {

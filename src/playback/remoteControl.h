@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -62,6 +63,7 @@ private:
     template <typename Held, typename Value> void take(Held &held, const Value &value);
     void keepAwake();
 
+    void doWaiting();
     void openWaiting();
     void openNow(const Order &order);
     void openOne(const std::u16string &path);
@@ -74,6 +76,7 @@ private:
     std::uint32_t openedAt_ = 0; // closings when the track was counted
     std::uint32_t lyric_ = 0;    // the reading that `now_` has
     platform::Awake awake_;
+    std::optional<platform::RemoteCommand> asked_; // during the start, the last that was
     std::deque<Order> waiting_;
     std::size_t waitingPaths_ = 0;
     int atWork_ = 0; // commands whose work, with the events in it, goes on

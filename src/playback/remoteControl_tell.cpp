@@ -43,8 +43,8 @@ void remoteControl::tick(std::int32_t lengthMs) {
             app_.platform().remote.publish(now_);
         keepAwake();
     }
-    if (!waiting_.empty() && !isStill())
-        app_.platform().windows.whenIdle([this] { openWaiting(); });
+    if ((!waiting_.empty() || asked_) && !isStill())
+        app_.platform().windows.whenIdle([this] { doWaiting(); });
 }
 
 void remoteControl::readTrack(std::int32_t lengthMs) {

@@ -87,16 +87,16 @@ class BusTest(PlayerTest):
         return {line.split()[0] for line in told.splitlines() if line}
 
     def start_there(self):
+        """A client asks for no next track before it is told that there is one."""
         player, main = self.start()
         self.assertTrue(wait_for(lambda: NAME in self.names(), 20), "the player is not on the bus")
+        self.assertTrue(wait_for(lambda: self.property("CanGoNext") == "b true", 20),
+                        "the list is not told of")
         return player, main
 
     def play_first(self):
-        """A command does nothing until the main window takes clicks, which no one is told of."""
-        def plays():
-            self.control("next")
-            return wait_for(lambda: self.control("status") == "Playing", 5)
-        self.assertTrue(wait_for(plays, 30, 0), "nothing plays")
+        self.control("next")
+        self.assert_comes("Playing", "status")
 
 
 class Remote(BusTest):
@@ -319,6 +319,13 @@ class Opened(BusTest):
         self.assertEqual((done.returncode, done.stdout), (0, ""))
         self.assertTrue(wait_for(lambda: "two 100%" in self.open("--status").stdout, 30))
         self.assertTrue(wait_for(lambda: self.open("--status").stdout.startswith("Playing"), 30))
+
+    def test_what_is_asked_for_during_the_start_that_it_causes_is_done(self):
+        self.start_bus_with_services()
+        self.addCleanup(self.end_it)
+        self.assertEqual(self.open("--play").returncode, 0)
+        self.assertTrue(wait_for(lambda: self.open("--status").stdout.startswith("Playing"), 30),
+                        self.open("--status").stdout)
 
     def test_it_steers_and_says_what_plays(self):
         self.start_there()

@@ -104,10 +104,28 @@ TEST_F(RemoteCommands, ABoxThatIsUpTakesNoneOfThem) {
     EXPECT_THAT(media.actions(), ::testing::Not(::testing::IsEmpty()));
 }
 
-TEST_F(RemoteCommands, BeforeTheEndOfTheStartThereIsNothingToClick) {
+TEST_F(RemoteCommands, TheLastThatIsAskedForDuringTheStartIsDoneAtItsEndAndOnce) {
     main().Timer1.setRunning(false);
+    ask(RemoteCommand::Previous);
     ask(RemoteCommand::Next);
     EXPECT_THAT(media.actions(), ::testing::IsEmpty());
+    main().Timer1.setRunning(true);
+    windows.advance(1000);
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+    windows.advance(3000);
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+}
+
+TEST_F(RemoteCommands, WhatIsAskedForDuringTheStartWaitsForABoxToBeAnswered) {
+    main().Timer1.setRunning(false);
+    ask(RemoteCommand::Next);
+    main().Timer1.setRunning(true);
+    main().setEnabled(false);
+    windows.advance(3000);
+    EXPECT_THAT(media.actions(), ::testing::IsEmpty());
+    main().setEnabled(true);
+    windows.advance(1000);
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
 }
 
 TEST_F(RemoteCommands, QuitIsTheCloseButton) {
