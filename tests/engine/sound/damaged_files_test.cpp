@@ -2,6 +2,7 @@
 // in bounded time.
 
 #include "flac_bytes.h"
+#include "odd_sounds.h"
 #include "platform/backends/sound/readers/flac_length.h"
 
 #include <chrono>
@@ -254,6 +255,39 @@ TEST_F(Damaged, WhatStandsBehindJunkIsPlayedWhereItsBeginningIsCertain) {
         }
     }
     EXPECT_FALSE(open(behindJunk("film.ogv", 5000)));
+}
+
+TEST_F(Damaged, ALastPageThatTellsAnyEndIsBelievedNoFurtherThanItsPacketsReach) {
+    for (const char *name : {"chirp.ogg", "chirp.opus"}) {
+        Bytes bytes = readFile(mediaFile(name));
+        const std::size_t last = pagesOf(bytes).back();
+        for (const std::size_t byteOfEnd : {2U, 3U, 7U}) {
+            Bytes lying = bytes;
+            lying.at(last + 6 + byteOfEnd) = 0x40; // 87 s, 6 h, longer than anything
+            sealPage(lying, last, lying.size());
+            const auto reader = open(lying);
+            ASSERT_TRUE(reader) << name << " " << byteOfEnd;
+            EXPECT_NEAR(lengthMs(*reader), 10123, 50) << name << " " << byteOfEnd;
+            EXPECT_EQ(decodeAll(*reader), reader->frames()) << name << " " << byteOfEnd;
+        }
+    }
+}
+
+// Its pages count at 48 kHz, whatever rate it is decoded at.
+TEST_F(Damaged, AnOpusOfALowRateIsBelievedNoFurtherEither) {
+    Bytes bytes = readFile(mediaFile("chirp.opus"));
+    const auto pages = pagesOf(bytes);
+    constexpr std::size_t rateAt = 28 + 12;
+    const Bytes rate = {0xC0, 0x5D, 0, 0}; // 24000
+    std::copy(rate.begin(), rate.end(), bytes.begin() + rateAt);
+    sealPage(bytes, 0, pages[1]);
+    bytes.at(pages.back() + 9) = 0x40;
+    sealPage(bytes, pages.back(), bytes.size());
+    const auto reader = open(bytes);
+    ASSERT_TRUE(reader);
+    EXPECT_EQ(reader->rate(), 24000);
+    EXPECT_NEAR(lengthMs(*reader), 10123, 50);
+    EXPECT_EQ(decodeAll(*reader), reader->frames());
 }
 
 TEST_F(Damaged, JoinedMp3FilesHaveTheLengthOfBoth) {

@@ -16,7 +16,8 @@ struct OddSound {
     Bytes bytes;
     // Of the whole file's length, where the file says enough to know.
     std::optional<double> times = std::nullopt;
-    std::size_t holeAhead = 0; // so many bytes of a tag stand in front
+    std::size_t hole = 0; // so many bytes of a tag stand here
+    std::size_t holeAt = 0;
 };
 
 inline Bytes id3Head(std::size_t size) {
@@ -52,9 +53,10 @@ inline Bytes withNumber(Bytes bytes, std::size_t at, bool bigEndian,
     return bytes;
 }
 
-inline std::size_t placeOf(const Bytes &bytes, const std::string &mark) {
-    return static_cast<std::size_t>(
-        std::search(bytes.begin(), bytes.end(), mark.begin(), mark.end()) - bytes.begin());
+inline std::size_t placeOf(const Bytes &bytes, const std::string &mark, std::size_t from = 0) {
+    return static_cast<std::size_t>(std::search(bytes.begin() + static_cast<std::ptrdiff_t>(from),
+                                                bytes.end(), mark.begin(), mark.end()) -
+                                    bytes.begin());
 }
 
 // A field that tells a length.
@@ -97,6 +99,89 @@ inline void addLies(std::vector<OddSound> &odd, const std::string &form, const B
     }
 }
 
+// Where the pages of a stream begin.
+inline std::vector<std::size_t> pagesOf(const Bytes &bytes) {
+    std::vector<std::size_t> pages;
+    const std::string mark("OggS\0", 5);
+    for (std::size_t at = placeOf(bytes, mark); at < bytes.size();
+         at = placeOf(bytes, mark, at + 1))
+        pages.push_back(at);
+    return pages;
+}
+
+// A page carries a sum of itself, which counts as zero there.
+inline void sealPage(Bytes &bytes, std::size_t from, std::size_t to) {
+    constexpr std::size_t sumAt = 22;
+    const auto sum = [&](std::size_t i) -> std::uint8_t & { return bytes.at(from + sumAt + i); };
+    for (std::size_t i = 0; i < 4; ++i)
+        sum(i) = 0;
+    std::uint32_t crc = 0;
+    for (std::size_t at = from; at < to; ++at) {
+        crc ^= std::uint32_t{bytes[at]} << 24;
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc & 0x80000000U) != 0 ? crc << 1 ^ 0x04C11DB7 : crc << 1;
+    }
+    for (std::size_t i = 0; i < 4; ++i)
+        sum(i) = static_cast<std::uint8_t>(crc >> (8 * i));
+}
+
+// The last page tells where the piece ends. Less than it holds cuts the piece there.
+inline void addPageLies(std::vector<OddSound> &odd, const Bytes &whole) {
+    const auto pages = pagesOf(whole);
+    const auto with = [&](std::size_t page, std::size_t at, const Bytes &value) {
+        Bytes lying = whole;
+        std::copy(value.begin(), value.end(),
+                  lying.begin() + static_cast<std::ptrdiff_t>(pages[page] + at));
+        sealPage(lying, pages[page], page + 1 < pages.size() ? pages[page + 1] : lying.size());
+        return lying;
+    };
+    constexpr std::size_t positionAt = 6;
+    const std::size_t last = pages.size() - 1;
+    odd.push_back({"end in 3 hours", with(last, positionAt, {0, 0, 0, 0x20, 0, 0, 0, 0}), 1.0});
+    odd.push_back(
+        {"end in a million years", with(last, positionAt, {0, 0, 0, 0, 0, 0, 0, 0x20}), 1.0});
+    odd.push_back({"end at no place", with(last, positionAt, Bytes(8, 0xFF))});
+    odd.push_back({"end at the beginning", with(last, positionAt, Bytes(8, 0))});
+    odd.push_back({"a page in the middle at the end of time",
+                   with(last / 2, positionAt, {0, 0, 0, 0, 0, 0, 0, 0x7F})});
+    odd.push_back({"a page in the middle of another piece", with(last / 2, 14, {1, 2, 3, 4})});
+    odd.push_back({"a page twice",
+                   put(whole, pages[last / 2],
+                       Bytes(whole.begin() + static_cast<std::ptrdiff_t>(pages[last / 2]),
+                             whole.begin() + static_cast<std::ptrdiff_t>(pages[last / 2 + 1]))),
+                   1.0});
+    odd.push_back({"a tag between two pages", put(whole, pages[last / 2], id3Tag(3000)), 1.0});
+    odd.push_back(
+        {"foreign bytes between two pages", put(whole, pages[last / 2], Bytes(5000, 0x55)), 1.0});
+}
+
+// A tag, comment or the like of this size in front of the sound, as the form has it.
+inline std::optional<OddSound> withBigChunk(const std::string &form, const Bytes &whole,
+                                            std::uint32_t size) {
+    const bool isWav = form == "wav";
+    const std::string what = "a chunk of " + std::to_string(size / 1'000'000) + " MB ahead";
+    if (isWav || form == "aiff") {
+        const std::size_t at = placeOf(whole, isWav ? "data" : "SSND");
+        Bytes chunk = isWav ? Bytes{'L', 'I', 'S', 'T'} : Bytes{'A', 'N', 'N', 'O'};
+        chunk.resize(8);
+        chunk = withNumber(
+            chunk, 4, !isWav, [&](std::uint32_t) { return size; });
+        const Bytes grown =
+            withNumber(whole, 4, !isWav, [&](std::uint32_t n) { return n + size + 8; });
+        return OddSound{what, put(grown, at, chunk), 1.0, size, at + chunk.size()};
+    }
+    if (form == "au") {
+        const auto grow = [&](std::uint32_t n) { return n + size; };
+        return OddSound{what, withNumber(whole, 4, true, grow), 1.0, size, 24};
+    }
+    if (form == "flac") { // whose blocks are of 16 MB at most
+        constexpr std::size_t firstEnd = 42;
+        return OddSound{"a block of 16 MB ahead", put(whole, firstEnd, {1, 0xFF, 0xFF, 0xFF}), 1.0,
+                        0xFFFFFF, firstEnd + 4};
+    }
+    return std::nullopt;
+}
+
 // What a part of the form begins with, in the middle of sound.
 inline Bytes chanceHeader(const std::string &form) {
     if (form == "mp3" || form == "mp2")
@@ -108,15 +193,18 @@ inline Bytes chanceHeader(const std::string &form) {
     return form == "wav" ? Bytes{'R', 'I', 'F', 'F'} : Bytes{'F', 'O', 'R', 'M'};
 }
 
-// `cutStep`: it is cut at each multiple of so many bytes.
+struct OddSteps {
+    std::size_t cut = 1024; // it is cut at each multiple of so many bytes
+    std::size_t header = 1; // each of so many bytes of its beginning is wrong in turn
+};
+
 inline std::vector<OddSound> oddSounds(const std::string &form, const Bytes &whole,
-                                       std::size_t cutStep) {
+                                       OddSteps steps) {
     constexpr std::size_t bigTag = 50'000'000;
     std::mt19937 random(4);
     Bytes junk(5000);
     for (auto &byte : junk)
         byte = static_cast<std::uint8_t>(random());
-    const bool mpeg = form == "mp3" || form == "mp2";
     // What a page held that is no more is gone for its time, too.
     const bool pages = form == "ogg" || form == "opus";
     const auto spoilt = pages ? std::nullopt : std::optional(1.0);
@@ -129,15 +217,23 @@ inline std::vector<OddSound> oddSounds(const std::string &form, const Bytes &who
                                  {"junk between", put(whole, whole.size() / 2, junk), spoilt},
                                  {"a chance header inside", overwritten, spoilt},
                                  {"joined", put(whole, whole.size(), whole), 2.0}};
-    if (mpeg || form == "flac") {
-        odd.push_back({"joined with a tag between",
-                       put(put(whole, whole.size(), id3Tag(3000)), whole.size() + 3010, whole),
-                       2.0});
-        odd.push_back({"behind a tag of 50 MB", put(whole, 0, id3Head(bigTag)), 1.0, bigTag});
-        odd.push_back({"a tag in the middle", put(whole, whole.size() / 2, id3Tag(3000)), 1.0});
-    }
+    odd.push_back({"joined with a tag between",
+                   put(put(whole, whole.size(), id3Tag(3000)), whole.size() + 3010, whole), 2.0});
+    odd.push_back({"behind a tag of 50 MB", put(whole, 0, id3Head(bigTag)), 1.0, bigTag, 10});
+    odd.push_back({"a tag in the middle", put(whole, whole.size() / 2, id3Tag(3000)), spoilt});
+    odd.push_back({"a tag behind", put(whole, whole.size(), id3Tag(3000)), 1.0});
+    if (const auto big = withBigChunk(form, whole, bigTag))
+        odd.push_back(*big);
     addLies(odd, form, whole);
-    for (std::size_t size = cutStep; size < whole.size(); size += cutStep)
+    if (pages)
+        addPageLies(odd, whole);
+    constexpr std::size_t headerSize = 96;
+    for (std::size_t at = steps.header - 1; at < headerSize; at += steps.header) {
+        Bytes wrong = whole;
+        wrong.at(at) ^= 0xFF;
+        odd.push_back({"byte " + std::to_string(at) + " wrong", wrong});
+    }
+    for (std::size_t size = steps.cut; size < whole.size(); size += steps.cut)
         odd.push_back({"cut at " + std::to_string(size),
                        Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size))});
     return odd;
@@ -150,11 +246,9 @@ inline void writeOdd(const std::string &path, const OddSound &odd) {
         file.write(reinterpret_cast<const char *>(odd.bytes.data()) + from,
                    static_cast<std::streamsize>(count));
     };
-    constexpr std::size_t head = 10;
-    const std::size_t ahead = odd.holeAhead > 0 ? head : 0;
-    bytes(0, ahead);
-    file.seekp(static_cast<std::streamoff>(ahead + odd.holeAhead));
-    bytes(ahead, odd.bytes.size() - ahead);
+    bytes(0, odd.holeAt);
+    file.seekp(static_cast<std::streamoff>(odd.holeAt + odd.hole));
+    bytes(odd.holeAt, odd.bytes.size() - odd.holeAt);
 }
 
 } // namespace velmora::tests

@@ -1,6 +1,7 @@
 #include "platform/backends/sound/readers/joined_parts.h"
 
 #include "platform/backends/sound/readers/flac_length.h"
+#include "platform/backends/sound/readers/mpeg_frame.h"
 #include "platform/backends/sound/readers/ogg_length.h"
 
 #include <array>
@@ -47,20 +48,23 @@ std::optional<std::int64_t> toldSize(const Head &head) {
     return size == unknown ? std::nullopt : std::optional(8 + size + (size & 1));
 }
 
-// Where a file of the same form begins right behind the one that begins here.
+// Where a file of the same form begins right behind the one that begins here, or behind its tag.
 std::optional<std::int64_t> fileBehind(const ByteSource &source, std::int64_t start) {
     Head head{};
     Head next{};
     if (source.read(start, head) < head.size())
         return std::nullopt;
     const auto size = toldSize(head);
-    if (!size || source.read(start + *size, next) < next.size() ||
+    if (!size)
+        return std::nullopt;
+    const std::int64_t behind = start + *size + id3v2Size(source, start + *size);
+    if (source.read(behind, next) < next.size() ||
         view(next).substr(0, 4) != view(head).substr(0, 4))
         return std::nullopt;
     const bool isChunk = view(head)[0] != '.' && view(head)[0] != 'd';
     if (isChunk && view(next).substr(8) != view(head).substr(8))
         return std::nullopt;
-    return start + *size;
+    return behind;
 }
 
 std::string_view markOf(const ByteSource &source) {

@@ -100,6 +100,83 @@ std::uint32_t pageCrc(Bytes page) {
     return crc;
 }
 
+struct Form {
+    bool isOpus = false;
+    std::uint64_t lead = 0;    // samples that the coder takes to begin
+    std::uint64_t longest = 0; // samples of a packet; 0: not known
+};
+
+Form formOf(Bytes firstPage) {
+    const std::size_t packet = headerSize + firstPage[26];
+    if (packet + 29 > firstPage.size())
+        return {};
+    const auto *head = firstPage.data() + packet;
+    if (std::memcmp(head, "OpusHead", 8) == 0)
+        return {true, littleEndian(firstPage, packet + 10, 2), 0};
+    if (std::memcmp(head, "\x01vorbis", 7) == 0) // whose blocks overlap by half
+        return {false, 0, (std::uint64_t{1} << (head[28] >> 4)) / 2};
+    return {};
+}
+
+// The last pages of a stream on which a packet ends, from the last one on: two of them at most.
+std::vector<Bytes> lastPages(Bytes tail, std::uint64_t serial) {
+    std::vector<Bytes> pages;
+    for (std::size_t at = tail.size(); at-- > 0 && pages.size() < 2;) {
+        const Bytes page = tail.subspan(at);
+        const std::size_t size = page[0] == 'O' ? pageSize(page) : 0;
+        if (size > 0 && littleEndian(page, 14, 4) == serial &&
+            littleEndian(page, 6, 8) != noPosition)
+            pages.push_back(page.first(size));
+    }
+    return pages;
+}
+
+// As its first byte has it.
+std::uint64_t samplesOfOpusPacket(Bytes packet) {
+    constexpr std::uint64_t ms = 48;
+    if (packet.empty())
+        return 0;
+    const unsigned form = packet[0] >> 3;
+    const std::uint64_t frame = form >= 16        ? (ms * 5 / 2) << (form & 3)
+                                : form >= 12      ? (ms * 10) << (form & 1)
+                                : (form & 3) == 3 ? ms * 60
+                                                  : (ms * 10) << (form & 3);
+    const unsigned count = packet[0] & 3;
+    return frame * (count == 0 ? 1 : count < 3 ? 2 : packet.size() > 1 ? packet[1] & 0x3F : 0);
+}
+
+// The most samples that the packets which end on a page can hold; absent: it cannot be told.
+std::optional<std::uint64_t> mostOn(Bytes page, const Form &form) {
+    if (!form.isOpus && form.longest == 0)
+        return std::nullopt;
+    const std::size_t segments = page[26];
+    std::uint64_t most = 0;
+    std::size_t packet = headerSize + segments;
+    bool isBeginning = (page[5] & 1) == 0; // else the first one began on the page before
+    for (std::size_t i = 0, at = packet; i < segments; ++i) {
+        at += page[headerSize + i];
+        if (page[headerSize + i] == 255)
+            continue;
+        constexpr std::uint64_t longestOfOpus = 5760;
+        most += !form.isOpus  ? form.longest
+                : isBeginning ? samplesOfOpusPacket(page.subspan(packet, at - packet))
+                              : longestOfOpus;
+        packet = at;
+        isBeginning = true;
+    }
+    return most;
+}
+
+// Where the last page says that the stream ends, but no later than its packets reach.
+std::uint64_t believableEnd(const std::vector<Bytes> &pages, const Form &form) {
+    const auto told = [&](std::size_t i) { return littleEndian(pages[i], 6, 8); };
+    const auto number = [&](std::size_t i) { return littleEndian(pages[i], 18, 4); };
+    if (pages.size() < 2 || number(0) != number(1) + 1)
+        return told(0); // what lies between is lost, and how long that was nobody knows
+    const auto most = mostOn(pages[0], form);
+    return most ? std::min(told(0), told(1) + *most) : told(0);
+}
+
 } // namespace
 
 bool oggStreamBegins(const ByteSource &source, std::int64_t place) {
@@ -135,29 +212,23 @@ bool oggIsOnePiece(const ByteSource &source) {
 }
 
 std::optional<std::int64_t> oggSamplesPresent(const ByteSource &source) {
-    std::array<std::uint8_t, headerSize + 1 + 19> first{};
+    std::array<std::uint8_t, 128> first{};
     if (source.read(0, first) < first.size() || std::memcmp(first.data(), "OggS", 4) != 0)
         return std::nullopt;
-    const std::uint64_t serial = littleEndian(first, 14, 4);
-    // Opus counts the samples that its coder takes to begin.
-    const std::size_t packet = headerSize + first[26];
-    std::uint64_t lead = 0;
-    if (packet + 12 <= first.size() && std::memcmp(first.data() + packet, "OpusHead", 8) == 0)
-        lead = littleEndian(first, packet + 10, 2);
-
-    const std::int64_t start = std::max<std::int64_t>(source.size() - tailSize, 0);
-    std::vector<std::uint8_t> tail(static_cast<std::size_t>(source.size() - start));
-    tail.resize(source.read(start, tail));
-    for (std::size_t at = tail.size(); at-- > 0;) {
-        const Bytes page = Bytes(tail).subspan(at);
-        if (page[0] != 'O' || pageSize(page) == 0 || littleEndian(page, 14, 4) != serial)
+    const Form form = formOf(first);
+    for (const std::int64_t size : {tailSize / 8, tailSize}) {
+        const std::int64_t start = std::max<std::int64_t>(source.size() - size, 0);
+        std::vector<std::uint8_t> tail(static_cast<std::size_t>(source.size() - start));
+        tail.resize(source.read(start, tail));
+        const auto pages = lastPages(tail, littleEndian(first, 14, 4));
+        if (pages.size() < 2 && size < tailSize)
             continue;
-        const std::uint64_t position = littleEndian(page, 6, 8);
-        if (position == noPosition)
-            continue;
-        if (position > std::uint64_t{1} << 48 || position <= lead)
-            return std::nullopt;
-        return static_cast<std::int64_t>(position - lead);
+        if (pages.empty())
+            break;
+        const std::uint64_t position = believableEnd(pages, form);
+        if (position > std::uint64_t{1} << 48 || position <= form.lead)
+            break;
+        return static_cast<std::int64_t>(position - form.lead);
     }
     return std::nullopt;
 }

@@ -11,7 +11,8 @@
 namespace velmora::platform::sound {
 
 // The number of samples (in each channel) up to the end of the last whole page of the first stream,
-// Vorbis or Opus. No value when there is no such page.
+// Vorbis or Opus. What that page tells beyond what its packets can hold does not count. No value
+// when there is no such page.
 std::optional<std::int64_t> oggSamplesPresent(const ByteSource &source);
 
 // Whether the file is certainly not several joined to one, by a look at its end and at a few places

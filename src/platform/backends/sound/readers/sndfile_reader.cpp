@@ -103,11 +103,15 @@ private:
         return file_ != nullptr && same.channels == info_.channels;
     }
 
-    // A cut Ogg file does not know its length.
+    // A cut Ogg file does not know its length, and another may tell any.
     void correctLength() {
-        const int form = info_.format & SF_FORMAT_TYPEMASK;
-        if (form == SF_FORMAT_OGG && info_.frames == SF_COUNT_MAX)
-            info_.frames = oggSamplesPresent(*source_).value_or(info_.frames);
+        if ((info_.format & SF_FORMAT_TYPEMASK) != SF_FORMAT_OGG)
+            return;
+        constexpr int rateOfOpus = 48000; // whatever the rate that it is decoded at
+        const bool isOpus = (info_.format & SF_FORMAT_SUBMASK) == SF_FORMAT_OPUS;
+        if (const auto present = oggSamplesPresent(*source_))
+            info_.frames = std::min<sf_count_t>(
+                info_.frames, isOpus ? *present * info_.samplerate / rateOfOpus : *present);
     }
 
     std::shared_ptr<const SndfileTable> library_;
