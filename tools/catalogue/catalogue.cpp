@@ -2,8 +2,8 @@
 
 #include "base/ascii.h"
 #include "base/text.h"
+#include "base/utf8.h"
 #include "catalogue/lyric_file.h"
-#include "catalogue/maker_files.h"
 #include "catalogue/pages.h"
 #include "catalogue/texts.h"
 
@@ -17,16 +17,55 @@ constexpr std::string_view pageType = "text/html; charset=gb18030";
 constexpr std::string_view textType = "text/plain; charset=utf-8";
 constexpr std::chrono::seconds refreshEvery{2};
 
-Answer notFound() {
-    return {404, std::string(textType), "There is nothing here.\r\n", std::nullopt};
+Answer text(std::string bytes) {
+    return {200, std::string(textType), std::move(bytes), std::nullopt, {}};
 }
 
+Answer notFound() { return plainAnswer(404, "There is nothing here.\r\n"); }
+
+// The pages bring their looks with them, and load nothing.
 Answer page(const std::u16string &text) {
-    return {200, std::string(pageType), pageBytes(text), std::nullopt};
+    return {200,
+            std::string(pageType),
+            pageBytes(text),
+            std::nullopt,
+            {{"Content-Security-Policy", "default-src 'none'; style-src 'unsafe-inline'; "
+                                         "form-action 'self'; base-uri 'none'; "
+                                         "frame-ancestors 'none'"}}};
 }
 
 Answer file(std::optional<OpenFile> open, std::string_view type) {
-    return open ? Answer{200, std::string(type), "", std::move(open)} : notFound();
+    return open ? Answer{200, std::string(type), "", std::move(open), {}} : notFound();
+}
+
+// As an address has it: letters, digits and what else of ASCII means nothing there.
+std::string escaped(std::string_view bytes) {
+    constexpr std::string_view plain =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~";
+    std::string result;
+    for (const char byte : bytes)
+        if (plain.find(byte) == std::string_view::npos)
+            addEscaped(result, byte);
+        else
+            result += byte;
+    return result;
+}
+
+// What a browser saves a file as. The player takes a header of 1024 bytes, so a long name is cut.
+std::string disposition(std::string_view path) {
+    constexpr std::size_t longest = 300;
+    const std::string_view name = path.substr(path.rfind('/') + 1);
+    const std::size_t dot = std::min(name.rfind('.'), name.size());
+    const std::string end = escaped(name.substr(dot));
+    std::u16string stem = textOf(name.substr(0, dot));
+    std::string begin = escaped(toUtf8(stem));
+    while (!stem.empty() && begin.size() + end.size() > longest) {
+        stem.pop_back();
+        if (!stem.empty() && isHighSurrogate(stem.back()))
+            stem.pop_back();
+        begin = escaped(toUtf8(stem));
+    }
+    return "inline; filename*=UTF-8''" + begin + end;
 }
 
 // What can be said in an address without becoming something else.
@@ -37,11 +76,29 @@ bool isHostField(std::string_view host) {
                                   ".-:[]_") == std::string_view::npos;
 }
 
-bool isThisMachine(std::string_view host) {
-    const std::string name = lowerAscii(host.substr(0, host.rfind(':')));
-    const bool number =
-        name.substr(0, 4) == "127." && name.find_first_not_of("0123456789.") == std::string::npos;
-    return number || name == "localhost" || name == "[::1]" || lowerAscii(host) == "localhost";
+// Without the port, in small letters: "[::1]:8420" is "[::1]".
+std::string nameIn(std::string_view host) {
+    const std::size_t bracket = host.find(']');
+    const std::size_t end =
+        bracket != std::string_view::npos ? bracket + 1 : std::min(host.rfind(':'), host.size());
+    return lowerAscii(host.substr(0, end));
+}
+
+bool isNumber(std::string_view name) {
+    return (!name.empty() && name.front() == '[') ||
+           name.find_first_not_of("0123456789.") == std::string_view::npos;
+}
+
+bool isThisMachine(std::string_view name) {
+    return (isNumber(name) && name.substr(0, 4) == "127.") || name == "localhost" ||
+           name == "[::1]";
+}
+
+// No name of the web is of these kinds.
+bool isOfAHousehold(std::string_view name) {
+    constexpr std::string_view local = ".local";
+    return isNumber(name) || name.find('.') == std::string_view::npos ||
+           (name.size() > local.size() && name.substr(name.size() - local.size()) == local);
 }
 
 // What stands between a beginning and an end; absent unless both are there.
@@ -71,6 +128,10 @@ std::u16string searchWords(std::string_view query, std::string_view name, std::s
     return textOf(unescaped(plain));
 }
 
+Answer plainAnswer(unsigned status, std::string text) {
+    return {status, std::string(textType), std::move(text), std::nullopt, {}};
+}
+
 Catalogue::Catalogue(const std::string &folder, std::string ownAddress)
     : ownAddress_(std::move(ownAddress)), folder_(folder), library_(folder_) {
     refresh();
@@ -85,13 +146,44 @@ void Catalogue::refresh() {
 }
 
 std::u16string Catalogue::baseFor(std::string_view host) const {
-    return u"http://" + fromAscii(isHostField(host) ? host : std::string_view(ownAddress_));
+    return fromAscii(scheme_) + fromAscii(isHostField(host) ? host : std::string_view(ownAddress_));
+}
+
+std::optional<Offer> Catalogue::offerUpdatesFrom(const std::string &folder) {
+    updates_.emplace(folder);
+    return offer();
+}
+
+bool Catalogue::hasUnheededOffer() const {
+    return readSettings(folder_).find(u"update", u"version") != nullptr;
+}
+
+platform::IniText Catalogue::updateSettings() const {
+    return updates_ ? readSettings(*updates_) : platform::IniText();
+}
+
+std::optional<Offer> Catalogue::offer() const {
+    return updates_ ? offerOf(updateSettings(), *updates_) : std::nullopt;
+}
+
+void Catalogue::acceptName(const std::string &name) { names_.push_back(lowerAscii(name)); }
+
+void Catalogue::setOwnAddress(std::string scheme, std::string address) {
+    scheme_ = std::move(scheme);
+    ownAddress_ = std::move(address);
+}
+
+// An old client says nothing of where it asks.
+bool Catalogue::accepts(std::string_view host) const {
+    const std::string name = nameIn(host);
+    if (host.empty() || std::find(names_.begin(), names_.end(), name) != names_.end())
+        return true;
+    return onlyThisMachine_ ? isThisMachine(name) : isOfAHousehold(name);
 }
 
 Answer Catalogue::answer(std::string_view target, std::string_view host) {
-    if (onlyThisMachine_ && !host.empty() && !isThisMachine(host))
-        return {403, std::string(textType), "Ask for this machine by its own name.\r\n",
-                std::nullopt};
+    if (!accepts(host))
+        return plainAnswer(403, "Ask for this machine by its own name.\r\n");
     const std::size_t mark = std::min(target.find('?'), target.size());
     const std::string_view query = target.substr(std::min(mark + 1, target.size()));
     return route(lowerAscii(unescaped(target.substr(0, mark))), query, baseFor(host));
@@ -118,13 +210,9 @@ Answer Catalogue::route(const std::string &path, std::string_view query, std::u1
     if (path == "/program")
         return program();
     if (path == "/source/mini/zkplayerwelcome.php")
-        return {200, std::string(textType), welcomeFile(base, library_, readSettings(folder_)),
-                std::nullopt};
-    if (path == "/source/softwaredate/zkplayerupdate.php") {
-        const platform::IniText settings = readSettings(folder_);
-        return {200, std::string(textType), updateFile(base, settings, offerOf(settings, folder_)),
-                std::nullopt};
-    }
+        return text(welcomeFile(base, library_, readSettings(folder_)));
+    if (path == "/source/softwaredate/zkplayerupdate.php")
+        return text(updateFile(base, updateSettings(), offer()));
     return notFound();
 }
 
@@ -135,8 +223,7 @@ Answer Catalogue::lyric(std::string_view id) const {
         return notFound();
     const auto bytes = folder_.read(item->file.path, longest);
     auto lyric = bytes ? readLyric(*bytes) : std::nullopt;
-    return lyric ? Answer{200, std::string(textType), std::move(lyric->bytes), std::nullopt}
-                 : notFound();
+    return lyric ? text(std::move(lyric->bytes)) : notFound();
 }
 
 // The extension in the address is for people and programs that go by it.
@@ -144,12 +231,15 @@ Answer Catalogue::song(std::string_view name) const {
     const Item *item = library_.find(name.substr(0, name.find('.')));
     if (item == nullptr || item->isLyric)
         return notFound();
-    return file(folder_.open(item->file.path), mediaType(item->format));
+    Answer answer = file(folder_.open(item->file.path), mediaType(item->format));
+    if (answer.file)
+        answer.fields.push_back({"Content-Disposition", disposition(item->file.path)});
+    return answer;
 }
 
 Answer Catalogue::program() const {
-    const auto offer = offerOf(readSettings(folder_), folder_);
-    return offer ? file(folder_.open(offer->path), "application/octet-stream") : notFound();
+    const auto offered = offer();
+    return offered ? file(updates_->open(offered->path), "application/octet-stream") : notFound();
 }
 
 } // namespace velmora::catalogue

@@ -4,21 +4,27 @@
 
 #include "catalogue/folder.h"
 #include "catalogue/library.h"
+#include "catalogue/maker_files.h"
 
 #include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace velmora::catalogue {
 
 struct Answer {
     unsigned status = 200;
     std::string type;
-    std::string bytes;            // the body, unless
-    std::optional<OpenFile> file; // it is a file
+    std::string bytes;                                       // the body, unless
+    std::optional<OpenFile> file;                            // it is a file
+    std::vector<std::pair<std::string, std::string>> fields; // of the header, besides the type
 };
+
+Answer plainAnswer(unsigned status, std::string text);
 
 class Catalogue {
 public:
@@ -26,14 +32,24 @@ public:
     // in addresses when a request does not say how it came.
     Catalogue(const std::string &folder, std::string ownAddress);
 
+    // Whoever can write into the music offers no programs: those come from a folder of their own,
+    // with a catalogue.ini of its own. Answers what is offered now. Raises as above.
+    std::optional<Offer> offerUpdatesFrom(const std::string &folder);
+    // Whether the folder of music holds an offer, which nobody heeds.
+    bool hasUnheededOffer() const;
+
     // `target` is the path and query of a request as it came, `host` its Host field. Paths are told
     // apart without regard to case, since the player knows them in upper or lower case alone.
     Answer answer(std::string_view target, std::string_view host);
 
-    // Only names of this machine may stand in the Host field: no page of the web may then use a
-    // browser here to read the catalogue under a name of its own.
+    // Only names of this machine may stand in the Host field. Otherwise names that no page of the
+    // web can have do: numbers, names without a dot or of the kind "nas.local", and those accepted
+    // here. A page could else use a browser of the household to read the catalogue under its own
+    // name.
     void acceptOnlyThisMachine() { onlyThisMachine_ = true; }
-    void setOwnAddress(std::string address) { ownAddress_ = std::move(address); }
+    void acceptName(const std::string &name);
+    // `scheme` is "http://" or "https://".
+    void setOwnAddress(std::string scheme, std::string address);
 
     const Library &library() const noexcept { return library_; }
 
@@ -44,11 +60,18 @@ private:
     Answer lyric(std::string_view id) const;
     Answer song(std::string_view name) const;
     Answer program() const;
+    std::optional<Offer> offer() const;
+    platform::IniText updateSettings() const;
 
+    bool accepts(std::string_view host) const;
+
+    std::string scheme_ = "http://";
     std::string ownAddress_;
+    std::vector<std::string> names_; // in small letters
     bool onlyThisMachine_ = false;
     Folder folder_;
     Library library_;
+    std::optional<Folder> updates_;
     std::chrono::steady_clock::time_point refreshed_;
 };
 

@@ -24,6 +24,11 @@ Descriptor openFolder(int parent, const char *name) {
     return Descriptor(::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
 }
 
+std::int64_t changeOf(const struct ::stat &info) noexcept {
+    constexpr std::int64_t second = 1'000'000'000;
+    return info.st_mtim.tv_sec * second + info.st_mtim.tv_nsec;
+}
+
 struct CloseDirectory {
     void operator()(DIR *directory) const noexcept { ::closedir(directory); }
 };
@@ -42,9 +47,7 @@ void walk(Descriptor folder, const std::string &prefix, int depth, std::vector<F
             ::fstatat(number, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0)
             continue;
         if (S_ISREG(info.st_mode)) {
-            constexpr std::int64_t second = 1'000'000'000;
-            found.push_back(
-                {prefix + name, info.st_size, info.st_mtim.tv_sec * second + info.st_mtim.tv_nsec});
+            found.push_back({prefix + name, info.st_size, changeOf(info)});
         } else if (S_ISDIR(info.st_mode) && depth < deepest) {
             Descriptor below = openFolder(number, name.c_str());
             if (below)
@@ -59,6 +62,10 @@ bool isName(const std::string &name) {
 }
 
 } // namespace
+
+std::string tagOf(const OpenFile &file) {
+    return "\"" + std::to_string(file.changed) + "-" + std::to_string(file.bytes) + "\"";
+}
 
 Folder::Folder(const std::string &path)
     : root_(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
@@ -94,6 +101,7 @@ std::optional<OpenFile> Folder::open(const std::string &path) const {
     if (!result.file || ::fstat(result.file.number(), &info) != 0 || !S_ISREG(info.st_mode))
         return std::nullopt;
     result.bytes = info.st_size;
+    result.changed = changeOf(info);
     return result;
 }
 

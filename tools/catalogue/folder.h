@@ -21,7 +21,11 @@ struct FileEntry {
 struct OpenFile {
     platform::Descriptor file;
     std::int64_t bytes = 0;
+    std::int64_t changed = 0; // nanoseconds since 1970
 };
+
+// The same for the same content of a file, in quotes as an entity tag stands in a header.
+std::string tagOf(const OpenFile &file);
 
 // Links are never followed, neither to files nor to folders, so that no name leads outside. Names
 // beginning with "." are not there.

@@ -171,7 +171,12 @@ const Item *Library::find(std::string_view id) const {
 std::vector<const Item *> Library::search(const std::vector<const Item *> &items,
                                           std::u16string_view words) {
     const std::u16string form = searchForm(words);
-    const std::vector<std::u16string> each = wordsOf(form);
+    // Each item is held against each word: whoever sends thousands gets what the first ones find.
+    constexpr std::size_t mostWords = 32;
+    std::vector<std::u16string> each = wordsOf(form);
+    std::sort(each.begin(), each.end());
+    each.erase(std::unique(each.begin(), each.end()), each.end());
+    each.resize(std::min(each.size(), mostWords));
     struct Found {
         int rank;
         std::size_t length;

@@ -1,18 +1,25 @@
 // velmora-catalogue: serves a folder of one's own music and lyrics to the player.
 
+#include "base/text.h"
 #include "catalogue/catalogue.h"
 #include "catalogue/server.h"
 #include "registry_tool/commands.h"
 
 #include <getopt.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <iterator>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -25,6 +32,10 @@ constexpr const char *usage =
     "\n"
     "  --port N             the port (8420; 0 takes any free one)\n"
     "  --bind ADDRESS       the address to listen at (127.0.0.1: this machine alone)\n"
+    "  --name NAME          a name with dots that this machine is asked by, besides NAME.local\n"
+    "  --offer-updates DIR  offer the program that DIR/catalogue.ini names as an update\n"
+    "  --cert FILE          serve by https with this certificate (PEM)\n"
+    "  --key FILE           and this key of it\n"
     "  --introduce FILE     also write the address into this registry file of a player\n"
     "  --at URL             with --introduce: the address of a catalogue elsewhere\n"
     "  -h, --help           this text\n"
@@ -37,6 +48,10 @@ struct Options {
     std::string address = "127.0.0.1";
     std::string registryFile;
     std::string elsewhere; // the address of another catalogue
+    std::string updates;
+    std::string certificate;
+    std::string key;
+    std::vector<std::string> names;
     int port = 8420;
 };
 
@@ -54,9 +69,27 @@ int misuse(const std::string &what) {
     return 2;
 }
 
+bool lies(const std::filesystem::path &inner, const std::filesystem::path &outer) {
+    const auto [at, end] = std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end());
+    return at == outer.end();
+}
+
+// Whoever can write into the music must not decide about programs.
+int apart(const Options &options) {
+    if (options.updates.empty())
+        return goOn;
+    const auto music = std::filesystem::weakly_canonical(options.folder);
+    const auto updates = std::filesystem::weakly_canonical(options.updates);
+    return lies(music, updates) || lies(updates, music)
+               ? misuse("updates are offered from a folder apart from the music")
+               : goOn;
+}
+
 int checked(const Options &options) {
+    if (options.certificate.empty() != options.key.empty())
+        return misuse("--cert and --key go together");
     if (options.elsewhere.empty())
-        return options.folder.empty() ? misuse("the folder is missing") : goOn;
+        return options.folder.empty() ? misuse("the folder is missing") : apart(options);
     if (options.registryFile.empty() || !options.folder.empty())
         return misuse("--at goes with --introduce and without a folder");
     if (options.elsewhere.substr(0, 7) != "http://")
@@ -66,11 +99,24 @@ int checked(const Options &options) {
 
 // The status where there is nothing more to do.
 int readOptions(int count, char **words, Options &options) {
-    enum : int { portOption = 256, bindOption, introduceOption, atOption };
+    enum : int {
+        portOption = 256,
+        bindOption,
+        introduceOption,
+        atOption,
+        nameOption,
+        updatesOption,
+        certificateOption,
+        keyOption
+    };
     const option known[] = {{"port", required_argument, nullptr, portOption},
                             {"bind", required_argument, nullptr, bindOption},
                             {"introduce", required_argument, nullptr, introduceOption},
                             {"at", required_argument, nullptr, atOption},
+                            {"name", required_argument, nullptr, nameOption},
+                            {"offer-updates", required_argument, nullptr, updatesOption},
+                            {"cert", required_argument, nullptr, certificateOption},
+                            {"key", required_argument, nullptr, keyOption},
                             {"help", no_argument, nullptr, 'h'},
                             {"version", no_argument, nullptr, 'V'},
                             {nullptr, 0, nullptr, 0}};
@@ -88,6 +134,18 @@ int readOptions(int count, char **words, Options &options) {
             break;
         case atOption:
             options.elsewhere = optarg;
+            break;
+        case nameOption:
+            options.names.emplace_back(optarg);
+            break;
+        case updatesOption:
+            options.updates = optarg;
+            break;
+        case certificateOption:
+            options.certificate = optarg;
+            break;
+        case keyOption:
+            options.key = optarg;
             break;
         case 'h':
             std::fputs(usage, stdout);
@@ -107,26 +165,69 @@ int readOptions(int count, char **words, Options &options) {
     return checked(options);
 }
 
+std::string contentOf(const std::string &path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string content{std::istreambuf_iterator<char>(file), {}};
+    if (content.empty())
+        throw std::runtime_error("cannot read " + path);
+    return content;
+}
+
+Identity identityOf(const Options &options) {
+    if (options.certificate.empty())
+        return {};
+    return {contentOf(options.certificate), contentOf(options.key)};
+}
+
+// What ends the server. Of nohup, which has a lost terminal mean nothing, that stays so.
+sigset_t ends() {
+    sigset_t numbers;
+    sigemptyset(&numbers);
+    struct ::sigaction lost {};
+    ::sigaction(SIGHUP, nullptr, &lost);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP})
+        if (number != SIGHUP || lost.sa_handler != SIG_IGN)
+            sigaddset(&numbers, number);
+    return numbers;
+}
+
+// Says what is offered, and to whom nobody listens.
+void sayUpdates(Catalogue &catalogue, const Options &options) {
+    if (!options.updates.empty()) {
+        const auto offer = catalogue.offerUpdatesFrom(options.updates);
+        if (offer)
+            std::printf("Offers version %s of the player: %s/%s\n",
+                        velmora::toUtf8(offer->version).c_str(), options.updates.c_str(),
+                        offer->path.c_str());
+        else
+            std::printf("Offers no update: %s/catalogue.ini names no version with its program\n",
+                        options.updates.c_str());
+    }
+    if (catalogue.hasUnheededOffer())
+        std::fprintf(stderr, "velmora-catalogue: what catalogue.ini in the music says of updates "
+                             "is not heeded (--offer-updates)\n");
+}
+
 int serve(const Options &options) {
     // Blocked before the server's thread begins, so that only `sigwait` sees them.
-    sigset_t ends;
-    sigemptyset(&ends);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP})
-        sigaddset(&ends, number);
-    pthread_sigmask(SIG_BLOCK, &ends, nullptr);
+    const sigset_t signals = ends();
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 
     Catalogue catalogue(options.folder, options.address);
+    for (const std::string &name : options.names)
+        catalogue.acceptName(name);
+    sayUpdates(catalogue, options);
     const std::size_t songs = catalogue.library().songs().size();
     const std::size_t lyrics = catalogue.library().lyrics().size();
-    const Server server(catalogue, options.address, options.port);
-    const std::string address = "http://" + server.hostAndPort();
+    const Server server(catalogue, options.address, options.port, {}, identityOf(options));
     if (!options.registryFile.empty() &&
-        !velmora::registry_tool::nameServer(address, options.registryFile, std::cerr))
+        !velmora::registry_tool::nameServer(server.addressHere(), options.registryFile, std::cerr))
         return 1;
-    std::printf("%zu songs and %zu lyrics at %s/\n", songs, lyrics, address.c_str());
+    std::printf("%zu songs and %zu lyrics at %s/\n", songs, lyrics,
+                server.addressForOthers().c_str());
     std::fflush(stdout);
     int number = 0;
-    sigwait(&ends, &number);
+    sigwait(&signals, &number);
     return 0;
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
 // The two INI files that the player asks its maker for: what is new, and whether there is a newer
-// program. A file "catalogue.ini" in the folder may say what stands in them:
+// program. A file "catalogue.ini" may say what stands in them: in the folder of music what is new,
+// in the folder of updates, which is another one, what is offered:
 //
 //     [welcome]
 //     title, provider, providerLink     the heading and who is behind it

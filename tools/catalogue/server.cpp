@@ -1,20 +1,28 @@
 #include "catalogue/server.h"
 
-#include <arpa/inet.h>
-#include <microhttpd.h>
-#include <netinet/in.h>
+#include "catalogue/listening.h"
+#include "catalogue/ranges.h"
+#include "catalogue/slow_requests.h"
 
+#include <microhttpd.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdint>
 #include <exception>
 #include <stdexcept>
 #include <string_view>
+#include <vector>
 
 namespace velmora::catalogue {
 
 namespace {
 
-constexpr unsigned mostConnections = 64;
-constexpr unsigned idleSeconds = 60;
+constexpr unsigned mostConnections = 256;
+// A household behind one address is not known; a browser opens six, a player two.
+constexpr unsigned mostOfOneAddress = 24;
+constexpr std::size_t pieceBytes = std::size_t{128} << 10;
 
 // What is known of a request before it is answered: its target as it came.
 struct Asked {
@@ -26,43 +34,117 @@ void *noteTarget(void *, const char *target, MHD_Connection *) {
     return new Asked{target, false}; // given back in `forget`
 }
 
-void forget(void *, MHD_Connection *, void **asked, MHD_RequestTerminationCode) {
-    delete static_cast<Asked *>(*asked);
-    *asked = nullptr;
+int socketOf(MHD_Connection *connection) {
+    const MHD_ConnectionInfo *info =
+        MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD);
+    return info != nullptr ? info->connect_fd : -1;
 }
 
-MHD_Response *responseOf(Answer &answer) {
-    MHD_Response *response = nullptr;
-    if (answer.file) {
-        const auto size = static_cast<std::uint64_t>(answer.file->bytes);
-        response = MHD_create_response_from_fd64(size, answer.file->file.number());
-        if (response != nullptr)
-            answer.file->file.release(); // the response closes it
-    } else {
-        response = MHD_create_response_from_buffer(answer.bytes.size(), answer.bytes.data(),
-                                                   MHD_RESPMEM_MUST_COPY);
-    }
+// A part of a file on its way to a connection.
+struct Sent {
+    platform::Descriptor file;
+    std::int64_t first = 0;
+};
+
+// A file may get shorter meanwhile. Its end then ends the connection: whoever counts sees that
+// something is missing.
+ssize_t nextPiece(void *state, std::uint64_t at, char *bytes, std::size_t most) {
+    const auto *sent = static_cast<Sent *>(state);
+    ssize_t got = 0;
+    do
+        got = ::pread(sent->file.number(), bytes, most, sent->first + static_cast<off_t>(at));
+    while (got < 0 && errno == EINTR);
+    return got > 0 ? got : MHD_CONTENT_READER_END_WITH_ERROR;
+}
+
+void endSending(void *state) { delete static_cast<Sent *>(state); }
+
+MHD_Response *responseOf(OpenFile &file, const Part &part) {
+    auto sent = std::make_unique<Sent>(Sent{std::move(file.file), part.first});
+    MHD_Response *response = MHD_create_response_from_callback(
+        static_cast<std::uint64_t>(part.bytes), pieceBytes, &nextPiece, sent.get(), &endSending);
     if (response != nullptr)
-        MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE, answer.type.c_str());
+        static_cast<void>(sent.release()); // given back in `endSending`
     return response;
+}
+
+MHD_Response *responseOf(const std::string &bytes) {
+    return MHD_create_response_from_buffer(bytes.size(), const_cast<char *>(bytes.data()),
+                                           MHD_RESPMEM_MUST_COPY);
+}
+
+std::string_view fieldOf(MHD_Connection *connection, const char *name) {
+    const char *text = MHD_lookup_connection_value(connection, MHD_HEADER_KIND, name);
+    return text != nullptr ? text : "";
+}
+
+// What a file is answered with: itself, a part of it, or that it is known already.
+MHD_Response *fileResponse(MHD_Connection *connection, Answer &answer) {
+    const std::string tag = tagOf(*answer.file);
+    answer.fields.push_back({MHD_HTTP_HEADER_ETAG, tag});
+    if (fieldOf(connection, MHD_HTTP_HEADER_IF_NONE_MATCH) == tag) {
+        answer.status = MHD_HTTP_NOT_MODIFIED;
+        return responseOf("");
+    }
+    const std::int64_t size = answer.file->bytes;
+    const std::string_view condition = fieldOf(connection, MHD_HTTP_HEADER_IF_RANGE);
+    const bool same = condition.empty() || condition == tag;
+    const PartAsked asked =
+        partOf(same ? fieldOf(connection, MHD_HTTP_HEADER_RANGE) : std::string_view(), size);
+    answer.fields.push_back({MHD_HTTP_HEADER_ACCEPT_RANGES, "bytes"});
+    if (!asked.whole) {
+        answer.status = asked.possible ? MHD_HTTP_PARTIAL_CONTENT : MHD_HTTP_RANGE_NOT_SATISFIABLE;
+        answer.fields.push_back({MHD_HTTP_HEADER_CONTENT_RANGE, contentRange(asked, size)});
+    }
+    return asked.possible ? responseOf(*answer.file, asked.part) : responseOf("");
+}
+
+// The player takes the first field in whose name it finds "Content-Type": that one stands in front
+// of the field that forbids guessing.
+void addFields(MHD_Response *response, const Answer &answer) {
+    MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE, answer.type.c_str());
+    MHD_add_response_header(response, "X-Content-Type-Options", "nosniff");
+    for (const auto &[name, value] : answer.fields)
+        MHD_add_response_header(response, name.c_str(), value.c_str());
 }
 
 Answer answerTo(Catalogue &catalogue, MHD_Connection *connection, const Asked &asked,
                 std::string_view method) {
     if (method != MHD_HTTP_METHOD_GET && method != MHD_HTTP_METHOD_HEAD)
-        return {MHD_HTTP_METHOD_NOT_ALLOWED, "text/plain", "Only reading is possible.\r\n",
-                std::nullopt};
-    const char *host =
-        MHD_lookup_connection_value(connection, MHD_HEADER_KIND, MHD_HTTP_HEADER_HOST);
+        return plainAnswer(MHD_HTTP_METHOD_NOT_ALLOWED, "Only reading is possible.\r\n");
     try {
-        return catalogue.answer(asked.target, host != nullptr ? host : "");
+        return catalogue.answer(asked.target, fieldOf(connection, MHD_HTTP_HEADER_HOST));
     } catch (const std::exception &) {
-        return {MHD_HTTP_INTERNAL_SERVER_ERROR, "text/plain", "That went wrong.\r\n", std::nullopt};
+        return plainAnswer(MHD_HTTP_INTERNAL_SERVER_ERROR, "That went wrong.\r\n");
     }
 }
 
-MHD_Result onRequest(void *catalogue, MHD_Connection *connection, const char *, const char *method,
-                     const char *, const char *, std::size_t *uploadSize, void **state) {
+} // namespace
+
+struct Server::Daemon {
+    Catalogue &catalogue;
+    Patience patience;
+    SlowRequests slow{patience.request, patience.nextRequest};
+    MHD_Daemon *running = nullptr;
+
+    ~Daemon() {
+        if (running != nullptr)
+            MHD_stop_daemon(running);
+    }
+
+    static MHD_Result onRequest(void *daemon, MHD_Connection *connection, const char *,
+                                const char *method, const char *, const char *,
+                                std::size_t *uploadSize, void **state);
+    static void forget(void *daemon, MHD_Connection *connection, void **asked,
+                       MHD_RequestTerminationCode);
+    static void note(void *daemon, MHD_Connection *connection, void **,
+                     MHD_ConnectionNotificationCode what);
+    void start(Listening &place, const Identity &identity);
+};
+
+MHD_Result Server::Daemon::onRequest(void *daemon, MHD_Connection *connection, const char *,
+                                     const char *method, const char *, const char *,
+                                     std::size_t *uploadSize, void **state) {
     auto *asked = static_cast<Asked *>(*state);
     if (asked == nullptr)
         return MHD_NO;
@@ -72,81 +154,86 @@ MHD_Result onRequest(void *catalogue, MHD_Connection *connection, const char *, 
         *uploadSize = 0;
         return MHD_YES;
     }
-    Answer answer = answerTo(*static_cast<Catalogue *>(catalogue), connection, *asked, method);
-    MHD_Response *response = responseOf(answer);
+    auto &self = *static_cast<Daemon *>(daemon);
+    self.slow.asked(socketOf(connection));
+    // A player in a browser that pauses takes nothing for a while.
+    MHD_set_connection_option(connection, MHD_CONNECTION_OPTION_TIMEOUT, self.patience.bodySeconds);
+    Answer answer = answerTo(self.catalogue, connection, *asked, method);
+    MHD_Response *response =
+        answer.file ? fileResponse(connection, answer) : responseOf(answer.bytes);
     if (response == nullptr)
         return MHD_NO;
+    addFields(response, answer);
     const MHD_Result result = MHD_queue_response(connection, answer.status, response);
     MHD_destroy_response(response);
     return result;
 }
 
-struct SocketAddress {
-    sockaddr_storage bytes{};
-    bool six = false;
-    bool loopback = false;
-};
-
-SocketAddress socketAddress(const std::string &address, int port) {
-    SocketAddress result;
-    auto &four = reinterpret_cast<sockaddr_in &>(result.bytes);
-    auto &six = reinterpret_cast<sockaddr_in6 &>(result.bytes);
-    if (inet_pton(AF_INET, address.c_str(), &four.sin_addr) == 1) {
-        four.sin_family = AF_INET;
-        four.sin_port = htons(static_cast<std::uint16_t>(port));
-        result.loopback = (ntohl(four.sin_addr.s_addr) >> 24) == 127;
-    } else if (inet_pton(AF_INET6, address.c_str(), &six.sin6_addr) == 1) {
-        six.sin6_family = AF_INET6;
-        six.sin6_port = htons(static_cast<std::uint16_t>(port));
-        result.six = true;
-        result.loopback = IN6_IS_ADDR_LOOPBACK(&six.sin6_addr);
-    } else {
-        throw std::runtime_error(address + " is no address of a machine");
-    }
-    return result;
+void Server::Daemon::forget(void *daemon, MHD_Connection *connection, void **asked,
+                            MHD_RequestTerminationCode) {
+    static_cast<Daemon *>(daemon)->slow.answered(socketOf(connection));
+    delete static_cast<Asked *>(*asked);
+    *asked = nullptr;
 }
 
-} // namespace
+void Server::Daemon::note(void *daemon, MHD_Connection *connection, void **,
+                          MHD_ConnectionNotificationCode what) {
+    SlowRequests &slow = static_cast<Daemon *>(daemon)->slow;
+    if (what == MHD_CONNECTION_NOTIFY_STARTED)
+        slow.opened(socketOf(connection));
+    else
+        slow.closing(socketOf(connection));
+}
 
-struct Server::Daemon {
-    MHD_Daemon *running = nullptr;
-    ~Daemon() {
-        if (running != nullptr)
-            MHD_stop_daemon(running);
-    }
-};
-
-Server::Server(Catalogue &catalogue, const std::string &address, int port)
-    : address_(address), daemon_(std::make_unique<Daemon>()) {
-    SocketAddress place = socketAddress(address, port);
-    if (place.loopback)
-        catalogue.acceptOnlyThisMachine();
+void Server::Daemon::start(Listening &place, const Identity &identity) {
     // Plain polling, not the library's own choice: with edges alone it waits for ever for room on a
     // connection that took a part of a file only because sending was interrupted.
     unsigned flags = MHD_USE_POLL_INTERNAL_THREAD | MHD_USE_ITC;
+    std::vector<MHD_OptionItem> more;
     if (place.six)
         flags |= MHD_USE_IPv6;
-    daemon_->running = MHD_start_daemon(
-        flags, static_cast<std::uint16_t>(port), nullptr, nullptr, &onRequest, &catalogue,
-        MHD_OPTION_SOCK_ADDR, reinterpret_cast<sockaddr *>(&place.bytes),
-        MHD_OPTION_URI_LOG_CALLBACK, &noteTarget, nullptr, MHD_OPTION_NOTIFY_COMPLETED, &forget,
-        nullptr, MHD_OPTION_CONNECTION_LIMIT, mostConnections, MHD_OPTION_CONNECTION_TIMEOUT,
-        idleSeconds, MHD_OPTION_END);
-    const MHD_DaemonInfo *info =
-        daemon_->running != nullptr
-            ? MHD_get_daemon_info(daemon_->running, MHD_DAEMON_INFO_BIND_PORT)
-            : nullptr;
-    if (info == nullptr)
-        throw std::runtime_error("cannot listen at " + address + " port " + std::to_string(port));
-    port_ = info->port;
-    catalogue.setOwnAddress(hostAndPort());
+    if (!place.loopback)
+        more.push_back({MHD_OPTION_PER_IP_CONNECTION_LIMIT, mostOfOneAddress, nullptr});
+    if (!identity.certificate.empty()) {
+        flags |= MHD_USE_TLS;
+        more.push_back(
+            {MHD_OPTION_HTTPS_MEM_CERT, 0, const_cast<char *>(identity.certificate.c_str())});
+        more.push_back({MHD_OPTION_HTTPS_MEM_KEY, 0, const_cast<char *>(identity.key.c_str())});
+    }
+    more.push_back({MHD_OPTION_END, 0, nullptr});
+    running = MHD_start_daemon(
+        flags, 0, nullptr, nullptr, &onRequest, this, MHD_OPTION_LISTEN_SOCKET,
+        place.socket.number(), MHD_OPTION_URI_LOG_CALLBACK, &noteTarget, nullptr,
+        MHD_OPTION_NOTIFY_COMPLETED, &forget, this, MHD_OPTION_NOTIFY_CONNECTION, &note, this,
+        MHD_OPTION_CONNECTION_LIMIT, mostConnections, MHD_OPTION_CONNECTION_TIMEOUT,
+        static_cast<unsigned>(patience.nextRequest.count() / 1000 + 1), MHD_OPTION_ARRAY,
+        more.data(), MHD_OPTION_END);
+    if (running == nullptr)
+        throw std::runtime_error(identity.certificate.empty()
+                                     ? "the server does not start"
+                                     : "the server does not start with this certificate and key");
+    place.socket.release(); // the library closes it
+}
+
+Server::Server(Catalogue &catalogue, const std::string &address, int port, const Patience &patience,
+               const Identity &identity)
+    : scheme_(identity.certificate.empty() ? "http://" : "https://"),
+      daemon_(new Daemon{catalogue, patience}) {
+    Listening place = listenAt(address, port);
+    port_ = place.port;
+    const auto withPort = [&](const std::string &host) {
+        const bool six = host.find(':') != std::string::npos;
+        return (six ? "[" + host + "]" : host) + ":" + std::to_string(port_);
+    };
+    hereAndPort_ = withPort(place.everywhere ? (place.six ? "::1" : "127.0.0.1") : address);
+    othersAndPort_ = place.everywhere ? withPort(addressOfThisMachine()) : hereAndPort_;
+    // All that the answering thread reads is said before there is one.
+    if (place.loopback)
+        catalogue.acceptOnlyThisMachine();
+    catalogue.setOwnAddress(scheme_, othersAndPort_);
+    daemon_->start(place, identity);
 }
 
 Server::~Server() = default;
-
-std::string Server::hostAndPort() const {
-    const bool six = address_.find(':') != std::string::npos;
-    return (six ? "[" + address_ + "]" : address_) + ":" + std::to_string(port_);
-}
 
 } // namespace velmora::catalogue

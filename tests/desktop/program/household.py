@@ -19,6 +19,9 @@ class HouseholdTest(PlayerTest):
         config = self.session.env["XDG_CONFIG_HOME"] + "/velmora"
         os.makedirs(config, exist_ok=True)
         self.registry = config + "/registry.sqlite"
+        # What the server offers as an update, apart from what it serves.
+        self.updates = self.session.home + "/updates"
+        os.makedirs(self.updates)
         self.player = self.window = self.server = None
 
     def app(self, *names):
@@ -28,7 +31,7 @@ class HouseholdTest(PlayerTest):
         """The catalogue on a port of its own, known to the player from its first start on."""
         self.server = self.session.spawn(
             [os.environ["VELMORA_CATALOGUE"], self.served, "--port", "0", "--introduce",
-             self.registry])
+             self.registry, "--offer-updates", self.updates])
         self.assertTrue(wait_for(lambda: os.path.exists(self.registry) and
                                  b"maker" in self.registry_bytes()),
                         "the catalogue does not come up")

@@ -64,8 +64,9 @@ class MakerTest(HouseholdTest):
         self.watch_desktop()
 
     def configure(self, text):
-        with open(self.served + "/catalogue.ini", "w", encoding="utf-8") as file:
-            file.write(text)
+        for folder in (self.served, self.updates):
+            with open(folder + "/catalogue.ini", "w", encoding="utf-8") as file:
+                file.write(text)
 
     def fetched(self, name):
         return f"{self.session.runtime}/velmora/{name}"
@@ -273,7 +274,7 @@ class Update(MakerTest):
         self.program = self.folder + "/velmora"
         shutil.copy(PROGRAM, self.program)
         self.newer = self.folder + "/zkPlayer [99.0.0].exe"
-        self.offered = self.served + "/programs/newer"
+        self.offered = self.updates + "/programs/newer"
 
     def begin_with_offer(self, program=None):
         os.makedirs(os.path.dirname(self.offered))

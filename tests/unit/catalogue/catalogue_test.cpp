@@ -112,10 +112,44 @@ TEST_F(CatalogueTest, SpeaksOfItselfAsItWasAsked) {
 TEST_F(CatalogueTest, AnswersOnThisMachineOnlyForThisMachine) {
     catalogue().acceptOnlyThisMachine();
     for (const char *host :
-         {"127.0.0.1:1", "localhost:1", "localhost", "[::1]:1", "", "LOCALHOST:2"})
+         {"127.0.0.1:1", "localhost:1", "localhost", "[::1]:1", "[::1]", "", "LOCALHOST:2"})
         EXPECT_EQ(ask("/", host).status, 200U) << host;
     for (const char *host : {"evil.example:1", "127.evil.example:1", "localhost.evil:1"})
         EXPECT_EQ(ask("/", host).status, 403U) << host;
+}
+
+TEST_F(CatalogueTest, AnswersTheHouseholdOnlyByNamesThatNoPageOfTheWebHas) {
+    catalogue().acceptName("Music.Example.org");
+    for (const char *host :
+         {"192.168.1.5:1", "192.168.1.5", "[fe80::1]:1", "[fe80::1]", "nas", "nas:8420",
+          "NAS.local:1", "music.example.org:8420", "MUSIC.example.org", ""})
+        EXPECT_EQ(ask("/", host).status, 200U) << host;
+    for (const char *host :
+         {"evil.example:1", "evil.example", "192.168.1.5.evil.example", "nas.local.evil.example",
+          "nas.local.:1", ".local", "evil.example.", "x.music.example.org"})
+        EXPECT_EQ(ask("/", host).status, 403U) << host;
+}
+
+TEST_F(CatalogueTest, NamesASongForWhoeverSavesIt) {
+    music_.put("sub/Fünf & 中文.mp3", "sound");
+    music_.put(std::string(250, 'x') + ".mp3", "sound");
+    std::string wide;
+    for (int i = 0; i < 80; ++i)
+        wide += "中";
+    music_.put(wide + ".mp3", "sound");
+    const auto named = [&](const std::string &path) {
+        for (const auto &[name, value] : ask("/song/" + idOf(path) + ".mp3").fields)
+            if (name == "Content-Disposition")
+                return value;
+        return std::string("nothing");
+    };
+    EXPECT_EQ(named("sub/Fünf & 中文.mp3"),
+              "inline; filename*=UTF-8''F%C3%BCnf%20%26%20%E4%B8%AD%E6%96%87.mp3");
+    EXPECT_EQ(named(std::string(250, 'x') + ".mp3"),
+              "inline; filename*=UTF-8''" + std::string(250, 'x') + ".mp3");
+    const std::string cut = named(wide + ".mp3");
+    EXPECT_LE(cut.size(), 330U) << "the player takes a header of 1024 bytes";
+    EXPECT_EQ(cut.substr(cut.size() - 7), "%AD.mp3") << "no half of a character";
 }
 
 TEST_F(CatalogueTest, ServesNothingButWhatItKnows) {
@@ -142,10 +176,27 @@ TEST_F(CatalogueTest, ServesNoSongThatBecameALink) {
     EXPECT_EQ(ask(target).status, 404U);
 }
 
-TEST_F(CatalogueTest, ServesTheProgramOnOffer) {
+TEST_F(CatalogueTest, OffersNoProgramOutOfTheMusic) {
     music_.put("new", "\x7F"
                       "ELF program");
     music_.put("catalogue.ini", "[update]\nversion=9.0.0\nprogram=new\n");
+    EXPECT_EQ(ask("/program").status, 404U);
+    EXPECT_THAT(ask("/source/softwareDate/zkPlayerUpdate.php").bytes,
+                Not(HasSubstr("vesion=9.0.0")));
+    EXPECT_TRUE(catalogue().hasUnheededOffer());
+    const MusicFolder updates;
+    EXPECT_FALSE(catalogue().offerUpdatesFrom(updates.path()));
+    EXPECT_EQ(ask("/program").status, 404U);
+}
+
+TEST_F(CatalogueTest, ServesTheProgramOnOffer) {
+    const MusicFolder updates;
+    updates.put("new", "\x7F"
+                       "ELF program");
+    updates.put("catalogue.ini", "[update]\nversion=9.0.0\nprogram=new\n");
+    ASSERT_TRUE(catalogue().offerUpdatesFrom(updates.path()));
+    EXPECT_FALSE(catalogue().hasUnheededOffer());
+    EXPECT_THAT(ask("/source/softwareDate/zkPlayerUpdate.php").bytes, HasSubstr("vesion=9.0.0"));
     const Answer answer = ask("/program");
     EXPECT_EQ(contentOf(answer), "\x7F"
                                  "ELF program");

@@ -123,6 +123,29 @@ TEST_F(LibraryTest, FindsIdeographsAnywhere) {
     EXPECT_EQ(songsFor(u"地空").size(), 0U);
 }
 
+TEST_F(LibraryTest, HoldsThirtyTwoWordsAgainstEachItemAndEachOnce) {
+    std::string many;
+    std::u16string known;
+    std::u16string unknown;
+    for (char letter = 'a'; letter < 'z'; ++letter)
+        for (char other = 'a'; other < 'z'; ++other) {
+            const std::string word{letter, other};
+            known += fromAscii(word) + u" ";
+            unknown += fromAscii("z" + word) + u" ";
+            if (many.size() < 180)
+                many += word + " ";
+        }
+    music_.put(many + ".mp3", "x");
+    library_.refresh();
+    EXPECT_EQ(songsFor(known).size(), 1U) << "the words behind the limit are not asked for";
+    EXPECT_EQ(songsFor(unknown).size(), 0U);
+    std::u16string often;
+    for (int i = 0; i < 1000; ++i)
+        often += u"aa ";
+    EXPECT_EQ(songsFor(often + u"ab").size(), 1U);
+    EXPECT_EQ(songsFor(often + u"zz").size(), 0U) << "a word counts once";
+}
+
 TEST_F(LibraryTest, PutsTheBestMatchFirst) {
     music_.putTagged("a.mp3", "Hello Again Everybody", "Stesul", "");
     music_.putTagged("b.mp3", "Hello", "Stesul", "A long album name with many words");
