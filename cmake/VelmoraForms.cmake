@@ -5,10 +5,12 @@
 function(velmora_form_designs target)
     set(generated "${CMAKE_BINARY_DIR}/generated")
     set(skin "${CMAKE_SOURCE_DIR}/assets/skin")
+    set(texts "${CMAKE_SOURCE_DIR}/assets/texts")
     file(GLOB designs CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.form")
     if(NOT designs)
         return()
     endif()
+    file(GLOB text_files CONFIGURE_DEPENDS "${texts}/*.txt")
     file(GLOB drawings CONFIGURE_DEPENDS "${skin}/*.svg")
     file(RELATIVE_PATH folder "${CMAKE_SOURCE_DIR}/src" "${CMAKE_CURRENT_SOURCE_DIR}")
     set(outputs)
@@ -18,9 +20,9 @@ function(velmora_form_designs target)
         set(source "${generated}/${folder}/${name}.design.cpp")
         add_custom_command(
             OUTPUT "${header}" "${source}"
-            COMMAND velmora_formc "${design}" --folder "${folder}" --skin "${skin}"
+            COMMAND velmora_formc "${design}" --folder "${folder}" --skin "${skin}" --texts "${texts}"
                     --header "${header}" --source "${source}"
-            DEPENDS velmora_formc "${design}" "${skin}/palette.txt" ${drawings}
+            DEPENDS velmora_formc "${design}" "${skin}/palette.txt" ${drawings} ${text_files}
             COMMENT "Compiling the form ${folder}/${name}"
             VERBATIM)
         list(APPEND outputs "${header}" "${source}")
@@ -29,4 +31,24 @@ function(velmora_form_designs target)
     add_custom_target(${target}_designs DEPENDS ${outputs})
     add_dependencies(velmora_generated ${target}_designs)
     add_dependencies(${target} ${target}_designs)
+endfunction()
+
+# The texts that follow the language: constants, and the class of the messages, as
+# <build>/generated/settings/{texts.h,Language.h,Language.cpp}.
+function(velmora_language_texts target)
+    set(generated "${CMAKE_BINARY_DIR}/generated/settings")
+    set(texts "${CMAKE_SOURCE_DIR}/assets/texts")
+    file(GLOB text_files CONFIGURE_DEPENDS "${texts}/*.txt")
+    set(outputs "${generated}/texts.h" "${generated}/Language.h" "${generated}/Language.cpp")
+    add_custom_command(
+        OUTPUT ${outputs}
+        COMMAND velmora_formc --texts "${texts}" --constants "${generated}/texts.h"
+                --header "${generated}/Language.h" --source "${generated}/Language.cpp"
+        DEPENDS velmora_formc ${text_files}
+        COMMENT "Compiling the texts in all languages"
+        VERBATIM)
+    target_sources(${target} PRIVATE ${outputs})
+    add_custom_target(${target}_texts DEPENDS ${outputs})
+    add_dependencies(velmora_generated ${target}_texts)
+    add_dependencies(${target} ${target}_texts)
 endfunction()

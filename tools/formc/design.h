@@ -8,6 +8,7 @@
 // property of the thing above it that stands one level to its left. A control at the form's own
 // level, or one level deeper, lies on the form; deeper ones lie in the control above. Order in the
 // file is z-order. A long text of a text box is given as one `line "..."` for each of its lines.
+// A caption, tip or text that follows the language is given as @ENTRY of the texts (texts.h).
 
 #include <cstdint>
 #include <map>
@@ -43,7 +44,8 @@ struct Setting {
     int line = 0;
     std::vector<double> numbers;
     std::u16string text;
-    std::string word; // picture, pointer or alignment
+    std::string entry; // of the texts, when the text follows the language
+    std::string word;  // picture, pointer or alignment
     FontSpec font;
     std::uint32_t colour = 0; // 0x00BBGGRR
 };
@@ -64,6 +66,8 @@ struct Thing {
 struct Skin {
     std::map<std::string, std::uint32_t, std::less<>> palette; // name to 0x00BBGGRR
     std::set<std::string, std::less<>> pictures;
+    // Entries of the texts, and what each says in the first language.
+    std::map<std::string, std::u16string, std::less<>> texts;
 };
 
 struct Design {
@@ -77,8 +81,8 @@ struct Design {
 // Reads and checks a design. Never throws for what the text holds: all faults are listed.
 Design parseDesign(std::string_view text, const Skin &skin);
 
-// The skin of a folder: its palette.txt and the names of its .svg files. Throws std::runtime_error
-// (file:line: fault) when the palette cannot be read.
+// The skin of a folder: its palette.txt and the names of its .svg files; it has no texts. Throws
+// std::runtime_error (file:line: fault) when the palette cannot be read.
 Skin readSkin(const std::string &folder);
 
 } // namespace velmora::formc

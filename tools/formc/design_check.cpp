@@ -1,34 +1,11 @@
 #include "design_parts.h"
+#include "names.h"
 
 #include <algorithm>
-#include <array>
-#include <cctype>
 
 namespace velmora::formc {
 
 namespace {
-
-constexpr std::array<std::string_view, 83> keywords{
-    "alignas",   "alignof",   "and",       "asm",          "auto",        "bitand",   "bitor",
-    "bool",      "break",     "case",      "catch",        "char",        "class",    "compl",
-    "concept",   "const",     "consteval", "constexpr",    "constinit",   "continue", "co_await",
-    "co_return", "co_yield",  "decltype",  "default",      "delete",      "do",       "double",
-    "else",      "enum",      "explicit",  "export",       "extern",      "false",    "float",
-    "for",       "friend",    "goto",      "if",           "inline",      "int",      "long",
-    "mutable",   "namespace", "new",       "noexcept",     "not",         "nullptr",  "operator",
-    "or",        "private",   "protected", "public",       "register",    "requires", "return",
-    "short",     "signed",    "sizeof",    "static",       "static_cast", "struct",   "switch",
-    "template",  "this",      "throw",     "thread_local", "true",        "try",      "typedef",
-    "typeid",    "typename",  "union",     "unsigned",     "using",       "virtual",  "void",
-    "volatile",  "wchar_t",   "while",     "xor",          "const_cast",  "forms"};
-
-bool isIdentifier(std::string_view name) {
-    if (name.empty() || std::isdigit(static_cast<unsigned char>(name.front())) != 0)
-        return false;
-    return std::ranges::all_of(name, [](char unit) {
-        return unit == '_' || std::isalnum(static_cast<unsigned char>(unit)) != 0;
-    });
-}
 
 class Checker {
 public:
@@ -51,10 +28,8 @@ private:
     void checkName(const Thing &thing) {
         if (thing.name.empty())
             return; // reported where it was read
-        if (!isIdentifier(thing.name))
-            fault(thing.line, "'" + thing.name + "' is no name");
-        else if (std::ranges::find(keywords, thing.name) != keywords.end())
-            fault(thing.line, "'" + thing.name + "' is a word of the language");
+        if (std::string bad = faultOfName(thing.name); !bad.empty())
+            fault(thing.line, std::move(bad));
     }
 
     void checkNames() {

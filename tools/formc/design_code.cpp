@@ -1,6 +1,7 @@
 #include "design_code.h"
 
 #include "design_rows.h"
+#include "literals.h"
 
 #include <algorithm>
 #include <array>
@@ -19,32 +20,6 @@ std::string number(double value) {
     if (result.find_first_of(".e") == std::string::npos)
         result += ".0";
     return result + "F";
-}
-
-void appendUnit(std::string &literal, char16_t unit) {
-    constexpr char16_t firstGraphic = 0x20;
-    constexpr char16_t firstBeyondAscii = 0x7F;
-    std::array<char, 8> text{};
-    if (unit == u'"' || unit == u'\\') {
-        literal += '\\';
-        literal += static_cast<char>(unit);
-    } else if (unit < firstGraphic || unit == firstBeyondAscii) {
-        std::snprintf(text.data(), text.size(), "\\%03o", static_cast<unsigned>(unit));
-        literal += text.data();
-    } else if (unit < firstBeyondAscii) {
-        literal += static_cast<char>(unit);
-    } else {
-        std::snprintf(text.data(), text.size(), "\\x%04X", static_cast<unsigned>(unit));
-        literal += text.data();
-        literal += "\" u\""; // ends the escape ahead of a digit that follows
-    }
-}
-
-std::string literal(std::u16string_view text) {
-    std::string result = "u\"";
-    for (const char16_t unit : text)
-        appendUnit(result, unit);
-    return result + "\"";
 }
 
 std::string colour(std::uint32_t value) {
@@ -124,6 +99,7 @@ private:
         case Shape::Ends:
             return call + "(" + list(setting.numbers) + ")";
         case Shape::Text:
+        case Shape::Shown:
             return call + "(" + literal(setting.text) + ")";
         case Shape::Font:
             return call + "(" + fontName(setting.font) + ")";
@@ -189,6 +165,36 @@ void writeMembers(const Thing &container, const std::string &owner, std::ostream
     }
 }
 
+// What follows the language, in the order of the design.
+class LanguageRows {
+public:
+    explicit LanguageRows(const Design &design) : name_(design.form.name + "_Design") {
+        add(design.form, "");
+        for (const Thing *thing : design.all())
+            add(*thing, thing->name + ".");
+    }
+
+    bool empty() const { return rows_.empty(); }
+
+    std::string table() const {
+        return "namespace {\n\nconstexpr texts::Row<" + name_ + "> rows[] = {\n" + rows_ +
+               "};\n\n} // namespace\n\nstd::span<const texts::Row<" + name_ + ">> " + name_ +
+               "::languageRows() { return rows; }\n\n";
+    }
+
+private:
+    void add(const Thing &thing, const std::string &target) {
+        for (const Setting &setting : thing.settings)
+            if (!setting.entry.empty())
+                rows_ += "    {[](" + name_ + " &form, std::u16string_view text) { form." + target +
+                         std::string(setting.row->call) +
+                         "(text); },\n     texts::" + setting.entry + "},\n";
+    }
+
+    std::string name_;
+    std::string rows_;
+};
+
 std::string writeHeader(const Design &design, const std::string &path) {
     const std::string name = design.form.name + "_Design";
     std::set<std::string_view> includes{design.form.kind->include};
@@ -198,9 +204,17 @@ std::string writeHeader(const Design &design, const std::string &path) {
     out << "// Generated from src/" << path << ".form by formc.\n#pragma once\n\n";
     for (const auto include : includes)
         out << "#include \"" << include << "\"\n";
-    out << "\nnamespace velmora {\n\nclass " << name << " : public forms::Form {\npublic:\n"
+    const bool speaks = !LanguageRows(design).empty();
+    if (speaks)
+        out << "\n#include <span>\n";
+    out << "\nnamespace velmora {\n";
+    if (speaks)
+        out << "\nnamespace texts {\ntemplate <typename Owner> struct Row;\n}\n";
+    out << "\nclass " << name << " : public forms::Form {\npublic:\n"
         << "    explicit " << name << "(forms::Host &windows);\n"
         << "    ~" << name << "() override;\n\n";
+    if (speaks)
+        out << "    static std::span<const texts::Row<" << name << ">> languageRows();\n\n";
     writeMembers(design.form, "*this", out);
     out << "};\n\n} // namespace velmora\n";
     return out.str();
@@ -228,9 +242,15 @@ std::string writeSource(const Design &design, const std::string &path) {
     body.write();
     std::ostringstream out;
     out << "// Generated from src/" << path << ".form by formc.\n"
-        << "#include \"" << path << ".design.h\"\n\nnamespace velmora {\n\n";
+        << "#include \"" << path << ".design.h\"\n";
+    const LanguageRows rows(design);
+    if (!rows.empty())
+        out << "\n#include \"settings/language_rows.h\"\n";
+    out << "\nnamespace velmora {\n\n";
     if (body.usesFonts())
         out << makeFont;
+    if (!rows.empty())
+        out << rows.table();
     out << name << "::" << name << "(forms::Host &windows)\n    : forms::Form(windows, \""
         << design.form.name << "\") {\n"
         << statements.str() << "}\n\n"

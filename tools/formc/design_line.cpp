@@ -10,6 +10,7 @@ namespace velmora::formc {
 namespace {
 
 constexpr std::size_t spacesPerLevel = 4;
+constexpr std::string_view noBreakSpace = "\u00A0";
 
 // Reads a string from its opening quote; `at` ends behind the closing one.
 std::string cutString(std::string_view line, std::size_t &at, Token &token) {
@@ -33,10 +34,14 @@ std::string cutString(std::string_view line, std::size_t &at, Token &token) {
             bytes += '\r';
         else if (escaped == 'n')
             bytes += '\n';
+        else if (escaped == '0')
+            bytes += '\0';
+        else if (escaped == '_')
+            bytes += noBreakSpace;
         else if (escaped == '"' || escaped == '\\')
             bytes += escaped;
         else
-            return "unknown escape in a string (there are \\\" \\\\ \\r \\n)";
+            return "unknown escape in a string (there are \\\" \\\\ \\r \\n \\0 \\_)";
     }
     return "the string has no end";
 }

@@ -47,6 +47,7 @@ enum class Shape : std::uint8_t {
     Extent,  // two numbers, neither negative
     Ends,    // four numbers
     Text,    // one string
+    Shown,   // one string, or @ENTRY of the texts
     Font,    // "NAME" POINTS [bold] [italic] [underline] [strike]
     Colour,  // @palette name or 0xBBGGRR
     Picture, // name of a drawing

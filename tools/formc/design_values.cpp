@@ -1,4 +1,5 @@
 #include "design_parts.h"
+#include "names.h"
 
 #include <algorithm>
 #include <array>
@@ -10,8 +11,6 @@ namespace velmora::formc {
 namespace {
 
 using Values = std::vector<Token>;
-
-std::string quoted(std::string_view word) { return "'" + std::string(word) + "'"; }
 
 bool isWord(const Token &token) { return token.kind == Token::Kind::Word; }
 
@@ -52,6 +51,17 @@ std::string readText(const Values &values, Setting &setting) {
     return {};
 }
 
+std::string readShown(const Values &values, const Skin &skin, Setting &setting) {
+    if (values.size() != 1 || !isWord(values[0]) || !values[0].word.starts_with("@"))
+        return readText(values, setting);
+    setting.entry = values[0].word.substr(1);
+    const auto entry = skin.texts.find(setting.entry);
+    if (entry == skin.texts.end())
+        return "there is no text " + inQuotes(setting.entry);
+    setting.text = entry->second;
+    return {};
+}
+
 std::string readFont(const Values &values, Setting &setting) {
     constexpr double smallest = 1;
     constexpr double largest = 2160;
@@ -72,7 +82,7 @@ std::string readFont(const Values &values, Setting &setting) {
     for (std::size_t i = 2; i < values.size(); ++i) {
         const auto style = std::ranges::find(styles, values[i].word, &Style::word);
         if (style == styles.end())
-            return "has no style " + quoted(values[i].word);
+            return "has no style " + inQuotes(values[i].word);
         font.*(style->flag) = true;
     }
     return {};
@@ -87,7 +97,7 @@ std::string readColour(const Values &values, const Skin &skin, Setting &setting)
     if (word.starts_with("@")) {
         const auto entry = skin.palette.find(word.substr(1));
         if (entry == skin.palette.end())
-            return "the palette has no colour " + quoted(word.substr(1));
+            return "the palette has no colour " + inQuotes(word.substr(1));
         setting.colour = entry->second;
         return {};
     }
@@ -105,7 +115,7 @@ std::string readPicture(const Values &values, const Skin &skin, Setting &setting
         return "expects the name of a picture";
     setting.word = values[0].word;
     return skin.pictures.contains(setting.word) ? ""
-                                                : "there is no picture " + quoted(setting.word);
+                                                : "there is no picture " + inQuotes(setting.word);
 }
 
 std::string readChoice(const Values &values, std::initializer_list<std::string_view> choices,
@@ -136,6 +146,8 @@ std::string readShape(const PropertyRow &row, const Values &values, const Skin &
         return readNumbers(values, 4, setting);
     case Shape::Text:
         return readText(values, setting);
+    case Shape::Shown:
+        return readShown(values, skin, setting);
     case Shape::Font:
         return readFont(values, setting);
     case Shape::Colour:
@@ -155,7 +167,7 @@ std::string readShape(const PropertyRow &row, const Values &values, const Skin &
 std::string readValues(const PropertyRow &row, const std::vector<Token> &values, const Skin &skin,
                        Setting &setting) {
     const std::string fault = readShape(row, values, skin, setting);
-    return fault.empty() ? fault : quoted(row.word) + ": " + fault;
+    return fault.empty() ? fault : inQuotes(row.word) + ": " + fault;
 }
 
 } // namespace velmora::formc

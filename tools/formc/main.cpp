@@ -1,6 +1,8 @@
-// Compiles a form's design into source text.
+// Compiles a form's design, or the texts that follow the language, into source text.
 //
-//   velmora_formc DESIGN.form --folder FOLDER --skin SKIN_FOLDER [--header FILE --source FILE]
+//   velmora_formc DESIGN.form --folder FOLDER --skin SKIN_FOLDER --texts TEXTS_FOLDER
+//                 [--header FILE --source FILE]
+//   velmora_formc --texts TEXTS_FOLDER [--constants FILE --header FILE --source FILE]
 //
 // FOLDER is the design's folder below src. Without outputs it only checks. A file is written only
 // when its text has changed. All faults are reported, one a line as file:line: fault, and the exit
@@ -8,6 +10,7 @@
 
 #include "design.h"
 #include "design_code.h"
+#include "texts.h"
 
 #include <filesystem>
 #include <fstream>
@@ -51,8 +54,8 @@ bool parseArguments(int count, char **values, Options &options) {
         const std::string argument = values[i];
         if (!argument.starts_with("--")) {
             options["design"] = argument;
-        } else if (argument == "--folder" || argument == "--skin" || argument == "--header" ||
-                   argument == "--source") {
+        } else if (argument == "--folder" || argument == "--skin" || argument == "--texts" ||
+                   argument == "--constants" || argument == "--header" || argument == "--source") {
             if (++i == count)
                 return false;
             options[argument.substr(2)] = values[i];
@@ -60,12 +63,27 @@ bool parseArguments(int count, char **values, Options &options) {
             return false;
         }
     }
-    return options.contains("design") && options.contains("skin");
+    return options.contains("texts") && options.contains("design") == options.contains("skin");
 }
 
-int compile(Options &options) {
+// False when the folder has faults, which have been told.
+bool tellFaults(const TextTable &table, const std::string &folder) {
+    for (const TextFault &fault : table.faults)
+        std::cerr << folder << '/' << fault.file << ':' << fault.line << ": " << fault.text << '\n';
+    return table.faults.empty();
+}
+
+int compileTexts(const TextTable &table, Options &options) {
+    writeIfChanged(options["constants"], writeTexts(table));
+    const MessageCode code = writeMessages(table);
+    writeIfChanged(options["header"], code.header);
+    writeIfChanged(options["source"], code.source);
+    return 0;
+}
+
+int compileDesign(const TextTable &table, Options &options) {
     const std::string &file = options["design"];
-    Design design = parseDesign(readFile(file), readSkin(options["skin"]));
+    Design design = parseDesign(readFile(file), withTexts(readSkin(options["skin"]), table));
     if (design.form.name != std::filesystem::path(file).stem().string())
         design.faults.push_back({design.form.line, "the form must have the name of its file"});
     for (const Fault &fault : design.faults)
@@ -84,11 +102,17 @@ int main(int count, char **values) {
     Options options;
     if (!parseArguments(count, values, options)) {
         std::cerr << "usage: velmora_formc DESIGN.form --folder FOLDER --skin SKIN_FOLDER "
-                     "[--header FILE --source FILE]\n";
+                     "--texts TEXTS_FOLDER [--header FILE --source FILE]\n"
+                     "       velmora_formc --texts TEXTS_FOLDER "
+                     "[--constants FILE --header FILE --source FILE]\n";
         return 2;
     }
     try {
-        return compile(options);
+        const TextTable table = readTexts(options["texts"]);
+        if (!tellFaults(table, options["texts"]))
+            return 1;
+        return options.contains("design") ? compileDesign(table, options)
+                                          : compileTexts(table, options);
     } catch (const std::exception &error) {
         std::cerr << error.what() << '\n';
         return 1;

@@ -10,6 +10,7 @@
 #include "design_view.h"
 #include "platform/backends/qt/paint/look.h"
 #include "platform/backends/qt/paint/picture_painter.h"
+#include "texts.h"
 
 #include <QGuiApplication>
 #include <QImage>
@@ -105,8 +106,9 @@ std::optional<QImage> designImage(const std::string &name, const Options &option
     std::ifstream in(*path, std::ios::binary);
     std::ostringstream text;
     text << in.rdbuf();
-    formc::Design design =
-        formc::parseDesign(text.str(), formc::readSkin(VELMORA_SOURCE "/assets/skin"));
+    formc::Design design = formc::parseDesign(
+        text.str(), formc::withTexts(formc::readSkin(VELMORA_SOURCE "/assets/skin"),
+                                     formc::readTexts(VELMORA_SOURCE "/assets/texts")));
     for (const formc::Fault &fault : design.faults)
         std::cerr << path->string() << ':' << fault.line << ": " << fault.text << '\n';
     if (!design.faults.empty() || !adapt(design.form, options))

@@ -11,7 +11,8 @@ using ::testing::Not;
 namespace {
 
 Code codeOf(const std::string &text) {
-    const Design design = parseDesign(text, {{{"text", 0x00F3EDE9U}}, {"play", "body"}});
+    const Design design =
+        parseDesign(text, {{{"text", 0x00F3EDE9U}}, {"play", "body"}, {{"play", u"\u64AD\u653E"}}});
     for (const Fault &fault : design.faults)
         ADD_FAILURE() << fault.line << ": " << fault.text;
     return writeCode(design, "playback");
@@ -42,6 +43,29 @@ TEST(DesignCode, MembersHaveTheNamesAndTypesOfTheDesign) {
     EXPECT_THAT(header, HasSubstr("#include \"ui/zkButton.h\""));
     EXPECT_THAT(header, HasSubstr("#include \"platform/forms/menu.h\""));
     EXPECT_THAT(header, Not(HasSubstr("listbox.h")));
+}
+
+TEST(DesignCode, WhatFollowsTheLanguageHasItsFirstTextAndARow) {
+    const Code code = codeOf("form F\n    caption @play\n    size 90 90\n"
+                             "Image c\n    at 0 0\n    size 9 9\n    tip @play\n"
+                             "TextBox d\n    at 0 0\n    size 9 9\n    text @play\n"
+                             "Label e\n    at 0 0\n    size 9 9\n    caption \"always\"\n");
+    EXPECT_THAT(code.header,
+                HasSubstr("static std::span<const texts::Row<F_Design>> languageRows();"));
+    EXPECT_THAT(code.source, HasSubstr("this->setCaption(u\"\\x64AD\" u\"\\x653E\" u\"\");"));
+    EXPECT_THAT(code.source, HasSubstr("#include \"settings/language_rows.h\""));
+    const auto row = [](const std::string &call) {
+        return "    {[](F_Design &form, std::u16string_view text) { form." + call +
+               "(text); },\n     texts::play},\n";
+    };
+    EXPECT_THAT(code.source, HasSubstr("rows[] = {\n" + row("setCaption") + row("c.setToolTip") +
+                                       row("d.setText") + "};\n"));
+}
+
+TEST(DesignCode, WhatDoesNotFollowTheLanguageHasNoRows) {
+    const Code code = codeOf("form F\n    caption \"@play\"\n    size 9 9\n");
+    EXPECT_THAT(code.header, Not(HasSubstr("languageRows")));
+    EXPECT_THAT(code.source, Not(HasSubstr("texts::")));
 }
 
 TEST(DesignCode, TheWindowGoesAheadOfTheControls) {

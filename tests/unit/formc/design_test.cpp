@@ -15,7 +15,7 @@ using ::testing::SizeIs;
 namespace {
 
 const Skin &skin() {
-    static const Skin one{{{"text", 0x00F3EDE9U}}, {"play", "body"}};
+    static const Skin one{{{"text", 0x00F3EDE9U}}, {"play", "body"}, {}};
     return one;
 }
 
@@ -210,6 +210,14 @@ TEST(DesignFaults, BrokenStrings) {
     EXPECT_THAT(faultsOf("Label", "    caption \"x\\"), ElementsAre(HasSubstr("unknown escape")));
     EXPECT_THAT(faultsOf("Label", "    caption \"\xFF\"\n"),
                 ElementsAre("the string is not valid UTF-8"));
+}
+
+TEST(DesignFaults, ATextThatIsNotThere) {
+    EXPECT_THAT(faultsOf("Label", "    caption @gone\n"),
+                ElementsAre("'caption': there is no text 'gone'"));
+    EXPECT_THAT(faultsOf("Label", "    tip @\n"), ElementsAre("'tip': there is no text ''"));
+    EXPECT_THAT(faultsOf("Label", "    tag @text\n"),
+                ElementsAre("'tag': expects one string in double quotes"));
 }
 
 TEST(DesignFaults, AllOfThemAreListedInTheOrderOfTheLines) {

@@ -3,6 +3,7 @@
 #include "design.h"
 #include "design_code.h"
 #include "design_rows.h"
+#include "texts.h"
 
 #include <gtest/gtest.h>
 
@@ -25,11 +26,16 @@ std::vector<std::filesystem::path> designs() {
     return paths;
 }
 
+const TextTable &texts() {
+    static const TextTable table = readTexts((root / "assets/texts").string());
+    return table;
+}
+
 Design load(const std::filesystem::path &path) {
     std::ifstream in(path, std::ios::binary);
     std::ostringstream text;
     text << in.rdbuf();
-    return parseDesign(text.str(), readSkin((root / "assets/skin").string()));
+    return parseDesign(text.str(), withTexts(readSkin((root / "assets/skin").string()), texts()));
 }
 
 class EveryDesign : public ::testing::TestWithParam<std::filesystem::path> {};
@@ -116,6 +122,35 @@ TEST_P(EveryDesign, BecomesCode) {
 
 INSTANTIATE_TEST_SUITE_P(Source, EveryDesign, ::testing::ValuesIn(designs()),
                          [](const auto &one) { return one.param.stem().string(); });
+
+TEST(ProgramsTexts, HaveNoFault) {
+    for (const TextFault &fault : texts().faults)
+        ADD_FAILURE() << fault.file << ':' << fault.line << ": " << fault.text;
+    EXPECT_EQ(texts().languages, (std::vector<std::string>{"zh", "en", "fr", "ja"}));
+}
+
+// What nothing shows any more would be translated for nothing.
+TEST(ProgramsTexts, AreShownSomewhere) {
+    std::string named;
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(root)) {
+        const auto type = entry.path().extension();
+        const std::string part = entry.path().lexically_relative(root).begin()->string();
+        if ((part != "src" && part != "assets") ||
+            (type != ".form" && type != ".cpp" && type != ".txt"))
+            continue;
+        std::ifstream in(entry.path(), std::ios::binary);
+        named.append(std::istreambuf_iterator<char>(in), {}).append("\n");
+    }
+    for (const TextEntry &entry : texts().entries) {
+        const auto stands = [&](const std::string &way) {
+            return named.find(way) != std::string::npos;
+        };
+        EXPECT_TRUE(stands("@" + entry.name + "\n") || stands("{" + entry.name + "}") ||
+                    stands("texts::" + entry.name) || stands("." + entry.name) ||
+                    stands("::" + entry.name))
+            << entry.name;
+    }
+}
 
 TEST(Skin, AMissingPaletteIsReported) {
     EXPECT_THROW(readSkin((root / "src").string()), std::runtime_error);
