@@ -5,11 +5,13 @@
 """
 
 import re
+import signal
+import subprocess
 import sys
 import unittest
 
 from player import LIST, MAIN, MINI, PlayerTest, stairs
-from session import Session, quiet, rest, wait_for
+from session import Session, let_pass, quiet, rest, wait_for
 
 WIDTH = int(MAIN["form"][2])
 
@@ -48,6 +50,45 @@ class HeldAtAnEdge(Placing):
                 self.assert_touching(player, main, rows)
                 self.assertTrue(wait_for(lambda: player.place(main) == home, 5),
                                 f"it stands at {player.place(main)}, not at {home}")
+
+    def test_a_manager_that_answers_late_does_not_part_the_pair(self):
+        player, main, rows = self.start_with_list()
+        home = player.place(main)
+        grip = player.point(main, 470, 150)
+        player.tool("mousemove", *grip)
+        player.tool("mousedown", 1)
+        self.haul(player, (-504, 0))
+        rest(lambda: player.place(main))
+        manager = self.session.manager
+        manager.send_signal(signal.SIGSTOP)
+        try:
+            player.tool("mousemove", 0, grip[1])
+            let_pass(1.5)  # longer than any manager would seem to need
+        finally:
+            manager.send_signal(signal.SIGCONT)
+        rest(lambda: player.place(main))
+        player.tool("mousemove", *grip)
+        player.tool("mouseup", 1)
+        self.assert_touching(player, main, rows)
+        self.assertTrue(wait_for(lambda: player.place(main) == home, 5),
+                        f"it stands at {player.place(main)}, not at {home}")
+
+    def test_a_drag_starts_where_the_hand_took_hold_though_the_player_was_busy(self):
+        player, main, rows = self.start_with_list()
+        x, y = player.place(main)
+        player.tool("mousemove", *player.point(main, 150, 12))
+        player.child.send_signal(signal.SIGSTOP)
+        try:
+            # Straight to the screen: nobody answers for the player now.
+            for words in (("mousedown", 1), ("mousemove_relative", 100, 50)):
+                subprocess.run(["xdotool", *map(str, words)], env=self.session.env, check=True)
+        finally:
+            player.child.send_signal(signal.SIGCONT)
+        player.took(main)
+        player.tool("mouseup", 1)
+        self.assertTrue(wait_for(lambda: player.place(main) == (x + 100, y + 50), 8),
+                        f"from {(x, y)} by (100, 50) it came to {player.place(main)}")
+        self.assert_touching(player, main, rows)
 
     def test_a_window_that_is_held_takes_its_clicks_where_it_is_seen(self):
         player, main = self.start()

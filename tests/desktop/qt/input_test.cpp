@@ -91,6 +91,29 @@ TEST_F(InputTest, ADragMovesTheWindowWithThePointerToThePixel) {
     EXPECT_EQ(place->y, 330);
 }
 
+TEST_F(InputTest, APressIsWhereTheHandTookHoldThoughItWentOnBeforeItWasHandled) {
+    InputForm form;
+    PointPixels pressed;
+    PointPixels released;
+    form.title.on().MouseDown = [&](const forms::MouseEvent &) {
+        desk().windows->GetCursorPos(pressed);
+    };
+    form.title.on().MouseUp = [&](const forms::MouseEvent &) {
+        desk().windows->GetCursorPos(released);
+    };
+    form.appear();
+    const PointPixels place{form.screenX(30), form.screenY(10)};
+    desk().movePointer(place.x, place.y);
+    // Both before a round of events.
+    desk().session.run({"xdotool", "mousedown", "1"});
+    desk().session.run({"xdotool", "mousemove", "900", "700", "mouseup", "1"});
+    ASSERT_TRUE(desk().pump([&] { return released.x != 0; }));
+    EXPECT_EQ(pressed.x, place.x);
+    EXPECT_EQ(pressed.y, place.y);
+    EXPECT_EQ(released.x, 900);
+    EXPECT_EQ(released.y, 700);
+}
+
 TEST_F(InputTest, ThePointerIsFollowedWithoutAButtonAndItsLeavingIsSeen) {
     InputForm form;
     int moves = 0;

@@ -60,6 +60,9 @@ public:
         Loop &loop_;
     };
 
+    // How many handlers are active, one inside the other.
+    int depth() const noexcept { return depth_; }
+
     // Sets the wake-up for the next tick; to be called ahead of a nested loop.
     void arm();
 

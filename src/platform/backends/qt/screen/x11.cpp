@@ -25,6 +25,7 @@ constexpr std::uint32_t stateAdd = 1;
 constexpr std::uint32_t sourceApplication = 1;
 constexpr std::uint32_t iconicState = 3;
 constexpr std::uint32_t maxStates = 64;
+constexpr std::size_t mostTurns = 32;
 
 // The head of the notice that a selection changed hands, as the XFIXES protocol lays it out.
 struct SelectionNotice {
@@ -49,7 +50,11 @@ X11::X11()
     qApp->installNativeEventFilter(this);
 }
 
-X11::~X11() { qApp->removeNativeEventFilter(this); }
+X11::~X11() {
+    qApp->removeNativeEventFilter(this);
+    if (turnWindow_ != XCB_WINDOW_NONE)
+        xcb_destroy_window(connection_, turnWindow_);
+}
 
 void X11::internAtoms() {
     const char *const names[AtomCount] = {"_NET_WM_STATE",
@@ -62,7 +67,9 @@ void X11::internAtoms() {
                                           "XdndPosition",
                                           "XdndActionCopy",
                                           "WM_CHANGE_STATE",
-                                          "WM_STATE"};
+                                          "WM_STATE",
+                                          "_NET_FRAME_EXTENTS",
+                                          "_NET_REQUEST_FRAME_EXTENTS"};
     xcb_intern_atom_cookie_t asked[AtomCount];
     for (int i = 0; i < AtomCount; ++i)
         asked[i] =
@@ -117,6 +124,13 @@ void X11::setStatesBeforeMap(xcb_window_t window, std::initializer_list<Atom> st
                         XCB_ATOM_ATOM, 32, static_cast<std::uint32_t>(all.size()), all.data());
 }
 
+void X11::tellManager(const xcb_client_message_event_t &event) {
+    xcb_send_event(connection_, 0, root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char *>(&event));
+    flush();
+}
+
 void X11::requestState(xcb_window_t window, bool on, Atom state) {
     xcb_client_message_event_t event = {};
     event.response_type = XCB_CLIENT_MESSAGE;
@@ -126,10 +140,7 @@ void X11::requestState(xcb_window_t window, bool on, Atom state) {
     event.data.data32[0] = on ? stateAdd : stateRemove;
     event.data.data32[1] = atoms_[state];
     event.data.data32[3] = sourceApplication;
-    xcb_send_event(connection_, 0, root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                   reinterpret_cast<const char *>(&event));
-    flush();
+    tellManager(event);
 }
 
 void X11::iconify(xcb_window_t window) {
@@ -139,10 +150,7 @@ void X11::iconify(xcb_window_t window) {
     event.window = window;
     event.type = atoms_[ChangeState];
     event.data.data32[0] = iconicState;
-    xcb_send_event(connection_, 0, root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                   reinterpret_cast<const char *>(&event));
-    flush();
+    tellManager(event);
 }
 
 bool X11::hasState(xcb_window_t window, Atom state) {
@@ -235,6 +243,27 @@ void X11::destroySensor(xcb_window_t sensor) {
     flush();
 }
 
+// It handles what it is sent in order, and how wide its frame of a window would be is what every
+// program may ask it about any window.
+void X11::whenManagerTook(std::function<void()> took) {
+    if (turnWindow_ == XCB_WINDOW_NONE) {
+        turnWindow_ = xcb_generate_id(connection_);
+        const std::uint32_t changes = XCB_EVENT_MASK_PROPERTY_CHANGE;
+        xcb_create_window(connection_, 0, turnWindow_, root(), -1, -1, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_ONLY, screen_->root_visual, XCB_CW_EVENT_MASK,
+                          &changes);
+    }
+    if (turns_.size() == mostTurns)
+        turns_.pop_front();
+    turns_.push_back(std::move(took));
+    xcb_client_message_event_t event = {};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = turnWindow_;
+    event.type = atoms_[RequestFrameExtents];
+    tellManager(event);
+}
+
 void X11::watchCovered(xcb_window_t window, std::function<void()> covered) {
     const Owned<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
         connection_, xcb_get_window_attributes(connection_, window), nullptr));
@@ -274,6 +303,13 @@ bool X11::nativeEventFilter(const QByteArray & /*type*/, void *message, qintptr 
             sensors_.find(reinterpret_cast<const xcb_enter_notify_event_t *>(event)->event);
         if (found != sensors_.end())
             found->second();
+    } else if (type == XCB_PROPERTY_NOTIFY && !turns_.empty()) {
+        const auto *change = reinterpret_cast<const xcb_property_notify_event_t *>(event);
+        if (change->window == turnWindow_ && change->atom == atoms_[FrameExtents]) {
+            const std::function<void()> took = std::move(turns_.front());
+            turns_.pop_front();
+            took();
+        }
     } else if (type == XCB_VISIBILITY_NOTIFY && !covered_.empty()) {
         const auto *notice = reinterpret_cast<const xcb_visibility_notify_event_t *>(event);
         const auto found = covered_.find(notice->window);

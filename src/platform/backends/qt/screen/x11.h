@@ -10,6 +10,7 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <initializer_list>
 #include <map>
@@ -32,6 +33,8 @@ public:
         DragCopy,
         ChangeState,
         WmState,
+        FrameExtents,
+        RequestFrameExtents,
         AtomCount
     };
 
@@ -76,6 +79,10 @@ public:
     void placeSensor(xcb_window_t sensor, const QRect &place);
     void destroySensor(xcb_window_t sensor);
 
+    // Calls `took` once the window manager has handled what was sent to it before; never where it
+    // does not tell.
+    void whenManagerTook(std::function<void()> took);
+
     // Calls `covered` when another window comes to lie over `window`.
     void watchCovered(xcb_window_t window, std::function<void()> covered);
     void forget(xcb_window_t window);
@@ -86,6 +93,7 @@ private:
     void internAtoms();
     static bool isGuestScreen();
     bool readComposited();
+    void tellManager(const xcb_client_message_event_t &event);
     std::vector<xcb_atom_t> readStates(xcb_window_t window);
     xcb_visualid_t clearVisual() const;
     bool hasExtension(const char *name, std::uint8_t &firstEvent);
@@ -93,6 +101,8 @@ private:
     xcb_connection_t *connection_;
     xcb_screen_t *screen_ = nullptr;
     xcb_atom_t atoms_[AtomCount] = {};
+    xcb_window_t turnWindow_ = XCB_WINDOW_NONE; // what a manager writes its answers on
+    std::deque<std::function<void()>> turns_;
     std::map<xcb_window_t, std::function<void()>> sensors_;
     std::map<xcb_window_t, std::function<void()>> covered_;
     std::uint8_t fixesEvent_ = 0;

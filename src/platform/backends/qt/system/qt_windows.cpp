@@ -300,6 +300,8 @@ bool QtWindowSystem::GetWindowRect(HWND window, RectPixels &rect) {
     if (entry == nullptr)
         return false;
     const forms::Form *form = entry->form;
+    if (entry->window != nullptr)
+        entry->window->awaitPlace();
     const QPoint held = entry->window != nullptr ? entry->window->heldOff() : QPoint();
     rect.left = qRound(qt::toPixels(form->left())) + held.x();
     rect.top = qRound(qt::toPixels(form->top())) + held.y();
@@ -314,6 +316,12 @@ Twips QtWindowSystem::screenHeight() { return qt::toTwips(qt::screens::primary()
 // The pointer is asked for at every tick of a strip that may be hidden, and each question is a
 // round trip to the screen: with no button down and no strip up the answer may be a second old.
 bool QtWindowSystem::GetCursorPos(PointPixels &position) {
+    if (const auto event = parts_->hub.pointerOfEvent()) {
+        // The hand may have gone on since: what was taken hold of is where it was then.
+        const QPointF at = qt::screens::toProgram(*event);
+        position = {qRound(at.x()), qRound(at.y())};
+        return true;
+    }
     constexpr std::chrono::seconds oldest{1};
     const auto now = std::chrono::steady_clock::now();
     const bool isLive = QGuiApplication::mouseButtons() != Qt::NoButton || parts_->stripIsUp();

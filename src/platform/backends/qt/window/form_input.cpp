@@ -151,7 +151,7 @@ bool FormInput::mouse(QWidget &widget, QMouseEvent &event, bool child) {
     pointerOver_ = &widget;
     pointerAt_ = at;
     hub_.pointerOutside = false;
-    const Loop::Handler handler(hub_.loop);
+    const Hub::MouseHandler handler(hub_, event.globalPosition());
     switch (event.type()) {
     case QEvent::MouseButtonPress:
         if (event.buttons() == event.button())

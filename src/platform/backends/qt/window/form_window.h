@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 
 namespace velmora::platform::qt {
 
@@ -41,6 +42,8 @@ public:
 
     // How far the window manager keeps the window from where its form stands, in logical pixels.
     QPoint heldOff() const;
+    // Handles what the window system sends until the window manager has answered, for a while.
+    void awaitPlace();
 
     // Above the others, restored if it was minimised, with the keyboard.
     void bringForward();
@@ -62,6 +65,7 @@ private:
     void applyState();
     void applyLook();
     void applyPlace();
+    void askTurn();
     void applyOutline();
     bool putsPaintOff();
     void payPaint();
@@ -88,6 +92,7 @@ private:
     std::unique_ptr<TopWidget> top_;
     WindowPlace place_;
     QPoint heldOff_;
+    std::optional<std::chrono::steady_clock::time_point> turnAskedAt_; // while it is awaited
     QPoint origin_; // of the program's coordinates when the window was last placed in them
     std::chrono::steady_clock::time_point lastForced_;
     std::chrono::steady_clock::time_point lastOutline_;

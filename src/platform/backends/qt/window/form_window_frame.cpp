@@ -7,6 +7,7 @@
 #include "platform/backends/qt/window/top_widget.h"
 
 #include <QApplication>
+#include <QPointer>
 #include <QTimer>
 #include <QWindow>
 
@@ -19,6 +20,9 @@ namespace {
 
 constexpr int raisePauseMs = 100;
 constexpr int iconifyLimitMs = 1000;
+// A manager that was replaced meanwhile does not answer what the one before it was asked.
+constexpr auto turnAnew = std::chrono::seconds(2);
+constexpr auto placeLimit = std::chrono::milliseconds(500);
 
 Qt::WindowFlags flagsOf(const forms::Form &form) {
     Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint;
@@ -181,11 +185,34 @@ void QtFormWindow::applyPlace() {
         hub_.x11.flush();
     }
     placing_ = false;
+    askTurn();
     if (resized) {
         outlineDirty_ = true;
         applyOutline();
         top_->update();
     }
+}
+
+// What is reported ahead of the manager's sign answers an earlier place or the last one, what comes
+// behind it the last one alone; one sign is under way at a time, however often a drag asks.
+void QtFormWindow::askTurn() {
+    const auto now = std::chrono::steady_clock::now();
+    if (place_.tookAll() || (turnAskedAt_ && now - *turnAskedAt_ < turnAnew))
+        return;
+    turnAskedAt_ = now;
+    hub_.x11.whenManagerTook([this, top = QPointer<QWidget>(top_.get()), asks = place_.asks()] {
+        if (top.isNull())
+            return;
+        // The toolkit hands on what was reported before at the end of this round.
+        QMetaObject::invokeMethod(
+            top.data(),
+            [this, asks] {
+                turnAskedAt_.reset();
+                place_.took(asks);
+                askTurn();
+            },
+            Qt::QueuedConnection);
+    });
 }
 
 // Another monitor is the primary one, or it lies elsewhere: a window that a manager has stays where
@@ -267,6 +294,11 @@ void QtFormWindow::moved() {
 
 // While the window is on its way an answer may be one to an earlier place.
 QPoint QtFormWindow::heldOff() const { return place_.isAtRest() ? heldOff_ : QPoint(); }
+
+void QtFormWindow::awaitPlace() {
+    if (top_ != nullptr && top_->isVisible() && !place_.isAtRest())
+        hub_.loop.settle([this] { return place_.isAtRest(); }, placeLimit);
+}
 
 void QtFormWindow::applyTopmost() {
     if (!top_->isVisible())

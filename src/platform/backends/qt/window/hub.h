@@ -10,11 +10,14 @@
 #include "platform/contracts/windows.h"
 
 #include <QIcon>
+#include <QPointF>
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace velmora::platform::qt {
@@ -50,10 +53,36 @@ public:
     // An icon of a drawing in the usual sizes.
     QIcon icon(forms::Picture picture);
 
+    // Where the pointer was, on the screen, at the mouse event that is being handled; absent in the
+    // handlers that run inside its own.
+    std::optional<QPointF> pointerOfEvent() const {
+        return eventAt_ && loop.depth() == eventDepth_ ? eventAt_ : std::nullopt;
+    }
+    class MouseHandler {
+    public:
+        MouseHandler(Hub &hub, QPointF at)
+            : hub_(hub), handler_(hub.loop), before_(std::exchange(hub.eventAt_, at)),
+              depthBefore_(std::exchange(hub.eventDepth_, hub.loop.depth())) {}
+        ~MouseHandler() {
+            hub_.eventAt_ = before_;
+            hub_.eventDepth_ = depthBefore_;
+        }
+        MouseHandler(const MouseHandler &) = delete;
+        MouseHandler &operator=(const MouseHandler &) = delete;
+
+    private:
+        Hub &hub_;
+        Loop::Handler handler_;
+        std::optional<QPointF> before_;
+        int depthBefore_;
+    };
+
     // Where the pointer was last known to have left all our windows (XWayland tells no more).
     bool pointerOutside = false;
 
 private:
+    std::optional<QPointF> eventAt_;
+    int eventDepth_ = 0;
     std::map<forms::Picture, QIcon> icons_;
     HWND lastNumber_ = 0;
 };

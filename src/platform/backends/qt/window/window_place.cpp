@@ -6,14 +6,19 @@ namespace velmora::platform::qt {
 
 namespace {
 constexpr std::size_t most = 64;
-// No window manager takes longer to answer; what comes later is a move of its own.
+// A window manager that does not tell what it took is not expected to take longer to answer; what
+// comes later is a move of its own.
 constexpr std::chrono::seconds answerLimit{1};
 constexpr std::chrono::milliseconds restTime{300};
+// One that tells is known to be still at it, unless it has gone.
+constexpr std::chrono::seconds turnLimit{5};
 } // namespace
 
 void WindowPlace::asked(QPoint position, bool isManaged, Clock::time_point now) {
     askedAt_ = now;
     awaitsAnswer_ = isManaged;
+    if (isManaged)
+        ++asks_;
     if (!asked_.empty() && asked_.back() == position)
         return;
     if (asked_.size() == most)
@@ -21,7 +26,13 @@ void WindowPlace::asked(QPoint position, bool isManaged, Clock::time_point now) 
     asked_.push_back(position);
 }
 
-bool WindowPlace::isAtRest(Clock::time_point now) const { return now - askedAt_ >= restTime; }
+void WindowPlace::took(std::uint64_t asks) { took_ = std::max(took_, asks); }
+
+bool WindowPlace::isAtRest(Clock::time_point now) const {
+    if (!awaitsAnswer_ || tookAll())
+        return true;
+    return now - askedAt_ >= (took_ != 0 ? turnLimit : restTime);
+}
 
 WindowPlace::Report WindowPlace::reported(QPoint position, Clock::time_point now) {
     const auto found = std::find(asked_.begin(), asked_.end(), position);
@@ -34,7 +45,8 @@ WindowPlace::Report WindowPlace::reported(QPoint position, Clock::time_point now
         awaitsAnswer_ = false;
         return Report::Granted;
     }
-    if (awaitsAnswer_ && now - askedAt_ < answerLimit)
+    const bool isAtIt = took_ != 0 && !tookAll();
+    if (awaitsAnswer_ && now - askedAt_ < (isAtIt ? turnLimit : answerLimit))
         return Report::Refused;
     asked_.clear();
     return Report::Moved;

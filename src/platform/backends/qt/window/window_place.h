@@ -6,6 +6,7 @@
 #include <QPoint>
 
 #include <chrono>
+#include <cstdint>
 #include <deque>
 
 namespace velmora::platform::qt {
@@ -23,7 +24,13 @@ public:
 
     // We ask for a position. A window manager has a say once it has the window (`isManaged`).
     void asked(QPoint position, bool isManaged, Clock::time_point now = Clock::now());
-    // Whether nothing was asked for lately: what is reported then answers the last that was.
+    // How often a window manager was asked.
+    std::uint64_t asks() const noexcept { return asks_; }
+    // It has handled what was asked for up to then, and what it says of that was reported before.
+    void took(std::uint64_t asks);
+    bool tookAll() const noexcept { return took_ == asks_; }
+    // Whether what was last reported answers the last that was asked for. A manager that tells what
+    // it took may take its time.
     bool isAtRest(Clock::time_point now = Clock::now()) const;
     // The window system reports one.
     Report reported(QPoint position, Clock::time_point now = Clock::now());
@@ -31,6 +38,8 @@ public:
 private:
     std::deque<QPoint> asked_; // not yet reported, oldest first
     Clock::time_point askedAt_{};
+    std::uint64_t asks_ = 0;
+    std::uint64_t took_ = 0;
     bool awaitsAnswer_ = false;
 };
 
