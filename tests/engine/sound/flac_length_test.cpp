@@ -136,6 +136,17 @@ TEST(FlacLength, WhatIsThereCountsWhateverTheTotalSays) {
     }
 }
 
+// Its frames are counted, and as long as the first.
+TEST(FlacLength, AWrongSizeOfBlocksInTheHeaderChangesNothing) {
+    for (const std::size_t byte : {8U, 9U, 10U, 11U}) {
+        for (const int turned : {0x01, 0x10, 0xFF}) {
+            Bytes file = flac(150);
+            file[byte] = static_cast<std::uint8_t>(file[byte] ^ turned);
+            EXPECT_EQ(present(file), 150 * flacBlock) << byte << " " << turned;
+        }
+    }
+}
+
 // Nothing but headers: each may lead to each.
 TEST(FlacLength, AFileMadeOfHeadersIsGivenUpSoon) {
     Bytes file = flacHeader(1000 * flacBlock);

@@ -16,7 +16,8 @@ struct OddSound {
     Bytes bytes;
     // Of the whole file's length, where the file says enough to know.
     std::optional<double> times = std::nullopt;
-    std::size_t hole = 0; // so many bytes of a tag stand here
+    bool keepsTime = false; // as long as the whole, where others leave out what is damaged
+    std::size_t hole = 0;   // so many bytes of a tag stand here
     std::size_t holeAt = 0;
 };
 
@@ -168,16 +169,20 @@ inline std::optional<OddSound> withBigChunk(const std::string &form, const Bytes
             chunk, 4, !isWav, [&](std::uint32_t) { return size; });
         const Bytes grown =
             withNumber(whole, 4, !isWav, [&](std::uint32_t n) { return n + size + 8; });
-        return OddSound{what, put(grown, at, chunk), 1.0, size, at + chunk.size()};
+        return OddSound{what, put(grown, at, chunk), 1.0, false, size, at + chunk.size()};
     }
     if (form == "au") {
         const auto grow = [&](std::uint32_t n) { return n + size; };
-        return OddSound{what, withNumber(whole, 4, true, grow), 1.0, size, 24};
+        return OddSound{what, withNumber(whole, 4, true, grow), 1.0, false, size, 24};
     }
     if (form == "flac") { // whose blocks are of 16 MB at most
         constexpr std::size_t firstEnd = 42;
-        return OddSound{"a block of 16 MB ahead", put(whole, firstEnd, {1, 0xFF, 0xFF, 0xFF}), 1.0,
-                        0xFFFFFF, firstEnd + 4};
+        return OddSound{"a block of 16 MB ahead",
+                        put(whole, firstEnd, {1, 0xFF, 0xFF, 0xFF}),
+                        1.0,
+                        false,
+                        0xFFFFFF,
+                        firstEnd + 4};
     }
     return std::nullopt;
 }
@@ -219,7 +224,8 @@ inline std::vector<OddSound> oddSounds(const std::string &form, const Bytes &who
                                  {"joined", put(whole, whole.size(), whole), 2.0}};
     odd.push_back({"joined with a tag between",
                    put(put(whole, whole.size(), id3Tag(3000)), whole.size() + 3010, whole), 2.0});
-    odd.push_back({"behind a tag of 50 MB", put(whole, 0, id3Head(bigTag)), 1.0, bigTag, 10});
+    odd.push_back(
+        {"behind a tag of 50 MB", put(whole, 0, id3Head(bigTag)), 1.0, false, bigTag, 10});
     odd.push_back({"a tag in the middle", put(whole, whole.size() / 2, id3Tag(3000)), spoilt});
     odd.push_back({"a tag behind", put(whole, whole.size(), id3Tag(3000)), 1.0});
     if (const auto big = withBigChunk(form, whole, bigTag))
@@ -231,7 +237,7 @@ inline std::vector<OddSound> oddSounds(const std::string &form, const Bytes &who
     for (std::size_t at = steps.header - 1; at < headerSize; at += steps.header) {
         Bytes wrong = whole;
         wrong.at(at) ^= 0xFF;
-        odd.push_back({"byte " + std::to_string(at) + " wrong", wrong});
+        odd.push_back({"byte " + std::to_string(at) + " wrong", wrong, std::nullopt, true});
     }
     for (std::size_t size = steps.cut; size < whole.size(); size += steps.cut)
         odd.push_back({"cut at " + std::to_string(size),

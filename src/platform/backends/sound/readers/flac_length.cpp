@@ -56,7 +56,7 @@ struct Stream {
     std::int64_t total = 0; // samples; 0: not told
 };
 
-std::optional<Stream> readStream(const ByteSource &source) {
+std::optional<Stream> readHead(const ByteSource &source) {
     std::array<std::uint8_t, headSize> head{};
     if (source.read(0, head) < head.size() || std::memcmp(head.data(), "fLaC", 4) != 0)
         return std::nullopt;
@@ -155,6 +155,19 @@ std::optional<Frame> parseHeader(Bytes bytes, const Stream &stream) {
     return frame;
 }
 
+// The sizes of blocks differ where the samples are counted, or where the header of the file lies.
+// Where the frames are counted, the first one is as long as all.
+void learnBlock(const ByteSource &source, Stream &stream) {
+    std::array<std::uint8_t, 16> head{};
+    Stream any = stream;
+    any.longestBlock = 0;
+    const std::size_t got = source.read(flacSoundStart(source, 0), head);
+    if (const auto first = parseHeader(Bytes(head).first(got), any)) {
+        stream.block = first->samples;
+        stream.longestBlock = std::max(stream.longestBlock, first->samples);
+    }
+}
+
 // The first at or behind this place that reads as a frame of the stream.
 std::optional<Frame> frameFrom(Bytes bytes, std::size_t place, const Stream &stream) {
     for (; place < bytes.size(); ++place) {
@@ -249,6 +262,13 @@ private:
     int bits_;
     std::int64_t effort_ = std::int64_t{1} << 26; // steps, of some nanoseconds each
 };
+
+std::optional<Stream> readStream(const ByteSource &source) {
+    auto stream = readHead(source);
+    if (stream && stream->block != stream->longestBlock)
+        learnBlock(source, *stream);
+    return stream;
+}
 
 std::vector<std::uint8_t> readPart(const ByteSource &source, std::int64_t start,
                                    std::int64_t size) {
@@ -374,7 +394,7 @@ std::unique_ptr<ByteSource> withFlacTotal(std::unique_ptr<ByteSource> source,
 }
 
 std::int64_t flacTotal(const ByteSource &source) {
-    const auto stream = readStream(source);
+    const auto stream = readHead(source);
     return stream ? stream->total : 0;
 }
 
