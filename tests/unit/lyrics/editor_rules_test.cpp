@@ -195,7 +195,7 @@ TEST_F(EditorRules, TheLyricTakenAgainEnablesWhatAnEmptyFileHadDisabled) {
     expectToldEmpty();
     open("");
     ASSERT_FALSE(editor().lrcList.enabled());
-    editor().list_Load.on().Click();
+    clickOn(editor().list_Load);
     EXPECT_EQ(rowsOf(editor().lrcList), (Texts{u"[00:01]a", u""}));
     EXPECT_TRUE(editor().lrcList.enabled());
     EXPECT_FALSE(editor().no_Lrc_Clew.visible());
@@ -227,7 +227,7 @@ TEST_F(EditorRules, ASaveAsksOnlyOverALyricOfExactlyTheTracksName) {
     windows.expectMsgBox(boxOf(u"曲目：Song\r\n已成功保存，并匹配！\r\n\r\n地址：/lrc/Song.Lrc",
                                platform::MsgBoxIcon::Information, u"Velmora 2011"),
                          platform::MsgBoxResult::Ok);
-    editor().save_Button.on().Click();
+    clickOn(editor().save_Button);
     EXPECT_TRUE(files.hasFile(u"/lrc/Song.Lrc"));
 }
 
@@ -244,7 +244,7 @@ TEST_F(EditorRules, ASaveIsLoadedAndItsFrameOpenBeforeItIsTold) {
                              wasOpen = info().lrcInfo_Frame.enabled();
                              rows = rowsOf(lyric().List1);
                          });
-    editor().save_Button.on().Click();
+    clickOn(editor().save_Button);
     EXPECT_TRUE(wasOpen);
     EXPECT_EQ(rows, (Texts{u"[Ti:]", u"[Ar:]", u"[Al:]", u"[By:]", u"[00:01.00]one", u"two"}));
     EXPECT_EQ(editor().nowRow, 0);
@@ -259,7 +259,7 @@ TEST_F(EditorRules, ASaveThatFailsLeavesTheFrameAsItWas) {
               platform::MsgBoxIcon::Critical, u"Velmora 2011"),
         platform::MsgBoxResult::Ok);
     info().lrcInfo_Frame.setEnabled(false);
-    editor().save_Button.on().Click();
+    clickOn(editor().save_Button);
     EXPECT_FALSE(info().lrcInfo_Frame.enabled());
 }
 

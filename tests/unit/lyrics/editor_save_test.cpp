@@ -37,7 +37,7 @@ protected:
 
 TEST_F(EditorSave, WritesUnderTheTracksNameLoadsItAndTells) {
     expectTold(u"已成功保存，并匹配！", u"/lrc/Song.Lrc", MsgBoxIcon::Information);
-    editor().save_Button.on().Click();
+    clickOn(editor().save_Button);
     EXPECT_EQ(files.contents(u"/lrc/Song.Lrc"), written);
     EXPECT_TRUE(lyric().hasLrc);
     EXPECT_EQ(lyric().lrcPath, u"/lrc/Song.Lrc");
@@ -60,7 +60,7 @@ TEST_P(OtherAnswers, GoToSaveAs) {
     files.addFile(u"/lrc/Song.lrc", "old");
     expectQuestion(GetParam());
     fake.dialogs.expectSave(std::nullopt);
-    editor().save_Button.on().Click();
+    clickOn(editor().save_Button);
     EXPECT_EQ(fake.dialogs.files.size(), 1U);
     EXPECT_EQ(files.contents(u"/lrc/Song.lrc"), "old");
     EXPECT_FALSE(lyric().hasLrc);
@@ -72,7 +72,7 @@ INSTANTIATE_TEST_SUITE_P(All, OtherAnswers,
 TEST_F(EditorSave, ThatFailsTellsAndKeepsTheLines) {
     files.setReadOnly(u"/lrc");
     expectTold(u"保存失败，请确定您有写入权限！", u"/lrc/Song.Lrc", MsgBoxIcon::Critical);
-    editor().save_Button.on().Click();
+    clickOn(editor().save_Button);
     EXPECT_EQ(rowsOf(editor().lrcList), (Texts{u"one", u"two"}));
     EXPECT_FALSE(lyric().hasLrc);
 }
@@ -82,7 +82,7 @@ TEST_F(EditorSave, OnAFullDiskLeavesTheOldLyricWhole) {
     files.setFreeSpace(2);
     expectQuestion(MsgBoxResult::Yes);
     expectTold(u"保存失败，请确定您有写入权限！", u"/lrc/Song.Lrc", MsgBoxIcon::Critical);
-    editor().save_Button.on().Click();
+    clickOn(editor().save_Button);
     EXPECT_EQ(files.contents(u"/lrc/Song.Lrc"), "old");
 }
 
@@ -136,12 +136,12 @@ TEST_F(EditorSave, SavesTheLinesThatItWasAskedForThoughAnotherTrackBegins) {
 TEST_F(EditorSave, AsThatFailsTells) {
     fake.dialogs.expectSave(u"/gone/other.lrc");
     expectTold(u"保存失败，请确定您有写入权限！", u"/gone/other.lrc", MsgBoxIcon::Critical);
-    editor().anotherSave_Button.on().Click();
+    clickOn(editor().anotherSave_Button);
 }
 
 TEST_F(EditorSave, AsThatIsCancelledDoesNothing) {
     fake.dialogs.expectSave(std::nullopt);
-    editor().anotherSave_Button.on().Click();
+    clickOn(editor().anotherSave_Button);
     EXPECT_TRUE(files.changes().empty());
 }
 

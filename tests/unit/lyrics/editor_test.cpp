@@ -84,14 +84,14 @@ TEST_F(LyricEditor, ReloadsTheLyricByItsButton) {
     load("[00:01]a");
     editor().lrcList.setList(0, u"changed");
     editor().nowRow = 1;
-    editor().list_Load.on().Click();
+    clickOn(editor().list_Load);
     EXPECT_EQ(rowsOf(editor().lrcList), (Texts{u"[00:01]a", u""}));
     EXPECT_EQ(editor().nowRow, 0);
 }
 
 TEST_F(LyricEditor, ReloadingWithoutALyricDisablesAndKeepsTheRows) {
     open("words");
-    editor().list_Load.on().Click();
+    clickOn(editor().list_Load);
     EXPECT_EQ(rowsOf(editor().lrcList), (Texts{u"words"}));
     EXPECT_FALSE(editor().lrcList.enabled());
     EXPECT_TRUE(editor().no_Lrc_Clew.visible());
@@ -152,7 +152,7 @@ TEST_F(LyricEditor, MoreLinesThanTheListTakesStayOut) {
 TEST_F(LyricEditor, OpensAFileByItsDialog) {
     files.addFile(u"/m/words.txt", "one");
     fake.dialogs.expectOpen(u"/m/words.txt");
-    editor().openFile_Button.on().Click();
+    clickOn(editor().openFile_Button);
     ASSERT_EQ(fake.dialogs.files.size(), 1U);
     EXPECT_EQ(fake.dialogs.files[0].title, u"选择歌词同步文件 - Velmora 2011");
     EXPECT_EQ(fake.dialogs.files[0].filter,
@@ -165,7 +165,7 @@ TEST_F(LyricEditor, OpensAFileByItsDialog) {
 TEST_F(LyricEditor, CancellingTheOpenDialogChangesNothing) {
     open("one");
     fake.dialogs.expectOpen(std::nullopt);
-    editor().openFile_Button.on().Click();
+    clickOn(editor().openFile_Button);
     EXPECT_EQ(rowsOf(editor().lrcList), (Texts{u"one"}));
 }
 
@@ -261,10 +261,10 @@ TEST_F(LyricEditor, F10OnTheFirstRowCutsAndStays) {
 TEST_F(LyricEditor, StampsByItsButtonsToo) {
     open("one\ntwo");
     at(1000);
-    editor().addTime_Label_Button.on().Click();
+    clickOn(editor().addTime_Label_Button);
     EXPECT_EQ(editor().lrcList.list(0), u"[00:01.00]one");
     editor().nowRow = 0;
-    editor().delTime_Label_Button.on().Click();
+    clickOn(editor().delTime_Label_Button);
     EXPECT_EQ(editor().lrcList.list(0), u"one");
 }
 
@@ -273,18 +273,18 @@ TEST_F(LyricEditor, StampsByItsButtonsToo) {
 TEST_F(LyricEditor, IsToggledAndRefilledByItsButton) {
     load("[00:01]a");
     editor().lrcList.setList(0, u"changed");
-    app.Main().do_Lrc.on().Click();
+    clickOn(app.Main().do_Lrc);
     EXPECT_TRUE(editor().visible());
     EXPECT_EQ(editor().lrcList.list(0), u"[00:01]a");
     editor().lrcList.setList(0, u"changed");
-    app.Main().do_Lrc.on().Click();
+    clickOn(app.Main().do_Lrc);
     EXPECT_FALSE(editor().visible());
     EXPECT_EQ(editor().lrcList.list(0), u"[00:01]a") << "hiding loses what was not saved, too";
 }
 
 TEST_F(LyricEditor, HidesByItsCloseButtonAndTheSystemsClose) {
     editor().show();
-    editor().close.on().Click();
+    clickOn(editor().close);
     EXPECT_FALSE(editor().visible());
     editor().show();
     bool cancel = false;

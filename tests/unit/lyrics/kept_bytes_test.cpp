@@ -23,12 +23,12 @@ protected:
                               MsgBoxButtons::YesNoCancel, MsgBoxIcon::None, u"Velmora 2011"},
                              MsgBoxResult::Yes);
         tell(works ? u"已成功保存，并匹配！" : u"保存失败，请确定您有写入权限！", path, works);
-        editor().save_Button.on().Click();
+        clickOn(editor().save_Button);
     }
     void saveAs(std::u16string_view chosen) {
         fake.dialogs.expectSave(std::u16string(chosen));
         tell(u"已成功保存！", chosen, true);
-        editor().anotherSave_Button.on().Click();
+        clickOn(editor().anotherSave_Button);
     }
 
 private:

@@ -8,6 +8,7 @@
 #include "playlist/another_PlayInfo_Form.h"
 #include "playlist/playInfo_Form.h"
 #include "playlist/saveOrOpenFile.h"
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 namespace velmora {

@@ -8,6 +8,7 @@
 #include "tests/fakes/instead.h"
 #include "tests/unit/linux/temp_folder.h"
 #include "tests/unit/plain_user.h"
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 #include "tests/unit/write_limit.h"
 
@@ -72,7 +73,7 @@ protected:
              MsgBoxButtons::YesNoCancel, MsgBoxIcon::None, u"Velmora 2011"},
             MsgBoxResult::Yes);
     }
-    void save() { app.doLrcForm().save_Button.on().Click(); }
+    void save() { clickOn(app.doLrcForm().save_Button); }
 };
 
 TEST_F(LyricsOnDisk, AreFoundUnderTheirNameInAnotherCaseAndStayOneFile) {

@@ -17,12 +17,12 @@ TEST_F(LyricWindow, isToggledByTheMainWindowAndTheMenuAndPreparedWhenItShows) {
     openTrack(u"/m/Song.mp3");
     form.hide();
     haveRows();
-    app.Main().search_Lrc_Internet.on().Click();
+    clickOn(app.Main().search_Lrc_Internet);
     EXPECT_TRUE(form.visible());
     EXPECT_EQ(form.search_Lrc_List.listCount(), 0);
     EXPECT_EQ(form.songName_Text.text(), u"Song");
     haveRows();
-    app.Main().search_Lrc_Internet.on().Click();
+    clickOn(app.Main().search_Lrc_Internet);
     EXPECT_FALSE(form.visible());
     EXPECT_EQ(form.search_Lrc_List.listCount(), 2); // hiding prepares nothing
     app.MenuForm().search_Lrc_To_Internet.on().Click();
@@ -205,7 +205,7 @@ TEST_F(LyricWindow, scrollsByItsArrowsAndThumb) {
 }
 
 TEST_F(LyricWindow, closesByHiding) {
-    form.close.on().Click();
+    clickOn(form.close);
     EXPECT_FALSE(form.visible());
     form.show();
     form.closeRequested();

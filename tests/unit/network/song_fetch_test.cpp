@@ -420,7 +420,7 @@ TEST_F(SongFetch, stoppedByClosingTheWindowLeavesItsPart) {
     addSong();
     choose(0);
     answerWith(std::string(3000, 's'));
-    windows.atNextPump([this] { form.close.on().Click(); });
+    windows.atNextPump([this] { clickOn(form.close); });
     click(form.save);
     EXPECT_EQ(files.contents(cached), std::string(1024, 's'));
     EXPECT_FALSE(form.visible());

@@ -17,12 +17,12 @@ TEST_F(SongWindow, isToggledByTheMainWindowAndPreparedWhenItShows) {
     openTrack(u"/m/Song.mp3");
     form.hide();
     addSong();
-    app.Main().search_Song_Internet.on().Click();
+    clickOn(app.Main().search_Song_Internet);
     EXPECT_TRUE(form.visible());
     EXPECT_EQ(form.search_Song_List.listCount(), 0);
     EXPECT_EQ(form.songName_Text.text(), u"Song");
     addSong();
-    app.Main().search_Song_Internet.on().Click();
+    clickOn(app.Main().search_Song_Internet);
     EXPECT_FALSE(form.visible());
     EXPECT_EQ(form.search_Song_List.listCount(), 1);
 }
@@ -193,7 +193,7 @@ TEST_F(SongWindow, endsTheProgramOverARecordWithTooFewFields) {
 // --- closing ------------------------------------------------------------------------------------
 
 TEST_F(SongWindow, closesByHidingAndStopsWhateverRuns) {
-    form.close.on().Click();
+    clickOn(form.close);
     EXPECT_FALSE(form.visible());
     EXPECT_EQ(countLog(u"InternetCloseHandle"), 3);
     form.show();

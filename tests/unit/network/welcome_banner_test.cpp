@@ -171,7 +171,7 @@ TEST_F(Banner, OfTheStandingTextKeepsTheWordsOfItsTag) {
     tick();
     EXPECT_EQ(label().tag(), u"0");
     EXPECT_EQ(label().caption(), std::u16string(300, u'w'));
-    label().on().Click();
+    clickOn(label());
     EXPECT_EQ(opened(), u"") << "the word is no address, and comes to nothing";
 }
 

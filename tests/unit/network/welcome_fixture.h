@@ -3,6 +3,7 @@
 // The maker's page in a program on the platform in memory.
 
 #include "network/welcomeForm.h"
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 namespace velmora {

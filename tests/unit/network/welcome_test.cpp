@@ -230,11 +230,11 @@ TEST_F(Welcome, ARetryAndASecondOpeningMeetTheLinesThatExistAndFail) {
     page().close_Click();
     start(two);
     EXPECT_TRUE(page().load_Failed);
-    page().loadStr.on().Click();
+    clickOn(page().loadStr);
     EXPECT_TRUE(page().load_Failed);
     page().load_Failed = false;
     fake.internet.log.clear();
-    page().loadStr.on().Click();
+    clickOn(page().loadStr);
     EXPECT_TRUE(fake.internet.log.empty()) << "nothing failed, so nothing is tried again";
 }
 
@@ -276,7 +276,7 @@ TEST_F(Welcome, ThatLoadsBehindAFailureOffersNoRetry) {
     start(whole("databaseStr_Interval=wide\n[databases]\ndatabases_0_Ubound=1\n"));
     ASSERT_TRUE(page().load_Failed);
     serve(whole("[databases]\ndatabases_0_Ubound=1\ndatabases_0_0_Str=a\n"));
-    page().loadStr.on().Click();
+    clickOn(page().loadStr);
     EXPECT_FALSE(page().load_Failed);
     EXPECT_FALSE(page().loadStr.visible());
     EXPECT_TRUE(page().tabButton_0.enabled());
@@ -289,13 +289,13 @@ TEST_F(Welcome, LeadsToTheWebAndToALetterAndToNothingOfThisMachine) {
                              "ssh://x", "httpx://y", "/opt/velmora/zkPlayer [3.1.0].exe"}) {
         start(whole("[databases]\ndatabases_0_Ubound=1\ndatabases_0_0_Str=a\ndatabases_0_0_Link=" +
                     std::string(link) + "\n"));
-        page().databases_0_0.on().Click();
+        clickOn(page().databases_0_0);
         EXPECT_TRUE(opened().empty()) << link;
     }
     for (const char *link : {"http://a/b", "HTTPS://a", "mailto:a@b?subject=x"}) {
         start(whole("[databases]\ndatabases_0_Ubound=1\ndatabases_0_0_Str=a\ndatabases_0_0_Link=" +
                     std::string(link) + "\n"));
-        page().databases_0_0.on().Click();
+        clickOn(page().databases_0_0);
         EXPECT_EQ(toUtf8(opened()), link);
     }
 }
@@ -355,7 +355,7 @@ TEST_F(Welcome, LetsItsFileGoWhereItFails) {
 TEST_F(Welcome, OpensWhatItsLinksNameAndNothingForAnEmptyBanner) {
     start(whole("[databases]\ndatabases_0_Ubound=2\ndatabases_0_0_Link=http://one\n"
                 "databases_0_1_Link=http://two\n"));
-    page().provider.on().Click();
+    clickOn(page().provider);
     EXPECT_EQ(opened(), u"http://p/");
     lines(page().FrameDate_0)[0]->on().Click();
     EXPECT_EQ(opened(), u"http://one");
@@ -371,7 +371,7 @@ TEST_F(Welcome, OpensWhatItsLinksNameAndNothingForAnEmptyBanner) {
 
 TEST_F(Welcome, ChangesTabs) {
     start(whole());
-    page().tabButton_2.on().Click();
+    clickOn(page().tabButton_2);
     EXPECT_FALSE(page().FrameDate_0.visible());
     EXPECT_TRUE(page().FrameDate_2.visible());
 }
@@ -400,7 +400,7 @@ TEST_F(Welcome, StoresTheNumberOfItsCheckBox) {
 TEST_F(Welcome, CountsTheGreyStateOfItsCheckBoxAsChecked) {
     start(whole());
     page().autoShow.setValue(2);
-    page().autoShow.on().Click();
+    clickOn(page().autoShow);
     EXPECT_EQ(page().autoShow.value(), 2);
     EXPECT_TRUE(app.setControl().get_AutoShowWelcome());
 }
@@ -445,7 +445,7 @@ TEST_F(Welcome, SaysAtLastThatItLoadsWhatItFetched) {
 TEST_F(Welcome, ClosedTakesItsFileAndBannerAlongAndShowsTheHintAgain) {
     start(whole("[Advertising]\nAdvertisingNumbers=2\nindex_0_Str=a\nindex_1_Str=b\n"));
     EXPECT_TRUE(files.hasFile(file()));
-    page().close.on().Click();
+    clickOn(page().close);
     expectClosed();
     EXPECT_THROW(page().ad_Items.upperBound(), RunTimeError);
 }
@@ -453,7 +453,7 @@ TEST_F(Welcome, ClosedTakesItsFileAndBannerAlongAndShowsTheHintAgain) {
 TEST_F(Welcome, IsStartedByTheHintWhichHidesMeanwhile) {
     serve(whole());
     app.Main().welcome.setVisible(true);
-    app.Main().welcome.on().Click();
+    clickOn(app.Main().welcome);
     EXPECT_TRUE(page().visible());
     EXPECT_FALSE(app.Main().welcome.visible());
 }

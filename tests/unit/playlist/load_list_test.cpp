@@ -2,6 +2,7 @@
 
 #include "playlist/saveOrOpenFile.h"
 #include "tests/fakes/instead.h"
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 namespace velmora {
@@ -334,7 +335,7 @@ TEST_F(LoadingTheList, ReadingAgainForgetsANameThatDiffersFromTheStem) {
 
 TEST_F(LoadingTheList, TheImageReadsTheFileAgain) {
     files.addFile(listFile, "/m/a.mp3\r\n");
-    app.playList_Form().afresh_Load.on().Click();
+    clickOn(app.playList_Form().afresh_Load);
     EXPECT_THAT(paths(), ElementsAre(u"/m/a.mp3"));
 }
 

@@ -79,7 +79,7 @@ TEST_F(BothLists, ARenamedFilesPathChangesAheadOfItsName) {
     list.Alter_Click();
     app.listControl_Form().jieGuo.setText(u"b");
     changed();
-    app.listControl_Form().OK.on().Click();
+    clickOn(app.listControl_Form().OK);
     EXPECT_EQ(changed(), pathsFirst);
 }
 

@@ -19,7 +19,7 @@ protected:
         names.setSelected(row, true);
         list.Alter_Click();
         box.jieGuo.setText(text);
-        box.OK.on().Click();
+        clickOn(box.OK);
     }
     Twips limit() { return list.P4.height() - list.P2.height(); }
     void drag(Twips y, std::int16_t buttons = forms::leftButton) {
@@ -161,7 +161,7 @@ TEST_F(Renaming, ThePrefixEndsAtTheFirstPoint) {
     list.Alter_Click();
     EXPECT_EQ(box.jieGuo.text(), u"a.b");
     box.jieGuo.setText(u"c");
-    box.OK.on().Click();
+    clickOn(box.OK);
     EXPECT_EQ(nameRows(), Texts{u"01.c"});
     EXPECT_EQ(pathRows(), Texts{u"/m/c.mp3"});
 }
@@ -193,7 +193,7 @@ TEST_F(Renaming, AnErrorIsToldBehindTheSaveWithTheBoxStillUpAndTheWindowsStill) 
                              boxShown = box.visible();
                              listEnabled = list.enabled();
                          });
-    box.OK.on().Click();
+    clickOn(box.OK);
     EXPECT_TRUE(saved);
     EXPECT_TRUE(boxShown);
     EXPECT_FALSE(listEnabled);

@@ -113,7 +113,7 @@ TEST_F(Rename, CancelGivesTheWindowsBack) {
     addRow(u"/m/a.mp3");
     choose(0);
     list.Alter_Click();
-    box.Cancel.on().Click();
+    clickOn(box.Cancel);
     EXPECT_TRUE(list.enabled());
     EXPECT_TRUE(app.Main().enabled());
     EXPECT_FALSE(box.visible());

@@ -85,7 +85,7 @@ TEST_F(HardNames, CanBeTheNewNameOfAFile) {
         names.setSelected(rows() - 1, true);
         list.Alter_Click();
         app.listControl_Form().jieGuo.setText(stem);
-        app.listControl_Form().OK.on().Click();
+        clickOn(app.listControl_Form().OK);
         EXPECT_TRUE(files.hasFile(pathOf(stem))) << toUtf8(stem);
         EXPECT_EQ(paths.list(rows() - 1), pathOf(stem));
         EXPECT_EQ(names.list(rows() - 1), stem);
@@ -102,7 +102,7 @@ TEST_F(HardNames, CanBeRenamed) {
         list.Alter_Click();
         EXPECT_EQ(app.listControl_Form().jieGuo.text(), names.list(row).substr(0, 100));
         app.listControl_Form().jieGuo.setText(u"n" + std::u16string(1, u'a' + number++));
-        app.listControl_Form().OK.on().Click();
+        clickOn(app.listControl_Form().OK);
         EXPECT_FALSE(files.hasFile(before));
         EXPECT_TRUE(files.hasFile(paths.list(row)));
     }
@@ -153,7 +153,7 @@ TEST_F(HardNames, AreFoundAndShownWhole) {
     for (const std::u16string &stem : stems()) {
         list.Search_Click();
         app.listControl_Form().jieGuo.setText(stem);
-        app.listControl_Form().OK.on().Click();
+        clickOn(app.listControl_Form().OK);
         EXPECT_EQ(selectedNames(), Texts{stem});
     }
     for (std::int32_t row = 0; row < rows(); ++row) {

@@ -13,14 +13,14 @@ protected:
 TEST_F(InputBox, OkEmptiesItAndCancelDoesNot) {
     list.Search_Click();
     box.jieGuo.setText(u"text");
-    box.Cancel.on().Click();
+    clickOn(box.Cancel);
     EXPECT_EQ(box.jieGuo.text(), u"text");
     EXPECT_EQ(box.title.caption(), app.Language().msg_Find_Title);
     EXPECT_EQ(box.listControl_Result, u"");
     list.Search_Click();
     EXPECT_EQ(box.jieGuo.text(), u"");
     box.jieGuo.setText(u"text");
-    box.OK.on().Click();
+    clickOn(box.OK);
     EXPECT_EQ(box.listControl_Result, u"text");
     EXPECT_EQ(box.title.caption(), u"");
     EXPECT_EQ(box.showText.caption(), u"");
@@ -44,7 +44,7 @@ TEST_F(InputBox, IsReadyToTypeWhereverItWasLeft) {
     list.Search_Click();
     EXPECT_EQ(box.activeControl(), &box.jieGuo);
     box.setFocus(&box.Cancel);
-    box.Cancel.on().Click();
+    clickOn(box.Cancel);
     list.Search_Click();
     EXPECT_EQ(box.activeControl(), &box.jieGuo);
 }
@@ -80,7 +80,7 @@ TEST_F(InputBox, ARenamedTrackThatWasNotPlayingStaysClosed) {
     app.player().pause_Sub();
     list.Alter_Click();
     box.jieGuo.setText(u"b");
-    box.OK.on().Click();
+    clickOn(box.OK);
     EXPECT_EQ(pathRows(), Texts{u"/m/b.mp3"});
     EXPECT_FALSE(media.isOpen());
 }

@@ -2,6 +2,7 @@
 
 #include "playlist/listControl_Form.h"
 #include "playlist/playList_Form.h"
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 namespace velmora {

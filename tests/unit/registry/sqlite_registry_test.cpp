@@ -369,7 +369,7 @@ TEST_F(SqliteFile, readsAFileThatCannotBeWritten) {
     }
     ::waitpid(child, &answer, 0);
     folder.mode("config/velmora", 0700);
-    EXPECT_EQ(WEXITSTATUS(answer), 0);
+    EXPECT_TRUE(WIFEXITED(answer) && WEXITSTATUS(answer) == 0) << answer;
     SqliteRegistry registry(file, ansi);
     EXPECT_EQ(get(registry, u"v"), u"kept");
 }

@@ -1,5 +1,6 @@
 // What all windows share: order, dragging, docking, the tray icon.
 
+#include "tests/unit/pointer.h"
 #include "tests/unit/program_fixture.h"
 
 #include "lyrics/doLrcForm.h"
@@ -337,7 +338,7 @@ TEST_F(Windows, OfAboutGivesItsOpenerBackOnClosing) {
         list().setEnabled(false);
         app.aboutForm().show_For(caller);
         EXPECT_TRUE(app.aboutForm().visible());
-        app.aboutForm().close.on().Click();
+        clickOn(app.aboutForm().close);
         EXPECT_FALSE(app.aboutForm().visible());
         EXPECT_TRUE(main().enabled());
         EXPECT_TRUE(list().enabled());

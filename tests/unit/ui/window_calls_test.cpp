@@ -8,6 +8,7 @@
 #include "playback/Main.h"
 #include "playback/check_SoundDriver_Form.h"
 #include "playlist/playList_Form.h"
+#include "tests/unit/pointer.h"
 #include "ui/formSet.h"
 #include "velmora.h"
 
@@ -133,7 +134,7 @@ TEST_F(WindowCalls, TheProgramGoesOnWithoutATray) {
 }
 
 TEST_F(WindowCalls, TheListIsShownAheadOfItsDocking) {
-    app.Main().playListButton.on().Click();
+    clickOn(app.Main().playListButton);
     ASSERT_TRUE(app.playList_Form().visible());
     const auto &told = fakes::FakeWindows::windowOf(app.playList_Form())->told;
     EXPECT_TRUE(std::any_of(told.begin(), told.end(), [](const auto &one) {
