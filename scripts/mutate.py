@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Breaks the program in one random place at a time and sees whether the unit tests notice.
 
-    scripts/mutate.py SEED COUNT FOLDER...     folders below src: playback platform/backends/media ...
+    scripts/mutate.py SEED COUNT FOLDER...     folders below src: playback platform/backends/media ..., or sources
     scripts/mutate.py --again FILE             the mutants of such a file once more, against the tests of now
 
 Works on a copy of the tree as it is now, in build/mutate; the tree itself is not touched and may be edited
@@ -297,6 +297,9 @@ class Bench:
     def sources(self):
         for folder in self.folders:
             top = os.path.join(TREE, "src", folder)
+            if os.path.isfile(top):
+                yield os.path.relpath(top, TREE)
+                continue
             if not os.path.isdir(top):
                 sys.exit(f"src/{folder} is no folder")
             for place, _, names in sorted(os.walk(top)):
