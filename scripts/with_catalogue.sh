@@ -19,7 +19,7 @@ rm -f "$log"
     --introduce "$home/config/velmora/registry.sqlite" "$music" >"$log" 2>&1 &
 server=$!
 trap 'kill "$server" 2>/dev/null || true' EXIT
-# It says where it is once it has read the folder and told the player's settings.
+# It says where it is once it has told the player's settings, and reads the folder behind that.
 while ! grep -qs 'http://' "$log"; do
     if ! kill -0 "$server" 2>/dev/null; then
         cat "$log" >&2

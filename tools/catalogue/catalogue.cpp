@@ -3,6 +3,7 @@
 #include "base/ascii.h"
 #include "base/text.h"
 #include "base/utf8.h"
+#include "catalogue/library_reader.h"
 #include "catalogue/lyric_file.h"
 #include "catalogue/pages.h"
 #include "catalogue/texts.h"
@@ -15,7 +16,6 @@ namespace {
 
 constexpr std::string_view pageType = "text/html; charset=gb18030";
 constexpr std::string_view textType = "text/plain; charset=utf-8";
-constexpr std::chrono::seconds refreshEvery{2};
 
 Answer text(std::string bytes) {
     return {200, std::string(textType), std::move(bytes), std::nullopt, {}};
@@ -133,16 +133,21 @@ Answer plainAnswer(unsigned status, std::string text) {
 }
 
 Catalogue::Catalogue(const std::string &folder, std::string ownAddress)
-    : ownAddress_(std::move(ownAddress)), folder_(folder), library_(folder_) {
-    refresh();
+    : ownAddress_(std::move(ownAddress)), folder_(folder) {}
+
+void Catalogue::show(std::shared_ptr<const Library> library) {
+    const std::lock_guard lock(mutex_);
+    library_.swap(library);
 }
 
-void Catalogue::refresh() {
-    const auto now = std::chrono::steady_clock::now();
-    if (refreshed_ != std::chrono::steady_clock::time_point() && now - refreshed_ < refreshEvery)
-        return;
-    library_.refresh();
-    refreshed_ = std::chrono::steady_clock::now();
+std::shared_ptr<const Library> Catalogue::library() const {
+    const std::lock_guard lock(mutex_);
+    return library_;
+}
+
+void Catalogue::readNow() {
+    OwnTagReader tags;
+    show(LibraryReader(folder_, tags, nullptr).read());
 }
 
 std::u16string Catalogue::baseFor(std::string_view host) const {
@@ -181,7 +186,7 @@ bool Catalogue::accepts(std::string_view host) const {
     return onlyThisMachine_ ? isThisMachine(name) : isOfAHousehold(name);
 }
 
-Answer Catalogue::answer(std::string_view target, std::string_view host) {
+Answer Catalogue::answer(std::string_view target, std::string_view host) const {
     if (!accepts(host))
         return plainAnswer(403, "Ask for this machine by its own name.\r\n");
     const std::size_t mark = std::min(target.find('?'), target.size());
@@ -189,36 +194,38 @@ Answer Catalogue::answer(std::string_view target, std::string_view host) {
     return route(lowerAscii(unescaped(target.substr(0, mark))), query, baseFor(host));
 }
 
-Answer Catalogue::route(const std::string &path, std::string_view query, std::u16string_view base) {
-    refresh();
+Answer Catalogue::route(const std::string &path, std::string_view query,
+                        std::u16string_view base) const {
+    const std::shared_ptr<const Library> held = this->library(); // while this is answered
+    const Library &library = *held;
     if (path == "/")
-        return page(homePage(base, library_));
+        return page(homePage(base, library));
     if (path == "/m") {
         const std::u16string words = searchWords(query, "word", "&lm=");
-        return page(lyricPage(base, words, Library::search(library_.lyrics(), words)));
+        return page(lyricPage(base, words, library.searchLyrics(words, mostLyricLinks).items));
     }
     if (path == "/fcgi-bin/m.q") {
         const std::u16string words = searchWords(query, "w", "&source=");
-        return page(songPage(base, words, Library::search(library_.songs(), words)));
+        return page(songPage(base, words, library.searchSongs(words, mostSongs).items));
     }
     if (path == "/asp/lrc.asp")
-        return lyric(between(lowerAscii(query), "id=", "").value_or(""));
+        return lyric(library, between(lowerAscii(query), "id=", "").value_or(""));
     if (const auto id = between(path, "/lrcdown/", ".lrc"))
-        return lyric(*id);
+        return lyric(library, *id);
     if (const auto name = between(path, "/song/", ""))
-        return song(*name);
+        return song(library, *name);
     if (path == "/program")
         return program();
     if (path == "/source/mini/zkplayerwelcome.php")
-        return text(welcomeFile(base, library_, readSettings(folder_)));
+        return text(welcomeFile(base, library, readSettings(folder_)));
     if (path == "/source/softwaredate/zkplayerupdate.php")
         return text(updateFile(base, updateSettings(), offer()));
     return notFound();
 }
 
-Answer Catalogue::lyric(std::string_view id) const {
+Answer Catalogue::lyric(const Library &library, std::string_view id) const {
     constexpr std::size_t longest = std::size_t{1} << 20;
-    const Item *item = library_.find(id);
+    const Item *item = library.find(id);
     if (item == nullptr || !item->isLyric)
         return notFound();
     const auto bytes = folder_.read(item->file.path, longest);
@@ -227,8 +234,8 @@ Answer Catalogue::lyric(std::string_view id) const {
 }
 
 // The extension in the address is for people and programs that go by it.
-Answer Catalogue::song(std::string_view name) const {
-    const Item *item = library_.find(name.substr(0, name.find('.')));
+Answer Catalogue::song(const Library &library, std::string_view name) const {
+    const Item *item = library.find(name.substr(0, name.find('.')));
     if (item == nullptr || item->isLyric)
         return notFound();
     Answer answer = file(folder_.open(item->file.path), mediaType(item->format));

@@ -6,8 +6,9 @@
 #include "catalogue/library.h"
 #include "catalogue/maker_files.h"
 
-#include <chrono>
 #include <cstdint>
+#include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,9 +29,16 @@ Answer plainAnswer(unsigned status, std::string text);
 
 class Catalogue {
 public:
-    // Reads the folder. Raises std::system_error when it is none. `ownAddress` ("host:port") stands
-    // in addresses when a request does not say how it came.
+    // Raises std::system_error when it is no folder. `ownAddress` ("host:port") stands in addresses
+    // when a request does not say how it came. Serves no song before `show` or `readNow`.
     Catalogue(const std::string &folder, std::string ownAddress);
+
+    const Folder &folder() const noexcept { return folder_; }
+    // What is served from now on, and what is; from any thread. Never null.
+    void show(std::shared_ptr<const Library> library);
+    std::shared_ptr<const Library> library() const;
+    // Reads the folder here and now, and shows that.
+    void readNow();
 
     // Whoever can write into the music offers no programs: those come from a folder of their own,
     // with a catalogue.ini of its own. Answers what is offered now. Raises as above.
@@ -40,7 +48,7 @@ public:
 
     // `target` is the path and query of a request as it came, `host` its Host field. Paths are told
     // apart without regard to case, since the player knows them in upper or lower case alone.
-    Answer answer(std::string_view target, std::string_view host);
+    Answer answer(std::string_view target, std::string_view host) const;
 
     // Only names of this machine may stand in the Host field. Otherwise names that no page of the
     // web can have do: numbers, names without a dot or of the kind "nas.local", and those accepted
@@ -51,14 +59,11 @@ public:
     // `scheme` is "http://" or "https://".
     void setOwnAddress(std::string scheme, std::string address);
 
-    const Library &library() const noexcept { return library_; }
-
 private:
-    void refresh();
     std::u16string baseFor(std::string_view host) const;
-    Answer route(const std::string &path, std::string_view query, std::u16string_view base);
-    Answer lyric(std::string_view id) const;
-    Answer song(std::string_view name) const;
+    Answer route(const std::string &path, std::string_view query, std::u16string_view base) const;
+    Answer lyric(const Library &library, std::string_view id) const;
+    Answer song(const Library &library, std::string_view name) const;
     Answer program() const;
     std::optional<Offer> offer() const;
     platform::IniText updateSettings() const;
@@ -70,9 +75,9 @@ private:
     std::vector<std::string> names_; // in small letters
     bool onlyThisMachine_ = false;
     Folder folder_;
-    Library library_;
     std::optional<Folder> updates_;
-    std::chrono::steady_clock::time_point refreshed_;
+    mutable std::mutex mutex_;
+    std::shared_ptr<const Library> library_ = std::make_shared<const Library>();
 };
 
 // The words of a search: what stands behind "NAME=" (at the query's beginning or behind "&") up to

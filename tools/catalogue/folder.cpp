@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <ctime>
 #include <memory>
 #include <system_error>
 
@@ -33,28 +34,56 @@ struct CloseDirectory {
     void operator()(DIR *directory) const noexcept { ::closedir(directory); }
 };
 
-// What lies in one folder, then in the folders below it.
-void walk(Descriptor folder, const std::string &prefix, int depth, std::vector<FileEntry> &found) {
-    const std::unique_ptr<DIR, CloseDirectory> directory(::fdopendir(folder.number()));
-    if (directory == nullptr)
-        return;
-    folder.release(); // the directory closes it
-    const int number = ::dirfd(directory.get());
-    while (const dirent *entry = ::readdir(directory.get())) {
-        const std::string name = entry->d_name;
+std::int64_t now() noexcept {
+    struct ::timespec time {};
+    ::clock_gettime(CLOCK_REALTIME, &time);
+    constexpr std::int64_t second = 1'000'000'000;
+    return time.tv_sec * second + time.tv_nsec;
+}
+
+class Walk {
+public:
+    Walk(Listing &found, const std::function<bool()> &goesOn) : found_(found), goesOn_(goesOn) {}
+
+    // What lies in one folder, then in the folders below it.
+    void into(Descriptor folder, const std::string &prefix, int depth) {
         struct ::stat info {};
-        if (name.front() == '.' || found.size() >= mostFiles ||
-            ::fstatat(number, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0)
-            continue;
-        if (S_ISREG(info.st_mode)) {
-            found.push_back({prefix + name, info.st_size, changeOf(info)});
-        } else if (S_ISDIR(info.st_mode) && depth < deepest) {
-            Descriptor below = openFolder(number, name.c_str());
-            if (below)
-                walk(std::move(below), prefix + name + "/", depth + 1, found);
+        const std::int64_t seen = now();
+        if (::fstat(folder.number(), &info) == 0)
+            found_.folders.push_back({prefix, changeOf(info), seen});
+        const std::unique_ptr<DIR, CloseDirectory> directory(::fdopendir(folder.number()));
+        if (directory == nullptr)
+            return;
+        folder.release(); // the directory closes it
+        while (const dirent *entry = ::readdir(directory.get())) {
+            if (!goesOn_()) {
+                found_.ended = false;
+                return;
+            }
+            if (entry->d_name[0] != '.')
+                take(::dirfd(directory.get()), entry->d_name, prefix, depth);
         }
     }
-}
+
+private:
+    void take(int folder, const char *name, const std::string &prefix, int depth) {
+        struct ::stat info {};
+        if (::fstatat(folder, name, &info, AT_SYMLINK_NOFOLLOW) != 0)
+            return;
+        if (S_ISREG(info.st_mode) && found_.files.size() >= mostFiles) {
+            found_.cut = true;
+        } else if (S_ISREG(info.st_mode)) {
+            found_.files.push_back({prefix + name, info.st_size, changeOf(info)});
+        } else if (S_ISDIR(info.st_mode) && depth < deepest) {
+            Descriptor below = openFolder(folder, name);
+            if (below)
+                into(std::move(below), prefix + name + "/", depth + 1);
+        }
+    }
+
+    Listing &found_;
+    const std::function<bool()> &goesOn_;
+};
 
 // A name that can lie in a folder and is shown.
 bool isName(const std::string &name) {
@@ -73,14 +102,27 @@ Folder::Folder(const std::string &path)
         throw std::system_error(errno, std::generic_category(), path);
 }
 
-std::vector<FileEntry> Folder::files() const {
-    std::vector<FileEntry> found;
+Listing Folder::list(const std::function<bool()> &goesOn) const {
+    Listing found;
     Descriptor top = openFolder(root_.number(), ".");
     if (top)
-        walk(std::move(top), "", 0, found);
-    std::sort(found.begin(), found.end(),
+        Walk(found, goesOn).into(std::move(top), "", 0);
+    std::sort(found.files.begin(), found.files.end(),
               [](const FileEntry &a, const FileEntry &b) { return a.path < b.path; });
     return found;
+}
+
+// A change right behind the look may have the look's own time.
+bool Folder::same(const Listing &listing) const {
+    constexpr std::int64_t unsure = 2'000'000'000;
+    return !listing.folders.empty() &&
+           std::all_of(listing.folders.begin(), listing.folders.end(), [&](const auto &place) {
+               struct ::stat info {};
+               const std::string path = place.path.empty() ? "." : place.path;
+               return place.seen - place.changed > unsure &&
+                      ::fstatat(root_.number(), path.c_str(), &info, 0) == 0 &&
+                      S_ISDIR(info.st_mode) && changeOf(info) == place.changed;
+           });
 }
 
 std::optional<OpenFile> Folder::open(const std::string &path) const {

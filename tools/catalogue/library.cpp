@@ -2,18 +2,16 @@
 
 #include "base/ascii.h"
 #include "base/text.h"
-#include "catalogue/lyric_file.h"
 #include "catalogue/texts.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 #include <tuple>
 
 namespace velmora::catalogue {
 
 namespace {
-
-constexpr std::size_t longestLyric = std::size_t{1} << 20;
 
 struct TypeRow {
     std::string_view format;
@@ -32,6 +30,84 @@ constexpr TypeRow typeRows[] = {
     {"mkv", "video/x-matroska"}, {"webm", "video/webm"},
 };
 
+std::string_view nameOf(std::string_view path) { return path.substr(path.rfind('/') + 1); }
+
+constexpr char betweenFields = '\x1F';
+
+// The fields by which an item is found, each between blanks. As UTF-8: that is shorter, and a part
+// of a text is one of its characters there as well.
+std::string searchText(const Item &item) {
+    std::string text;
+    for (const std::u16string &field :
+         {item.tags.title, item.tags.artist, item.tags.album, stemOf(item)})
+        text += " " + toUtf8(searchForm(field)) + " " + betweenFields;
+    return text;
+}
+
+std::string_view fieldOf(std::string_view text, int number) {
+    for (; number > 0; --number)
+        text.remove_prefix(std::min(text.find(betweenFields), text.size() - 1) + 1);
+    const std::size_t end = std::min(text.find(betweenFields), text.size());
+    return end < 2 ? std::string_view() : text.substr(1, end - 2);
+}
+
+bool isExactly(std::string_view text, const std::string &form) {
+    if (form.size() + 4 > text.size())
+        return false;
+    const std::string_view title = fieldOf(text, 0);
+    const std::string_view artist = fieldOf(text, 1);
+    const auto both = [&](std::string_view first, std::string_view second) {
+        return form.size() == first.size() + 1 + second.size() &&
+               form.compare(0, first.size(), first) == 0 && form[first.size()] == ' ' &&
+               form.compare(first.size() + 1, std::string::npos, second) == 0;
+    };
+    return form == title || form == fieldOf(text, 3) || both(title, artist) || both(artist, title);
+}
+
+struct Word {
+    std::string
+        sought; // words of plain letters are found at the beginning of a word, others anywhere
+    std::string whole;
+};
+
+std::vector<Word> soughtWords(std::u16string_view form) {
+    // Each item is held against each word: whoever sends thousands gets what the first ones find.
+    constexpr std::size_t mostWords = 32;
+    std::vector<std::u16string> each = wordsOf(form);
+    std::sort(each.begin(), each.end());
+    each.erase(std::unique(each.begin(), each.end()), each.end());
+    each.resize(std::min(each.size(), mostWords));
+    std::vector<Word> words;
+    for (const std::u16string &word : each) {
+        const std::string bytes = toUtf8(word);
+        words.push_back({(word.front() < 0x2000 ? " " : "") + bytes, " " + bytes + " "});
+    }
+    return words;
+}
+
+bool holds(std::string_view text, const std::string &sought) {
+    return ::memmem(text.data(), text.size(), sought.data(), sought.size()) != nullptr;
+}
+
+// Below 0 where a word is missing, else how many are found whole.
+int matches(std::string_view text, const std::vector<Word> &words) {
+    // The first one has brought us here.
+    const auto isThere = [&](const Word &word) { return holds(text, word.sought); };
+    if (!std::all_of(words.begin() + 1, words.end(), isThere))
+        return -1;
+    return static_cast<int>(std::count_if(
+        words.begin(), words.end(), [&](const Word &word) { return holds(text, word.whole); }));
+}
+
+std::size_t countOf(std::string_view text, const std::string &sought) {
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = text.find(sought, at)) != std::string_view::npos; ++at)
+        ++count;
+    return count;
+}
+
+} // namespace
+
 // FNV-1a: well spread and the same everywhere.
 std::string idOf(std::string_view path) {
     std::uint64_t value = 0xCBF29CE484222325U;
@@ -45,12 +121,14 @@ std::string idOf(std::string_view path) {
     return id;
 }
 
-std::string_view nameOf(std::string_view path) { return path.substr(path.rfind('/') + 1); }
-
-std::string_view stemOf(std::string_view path) {
+std::string_view pathStemOf(std::string_view path) noexcept {
     const std::size_t dot = nameOf(path).rfind('.');
     const std::size_t cut = dot == std::string_view::npos ? 0 : nameOf(path).size() - dot;
     return path.substr(0, path.size() - cut);
+}
+
+std::u16string stemOf(const Item &item) {
+    return oneLine(textOf(nameOf(pathStemOf(item.file.path))));
 }
 
 std::string formatOf(std::string_view path) {
@@ -60,146 +138,115 @@ std::string formatOf(std::string_view path) {
     return lowerAscii(nameOf(path).substr(dot + 1));
 }
 
-void makeForms(Item &item) {
-    item.titleForm = searchForm(item.tags.title);
-    item.fullForm = u" " + item.titleForm + u" " + searchForm(item.tags.artist) + u" " +
-                    searchForm(item.tags.album) + u" " + searchForm(item.stem) + u" ";
-}
-
-// Words of plain letters are found at the beginning of a word, others anywhere. Below 0 where one
-// is missing, else how many are found whole.
-int matches(const Item &item, const std::vector<std::u16string> &words) {
-    int whole = 0;
-    for (const std::u16string &word : words) {
-        const bool latin = word.front() < 0x2000;
-        if (item.fullForm.find((latin ? u" " : u"") + word) == std::u16string::npos)
-            return -1;
-        whole += item.fullForm.find(u" " + word + u" ") != std::u16string::npos ? 1 : 0;
-    }
-    return whole;
-}
-
-} // namespace
-
 const char *mediaType(std::string_view format) noexcept {
     const auto *row = std::find_if(std::begin(typeRows), std::end(typeRows),
                                    [&](const TypeRow &r) { return r.format == format; });
     return row == std::end(typeRows) ? nullptr : row->type;
 }
 
-Item Library::read(const FileEntry &file) const {
-    Item item;
-    item.id = idOf(file.path);
-    item.file = file;
-    item.format = formatOf(file.path);
-    item.isLyric = item.format == "lrc";
-    item.stem = oneLine(textOf(nameOf(stemOf(file.path))));
-    if (item.isLyric) {
-        const auto bytes = folder_.read(file.path, longestLyric);
-        const auto lyric = bytes && bytes->size() < longestLyric ? readLyric(*bytes) : std::nullopt;
+std::string_view Library::Shelf::text(std::size_t at) const {
+    const std::size_t begin = at == 0 ? 0 : ends[at - 1];
+    return std::string_view(texts).substr(begin, ends[at] - begin);
+}
+
+void Library::Shelf::add(const Item *item, std::string_view text) {
+    items.push_back(item);
+    texts += text;
+    ends.push_back(static_cast<std::uint32_t>(texts.size()));
+}
+
+Library::Library(Items items, const Library *before) : items_(std::move(items)) {
+    std::unordered_map<std::string_view, std::string_view> songs; // text by path without extension
+    places_.reserve(items_.size());
+    for (const bool lyric : {false, true}) {
+        Shelf &shelf = lyric ? lyrics_ : songs_;
+        for (const auto &item : items_) {
+            if (item->isLyric != lyric)
+                continue;
+            const std::string_view known =
+                before != nullptr && !lyric ? before->textBefore(item.get()) : std::string_view();
+            std::string text = known.empty() ? searchText(*item) : std::string(known);
+            if (lyric) // it is found by the words of the song beside it, too
+                if (const auto song = songs.find(pathStemOf(item->file.path)); song != songs.end())
+                    text += song->second;
+            places_.emplace(item->id, static_cast<std::uint32_t>(shelf.items.size()));
+            shelf.add(item.get(), text);
+        }
         if (!lyric)
-            item.format.clear(); // nothing that can be served
-        else
-            item.own = {lyric->title, lyric->artist, u""};
-    } else if (const auto open = folder_.open(file.path)) {
-        item.own = tagsOf(*open);
-    }
-    item.tags = item.own;
-    const Tags named = tagsOfName(item.stem);
-    if (item.tags.title.empty() && item.tags.artist.empty() && !item.isLyric)
-        item.tags.artist = named.artist;
-    if (item.tags.title.empty() && !item.isLyric)
-        item.tags.title = named.title;
-    makeForms(item);
-    return item;
-}
-
-// A lyric that does not say what it belongs to has the words of the song beside it.
-void Library::describeLyrics() {
-    std::map<std::string_view, const Item *> songs;
-    for (const Item *song : songs_)
-        songs.emplace(stemOf(song->file.path), song);
-    for (auto &[id, item] : items_) {
-        if (!item.isLyric)
-            continue;
-        const auto found = songs.find(stemOf(item.file.path));
-        const Tags other = found != songs.end() ? found->second->tags : tagsOfName(item.stem);
-        const bool nameless = item.own.title.empty();
-        item.tags = item.own;
-        if (nameless)
-            item.tags.title = other.title;
-        if (nameless && item.tags.artist.empty())
-            item.tags.artist = other.artist;
-        makeForms(item);
-        if (found != songs.end())
-            item.fullForm += found->second->fullForm;
+            for (std::size_t i = 0; i < songs_.items.size(); ++i)
+                songs.emplace(pathStemOf(songs_.items[i]->file.path), songs_.text(i));
     }
 }
 
-void Library::refresh() {
-    std::vector<FileEntry> files = folder_.files();
-    if (files == files_)
-        return;
-    files_ = std::move(files);
-    std::map<std::string, Item, std::less<>> items;
-    for (const FileEntry &file : files_) {
-        const std::string format = formatOf(file.path);
-        if (file.bytes == 0 || (format != "lrc" && mediaType(format) == nullptr))
-            continue;
-        const std::string id = idOf(file.path);
-        const auto old = items_.find(id);
-        const bool same = old != items_.end() && old->second.file == file;
-        items.emplace(id, same ? std::move(old->second) : read(file));
-    }
-    items_ = std::move(items);
-    songs_.clear();
-    lyrics_.clear();
-    for (const auto &[id, item] : items_)
-        if (!item.format.empty())
-            (item.isLyric ? lyrics_ : songs_).push_back(&item);
-    describeLyrics();
-    const auto byPath = [](const Item *a, const Item *b) { return a->file.path < b->file.path; };
-    std::sort(songs_.begin(), songs_.end(), byPath);
-    std::sort(lyrics_.begin(), lyrics_.end(), byPath);
+std::string_view Library::textBefore(const Item *item) const {
+    const auto place = places_.find(item->id);
+    return place != places_.end() && place->second < songs_.items.size() &&
+                   songs_.items[place->second] == item
+               ? songs_.text(place->second)
+               : std::string_view();
 }
 
 const Item *Library::find(std::string_view id) const {
-    const auto found = items_.find(id);
-    return found == items_.end() || found->second.format.empty() ? nullptr : &found->second;
+    const auto place = places_.find(id);
+    if (place == places_.end())
+        return nullptr;
+    for (const Shelf *shelf : {&songs_, &lyrics_})
+        if (place->second < shelf->items.size() && shelf->items[place->second]->id == id)
+            return shelf->items[place->second];
+    return nullptr;
 }
 
-std::vector<const Item *> Library::search(const std::vector<const Item *> &items,
-                                          std::u16string_view words) {
-    const std::u16string form = searchForm(words);
-    // Each item is held against each word: whoever sends thousands gets what the first ones find.
-    constexpr std::size_t mostWords = 32;
-    std::vector<std::u16string> each = wordsOf(form);
-    std::sort(each.begin(), each.end());
-    each.erase(std::unique(each.begin(), each.end()), each.end());
-    each.resize(std::min(each.size(), mostWords));
-    struct Found {
+Library::Found Library::searchSongs(std::u16string_view words, std::size_t most) const {
+    return songs_.search(words, most);
+}
+
+Library::Found Library::searchLyrics(std::u16string_view words, std::size_t most) const {
+    return lyrics_.search(words, most);
+}
+
+Library::Found Library::Shelf::search(std::u16string_view words, std::size_t most) const {
+    struct Match {
         int rank;
         std::size_t length;
-        const Item *item;
+        std::size_t at;
     };
-    std::vector<Found> found;
-    for (const Item *item : items) {
-        const int whole = each.empty() ? -1 : matches(*item, each);
-        if (whole < 0)
-            continue;
-        const std::u16string artist = searchForm(item->tags.artist);
-        const bool exact = form == item->titleForm || form == searchForm(item->stem) ||
-                           form == item->titleForm + u" " + artist ||
-                           form == artist + u" " + item->titleForm;
+    const std::u16string form = searchForm(words);
+    std::vector<Word> each = soughtWords(form);
+    const std::string whole = toUtf8(form);
+    // The run through all texts looks for the word that is rarest among the first of them.
+    constexpr std::size_t sample = 100'000;
+    std::vector<std::pair<std::size_t, Word>> counted;
+    for (Word &word : each)
+        counted.emplace_back(countOf(std::string_view(texts).substr(0, sample), word.sought), word);
+    const auto rarer = [](const auto &a, const auto &b) { return a.first < b.first; };
+    std::stable_sort(counted.begin(), counted.end(), rarer);
+    for (std::size_t i = 0; i < each.size(); ++i)
+        each[i] = counted[i].second;
+    std::vector<Match> matching;
+    std::size_t item = 0;
+    for (std::size_t from = 0; !each.empty() && from < texts.size();) {
+        const std::string &rarest = each.front().sought;
+        const void *found =
+            ::memmem(texts.data() + from, texts.size() - from, rarest.data(), rarest.size());
+        if (found == nullptr)
+            break;
+        const auto at = static_cast<std::size_t>(static_cast<const char *>(found) - texts.data());
+        while (ends[item] <= at)
+            ++item;
         constexpr int exactly = 1000;
-        found.push_back({whole + (exact ? exactly : 0), item->fullForm.size(), item});
+        const std::string_view own = text(item);
+        if (const int rank = matches(own, each); rank >= 0)
+            matching.push_back({rank + (isExactly(own, whole) ? exactly : 0), own.size(), item});
+        from = ends[item];
     }
-    std::stable_sort(found.begin(), found.end(), [](const Found &a, const Found &b) {
-        return std::tuple(-a.rank, a.length) < std::tuple(-b.rank, b.length);
+    Found result{{}, matching.size()};
+    const auto end =
+        matching.begin() + static_cast<std::ptrdiff_t>(std::min(most, matching.size()));
+    std::partial_sort(matching.begin(), end, matching.end(), [](const Match &a, const Match &b) {
+        return std::tuple(-a.rank, a.length, a.at) < std::tuple(-b.rank, b.length, b.at);
     });
-    std::vector<const Item *> result;
-    for (const Found &one : found)
-        result.push_back(one.item);
+    for (auto one = matching.begin(); one != end; ++one)
+        result.items.push_back(items[one->at]);
     return result;
 }
 

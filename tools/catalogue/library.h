@@ -1,14 +1,17 @@
 #pragma once
 
-// What lies in the folder: songs, pictures with sound, lyrics.
+// What lies in the folder: songs, pictures with sound, lyrics. Once made it does not change, so
+// that answers go on with one while the next is made.
 
 #include "catalogue/folder.h"
 #include "catalogue/tags.h"
 
-#include <functional>
-#include <map>
+#include <cstdint>
+#include <limits>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace velmora::catalogue {
@@ -17,43 +20,63 @@ struct Item {
     std::string id; // of digits and small letters, the same for the same path at any time
     FileEntry file;
     std::string format; // the extension in small letters
-    std::u16string stem;
-    Tags own;  // what the file itself says
-    Tags tags; // what it is known by
+    Tags tags;          // what it is known by
     bool isLyric = false;
-    // For searching.
-    std::u16string titleForm;
-    std::u16string fullForm; // everything, blanks at both ends
+    std::shared_ptr<const Tags> own; // of a lyric: what it says itself
 };
+
+// The name without folders and extension, and what lies before the extension with the folders.
+std::u16string stemOf(const Item &item);
+std::string_view pathStemOf(std::string_view path) noexcept;
+std::string formatOf(std::string_view path);
+std::string idOf(std::string_view path);
 
 // The type of a song's file by its extension; null for what is none.
 const char *mediaType(std::string_view format) noexcept;
 
 class Library {
 public:
-    explicit Library(const Folder &folder) : folder_(folder) {}
+    using Items = std::vector<std::shared_ptr<const Item>>;
+    struct Found {
+        std::vector<const Item *> items; // the best first
+        std::size_t all = 0;             // of which these are the first ones
+    };
+    static constexpr std::size_t noLimit = std::numeric_limits<std::size_t>::max();
 
-    // Looks what has changed in the folder. Only files that are new or changed are read.
-    void refresh();
+    Library() = default;
+    // Items sorted by path. Of those that are also in the one before only little has to be made.
+    explicit Library(Items items, const Library *before = nullptr);
+    Library(const Library &) = delete;
+    Library &operator=(const Library &) = delete;
 
-    const std::vector<const Item *> &songs() const noexcept { return songs_; }
-    const std::vector<const Item *> &lyrics() const noexcept { return lyrics_; }
+    const std::vector<const Item *> &songs() const noexcept { return songs_.items; }
+    const std::vector<const Item *> &lyrics() const noexcept { return lyrics_.items; }
+    const Items &items() const noexcept { return items_; }
     // Null when there is none.
     const Item *find(std::string_view id) const;
 
-    // The items that hold every word, the best first; none for an empty word.
-    static std::vector<const Item *> search(const std::vector<const Item *> &items,
-                                            std::u16string_view words);
+    // What holds every word, of which the first 32 count; nothing for no word.
+    Found searchSongs(std::u16string_view words, std::size_t most = noLimit) const;
+    Found searchLyrics(std::u16string_view words, std::size_t most = noLimit) const;
 
 private:
-    Item read(const FileEntry &file) const;
-    void describeLyrics();
+    // All texts of one kind one behind another: a search is one run through them.
+    struct Shelf {
+        std::vector<const Item *> items;
+        std::vector<std::uint32_t> ends; // of each item's text
+        std::string texts;
 
-    const Folder &folder_;
-    std::vector<FileEntry> files_;                   // as they were last
-    std::map<std::string, Item, std::less<>> items_; // by id
-    std::vector<const Item *> songs_;
-    std::vector<const Item *> lyrics_;
+        std::string_view text(std::size_t at) const;
+        void add(const Item *item, std::string_view text);
+        Found search(std::u16string_view words, std::size_t most) const;
+    };
+
+    std::string_view textBefore(const Item *item) const;
+
+    Items items_;
+    std::unordered_map<std::string_view, std::uint32_t> places_; // by id, among all of its kind
+    Shelf songs_;
+    Shelf lyrics_;
 };
 
 } // namespace velmora::catalogue

@@ -2,10 +2,14 @@
 
 #include "base/text.h"
 #include "catalogue/catalogue.h"
+#include "catalogue/known_tags.h"
+#include "catalogue/library_keeper.h"
 #include "catalogue/server.h"
+#include "catalogue/tag_child.h"
 #include "registry_tool/commands.h"
 
 #include <getopt.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
@@ -19,6 +23,7 @@
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -36,6 +41,7 @@ constexpr const char *usage =
     "  --offer-updates DIR  offer the program that DIR/catalogue.ini names as an update\n"
     "  --cert FILE          serve by https with this certificate (PEM)\n"
     "  --key FILE           and this key of it\n"
+    "  --cache FILE         where to keep what the files say for the next start\n"
     "  --introduce FILE     also write the address into this registry file of a player\n"
     "  --at URL             with --introduce: the address of a catalogue elsewhere\n"
     "  -h, --help           this text\n"
@@ -43,12 +49,21 @@ constexpr const char *usage =
     "\n"
     "Status: 0 ended in order, 1 cannot serve, 2 used wrongly.\n";
 
+// How the server starts itself for what `TagChild` says; not for people.
+constexpr char readTags[] = "--read-tags";
+#ifdef VELMORA_SANITIZED
+constexpr std::size_t tagMemory = 0; // a sanitizer takes more than any limit
+#else
+constexpr std::size_t tagMemory = std::size_t{400} << 20;
+#endif
+
 struct Options {
     std::string folder;
     std::string address = "127.0.0.1";
     std::string registryFile;
     std::string elsewhere; // the address of another catalogue
     std::string updates;
+    std::string cache;
     std::string certificate;
     std::string key;
     std::vector<std::string> names;
@@ -106,6 +121,7 @@ int readOptions(int count, char **words, Options &options) {
         atOption,
         nameOption,
         updatesOption,
+        cacheOption,
         certificateOption,
         keyOption
     };
@@ -115,6 +131,7 @@ int readOptions(int count, char **words, Options &options) {
                             {"at", required_argument, nullptr, atOption},
                             {"name", required_argument, nullptr, nameOption},
                             {"offer-updates", required_argument, nullptr, updatesOption},
+                            {"cache", required_argument, nullptr, cacheOption},
                             {"cert", required_argument, nullptr, certificateOption},
                             {"key", required_argument, nullptr, keyOption},
                             {"help", no_argument, nullptr, 'h'},
@@ -140,6 +157,9 @@ int readOptions(int count, char **words, Options &options) {
             break;
         case updatesOption:
             options.updates = optarg;
+            break;
+        case cacheOption:
+            options.cache = optarg;
             break;
         case certificateOption:
             options.certificate = optarg;
@@ -208,6 +228,23 @@ void sayUpdates(Catalogue &catalogue, const Options &options) {
                              "is not heeded (--offer-updates)\n");
 }
 
+// What is told of the reading, line by line as it goes on.
+KeeperWords keeperWords() {
+    KeeperWords words;
+    words.progress = [](std::size_t done, std::size_t all) {
+        std::printf("%zu of %zu files are read\n", done, all);
+        std::fflush(stdout);
+    };
+    words.read = [](const Library &library, bool cut) {
+        std::printf("%zu songs and %zu lyrics\n", library.songs().size(), library.lyrics().size());
+        std::fflush(stdout);
+        if (cut)
+            std::fprintf(stderr, "velmora-catalogue: there are more files than 200000; the rest "
+                                 "is not served\n");
+    };
+    return words;
+}
+
 int serve(const Options &options) {
     // Blocked before the server's thread begins, so that only `sigwait` sees them.
     const sigset_t signals = ends();
@@ -217,23 +254,28 @@ int serve(const Options &options) {
     for (const std::string &name : options.names)
         catalogue.acceptName(name);
     sayUpdates(catalogue, options);
-    const std::size_t songs = catalogue.library().songs().size();
-    const std::size_t lyrics = catalogue.library().lyrics().size();
     const Server server(catalogue, options.address, options.port, {}, identityOf(options));
     if (!options.registryFile.empty() &&
         !velmora::registry_tool::nameServer(server.addressHere(), options.registryFile, std::cerr))
         return 1;
-    std::printf("%zu songs and %zu lyrics at %s/\n", songs, lyrics,
-                server.addressForOthers().c_str());
+    std::printf("%s is served at %s/\n", options.folder.c_str(), server.addressForOthers().c_str());
     std::fflush(stdout);
+    LibraryKeeper keeper(catalogue, {"/proc/self/exe", readTags},
+                         options.cache.empty() ? knownTagsPath(options.folder) : options.cache,
+                         keeperWords());
     int number = 0;
     sigwait(&signals, &number);
+    // A disk that does not answer holds whoever reads it.
+    std::signal(SIGALRM, [](int) { std::_Exit(0); });
+    ::alarm(1);
     return 0;
 }
 
 } // namespace
 
 int main(int count, char **words) {
+    if (count == 2 && std::string_view(words[1]) == readTags)
+        return serveTags(tagMemory);
     Options options;
     if (const int status = readOptions(count, words, options); status != goOn)
         return status;

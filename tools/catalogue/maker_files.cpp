@@ -8,6 +8,7 @@
 #include "text/ansi_conversion.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace velmora::catalogue {
 
@@ -81,13 +82,14 @@ std::vector<Line> linesFrom(const platform::IniText &settings, const std::u16str
 }
 
 std::vector<Line> newest(std::vector<const Item *> items, std::u16string_view base) {
-    std::stable_sort(items.begin(), items.end(), [](const Item *a, const Item *b) {
-        return a->file.changed > b->file.changed;
+    const std::size_t shown = std::min(items.size(), mostLines);
+    const auto end = items.begin() + static_cast<std::ptrdiff_t>(shown);
+    std::partial_sort(items.begin(), end, items.end(), [](const Item *a, const Item *b) {
+        return std::tie(b->file.changed, a->file.path) < std::tie(a->file.changed, b->file.path);
     });
+    items.erase(end, items.end());
     std::vector<Line> lines;
     for (const Item *item : items) {
-        if (lines.size() == mostLines)
-            break;
         const std::u16string name = item->tags.artist.empty()
                                         ? item->tags.title
                                         : item->tags.title + u" - " + item->tags.artist;

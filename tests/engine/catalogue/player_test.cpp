@@ -28,6 +28,7 @@ protected:
     // Call once the folder is as it should be.
     void serve() {
         catalogue_.emplace(music_.path(), "127.0.0.1");
+        catalogue_->readNow();
         server_.emplace(*catalogue_, "127.0.0.1", 0);
         host_ = fromAscii("http://" + server_->hostAndPort());
         for (const char16_t *name :

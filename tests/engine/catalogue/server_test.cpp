@@ -37,6 +37,7 @@ protected:
     Server &server() {
         if (!server_) {
             catalogue_.emplace(music_.path(), "127.0.0.1");
+            catalogue_->readNow();
             server_.emplace(*catalogue_, "127.0.0.1", 0, patience_);
         }
         return *server_;
@@ -46,7 +47,7 @@ protected:
     }
     std::u16string songPath() {
         server();
-        const Item &song = *catalogue_->library().songs().front();
+        const Item &song = *catalogue_->library()->songs().front();
         return u"/song/" + fromAscii(song.id) + u".mp3";
     }
 

@@ -24,15 +24,18 @@ std::string upperAscii(std::string text) {
 class CatalogueTest : public ::testing::Test {
 protected:
     Catalogue &catalogue() {
-        if (!catalogue_)
+        if (!catalogue_) {
             catalogue_.emplace(music_.path(), "own:1");
+            catalogue_->readNow();
+        }
         return *catalogue_;
     }
     Answer ask(const std::string &target, const std::string &host = "host:8420") {
         return catalogue().answer(target, host);
     }
     std::string idOf(const std::string &path) {
-        for (const auto *items : {&catalogue().library().songs(), &catalogue().library().lyrics()})
+        for (const auto *items :
+             {&catalogue().library()->songs(), &catalogue().library()->lyrics()})
             for (const Item *item : *items)
                 if (item->file.path == path)
                     return item->id;

@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 std::vector<std::string> pathsOf(const Folder &folder) {
     std::vector<std::string> paths;
-    for (const FileEntry &file : folder.files())
+    for (const FileEntry &file : folder.list().files)
         paths.push_back(file.path);
     return paths;
 }
@@ -28,8 +28,8 @@ TEST(Folder, ListsRegularFilesOfAllDepthsSorted) {
     music.put("b/a/x", "");
     const Folder folder(music.path());
     EXPECT_THAT(pathsOf(folder), ::testing::ElementsAre("a.mp3", "b/a/x", "b/c.mp3"));
-    EXPECT_EQ(folder.files()[2].bytes, 3);
-    EXPECT_GT(folder.files()[2].changed, 0);
+    EXPECT_EQ(folder.list().files[2].bytes, 3);
+    EXPECT_GT(folder.list().files[2].changed, 0);
 }
 
 TEST(Folder, ShowsNothingHiddenNoLinkAndNoPipe) {

@@ -1,6 +1,7 @@
 #include "catalogue/maker_files.h"
 
 #include "base/text.h"
+#include "catalogue/library_reader.h"
 #include "music_folder.h"
 
 #include <gmock/gmock.h>
@@ -29,8 +30,9 @@ protected:
         return place != nullptr ? place->value : u"(none)";
     }
     platform::IniText welcome() {
-        library_.refresh();
-        return parsed(welcomeFile(base, library_, readSettings(folder_)));
+        OwnTagReader tags;
+        const auto library = LibraryReader(folder_, tags, nullptr).read();
+        return parsed(welcomeFile(base, *library, readSettings(folder_)));
     }
     platform::IniText update() {
         const platform::IniText settings = readSettings(folder_);
@@ -39,7 +41,6 @@ protected:
 
     MusicFolder music_;
     Folder folder_{music_.path()};
-    Library library_{folder_};
 };
 
 TEST_F(MakerFiles, WelcomeHasEverythingThatIsAskedFor) {

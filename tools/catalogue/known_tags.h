@@ -1,0 +1,53 @@
+#pragma once
+
+// What was read of the files, kept for the next start. It is a help and nothing else: whenever it
+// is doubtful it is thrown away, and where it cannot be kept the files are read anew.
+
+#include "catalogue/tags.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct sqlite3;
+
+namespace velmora::catalogue {
+
+struct KnownFile {
+    FileEntry file;
+    bool usable = true; // false: a lyric with nothing in it
+    Tags tags;
+};
+
+class KnownTags {
+public:
+    // Nothing is touched before `load`.
+    explicit KnownTags(std::string path) : path_(std::move(path)) {}
+    ~KnownTags();
+    KnownTags(const KnownTags &) = delete;
+    KnownTags &operator=(const KnownTags &) = delete;
+
+    // All that is kept, sorted by path. A file that is damaged, of another version or of something
+    // else's is taken away and begun anew.
+    std::vector<KnownFile> load();
+    // In one go: those of `gone` are forgotten, those of `come` kept.
+    void store(const std::vector<KnownFile> &come, const std::vector<std::string> &gone);
+
+private:
+    bool open();
+    bool begin();
+    void close() noexcept;
+    bool run(const char *statement);
+    bool isSound();
+
+    std::string path_;
+    sqlite3 *database_ = nullptr;
+};
+
+// Where a folder's is kept: below $CACHE_DIRECTORY, which a unit of systemd gives, or else the
+// user's cache folder. Makes the folders on the way; empty where there is no place.
+std::string knownTagsPath(const std::string &folder);
+
+} // namespace velmora::catalogue

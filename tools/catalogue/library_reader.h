@@ -1,0 +1,69 @@
+#pragma once
+
+// Makes a library of what lies in the folder.
+
+#include "catalogue/folder.h"
+#include "catalogue/known_tags.h"
+#include "catalogue/library.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+namespace velmora::catalogue {
+
+// What a reading tells meanwhile. Called on the reading's own thread.
+struct ReadingWatch {
+    std::function<bool()> goesOn = [] { return true; };
+    // The files that have been opened, of those that are to be: each thousandth time.
+    std::function<void(std::size_t done, std::size_t all)> progress = [](auto, auto) {};
+    // What there is so far, where there was nothing before.
+    std::function<void(std::shared_ptr<const Library>)> part = [](auto) {};
+};
+
+class LibraryReader {
+public:
+    // All outlive the reader. `known` may be null.
+    LibraryReader(const Folder &folder, TagReader &tags, KnownTags *known);
+
+    // The library as the folder is now; the same one as before where nothing has changed. Each
+    // file is opened only if it is new or changed; a file that is still being written stays as it
+    // was. An ended reading gives the one before.
+    std::shared_ptr<const Library> read(const ReadingWatch &watch = {});
+
+    // Whether a reading is worth it: asks each folder, and from time to time each file, too.
+    bool isDue() const;
+
+    // There are more files than are read.
+    bool cut() const noexcept { return listing_.cut; }
+
+private:
+    using ItemPointer = std::shared_ptr<const Item>;
+
+    void takeKnown();
+    const KnownFile *kept(const FileEntry &file) const;
+    KnownFile opened(const FileEntry &file, bool &keep);
+    ItemPointer itemFor(const FileEntry &file);
+    ItemPointer itemOf(const KnownFile &known) const;
+    bool isBeingWritten(const FileEntry &file) const;
+    void publish(const ReadingWatch &watch, const Library::Items &items, bool all);
+    static void describeLyrics(Library::Items &items);
+    void store(bool all);
+
+    const Folder &folder_;
+    TagReader &tags_;
+    KnownTags *known_;
+    bool knownTaken_ = false;
+    std::vector<KnownFile> kept_; // of the last run, by path, until the first reading
+    std::vector<KnownFile> come_; // to be kept
+    Listing listing_;
+    std::shared_ptr<const Library> library_ = std::make_shared<const Library>();
+    std::unordered_map<std::string_view, ItemPointer> old_; // by path, while reading
+    std::chrono::steady_clock::time_point looked_;
+    std::chrono::steady_clock::duration took_{};
+};
+
+} // namespace velmora::catalogue
