@@ -38,5 +38,5 @@ template <typename Table> std::shared_ptr<const Table> loadedTable(const std::st
 
 // The members of a typed function table and the statements that fill it from `library`; `LIST(F)`
 // names the functions. A table is usable when each of them was found.
-#define VELMORA_TABLE_MEMBER(name) decltype(&::name) name = nullptr;
+#define VELMORA_TABLE_MEMBER(name) decltype(&::name) name = nullptr; // NOLINT: a name it is
 #define VELMORA_TABLE_BIND(name) complete = library.bind(name, #name) && complete;

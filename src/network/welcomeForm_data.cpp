@@ -22,7 +22,7 @@ constexpr std::u16string_view standing =
 constexpr std::int64_t lastElement = 32767; // of an array of controls
 constexpr Twips marginRight = 300;
 
-std::u16string orElse(std::u16string text, std::u16string_view otherwise) {
+std::u16string orElse(const std::u16string &text, std::u16string_view otherwise) {
     return text.empty() ? std::u16string(otherwise) : text;
 }
 

@@ -53,7 +53,7 @@ std::string afterLinks(std::string path) {
         std::string next(buffer, static_cast<std::size_t>(size));
         if (next.empty() || next.front() != '/') {
             const std::string folder = folderOf(path);
-            next = (folder == "/" ? "" : folder) + "/" + next;
+            next.insert(0, folder == "/" ? "/" : folder + "/");
         }
         path = std::move(next);
     }
