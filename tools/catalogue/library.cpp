@@ -216,6 +216,7 @@ Library::Found Library::Shelf::search(std::u16string_view words, std::size_t mos
     // The run through all texts looks for the word that is rarest among the first of them.
     constexpr std::size_t sample = 100'000;
     std::vector<std::pair<std::size_t, Word>> counted;
+    counted.reserve(each.size());
     for (Word &word : each)
         counted.emplace_back(countOf(std::string_view(texts).substr(0, sample), word.sought), word);
     const auto rarer = [](const auto &a, const auto &b) { return a.first < b.first; };

@@ -43,7 +43,7 @@ std::u16string textOf(std::string_view bytes) {
 std::string pageBytes(std::u16string_view text) {
     std::string utf8 = toUtf8(text);
     const iconv_t converter = iconv_open("GB18030", "UTF-8");
-    if (converter == reinterpret_cast<iconv_t>(std::intptr_t{-1}))
+    if (converter == reinterpret_cast<iconv_t>(std::intptr_t{-1})) // NOLINT: as it is documented
         return utf8;
     std::string result(utf8.size() * 2 + 16, '\0');
     char *in = utf8.data();

@@ -90,7 +90,7 @@ private:
     }
 
     std::string statement(const Setting &setting) {
-        const std::string call(setting.row->call);
+        std::string call(setting.row->call);
         switch (setting.row->shape) {
         case Shape::Flag:
             return call;
