@@ -51,7 +51,7 @@ main               *
 tools/skinc        base
 tools/formc        base
 tools/preview      base forms qt/paint qt/screen
-tools/open         base bus linux
+tools/open         base contracts bus linux
 tools/registry_tool base text linux registry
 tools/catalogue    base contracts text linux registry tools/registry_tool
 tools/demo_piece

@@ -10,20 +10,30 @@ namespace velmora::open_tool {
 
 namespace {
 
+using platform::RemoteCommand;
+
 struct Option {
     std::string_view name;
     char letter; // NUL: none
     Action action;
-    bool takesAmount = false;
+    RemoteCommand command = RemoteCommand::Raise; // of Command
+    bool takesAmount() const { return action == Action::Seek || action == Action::Volume; }
 };
 constexpr Option options[] = {
-    {"enqueue", 'e', Action::Enqueue},      {"play", '\0', Action::Play},
-    {"pause", '\0', Action::Pause},         {"play-pause", '\0', Action::PlayPause},
-    {"stop", '\0', Action::Stop},           {"next", '\0', Action::Next},
-    {"previous", '\0', Action::Previous},   {"seek", '\0', Action::Seek, true},
-    {"volume", '\0', Action::Volume, true}, {"raise", '\0', Action::Raise},
-    {"quit", '\0', Action::Quit},           {"status", '\0', Action::Status},
-    {"lyrics", '\0', Action::Lyrics},       {"help", 'h', Action::Help},
+    {"enqueue", 'e', Action::Enqueue},
+    {"play", '\0', Action::Command, RemoteCommand::Play},
+    {"pause", '\0', Action::Command, RemoteCommand::Pause},
+    {"play-pause", '\0', Action::Command, RemoteCommand::PlayPause},
+    {"stop", '\0', Action::Command, RemoteCommand::Stop},
+    {"next", '\0', Action::Command, RemoteCommand::Next},
+    {"previous", '\0', Action::Command, RemoteCommand::Previous},
+    {"seek", '\0', Action::Seek},
+    {"volume", '\0', Action::Volume},
+    {"raise", '\0', Action::Command, RemoteCommand::Raise},
+    {"quit", '\0', Action::Command, RemoteCommand::Quit},
+    {"status", '\0', Action::Status},
+    {"lyrics", '\0', Action::Lyrics},
+    {"help", 'h', Action::Help},
     {"version", 'V', Action::Version},
 };
 
@@ -114,11 +124,11 @@ private:
         std::optional<std::string_view> value;
         if (equals != std::string_view::npos)
             value = word.substr(equals + 1);
-        if (value && !option->takesAmount) {
+        if (value && !option->takesAmount()) {
             complaint_ = "option " + name + " doesn't allow an argument";
             return false;
         }
-        if (option->takesAmount) {
+        if (option->takesAmount()) {
             if (!value && next_ + 1 < words_.size())
                 value = words_[++next_];
             if (!value) {
@@ -146,6 +156,7 @@ private:
         }
         chosen_ = true;
         request_.action = option.action;
+        request_.command = option.command;
         return true;
     }
 

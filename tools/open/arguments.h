@@ -2,6 +2,8 @@
 
 // What the words of the command line ask for.
 
+#include "platform/contracts/remote.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -13,16 +15,9 @@ namespace velmora::open_tool {
 enum class Action : std::uint8_t {
     Open, // without files: the player shows itself
     Enqueue,
-    Play,
-    Pause,
-    PlayPause,
-    Stop,
-    Next,
-    Previous,
+    Command,
     Seek,
     Volume,
-    Raise,
-    Quit,
     Status,
     Lyrics,
     Help,
@@ -37,6 +32,7 @@ struct Amount {
 
 struct Request {
     Action action = Action::Open;
+    platform::RemoteCommand command = platform::RemoteCommand::Raise; // of Command
     Amount amount; // of Seek (seconds) and Volume (0 to 100)
     std::vector<std::string> files;
 };

@@ -129,8 +129,27 @@ int activate(PlayerLink &link) {
                     link);
 }
 
-int transport(PlayerLink &link, const char *member, bool start) {
-    return statusOf(link.call(PlayerLink::player, member, {}, {}, start), link);
+int command(PlayerLink &link, platform::RemoteCommand command) {
+    using platform::RemoteCommand;
+    struct Call {
+        RemoteCommand command;
+        PlayerLink::Place place;
+        const char *member;
+        bool start; // a player that does not run
+    };
+    constexpr Call calls[] = {
+        {RemoteCommand::Play, PlayerLink::player, "Play", true},
+        {RemoteCommand::Pause, PlayerLink::player, "Pause", false},
+        {RemoteCommand::PlayPause, PlayerLink::player, "PlayPause", true},
+        {RemoteCommand::Stop, PlayerLink::player, "Stop", false},
+        {RemoteCommand::Next, PlayerLink::player, "Next", false},
+        {RemoteCommand::Previous, PlayerLink::player, "Previous", false},
+        {RemoteCommand::Quit, PlayerLink::media, "Quit", false},
+    };
+    for (const Call &call : calls)
+        if (call.command == command)
+            return statusOf(link.call(call.place, call.member, {}, {}, call.start), link);
+    return activate(link);
 }
 
 int seek(PlayerLink &link, const Amount &amount) {
@@ -176,23 +195,34 @@ std::string clockText(std::int64_t us) {
     return text.data();
 }
 
-int showStatus(PlayerLink &link) {
+// What plays, and where.
+struct Playing {
     std::string status;
     Track track;
-    std::int64_t position = 0;
-    Reached reached = link.getStatus(status);
+    std::int64_t positionUs = 0;
+};
+
+Reached askWhatPlays(PlayerLink &link, Playing &playing) {
+    Reached reached = link.getStatus(playing.status);
     if (reached == Reached::Done)
-        reached = link.getTrack(track);
+        reached = link.getTrack(playing.track);
     if (reached == Reached::Done)
-        reached = link.get("Position", "x", position);
-    if (reached != Reached::Done)
+        reached = link.get("Position", "x", playing.positionUs);
+    return reached;
+}
+
+int showStatus(PlayerLink &link) {
+    Playing now;
+    if (const Reached reached = askWhatPlays(link, now); reached != Reached::Done)
         return statusOf(reached, link);
-    std::printf("%s\n", status.c_str());
+    const Track &track = now.track;
+    std::printf("%s\n", now.status.c_str());
     if (!track.title.empty())
         std::printf("%s%s%s\n", track.artist.c_str(), track.artist.empty() ? "" : " - ",
                     track.title.c_str());
     if (track.lengthUs > 0)
-        std::printf("%s / %s\n", clockText(position).c_str(), clockText(track.lengthUs).c_str());
+        std::printf("%s / %s\n", clockText(now.positionUs).c_str(),
+                    clockText(track.lengthUs).c_str());
     return done;
 }
 
@@ -231,20 +261,13 @@ private:
     std::int64_t positionMs() const { return playing_ ? atMs_ + steadyMs() - askedMs_ : atMs_; }
 
     Reached ask() {
-        std::string status;
-        Track track;
-        std::int64_t us = 0;
-        Reached reached = link_.getTrack(track);
-        if (reached == Reached::Done)
-            reached = link_.getStatus(status);
-        if (reached == Reached::Done)
-            reached = link_.get("Position", "x", us);
-        if (reached != Reached::Done)
+        Playing now;
+        if (const Reached reached = askWhatPlays(link_, now); reached != Reached::Done)
             return reached;
         asked_ = true;
-        lyric_ = LyricClock(track.lyric);
-        playing_ = status == "Playing";
-        atMs_ = us / 1000;
+        lyric_ = LyricClock(now.track.lyric);
+        playing_ = now.status == "Playing";
+        atMs_ = now.positionUs / 1000;
         askedMs_ = steadyMs();
         return Reached::Done;
     }
@@ -280,26 +303,12 @@ int perform(const Request &request) {
         return request.files.empty() ? activate(link) : openFiles(link, request);
     case Action::Enqueue:
         return openFiles(link, request);
-    case Action::Play:
-        return transport(link, "Play", true);
-    case Action::Pause:
-        return transport(link, "Pause", false);
-    case Action::PlayPause:
-        return transport(link, "PlayPause", true);
-    case Action::Stop:
-        return transport(link, "Stop", false);
-    case Action::Next:
-        return transport(link, "Next", false);
-    case Action::Previous:
-        return transport(link, "Previous", false);
+    case Action::Command:
+        return command(link, request.command);
     case Action::Seek:
         return seek(link, request.amount);
     case Action::Volume:
         return setVolume(link, request.amount);
-    case Action::Raise:
-        return activate(link);
-    case Action::Quit:
-        return statusOf(link.call(PlayerLink::media, "Quit", {}, {}, false), link);
     case Action::Status:
         return showStatus(link);
     case Action::Lyrics:

@@ -2,16 +2,11 @@
 
 #include "open/arguments.h"
 #include "open/lyric_clock.h"
-#include "platform/backends/bus/cover.h"
 #include "platform/backends/bus/metadata.h"
 #include "text/file_uris.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 namespace velmora {
 namespace {
@@ -44,8 +39,8 @@ TEST(OpenWords, FilesMayStandAnywhereAndBehindTwoDashesBeginWithOne) {
 }
 
 TEST(OpenWords, AnOptionMayBeShortenedWhileItIsTheOnlyOne) {
-    EXPECT_EQ(read({"--ne"})->action, Action::Next);
-    EXPECT_EQ(read({"--play"})->action, Action::Play);
+    EXPECT_EQ(read({"--ne"})->command, platform::RemoteCommand::Next);
+    EXPECT_EQ(read({"--play"})->command, platform::RemoteCommand::Play);
     EXPECT_THAT(complaintOf({"--p"}), ::testing::HasSubstr("ambiguous"));
 }
 
@@ -123,42 +118,6 @@ TEST(BusText, IsCutBetweenLetters) {
     EXPECT_EQ(platform::bus::busText(u"aé", 3), "aé");
     EXPECT_EQ(platform::bus::busText(std::u16string(u"a\0b", 3)), "a");
     EXPECT_EQ(platform::bus::busText(std::u16string(1, u'\xDC80')), "\xEF\xBF\xBD");
-}
-
-class Cover : public ::testing::Test {
-protected:
-    Cover() {
-        std::string name = ::testing::TempDir() + "velmora-cover-XXXXXX";
-        folder_ = mkdtemp(name.data());
-    }
-    ~Cover() override { std::filesystem::remove_all(folder_); }
-    void put(const std::string &name) { std::ofstream(folder_ + "/" + name) << "picture"; }
-    std::string found() { return platform::bus::coverBeside(folder_ + "/track.mp3"); }
-    std::string folder_;
-};
-
-TEST_F(Cover, IsTheFirstOfTheNamesThatLieBesideATrack) {
-    EXPECT_EQ(found(), "");
-    put("other.jpg");
-    EXPECT_EQ(found(), "");
-    put("Front.PNG");
-    EXPECT_THAT(found(), ::testing::EndsWith("/Front.PNG"));
-    put("folder.jpg");
-    EXPECT_THAT(found(), ::testing::EndsWith("/folder.jpg"));
-    put("COVER.jpeg");
-    EXPECT_THAT(found(), ::testing::EndsWith("/COVER.jpeg"));
-    EXPECT_THAT(found(), ::testing::StartsWith("file:///"));
-}
-
-TEST_F(Cover, IsNoFolderAndNoBrokenLink) {
-    std::filesystem::create_directory(folder_ + "/cover.jpg");
-    std::filesystem::create_symlink("nowhere", folder_ + "/folder.jpg");
-    EXPECT_EQ(found(), "");
-}
-
-TEST_F(Cover, OfAFolderThatIsGoneIsNone) {
-    EXPECT_EQ(platform::bus::coverBeside("/nowhere/at/all.mp3"), "");
-    EXPECT_EQ(platform::bus::coverBeside("relative.mp3"), "");
 }
 
 } // namespace

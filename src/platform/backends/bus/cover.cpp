@@ -1,7 +1,10 @@
 #include "platform/backends/bus/cover.h"
 
 #include "base/within_time.h"
+#include "platform/backends/bus/cover_cache.h"
 #include "platform/backends/bus/metadata.h"
+#include "platform/backends/bus/tag_picture.h"
+#include "platform/backends/linux/open_file.h"
 
 #include <dirent.h>
 #include <sys/stat.h>
@@ -54,7 +57,27 @@ std::string find(const std::string &folder) {
     return found;
 }
 
+std::string inside(const std::string &track, const std::string &cache) {
+    struct ::stat info {};
+    const Descriptor file = openRegular(track, info);
+    if (!file)
+        return {};
+    const std::string picture = pictureInTag([&file](std::uint64_t offset, std::size_t size) {
+        const auto bytes = platform::readAt(file.number(), static_cast<std::int64_t>(offset), size);
+        return bytes.value_or(std::string());
+    });
+    return picture.empty() ? picture : keepCover(cache, picture);
+}
+
 } // namespace
+
+std::string coverOf(const std::string &track, const std::string &cache) {
+    const std::string beside = coverBeside(track);
+    if (!beside.empty() || cache.empty())
+        return beside;
+    const auto found = withinTime(patience, [track, cache] { return inside(track, cache); });
+    return found && !found->empty() ? fileUri(*found) : std::string();
+}
 
 std::string coverBeside(const std::string &track) {
     const std::size_t slash = track.rfind('/');

@@ -1,6 +1,6 @@
 #pragma once
 
-// The picture that lies beside a track.
+// The picture of a track.
 
 #include <string>
 
@@ -10,5 +10,8 @@ namespace velmora::platform::bus {
 // bytes), in this order and whatever the case; empty where there is none, and where the disk does
 // not answer soon.
 std::string coverBeside(const std::string &track);
+
+// The same, else the address of a file in `cache` with the picture in the track's tag.
+std::string coverOf(const std::string &track, const std::string &cache);
 
 } // namespace velmora::platform::bus

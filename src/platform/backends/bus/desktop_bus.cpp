@@ -15,8 +15,9 @@ namespace velmora::platform {
 struct DesktopBus::Parts final : Remote, Inhibitor {
     Parts(const HomeFolders &homes, WatchDescriptor watch)
         : ofConfiguration(bus::nameOfConfiguration(homes.programConfig())),
-          connection(std::move(watch)), media(connection), application(connection),
-          names(connection, ofConfiguration), suspend(connection, bus::Inhibition::Of::Suspend),
+          covers(HomeFolders::below(homes.programCache(), "/covers")), connection(std::move(watch)),
+          media(connection), application(connection), names(connection, ofConfiguration),
+          suspend(connection, bus::Inhibition::Of::Suspend),
           idle(connection, bus::Inhibition::Of::Idle) {
         connection.onOpened = [this] { opened(); };
         connection.onLost = [this] {
@@ -51,7 +52,7 @@ struct DesktopBus::Parts final : Remote, Inhibitor {
         // Looked for once a track, and only for somebody.
         if (connection.isOpen() && now.track != coverOf) {
             coverOf = now.track;
-            cover = bus::coverBeside(pathBytes(now.path));
+            cover = bus::coverOf(pathBytes(now.path), covers);
         }
         media.publish(now, cover);
     }
@@ -78,6 +79,7 @@ struct DesktopBus::Parts final : Remote, Inhibitor {
     }
 
     const std::string ofConfiguration;
+    const std::string covers; // the folder of those out of tags
     bool started = false;
     std::uint32_t coverOf = 0; // the track whose cover is known
     std::string cover;
