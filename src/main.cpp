@@ -13,12 +13,14 @@
 #include "platform/backends/registry/active_page.h"
 #include "platform/backends/registry/sqlite_registry.h"
 #include "platform/backends/sound/device/sound.h"
+#include "playback/remoteControl.h"
 #include "settings/setControl.h"
 #include "velmora.h"
 
 #include <chrono>
 #include <cstdio>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -57,7 +59,10 @@ int play() {
     platform::PictureOptions pictures;
     pictures.pixelScale = [&windows] { return windows->pixelScale(); };
     pictures.soundServerAnswers = [] { return platform::sound::soundServerAnswers(); };
-    platform::media::MciInterpreter media(platform::sound::makeSoundOpener(),
+    platform::sound::SoundOptions sound;
+    sound.quiet = std::make_shared<platform::sound::QuietWish>();
+    const auto quiet = sound.quiet;
+    platform::media::MciInterpreter media(platform::sound::makeSoundOpener(std::move(sound)),
                                           platform::makePictureOpener(pictures));
     const auto processes = platform::makeProcesses(homes, [&registry] { registry.flush(); });
     const auto shell = platform::makeShell();
@@ -88,6 +93,8 @@ int play() {
     running = &program;
     // The session's end is the close button.
     windows->onSessionEnd = [&program] { program.Main().closeButton_Click(); };
+    const auto watched = windows->watch(
+        quiet->descriptor(), [&program, &quiet] { program.remoteControl().quiet(quiet->take()); });
     program.start();
     return windows->run();
 }

@@ -129,6 +129,28 @@ void remoteControl::perform(RemoteCommand command) {
     }
 }
 
+void remoteControl::quiet(bool wanted) {
+    if (!wanted) {
+        const auto held = std::exchange(held_, std::nullopt);
+        if (held && held->closings == app_.player().closings() && status() == RemoteStatus::Paused)
+            command(RemoteCommand::Play);
+    } else if (!held_ && (app_.player().isStarting() || status() == RemoteStatus::Playing)) {
+        command(RemoteCommand::Pause);
+        held_ = Interrupted{app_.player().closings(), false};
+    }
+}
+
+// Once it plays again, or anything else does, the call's end has nothing to let go.
+void remoteControl::watchHeld() {
+    if (!held_)
+        return;
+    const bool isPaused = status() == RemoteStatus::Paused;
+    if (held_->closings != app_.player().closings() || (held_->isPaused && !isPaused))
+        held_.reset();
+    else
+        held_->isPaused = held_->isPaused || isPaused;
+}
+
 std::int32_t remoteControl::positionMs() {
     return status() == RemoteStatus::Stopped
                ? 0

@@ -32,6 +32,9 @@ public:
     void tick(std::int32_t lengthMs);
     // The position has jumped.
     void seeked(std::int32_t ms);
+    // Somebody's call wants what plays to be quiet, or is over: it pauses, and goes on by itself
+    // unless a person has done anything with it meanwhile.
+    void quiet(bool wanted);
 
     void command(platform::RemoteCommand command) override;
     std::int32_t positionMs() override;
@@ -48,6 +51,11 @@ private:
         std::vector<std::u16string> paths;
         bool enqueue;
     };
+    // What waits for the end of a call: a medium, known by how many were closed before.
+    struct Interrupted {
+        std::uint32_t closings;
+        bool isPaused; // the controls show it
+    };
     class AtWork;
 
     bool isStill();
@@ -62,6 +70,7 @@ private:
     void readState();
     template <typename Held, typename Value> void take(Held &held, const Value &value);
     void keepAwake();
+    void watchHeld();
 
     void doWaiting();
     void openWaiting();
@@ -76,6 +85,7 @@ private:
     std::uint32_t openedAt_ = 0; // closings when the track was counted
     std::uint32_t lyric_ = 0;    // the reading that `now_` has
     platform::Awake awake_;
+    std::optional<Interrupted> held_;              // for a call
     std::optional<platform::RemoteCommand> asked_; // during the start, the last that was
     std::deque<Order> waiting_;
     std::size_t waitingPaths_ = 0;

@@ -39,6 +39,7 @@ void remoteControl::tick(std::int32_t lengthMs) {
     if (settled) {
         readTrack(lengthMs);
         readState();
+        watchHeld();
         if (std::exchange(changed_, false))
             app_.platform().remote.publish(now_);
         keepAwake();

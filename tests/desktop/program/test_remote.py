@@ -375,6 +375,37 @@ class Opened(BusTest):
         self.assertEqual((done.returncode, done.stdout.count("\n")), (1, 1), done.stdout)
 
 
+class Mixer(BusTest):
+    def streams(self):
+        return re.findall(r'media\.name = "([^"]*)"',
+                          self.ask("pactl", "list", "sink-inputs").stdout)
+
+    def test_a_track_has_its_name_in_the_mixer(self):
+        self.start_there()
+        self.play_first()
+        self.assertTrue(wait_for(lambda: self.streams() == ["one"], 20), str(self.streams()))
+        self.control("next")
+        self.assertTrue(wait_for(lambda: self.streams() == ["two 100%"], 20), str(self.streams()))
+
+    def test_a_call_pauses_and_its_end_goes_on(self):
+        self.ask("pactl", "load-module", "module-role-cork")
+        self.start_there()
+        self.play_first()
+        for _ in range(2):
+            call = self.session.spawn(["paplay", "--property=media.role=phone", self.tracks[2]])
+            self.assert_comes("Paused", "status")
+            self.session.stop(call)
+            self.assert_comes("Playing", "status")
+        # What a person paused stays so.
+        self.control("pause")
+        self.assert_comes("Paused", "status")
+        call = self.session.spawn(["paplay", "--property=media.role=phone", self.tracks[2]])
+        self.assertTrue(wait_for(lambda: len(self.streams()) == 2, 20), str(self.streams()))
+        self.session.stop(call)
+        self.assertTrue(wait_for(lambda: len(self.streams()) == 1, 20), str(self.streams()))
+        self.assertEqual(self.control("status"), "Paused")
+
+
 class Awake(PlayerTest):
     """The services that keep a machine awake, of which the log counts the calls."""
 

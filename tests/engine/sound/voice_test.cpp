@@ -24,8 +24,8 @@ class VoiceTest : public testing::Test {
 protected:
     VoiceTest() {
         server_.now = Clock::now();
-        voice_ =
-            std::make_unique<Voice>(control_, std::make_unique<FakeReader>(length, calls_, rate));
+        voice_ = std::make_unique<Voice>(control_,
+                                         std::make_unique<FakeReader>(length, calls_, rate), "one");
         voice_->attach(std::make_unique<FakeStream>(server_), server_.now);
         server_.state = State::Idle;
     }

@@ -41,6 +41,49 @@ TEST_F(RemoteCommands, PlayPausePausesWhatPlaysAndPlaysWhatIsPaused) {
     EXPECT_EQ(media.mode(), u"playing");
 }
 
+TEST_F(RemoteCommands, ACallPausesWhatPlaysAndItsEndGoesOn) {
+    play();
+    app.remoteControl().quiet(true);
+    EXPECT_EQ(media.mode(), u"paused");
+    settle();
+    app.remoteControl().quiet(false);
+    EXPECT_EQ(media.mode(), u"playing");
+}
+
+TEST_F(RemoteCommands, TheEndOfACallStartsNothingThatDidNotPlay) {
+    play();
+    ask(RemoteCommand::Pause);
+    settle();
+    app.remoteControl().quiet(true);
+    settle();
+    app.remoteControl().quiet(false);
+    EXPECT_EQ(media.mode(), u"paused");
+}
+
+TEST_F(RemoteCommands, TheEndOfACallLeavesAloneWhatAPersonHasTakenInHand) {
+    play();
+    app.remoteControl().quiet(true);
+    settle();
+    ask(RemoteCommand::Play);
+    settle();
+    ask(RemoteCommand::Pause);
+    settle();
+    media.clearCommands();
+    app.remoteControl().quiet(false);
+    EXPECT_THAT(media.actions(), ::testing::IsEmpty());
+    ask(RemoteCommand::Play);
+    settle();
+    app.remoteControl().quiet(true);
+    settle();
+    ask(RemoteCommand::Next);
+    settle();
+    ask(RemoteCommand::Pause);
+    settle();
+    media.clearCommands();
+    app.remoteControl().quiet(false);
+    EXPECT_THAT(media.actions(), ::testing::IsEmpty());
+}
+
 TEST_F(RemoteCommands, PlayAfterAStopOpensTheTrackAgain) {
     play();
     ask(RemoteCommand::Stop);

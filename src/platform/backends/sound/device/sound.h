@@ -3,6 +3,7 @@
 // The sound back-end: the device for media without pictures and the wave output devices.
 
 #include "platform/backends/media/device.h"
+#include "platform/backends/sound/output/quiet_wish.h"
 #include "platform/backends/sound/readers/library_tables.h"
 #include "platform/contracts/media.h"
 
@@ -23,6 +24,8 @@ struct SoundOptions {
     // For MIDI: the first that can be loaded. None: media of this kind fail to open.
     std::vector<std::string> soundFonts = defaultSoundFonts();
     LibraryNames libraries = {};
+    // Told when somebody else's call wants music to be quiet; null: nobody asks.
+    std::shared_ptr<QuietWish> quiet = {};
     int openLimitMs = 10'000; // an open whose disk does not answer fails then
 };
 

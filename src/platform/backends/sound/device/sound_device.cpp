@@ -7,10 +7,10 @@ namespace velmora::platform::sound {
 
 using media::Mode;
 
-SoundDevice::SoundDevice(std::unique_ptr<Reader> reader, OutputEngine &engine)
+SoundDevice::SoundDevice(std::unique_ptr<Reader> reader, OutputEngine &engine, std::string name)
     : engine_(engine), control_(std::make_shared<VoiceControl>()), rate_(reader->rate()),
       frames_(reader->frames()), changing_(reader->changingFrames()) {
-    engine_.add(std::make_unique<Voice>(control_, std::move(reader)));
+    engine_.add(std::make_unique<Voice>(control_, std::move(reader), std::move(name)));
 }
 
 SoundDevice::~SoundDevice() {

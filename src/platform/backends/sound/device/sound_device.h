@@ -8,13 +8,14 @@
 
 #include <atomic>
 #include <memory>
+#include <string>
 
 namespace velmora::platform::sound {
 
 class SoundDevice final : public media::Device {
 public:
-    // The engine outlives the device.
-    SoundDevice(std::unique_ptr<Reader> reader, OutputEngine &engine);
+    // The engine outlives the device. `name` (UTF-8) is what a mixer calls it.
+    SoundDevice(std::unique_ptr<Reader> reader, OutputEngine &engine, std::string name);
     ~SoundDevice() override;
 
     bool play() override;

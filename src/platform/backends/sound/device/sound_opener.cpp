@@ -1,3 +1,4 @@
+#include "base/text.h"
 #include "base/within_time.h"
 #include "platform/backends/sound/device/sound.h"
 #include "platform/backends/sound/device/sound_device.h"
@@ -17,19 +18,29 @@ struct Decoders {
     DecoderLibraries libraries;
 };
 
+// A track is called by its file's name, without what its kind is told by. A mixer takes text alone.
+std::string nameOf(const std::string &path) {
+    const std::string file = path.substr(path.rfind('/') + 1);
+    const std::size_t dot = file.rfind('.');
+    const bool hasKind = dot != std::string::npos && dot > 0;
+    const std::string name = toUtf8(fromUtf8(hasKind ? file.substr(0, dot) : file));
+    return name.empty() ? "Music" : name;
+}
+
 class SoundDeviceOpener final : public media::DeviceOpener {
 public:
     explicit SoundDeviceOpener(SoundOptions options)
         : decoders_(std::make_shared<Decoders>(
               Decoders{std::move(options.soundFonts), DecoderLibraries(options.libraries)})),
-          openLimit_(options.openLimitMs), engine_({options.libraries.pulse, options.server,
-                                                    options.applicationName, options.iconName}) {}
+          openLimit_(options.openLimitMs),
+          engine_({options.libraries.pulse, options.server, options.applicationName,
+                   options.iconName, std::move(options.quiet)}) {}
 
     std::unique_ptr<media::Device> open(const media::OpenRequest &request) override {
         auto reader = openInTime(request);
         if (!reader || !engine_.start())
             return nullptr;
-        return std::make_unique<SoundDevice>(std::move(reader), engine_);
+        return std::make_unique<SoundDevice>(std::move(reader), engine_, nameOf(request.path));
     }
 
 private:

@@ -194,7 +194,8 @@ TimePoint OutputThread::provide(Line &line, PulseLink &link, TimePoint now) {
     }
     const bool ready = link.state() == PulseLink::State::Ready;
     if (!line.coming && ready && now >= line.retry && (!present || line.voice->wantsToPlay()))
-        line.coming = std::make_unique<PulseStream>(link, line.voice->rate(), now);
+        line.coming =
+            std::make_unique<PulseStream>(link, line.voice->rate(), line.voice->name(), now);
     if (!present) {
         const bool hope = link.usable() && (line.coming || link.state() != PulseLink::State::Down);
         if (hope && now < line.since + silentAfter)

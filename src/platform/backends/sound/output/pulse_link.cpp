@@ -3,27 +3,8 @@
 #include <algorithm>
 #include <cstring>
 #include <poll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 namespace velmora::platform::sound {
-
-WakeUp::WakeUp() : fd_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
-
-WakeUp::~WakeUp() {
-    if (fd_ >= 0)
-        close(fd_);
-}
-
-void WakeUp::signal() {
-    const std::uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = write(fd_, &one, sizeof one);
-}
-
-void WakeUp::drain() {
-    std::uint64_t count = 0;
-    [[maybe_unused]] const ssize_t got = read(fd_, &count, sizeof count);
-}
 
 PulseLink::PulseLink(PulseLinkOptions options, WakeUp &wakeUp)
     : options_(std::move(options)), wakeUp_(wakeUp),
@@ -119,6 +100,11 @@ void PulseLink::serverInfo(pa_context *context, const pa_server_info *info, void
     link->answered_ = true;
     if (info && info->server_name)
         link->rewinds_ = std::strstr(info->server_name, "PipeWire") == nullptr;
+}
+
+void PulseLink::wishQuiet(bool wanted) {
+    if (options_.quiet)
+        options_.quiet->set(wanted);
 }
 
 void PulseLink::wait(TimePoint due) {

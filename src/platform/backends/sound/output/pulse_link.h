@@ -5,6 +5,8 @@
 
 #include "platform/backends/sound/output/output_stream.h"
 #include "platform/backends/sound/output/pulse_table.h"
+#include "platform/backends/sound/output/quiet_wish.h"
+#include "platform/backends/sound/output/wake_up.h"
 
 #include <memory>
 #include <optional>
@@ -12,27 +14,12 @@
 
 namespace velmora::platform::sound {
 
-// Wakes a thread out of its wait. signal() may be called from any thread and is cheap.
-class WakeUp {
-public:
-    WakeUp();
-    ~WakeUp();
-    WakeUp(const WakeUp &) = delete;
-    WakeUp &operator=(const WakeUp &) = delete;
-
-    void signal();
-    void drain();
-    int descriptor() const { return fd_; }
-
-private:
-    int fd_;
-};
-
 struct PulseLinkOptions {
     std::string library;         // file name of libpulse
     std::string server;          // empty: as the library finds it
     std::string applicationName; // UTF-8, shown by mixers
     std::string iconName;
+    std::shared_ptr<QuietWish> quiet = {}; // may be null
 };
 
 class PulseLink {
@@ -56,6 +43,9 @@ public:
     bool rewinds() const { return rewinds_; }
     const PulseTable &table() const { return *table_; }
     pa_context *context() const { return context_; }
+
+    // The server asks whoever plays music to be quiet, or to go on.
+    void wishQuiet(bool wanted);
 
     // Handles what the server sent; waits for it, for the wake-up or until `due`.
     void wait(TimePoint due);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
 
 namespace velmora::platform::sound {
 
@@ -36,10 +37,10 @@ constexpr auto exactWait = 3ms;
 
 } // namespace
 
-PulseStream::PulseStream(PulseLink &link, int rate, TimePoint now)
+PulseStream::PulseStream(PulseLink &link, int rate, const std::string &name, TimePoint now)
     : link_(link), table_(link.table()), rate_(rate), mixMs_(mixMsTakenBack),
       askedMixMs_(mixMsTakenBack), started_(now) {
-    connect();
+    connect(name);
 }
 
 PulseStream::~PulseStream() {
@@ -50,16 +51,17 @@ PulseStream::~PulseStream() {
         return;
     table_.pa_stream_set_state_callback(stream_, nullptr, nullptr);
     table_.pa_stream_set_started_callback(stream_, nullptr, nullptr);
+    table_.pa_stream_set_event_callback(stream_, nullptr, nullptr);
     table_.pa_stream_disconnect(stream_);
     table_.pa_stream_unref(stream_);
 }
 
-void PulseStream::connect() {
+void PulseStream::connect(const std::string &name) {
     const pa_sample_spec shape{PA_SAMPLE_FLOAT32NE, static_cast<std::uint32_t>(rate_), 2};
     pa_proplist *properties = table_.pa_proplist_new();
     table_.pa_proplist_sets(properties, PA_PROP_MEDIA_ROLE, "music");
-    stream_ =
-        table_.pa_stream_new_with_proplist(link_.context(), "Music", &shape, nullptr, properties);
+    stream_ = table_.pa_stream_new_with_proplist(link_.context(), name.c_str(), &shape, nullptr,
+                                                 properties);
     table_.pa_proplist_free(properties);
     if (!stream_) {
         state_ = State::Lost;
@@ -79,6 +81,15 @@ void PulseStream::connect() {
     table_.pa_stream_set_started_callback(
         stream_,
         [](pa_stream *, void *self) { static_cast<PulseStream *>(self)->startedNow_ = true; },
+        this);
+    table_.pa_stream_set_event_callback(
+        stream_,
+        [](pa_stream *, const char *event, pa_proplist *, void *self) {
+            const std::string_view what(event);
+            if (what == PA_STREAM_EVENT_REQUEST_CORK || what == PA_STREAM_EVENT_REQUEST_UNCORK)
+                static_cast<PulseStream *>(self)->link_.wishQuiet(what ==
+                                                                  PA_STREAM_EVENT_REQUEST_CORK);
+        },
         this);
     const pa_buffer_attr buffer = bufferFor(mixMs_);
     if (table_.pa_stream_connect_playback(stream_, nullptr, &buffer, PA_STREAM_START_CORKED,

@@ -12,7 +12,8 @@ namespace velmora::platform::sound {
 class PulseStream final : public OutputStream {
 public:
     // The link is Ready, and outlives the stream. Starting at first; Lost when refused.
-    PulseStream(PulseLink &link, int rate, TimePoint now);
+    // `name` (UTF-8) is what a mixer shows of it.
+    PulseStream(PulseLink &link, int rate, const std::string &name, TimePoint now);
     ~PulseStream() override;
     PulseStream(const PulseStream &) = delete;
     PulseStream &operator=(const PulseStream &) = delete;
@@ -31,7 +32,7 @@ public:
     std::int64_t mostAhead() const override;
 
 private:
-    void connect();
+    void connect(const std::string &name);
     // The longest mixing buffer that can be asked for beside what the server holds of us.
     int fittingMixMs(int mixMs) const;
     pa_buffer_attr bufferFor(int mixMs) const;

@@ -28,6 +28,7 @@ namespace velmora::platform::sound {
     F(pa_proplist_sets)                                                                            \
     F(pa_proplist_gets)                                                                            \
     F(pa_proplist_free)                                                                            \
+    F(pa_stream_set_event_callback)                                                                \
     F(pa_stream_new_with_proplist)                                                                 \
     F(pa_stream_set_state_callback)                                                                \
     F(pa_stream_set_started_callback)                                                              \

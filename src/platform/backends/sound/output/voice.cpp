@@ -30,8 +30,10 @@ constexpr std::int64_t largeStep = 8160;
 
 } // namespace
 
-Voice::Voice(std::shared_ptr<VoiceControl> control, std::unique_ptr<Reader> reader)
-    : control_(std::move(control)), window_(std::move(reader), aheadMs + keptMs) {}
+Voice::Voice(std::shared_ptr<VoiceControl> control, std::unique_ptr<Reader> reader,
+             std::string name)
+    : control_(std::move(control)), window_(std::move(reader), aheadMs + keptMs),
+      name_(std::move(name)) {}
 
 std::int64_t Voice::framesOfMs(int ms) const { return std::int64_t{rate()} * ms / 1000; }
 

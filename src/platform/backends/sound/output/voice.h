@@ -9,15 +9,18 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace velmora::platform::sound {
 
 class Voice {
 public:
-    Voice(std::shared_ptr<VoiceControl> control, std::unique_ptr<Reader> reader);
+    // `name` (UTF-8) is what a mixer calls it.
+    Voice(std::shared_ptr<VoiceControl> control, std::unique_ptr<Reader> reader, std::string name);
 
     int rate() const { return window_.rate(); }
+    const std::string &name() const { return name_; }
     bool wantsToPlay() const { return control_->wish().playing; }
 
     // Goes on through another stream from where the present one is.
@@ -51,6 +54,7 @@ private:
 
     std::shared_ptr<VoiceControl> control_;
     SourceWindow window_;
+    std::string name_;
     std::unique_ptr<OutputStream> stream_;
     VoiceWish wish_;
     std::uint64_t doneTransport_ = 0;
