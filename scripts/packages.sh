@@ -14,7 +14,7 @@ packages_headless="xvfb openbox xdotool xclip x11-utils x11-xserver-utils imagem
  pulseaudio-utils xauth sqlite3 hsetroot"
 
 packages_test="git libgtest-dev libgmock-dev clang clang-format clang-tidy libclang-rt-14-dev picom wmctrl
- trayer xsettingsd dbus at-spi2-core locales sox libsox-fmt-all ffmpeg lame flac python3 procps zlib1g-dev openssl
+ trayer xsettingsd dbus at-spi2-core python3-gi gir1.2-atspi-2.0 locales sox libsox-fmt-all ffmpeg lame flac python3 procps zlib1g-dev openssl
  playerctl libglib2.0-bin python3-dbusmock strace dosfstools exfat-fuse exfatprogs bindfs desktop-file-utils appstream man-db"
 
 # Desktops that the walk of tests/desktops runs on: those of every run, and the others.

@@ -22,6 +22,10 @@ std::u16string zkProgress::textFor(double shown) const {
     return CaptionStyle_ == 2 || Caption_.empty() ? percent : Caption_ + u" " + percent;
 }
 
+std::optional<double> zkProgress::progress() const {
+    return width() > 0 ? shownLook_.bar.width / width() : 0.0;
+}
+
 // The text first, then the bar over it in the inverting pen; it takes the height from a wider
 // measure, so that it always reaches the bottom.
 void zkProgress::setValue(double value) {

@@ -48,6 +48,7 @@ public:
 
     forms::CustomLook look() const override { return shownLook_; }
     std::u16string accessibleName() const override { return shownLook_.caption; }
+    std::optional<double> progress() const override;
 
     // Repaints nothing by itself: the look is that of the last write of `value`.
     void Refresh() { refresh(); }

@@ -20,6 +20,8 @@ public:
             checkRequired(*thing);
         }
         checkInside(design_.form);
+        for (const Thing *thing : design_.all())
+            checkBonds(*thing);
     }
 
 private:
@@ -60,6 +62,21 @@ private:
             fault(thing.line, "'" + thing.name + "' has lines but is not multiline");
         if (thing.has("separator") && !thing.children.empty())
             fault(thing.line, "the separator '" + thing.name + "' has entries");
+    }
+
+    void checkBonds(const Thing &thing) {
+        for (const Setting &setting : thing.settings) {
+            if (setting.row->shape != Shape::Control || setting.word.empty())
+                continue;
+            const auto all = design_.all();
+            const bool isThere = std::ranges::any_of(all, [&](const Thing *other) {
+                return other != &thing && other->name == setting.word &&
+                       (other->kind->bit & kinds::boxed) != 0;
+            });
+            if (!isThere)
+                fault(setting.line, "'" + std::string(setting.row->word) + "': no other control '" +
+                                        setting.word + "' in this form");
+        }
     }
 
     // The numbers of a well-formed setting; null when it is missing or malformed.

@@ -111,6 +111,8 @@ private:
             return call + "(forms::Alignment::" + alignment(setting.word) + ")";
         case Shape::Pointer:
             return call + pointer(setting.word);
+        case Shape::Control:
+            return call + setting.word + ")";
         case Shape::Point:
         case Shape::Extent:
             break; // placed together by `place`

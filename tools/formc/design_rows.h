@@ -53,6 +53,7 @@ enum class Shape : std::uint8_t {
     Picture, // name of a drawing
     Align,   // left right centre
     Pointer, // hand hourglass
+    Control, // the name of another control of the form
 };
 
 // When a setting takes effect in the generated constructor: looks first, then the place, then what

@@ -131,6 +131,14 @@ std::string readChoice(const Values &values, std::initializer_list<std::string_v
     return "expects one of " + list;
 }
 
+// Whether there is one of that name is seen when all are read.
+std::string readControl(const Values &values, Setting &setting) {
+    if (values.size() != 1 || !isWord(values[0]))
+        return "expects the name of a control";
+    setting.word = values[0].word;
+    return {};
+}
+
 std::string readShape(const PropertyRow &row, const Values &values, const Skin &skin,
                       Setting &setting) {
     switch (row.shape) {
@@ -158,6 +166,8 @@ std::string readShape(const PropertyRow &row, const Values &values, const Skin &
         return readChoice(values, {"left", "right", "centre"}, setting);
     case Shape::Pointer:
         return readChoice(values, {"hand", "hourglass"}, setting);
+    case Shape::Control:
+        return readControl(values, setting);
     }
     return "unknown shape";
 }

@@ -82,6 +82,15 @@ void Control::refresh() {
         window->refresh(this);
 }
 
+std::u16string Control::accessibleName() const {
+    return bond_ == Bond::Named ? bondedTo_->accessibleName() : toolTip_;
+}
+
+void Control::setBond(Bond bond, const Control &other) noexcept {
+    bond_ = bond;
+    bondedTo_ = &other;
+}
+
 ControlEvents &Control::on() {
     if (!events_)
         events_ = std::make_unique<ControlEvents>();

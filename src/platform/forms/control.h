@@ -60,6 +60,11 @@ inline constexpr std::int16_t pointerDefault = 0;
 inline constexpr std::int16_t pointerHourglass = 11;
 inline constexpr std::int16_t pointerCustom = 99;
 
+// What a control is to another one of its form, for assistive technology: called as that one is
+// (a text box by its label), a slider whose value is that one's share of its width, the tab of that
+// page, or a part of that one and nothing of its own (what scrolls a list by the mouse).
+enum class Bond : std::uint8_t { None, Named, Slider, Tab, Part };
+
 // The mouse icons there are: none, or the one hand cursor of the program.
 enum class MouseIcon : std::uint8_t { None, Hand };
 
@@ -131,8 +136,13 @@ public:
     virtual bool takesFocus() const noexcept { return tabStop_; }
     void setTabStop(bool stops) noexcept { tabStop_ = stops; }
 
-    // The name for assistive technology: tool tip, else caption, else empty.
-    virtual std::u16string accessibleName() const { return toolTip_; }
+    // The name for assistive technology: that of the control it is called after, else tool tip,
+    // else caption, else empty.
+    virtual std::u16string accessibleName() const;
+    Bond bond() const noexcept { return bond_; }
+    // Null without a bond. Both live as long as the form.
+    const Control *bondedTo() const noexcept { return bondedTo_; }
+    void setBond(Bond bond, const Control &other) noexcept;
 
     // Handlers, made on first use.
     ControlEvents &on();
@@ -155,12 +165,14 @@ private:
     Container *container_;
     Form *form_;
     const char *name_;
+    const Control *bondedTo_ = nullptr;
     RectTwips place_;
     std::unique_ptr<ControlEvents> events_;
     std::u16string tag_;
     std::u16string toolTip_;
     std::int16_t mousePointer_ = pointerDefault;
     MouseIcon mouseIcon_ = MouseIcon::None;
+    Bond bond_ = Bond::None;
     bool visible_ = true;
     bool enabled_ = true;
     bool tabStop_ = false;

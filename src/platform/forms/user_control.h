@@ -7,6 +7,8 @@
 #include "platform/forms/controls.h"
 #include "platform/forms/surface.h"
 
+#include <optional>
+
 namespace velmora::forms {
 
 // What the view draws, from back to front. Places are twips in the control's own coordinates.
@@ -36,6 +38,9 @@ public:
     Kind kind() const noexcept override { return Kind::Custom; }
 
     virtual CustomLook look() const = 0;
+
+    // How far a bar has come, 0 to 1; nothing for what is pressed.
+    virtual std::optional<double> progress() const { return {}; }
 
     // The device pixels of one logical pixel where the control is shown; 1 before there is a
     // window.

@@ -302,6 +302,8 @@ INSTANTIATE_TEST_SUITE_P(
         ValueCase{"CheckBox", "value 3", "'value': expects a whole number from 0 to 2"},
         ValueCase{"OptionButton", "value 2", "'value': expects a whole number from 0 to 1"},
         ValueCase{"ListBox", "rows 0", "'rows': expects a whole number from 1"},
+        ValueCase{"TextBox", "named \"a\"", "'named': expects the name of a control"},
+        ValueCase{"TextBox", "named nobody", "'named': no other control 'nobody' in this form"},
         ValueCase{"zkButton", "speed 256", "'speed': expects a whole number from 0 to 255"}));
 
 TEST(DesignFaults, NumbersOfAPlace) {

@@ -5,6 +5,8 @@
 #include <QPaintEvent>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace velmora::platform::qt {
 
 Layer::Layer(Scene &scene, const forms::Control *root, Input input, QWidget *parent,
@@ -22,6 +24,11 @@ void Layer::paintEvent(QPaintEvent *event) {
 }
 
 void Layer::press(PointTwips at) { scene_.press(at); }
+
+bool Layer::holds(const forms::Control &control) const {
+    const auto all = scene_.childrenOf(*this);
+    return root_ == &control || std::find(all.begin(), all.end(), &control) != all.end();
+}
 
 // Tab goes round the controls in the order of the design, painted ones included.
 bool Layer::focusNextPrevChild(bool next) { return scene_.moveFocus(!next); }

@@ -24,6 +24,10 @@ public:
     Scene &scene() const noexcept { return scene_; }
     // As a click of the left button at a place in the form.
     void press(PointTwips at);
+    // Whether the control is still there, and this layer's.
+    bool holds(const forms::Control &control) const;
+    // Who keeps something of the painted controls lets it go when one ends.
+    std::function<void(const forms::Control &)> whenGone;
 
 protected:
     bool event(QEvent *event) override;

@@ -4,6 +4,7 @@
 #include "platform/backends/qt/screen/geometry.h"
 #include "platform/backends/qt/screen/key_state.h"
 #include "platform/backends/qt/screen/text_convert.h"
+#include "platform/forms/form.h"
 
 #include <QApplication>
 #include <QMouseEvent>
@@ -151,6 +152,29 @@ void ListView::mouseDoubleClickEvent(QMouseEvent *event) {
         return;
     const Loop::Handler handler(loop_);
     list_.userDoubleClicked(rowAt(event->position().y()));
+}
+
+// Where no click could reach the list, nothing comes of one.
+bool ListView::isOpen(int row) const {
+    return isVisible() && row < list_.listCount() && list_.isLive() &&
+           !list_.form().isCovered(list_);
+}
+
+void ListView::activate(int row) {
+    choose(row, false);
+    if (!isOpen(row))
+        return;
+    const Loop::Handler handler(loop_);
+    list_.userDoubleClicked(row);
+}
+
+void ListView::choose(int row, bool besideOthers) {
+    if (!isOpen(row))
+        return;
+    const Loop::Handler handler(loop_);
+    setFocus();
+    list_.ensureVisible(row);
+    list_.userClicked(row, besideOthers && list_.multiSelect() ? forms::ctrlMask : 0, false);
 }
 
 void ListView::wheelEvent(QWheelEvent *event) {

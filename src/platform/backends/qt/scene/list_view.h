@@ -23,6 +23,10 @@ public:
     int rowAt(double y) const;
     QRect rowRect(int row) const;
 
+    // What clicks on a row would do: a double one, and a single one, alone or beside the others.
+    void activate(int row);
+    void choose(int row, bool besideOthers);
+
 protected:
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
@@ -36,6 +40,7 @@ protected:
 
 private:
     double rowHeight() const;
+    bool isOpen(int row) const;
     void paintRow(QPainter &painter, int row, const QRectF &place, double density);
     void drag();
     bool isDragOver() const;

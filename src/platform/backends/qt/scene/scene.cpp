@@ -4,6 +4,7 @@
 #include "platform/backends/qt/screen/text_convert.h"
 
 #include <QAbstractScrollArea>
+#include <QScrollBar>
 
 #include <algorithm>
 
@@ -66,13 +67,13 @@ void Scene::addViews(const forms::Container &container) {
             own.filter = std::make_unique<EventFilter>([this, control](QWidget &on, QEvent &event) {
                 return callbacks_.childInput(*control, on, event);
             });
-            own.widget->setAccessibleName(toShown(control->accessibleName()));
             own.widget->installEventFilter(own.filter.get());
             own.widget->setMouseTracking(true);
             if (auto *area = qobject_cast<QAbstractScrollArea *>(own.widget.data())) {
                 area->viewport()->installEventFilter(own.filter.get());
                 area->viewport()->setMouseTracking(true);
             }
+            nameView(*control);
             place(*control);
             syncTree(*control);
             syncEnabled(*control);
@@ -83,6 +84,26 @@ void Scene::addViews(const forms::Container &container) {
             addViews(*inner);
         }
     }
+}
+
+// What assistive technology calls a toolkit widget, and what it scrolls by.
+void Scene::nameView(const forms::Control &control) {
+    QWidget *widget = widgetOf(control);
+    if (widget == nullptr)
+        return;
+    const QString name = toShown(control.accessibleName());
+    if (widget->accessibleName() == name)
+        return;
+    widget->setAccessibleName(name);
+    if (auto *area = qobject_cast<QAbstractScrollArea *>(widget))
+        area->verticalScrollBar()->setAccessibleName(name);
+}
+
+// The control may be called otherwise now, and what is called after it.
+void Scene::nameViewsAfter(const forms::Control &control) {
+    for (const auto &[named, own] : own_)
+        if (own.view != nullptr && (named == &control || named->bondedTo() == &control))
+            nameView(*named);
 }
 
 Scene::Own *Scene::ownOf(const forms::Control &control) {
@@ -222,9 +243,13 @@ void Scene::controlChanged(forms::Control &control, forms::Change what, const Re
         update(control, before);
         break;
     case forms::Change::ToolTip:
+        nameViewsAfter(control);
+        break;
     case forms::Change::Pointer:
         break;
     default:
+        if (what == forms::Change::Look)
+            nameViewsAfter(control);
         if (own != nullptr && own->view != nullptr)
             own->view->changed(what);
         else if (isPainted(control))
@@ -240,12 +265,23 @@ void Scene::controlGone(forms::Control &control) {
     forgetMarks();
     if (top_ != nullptr)
         top_->update();
+    tellLayers(control);
     const auto found = own_.find(&control);
     if (found == own_.end())
         return;
     const QPointer<QWidget> widget = found->second.widget;
     own_.erase(found); // a view takes its widget along
     delete widget.data();
+}
+
+void Scene::tellLayers(const forms::Control &gone) {
+    if (top_ != nullptr && top_->whenGone)
+        top_->whenGone(gone);
+    for (const auto &[control, own] : own_) {
+        auto *layer = own.layer ? static_cast<Layer *>(own.widget.data()) : nullptr;
+        if (layer != nullptr && layer->whenGone)
+            layer->whenGone(gone);
+    }
 }
 
 // Whether the very same has been said since the last paint; else it is remembered. A label whose

@@ -60,6 +60,8 @@ public:
     forms::Control *controlOf(const QWidget *widget) const;
     // What a layer paints and holds, flat, in the order of painting.
     std::vector<const forms::Control *> childrenOf(const Layer &layer) const;
+    // The layer that paints or holds the control.
+    Layer *layerHolding(const forms::Control &control) const;
     void press(PointTwips at);
     // The control's native window, made now if need be.
     QWidget *nativeBox(forms::PictureBox &box);
@@ -88,6 +90,9 @@ private:
 
     bool isMarked(const Mark &mark);
     void addViews(const forms::Container &container);
+    void nameView(const forms::Control &control);
+    void nameViewsAfter(const forms::Control &control);
+    void tellLayers(const forms::Control &gone);
     void place(const forms::Control &control);
     void syncTree(const forms::Control &control);
     void syncEnabled(const forms::Control &control);

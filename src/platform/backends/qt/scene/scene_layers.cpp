@@ -134,6 +134,10 @@ std::vector<const forms::Control *> Scene::childrenOf(const Layer &layer) const 
     return found;
 }
 
+Layer *Scene::layerHolding(const forms::Control &control) const {
+    return static_cast<Layer *>(layerWidget(layerAround(control)));
+}
+
 void Scene::press(PointTwips at) {
     const Loop::Handler handler(tools_.loop);
     form_.pointerPressed(at, forms::leftButton, 0);

@@ -3,12 +3,13 @@
 #include "platform/backends/qt/scene/layer.h"
 #include "platform/backends/qt/scene/list_view.h"
 #include "platform/backends/qt/scene/scene.h"
-#include "platform/backends/qt/screen/geometry.h"
 #include "platform/backends/qt/screen/text_convert.h"
-#include "platform/forms/controls.h"
+#include "platform/backends/qt/window/accessible_control.h"
+#include "platform/backends/qt/window/accessible_list.h"
 
-#include <QAccessibleActionInterface>
 #include <QAccessibleWidget>
+#include <QPointer>
+#include <QRadioButton>
 
 #include <algorithm>
 #include <map>
@@ -18,103 +19,36 @@ namespace velmora::platform::qt {
 
 namespace {
 
-bool hasClick(const forms::Control &control) {
-    return control.kind() == forms::Kind::Custom ||
-           (control.events() != nullptr && (control.events()->Click || control.events()->MouseUp));
-}
-
-QAccessible::Role roleOf(const forms::Control &control) {
-    switch (control.kind()) {
-    case forms::Kind::Label:
-        return hasClick(control) ? QAccessible::Link : QAccessible::StaticText;
-    case forms::Kind::Custom:
-        return QAccessible::Button;
-    case forms::Kind::Frame:
-        return QAccessible::Grouping;
-    case forms::Kind::PictureBox:
-        return QAccessible::Pane;
-    default:
-        return hasClick(control) ? QAccessible::Button : QAccessible::Graphic;
-    }
-}
-
-// A control that is painted by a layer. Lives in the toolkit's cache until its layer is gone.
-class PaintedControl : public QAccessibleInterface, public QAccessibleActionInterface {
-public:
-    PaintedControl(Layer &layer, const forms::Control &control)
-        : layer_(&layer), control_(&control) {}
-
-    void forget() { control_ = nullptr; }
-
-    bool isValid() const override { return control_ != nullptr && layer_; }
-    QObject *object() const override { return nullptr; }
-    QWindow *window() const override {
-        return isValid() ? layer_->window()->windowHandle() : nullptr;
-    }
-    QAccessibleInterface *parent() const override {
-        return isValid() ? QAccessible::queryAccessibleInterface(layer_) : nullptr;
-    }
-    QAccessibleInterface *child(int) const override { return nullptr; }
-    QAccessibleInterface *childAt(int, int) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface *) const override { return -1; }
-
-    QString text(QAccessible::Text kind) const override {
-        if (!isValid())
-            return {};
-        if (kind == QAccessible::Name)
-            return toShown(control_->accessibleName());
-        return kind == QAccessible::Description ? toShown(control_->toolTip()) : QString();
-    }
-    void setText(QAccessible::Text, const QString &) override {}
-
-    QRect rect() const override {
-        if (!isValid())
-            return {};
-        return nearest(toPixels(control_->placeInForm()))
-            .translated(layer_->window()->mapToGlobal(QPoint(0, 0)));
-    }
-    QAccessible::Role role() const override {
-        return isValid() ? roleOf(*control_) : QAccessible::NoRole;
-    }
-    QAccessible::State state() const override {
-        QAccessible::State state;
-        if (!isValid())
-            return state;
-        state.invisible = !control_->isShown() || !layer_->isVisible();
-        state.disabled = !control_->isLive();
-        state.focusable = control_->takesFocus();
-        state.focused = state.focusable && control_->form().activeControl() == control_;
-        return state;
-    }
-
-    void *interface_cast(QAccessible::InterfaceType type) override {
-        return type == QAccessible::ActionInterface && isValid() && hasClick(*control_)
-                   ? static_cast<QAccessibleActionInterface *>(this)
-                   : nullptr;
-    }
-    QStringList actionNames() const override { return {pressAction()}; }
-    // As a click in its middle.
-    void doAction(const QString &action) override {
-        if (!isValid() || action != pressAction())
-            return;
-        const RectTwips place = control_->placeInForm();
-        layer_->press({place.left + place.width / 2, place.top + place.height / 2});
-    }
-    QStringList keyBindingsForAction(const QString &) const override { return {}; }
-
-private:
-    QPointer<Layer> layer_;
-    const forms::Control *control_;
-};
-
+// The window, or a control that needed a widget of its own, with what it paints and holds.
 class LayerAccess : public QAccessibleWidget {
 public:
     explicit LayerAccess(Layer &layer)
-        : QAccessibleWidget(&layer, layer.isWindow() ? QAccessible::Window : QAccessible::Pane) {}
+        : QAccessibleWidget(&layer,
+                            layer.root() == nullptr ? QAccessible::Window : roleOf(*layer.root())),
+          layer_(&layer) {
+        layer.whenGone = [this](const forms::Control &control) { forget(control); };
+    }
     ~LayerAccess() override {
+        if (layer_)
+            layer_->whenGone = nullptr;
         for (const auto &[control, id] : made_)
             QAccessible::deleteAccessibleInterface(id);
+    }
+    LayerAccess(const LayerAccess &) = delete;
+    LayerAccess &operator=(const LayerAccess &) = delete;
+
+    QString text(QAccessible::Text kind) const override {
+        const forms::Control *root = layer().root();
+        return root != nullptr && kind == QAccessible::Name ? toShown(root->accessibleName())
+                                                            : QAccessibleWidget::text(kind);
+    }
+    QStringList actionNames() const override {
+        const forms::Control *root = layer().root();
+        return root != nullptr && isPressed(*root) ? QStringList{pressAction()} : QStringList();
+    }
+    void doAction(const QString &action) override {
+        if (actionNames().contains(action))
+            pressSoon(layer(), *layer().root());
     }
 
     int childCount() const override { return static_cast<int>(children().size()); }
@@ -141,106 +75,71 @@ public:
         return nullptr;
     }
 
-private:
-    Layer &layer() const { return *static_cast<Layer *>(object()); }
-    std::vector<const forms::Control *> children() const {
-        std::vector<const forms::Control *> all = layer().scene().childrenOf(layer());
-        std::erase_if(all, [this](const forms::Control *control) {
-            return layer().scene().widgetOf(*control) == nullptr &&
-                   control->accessibleName().empty();
-        });
-        return all;
-    }
-    QAccessibleInterface *interfaceOf(const forms::Control &control) const {
+    QAccessibleInterface *interfaceOf(const forms::Control &control, bool told = true) const {
         if (QWidget *widget = layer().scene().widgetOf(control))
             return QAccessible::queryAccessibleInterface(widget);
         const auto found = made_.find(&control);
         if (found != made_.end())
             return QAccessible::accessibleInterface(found->second);
-        auto *made = new PaintedControl(layer(), control);
+        auto *made = new PaintedControl(layer(), control, told);
         made_[&control] = QAccessible::registerAccessibleInterface(made);
         return made;
     }
 
+private:
+    Layer &layer() const { return *static_cast<Layer *>(object()); }
+    // A picture without a name that nobody can press is decoration.
+    std::vector<const forms::Control *> children() const {
+        std::vector<const forms::Control *> all = layer().scene().childrenOf(layer());
+        std::erase_if(all, [this](const forms::Control *control) {
+            return layer().scene().widgetOf(*control) == nullptr &&
+                   (control->bond() == forms::Bond::Part ||
+                    (control->accessibleName().empty() && !isPressed(*control)));
+        });
+        return all;
+    }
+    void forget(const forms::Control &control) {
+        const auto found = made_.find(&control);
+        if (found == made_.end())
+            return;
+        QAccessible::deleteAccessibleInterface(found->second);
+        made_.erase(found);
+    }
+
+    QPointer<Layer> layer_;
     mutable std::map<const forms::Control *, QAccessible::Id> made_;
 };
 
-// A row of a list; made anew when asked for, since rows come and go.
-class RowAccess : public QAccessibleInterface {
+// One of several options. The toolkit would take it for a check box, since the program's model and
+// not the toolkit sees to it that one alone is chosen.
+class OptionAccess : public QAccessibleWidget {
 public:
-    RowAccess(ListView &view, int row) : view_(&view), row_(row) {}
+    explicit OptionAccess(QRadioButton &option)
+        : QAccessibleWidget(&option, QAccessible::RadioButton) {}
 
-    bool isValid() const override { return view_ && row_ < view_->list().listCount(); }
-    QObject *object() const override { return nullptr; }
-    QAccessibleInterface *parent() const override {
-        return view_ ? QAccessible::queryAccessibleInterface(view_) : nullptr;
-    }
-    QAccessibleInterface *child(int) const override { return nullptr; }
-    QAccessibleInterface *childAt(int, int) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface *) const override { return -1; }
-    QString text(QAccessible::Text kind) const override {
-        return isValid() && kind == QAccessible::Name ? toShown(view_->list().list(row_))
-                                                      : QString();
-    }
-    void setText(QAccessible::Text, const QString &) override {}
-    QRect rect() const override {
-        return isValid() ? view_->rowRect(row_).translated(view_->mapToGlobal(QPoint(0, 0)))
-                         : QRect();
-    }
-    QAccessible::Role role() const override { return QAccessible::ListItem; }
     QAccessible::State state() const override {
-        QAccessible::State state;
-        if (!isValid())
-            return state;
-        state.selectable = true;
-        state.selected = view_->list().selected(row_);
-        state.focusable = true;
-        state.focused = view_->hasFocus() && view_->list().listIndex() == row_;
-        state.offscreen = !view_->rect().intersects(view_->rowRect(row_));
+        QAccessible::State state = QAccessibleWidget::state();
+        state.checkable = true;
+        state.checked = option().isChecked();
         return state;
     }
-
-private:
-    QPointer<ListView> view_;
-    int row_;
-};
-
-class ListAccess : public QAccessibleWidget {
-public:
-    explicit ListAccess(ListView &view) : QAccessibleWidget(&view, QAccessible::List) {}
-    ~ListAccess() override {
-        for (const QAccessible::Id id : rows_)
-            QAccessible::deleteAccessibleInterface(id);
+    QStringList actionNames() const override {
+        return option().isEnabled() ? QStringList{pressAction(), setFocusAction()} : QStringList();
     }
-
-    int childCount() const override { return list().listCount(); }
-    QAccessibleInterface *child(int row) const override {
-        if (row < 0 || row >= list().listCount())
-            return nullptr;
-        while (static_cast<int>(rows_.size()) <= row)
-            rows_.push_back(QAccessible::registerAccessibleInterface(
-                new RowAccess(view(), static_cast<int>(rows_.size()))));
-        return QAccessible::accessibleInterface(rows_[static_cast<std::size_t>(row)]);
-    }
-    int indexOfChild(const QAccessibleInterface *wanted) const override {
-        for (std::size_t i = 0; i < rows_.size(); ++i)
-            if (QAccessible::accessibleInterface(rows_[i]) == wanted)
-                return static_cast<int>(i);
-        return -1;
-    }
-    QAccessibleInterface *childAt(int x, int y) const override {
-        const QPoint at = view().mapFromGlobal(QPoint(x, y));
-        return view().rect().contains(at) ? child(view().rowAt(at.y())) : nullptr;
+    void doAction(const QString &action) override {
+        if (action == pressAction() && option().isEnabled())
+            QMetaObject::invokeMethod(&option(), &QRadioButton::click, Qt::QueuedConnection);
+        else
+            QAccessibleWidget::doAction(action);
     }
 
 private:
-    ListView &view() const { return *static_cast<ListView *>(object()); }
-    forms::ListBox &list() const { return view().list(); }
-    mutable std::vector<QAccessible::Id> rows_;
+    QRadioButton &option() const { return *static_cast<QRadioButton *>(object()); }
 };
 
 QAccessibleInterface *make(const QString & /*className*/, QObject *object) {
+    if (auto *option = qobject_cast<QRadioButton *>(object))
+        return new OptionAccess(*option);
     if (auto *layer = dynamic_cast<Layer *>(object))
         return new LayerAccess(*layer);
     if (auto *view = dynamic_cast<ListView *>(object))
@@ -248,8 +147,92 @@ QAccessibleInterface *make(const QString & /*className*/, QObject *object) {
     return nullptr;
 }
 
+// Null for what is not told of.
+QAccessibleInterface *interfaceOf(Scene &scene, const forms::Control &control) {
+    const bool silent = control.kind() == forms::Kind::Timer ||
+                        control.kind() == forms::Kind::Menu ||
+                        control.kind() == forms::Kind::Shape ||
+                        control.kind() == forms::Kind::Line || control.bond() == forms::Bond::Part;
+    if (silent)
+        return nullptr;
+    auto *layer = dynamic_cast<LayerAccess *>(
+        QAccessible::queryAccessibleInterface(scene.layerHolding(control)));
+    return layer != nullptr ? layer->interfaceOf(control, false) : nullptr;
+}
+
+void send(QAccessibleInterface *about, QAccessible::Event what) {
+    QAccessibleEvent event(about, what);
+    QAccessible::updateAccessibility(&event);
+}
+
+void announceList(QAccessibleInterface *about, forms::Change what) {
+    auto *list = dynamic_cast<ListAccess *>(about);
+    if (list == nullptr)
+        return;
+    if (what == forms::Change::Selection)
+        list->tellSelection();
+    else if (what == forms::Change::Rows)
+        list->tellRows();
+}
+
+void announcePainted(const forms::Control &control, QAccessibleInterface *about,
+                     forms::Change what) {
+    if (what == forms::Change::Visible && control.container().asControl() != nullptr &&
+        !control.container().asControl()->isShown())
+        return;
+    if (what == forms::Change::Visible)
+        send(about, control.visible() ? QAccessible::ObjectShow : QAccessible::ObjectHide);
+    if (what == forms::Change::Enabled) {
+        QAccessible::State changed;
+        changed.disabled = true;
+        QAccessibleStateChangeEvent event(about, changed);
+        QAccessible::updateAccessibility(&event);
+    }
+    auto *painted = dynamic_cast<PaintedControl *>(about);
+    if (painted == nullptr || (what != forms::Change::Look && what != forms::Change::ToolTip))
+        return;
+    painted->tellName();
+    painted->tellValue();
+}
+
+// The sliders and tabs of what changed.
+void announceBonds(Scene &scene, const forms::Control &control, forms::Change what) {
+    if (what != forms::Change::Place && what != forms::Change::Visible)
+        return;
+    for (const forms::Control *other : control.container().controls()) {
+        if (other->bondedTo() != &control)
+            continue;
+        QAccessibleInterface *about = interfaceOf(scene, *other);
+        if (other->bond() == forms::Bond::Tab && what == forms::Change::Visible)
+            send(about, QAccessible::Selection);
+        else if (auto *painted = dynamic_cast<PaintedControl *>(about))
+            painted->tellValue();
+    }
+}
+
 } // namespace
 
 void installAccessibility() { QAccessible::installFactory(make); }
+
+void announce(Scene &scene, const forms::Control &control, forms::Change what) {
+    if (!QAccessible::isActive())
+        return;
+    announceBonds(scene, control, what);
+    QAccessibleInterface *about = interfaceOf(scene, control);
+    if (about == nullptr)
+        return;
+    if (control.kind() == forms::Kind::ListBox)
+        announceList(about, what);
+    else if (scene.widgetOf(control) == nullptr)
+        announcePainted(control, about, what);
+}
+
+void announceFocus(Scene &scene, const forms::Form &form) {
+    if (!QAccessible::isActive() || form.activeControl() == nullptr)
+        return;
+    if (QAccessibleInterface *about = interfaceOf(scene, *form.activeControl()))
+        if (scene.widgetOf(*form.activeControl()) == nullptr)
+            send(about, QAccessible::Focus);
+}
 
 } // namespace velmora::platform::qt

@@ -4,6 +4,7 @@
 #include "platform/backends/qt/screen/geometry.h"
 #include "platform/backends/qt/screen/screens.h"
 #include "platform/backends/qt/screen/text_convert.h"
+#include "platform/backends/qt/window/accessible.h"
 #include "platform/backends/qt/window/top_widget.h"
 
 #include <QGuiApplication>
@@ -78,11 +79,10 @@ void QtFormWindow::controlChanged(forms::Control &control, forms::Change what,
         input_.pointerLookChanged();
         return;
     }
-    if (what == forms::Change::ToolTip) {
+    if (what == forms::Change::ToolTip)
         input_.tipChanged(control);
-        return;
-    }
     scene_.controlChanged(control, what, before);
+    announce(scene_, control, what);
 }
 
 void QtFormWindow::controlGone(forms::Control &control) { scene_.controlGone(control); }
@@ -192,6 +192,7 @@ void QtFormWindow::focus(forms::Control *control) {
         top_->setFocus();
     }
     scene_.followFocus();
+    announceFocus(scene_, form_);
 }
 
 std::uintptr_t QtFormWindow::pictureWindow(forms::PictureBox &box) {

@@ -1,0 +1,122 @@
+"""Reads a program's windows, presses what is in them and hears what changes, as a screen reader does.
+
+    /usr/bin/python3 accessible_reader.py PROCESS      on the session's bus
+
+One JSON line in, one out: {"do": "tree"}, {"do": "act", "path": [...], "action": "Press"},
+{"do": "set", "path": [...], "value": 50}, {"do": "events"} (those since the last time).
+"""
+
+import json
+import sys
+import warnings
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402
+
+warnings.simplefilter("ignore", DeprecationWarning)  # the binding complains of its own names
+MOST_ROWS = 30  # of a list of thousands the first do
+# The program's toolkit tells of values only to those who ask for them by name.
+EVENTS = ("object:state-changed", "object:property-change", "object:selection-changed",
+          "object:property-change:accessible-value")
+seen = []
+
+
+def program(process):
+    desktop = Atspi.get_desktop(0)
+    desktop.clear_cache()
+    for number in range(desktop.get_child_count()):
+        found = desktop.get_child_at_index(number)
+        if found is not None and found.get_process_id() == process:
+            found.clear_cache()
+            return found
+    return None
+
+
+def actions(node):
+    interface = node.get_action_iface()
+    if interface is None:
+        return []
+    return [Atspi.Action.get_action_name(interface, number)
+            for number in range(Atspi.Action.get_n_actions(interface))]
+
+
+def describe(node):
+    node.clear_cache()
+    states = node.get_state_set()
+    place = node.get_component_iface()
+    extents = Atspi.Component.get_extents(place, Atspi.CoordType.SCREEN) if place else None
+    value = node.get_value_iface()
+    text = node.get_text_iface()
+    count = node.get_child_count()
+    return {
+        "name": node.get_name(), "role": node.get_role_name(), "actions": actions(node),
+        "states": [state.value_nick for state in states.get_states()],
+        "place": [extents.x, extents.y, extents.width, extents.height] if extents else None,
+        "value": Atspi.Value.get_current_value(value) if value else None,
+        "text": Atspi.Text.get_text(text, 0, -1) if text else None,
+        "children": [describe(child) for child in
+                     (node.get_child_at_index(number) for number in range(min(count, MOST_ROWS)))
+                     if child is not None],
+    }
+
+
+def at(process, path):
+    node = program(process)
+    for number in path:
+        node = node.get_child_at_index(number)
+        node.clear_cache()
+    return node
+
+
+def answer(process, wish):
+    if wish["do"] == "tree":
+        found = program(process)
+        return describe(found)["children"] if found else []
+    if wish["do"] == "events":
+        told = list(seen)
+        seen.clear()
+        return told
+    node = at(process, wish["path"])
+    if wish["do"] == "act":
+        names = actions(node)
+        return wish["action"] in names and Atspi.Action.do_action(
+            node.get_action_iface(), names.index(wish["action"]))
+    return Atspi.Value.set_current_value(node.get_value_iface(), wish["value"])
+
+
+def heard(event, *_):
+    try:
+        source = event.source
+        seen.append({"type": event.type, "name": source.get_name(), "role": source.get_role_name(),
+                     "on": event.detail1})
+    except GLib.Error:
+        pass  # what it was about has gone
+
+
+def main():
+    process = int(sys.argv[1])
+    Atspi.init()
+    listener = Atspi.EventListener.new(heard)
+    for kind in EVENTS:
+        listener.register(kind)
+    loop = GLib.MainLoop()
+
+    def asked(*_):
+        line = sys.stdin.readline()
+        if not line:
+            loop.quit()
+            return False
+        try:
+            told = answer(process, json.loads(line))
+        except (GLib.Error, AttributeError, TypeError) as error:  # it went while it was being looked at
+            told = {"error": str(error)}
+        print(json.dumps(told), flush=True)
+        return True
+    GLib.io_add_watch(0, GLib.PRIORITY_LOW, GLib.IOCondition.IN | GLib.IOCondition.HUP, asked)
+    print("ready", flush=True)
+    loop.run()
+
+
+main()
