@@ -152,11 +152,12 @@ TEST_F(Find, NoHitDeselectsAllWithoutAMessage) {
 }
 
 TEST_F(Find, AnEmptyTextLeavesTheSelection) {
-    addRowOnly(u"/m/a.mp3");
-    names.setSelected(0, true);
+    for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"})
+        addRowOnly(path);
+    names.setSelected(1, true);
     list.Search_Click();
     enter(u"");
-    EXPECT_EQ(names.selCount(), 1);
+    EXPECT_EQ(selectedNames(), Texts{u"b"});
 }
 
 TEST_F(Copy, AnEmptyListDoesNothingAndNoSelectionIsReported) {
