@@ -125,6 +125,21 @@ TEST_F(AListFileNotReadInThisRun, NeverTakesThePlaceOfOneKeptBefore) {
     EXPECT_EQ(files.contents(listFile), "/m/a.mp3\r\n");
 }
 
+TEST_F(AListFileNotReadInThisRun, IsKeptBesideOneThatDiffersInASingleByteWhereverThatIs) {
+    for (const std::size_t place : {std::size_t{0}, others.size() / 2, others.size() - 1}) {
+        std::string almost = others;
+        almost[place] = '#';
+        files.addFile(oldFile, almost);
+        files.addFile(listFile, others);
+        Velmora other(fake.bundle());
+        other.setControl().Path_List = u"/lists";
+        other.saveOrOpenFile().savePlayList();
+        EXPECT_EQ(files.contents(oldFile), almost) << place;
+        EXPECT_EQ(files.contents(oldFile + u".1"), others) << place;
+        files.remove(oldFile + u".1");
+    }
+}
+
 TEST_F(AListFileNotReadInThisRun, LeavesTheLastPlaceToWhatIsKeptThereWhileAnotherIsFree) {
     for (const auto *kept : {u"", u".1", u".3", u".9"})
         files.addFile(oldFile + kept, "/m/earlier.mp3\r\n");
