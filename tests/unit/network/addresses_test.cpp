@@ -21,6 +21,7 @@ TEST(ProgramAddress, IsTheMakersOwnServer) {
     EXPECT_FALSE(mayFetchProgram(house, u"http://user@box:8420/program"));
     EXPECT_FALSE(mayFetchProgram(house, u"http://bad\\@box:8420/program"));
     EXPECT_FALSE(mayFetchProgram(house, u"http://[::1/program"));
+    EXPECT_FALSE(mayFetchProgram(u"http://[::1]", u"http://[::1/program"));
     EXPECT_FALSE(mayFetchProgram(house, u"file:///program"));
     EXPECT_FALSE(mayFetchProgram(house, u"http://"));
     EXPECT_FALSE(mayFetchProgram(u"", u"http://box:8420/program"));

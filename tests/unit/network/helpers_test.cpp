@@ -231,7 +231,7 @@ TEST_F(Folders, countFromTheDriveWhereThereIsOne) {
     std::u16string path = u"C:/a//b\\c.mp3";
     EXPECT_TRUE(makeDirectoryChain(files, path));
     EXPECT_EQ(path, u"C:\\a\\b\\c.mp3");
-    EXPECT_TRUE(files.hasFolder(u"C:\\a\\b"));
+    EXPECT_EQ(files.changes(), (Lines{u"make C:\\a", u"make C:\\a\\b"}));
 }
 
 TEST_F(Folders, thatCannotBeMadeAreStillASuccess) {

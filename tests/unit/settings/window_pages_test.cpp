@@ -342,6 +342,13 @@ TEST_F(SettingsPages, KeepWhatWasTypedAfterCancelButNotWhatIsReadAnew) {
 
 // --- keys and other windows ------------------------------------------------------------------
 
+TEST_F(SettingsPages, AreConfirmedByCtrlSWithTheFocusNowhere) {
+    open();
+    form.setFocus(nullptr);
+    EXPECT_FALSE(form.keyPressed(83, forms::ctrlMask));
+    expectClosed();
+}
+
 TEST_F(SettingsPages, AreConfirmedByCtrlSWhereverTheFocusIs) {
     const auto focusables = [&] {
         std::vector<forms::Control *> found;

@@ -174,6 +174,20 @@ TEST_F(HeldPair, LeftAtAnEdgeIsTogetherAgainAfterTheNextDrag) {
     }
 }
 
+TEST_F(HeldPair, SoIsAWindowAloneTakenFromWhereItWasHeld) {
+    playInfo_Form &alone = app.playInfo_Form();
+    alone.show();
+    for (const PointPixels out : outwards) {
+        SCOPED_TRACE(std::to_string(out.x) + "," + std::to_string(out.y));
+        alone.move({500 * 15, 300 * 15, alone.width(), alone.height()});
+        haul(alone, out, {0, 0});
+        const RectPixels held = seen(alone);
+        haul(alone, {out.x < 0 ? 100 : -100, out.y < 0 ? 100 : -100}, {0, 0});
+        EXPECT_EQ(seen(alone).left - held.left, out.x < 0 ? 100 : -100);
+        EXPECT_EQ(seen(alone).top - held.top, out.y < 0 ? 100 : -100);
+    }
+}
+
 TEST_F(HeldPair, TheOtherGoesBesideOneThatIsHeldAndHasRoomThere) {
     haul(main(), {-600, 0}, {0, 0});
     EXPECT_EQ(seen(main()).left, 0);

@@ -114,6 +114,15 @@ TEST_F(ButtonTest, WritingTheForeColourShowsAtOnceAndTheOthersWithTheirTick) {
     EXPECT_EQ(button.look().captionColor, 2U);
 }
 
+TEST_F(ButtonTest, AnotherForeColourIsToldAndTheSameIsNot) {
+    auto &window = shown();
+    for (int time = 0; time < 2; ++time) {
+        window.told.clear();
+        button.setForeColor(0x00ABCDEF);
+        EXPECT_EQ(window.told.size(), time == 0 ? 1U : 0U);
+    }
+}
+
 TEST_F(ButtonTest, TheCaptionStandsInTheMiddleOverTheWholeWidth) {
     button.setCaption(u"Go");
     const forms::CustomLook look = button.look();
