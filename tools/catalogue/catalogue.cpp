@@ -3,7 +3,9 @@
 #include "base/ascii.h"
 #include "base/text.h"
 #include "base/utf8.h"
+#include "catalogue/browser_pages.h"
 #include "catalogue/library_reader.h"
+#include "catalogue/looks.h"
 #include "catalogue/lyric_file.h"
 #include "catalogue/pages.h"
 #include "catalogue/texts.h"
@@ -34,21 +36,30 @@ Answer page(const std::u16string &text) {
                                          "frame-ancestors 'none'"}}};
 }
 
-Answer file(std::optional<OpenFile> open, std::string_view type) {
-    return open ? Answer{200, std::string(type), "", std::move(open), {}} : notFound();
+// Loads what lies beside it and nothing else.
+Answer browserAnswer(const std::u16string &text, Language language) {
+    return {200,
+            "text/html; charset=utf-8",
+            toUtf8(text),
+            std::nullopt,
+            {{"Content-Security-Policy",
+              "default-src 'none'; style-src 'self'; script-src 'self'; media-src 'self'; "
+              "form-action 'self'; base-uri 'none'; frame-ancestors 'none'"},
+             {"Content-Language", toUtf8(codeOf(language))},
+             {"Vary", "Accept-Language"},
+             {"Referrer-Policy", "no-referrer"}}};
 }
 
-// As an address has it: letters, digits and what else of ASCII means nothing there.
-std::string escaped(std::string_view bytes) {
-    constexpr std::string_view plain =
-        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~";
-    std::string result;
-    for (const char byte : bytes)
-        if (plain.find(byte) == std::string_view::npos)
-            addEscaped(result, byte);
-        else
-            result += byte;
-    return result;
+Answer loaded(std::string_view type, std::string_view bytes) {
+    return {200,
+            std::string(type),
+            std::string(bytes),
+            std::nullopt,
+            {{"Cache-Control", "max-age=3600"}}};
+}
+
+Answer file(std::optional<OpenFile> open, std::string_view type) {
+    return open ? Answer{200, std::string(type), "", std::move(open), {}} : notFound();
 }
 
 // What a browser saves a file as. The player takes a header of 1024 bytes, so a long name is cut.
@@ -186,20 +197,24 @@ bool Catalogue::accepts(std::string_view host) const {
     return onlyThisMachine_ ? isThisMachine(name) : isOfAHousehold(name);
 }
 
-Answer Catalogue::answer(std::string_view target, std::string_view host) const {
+Answer Catalogue::answer(std::string_view target, std::string_view host,
+                         std::string_view acceptLanguage) const {
     if (!accepts(host))
         return plainAnswer(403, "Ask for this machine by its own name.\r\n");
     const std::size_t mark = std::min(target.find('?'), target.size());
     const std::string_view query = target.substr(std::min(mark + 1, target.size()));
-    return route(lowerAscii(unescaped(target.substr(0, mark))), query, baseFor(host));
+    return route(lowerAscii(unescaped(target.substr(0, mark))), query, baseFor(host),
+                 languageFor(acceptLanguage));
 }
 
-Answer Catalogue::route(const std::string &path, std::string_view query,
-                        std::u16string_view base) const {
+Answer Catalogue::route(const std::string &path, std::string_view query, std::u16string_view base,
+                        Language language) const {
     const std::shared_ptr<const Library> held = this->library(); // while this is answered
     const Library &library = *held;
-    if (path == "/")
-        return page(homePage(base, library));
+    if (path == "/look.css")
+        return loaded("text/css; charset=utf-8", styleSheet());
+    if (path == "/follow.js")
+        return loaded("text/javascript; charset=utf-8", script());
     if (path == "/m") {
         const std::u16string words = searchWords(query, "word", "&lm=");
         return page(lyricPage(base, words, library.searchLyrics(words, mostLyricLinks).items));
@@ -220,6 +235,8 @@ Answer Catalogue::route(const std::string &path, std::string_view query,
         return text(welcomeFile(base, library, readSettings(folder_)));
     if (path == "/source/softwaredate/zkplayerupdate.php")
         return text(updateFile(base, updateSettings(), offer()));
+    if (const auto found = browserPage({library, folder_, language}, path, query))
+        return browserAnswer(*found, language);
     return notFound();
 }
 

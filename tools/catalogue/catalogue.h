@@ -5,6 +5,7 @@
 #include "catalogue/folder.h"
 #include "catalogue/library.h"
 #include "catalogue/maker_files.h"
+#include "catalogue/words.h"
 
 #include <cstdint>
 #include <memory>
@@ -48,7 +49,8 @@ public:
 
     // `target` is the path and query of a request as it came, `host` its Host field. Paths are told
     // apart without regard to case, since the player knows them in upper or lower case alone.
-    Answer answer(std::string_view target, std::string_view host) const;
+    Answer answer(std::string_view target, std::string_view host,
+                  std::string_view acceptLanguage = "") const;
 
     // Only names of this machine may stand in the Host field. Otherwise names that no page of the
     // web can have do: numbers, names without a dot or of the kind "nas.local", and those accepted
@@ -61,7 +63,8 @@ public:
 
 private:
     std::u16string baseFor(std::string_view host) const;
-    Answer route(const std::string &path, std::string_view query, std::u16string_view base) const;
+    Answer route(const std::string &path, std::string_view query, std::u16string_view base,
+                 Language language) const;
     Answer lyric(const Library &library, std::string_view id) const;
     Answer song(const Library &library, std::string_view name) const;
     Answer program() const;

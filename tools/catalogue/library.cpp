@@ -8,6 +8,7 @@
 #include <cstring>
 #include <iterator>
 #include <tuple>
+#include <unordered_set>
 
 namespace velmora::catalogue {
 
@@ -176,6 +177,24 @@ Library::Library(Items items, const Library *before) : items_(std::move(items)) 
             for (std::size_t i = 0; i < songs_.items.size(); ++i)
                 songs.emplace(pathStemOf(songs_.items[i]->file.path), songs_.text(i));
     }
+    findAlbums();
+}
+
+void Library::findAlbums() {
+    std::unordered_set<std::string> seen;
+    std::vector<std::pair<std::u16string, const Item *>> found;
+    for (const Item *song : songs_.items) {
+        if (song->tags.album.empty())
+            continue;
+        const std::string_view path = song->file.path;
+        const std::string folder(path.substr(0, path.size() - nameOf(path).size()));
+        if (seen.insert(folder + '\0' + toUtf8(song->tags.album)).second)
+            found.emplace_back(upper(song->tags.album), song);
+    }
+    std::stable_sort(found.begin(), found.end(),
+                     [](const auto &a, const auto &b) { return a.first < b.first; });
+    for (const auto &[name, song] : found)
+        albums_.push_back(song);
 }
 
 std::string_view Library::textBefore(const Item *item) const {

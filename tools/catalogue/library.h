@@ -52,6 +52,9 @@ public:
     const std::vector<const Item *> &songs() const noexcept { return songs_.items; }
     const std::vector<const Item *> &lyrics() const noexcept { return lyrics_.items; }
     const Items &items() const noexcept { return items_; }
+    // One song of each album, sorted by the album's name. An album is what songs of one folder name
+    // as such.
+    const std::vector<const Item *> &albums() const noexcept { return albums_; }
     // Null when there is none.
     const Item *find(std::string_view id) const;
 
@@ -71,12 +74,14 @@ private:
         Found search(std::u16string_view words, std::size_t most) const;
     };
 
+    void findAlbums();
     std::string_view textBefore(const Item *item) const;
 
     Items items_;
     std::unordered_map<std::string_view, std::uint32_t> places_; // by id, among all of its kind
     Shelf songs_;
     Shelf lyrics_;
+    std::vector<const Item *> albums_;
 };
 
 } // namespace velmora::catalogue

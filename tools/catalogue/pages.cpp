@@ -104,21 +104,4 @@ std::u16string songPage(std::u16string_view base, std::u16string_view words,
     return page + u"</table>\r\n" + homeLink(base) + std::u16string(pageEnd);
 }
 
-std::u16string homePage(std::u16string_view base, const Library &library) {
-    std::u16string page = pageBegin(u"Velmora 家庭音乐目录");
-    page += u"<p>曲目 " + number(library.songs().size()) + u"，歌词 " +
-            number(library.lyrics().size()) + u"。</p>\r\n";
-    page +=
-        u"<form action=\"/fcgi-bin/m.q\"><input name=\"w\"> <button>搜索曲目</button></form>\r\n"
-        u"<form action=\"/m\"><input name=\"word\"> <button>搜索歌词</button></form>\r\n"
-        u"<table>\r\n";
-    const std::size_t shown = std::min(library.songs().size(), mostSongs);
-    for (std::size_t i = 0; i < shown; ++i) {
-        const Item &song = *library.songs()[i];
-        page += u"<tr><td>" + link(songAddress(base, song), nameOf(song)) + u"</td><td>" +
-                htmlText(song.tags.album) + u"</td></tr>\r\n";
-    }
-    return page + u"</table>\r\n" + std::u16string(pageEnd);
-}
-
 } // namespace velmora::catalogue

@@ -30,7 +30,4 @@ std::u16string songCell(std::u16string_view base, const Item &song);
 std::u16string songPage(std::u16string_view base, std::u16string_view words,
                         const std::vector<const Item *> &songs);
 
-// For people.
-std::u16string homePage(std::u16string_view base, const Library &library);
-
 } // namespace velmora::catalogue

@@ -113,7 +113,8 @@ Answer answerTo(Catalogue &catalogue, MHD_Connection *connection, const Asked &a
     if (method != MHD_HTTP_METHOD_GET && method != MHD_HTTP_METHOD_HEAD)
         return plainAnswer(MHD_HTTP_METHOD_NOT_ALLOWED, "Only reading is possible.\r\n");
     try {
-        return catalogue.answer(asked.target, fieldOf(connection, MHD_HTTP_HEADER_HOST));
+        return catalogue.answer(asked.target, fieldOf(connection, MHD_HTTP_HEADER_HOST),
+                                fieldOf(connection, MHD_HTTP_HEADER_ACCEPT_LANGUAGE));
     } catch (const std::exception &) {
         return plainAnswer(MHD_HTTP_INTERNAL_SERVER_ERROR, "That went wrong.\r\n");
     }

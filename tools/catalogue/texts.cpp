@@ -1,5 +1,6 @@
 #include "catalogue/texts.h"
 
+#include "base/ascii.h"
 #include "base/text.h"
 #include "base/utf8.h"
 #include "text/ansi_conversion.h"
@@ -77,6 +78,18 @@ std::u16string htmlText(std::u16string_view text) {
         else
             result += unit < u' ' ? u' ' : unit;
     }
+    return result;
+}
+
+std::string escaped(std::string_view bytes) {
+    constexpr std::string_view plain =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~";
+    std::string result;
+    for (const char byte : bytes)
+        if (plain.find(byte) == std::string_view::npos)
+            addEscaped(result, byte);
+        else
+            result += byte;
     return result;
 }
 

@@ -17,6 +17,9 @@ std::string pageBytes(std::u16string_view text);
 // Between quotes and tags of a page. The word by which readers find links is taken apart.
 std::u16string htmlText(std::u16string_view text);
 
+// As an address has it: letters, digits and what else of ASCII means nothing there; all else "%XX".
+std::string escaped(std::string_view bytes);
+
 // Blanks for control characters, one blank for several, none at the ends.
 std::u16string oneLine(std::u16string_view text);
 

@@ -207,7 +207,8 @@ TEST_F(CatalogueTest, ServesTheProgramOnOffer) {
 }
 
 TEST_F(CatalogueTest, PagesSayTheirCharset) {
-    EXPECT_EQ(ask("/").type, "text/html; charset=gb18030");
+    EXPECT_EQ(ask("/m").type, "text/html; charset=gb18030") << "as the player reads it";
+    EXPECT_EQ(ask("/").type, "text/html; charset=utf-8");
     EXPECT_EQ(ask("/source/mini/zkPlayerWelcome.php").type, "text/plain; charset=utf-8");
 }
 
