@@ -86,6 +86,7 @@ Files addressesOf(const std::vector<std::string> &words) {
 int appendAddresses(const BusLibrary &library, sd_bus_message *message,
                     const std::vector<std::string> &addresses) {
     std::vector<char *> list;
+    list.reserve(addresses.size() + 1);
     for (const std::string &address : addresses)
         list.push_back(const_cast<char *>(address.c_str()));
     list.push_back(nullptr);

@@ -118,9 +118,7 @@ void DesignView::control(const Thing &thing, QRectF place) {
         box(thing, place);
     else if (isKind(thing, "Frame"))
         frame(thing, place);
-    else if (isKind(thing, "ListBox"))
-        list(thing, place);
-    else if (isKind(thing, "TextBox"))
+    else if (isKind(thing, "ListBox") || isKind(thing, "TextBox"))
         list(thing, place);
     else if (isKind(thing, "CheckBox"))
         toggle(thing, place, false);

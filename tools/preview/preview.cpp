@@ -153,7 +153,8 @@ QImage sheetImage(double scale) {
     qt::TextPainter texts(fonts);
     const forms::Font font(u"Arial", 6);
     for (int i = 1; i < forms::pictureCount; ++i) {
-        const QPointF corner((i - 1) % columns * cell, (i - 1) / columns * cell);
+        const int row = (i - 1) / columns;
+        const QPointF corner((i - 1) % columns * cell, row * cell);
         const auto picture = static_cast<forms::Picture>(i);
         const QSizeF size = qt::pictureSize(picture).boundedTo({cell - 8, cell - 20});
         qt::paintPicture(painter, picture, QRectF(corner + QPointF(4, 4), size));

@@ -35,7 +35,7 @@ std::string homeOfUser() {
     return folderFrom(found->pw_dir);
 }
 
-std::string orBelowHome(std::string folder, const std::string &home, const char *below) {
+std::string orBelowHome(const std::string &folder, const std::string &home, const char *below) {
     return folder.empty() && !home.empty() ? (home == "/" ? "" : home) + below : folder;
 }
 
