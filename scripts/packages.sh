@@ -21,6 +21,9 @@ packages_test="git libgtest-dev libgmock-dev clang clang-format clang-tidy libcl
 packages_desktop="xfwm4 sway xwayland"
 packages_desktops="icewm i3-wm mutter kwin-x11"
 
+# What tests/browser looks at the catalogue's pages with; run by hand.
+packages_browser="chromium chromium-driver"
+
 packages_bench="libbenchmark-dev"
 
 # What packages are built with.
