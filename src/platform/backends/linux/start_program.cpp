@@ -34,8 +34,9 @@ void reapLater(pid_t process) {
     sigset_t before;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
-    pthread_create(&thread, &attributes, &reap,
-                   reinterpret_cast<void *>(static_cast<std::intptr_t>(process)));
+    pthread_create(
+        &thread, &attributes, &reap,
+        reinterpret_cast<void *>(static_cast<std::intptr_t>(process))); // NOLINT: a number
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     pthread_attr_destroy(&attributes);
 }
@@ -44,6 +45,7 @@ void reapLater(pid_t process) {
 
 int startProgram(const std::vector<std::string> &arguments) {
     std::vector<char *> words;
+    words.reserve(arguments.size() + 1);
     for (const std::string &argument : arguments)
         words.push_back(const_cast<char *>(argument.c_str())); // the interface's fault
     words.push_back(nullptr);
