@@ -172,6 +172,19 @@ class Monitors(Placing):
                         "its button does not answer")
         self.assertEqual(player.place(main)[1], before[1], "it moved")
 
+    def test_a_box_comes_up_on_the_monitor_of_its_window(self):
+        player, main, rows = self.start_with_list()
+        player.move(main, 1400, 300)
+        player.move(rows, 1890, 300)
+        player.click_at(rows, 60, 60)
+        self.session.key("Delete", rows)
+        box = wait_for(player.boxes, 10)
+        self.assertTrue(box, "no question comes up")
+        x, y = wait_for(lambda: player.place(box[0]), 5)
+        self.assertGreaterEqual(x, 1280, "it comes up on the other monitor")
+        self.session.key("n", box[0])
+        self.assertTrue(player.gone(box[0]))
+
     def opens_the_list(self, player, main):
         player.click(main, "playListButton")
         return player.form(LIST, 1)

@@ -157,6 +157,24 @@ TEST_F(InputTest, AHandThePointerAndTheHourglassAreShown) {
     EXPECT_EQ(top->cursor().shape(), Qt::ArrowCursor);
 }
 
+TEST_F(InputTest, AClickOnADisabledFormPassesOverAFilmThatCameUpMeanwhile) {
+    InputForm form;
+    form.appear();
+    TestForm settings("Settings");
+    settings.move({6000, 1500, 3000, 3000});
+    settings.appear();
+    form.setEnabled(false);
+    TestForm film("Film"); // which has an entry in the task bar of its own
+    film.setShowInTaskbar(true);
+    film.move({6000, 1500, 3000, 3000});
+    film.appear();
+    ASSERT_TRUE(
+        desk().pump([&] { return desk().screen->isAbove(nativeOf(film), nativeOf(settings)); }));
+    desk().click(form.screenX(20), form.screenY(100));
+    EXPECT_TRUE(
+        desk().pump([&] { return desk().screen->isAbove(nativeOf(settings), nativeOf(film)); }));
+}
+
 TEST_F(InputTest, ADisabledFormTakesNothingAndAClickRaisesTheWindowItWaitsFor) {
     InputForm form;
     int events = 0;
@@ -318,9 +336,16 @@ TEST(VirtualKey, ADigitThatNeedsShiftIsStillThatDigit) {
     EXPECT_EQ(platform::qt::virtualKey(french, 10), '1');
 }
 
-TEST(VirtualKey, TheKeypadCountsAsWithoutItsLock) {
+TEST(VirtualKey, TheKeypadFollowsItsLock) {
     const xcb_keysym_t keypadDelete[] = {0xFF9F, 0xFFAE};
     const xcb_keysym_t keypadEnter[] = {0xFF8D};
+    const xcb_keysym_t keypad7[] = {0xFF95, 0xFFB7};
+    const xcb_keysym_t plainDelete[] = {0xFFFF};
+    EXPECT_EQ(platform::qt::virtualKey(keypadDelete, 91, true), 110) << "a point deletes nothing";
+    EXPECT_EQ(platform::qt::virtualKey(keypadEnter, 104, true), 13);
+    EXPECT_EQ(platform::qt::virtualKey(keypad7, 79, true), 103);
+    EXPECT_EQ(platform::qt::virtualKey(keypad7, 79, false), 36);
+    EXPECT_EQ(platform::qt::virtualKey(plainDelete, 119, true), 46);
     EXPECT_EQ(platform::qt::virtualKey(keypadDelete, 91), 46);
     EXPECT_EQ(platform::qt::virtualKey(keypadEnter, 104), 13);
 }

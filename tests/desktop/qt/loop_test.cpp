@@ -185,5 +185,23 @@ TEST_F(LoopTest, TheSignalsThatEndAProcessAreAWishToEnd) {
     desk().windows->onSessionEnd = nullptr;
 }
 
+TEST_F(LoopTest, TheSessionsLastWordIsAWishToEndAndNoWindowIsClosedForIt) {
+    TestForm form;
+    form.appear();
+    int closed = 0;
+    form.on().QueryUnload = [&](bool &cancel) {
+        cancel = true;
+        ++closed;
+    };
+    int asked = 0;
+    desk().windows->onSessionEnd = [&] { ++asked; };
+    // What the toolkit makes of it.
+    QEvent lastWord(QEvent::Quit);
+    QCoreApplication::sendEvent(QCoreApplication::instance(), &lastWord);
+    desk().windows->onSessionEnd = nullptr;
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(closed, 0);
+}
+
 } // namespace
 } // namespace velmora::tests

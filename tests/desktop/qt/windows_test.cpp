@@ -119,7 +119,9 @@ TEST_F(WindowTest, StaysOutOfTheTaskBarUnlessDesignedForIt) {
     form.hide();
     ASSERT_TRUE(desk().pump([&] { return !form.isOnScreen(); }));
     form.appear();
-    EXPECT_TRUE(hasState(form, "_NET_WM_STATE_SKIP_TASKBAR")) << "after the second showing, too";
+    // A manager that comes to the hiding late takes the state away at first.
+    EXPECT_TRUE(desk().pump([&] { return hasState(form, "_NET_WM_STATE_SKIP_TASKBAR"); }))
+        << "after the second showing, too";
 
     TestForm entry("Entry");
     entry.setShowInTaskbar(true);
@@ -256,6 +258,80 @@ TEST_F(WindowTest, UnmanagedStandsAboveTheOthersAndTakesNoFocus) {
     form.raise();
     desk().pumpFor(250);
     EXPECT_TRUE(desk().screen->isAbove(nativeOf(strip), nativeOf(form)));
+}
+
+TEST_F(WindowTest, UnmanagedOnesThatLieOverEachOtherDoNotClimbInTurn) {
+    TestForm line("Line");
+    TestForm strip("Strip");
+    for (TestForm *form : {&line, &strip}) {
+        form->setUnmanaged(true);
+        form->setTopmost(true);
+        form->move({1500, 1500, 4500, 600});
+        form->appear();
+    }
+    int changes = 0;
+    for (int look = 0; look < 30; ++look) {
+        desk().pumpFor(20);
+        changes += desk().screen->isAbove(nativeOf(strip), nativeOf(line)) ? 0 : 1;
+    }
+    EXPECT_EQ(changes, 0) << "looks in which the one that came later lay below";
+}
+
+TEST_F(WindowTest, WhatAnotherProgramLaysOverEverythingStaysAboveAnUnmanagedOne) {
+    TestForm form;
+    form.move({1500, 1500, 4500, 3000});
+    form.appear();
+    TestForm line("Line");
+    line.setUnmanaged(true);
+    line.setTopmost(true);
+    line.move({1500, 1500, 4500, 600});
+    line.appear();
+    xcb_connection_t *connection = desk().screen->connection();
+    const xcb_window_t menu = xcb_generate_id(connection);
+    const std::uint32_t unmanaged = 1;
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, menu,
+                      xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root, 150, 110, 80,
+                      80, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                      XCB_CW_OVERRIDE_REDIRECT, &unmanaged);
+    xcb_map_window(connection, menu);
+    xcb_flush(connection);
+    desk().pumpFor(400);
+    EXPECT_TRUE(desk().screen->isAbove(menu, nativeOf(line)));
+    // A window of the manager's comes over it: it goes above that one, and no higher.
+    form.raise();
+    desk().pumpFor(400);
+    EXPECT_TRUE(desk().screen->isAbove(nativeOf(line), nativeOf(form)));
+    EXPECT_TRUE(desk().screen->isAbove(menu, nativeOf(line)));
+    xcb_destroy_window(connection, menu);
+    xcb_flush(connection);
+}
+
+TEST_F(WindowTest, AttentionIsAskedForOnceUntilTheWindowWasActiveAgain) {
+    TestForm form;
+    form.setShowInTaskbar(true);
+    form.appear();
+    TestForm other("Other");
+    other.appear();
+    const std::string attention = "_NET_WM_STATE_DEMANDS_ATTENTION";
+    const auto turnAway = [&](const TestForm &to) {
+        desk().session.run({"xdotool", "windowactivate", std::to_string(nativeOf(to))});
+        return desk().pump([&] { return desk().screen->focused() == nativeOf(to); }) &&
+               desk().settle();
+    };
+    const auto asks = [&] { return hasState(form, attention.c_str()); };
+    ASSERT_TRUE(turnAway(other));
+    desk().windows->FlashWindow(form.hWnd(), true);
+    ASSERT_TRUE(desk().pump(asks));
+    desk().session.run(
+        {"wmctrl", "-i", "-r", std::to_string(nativeOf(form)), "-b", "remove,demands_attention"});
+    ASSERT_TRUE(desk().pump([&] { return !asks(); }));
+    desk().windows->FlashWindow(form.hWnd(), true);
+    desk().settle();
+    EXPECT_FALSE(asks()) << "at the next track";
+    ASSERT_TRUE(turnAway(form));
+    ASSERT_TRUE(turnAway(other));
+    desk().windows->FlashWindow(form.hWnd(), true);
+    EXPECT_TRUE(desk().pump(asks));
 }
 
 TEST_F(WindowTest, FlashAsksForAttentionOnlyWhileTheWindowIsNotActive) {

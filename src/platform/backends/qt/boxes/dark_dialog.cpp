@@ -41,7 +41,7 @@ int DarkDialog::run() {
         around = active->frameGeometry();
     QRect place(QPoint(0, 0), size());
     place.moveCenter(around.center());
-    const QRect free = screens::freeOfPanels();
+    const QRect free = screens::freeOfPanelsAt(around.center());
     place.moveLeft(
         std::clamp(place.left(), free.left(), std::max(free.left(), free.right() - place.width())));
     place.moveTop(

@@ -95,6 +95,14 @@ std::int16_t codeOfSymbol(xcb_keysym_t symbol) {
     return found != std::end(named) && found->symbol == symbol ? found->code : std::int16_t{0};
 }
 
+bool isKeypadNumber(xcb_keysym_t symbol) {
+    constexpr xcb_keysym_t separator = 0xFFAC;
+    constexpr xcb_keysym_t decimal = 0xFFAE;
+    constexpr xcb_keysym_t keypad0 = 0xFFB0;
+    constexpr xcb_keysym_t keypad9 = 0xFFB9;
+    return symbol == separator || symbol == decimal || (symbol >= keypad0 && symbol <= keypad9);
+}
+
 bool isDigitOrLetter(std::int16_t code) {
     return (code >= 'A' && code <= 'Z') || (code >= '0' && code <= '9');
 }
@@ -110,7 +118,12 @@ constexpr std::int16_t places[] = {
 
 } // namespace
 
-std::int16_t virtualKey(std::span<const xcb_keysym_t> symbols, xcb_keycode_t key) {
+std::int16_t virtualKey(std::span<const xcb_keysym_t> symbols, xcb_keycode_t key,
+                        bool numbersLocked) {
+    if (numbersLocked)
+        for (const xcb_keysym_t symbol : symbols)
+            if (isKeypadNumber(symbol))
+                return codeOfSymbol(symbol);
     // A digit or a letter anywhere on the key names it: where the digits need Shift, the key of
     // the digit 1 is still 1. Keypad digits do not: without Num Lock that key is an arrow.
     for (const xcb_keysym_t symbol : symbols)

@@ -23,6 +23,11 @@ QRect freeOfPanels() {
     return screen != nullptr ? screen->availableGeometry() : QRect();
 }
 
+QRect freeOfPanelsAt(QPoint place) {
+    const QScreen *screen = QGuiApplication::screenAt(place);
+    return screen != nullptr ? screen->availableGeometry() : freeOfPanels();
+}
+
 RectPixels workArea() {
     const QRect area = freeOfPanels().translated(-primary().topLeft());
     return {area.left(), area.top(), area.left() + area.width(), area.top() + area.height()};

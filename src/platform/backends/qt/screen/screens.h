@@ -15,6 +15,10 @@ QRect primary();
 // The part of it that panels leave free, in the toolkit's coordinates.
 QRect freeOfPanels();
 
+// The part that panels leave free of the monitor that has this place, in the toolkit's coordinates;
+// of the primary one where none has it.
+QRect freeOfPanelsAt(QPoint place);
+
 RectPixels workArea();
 // The strip at the bottom that the work area leaves free; of zero height if there is none.
 RectPixels taskBar();

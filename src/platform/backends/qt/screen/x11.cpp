@@ -26,6 +26,7 @@ constexpr std::uint32_t sourceApplication = 1;
 constexpr std::uint32_t iconicState = 3;
 constexpr std::uint32_t maxStates = 64;
 constexpr std::size_t mostTurns = 32;
+constexpr std::uint32_t maxWindows = 4096;
 
 // The head of the notice that a selection changed hands, as the XFIXES protocol lays it out.
 struct SelectionNotice {
@@ -69,7 +70,8 @@ void X11::internAtoms() {
                                           "WM_CHANGE_STATE",
                                           "WM_STATE",
                                           "_NET_FRAME_EXTENTS",
-                                          "_NET_REQUEST_FRAME_EXTENTS"};
+                                          "_NET_REQUEST_FRAME_EXTENTS",
+                                          "_NET_CLIENT_LIST"};
     xcb_intern_atom_cookie_t asked[AtomCount];
     for (int i = 0; i < AtomCount; ++i)
         asked[i] =
@@ -113,6 +115,17 @@ std::vector<xcb_atom_t> X11::readStates(xcb_window_t window) {
         return {};
     const auto *first = static_cast<const xcb_atom_t *>(xcb_get_property_value(reply.get()));
     return {first, first + reply->value_len};
+}
+
+std::optional<std::vector<xcb_window_t>> X11::windowsOfRoot(Atom property) {
+    const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        connection_,
+        xcb_get_property(connection_, 0, root(), atoms_[property], XCB_ATOM_WINDOW, 0, maxWindows),
+        nullptr));
+    if (!reply || reply->type != XCB_ATOM_WINDOW || reply->format != 32)
+        return std::nullopt;
+    const auto *first = static_cast<const xcb_window_t *>(xcb_get_property_value(reply.get()));
+    return std::vector<xcb_window_t>(first, first + reply->value_len);
 }
 
 void X11::setStatesBeforeMap(xcb_window_t window, std::initializer_list<Atom> states) {

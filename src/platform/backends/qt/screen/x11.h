@@ -14,6 +14,7 @@
 #include <functional>
 #include <initializer_list>
 #include <map>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -35,6 +36,7 @@ public:
         WmState,
         FrameExtents,
         RequestFrameExtents,
+        ClientList,
         AtomCount
     };
 
@@ -63,6 +65,9 @@ public:
     // Asks the window manager to minimise a mapped window.
     void iconify(xcb_window_t window);
     bool hasState(xcb_window_t window, Atom state);
+
+    // The windows that a property of the screen names; absent where nobody has set it.
+    std::optional<std::vector<xcb_window_t>> windowsOfRoot(Atom property);
 
     // The window consists of these rectangles (rows from top to bottom), for drawing and for
     // clicks. None at all: nothing of it is there. `clearShape` makes it whole again.

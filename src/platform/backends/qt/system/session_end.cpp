@@ -1,5 +1,6 @@
 #include "platform/backends/qt/system/session_end.h"
 
+#include <QEvent>
 #include <QGuiApplication>
 
 #include <fcntl.h>
@@ -29,9 +30,27 @@ void onSignal(int) {
 
 } // namespace
 
-SessionEnd::SessionEnd(std::function<void()> asked) : asked_(std::move(asked)) {
-    QObject::connect(qGuiApp, &QGuiApplication::commitDataRequest, qGuiApp,
-                     [this](QSessionManager &) { asked_(); });
+// What the toolkit makes of the session manager's last word; its question ahead of that, whether
+// there is anything to save, is no end: whoever logs out may change their mind.
+class SessionEnd::LastWord : public QObject {
+public:
+    explicit LastWord(const std::function<void()> &asked) : asked_(asked) {
+        qGuiApp->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *watched, QEvent *event) override {
+        if (event->type() != QEvent::Quit || watched != qGuiApp)
+            return false;
+        asked_();
+        return true;
+    }
+
+private:
+    const std::function<void()> &asked_;
+};
+
+SessionEnd::SessionEnd(std::function<void()> asked)
+    : asked_(std::move(asked)), lastWord_(std::make_unique<LastWord>(asked_)) {
     for (const int signal : ignored)
         std::signal(signal, SIG_IGN);
     if (pipe2(pipe_, O_CLOEXEC | O_NONBLOCK) != 0)

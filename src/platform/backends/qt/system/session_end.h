@@ -18,7 +18,9 @@ public:
     SessionEnd &operator=(const SessionEnd &) = delete;
 
 private:
+    class LastWord;
     std::function<void()> asked_;
+    std::unique_ptr<LastWord> lastWord_;
     int pipe_[2] = {-1, -1};
     std::unique_ptr<QSocketNotifier> notifier_;
 };

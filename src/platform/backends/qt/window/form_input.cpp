@@ -227,7 +227,9 @@ bool FormInput::key(QWidget &widget, QKeyEvent &event, bool child) {
 
 bool FormInput::newKey(QWidget &widget, QKeyEvent &event, xcb_keycode_t keyCode, bool child) {
     const bool repeat = isRepeat(event, keyCode);
-    const std::int16_t code = virtualKey(hub_.x11.keySymbols(keyCode), keyCode);
+    // Every X keyboard has the lock of the keypad's numbers there.
+    const bool numbersLocked = (event.nativeModifiers() & XCB_MOD_MASK_2) != 0;
+    const std::int16_t code = virtualKey(hub_.x11.keySymbols(keyCode), keyCode, numbersLocked);
     if (repeat)
         return !child || !form_.enabled() || swallowed_.contains(code) || !repeats(widget, event);
     const std::int16_t shift = shiftState(event.modifiers());

@@ -283,6 +283,7 @@ void QtFormWindow::densityChanged() {
     outlineDirty_ = true;
     const Loop::Handler handler(hub_.loop);
     form_.scaleChanged();
+    applyOutline(); // a window without any outline is never asked to paint
     top_->update();
 }
 

@@ -83,6 +83,7 @@ private:
     void closed();
     void moved();
     void stateChanged();
+    void activated();
 
     Hub &hub_;
     forms::Form &form_;
@@ -107,6 +108,7 @@ private:
     bool translucent_ = false; // the native window has an alpha channel
     bool hasHoleMakers_ = false;
     bool raisePosted_ = false;
+    bool attentionAsked_ = false; // since it was last active
     bool placing_ = false;
     bool fullScreen_ = false;
     double density_ = 1; // of the screen when the window was last placed for it

@@ -2,6 +2,7 @@
 
 #include "platform/backends/qt/screen/geometry.h"
 #include "platform/backends/qt/screen/screens.h"
+#include "platform/backends/qt/screen/stacking.h"
 #include "platform/backends/qt/screen/text_convert.h"
 #include "platform/backends/qt/window/form_window.h"
 #include "platform/backends/qt/window/top_widget.h"
@@ -29,6 +30,13 @@ Qt::WindowFlags flagsOf(const forms::Form &form) {
     if (form.unmanaged())
         flags |= Qt::BypassWindowManagerHint;
     return flags;
+}
+
+// A shell that makes of each wish for attention a notice that stays in its list.
+bool tellsByNotices() {
+    return qEnvironmentVariable("XDG_CURRENT_DESKTOP")
+        .split(QLatin1Char(':'))
+        .contains(QLatin1String("GNOME"));
 }
 
 QRect areaOf(const forms::Form &form) {
@@ -107,6 +115,10 @@ void QtFormWindow::show() {
     top_->show();
     if (!form_.unmanaged())
         top_->activateWindow();
+    // A manager that still has the last hiding to do takes the states away that were set ahead.
+    if (!first && !form_.unmanaged() && !form_.showInTaskbar())
+        for (const X11::Atom state : {X11::SkipTaskbar, X11::SkipPager})
+            hub_.x11.requestState(nativeWindow(), true, state);
     hub_.moveToFront(*this);
     shownOnce_ = true;
     if (first)
@@ -322,9 +334,12 @@ void QtFormWindow::applyTopmost() {
         raisePosted_ = true;
         QTimer::singleShot(raisePauseMs, top_.get(), [this] {
             raisePosted_ = false;
-            // A menu or tip of ours may lie over it for as long as it is open.
-            if (form_.visible() && form_.topmost() && QApplication::activePopupWidget() == nullptr)
-                top_->raise();
+            if (!form_.visible() || !form_.topmost())
+                return;
+            const QWidget *box = QApplication::activeModalWidget();
+            raiseAboveManaged(hub_.x11, nativeWindow(),
+                              box != nullptr ? static_cast<xcb_window_t>(box->winId())
+                                             : xcb_window_t{XCB_WINDOW_NONE});
         });
     });
 }
@@ -377,8 +392,13 @@ void QtFormWindow::bringForward() {
 void QtFormWindow::attention(bool wanted) {
     if (top_ == nullptr || !top_->isVisible() || top_->isMinimized() || top_->isActiveWindow())
         return;
+    if (wanted && (attentionAsked_ || tellsByNotices()))
+        return;
+    attentionAsked_ = wanted;
     hub_.x11.requestState(nativeWindow(), wanted, X11::DemandsAttention);
 }
+
+void QtFormWindow::activated() { attentionAsked_ = false; }
 
 void QtFormWindow::setTaskTitle(const QString &title) {
     if (top_ != nullptr)

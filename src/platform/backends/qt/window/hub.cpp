@@ -36,13 +36,18 @@ void Hub::windowGone(QtFormWindow &window) {
             form.window = nullptr;
 }
 
+// No form is disabled for one that has an entry in the task bar: a film that came up meanwhile is
+// not what is waited for.
 void Hub::raiseWaitedFor(const QtFormWindow &disabled) {
-    for (auto it = order.rbegin(); it != order.rend(); ++it) {
-        const forms::Form &form = (*it)->form();
-        if (*it == &disabled || !form.visible() || !form.enabled() || form.unmanaged())
-            continue;
-        (*it)->bringForward();
-        return;
+    for (const bool hasEntry : {false, true}) {
+        for (auto it = order.rbegin(); it != order.rend(); ++it) {
+            const forms::Form &form = (*it)->form();
+            if (*it == &disabled || !form.visible() || !form.enabled() || form.unmanaged() ||
+                form.showInTaskbar() != hasEntry)
+                continue;
+            (*it)->bringForward();
+            return;
+        }
     }
 }
 

@@ -12,6 +12,8 @@ TopWidget::TopWidget(QtFormWindow &window, Scene &scene, Layer::Input input, Qt:
 }
 
 bool TopWidget::event(QEvent *event) {
+    if (event->type() == QEvent::WindowActivate)
+        window_.activated();
     const bool paints = event->type() == QEvent::UpdateRequest;
     return (paints && window_.putsPaintOff()) || Layer::event(event);
 }

@@ -1,0 +1,14 @@
+#pragma once
+
+// The order of the windows on the screen.
+
+#include "platform/backends/qt/screen/x11.h"
+
+namespace velmora::platform::qt {
+
+// Puts a window that no manager has above all that the manager has, and no higher: what somebody
+// else laid over everything (a menu, a locker of the screen) stays there, and so do managed windows
+// of ours from `spared` on. Where no manager tells of its windows it goes above all.
+void raiseAboveManaged(X11 &x11, xcb_window_t window, xcb_window_t spared);
+
+} // namespace velmora::platform::qt
