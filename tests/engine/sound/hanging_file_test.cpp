@@ -103,7 +103,7 @@ protected:
     }
     std::shared_ptr<File> newFile() { return files_.emplace_back(std::make_shared<File>()); }
     std::unique_ptr<SoundDevice> open(const std::shared_ptr<File> &file) {
-        return std::make_unique<SoundDevice>(std::make_unique<FileReader>(file), *engine_);
+        return std::make_unique<SoundDevice>(std::make_unique<FileReader>(file), *engine_, "file");
     }
 
     std::unique_ptr<OutputEngine> engine_;
