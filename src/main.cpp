@@ -80,7 +80,13 @@ int play() {
             return running != nullptr ? hostsOf(running->setControl())
                                       : std::vector<std::u16string>();
         },
-        {}, calls);
+        {}, calls,
+        [&running] {
+            return running != nullptr
+                       ? platform::PinnedServer{running->setControl().get_MakerHost(),
+                                                running->setControl().get_MakerPin()}
+                       : platform::PinnedServer();
+        });
     const auto dialogs = platform::makeQtDialogs(*windows, *ansi, calls);
 
     platform::DesktopBus desktop(homes, [&windows](int descriptor, std::function<void()> ready) {

@@ -179,6 +179,15 @@ std::u16string setControl::get_LrcSiteBHost() { return getHost(u"lrcSiteB"); }
 std::u16string setControl::get_SongSearchHost() { return getHost(u"songSearch"); }
 std::u16string setControl::get_MakerHost() { return getHost(u"maker"); }
 
+std::u16string setControl::get_MakerPin() {
+    return orElse(
+        std::u16string(),
+        [&] {
+            getProvider();
+            return readString(keys::hosts, u"makerPin");
+        });
+}
+
 void setControl::load_Language() {
     Language_Index = orElse(static_cast<std::int32_t>(Language), [&] {
         getProvider();

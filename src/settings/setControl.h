@@ -109,6 +109,8 @@ public:
     std::u16string get_LrcSiteBHost();
     std::u16string get_SongSearchHost();
     std::u16string get_MakerHost();
+    // The key that proves the maker's server in place of an authority; empty: none is known.
+    std::u16string get_MakerPin();
 
 private:
     void getProvider();

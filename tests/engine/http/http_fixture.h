@@ -32,12 +32,16 @@ protected:
     platform::Internet &internet() {
         if (internet_ == nullptr)
             internet_ = platform::makeInternet(
-                *ansi_, [] { return std::vector<std::u16string>(); }, limits_);
+                *ansi_, [] { return std::vector<std::u16string>(); }, limits_, {},
+                [this] { return pinned_; });
         return *internet_;
     }
 
     // Before the first use of `internet`.
     void limit(const InternetLimits &limits) { limits_ = limits; }
+    void pin(const std::string &address, const std::string &pin) {
+        pinned_ = {fromAscii(address), fromAscii(pin)};
+    }
     void usePage(std::u16string page) {
         ansi_ = platform::makeAnsiText([page = std::move(page)] { return page; });
     }
@@ -87,6 +91,7 @@ protected:
     std::optional<std::string> page(std::u16string_view url) { return internet().XmlHttpGet(url); }
 
 private:
+    platform::PinnedServer pinned_;
     InternetLimits limits_;
     std::unique_ptr<platform::AnsiText> ansi_ =
         platform::makeAnsiText([] { return std::u16string(); });

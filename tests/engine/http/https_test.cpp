@@ -126,6 +126,53 @@ TEST_F(Https, OfAnotherNameIsRefused) { expectRefused(trusted("DNS:elsewhere.inv
 
 TEST_F(Https, ThatHasEndedIsRefused) { expectRefused(trusted("IP:127.0.0.1", -1)); }
 
+TEST_F(Https, WithTheKeyThatIsKnownNeedsNeitherAuthorityNorName) {
+    const std::string own = Authority(trust().folder / "stranger").issue("DNS:elsewhere.invalid");
+    TlsServer server(own, pages_);
+    ASSERT_TRUE(server.works());
+    pin(server.url(""), Authority::pinOf(own));
+    EXPECT_EQ(pageAt(server.url("/page")), "secret <a href=x>");
+    EXPECT_TRUE(download(server.url("/page")));
+    EXPECT_EQ(content(), "secret <a href=x>");
+}
+
+TEST_F(Https, WithAnotherKeyThanTheKnownOneIsRefusedThoughAnAuthorityVouchesForIt) {
+    const std::string other =
+        Authority::pinOf(Authority(trust().folder / "stranger").issue("IP:127.0.0.1"));
+    TlsServer server(trusted(), pages_);
+    ASSERT_TRUE(server.works());
+    for (const std::string &known : {other, std::string("no pin"), std::string("/etc/passwd")}) {
+        pin(server.url(""), known);
+        internet().tryHostsAnew();
+        EXPECT_THROW(pageAt(server.url("/page")), RunTimeError) << known;
+        internet().tryHostsAnew();
+        EXPECT_FALSE(download(server.url("/page"))) << known;
+    }
+    EXPECT_EQ(content(), "old");
+}
+
+TEST_F(Https, OfAnotherServerThanTheKnownOneGoesByItsAuthority) {
+    const std::string own = Authority(trust().folder / "stranger").issue("IP:127.0.0.1");
+    TlsServer stranger(own, pages_);
+    TlsServer server(trusted(), pages_);
+    ASSERT_TRUE(server.works() && stranger.works());
+    pin("https://127.0.0.1:1", Authority::pinOf(own));
+    EXPECT_EQ(pageAt(server.url("/page")), "secret <a href=x>");
+    EXPECT_THROW(pageAt(stranger.url("/page")), RunTimeError);
+}
+
+TEST_F(Https, OfTheKnownServerLeadsToNoServerWithoutThatKey) {
+    const std::string own = Authority(trust().folder / "stranger").issue("IP:127.0.0.1");
+    TlsServer server(trusted(), pages_);
+    put("away",
+        "HTTP/1.1 302 Found\r\nLocation: " + server.url("/page") + "\r\nContent-Length: 0\r\n\r\n");
+    TlsServer known(own, pages_);
+    ASSERT_TRUE(server.works() && known.works());
+    pin(known.url(""), Authority::pinOf(own));
+    EXPECT_FALSE(download(known.url("/away")));
+    EXPECT_EQ(content(), "old");
+}
+
 TEST_F(Https, GoesThroughAProxyWhoseAnswerIsNoPartOfIt) {
     TlsServer server(trusted("DNS:somewhere.invalid"), pages_);
     ASSERT_TRUE(server.works());

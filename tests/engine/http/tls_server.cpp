@@ -85,6 +85,18 @@ std::string Authority::issue(const std::string &subject, int days) const {
     return isMade ? (folder_ / "server.pem").string() : "";
 }
 
+std::string Authority::pinOf(const std::string &certificate) {
+    const std::string result = certificate + ".pin";
+    runs("openssl x509 -in '" + certificate +
+         "' -pubkey -noout | openssl pkey -pubin -outform der | openssl dgst -sha256 -binary | "
+         "openssl base64 -A > '" +
+         result + "'");
+    std::ifstream file(result);
+    std::string digest;
+    file >> digest;
+    return "sha256//" + digest;
+}
+
 TlsServer::TlsServer(const std::string &certificate, const fs::path &folder) {
     int ends[2];
     if (certificate.empty() || ::pipe2(ends, O_CLOEXEC) != 0)

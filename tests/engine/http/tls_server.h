@@ -18,6 +18,8 @@ public:
     // A certificate with its key in one file, for "IP:127.0.0.1" or "DNS:name", valid for so many
     // days from now (below 0: it has ended). Empty when it could not be made.
     std::string issue(const std::string &subject, int days = 2) const;
+    // The digest of the key of a certificate that was issued, as "sha256//" and base64.
+    static std::string pinOf(const std::string &certificate);
 
 private:
     std::filesystem::path folder_;

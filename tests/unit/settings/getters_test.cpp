@@ -221,6 +221,7 @@ TEST_F(Getters, EachReadingRoutineFetchesTheProviderAnew) {
         [this] { settings.load_Lrc_Font(u"Desktop"); },
         [this] { settings.load_Lrc_Font(u"Other"); },
         [this] { settings.get_MakerHost(); },
+        [this] { settings.get_MakerPin(); },
     };
     settings.get_PlayMode();
     for (const auto &routine : routines) {
@@ -250,6 +251,14 @@ TEST_F(Getters, AHostThatIsNotSetIsEmpty) {
     EXPECT_EQ(settings.get_MakerHost(), u"");
     registry.setProviderMissing(true);
     EXPECT_EQ(settings.get_LrcSearchHost(), u"");
+}
+
+TEST_F(Getters, TheMakersKeyIsReadAnewAsItStands) {
+    EXPECT_EQ(settings.get_MakerPin(), u"");
+    registry.setText(hostsKey, u"makerPin", u"sha256//abc/=");
+    EXPECT_EQ(settings.get_MakerPin(), u"sha256//abc/=");
+    registry.setProviderMissing(true);
+    EXPECT_EQ(settings.get_MakerPin(), u"");
 }
 
 TEST_F(Getters, AHostHasNoSlashAtItsEnd) {

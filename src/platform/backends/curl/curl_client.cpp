@@ -1,5 +1,6 @@
 #include "platform/backends/curl/curl_client.h"
 
+#include "base/ascii.h"
 #include "platform/backends/curl/charsets.h"
 #include "platform/backends/curl/cookies.h"
 #include "platform/backends/curl/interfaces.h"
@@ -11,8 +12,10 @@ namespace velmora::platform {
 
 std::unique_ptr<Internet> makeInternet(const AnsiText &ansi,
                                        std::function<std::vector<std::u16string>()> hosts,
-                                       const InternetLimits &limits, FileCalls calls) {
-    return std::make_unique<http::CurlClient>(ansi, std::move(hosts), limits, std::move(calls));
+                                       const InternetLimits &limits, FileCalls calls,
+                                       std::function<PinnedServer()> pinned) {
+    return std::make_unique<http::CurlClient>(ansi, std::move(hosts), limits, std::move(calls),
+                                              std::move(pinned));
 }
 
 } // namespace velmora::platform
@@ -36,11 +39,33 @@ bool CurlClient::load() {
     return jar_ != nullptr;
 }
 
+namespace {
+
+// "https://name:port" of an address, in one spelling.
+std::string serverOf(std::string_view address) {
+    const std::size_t scheme = address.find("://");
+    if (scheme == std::string_view::npos)
+        return {};
+    std::string server = lowerAscii(address.substr(0, address.find_first_of("/?#", scheme + 3)));
+    constexpr std::string_view usualPort = ":443";
+    if (server.starts_with("https://") && server.ends_with(usualPort))
+        server.resize(server.size() - usualPort.size());
+    return server;
+}
+
+} // namespace
+
 bool CurlClient::start(Exchange &exchange, const std::string &url, Exchange::Time until) {
     const std::string server = url.substr(0, url.find_first_of("/?#", url.find("://") + 3));
     const auto known = unreached_.find(server);
     if (known != unreached_.end() && std::chrono::steady_clock::now() < known->second)
         return false;
+    if (pinned_) {
+        const PinnedServer proved = pinned_();
+        if (!proved.pin.empty() && serverOf(url).starts_with("https://") &&
+            serverOf(url) == serverOf(ansi_.encode(proved.address)))
+            exchange.trustKey(ansi_.encode(proved.pin));
+    }
     const bool answered = exchange.start(until);
     if (exchange.unreached())
         unreached_[server] = std::chrono::steady_clock::now() + limits_.unreached;

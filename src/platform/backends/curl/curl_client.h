@@ -15,8 +15,9 @@ namespace velmora::platform::http {
 class CurlClient : public Internet {
 public:
     CurlClient(const AnsiText &ansi, std::function<std::vector<std::u16string>()> hosts,
-               const InternetLimits &limits, FileCalls calls)
-        : ansi_(ansi), hosts_(std::move(hosts)), limits_(limits), calls_(std::move(calls)) {}
+               const InternetLimits &limits, FileCalls calls, std::function<PinnedServer()> pinned)
+        : ansi_(ansi), hosts_(std::move(hosts)), limits_(limits), calls_(std::move(calls)),
+          pinned_(std::move(pinned)) {}
     ~CurlClient() override;
 
     std::int32_t InternetGetConnectedState(std::uint32_t &flags) override;
@@ -85,6 +86,7 @@ private:
     std::function<std::vector<std::u16string>()> hosts_;
     InternetLimits limits_;
     FileCalls calls_;
+    std::function<PinnedServer()> pinned_;
     std::shared_ptr<const CurlLibrary> curl_; // loaded at first use
     CURLSH *jar_ = nullptr;
     std::map<InternetHandle, Entry> handles_;

@@ -27,11 +27,20 @@ struct InternetLimits {
     std::size_t downloadBytesPerSecond = 1024; // less than this for `stall` is a stall
 };
 
+// A server whose key is known, which proves it in place of any authority.
+struct PinnedServer {
+    std::u16string address; // "https://name:port"; empty: there is none
+    // "sha256//" and the key's digest in base64; more of them with ";" between. Any other text that
+    // is not empty is no key's, so that the server is refused.
+    std::u16string pin;
+};
+
 // `hosts` answers the hosts that are configured ("http://name:port"), for the question whether the
-// machine is online; it is asked each time. `calls` write what is downloaded. `ansi` must outlive
-// the result.
+// machine is online; it is asked each time, and so is `pinned`. `calls` write what is downloaded.
+// `ansi` must outlive the result.
 std::unique_ptr<Internet> makeInternet(const AnsiText &ansi,
                                        std::function<std::vector<std::u16string>()> hosts,
-                                       const InternetLimits &limits = {}, FileCalls calls = {});
+                                       const InternetLimits &limits = {}, FileCalls calls = {},
+                                       std::function<PinnedServer()> pinned = {});
 
 } // namespace velmora::platform

@@ -51,6 +51,10 @@ public:
     Exchange(const Exchange &) = delete;
     Exchange &operator=(const Exchange &) = delete;
 
+    // Before `start`: the key that proves the server, as PinnedServer has it, in place of its
+    // authority and its name. Wherever a redirect leads, it has to be shown there, too.
+    void trustKey(const std::string &pin);
+
     // Sends and waits for the final response's header. `until` limits the whole exchange.
     bool start(Time until = Time::max());
 
@@ -69,6 +73,8 @@ public:
 private:
     void prepare();
     void prepareBody();
+    // Sets what the exchange must not go without.
+    template <typename Value> void must(CURLoption option, Value value);
     void step(Time until);
     void noteResult();
     std::size_t ready() const noexcept { return buffer_.size() - taken_; }
