@@ -107,6 +107,12 @@ class AccessibleTest(PlayerTest):
         self.addCleanup(reader.close)
         return player, main, reader
 
+    def play_first(self, reader, main):
+        """The next track, and into it: what asks for one finds none ahead of the end of its fade-in."""
+        reader.press(main, MAIN, "nextButton")
+        self.assertTrue(wait_for(lambda: reader.at(main, MAIN, "load_Played_BG")[1]["value"] > 4, 30),
+                        "nothing plays")
+
     def open(self, reader, number, form, control, wanted):
         reader.press(number, form, control)
         found = reader.player.form(wanted)
@@ -159,9 +165,7 @@ class Walk(AccessibleTest):
         self.assert_readable(reader, ask, f"{language}: the question")
         reader.press(ask, ASK, "Cancel")
         self.assertTrue(player.gone(ask))
-        reader.press(main, MAIN, "nextButton")  # a track, for what needs one
-        # Behind its fade-in.
-        self.assertTrue(wait_for(lambda: reader.at(main, MAIN, "load_Played_BG")[1]["value"] > 4, 30))
+        self.play_first(reader, main)  # a track, for what needs one
         for control, form in (("playInfo", INFO), ("do_Lrc", EDITOR),
                               ("search_Lrc_Internet", LYRIC_SEARCH),
                               ("check_SoundDriver", CHECK), ("CopyRight_ICO", ABOUT)):
@@ -293,8 +297,7 @@ class Doing(AccessibleTest):
         with open(self.tracks[0].replace(".wav", ".lrc"), "w", encoding="utf-8") as file:
             file.write("[00:04.00]over all windows\n")
         player, main, reader = self.begin()
-        reader.press(main, MAIN, "nextButton")
-        reader.at(main, MAIN, "pauseButton")
+        self.play_first(reader, main)
         reader.press(main, MAIN, "desktop_Lrc")
 
         def line():
