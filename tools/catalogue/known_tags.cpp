@@ -5,8 +5,10 @@
 
 #include <sqlite3.h>
 
+#include <array>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 
 namespace velmora::catalogue {
@@ -94,9 +96,27 @@ bool KnownTags::begin() {
            run(("pragma user_version=" + std::to_string(version)).c_str());
 }
 
+// The head of every such file ends with the mark of whose it is, highest byte first.
+bool KnownTags::mayUse(const std::string &path) {
+    constexpr std::string_view beginning("SQLite format 3\0", 16);
+    constexpr std::size_t markAt = 68;
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path, error);
+    if (error)
+        return error == std::errc::no_such_file_or_directory;
+    std::array<char, markAt + 4> head{};
+    std::ifstream file(path, std::ios::binary);
+    if (size == 0 || !file.read(head.data(), head.size()))
+        return size == 0;
+    std::uint32_t mark = 0;
+    for (std::size_t i = markAt; i < head.size(); ++i)
+        mark = mark << 8U | static_cast<unsigned char>(head[i]);
+    return std::string_view(head.data(), beginning.size()) == beginning && mark == application;
+}
+
 std::vector<KnownFile> KnownTags::load() {
     std::vector<KnownFile> files;
-    if (path_.empty())
+    if (path_.empty() || !mayUse(path_))
         return files;
     std::error_code error;
     if (std::filesystem::exists(path_, error) && open() && isSound()) {
@@ -161,7 +181,12 @@ std::string knownTagsPath(const std::string &folder) {
     std::error_code error;
     std::filesystem::create_directories(place, error);
     const auto whole = std::filesystem::weakly_canonical(folder, error);
-    return error ? "" : place + "/catalogue-" + idOf(whole.string()) + ".sqlite";
+    if (error)
+        return "";
+    std::string path = place + "/catalogue-" + idOf(whole.string()) + ".sqlite";
+    if (!KnownTags::mayUse(path))
+        std::filesystem::remove(path, error);
+    return path;
 }
 
 } // namespace velmora::catalogue

@@ -101,6 +101,8 @@ int apart(const Options &options) {
 }
 
 int checked(const Options &options) {
+    if (!options.cache.empty() && !KnownTags::mayUse(options.cache))
+        return misuse(options.cache + " was not made by velmora-catalogue");
     if (options.certificate.empty() != options.key.empty())
         return misuse("--cert and --key go together");
     if (options.elsewhere.empty())

@@ -133,16 +133,38 @@ TEST_F(LibraryReaderTest, ReadsAfterAStartWhatHasChangedAndForgetsWhatWent) {
     EXPECT_EQ(known.load().size(), 2U);
 }
 
-TEST_F(LibraryReaderTest, ThrowsAwayWhatItKnowsWhereThatIsDoubtful) {
+TEST_F(LibraryReaderTest, LeavesAFileOfSomethingElseAsItIs) {
+    const std::string path = music_ / ".known.sqlite";
     for (const std::string &bytes :
-         {std::string("no database"), std::string(), std::string("SQLite format 3\0", 16),
-          std::string(100'000, '\xFF')}) {
+         {std::string("no database"), std::string("SQLite format 3\0", 16),
+          std::string(100'000, '\xFF'),
+          std::string("SQLite format 3\0", 16) + std::string(4080, '\0')}) {
         damage(bytes);
+        EXPECT_FALSE(KnownTags::mayUse(path));
         EXPECT_EQ(afterAStart()->songs().size(), 2U);
         EXPECT_EQ(tags_.read, 2);
-        afterAStart();
-        EXPECT_EQ(tags_.read, 0) << "a sound one was begun in its place";
+        std::ifstream file(path, std::ios::binary);
+        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), bytes);
     }
+}
+
+TEST_F(LibraryReaderTest, TakesAnEmptyFileAndItsOwn) {
+    damage("");
+    EXPECT_EQ(afterAStart()->songs().size(), 2U);
+    EXPECT_EQ(tags_.read, 2);
+    EXPECT_TRUE(KnownTags::mayUse((music_ / ".known.sqlite").string()));
+    afterAStart();
+    EXPECT_EQ(tags_.read, 0) << "a sound one was begun in its place";
+}
+
+TEST_F(LibraryReaderTest, HasANameOfItsOwnInTheCacheFolderAndClearsItOfWhatIsNoneOfIts) {
+    ::unsetenv("CACHE_DIRECTORY");
+    ::setenv("XDG_CACHE_HOME", (music_ / "cache").c_str(), 1);
+    const std::string path = knownTagsPath(music_ / "a");
+    std::ofstream(path) << "damaged from its first byte";
+    EXPECT_EQ(knownTagsPath(music_ / "a"), path);
+    EXPECT_FALSE(std::filesystem::exists(path));
+    ::unsetenv("XDG_CACHE_HOME");
 }
 
 TEST_F(LibraryReaderTest, ThrowsAwayADatabaseWithADamagedPage) {

@@ -238,7 +238,7 @@ TEST(OwnVersion, costsNextToNothingToRead) {
     constexpr int rounds = 100;
     for (int i = 0; i < rounds; ++i)
         versions.GetFileVersionInfoA(path, versions.GetFileVersionInfoSizeA(path));
-    EXPECT_LT((steady_clock::now() - begin) / rounds, milliseconds(1));
+    EXPECT_LT((steady_clock::now() - begin) / rounds, milliseconds(50)); // usually 0.1
 }
 
 } // namespace

@@ -265,13 +265,14 @@ TEST_F(RegistryTool, DoesWhatTheDescriptionOfTheFileSays) {
     { SqliteRegistry(file, ansi).RegDeleteKeyA(platform::HKEY_LOCAL_MACHINE, platform::key); }
     ASSERT_EQ(does({"set", "begun", "1"}), done);
     const auto commands = describedCommands();
-    ASSERT_EQ(commands.size(), 6U);
+    ASSERT_EQ(commands.size(), 7U);
     for (const auto &words : commands) {
         const bool names = words.size() == 3 && words[1] == "--at";
         EXPECT_EQ(names ? hosts(words[2]) : does(words), done) << words[0] << ": " << err.str();
     }
     EXPECT_EQ(read(hostsKey, u"lrcSearch"), u"http://that-machine:8420");
     EXPECT_EQ(read(hostsKey, u"maker"), std::nullopt);
+    EXPECT_EQ(read(hostsKey, u"makerPin").value_or(u"").size(), 8U + 44U);
     EXPECT_EQ(read(u"SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage", u"ACP"), u"1252");
 }
 
