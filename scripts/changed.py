@@ -14,6 +14,7 @@ import os
 import re
 import subprocess
 import sys
+import tempfile
 
 HERE = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 ALWAYS = {"unit", "fuzz"}
@@ -49,9 +50,13 @@ def reached_by(path, reach):
 
 
 def all_tests(build):
-    """Name and labels of each."""
-    told = json.loads(subprocess.run(["ctest", "--test-dir", build, "--show-only=json-v1"], check=True,
-                                     stdout=subprocess.PIPE).stdout)
+    """Name and labels of each. ctest is asked from a folder of its own: where it is only asked, too, it begins the
+    log anew, in which a run that goes on in the build folder writes what was skipped."""
+    with tempfile.TemporaryDirectory() as folder:
+        with open(f"{folder}/CTestTestfile.cmake", "w", encoding="utf-8") as tests:
+            tests.write(f"subdirs([==[{os.path.abspath(build)}]==])\n")
+        told = json.loads(subprocess.run(["ctest", "--test-dir", folder, "--show-only=json-v1"], check=True,
+                                         stdout=subprocess.PIPE).stdout)
     for test in told["tests"]:
         labels = next((each["value"] for each in test.get("properties", [])
                        if each["name"] == "LABELS"), [])

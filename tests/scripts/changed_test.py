@@ -7,6 +7,7 @@
 import fnmatch
 import os
 import sys
+import tempfile
 import unittest
 
 SOURCE, BUILD = sys.argv[1:3]
@@ -43,6 +44,18 @@ class TheTable(unittest.TestCase):
     def setUp(self):
         self.reach = changed.table()
         self.tests = [name for name, _ in changed.all_tests(BUILD)]
+
+    def test_asking_for_the_tests_leaves_the_log_of_the_run_that_goes_on(self):
+        with tempfile.TemporaryDirectory() as build:
+            with open(build + "/CTestTestfile.cmake", "w", encoding="utf-8") as tests:
+                tests.write("add_test(one true)\nset_tests_properties(one PROPERTIES LABELS unit)\n")
+            os.makedirs(build + "/Testing/Temporary")
+            log = build + "/Testing/Temporary/LastTest.log"
+            with open(log, "w", encoding="utf-8") as file:
+                file.write("goes on")
+            self.assertEqual(list(changed.all_tests(build)), [("one", {"unit"})])
+            with open(log, encoding="utf-8") as file:
+                self.assertEqual(file.read(), "goes on")
 
     def test_every_name_is_a_test(self):
         for path, names in self.reach.items():
