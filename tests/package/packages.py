@@ -118,8 +118,8 @@ class Packages(unittest.TestCase):
 
     def test_two_builds_in_two_folders_are_the_same(self):
         for one, other in zip(self.packages(self.folders[0]), self.packages(self.folders[1])):
-            code, told = run("diffoscope", "--max-report-size", "4000", one, other)
-            self.assertEqual((code, told), (0, ""))
+            code, told = run("diffoscope", one, other)
+            self.assertEqual((code, told[:4000]), (0, ""))
 
     def test_the_catalogue_needs_no_toolkit(self):
         told = run("dpkg-deb", "-f", self.packages(self.folders[0])[1], "Depends")[1]
