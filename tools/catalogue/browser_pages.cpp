@@ -29,11 +29,11 @@ std::u16string link(std::u16string_view address, std::u16string_view text,
            htmlText(text) + u"</a>";
 }
 
-std::u16string listen(const Item &item) { return u"/listen/" + fromAscii(item.id); }
+std::u16string listen(const Item &item) { return u"/listen/" + fromAscii(item.id()); }
 
 std::u16string file(const Item &item) {
-    return (item.isLyric ? u"/LrcDown/" : u"/song/") + fromAscii(item.id) + u"." +
-           fromAscii(item.isLyric ? "lrc" : item.format);
+    return (item.isLyric ? u"/LrcDown/" : u"/song/") + fromAscii(item.id()) + u"." +
+           fromAscii(item.isLyric ? "lrc" : item.format());
 }
 
 std::string_view folderOf(std::string_view path) {
@@ -158,7 +158,7 @@ std::u16string albumsPage(const PageAsked &asked, std::string_view query) {
     const Part part = partOf(words, query, albums.size(), u"/albums?page=");
     std::u16string body = u"<ul class=\"songs\">\n";
     for (std::size_t i = part.first; i < part.end; ++i)
-        body += u"<li>" + link(u"/album/" + fromAscii(albums[i]->id), albums[i]->tags.album) +
+        body += u"<li>" + link(u"/album/" + fromAscii(albums[i]->id()), albums[i]->tags.album) +
                 u"<small>" + htmlText(albums[i]->tags.artist) + u"</small></li>\n";
     return around(words, asked.language, words.albums, u"", body + u"</ul>\n" + part.ways);
 }
@@ -192,7 +192,7 @@ std::u16string albumPage(const PageAsked &asked, const Item &song, std::string_v
     const Words &words = wordsIn(asked.language);
     const std::vector<const Item *> songs = albumOf(asked.library, song);
     const Part part =
-        partOf(words, query, songs.size(), u"/album/" + fromAscii(song.id) + u"?page=");
+        partOf(words, query, songs.size(), u"/album/" + fromAscii(song.id()) + u"?page=");
     const std::u16string title =
         song.tags.album.empty() ? std::u16string(words.songs) : song.tags.album;
     return around(words, asked.language, title, u"",
@@ -259,7 +259,7 @@ std::u16string lyricText(const PageAsked &asked, const Item &lyric) {
 
 std::u16string listenPage(const PageAsked &asked, const Item &song) {
     const Words &words = wordsIn(asked.language);
-    const std::string_view type = mediaType(song.format);
+    const std::string_view type = mediaType(song.format());
     const std::u16string kind = type.substr(0, 5) == "video" ? u"video" : u"audio";
     std::u16string body = u"<" + kind + u" controls preload=\"metadata\" src=\"" + file(song) +
                           u"\">" + htmlText(words.noPlayer) + u"</" + kind + u">\n<nav>";
@@ -271,7 +271,7 @@ std::u16string listenPage(const PageAsked &asked, const Item &song) {
         body += link(listen(**(at + 1)), words.next, u" rel=\"next\"");
     body += link(file(song), words.save, u" download");
     if (!song.tags.album.empty())
-        body += link(u"/album/" + fromAscii(song.id), song.tags.album);
+        body += link(u"/album/" + fromAscii(song.id()), song.tags.album);
     body += folderLink(folderOf(song.file.path), words.folders) + u"</nav>\n";
     if (const Item *lyric = lyricFor(asked.library, song))
         body += lyricText(asked, *lyric);

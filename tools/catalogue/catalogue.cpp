@@ -255,7 +255,7 @@ Answer Catalogue::song(const Library &library, std::string_view name) const {
     const Item *item = library.find(name.substr(0, name.find('.')));
     if (item == nullptr || item->isLyric)
         return notFound();
-    Answer answer = file(folder_.open(item->file.path), mediaType(item->format));
+    Answer answer = file(folder_.open(item->file.path), mediaType(item->format()));
     if (answer.file)
         answer.fields.push_back({"Content-Disposition", disposition(item->file.path)});
     return answer;

@@ -5,9 +5,13 @@
 #include "catalogue/texts.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cstring>
 #include <iterator>
+#include <system_error>
 #include <tuple>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace velmora::catalogue {
@@ -31,7 +35,22 @@ constexpr TypeRow typeRows[] = {
     {"mkv", "video/x-matroska"}, {"webm", "video/webm"},
 };
 
-std::string_view nameOf(std::string_view path) { return path.substr(path.rfind('/') + 1); }
+std::string_view nameOf(std::string_view path) {
+    const void *slash = ::memrchr(path.data(), '/', path.size());
+    return slash == nullptr ? path
+                            : path.substr(static_cast<std::size_t>(
+                                  static_cast<const char *>(slash) + 1 - path.data()));
+}
+
+// FNV-1a: well spread and the same everywhere.
+std::uint64_t numberOf(std::string_view path) {
+    std::uint64_t value = 0xCBF29CE484222325U;
+    for (const char byte : path) {
+        value ^= static_cast<unsigned char>(byte);
+        value *= 0x100000001B3U;
+    }
+    return value;
+}
 
 constexpr char betweenFields = '\x1F';
 
@@ -45,24 +64,26 @@ std::string searchText(const Item &item) {
     return text;
 }
 
-std::string_view fieldOf(std::string_view text, int number) {
-    for (; number > 0; --number)
-        text.remove_prefix(std::min(text.find(betweenFields), text.size() - 1) + 1);
-    const std::size_t end = std::min(text.find(betweenFields), text.size());
-    return end < 2 ? std::string_view() : text.substr(1, end - 2);
+std::array<std::string_view, 4> fieldsOf(std::string_view text) {
+    std::array<std::string_view, 4> fields;
+    for (std::string_view &field : fields) {
+        const std::size_t end = std::min(text.find(betweenFields), text.size());
+        field = end < 2 ? std::string_view() : text.substr(1, end - 2);
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return fields;
 }
 
 bool isExactly(std::string_view text, const std::string &form) {
     if (form.size() + 4 > text.size())
         return false;
-    const std::string_view title = fieldOf(text, 0);
-    const std::string_view artist = fieldOf(text, 1);
+    const auto [title, artist, album, name] = fieldsOf(text);
     const auto both = [&](std::string_view first, std::string_view second) {
         return form.size() == first.size() + 1 + second.size() &&
                form.compare(0, first.size(), first) == 0 && form[first.size()] == ' ' &&
                form.compare(first.size() + 1, std::string::npos, second) == 0;
     };
-    return form == title || form == fieldOf(text, 3) || both(title, artist) || both(artist, title);
+    return form == title || form == name || both(title, artist) || both(artist, title);
 }
 
 struct Word {
@@ -90,14 +111,16 @@ bool holds(std::string_view text, const std::string &sought) {
     return ::memmem(text.data(), text.size(), sought.data(), sought.size()) != nullptr;
 }
 
-// Below 0 where a word is missing, else how many are found whole.
-int matches(std::string_view text, const std::vector<Word> &words) {
-    // The first one has brought us here.
+// Below 0 where a word is missing, else how many are found whole. The first word stands at `there`
+// and nowhere ahead of it.
+int matches(std::string_view text, const std::vector<Word> &words, std::size_t there) {
     const auto isThere = [&](const Word &word) { return holds(text, word.sought); };
     if (!std::all_of(words.begin() + 1, words.end(), isThere))
         return -1;
-    return static_cast<int>(std::count_if(
-        words.begin(), words.end(), [&](const Word &word) { return holds(text, word.whole); }));
+    const auto isWhole = [&](const Word &word) { return holds(text, word.whole); };
+    const bool first = holds(text.substr(std::max<std::size_t>(there, 1) - 1), words.front().whole);
+    return static_cast<int>(first) +
+           static_cast<int>(std::count_if(words.begin() + 1, words.end(), isWhole));
 }
 
 std::size_t countOf(std::string_view text, const std::string &sought) {
@@ -109,22 +132,22 @@ std::size_t countOf(std::string_view text, const std::string &sought) {
 
 } // namespace
 
-// FNV-1a: well spread and the same everywhere.
 std::string idOf(std::string_view path) {
-    std::uint64_t value = 0xCBF29CE484222325U;
-    for (const char byte : path) {
-        value ^= static_cast<unsigned char>(byte);
-        value *= 0x100000001B3U;
-    }
+    const std::uint64_t value = numberOf(path);
     std::string id;
     for (int i = 60; i >= 0; i -= 4)
         id += lowerAscii(hexDigit(static_cast<unsigned>(value >> i)));
     return id;
 }
 
+std::string Item::id() const { return idOf(file.path); }
+
+std::string Item::format() const { return formatOf(file.path); }
+
 std::string_view pathStemOf(std::string_view path) noexcept {
-    const std::size_t dot = nameOf(path).rfind('.');
-    const std::size_t cut = dot == std::string_view::npos ? 0 : nameOf(path).size() - dot;
+    const std::string_view name = nameOf(path);
+    const std::size_t dot = name.rfind('.');
+    const std::size_t cut = dot == std::string_view::npos ? 0 : name.size() - dot;
     return path.substr(0, path.size() - cut);
 }
 
@@ -133,10 +156,9 @@ std::u16string stemOf(const Item &item) {
 }
 
 std::string formatOf(std::string_view path) {
-    const std::size_t dot = nameOf(path).rfind('.');
-    if (dot == std::string_view::npos)
-        return "";
-    return lowerAscii(nameOf(path).substr(dot + 1));
+    const std::string_view name = nameOf(path);
+    const std::size_t dot = name.rfind('.');
+    return dot == std::string_view::npos ? "" : lowerAscii(name.substr(dot + 1));
 }
 
 const char *mediaType(std::string_view format) noexcept {
@@ -158,7 +180,13 @@ void Library::Shelf::add(const Item *item, std::string_view text) {
 
 Library::Library(Items items, const Library *before) : items_(std::move(items)) {
     std::unordered_map<std::string_view, std::string_view> songs; // text by path without extension
-    places_.reserve(items_.size());
+    byNumber_.reserve(items_.size());
+    bool anyLyric = false;
+    for (const auto &item : items_) {
+        byNumber_.emplace_back(numberOf(item->file.path), item.get());
+        anyLyric = anyLyric || item->isLyric;
+    }
+    std::sort(byNumber_.begin(), byNumber_.end());
     for (const bool lyric : {false, true}) {
         Shelf &shelf = lyric ? lyrics_ : songs_;
         for (const auto &item : items_) {
@@ -170,10 +198,9 @@ Library::Library(Items items, const Library *before) : items_(std::move(items)) 
             if (lyric) // it is found by the words of the song beside it, too
                 if (const auto song = songs.find(pathStemOf(item->file.path)); song != songs.end())
                     text += song->second;
-            places_.emplace(item->id, static_cast<std::uint32_t>(shelf.items.size()));
             shelf.add(item.get(), text);
         }
-        if (!lyric)
+        if (!lyric && anyLyric)
             for (std::size_t i = 0; i < songs_.items.size(); ++i)
                 songs.emplace(pathStemOf(songs_.items[i]->file.path), songs_.text(i));
     }
@@ -198,21 +225,25 @@ void Library::findAlbums() {
 }
 
 std::string_view Library::textBefore(const Item *item) const {
-    const auto place = places_.find(item->id);
-    return place != places_.end() && place->second < songs_.items.size() &&
-                   songs_.items[place->second] == item
-               ? songs_.text(place->second)
+    const auto place = std::lower_bound(
+        songs_.items.begin(), songs_.items.end(), item->file.path,
+        [](const Item *song, const std::string &path) { return song->file.path < path; });
+    return place != songs_.items.end() && *place == item
+               ? songs_.text(static_cast<std::size_t>(place - songs_.items.begin()))
                : std::string_view();
 }
 
 const Item *Library::find(std::string_view id) const {
-    const auto place = places_.find(id);
-    if (place == places_.end())
+    std::uint64_t number = 0;
+    const auto [end, error] = std::from_chars(id.data(), id.data() + id.size(), number, 16);
+    if (error != std::errc() || end != id.data() + id.size())
         return nullptr;
-    for (const Shelf *shelf : {&songs_, &lyrics_})
-        if (place->second < shelf->items.size() && shelf->items[place->second]->id == id)
-            return shelf->items[place->second];
-    return nullptr;
+    const auto place =
+        std::lower_bound(byNumber_.begin(), byNumber_.end(), number,
+                         [](const auto &one, std::uint64_t sought) { return one.first < sought; });
+    return place != byNumber_.end() && place->first == number && place->second->id() == id
+               ? place->second
+               : nullptr;
 }
 
 Library::Found Library::searchSongs(std::u16string_view words, std::size_t most) const {
@@ -255,8 +286,12 @@ Library::Found Library::Shelf::search(std::u16string_view words, std::size_t mos
             ++item;
         constexpr int exactly = 1000;
         const std::string_view own = text(item);
-        if (const int rank = matches(own, each); rank >= 0)
-            matching.push_back({rank + (isExactly(own, whole) ? exactly : 0), own.size(), item});
+        const std::size_t begin = ends[item] - own.size();
+        if (const int rank = matches(own, each, at - begin); rank >= 0) {
+            const bool all = static_cast<std::size_t>(rank) == each.size();
+            const int more = all && isExactly(own, whole) ? exactly : 0;
+            matching.push_back({rank + more, own.size(), item});
+        }
         from = ends[item];
     }
     Found result{{}, matching.size()};

@@ -11,18 +11,21 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace velmora::catalogue {
 
 struct Item {
-    std::string id; // of digits and small letters, the same for the same path at any time
     FileEntry file;
-    std::string format; // the extension in small letters
-    Tags tags;          // what it is known by
+    Tags tags; // what it is known by
     bool isLyric = false;
     std::shared_ptr<const Tags> own; // of a lyric: what it says itself
+
+    // Of digits and small letters, the same for the same path at any time.
+    std::string id() const;
+    // The extension in small letters.
+    std::string format() const;
 };
 
 // The name without folders and extension, and what lies before the extension with the folders.
@@ -78,7 +81,7 @@ private:
     std::string_view textBefore(const Item *item) const;
 
     Items items_;
-    std::unordered_map<std::string_view, std::uint32_t> places_; // by id, among all of its kind
+    std::vector<std::pair<std::uint64_t, const Item *>> byNumber_; // by what its id says
     Shelf songs_;
     Shelf lyrics_;
     std::vector<const Item *> albums_;

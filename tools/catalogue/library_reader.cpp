@@ -57,11 +57,28 @@ void LibraryReader::takeKnown() {
         kept_ = known_->load();
 }
 
-const KnownFile *LibraryReader::kept(const FileEntry &file) const {
-    const auto at = std::lower_bound(
-        kept_.begin(), kept_.end(), file.path,
-        [](const KnownFile &known, const std::string &path) { return known.file.path < path; });
-    return at != kept_.end() && at->file == file ? &*at : nullptr;
+// Files are asked for by their paths' order, so both know their place: what is passed over has
+// gone.
+KnownFile *LibraryReader::knownBefore(const std::string &path) {
+    for (; keptAt_ < kept_.size() && kept_[keptAt_].file.path < path; ++keptAt_)
+        gone_.push_back(std::move(kept_[keptAt_].file.path));
+    const bool found = keptAt_ < kept_.size() && kept_[keptAt_].file.path == path;
+    return found ? &kept_[keptAt_++] : nullptr;
+}
+
+const LibraryReader::ItemPointer *LibraryReader::itemBefore(const std::string &path) {
+    const Library::Items &items = library_->items();
+    for (; beforeAt_ < items.size() && items[beforeAt_]->file.path < path; ++beforeAt_)
+        gone_.push_back(items[beforeAt_]->file.path);
+    const bool found = beforeAt_ < items.size() && items[beforeAt_]->file.path == path;
+    return found ? &items[beforeAt_++] : nullptr;
+}
+
+void LibraryReader::passOverTheRest() {
+    for (; keptAt_ < kept_.size(); ++keptAt_)
+        gone_.push_back(std::move(kept_[keptAt_].file.path));
+    for (; beforeAt_ < library_->items().size(); ++beforeAt_)
+        gone_.push_back(library_->items()[beforeAt_]->file.path);
 }
 
 // What a file says. `keep` becomes false where it may say something else another time.
@@ -85,17 +102,15 @@ KnownFile LibraryReader::opened(const FileEntry &file, bool &keep) {
     return known;
 }
 
-LibraryReader::ItemPointer LibraryReader::itemOf(const KnownFile &known) const {
+LibraryReader::ItemPointer LibraryReader::itemOf(KnownFile known) const {
     if (!known.usable)
         return nullptr;
     auto item = std::make_shared<Item>();
-    item->id = idOf(known.file.path);
-    item->file = known.file;
-    item->format = formatOf(known.file.path);
-    item->isLyric = item->format == "lrc";
-    item->tags = known.tags;
+    item->file = std::move(known.file);
+    item->tags = std::move(known.tags);
+    item->isLyric = item->format() == "lrc";
     if (item->isLyric) {
-        item->own = std::make_shared<const Tags>(known.tags);
+        item->own = std::make_shared<const Tags>(item->tags);
         return item;
     }
     if (item->tags.title.empty()) {
@@ -112,21 +127,26 @@ bool LibraryReader::isBeingWritten(const FileEntry &file) const {
     return ago >= 0 && ago < second;
 }
 
-LibraryReader::ItemPointer LibraryReader::itemFor(const FileEntry &file) {
-    const auto old = old_.find(file.path);
-    if (old != old_.end() && (old->second->file == file || isBeingWritten(file)))
-        return old->second;
-    if (const KnownFile *known = kept(file))
-        return itemOf(*known);
+LibraryReader::ItemPointer LibraryReader::itemFor(FileEntry file) {
+    KnownFile *kept = knownBefore(file.path);
+    const ItemPointer *old = itemBefore(file.path);
+    if (!isServed(file))
+        return nullptr;
+    if (old != nullptr && ((*old)->file == file || isBeingWritten(file)))
+        return *old;
+    if (kept != nullptr && kept->file == file)
+        return itemOf(std::move(*kept));
+    ++opened_;
     bool keep = false;
     KnownFile known = opened(file, keep);
-    ItemPointer item = itemOf(known);
     if (keep && known_ != nullptr)
-        come_.push_back(std::move(known));
-    return item;
+        come_.push_back(known);
+    return itemOf(std::move(known));
 }
 
 void LibraryReader::describeLyrics(Library::Items &items) {
+    if (std::none_of(items.begin(), items.end(), [](const auto &item) { return item->isLyric; }))
+        return;
     std::unordered_map<std::string_view, const Item *> songs;
     for (const ItemPointer &item : items)
         if (!item->isLyric)
@@ -145,35 +165,45 @@ void LibraryReader::describeLyrics(Library::Items &items) {
     }
 }
 
-// While nothing was there before, what has been read so far can be found. Each time twice as much
-// is shown, since making a library takes a while itself.
-void LibraryReader::publish(const ReadingWatch &watch, const Library::Items &items, bool all) {
+std::shared_ptr<const Library> LibraryReader::libraryOf(const Library::Items &items) const {
     Library::Items described = items;
     describeLyrics(described);
-    auto library = std::make_shared<const Library>(std::move(described), library_.get());
-    if (all)
-        library_ = std::move(library);
-    else
-        watch.part(std::move(library));
+    return std::make_shared<const Library>(std::move(described),
+                                           part_ != nullptr ? part_.get() : library_.get());
 }
 
 void LibraryReader::store(bool all) {
-    if (known_ == nullptr)
-        return;
-    std::vector<std::string> gone;
-    if (all) {
-        std::unordered_map<std::string_view, bool> there;
-        for (const FileEntry &file : listing_.files)
-            there.emplace(file.path, true);
-        for (const KnownFile &known : kept_)
-            if (there.find(known.file.path) == there.end())
-                gone.push_back(known.file.path);
-        for (const auto &[path, item] : old_)
-            if (there.find(path) == there.end())
-                gone.emplace_back(path);
-    }
-    known_->store(come_, gone);
+    if (known_ != nullptr)
+        known_->store(come_, all ? gone_ : std::vector<std::string>());
     come_.clear();
+}
+
+// While nothing was there before, what has been read so far can be found: each time twice as many
+// files have been opened, since making a library takes a while itself. What is known again is all
+// there sooner than parts of it would be.
+void LibraryReader::showPart(const ReadingWatch &watch, const Library::Items &items) {
+    if (opened_ < 2 * shown_)
+        return;
+    shown_ = opened_;
+    part_ = libraryOf(items);
+    watch.part(part_);
+}
+
+void LibraryReader::beginReading(Listing listing) {
+    listing_ = std::move(listing);
+    constexpr std::size_t firstPart = 500;
+    shown_ = firstPart;
+    opened_ = keptAt_ = beforeAt_ = 0;
+    gone_.clear();
+}
+
+// What a reading needed goes; what it took is as much as what is kept.
+void LibraryReader::endReading() {
+    kept_ = {};
+    gone_ = {};
+    part_ = nullptr;
+    listing_.files = {};
+    ::malloc_trim(0);
 }
 
 std::shared_ptr<const Library> LibraryReader::read(const ReadingWatch &watch) {
@@ -184,41 +214,30 @@ std::shared_ptr<const Library> LibraryReader::read(const ReadingWatch &watch) {
         return library_;
     looked_ = std::chrono::steady_clock::now();
     took_ = looked_ - begin;
-    listing_ = std::move(listing);
-    const Library &before = *library_;
-    for (const ItemPointer &item : before.items())
-        old_.emplace(item->file.path, item);
+    beginReading(std::move(listing));
+    const bool first = library_->items().empty();
     Library::Items items;
     std::size_t done = 0;
-    std::size_t shown = 500;
     constexpr std::size_t told = 1000;
-    bool ended = false;
-    for (const FileEntry &file : listing_.files) {
-        ended = !watch.goesOn();
-        if (ended)
-            break;
+    for (FileEntry &file : listing_.files) {
+        if (!watch.goesOn()) {
+            store(false);
+            return library_;
+        }
         if (++done % told == 0)
             watch.progress(done, listing_.files.size());
-        if (!isServed(file))
-            continue;
-        if (ItemPointer item = itemFor(file))
+        if (ItemPointer item = itemFor(std::move(file)))
             items.push_back(std::move(item));
         if (come_.size() >= storedTogether)
             store(false);
-        if (before.items().empty() && items.size() >= 2 * shown && done < listing_.files.size()) {
-            shown = items.size();
-            publish(watch, items, false);
-        }
+        if (first && done < listing_.files.size())
+            showPart(watch, items);
     }
-    store(!ended);
-    old_.clear();
-    if (ended)
-        return library_;
-    kept_ = {};
-    if (items != before.items() || items.empty())
-        publish(watch, items, true);
-    listing_.files = {};
-    ::malloc_trim(0); // what reading took is as much as what is kept
+    passOverTheRest();
+    store(true);
+    if (items != library_->items() || items.empty())
+        library_ = libraryOf(items);
+    endReading();
     return library_;
 }
 

@@ -11,7 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
+#include <vector>
 
 namespace velmora::catalogue {
 
@@ -44,12 +44,17 @@ private:
     using ItemPointer = std::shared_ptr<const Item>;
 
     void takeKnown();
-    const KnownFile *kept(const FileEntry &file) const;
+    KnownFile *knownBefore(const std::string &path);
+    const ItemPointer *itemBefore(const std::string &path);
+    void passOverTheRest();
     KnownFile opened(const FileEntry &file, bool &keep);
-    ItemPointer itemFor(const FileEntry &file);
-    ItemPointer itemOf(const KnownFile &known) const;
+    ItemPointer itemFor(FileEntry file);
+    ItemPointer itemOf(KnownFile known) const;
     bool isBeingWritten(const FileEntry &file) const;
-    void publish(const ReadingWatch &watch, const Library::Items &items, bool all);
+    std::shared_ptr<const Library> libraryOf(const Library::Items &items) const;
+    void showPart(const ReadingWatch &watch, const Library::Items &items);
+    void beginReading(Listing listing);
+    void endReading();
     static void describeLyrics(Library::Items &items);
     void store(bool all);
 
@@ -57,11 +62,17 @@ private:
     TagReader &tags_;
     KnownTags *known_;
     bool knownTaken_ = false;
-    std::vector<KnownFile> kept_; // of the last run, by path, until the first reading
-    std::vector<KnownFile> come_; // to be kept
+    std::vector<KnownFile> kept_;   // of the last run, by path, until the first reading
+    std::vector<KnownFile> come_;   // to be kept
+    std::vector<std::string> gone_; // to be forgotten
+    std::size_t opened_ = 0;        // in this reading
+    std::size_t shown_ = 0;         // of them, when a part was shown
     Listing listing_;
     std::shared_ptr<const Library> library_ = std::make_shared<const Library>();
-    std::unordered_map<std::string_view, ItemPointer> old_; // by path, while reading
+    // How far a reading has come, path by path, in what was kept and in the library before.
+    std::size_t keptAt_ = 0;
+    std::size_t beforeAt_ = 0;
+    std::shared_ptr<const Library> part_; // what the reading has shown so far
     std::chrono::steady_clock::time_point looked_;
     std::chrono::steady_clock::duration took_{};
 };

@@ -102,7 +102,7 @@ std::vector<Line> newest(std::vector<const Item *> items, std::u16string_view ba
 std::vector<const Item *> pictures(const Library &library) {
     std::vector<const Item *> found;
     for (const Item *item : library.songs())
-        if (std::string_view(mediaType(item->format)).substr(0, 5) == "video")
+        if (std::string_view(mediaType(item->format())).substr(0, 5) == "video")
             found.push_back(item);
     return found;
 }

@@ -55,11 +55,12 @@ std::u16string fittingField(std::u16string_view text, std::size_t bytes) {
 } // namespace
 
 std::u16string songAddress(std::u16string_view base, const Item &song) {
-    return std::u16string(base) + u"/song/" + fromAscii(song.id) + u"." + fromAscii(song.format);
+    return std::u16string(base) + u"/song/" + fromAscii(song.id()) + u"." +
+           fromAscii(song.format());
 }
 
 std::u16string lyricAddress(std::u16string_view base, const Item &lyric) {
-    return std::u16string(base) + u"/LrcDown/" + fromAscii(lyric.id) + u".lrc";
+    return std::u16string(base) + u"/LrcDown/" + fromAscii(lyric.id()) + u".lrc";
 }
 
 std::u16string lyricPage(std::u16string_view base, std::u16string_view words,
@@ -86,7 +87,7 @@ std::u16string songCell(std::u16string_view base, const Item &song) {
                                         fittingField(song.tags.album, mostAlbumBytes),
                                         fittingField(song.tags.artist, mostSingerBytes),
                                         number(static_cast<std::size_t>(song.file.bytes)),
-                                        fromAscii(song.format), std::u16string(u"100")})
+                                        fromAscii(song.format()), std::u16string(u"100")})
         cell += u"@@" + field;
     return cell + u"@@FI" + songAddress(base, song) + u";" + label + u";</td>";
 }

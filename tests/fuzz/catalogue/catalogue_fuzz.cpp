@@ -35,7 +35,7 @@ void checkCell(const Item &song) {
     require(cell.size() <= 2000);
     require(countOf(cell, u"<TD CLASS=\"DATA\">") == 1 && countOf(cell, u"</TD>") == 1);
     const std::size_t end = cell.find(u"@@FI");
-    require(end == cell.find(u"@@FIHTTP://H:1/SONG/0.MP3;"));
+    require(end == cell.find(u"@@FIHTTP://H:1/SONG/" + upper(fromAscii(song.id())) + u".MP3;"));
     require(countOf(cell.substr(0, end), u"@@") == 6);
     require(countOf(cell, u";") == 2);
 }
@@ -49,8 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const std::u16string second = textOf(bytes.substr(std::min(middle + 1, size)));
 
     Item song;
-    song.id = "0";
-    song.format = "mp3";
+    song.file.path = "song.mp3";
     song.tags = {first, second, first + second};
     checkCell(song);
 

@@ -38,7 +38,7 @@ protected:
              {&catalogue().library()->songs(), &catalogue().library()->lyrics()})
             for (const Item *item : *items)
                 if (item->file.path == path)
-                    return item->id;
+                    return item->id();
         return "none";
     }
     static std::string contentOf(const Answer &answer) {

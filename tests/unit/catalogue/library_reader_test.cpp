@@ -55,6 +55,13 @@ protected:
         tags_.read = 0;
         return LibraryReader(folder_, tags_, &known).read();
     }
+    std::vector<std::string> keptPaths() {
+        KnownTags known((music_ / ".known.sqlite").string());
+        std::vector<std::string> paths;
+        for (const KnownFile &file : known.load())
+            paths.push_back(file.file.path);
+        return paths;
+    }
     void damage(const std::string &bytes) { music_.put(".known.sqlite", bytes); }
 
     MusicFolder music_;
@@ -115,6 +122,38 @@ TEST_F(LibraryReaderTest, KnowsEverythingAgainAfterAStart) {
     EXPECT_EQ(tags_.read, 0);
     EXPECT_EQ(again->searchSongs(u"one singer").all, 1U);
     EXPECT_EQ(again->searchLyrics(u"two").all, 1U);
+}
+
+TEST_F(LibraryReaderTest, ShowsPartsOfWhatIsOpenedAndNoneOfWhatIsKnownAgain) {
+    for (int i = 0; i < 2500; ++i)
+        music_.put("many/" + std::to_string(i) + ".mp3", "x");
+    makeOld();
+    afterAStart();
+    int parts = 0;
+    ReadingWatch watch;
+    watch.part = [&](const auto &) { ++parts; };
+    KnownTags known((music_ / ".known.sqlite").string());
+    LibraryReader reader(folder_, tags_, &known);
+    EXPECT_EQ(reader.read(watch)->songs().size(), 2502U);
+    EXPECT_EQ(parts, 0);
+}
+
+TEST_F(LibraryReaderTest, ForgetsWhatWentInFrontAndBehindAllThatIsThere) {
+    music_.put("0 first.mp3", "x");
+    music_.put("z last.mp3", "x");
+    makeOld();
+    afterAStart();
+    std::filesystem::remove(music_ / "0 first.mp3");
+    std::filesystem::remove(music_ / "z last.mp3");
+    {
+        KnownTags known((music_ / ".known.sqlite").string());
+        LibraryReader reader(folder_, tags_, &known);
+        EXPECT_THAT(pathsOf(*reader.read()), ElementsAre("a/one.mp3", "b/two.lrc", "b/two.mp3"));
+        std::filesystem::remove(music_ / "b/two.mp3");
+        EXPECT_THAT(pathsOf(*reader.read()), ElementsAre("a/one.mp3", "b/two.lrc"))
+            << "and what went while it ran";
+    }
+    EXPECT_THAT(keptPaths(), ElementsAre("a/one.mp3", "b/two.lrc"));
 }
 
 TEST_F(LibraryReaderTest, ReadsAfterAStartWhatHasChangedAndForgetsWhatWent) {

@@ -49,7 +49,7 @@ TEST_F(LibraryTest, KnowsMusicPicturesAndLyricsByTheirExtensions) {
     refresh();
     EXPECT_EQ(library_->songs().size(), 3U);
     EXPECT_EQ(library_->lyrics().size(), 1U);
-    EXPECT_EQ(song("b.FLAC").format, "flac");
+    EXPECT_EQ(song("b.FLAC").format(), "flac");
 }
 
 TEST_F(LibraryTest, LeavesOutEmptyFilesAndEmptyLyrics) {
@@ -64,11 +64,11 @@ TEST_F(LibraryTest, LeavesOutEmptyFilesAndEmptyLyrics) {
 TEST_F(LibraryTest, IdsAreOfDigitsAndSmallLettersAndStayTheSame) {
     music_.put("sub/A song.mp3", "x");
     refresh();
-    const std::string id = song("sub/A song.mp3").id;
+    const std::string id = song("sub/A song.mp3").id();
     EXPECT_EQ(id.find_first_not_of("0123456789abcdef"), std::string::npos);
     music_.put("another.mp3", "y");
     refresh();
-    EXPECT_EQ(song("sub/A song.mp3").id, id);
+    EXPECT_EQ(song("sub/A song.mp3").id(), id);
     EXPECT_EQ(library_->find(id)->file.path, "sub/A song.mp3");
     EXPECT_EQ(library_->find("0123"), nullptr);
     EXPECT_EQ(library_->find(""), nullptr);
@@ -156,6 +156,14 @@ TEST_F(LibraryTest, PutsTheBestMatchFirst) {
     EXPECT_THAT(songsFor(u"hello"), ElementsAre("b.mp3", "a.mp3"));
     EXPECT_THAT(songsFor(u"Hello Stesul"), ElementsAre("b.mp3", "a.mp3"));
     EXPECT_THAT(songsFor(u"Stesul Hello"), ElementsAre("b.mp3", "a.mp3"));
+}
+
+TEST_F(LibraryTest, CountsAWordAsWholeWhereverItStandsWhole) {
+    music_.putTagged("a.mp3", "Again Againness", "Somebody", "");
+    music_.putTagged("b.mp3", "Againness Again", "Some", "");
+    music_.putTagged("c.mp3", "Againness", "Some", "");
+    refresh();
+    EXPECT_THAT(songsFor(u"again"), ElementsAre("b.mp3", "a.mp3", "c.mp3"));
 }
 
 TEST_F(LibraryTest, KnowsALyricByItsOwnWordsAndByTheSongBesideIt) {

@@ -11,12 +11,15 @@ namespace velmora::catalogue {
 
 namespace {
 
+using namespace std::string_literals;
+
 constexpr char16_t base[] = u"http://127.0.0.1:8420";
 
-Item lyric(const std::string &id, std::u16string title = u"Title") {
+std::u16string songId() { return fromAscii(idOf("song.mp3")); }
+
+Item lyric(const std::string &name, std::u16string title = u"Title") {
     Item item;
-    item.id = id;
-    item.format = "lrc";
+    item.file.path = name + ".lrc";
     item.isLyric = true;
     item.tags.title = std::move(title);
     return item;
@@ -24,8 +27,7 @@ Item lyric(const std::string &id, std::u16string title = u"Title") {
 
 Item song(std::u16string title, std::u16string artist, std::u16string album) {
     Item item;
-    item.id = "00ff";
-    item.format = "mp3";
+    item.file.path = "song.mp3";
     item.file.bytes = 12345;
     item.tags = {std::move(title), std::move(artist), std::move(album)};
     return item;
@@ -52,6 +54,11 @@ std::u16string lyricPageOf(std::size_t count, std::u16string title = u"Title") {
     return lyricPage(base, u"words", pointers);
 }
 
+// As a reader of the upper-cased page has it.
+std::u16string linkOf(const std::string &name) {
+    return upper(base + u"/LrcDown/"s + fromAscii(idOf(name + ".lrc")) + u".lrc");
+}
+
 constexpr char16_t home[] = u"HTTP://127.0.0.1:8420/";
 
 TEST(LyricPage, WithoutALyricHasOneLinkHome) {
@@ -59,13 +66,12 @@ TEST(LyricPage, WithoutALyricHasOneLinkHome) {
 }
 
 TEST(LyricPage, WithOneLyricEndsWithItsLink) {
-    const std::vector<std::u16string> expected = {home, u"HTTP://127.0.0.1:8420/LRCDOWN/A0.LRC"};
+    const std::vector<std::u16string> expected = {home, linkOf("a0")};
     EXPECT_EQ(linksOf(lyricPageOf(1)), expected);
 }
 
 TEST(LyricPage, WithMoreLyricsHasOneOtherLinkBehindThem) {
-    const std::vector<std::u16string> expected = {u"HTTP://127.0.0.1:8420/LRCDOWN/A0.LRC",
-                                                  u"HTTP://127.0.0.1:8420/LRCDOWN/A1.LRC", home};
+    const std::vector<std::u16string> expected = {linkOf("a0"), linkOf("a1"), home};
     EXPECT_EQ(linksOf(lyricPageOf(2)), expected);
 }
 
@@ -95,13 +101,15 @@ TEST(LyricPage, SaysItsCharset) {
 TEST(SongCell, IsThePackedRecordWithItsLink) {
     EXPECT_EQ(songCell(base, song(u"Name", u"Singer", u"Album")),
               u"<td class=\"data\">0@@Name@@Album@@Singer@@12345@@mp3@@100@@FI"
-              u"http://127.0.0.1:8420/song/00ff.mp3;Singer - Name;</td>");
+              u"http://127.0.0.1:8420/song/" +
+                  songId() + u".mp3;Singer - Name;</td>");
 }
 
 TEST(SongCell, HasEmptyFieldsForWhatIsNotKnown) {
     const Item item = song(u"Name", u"", u"");
     EXPECT_EQ(songCell(base, item), u"<td class=\"data\">0@@Name@@@@@@12345@@mp3@@100@@FI"
-                                    u"http://127.0.0.1:8420/song/00ff.mp3;Name;</td>");
+                                    u"http://127.0.0.1:8420/song/" +
+                                        songId() + u".mp3;Name;</td>");
 }
 
 // As the reader takes a cell apart.
@@ -114,7 +122,8 @@ std::vector<std::u16string> fieldsOf(const std::u16string &cell) {
     const std::size_t separator = text.find(u"@@FI");
     const std::u16string record = text.substr(0, separator);
     const std::u16string pieces = text.substr(separator + 4, text.find(u"</TD>") - separator - 4);
-    EXPECT_TRUE(startsWith(pieces, u"HTTP://127.0.0.1:8420/SONG/00FF.MP3;")) << toUtf8(pieces);
+    EXPECT_TRUE(startsWith(pieces, u"HTTP://127.0.0.1:8420/SONG/" + upper(songId()) + u".MP3;"))
+        << toUtf8(pieces);
     EXPECT_EQ(std::count(pieces.begin(), pieces.end(), u';'), 2);
     EXPECT_EQ(pieces.back(), u';');
     std::vector<std::u16string> fields;
