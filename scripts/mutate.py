@@ -7,7 +7,8 @@
 Works on a copy of the tree as it is now, in build/mutate; the tree itself is not touched and may be edited
 meanwhile. Each mutant is compiled beside the copy, and its object linked instead of the true one: nothing has to be
 put back, whatever ends the run. The programs of tests/unit that hold the source are linked and run one after the other,
-those that most likely notice first, until one fails. Two mutants are tried at a time.
+those that most likely notice first, until one fails. Mutants are compiled without optimization, behind a precompiled
+header of all that their folder reads. Two are tried at a time, or VELMORA_MUTANTS_AT_ONCE.
 
 COUNT mutants that compile are tried. Prints a line for each and a sum; those that survived are written as diffs to
 build/mutate/survivors-SEED.diff. A survivor is a hole in the tests, a rule that nobody holds, or an equivalent program.
@@ -36,7 +37,7 @@ ROOM = os.path.join(SOURCE, "build", "mutate")
 TREE = os.path.join(ROOM, "tree")
 BUILD = os.path.join(TREE, "build", "dev")
 MEMORY = 4 << 30  # bytes that a mutant which loops may take
-WORKERS = 2
+WORKERS = int(os.environ.get("VELMORA_MUTANTS_AT_ONCE", "2"))
 CALMLY = ["nice", "-n", "5"]
 
 TOKEN = re.compile(
@@ -293,6 +294,34 @@ class Bench:
         with open(os.path.join(BUILD, "compile_commands.json"), encoding="utf-8") as file:
             self.compile_commands = {c["file"]: shlex.split(c["command"]) for c in json.load(file)}
         self.kills = collections.Counter()
+        self.precompiled = self.precompile()
+
+    def precompile(self):
+        """A header of what the sources of a way to compile read of the tree and the system, for each such way."""
+        ways = collections.defaultdict(set)
+        for source in self.sources():
+            command, _ = self.compilation(os.path.join(TREE, source))
+            with open(os.path.join(TREE, source), encoding="utf-8") as file:
+                ways[tuple(command)].update(re.findall(r"^#include .*", file.read(), re.M))
+        headers = {}
+        for command, lines in ways.items():
+            header = os.path.join(ROOM, "precompiled", f"{len(headers)}.h")
+            os.makedirs(os.path.dirname(header), exist_ok=True)
+            with open(header, "w", encoding="utf-8") as file:
+                file.write("\n".join(sorted(lines)))
+            status, _ = quiet([*CALMLY, *command, "-x", "c++-header", header, "-o", f"{header}.gch"], cwd=BUILD)
+            # Headers that do not get on with each other are read by each mutant anew.
+            headers[command] = ["-include", header] if status == 0 else []
+        return headers
+
+    def compilation(self, source):
+        """The words that compile a mutant of the source, less those that name the files; the true object."""
+        command = list(self.compile_commands[source])
+        place = command.index("-o")
+        true_object = command[place + 1]
+        del command[place : place + 2]
+        # Warnings (an unused variable, a fall through) would stop what is to be tried.
+        return [word for word in command if word not in ("-c", source)] + ["-w", "-O0", "-g0"], true_object
 
     def sources(self):
         for folder in self.folders:
@@ -322,14 +351,13 @@ class Bench:
             broken_source = os.path.join(room, os.path.basename(mutant.path))
             with open(broken_source, "w", encoding="utf-8", newline="") as file:
                 file.write(text)
-            command = list(self.compile_commands[true_source])
-            place = command.index("-o") + 1
-            true_object, command[place] = command[place], os.path.join(room, "broken.o")
-            # Warnings (an unused variable, a fall through) would stop what is to be tried.
-            command += ["-w", "-iquote", os.path.dirname(true_source)]
-            if quiet(CALMLY + exchanged(command, {true_source: broken_source}), cwd=BUILD)[0] != 0:
+            broken_object = os.path.join(room, "broken.o")
+            command, true_object = self.compilation(true_source)
+            command += self.precompiled[tuple(command)]
+            command += ["-iquote", os.path.dirname(true_source), "-c", broken_source, "-o", broken_object]
+            if quiet(CALMLY + command, cwd=BUILD)[0] != 0:
                 return False
-            instead = {true_object: command[place]}
+            instead = {true_object: broken_object}
             for archive, objects in self.archives.items():
                 if true_object in objects:
                     instead[archive] = os.path.join(room, "broken.a")
