@@ -14,7 +14,18 @@ using platform::RemoteCommand;
 using platform::RemoteLoop;
 using platform::RemoteStatus;
 
-class RemoteCommands : public RemoteFixture {};
+class RemoteCommands : public RemoteFixture {
+protected:
+    void pauseAndEndTheCall() {
+        ASSERT_EQ(media.mode(), u"playing");
+        ask(RemoteCommand::Pause);
+        settle();
+        media.clearCommands();
+        app.remoteControl().quiet(false);
+        EXPECT_THAT(media.actions(), ::testing::IsEmpty());
+        EXPECT_EQ(media.mode(), u"paused");
+    }
+};
 
 TEST_F(RemoteCommands, PlayWhilePlayingDoesNothing) {
     play();
@@ -60,28 +71,22 @@ TEST_F(RemoteCommands, TheEndOfACallStartsNothingThatDidNotPlay) {
     EXPECT_EQ(media.mode(), u"paused");
 }
 
-TEST_F(RemoteCommands, TheEndOfACallLeavesAloneWhatAPersonHasTakenInHand) {
+TEST_F(RemoteCommands, TheEndOfACallLeavesAloneWhatAPersonStartedAndPausedMeanwhile) {
     play();
     app.remoteControl().quiet(true);
     settle();
     ask(RemoteCommand::Play);
     settle();
-    ask(RemoteCommand::Pause);
-    settle();
-    media.clearCommands();
-    app.remoteControl().quiet(false);
-    EXPECT_THAT(media.actions(), ::testing::IsEmpty());
-    ask(RemoteCommand::Play);
-    settle();
+    pauseAndEndTheCall();
+}
+
+TEST_F(RemoteCommands, TheEndOfACallLeavesAloneATrackThatAPersonWentOnToAndPausedMeanwhile) {
+    play();
     app.remoteControl().quiet(true);
     settle();
     ask(RemoteCommand::Next);
     settle();
-    ask(RemoteCommand::Pause);
-    settle();
-    media.clearCommands();
-    app.remoteControl().quiet(false);
-    EXPECT_THAT(media.actions(), ::testing::IsEmpty());
+    pauseAndEndTheCall();
 }
 
 TEST_F(RemoteCommands, PlayAfterAStopOpensTheTrackAgain) {
