@@ -21,7 +21,6 @@ void playSetForm::load() {
     app_.formSet().dress(*this, {&title, &title_ICO}, [this] { leave(); });
     setTabHandlers();
     setButtonHandlers();
-    on().KeyDown = [this](forms::KeyEvent &key) { keyDown(key); };
     listenForKeys(*this);
 }
 
@@ -71,7 +70,8 @@ void playSetForm::setButtonHandlers() {
         row.control.on().Click = [this, handler = row.handler] { (this->*handler)(); };
 }
 
-// A key goes to the control that has the focus, and the window's key works from each of them.
+// A key goes to the control that has the focus, or else to the first that can have it, and each
+// page has one. The window's key works from each of them.
 void playSetForm::listenForKeys(forms::Container &container) {
     for (forms::Control *control : container.controls()) {
         if (control->takesFocus())

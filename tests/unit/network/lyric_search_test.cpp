@@ -332,6 +332,17 @@ TEST_F(LyricSearch, scannedAgainGoesStraightToTheFurtherPages) {
     EXPECT_EQ(rows(), Texts{rowA(5)});
 }
 
+TEST_F(LyricSearch, scannedAgainAsksForNoFurtherPageWhereTheFirstIsGone) {
+    searchPage(pageLink(1) + pageLink(2) + pageLink(3));
+    search.lrcFirstPageDone = false;
+    const std::u16string gone = lyricAddress(u"x");
+    net.setPage(gone, "");
+    net.log.clear();
+    EXPECT_TRUE(passOver([&] { search.scanLrcPages(gone); }));
+    EXPECT_EQ(countLog(u"XmlHttpGet"), 1);
+    EXPECT_FALSE(search.lrcFirstPageDone);
+}
+
 TEST_F(LyricSearch, ofTenMegabytesOfMarkersTakesATimeThatGrowsWithThePageAlone) {
     std::string page;
     for (int i = 0; i < 2'500'000; ++i)

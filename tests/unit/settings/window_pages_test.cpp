@@ -343,10 +343,13 @@ TEST_F(SettingsPages, KeepWhatWasTypedAfterCancelButNotWhatIsReadAnew) {
 // --- keys and other windows ------------------------------------------------------------------
 
 TEST_F(SettingsPages, AreConfirmedByCtrlSWithTheFocusNowhere) {
-    open();
-    form.setFocus(nullptr);
-    EXPECT_FALSE(form.keyPressed(83, forms::ctrlMask));
-    expectClosed();
+    for (const Page &page : pages()) {
+        open();
+        click(page.tab);
+        form.setFocus(nullptr);
+        EXPECT_FALSE(form.keyPressed(83, forms::ctrlMask)) << page.tab.name();
+        expectClosed();
+    }
 }
 
 TEST_F(SettingsPages, AreConfirmedByCtrlSWhereverTheFocusIs) {
