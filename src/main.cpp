@@ -86,6 +86,9 @@ int play() {
                        ? platform::PinnedServer{running->setControl().get_MakerHost(),
                                                 running->setControl().get_MakerPin()}
                        : platform::PinnedServer();
+        },
+        [&windows](int descriptor, std::function<void()> ready) {
+            return windows->watch(descriptor, std::move(ready));
         });
     const auto dialogs = platform::makeQtDialogs(*windows, *ansi, calls);
 

@@ -29,11 +29,13 @@ struct Sent {
 
 class HttpTest : public ::testing::Test {
 protected:
+    platform::WatchReadable watch_; // set before the first use of `internet`
+
     platform::Internet &internet() {
         if (internet_ == nullptr)
             internet_ = platform::makeInternet(
                 *ansi_, [] { return std::vector<std::u16string>(); }, limits_, {},
-                [this] { return pinned_; });
+                [this] { return pinned_; }, watch_);
         return *internet_;
     }
 

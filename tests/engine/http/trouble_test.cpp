@@ -6,6 +6,7 @@
 #include <arpa/inet.h>
 #include <ifaddrs.h>
 #include <net/if.h>
+#include <poll.h>
 #include <thread>
 
 namespace velmora::testing {
@@ -52,6 +53,78 @@ TEST_F(HttpTrouble, ACutBodyGivesWhatCameAndThenFails) {
         EXPECT_EQ(body.bytes, std::string(byte, 'x'));
         EXPECT_TRUE(body.cut) << byte;
     }
+}
+
+// --- bodies that nobody reads for a while ---
+
+// What the loop does while a box stands over a transfer.
+class HttpUnread : public HttpTest {
+protected:
+    HttpUnread() {
+        watch_ = [this](int descriptor, std::function<void()> ready) {
+            pollfd_.fd = descriptor;
+            ready_ = std::move(ready);
+            return [this](bool) {};
+        };
+    }
+    // Another turn of the loop; false where nothing is ready for seconds.
+    bool turn() {
+        pollfd_.events = POLLIN;
+        if (::poll(&pollfd_, 1, 20'000) != 1)
+            return false;
+        ready_();
+        return true;
+    }
+    static LoopbackServer::Script song(std::uint64_t bytes) {
+        return [bytes](Talk &talk, const std::string &) {
+            talk.send("HTTP/1.0 200 OK\r\nContent-Length: " + std::to_string(bytes) + "\r\n\r\n");
+            talk.sendZeros(bytes);
+        };
+    }
+
+    pollfd pollfd_{};
+    std::function<void()> ready_;
+};
+
+TEST_F(HttpUnread, AreTakenAheadSoThatAServerWithoutPatienceDoesNotCutThem) {
+    constexpr std::uint64_t bytes = 40'000'000; // more than lies on the way
+    LoopbackServer server(song(bytes));
+    const Sent sent = send(server.port());
+    std::string first;
+    ASSERT_TRUE(internet().InternetReadFile(sent.request, 1000, first));
+    for (int i = 0; i < 100 && server.bytesSent() < bytes; ++i)
+        ASSERT_TRUE(ready_ && turn()) << "nothing goes on";
+    EXPECT_GE(server.bytesSent(), bytes) << "the server waits";
+    const Body rest = bodyOf(sent, 1 << 20);
+    EXPECT_EQ(first.size() + rest.bytes.size(), bytes);
+    EXPECT_FALSE(rest.cut);
+}
+
+TEST_F(HttpUnread, AreTakenAheadAsFarAsTheLimitGoes) {
+    InternetLimits limits;
+    limits.unread = milliseconds(0);
+    limits.aheadBytes = 1'000'000;
+    limit(limits);
+    constexpr std::uint64_t bytes = 60'000'000;
+    LoopbackServer server(song(bytes));
+    const Sent sent = send(server.port());
+    for (int i = 0; i < 8; ++i)
+        ASSERT_TRUE(turn());
+    EXPECT_LT(server.bytesSent(), bytes);
+    EXPECT_EQ(bodyOf(sent, 1 << 20).bytes.size(), bytes);
+}
+
+TEST_F(HttpUnread, AreLeftOnTheWayWhileSomebodyReads) {
+    InternetLimits limits;
+    limits.unread = std::chrono::hours(1);
+    limit(limits);
+    constexpr std::uint64_t bytes = 60'000'000;
+    LoopbackServer server(song(bytes));
+    const Sent sent = send(server.port());
+    for (int i = 0; i < 8; ++i)
+        ASSERT_TRUE(turn());
+    EXPECT_LT(server.bytesSent(), bytes);
+    EXPECT_EQ(bodyOf(sent, 1 << 20).bytes.size(), bytes);
 }
 
 // --- hosts that are not there ---

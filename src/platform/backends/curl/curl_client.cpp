@@ -13,9 +13,9 @@ namespace velmora::platform {
 std::unique_ptr<Internet> makeInternet(const AnsiText &ansi,
                                        std::function<std::vector<std::u16string>()> hosts,
                                        const InternetLimits &limits, FileCalls calls,
-                                       std::function<PinnedServer()> pinned) {
+                                       std::function<PinnedServer()> pinned, WatchReadable watch) {
     return std::make_unique<http::CurlClient>(ansi, std::move(hosts), limits, std::move(calls),
-                                              std::move(pinned));
+                                              std::move(pinned), std::move(watch));
 }
 
 } // namespace velmora::platform
@@ -101,7 +101,19 @@ bool CurlClient::InternetCloseHandle(InternetHandle handle) {
             children.push_back(number);
     for (const InternetHandle child : children)
         InternetCloseHandle(child);
+    const auto runs = [](const auto &one) {
+        const auto *open = std::get_if<OpenRequest>(&one.second.what);
+        return open != nullptr && open->exchange != nullptr;
+    };
+    if (std::none_of(handles_.begin(), handles_.end(), runs))
+        ahead_.reset();
     return true;
+}
+
+void CurlClient::takeAhead() {
+    for (auto &[number, entry] : handles_)
+        if (auto *open = std::get_if<OpenRequest>(&entry.what); open != nullptr && open->exchange)
+            open->exchange->takeAhead();
 }
 
 bool CurlClient::InternetSetCookieA(std::u16string_view url, std::u16string_view name,

@@ -5,6 +5,7 @@
 #include "platform/backends/curl/addresses.h"
 #include "platform/backends/curl/curl_internet.h"
 #include "platform/backends/curl/exchange.h"
+#include "platform/backends/curl/ticker.h"
 #include "platform/backends/linux/atomic_write.h"
 
 #include <map>
@@ -15,9 +16,10 @@ namespace velmora::platform::http {
 class CurlClient : public Internet {
 public:
     CurlClient(const AnsiText &ansi, std::function<std::vector<std::u16string>()> hosts,
-               const InternetLimits &limits, FileCalls calls, std::function<PinnedServer()> pinned)
+               const InternetLimits &limits, FileCalls calls, std::function<PinnedServer()> pinned,
+               WatchReadable watch)
         : ansi_(ansi), hosts_(std::move(hosts)), limits_(limits), calls_(std::move(calls)),
-          pinned_(std::move(pinned)) {}
+          pinned_(std::move(pinned)), watch_(std::move(watch)) {}
     ~CurlClient() override;
 
     std::int32_t InternetGetConnectedState(std::uint32_t &flags) override;
@@ -80,6 +82,7 @@ private:
     // Starts an exchange, unless its host could not be reached a moment ago, and notes when it
     // cannot be reached now.
     bool start(Exchange &exchange, const std::string &url, Exchange::Time until);
+    void takeAhead();
     bool receiveInto(Exchange &exchange, AtomicFile &file);
 
     const AnsiText &ansi_;
@@ -87,6 +90,8 @@ private:
     InternetLimits limits_;
     FileCalls calls_;
     std::function<PinnedServer()> pinned_;
+    WatchReadable watch_;
+    std::unique_ptr<Ticker> ahead_;           // while there is an exchange to read
     std::shared_ptr<const CurlLibrary> curl_; // loaded at first use
     CURLSH *jar_ = nullptr;
     std::map<InternetHandle, Entry> handles_;

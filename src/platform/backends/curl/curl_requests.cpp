@@ -129,8 +129,11 @@ bool CurlClient::HttpSendRequestA(InternetHandle request, std::u16string_view bo
     sent.stall = limits_.read;
     const std::string address = sent.url;
     open->exchange = std::make_unique<Exchange>(*curl_, jar_, limits_, std::move(sent));
-    if (start(*open->exchange, address, Exchange::Time::max()))
+    if (start(*open->exchange, address, Exchange::Time::max())) {
+        if (watch_ && ahead_ == nullptr)
+            ahead_ = std::make_unique<Ticker>(watch_, [this] { takeAhead(); });
         return true;
+    }
     open->exchange.reset();
     return false;
 }

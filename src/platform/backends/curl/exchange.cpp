@@ -221,6 +221,7 @@ bool Exchange::start(Time until) {
     curl_.curl_multi_add_handle(multi_, easy_);
     while (!header_.complete() && ending_ == Ending::Running)
         step(std::min(headerUntil, stageUntil_));
+    lastRead_ = steady_clock::now();
     return header_.complete();
 }
 
@@ -240,6 +241,25 @@ void Exchange::read(std::size_t count, std::size_t leastInStall, std::string &by
     }
     bytes.assign(buffer_, taken_, count);
     taken_ += bytes.size();
+    lastRead_ = steady_clock::now();
+}
+
+void Exchange::takeAhead() {
+    constexpr milliseconds longest{20}; // windows wait for it
+    const Time begin = steady_clock::now();
+    if (ending_ != Ending::Running || begin - lastRead_ < limits_.unread)
+        return;
+    wanted_ = limits_.aheadBytes;
+    if (ready() < wanted_ && std::exchange(paused_, false))
+        curl_.curl_easy_pause(easy_, CURLPAUSE_CONT);
+    std::size_t before = 0;
+    do {
+        before = received_;
+        int running = 0;
+        curl_.curl_multi_perform(multi_, &running);
+        noteResult();
+    } while (ending_ == Ending::Running && received_ != before &&
+             steady_clock::now() - begin < longest);
 }
 
 std::string Exchange::failure() const {

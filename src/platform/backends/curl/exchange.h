@@ -39,8 +39,8 @@ enum class Ending {
     Failed,
 };
 
-// Everything happens in `start` and `read`. Between them nothing is taken from the network, so that
-// memory stays bounded however large the body is.
+// Everything happens in `start`, `read` and `takeAhead`. Between them nothing is taken from the
+// network, so that memory stays bounded however large the body is.
 class Exchange {
 public:
     using Time = std::chrono::steady_clock::time_point;
@@ -62,6 +62,10 @@ public:
     // ended. The body has stalled when `leastInStall` bytes (or what is wanted, if that is less)
     // take longer than the stall limit.
     void read(std::size_t count, std::size_t leastInStall, std::string &bytes);
+
+    // Takes what lies ready of a body that nobody has read for a while, as far as the limit for
+    // that goes, and waits for nothing.
+    void takeAhead();
 
     Ending ending() const noexcept { return ending_; }
     const HeaderBlock &header() const noexcept { return header_; }
@@ -98,6 +102,7 @@ private:
     std::size_t taken_ = 0;  // of the buffer
     std::size_t wanted_ = 0; // by the present read
     std::size_t received_ = 0;
+    Time lastRead_{};
     bool paused_ = false;
     bool connected_ = false;
     bool beganOutside_ = false;     // the first peer was another machine
