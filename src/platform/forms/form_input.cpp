@@ -275,7 +275,6 @@ void Form::pointerLost() {
         hovered_ = captured_;
     captured_ = nullptr;
     formCaptured_ = false;
-    clickSpent_ = false;
 }
 
 void Form::pointerLeft() {

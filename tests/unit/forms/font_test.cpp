@@ -76,6 +76,23 @@ TEST(Colours, WindowAndWindowTextAreWhiteAndBlack) {
     EXPECT_EQ(plainColour(0x80000008U), 0U);
 }
 
+TEST(Colours, TheSystemsAreThoseOfItsOwnListInItsOrder) {
+    const auto rgb = [](Colour red, Colour green, Colour blue) {
+        return red | green << 8 | blue << 16;
+    };
+    const Colour list[] = {
+        rgb(200, 200, 200), rgb(0, 0, 0),       rgb(153, 180, 209), rgb(191, 205, 219),
+        rgb(240, 240, 240), rgb(255, 255, 255), rgb(100, 100, 100), rgb(0, 0, 0),
+        rgb(0, 0, 0),       rgb(0, 0, 0),       rgb(180, 180, 180), rgb(244, 247, 252),
+        rgb(171, 171, 171), rgb(51, 153, 255),  rgb(255, 255, 255), rgb(240, 240, 240),
+        rgb(160, 160, 160), rgb(109, 109, 109), rgb(0, 0, 0),       rgb(67, 78, 84),
+        rgb(255, 255, 255), rgb(105, 105, 105), rgb(227, 227, 227), rgb(0, 0, 0),
+        rgb(255, 255, 225)};
+    for (Colour index = 0; index < std::size(list); ++index)
+        EXPECT_EQ(plainColour(0x80000000U + index), list[index]) << index;
+    EXPECT_EQ(plainColour(0x80000000U + static_cast<Colour>(std::size(list))), 0U);
+}
+
 TEST(Colours, AnUnknownSystemColourIsBlack) { EXPECT_EQ(plainColour(0x80001234U), 0U); }
 
 } // namespace velmora::forms

@@ -43,6 +43,26 @@ TEST_F(FormTest, TheWindowIsMadeWhenTheFormIsFirstShown) {
     EXPECT_EQ(form.window(), window);
 }
 
+TEST_F(FormTest, ShownAgainItsKeysBelongToTheControlThatHadThemHiddenThoughItBe) {
+    TextBox first(form, "first");
+    TextBox second(form, "second");
+    form.show();
+    form.setFocus(&second);
+    second.setVisible(false);
+    form.hide();
+    EXPECT_EQ(form.activeControl(), &second);
+    form.show();
+    EXPECT_EQ(form.activeControl(), &second);
+}
+
+TEST_F(FormTest, WithoutAWindowThereIsNothingToPaintAnewOrToFocus) {
+    TextBox box(form, "box");
+    form.refresh();
+    form.setFocus(&box);
+    EXPECT_EQ(form.activeControl(), &box);
+    EXPECT_EQ(fakes::FakeWindows::windowOf(form), nullptr);
+}
+
 TEST_F(FormTest, HideAndShowAreToldInTheirOrder) {
     auto &window = shown();
     form.hide();

@@ -138,6 +138,21 @@ TEST_F(UserControlTest, ALeaveFromADisabledFormComesWhenItIsEnabledAgain) {
     EXPECT_EQ(log, (Log{"in", "out"}));
 }
 
+TEST_F(UserControlTest, ALeaveThatWasToldIsNotToldAgainWhenTheFormIsEnabledOnceMore) {
+    move(450, 450);
+    form.setEnabled(false);
+    form.pointerLeft();
+    form.setEnabled(true);
+    log.clear();
+    press(450, 450);
+    form.pointerLost();
+    form.setEnabled(false);
+    form.setEnabled(true);
+    EXPECT_EQ(log, Log{"down"});
+    move(10, 10);
+    EXPECT_EQ(log, (Log{"down", "out"}));
+}
+
 TEST_F(UserControlTest, APointerThatCameBackMeanwhileHasNotLeft) {
     move(450, 450);
     form.setEnabled(false);
