@@ -42,7 +42,8 @@ class HeldAtAnEdge(Placing):
                 self.haul(player, out)
                 # The hand comes to rest there, and moves a little.
                 for step in (1, -1) * 3:
-                    rest(lambda: (player.place(main), player.place(rows)), still=0.1)
+                    self.assertTrue(
+                        rest(lambda: (player.place(main), player.place(rows)), still=0.1))
                     player.tool("mousemove_relative", "--", step, step)
                 self.haul(player, (-out[0], -out[1]))
                 player.tool("mousemove", *grip)
@@ -58,7 +59,7 @@ class HeldAtAnEdge(Placing):
         player.tool("mousemove", *grip)
         player.tool("mousedown", 1)
         self.haul(player, (-504, 0))
-        rest(lambda: player.place(main))
+        self.assertTrue(rest(lambda: player.place(main)))
         manager = self.session.manager
         manager.send_signal(signal.SIGSTOP)
         try:
@@ -66,7 +67,7 @@ class HeldAtAnEdge(Placing):
             let_pass(1.5)  # longer than any manager would seem to need
         finally:
             manager.send_signal(signal.SIGCONT)
-        rest(lambda: player.place(main))
+        self.assertTrue(rest(lambda: player.place(main)))
         player.tool("mousemove", *grip)
         player.tool("mouseup", 1)
         self.assert_touching(player, main, rows)
@@ -101,7 +102,7 @@ class HeldAtAnEdge(Placing):
         shown = -place[0]  # columns beyond the edge
         button = MAIN["playListButton"]
         self.assertGreater(shown, 0)
-        rest(lambda: player.place(main), still=0.5)
+        self.assertTrue(rest(lambda: player.place(main), still=0.5))
         # What is left in sight is dragged, not thrown about.
         player.tool("mousemove", *player.point(main, 470, 150))
         player.tool("mousedown", 1)

@@ -163,7 +163,7 @@ TEST_F(MessageBoxTest, NoOtherWindowTakesInputAndTimersGoOn) {
         press("Return");
     });
     desk().windows->MsgBox(u"Wait", MsgBoxButtons::Ok, MsgBoxIcon::Information, u"V");
-    desk().pumpFor(50);
+    ASSERT_TRUE(desk().settle());
     EXPECT_EQ(downs, 0);
     EXPECT_GE(meanwhile.ticks, 8);
 }

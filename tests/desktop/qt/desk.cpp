@@ -1,6 +1,7 @@
 #include "tests/desktop/qt/desk.h"
 
 #include "base/text.h"
+#include "tests/desktop/x_reply.h"
 #include "tests/desktop/x_turn.h"
 
 #include <QApplication>
@@ -78,10 +79,13 @@ bool Desk::settle() {
             return false;
         }
     }
-    return true;
+    // What the toolkit has sent by now is done when the answer to a question behind it comes.
+    xcb_connection_t *const sent =
+        qApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+    return owned(xcb_get_input_focus_reply(sent, xcb_get_input_focus(sent), nullptr)) != nullptr;
 }
 
-void Desk::pumpFor(int ms) {
+void Desk::letPass(int ms) {
     pump([] { return false; }, ms);
 }
 
@@ -90,7 +94,6 @@ void Desk::tool(const std::vector<std::string> &words) {
     command.insert(command.end(), words.begin(), words.end());
     session.run(command);
     settle();
-    pumpFor(15);
 }
 
 void Desk::movePointer(int x, int y) { tool({"mousemove", std::to_string(x), std::to_string(y)}); }
@@ -152,7 +155,6 @@ void TestForm::appear() {
     ASSERT_TRUE(desk().pump([&] { return painted.contains(window->top()); }))
         << "it is not painted";
     ASSERT_TRUE(desk().settle());
-    desk().pumpFor(60);
 }
 
 int TestForm::screenX(int x) const {
@@ -169,7 +171,7 @@ std::uint32_t TestForm::pixel(int x, int y) const {
 
 void DeskTest::SetUp() { desk().movePointer(1270, 790); }
 
-void DeskTest::TearDown() { desk().pumpFor(20); }
+void DeskTest::TearDown() { desk().settle(); }
 
 std::u16string u16(const std::string &ascii) { return fromUtf8(ascii); }
 

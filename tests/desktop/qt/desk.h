@@ -38,12 +38,13 @@ public:
 
     // Handles events until the condition holds; false when the limit passes first.
     bool pump(const std::function<bool()> &condition, int limitMs = 30000);
-    // Handles events for so long, for what must not happen.
-    void pumpFor(int ms);
+    // Handles events for so long, where the time itself is the condition, and nothing that could be
+    // looked at tells of it: that a timer does not fire, that nothing is painted.
+    void letPass(int ms);
     // Handles events until the window manager, and then this program, took in all that was sent to
-    // the screen before.
+    // the screen before, and the screen what the program has sent.
     bool settle();
-    // What xdotool does, taken in, then a round of events.
+    // What xdotool does, taken in.
     void tool(const std::vector<std::string> &words);
     void movePointer(int x, int y);
     void click(int x, int y, int button = 1);

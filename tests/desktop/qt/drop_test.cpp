@@ -90,7 +90,7 @@ TEST_F(DropTest, IsRefusedBesideTheListAndByADisabledOne) {
     EXPECT_FALSE(form.drop(10, 190, "text/uri-list", "file:///a.mp3\r\n"));
     form.list.setEnabled(false);
     EXPECT_FALSE(form.drop(100, 70, "text/uri-list", "file:///a.mp3\r\n"));
-    desk().pumpFor(30);
+    ASSERT_TRUE(desk().settle());
     EXPECT_TRUE(form.drops.empty());
 }
 
@@ -98,7 +98,7 @@ TEST_F(DropTest, OtherDataIsRefused) {
     DropForm form;
     form.appear();
     EXPECT_FALSE(form.drop(100, 70, "text/plain", "file:///a.mp3"));
-    desk().pumpFor(30);
+    ASSERT_TRUE(desk().settle());
     EXPECT_TRUE(form.drops.empty());
 }
 

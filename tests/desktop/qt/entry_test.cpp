@@ -62,7 +62,7 @@ TEST_F(EntryTest, TextSetByCodeIsShownWithoutAChange) {
     form.appear();
     form.line.setText(u"from code");
     form.block.setText(u"one\r\ntwo");
-    desk().pumpFor(30);
+    ASSERT_TRUE(desk().settle());
     EXPECT_EQ(changes, 0);
     desk().click(form.screenX(60), form.screenY(32));
     desk().key("End");
@@ -102,7 +102,7 @@ TEST_F(EntryTest, ALockedBoxTakesNoEdit) {
     form.appear();
     desk().click(form.screenX(60), form.screenY(32));
     desk().tool({"type", "--delay", "5", "abc"});
-    desk().pumpFor(50);
+    ASSERT_TRUE(desk().settle());
     EXPECT_EQ(form.line.text(), u"fixed");
 }
 
@@ -127,7 +127,7 @@ TEST_F(EntryTest, AClickTogglesACheckBoxAndRaisesOneClick) {
     desk().click(form.screenX(30), form.screenY(130));
     EXPECT_TRUE(desk().pump([&] { return form.check.value() == 0; }));
     form.check.setValue(2);
-    desk().pumpFor(30);
+    ASSERT_TRUE(desk().settle());
     EXPECT_EQ(clicks, 2);
     desk().click(form.screenX(30), form.screenY(130));
     EXPECT_TRUE(desk().pump([&] { return form.check.value() == 0; })) << "grey goes to clear";
@@ -144,7 +144,7 @@ TEST_F(EntryTest, AnOptionClearsTheOthersOfItsContainer) {
     EXPECT_FALSE(form.first.value());
     EXPECT_EQ(clicks, 1);
     desk().click(form.screenX(230), form.screenY(90));
-    desk().pumpFor(30);
+    ASSERT_TRUE(desk().settle());
     EXPECT_EQ(clicks, 1) << "chosen already";
 }
 
@@ -189,10 +189,10 @@ TEST_F(EntryTest, WhatLiesInAHiddenContainerIsHidden) {
     form.first.setValue(true);
     form.appear();
     desk().click(form.screenX(230), form.screenY(90));
-    desk().pumpFor(30);
+    ASSERT_TRUE(desk().settle());
     EXPECT_FALSE(form.second.value());
     form.frame.setVisible(true);
-    desk().pumpFor(30);
+    ASSERT_TRUE(desk().settle());
     desk().click(form.screenX(230), form.screenY(90));
     EXPECT_TRUE(desk().pump([&] { return form.second.value(); }));
 }
@@ -204,7 +204,7 @@ TEST_F(EntryTest, ADisabledFormsTextBoxTakesNoKeys) {
     desk().click(form.screenX(60), form.screenY(32));
     form.setEnabled(false);
     desk().tool({"type", "--delay", "5", "abc"});
-    desk().pumpFor(30);
+    ASSERT_TRUE(desk().settle());
     EXPECT_EQ(form.line.text(), u"");
     form.setEnabled(true);
     desk().tool({"type", "--delay", "5", "abc"});

@@ -302,7 +302,7 @@ TEST_F(FontsTest, APreviewThatIsScrolledShowsTheEndOfItsText) {
     form.appear();
     const QImage begin = form.seen(form.box);
     form.edit().end(false);
-    desk().pumpFor(40);
+    ASSERT_TRUE(desk().settle());
     PreviewForm last(u"end", font);
     last.appear();
     const QImage word = lettersOf(last.seen(last.label));
@@ -320,7 +320,7 @@ TEST_F(FontsTest, ABoxThatIsUnlockedDrawsItsLettersOnce) {
     form.appear();
     const QImage locked = lettersOf(form.seen(form.box));
     form.box.setLocked(false);
-    desk().pumpFor(40);
+    ASSERT_TRUE(desk().settle());
     const QImage open = lettersOf(form.seen(form.box));
     EXPECT_NEAR(ink(open), ink(locked), 0.1 * ink(locked));
 }
@@ -331,7 +331,7 @@ TEST_F(FontsTest, WhatIsSelectedInAPreviewIsSeenInItsColour) {
     form.appear();
     const double plain = ink(form.seen(form.box));
     form.edit().setSelection(0, 1);
-    desk().pumpFor(40);
+    ASSERT_TRUE(desk().settle());
     const QImage seen = form.seen(form.box);
     const QRgb highlight = form.edit().palette().color(QPalette::Highlight).rgb();
     const auto marked = [&](int fromX, int toX) {

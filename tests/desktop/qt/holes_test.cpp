@@ -68,7 +68,7 @@ protected:
             ASSERT_TRUE(desk().session.startCompositor());
         else
             ASSERT_TRUE(desk().session.stopCompositor());
-        desk().pumpFor(150);
+        ASSERT_TRUE(desk().settle());
     }
     void TearDown() override {
         xcb_destroy_window(desk().screen->connection(), backdrop_);
@@ -77,7 +77,7 @@ protected:
     }
     bool soon(const std::function<bool()> &condition) { return desk().pump(condition); }
     std::vector<XScreen::Press> pressesBelow() {
-        desk().pumpFor(40);
+        desk().settle();
         return desk().screen->backdropPresses();
     }
 
@@ -120,7 +120,7 @@ TEST_P(HolesTest, EdgesAreSmoothWithACompositorAndClearWithoutOne) {
     if (GetParam()) {
         EXPECT_TRUE(soon([&] { return mixed() > 0; })); // the compositor has it painted
     } else {
-        desk().pumpFor(150);
+        ASSERT_TRUE(desk().settle());
         EXPECT_EQ(mixed(), 0);
     }
 }
@@ -229,7 +229,7 @@ TEST_P(HolesTest, SmoothedLetterPixelsNeverCount) {
     form.hole.setVisible(false);
     form.appear();
     ASSERT_TRUE(soon([&] { return form.pixel(2, 2) == 0; }));
-    desk().pumpFor(100);
+    ASSERT_TRUE(desk().settle());
     const ScreenPicture picture = desk().screen->picture(200, 150, 300, 200);
     EXPECT_EQ(std::count(picture.pixels.begin(), picture.pixels.end(), wallpaper), 0);
 }

@@ -82,7 +82,7 @@ TEST_F(InputTest, ADragMovesTheWindowWithThePointerToThePixel) {
         desk().session.run({"xdotool", "mousemove", std::to_string(230 + step * 7),
                             std::to_string(160 + step * 3)});
     desk().tool({"mouseup", "1"});
-    desk().pumpFor(80);
+    ASSERT_TRUE(desk().settle());
     EXPECT_FLOAT_EQ(form.left(), (200 + 420) * 15);
     EXPECT_FLOAT_EQ(form.top(), (150 + 180) * 15);
     const auto place = desk().screen->geometry(nativeOf(form));
@@ -276,7 +276,7 @@ TEST_F(KeyTest, HeldDownAreOnePress) {
     ASSERT_TRUE(focus(form));
     desk().session.run({"xset", "r", "rate", "150", "50"});
     desk().tool({"keydown", "F6"});
-    desk().pumpFor(500);
+    desk().letPass(500);
     desk().tool({"keyup", "F6"});
     EXPECT_TRUE(desk().pump([&] { return up.size() == 1; }));
     EXPECT_EQ(down.size(), 1U);
@@ -313,7 +313,7 @@ TEST_F(KeyTest, AreOnePressThoughTheReleaseComesWhileTheHandlerPumps) {
     ASSERT_TRUE(focus(form));
     desk().tool({"key", "F6", "key", "F5", "key", "Return"});
     EXPECT_TRUE(desk().pump([&] { return released && inList.size() >= 3; }));
-    desk().pumpFor(100);
+    ASSERT_TRUE(desk().settle());
     EXPECT_EQ(inList, (std::vector<int>{117, 116, 13}));
     EXPECT_TRUE(down.empty());
 }

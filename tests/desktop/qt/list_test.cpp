@@ -54,7 +54,7 @@ TEST_F(ListTest, AClickSelectsTheRowUnderIt) {
     EXPECT_TRUE(desk().pump([&] { return clicks == 1; }));
     EXPECT_EQ(form.selection(), (std::vector<int>{3}));
     EXPECT_EQ(form.list.listIndex(), 3);
-    desk().pumpFor(50);
+    ASSERT_TRUE(desk().settle());
     EXPECT_EQ(clicks, 1);
 }
 
@@ -100,7 +100,7 @@ TEST_F(ListTest, ADragHeldBelowTheListScrollsIt) {
     EXPECT_TRUE(desk().pump([&] { return form.list.topIndex() >= 5; }));
     desk().tool({"mouseup", "1"});
     const int top = form.list.topIndex();
-    desk().pumpFor(200);
+    desk().letPass(200);
     EXPECT_EQ(form.list.topIndex(), top) << "released, it stands";
 }
 
@@ -175,7 +175,7 @@ protected:
         EXPECT_FALSE(whenUp.empty());
         EXPECT_EQ(form.selection(), whenUp) << "it went on selecting behind what was up";
         const auto then = form.selection();
-        desk().pumpFor(300);
+        desk().letPass(300);
         EXPECT_EQ(form.selection(), then) << "it goes on behind it";
         EXPECT_LT(static_cast<int>(then.size()), form.list.listCount());
     }
@@ -198,7 +198,7 @@ TEST_F(HeldDrag, EndsWhenItsWindowIsDisabledAtTheRelease) {
     desk().tool({"mouseup", "1"});
     const auto held = form.selection();
     form.setEnabled(true);
-    desk().pumpFor(300);
+    desk().letPass(300);
     EXPECT_EQ(form.selection(), held);
 }
 
@@ -246,7 +246,7 @@ TEST_F(ListTest, AKeyThatItsHandlerSwallowedDoesNotMoveTheRow) {
     ASSERT_TRUE(focus(form));
     desk().key("Down");
     EXPECT_TRUE(desk().pump([&] { return downs == 1; }));
-    desk().pumpFor(30);
+    ASSERT_TRUE(desk().settle());
     EXPECT_EQ(form.list.listIndex(), -1);
 }
 
@@ -262,7 +262,7 @@ TEST_F(ListTest, ADoubleClickIsRaisedOnARowOnly) {
     form.list.addItem(u"only");
     desk().movePointer(form.screenX(100), form.rowY(6));
     desk().tool({"click", "--repeat", "2", "--delay", "40", "1"});
-    desk().pumpFor(100);
+    ASSERT_TRUE(desk().settle());
     EXPECT_EQ(doubles, 1);
 }
 
@@ -280,7 +280,7 @@ TEST_F(ListTest, APanelOverItTakesTheMouseAndTheKeyboard) {
     desk().click(form.screenX(100), form.rowY(5));
     EXPECT_TRUE(desk().pump([&] { return onPanel == 1; }));
     desk().key("Down");
-    desk().pumpFor(50);
+    ASSERT_TRUE(desk().settle());
     EXPECT_EQ(form.list.listIndex(), 0) << "neither mouse nor key reached the list";
     form.panel.setVisible(false);
     desk().key("Down");
@@ -295,7 +295,7 @@ TEST_F(ListTest, DisabledAndEnabledAgainItHasTheFocusAgain) {
     form.list.setEnabled(false);
     desk().key("Down");
     desk().click(form.screenX(100), form.rowY(5));
-    desk().pumpFor(50);
+    ASSERT_TRUE(desk().settle());
     EXPECT_EQ(form.list.listIndex(), -1);
     form.list.setEnabled(true);
     desk().key("Down");

@@ -37,7 +37,7 @@ TEST_F(LoopTest, TimersTickWhileTheLoopWaits) {
     EXPECT_LT(spent, milliseconds(2000));
     form.fast.setRunning(false);
     const int before = ticks;
-    desk().pumpFor(80);
+    desk().letPass(80);
     EXPECT_EQ(ticks, before);
 }
 
@@ -143,7 +143,7 @@ TEST_F(LoopTest, IdleWorkOfTheStartSequenceWaitsForItsEnd) {
     TickForm form;
     std::string order;
     desk().windows->whenIdle([&] { order += "idle "; });
-    desk().pumpFor(30);
+    ASSERT_TRUE(desk().settle());
     order += "started ";
     form.fast.setInterval(10);
     form.fast.onTimer = [] { desk().windows->quit(0); };

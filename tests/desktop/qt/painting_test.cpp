@@ -264,7 +264,7 @@ TEST_F(PaintTest, ATickThatChangesNothingDrawsNothing) {
         form.bar.setWidth(1500);
         form.image.setPicture(forms::Picture::play);
         form.image.setVisible(true);
-        desk().pumpFor(2);
+        desk().letPass(2);
     }
     EXPECT_EQ(counter.count, 0);
 }
@@ -275,15 +275,15 @@ TEST_F(PaintTest, WhatIsHiddenDrawsNothing) {
     form.appear();
     PaintCounter counter(form);
     form.inner.setCaption(u"changes in a hidden box");
-    desk().pumpFor(40);
+    desk().letPass(40);
     EXPECT_EQ(counter.count, 0);
     form.hide();
-    desk().pumpFor(40);
+    desk().letPass(40);
     const int before = counter.count;
     for (int i = 0; i < 20; ++i) {
         form.bar.setWidth(static_cast<float>(100 * i));
         form.refresh();
-        desk().pumpFor(2);
+        desk().letPass(2);
     }
     EXPECT_EQ(counter.count, before);
 }

@@ -49,7 +49,7 @@ TEST_F(WindowTest, FollowsEveryMoveOfItsForm) {
     for (int step = 0; step < 40; ++step)
         form.setLeft(form.left() + 45);
     EXPECT_TRUE(desk().pump([&] { return place(form).x == 320; }));
-    desk().pumpFor(80);
+    ASSERT_TRUE(desk().settle());
     EXPECT_FLOAT_EQ(form.left(), 4800) << "late reports of earlier places are not moves";
     EXPECT_EQ(place(form).x, 320);
 }
@@ -61,7 +61,7 @@ TEST_F(WindowTest, ComesBackToAPlaceThatItLeftAMomentAgo) {
         form.setLeft(4500);
         form.setLeft(3000);
     }
-    desk().pumpFor(150);
+    ASSERT_TRUE(desk().settle());
     EXPECT_EQ(place(form).x, 200);
     EXPECT_FLOAT_EQ(form.left(), 3000);
 }
@@ -71,7 +71,7 @@ TEST_F(WindowTest, MayStandBeyondTheEdgeOfTheScreen) {
     form.appear();
     form.move({-3000, -1500, 4500, 3000});
     EXPECT_TRUE(desk().pump([&] { return place(form).x == -200 && place(form).y == -100; }));
-    desk().pumpFor(50);
+    ASSERT_TRUE(desk().settle());
     EXPECT_FLOAT_EQ(form.left(), -3000);
 }
 
@@ -157,7 +157,7 @@ TEST_F(WindowTest, TakesTheWindowManagersCloseForARequest) {
     form.appear();
     desk().screen->askToClose(nativeOf(form));
     EXPECT_TRUE(desk().pump([&] { return asked == 1; }));
-    desk().pumpFor(50);
+    ASSERT_TRUE(desk().settle());
     EXPECT_TRUE(form.isOnScreen());
     EXPECT_TRUE(form.visible());
 }
@@ -219,7 +219,7 @@ TEST_F(WindowTest, NotTopmostDoesNothingToANormalWindow) {
     other.move({3300, 2400, 4500, 3000});
     other.appear();
     desk().windows->SetWindowPos(form.hWnd(), HWND_NOTOPMOST, 0, 0, 0, 0, stay);
-    desk().pumpFor(100);
+    ASSERT_TRUE(desk().settle());
     EXPECT_TRUE(desk().screen->isAbove(nativeOf(other), nativeOf(form)));
 }
 
@@ -256,8 +256,9 @@ TEST_F(WindowTest, UnmanagedStandsAboveTheOthersAndTakesNoFocus) {
     EXPECT_EQ(place(strip).y, -10);
     EXPECT_NE(desk().screen->focused(), nativeOf(strip));
     form.raise();
-    desk().pumpFor(250);
-    EXPECT_TRUE(desk().screen->isAbove(nativeOf(strip), nativeOf(form)));
+    ASSERT_TRUE(desk().settle());
+    EXPECT_TRUE(
+        desk().pump([&] { return desk().screen->isAbove(nativeOf(strip), nativeOf(form)); }));
 }
 
 TEST_F(WindowTest, UnmanagedOnesThatLieOverEachOtherDoNotClimbInTurn) {
@@ -271,7 +272,7 @@ TEST_F(WindowTest, UnmanagedOnesThatLieOverEachOtherDoNotClimbInTurn) {
     }
     int changes = 0;
     for (int look = 0; look < 30; ++look) {
-        desk().pumpFor(20);
+        desk().letPass(20);
         changes += desk().screen->isAbove(nativeOf(strip), nativeOf(line)) ? 0 : 1;
     }
     EXPECT_EQ(changes, 0) << "looks in which the one that came later lay below";
@@ -295,11 +296,11 @@ TEST_F(WindowTest, WhatAnotherProgramLaysOverEverythingStaysAboveAnUnmanagedOne)
                       XCB_CW_OVERRIDE_REDIRECT, &unmanaged);
     xcb_map_window(connection, menu);
     xcb_flush(connection);
-    desk().pumpFor(400);
+    desk().letPass(400);
     EXPECT_TRUE(desk().screen->isAbove(menu, nativeOf(line)));
     // A window of the manager's comes over it: it goes above that one, and no higher.
     form.raise();
-    desk().pumpFor(400);
+    desk().letPass(400);
     EXPECT_TRUE(desk().screen->isAbove(nativeOf(line), nativeOf(form)));
     EXPECT_TRUE(desk().screen->isAbove(menu, nativeOf(line)));
     xcb_destroy_window(connection, menu);
@@ -340,7 +341,7 @@ TEST_F(WindowTest, FlashAsksForAttentionOnlyWhileTheWindowIsNotActive) {
     form.appear();
     ASSERT_TRUE(desk().pump([&] { return desk().screen->focused() == nativeOf(form); }));
     desk().windows->FlashWindow(form.hWnd(), true);
-    desk().pumpFor(60);
+    ASSERT_TRUE(desk().settle());
     EXPECT_FALSE(hasState(form, "_NET_WM_STATE_DEMANDS_ATTENTION"));
     TestForm other("Other");
     other.appear();
