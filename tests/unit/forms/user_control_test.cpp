@@ -1,5 +1,10 @@
 #include "tests/unit/forms/form_fixture.h"
 
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <new>
+
 namespace velmora::forms {
 
 using ::testing::IsEmpty;
@@ -178,6 +183,35 @@ TEST_F(UserControlTest, MayEndInItsLeave) {
     brief->on().MouseMove = [&](const MouseEvent &) { brief.reset(); };
     move(2010, 10);
     EXPECT_EQ(brief, nullptr);
+}
+
+TEST_F(UserControlTest, TheFormMayEndInItsLeaveAndIsNotTouchedAnyMore) {
+    struct Brief : Form {
+        Brief(platform::WindowSystem &system, Log &log)
+            : Form(system, "brief"), dial(*this, "dial", log) {}
+        Dial dial;
+    };
+    alignas(Brief) std::array<std::byte, sizeof(Brief)> room;
+    auto *const brief = new (room.data()) Brief(windows, log);
+    brief->move({0, 0, 1000, 1000});
+    brief->dial.move({0, 0, 300, 300});
+    brief->pointerMoved({10, 10}, 0, 0);
+    std::array<std::byte, sizeof(Brief)> left;
+    left.fill(std::byte{0xA5});
+    brief->dial.on().MouseMove = [&, brief](const MouseEvent &) {
+        std::destroy_at(brief);
+        room = left;
+    };
+    brief->pointerMoved({500, 500}, 0, 0);
+    EXPECT_EQ(room, left);
+}
+
+TEST_F(UserControlTest, ThatDisablesTheFormInItsLeaveIsTheLastToHearOfTheMove) {
+    logEvents(image.on(), "image", log);
+    move(450, 450);
+    dial.on().MouseMove = [&](const MouseEvent &) { form.setEnabled(false); };
+    move(2010, 10);
+    EXPECT_EQ(log, (Log{"in", "out"}));
 }
 
 TEST_F(UserControlTest, AClickGivesItNoFocusAndTabDoes) {
