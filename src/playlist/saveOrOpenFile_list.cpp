@@ -145,9 +145,12 @@ bool saveOrOpenFile::isCopy(const KnownFile &file, const std::u16string &other) 
     platform::FileSystem &files = app_.platform().files;
     bool isSame = false;
     passOver([&] {
-        isSame = files.FileLen(other) == file.length;
-        for (std::int64_t at = 0; isSame && at < file.length; at += step)
-            isSame = files.readBytes(file.path, at, step) == files.readBytes(other, at, step);
+        if (files.FileLen(other) != file.length)
+            return;
+        for (std::int64_t at = 0; at < file.length; at += step)
+            if (files.readBytes(file.path, at, step) != files.readBytes(other, at, step))
+                return;
+        isSame = true;
     });
     return isSame;
 }

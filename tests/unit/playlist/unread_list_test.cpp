@@ -140,6 +140,22 @@ TEST_F(AListFileNotReadInThisRun, IsKeptBesideOneThatDiffersInASingleByteWhereve
     }
 }
 
+TEST_F(AListFileNotReadInThisRun, IsKeptBesideOneOfItsLengthThatCannotBeRead) {
+    for (const auto refuses :
+         {&fakes::FakeFiles::setUnreadable, &fakes::FakeFiles::setUnreachable}) {
+        files.addFile(oldFile, std::string(others.size(), '#'));
+        files.addFile(listFile, others);
+        (files.*refuses)(oldFile, true);
+        Velmora other(fake.bundle());
+        other.setControl().Path_List = u"/lists";
+        other.saveOrOpenFile().savePlayList();
+        (files.*refuses)(oldFile, false);
+        EXPECT_EQ(files.contents(oldFile), std::string(others.size(), '#'));
+        EXPECT_EQ(files.contents(oldFile + u".1"), others);
+        files.remove(oldFile + u".1");
+    }
+}
+
 TEST_F(AListFileNotReadInThisRun, LeavesTheLastPlaceToWhatIsKeptThereWhileAnotherIsFree) {
     for (const auto *kept : {u"", u".1", u".3", u".9"})
         files.addFile(oldFile + kept, "/m/earlier.mp3\r\n");
