@@ -57,6 +57,14 @@ TEST_F(LyricLoad, PutsTagsAndPathIntoTheBoxesOfTheTrackWindow) {
     EXPECT_EQ(info().lrc_By_Str.text(), u"B");
 }
 
+TEST_F(LyricLoad, PutsEachTagIntoItsOwnPlaceInWhateverOrderTheyCome) {
+    load("[by:B]\n[al:L]\n[ar:A]\n[ti:T]\nwords");
+    EXPECT_EQ(lyric().lrcTi, u"T");
+    EXPECT_EQ(lyric().lrcAr, u"A");
+    EXPECT_EQ(lyric().lrcAl, u"L");
+    EXPECT_EQ(lyric().lrcBy, u"B");
+}
+
 TEST_F(LyricLoad, LetsALaterTagOfTheSameKindWin) {
     load("[ti:first]\n[TI:second]\nwords");
     EXPECT_EQ(lyric().lrcTi, u"second");
@@ -228,6 +236,12 @@ TEST_F(LyricFailure, OfAFileThatGrowsBeyondItWhileItIsReadEndsTheReading) {
     files.setLength(u"/lrc/b.lrc", 1);
     expectFailure(u"/lrc/b.lrc");
     EXPECT_EQ(lyric().List1.listCount(), 0);
+}
+
+TEST_F(LyricFailure, OfAFileThatGrowsByBlankLinesAloneEndsTheReading) {
+    files.addFile(u"/lrc/b.lrc", std::string((std::size_t{16} << 20) + 2, '\n'));
+    files.setLength(u"/lrc/b.lrc", 1);
+    expectFailure(u"/lrc/b.lrc");
 }
 
 TEST_F(LyricLoad, TakesOneLineOfFifteenMegabytes) {

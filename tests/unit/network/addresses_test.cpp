@@ -40,7 +40,7 @@ TEST(ProgramAddress, InTheClearIsNear) {
     for (const char16_t *host :
          {u"localhost", u"a.localhost", u"box", u"box.local", u"127.0.0.1", u"10.1.2.3",
           u"172.16.0.1", u"172.31.255.255", u"192.168.1.1", u"169.254.1.1", u"[::1]", u"[fe80::1]",
-          u"[FEBF::1]", u"[fd00::1]"}) {
+          u"[fe90::1]", u"[fea0::1]", u"[FEBF::1]", u"[fc00::1]", u"[fd00::1]"}) {
         const std::u16string maker = std::u16string(u"http://") + host;
         EXPECT_TRUE(mayFetchProgram(maker, maker + u"/p")) << maker.size();
     }

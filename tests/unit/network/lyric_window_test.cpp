@@ -1,5 +1,6 @@
 // The lyric search window: what it shows and asks.
 
+#include "network/searchWindow.h"
 #include "tests/unit/network/lyric_window_fixture.h"
 
 namespace velmora {
@@ -28,6 +29,12 @@ TEST_F(LyricWindow, isToggledByTheMainWindowAndTheMenuAndPreparedWhenItShows) {
     app.MenuForm().search_Lrc_To_Internet.on().Click();
     EXPECT_TRUE(form.visible());
     EXPECT_EQ(form.search_Lrc_List.listCount(), 0);
+}
+
+TEST_F(LyricWindow, canWriteNothingBesideANameWithoutAFolder) {
+    files.addFolder(u"/songs");
+    EXPECT_TRUE(canWriteBeside(app, u"/songs/a.lrc"));
+    EXPECT_FALSE(canWriteBeside(app, u"a.lrc"));
 }
 
 TEST_F(LyricWindow, looksForTheFileNameOfATrackWithoutATag) {

@@ -164,6 +164,15 @@ TEST_F(RemoteCommands, TheLastThatIsAskedForDuringTheStartIsDoneAtItsEndAndOnce)
     EXPECT_EQ(media.openPath(), u"/m/a.mp3");
 }
 
+TEST_F(RemoteCommands, ToBeFoundAgainDuringTheStartTakesNothingBackThatWasAskedForAheadOfIt) {
+    main().Timer1.setRunning(false);
+    ask(RemoteCommand::Next);
+    ask(RemoteCommand::Raise);
+    main().Timer1.setRunning(true);
+    windows.advance(1000);
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+}
+
 TEST_F(RemoteCommands, WhatIsAskedForDuringTheStartWaitsForABoxToBeAnswered) {
     main().Timer1.setRunning(false);
     ask(RemoteCommand::Next);

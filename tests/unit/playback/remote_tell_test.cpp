@@ -82,6 +82,16 @@ TEST_F(RemoteTells, ALyricGoesWithItsTrack) {
     EXPECT_TRUE(now().lyric.empty());
 }
 
+TEST_F(RemoteTells, AStoppedTrackHasNoLyric) {
+    files.addFile(u"/m/a.lrc", "[00:01.00]one\r\n");
+    play();
+    ASSERT_FALSE(now().lyric.empty());
+    ask(RemoteCommand::Stop);
+    settle();
+    EXPECT_EQ(app.lrcForm().List1.listCount(), 0);
+    EXPECT_TRUE(now().lyric.empty());
+}
+
 TEST_F(RemoteTells, AnUntaggedTrackIsNamedByItsFile) {
     play();
     EXPECT_EQ(now().title, u"a");

@@ -42,7 +42,7 @@ TEST_F(LoadMeanwhile, WithoutSuchAWishNothingIsSaved) {
 TEST_F(LoadMeanwhile, AWishDuringALoadThatBreaksOffKeepsTheOldFileFirst) {
     files.failReadAtLine(listFile, 2);
     windows.atNextPump([] {});
-    windows.atNextPump([&] { app.saveOrOpenFile().savePlayList(SaveKind::Step); });
+    windows.atNextPump([&] { EXPECT_TRUE(app.saveOrOpenFile().savePlayList(SaveKind::Step)); });
     EXPECT_TRUE(load());
     EXPECT_EQ(files.contents(listFile), "/m/1.mp3\r\n/m/2.mp3\r\n");
     EXPECT_EQ(files.contents(u"/lists/zkPlayList.m3u.old"), "/m/1.mp3\r\n/m/2.mp3\r\n/m/3.mp3\r\n");

@@ -174,6 +174,12 @@ TEST_F(HeldPair, LeftAtAnEdgeIsTogetherAgainAfterTheNextDrag) {
     }
 }
 
+TEST_F(HeldPair, MainGoesBesideTheListThatIsHeld) {
+    haul(list(), {600, 0}, {0, 0});
+    EXPECT_EQ(seen(list()).right, 1280);
+    expectTogether();
+}
+
 TEST_F(HeldPair, SoIsAWindowAloneTakenFromWhereItWasHeld) {
     playInfo_Form &alone = app.playInfo_Form();
     alone.show();
