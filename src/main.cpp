@@ -96,6 +96,8 @@ int play() {
         return windows->watch(descriptor, std::move(ready));
     });
 
+    windows->setStatusItem(&desktop.statusItem());
+
     Velmora program({*ansi, *clock, *dialogs, *files, *folders, desktop.inhibitor(), *internet,
                      media, *processes, *profiles, registry, desktop.remote(), *shell, *versions,
                      *waitableTimers, *waveOut, *windows});

@@ -8,6 +8,7 @@
 #include "playback/MenuForm.h"
 #include "playback/miniForm.h"
 #include "playback/startLoad_Form.h"
+#include "playlist/list_work.h"
 #include "playlist/playList_Form.h"
 #include "settings/playSetForm.h"
 #include "settings/setControl.h"
@@ -167,6 +168,7 @@ void formSet::tray_Add(velmora::Main &main) {
     tray_Data.callbackMessage = trayMessage;
     tray_Data.icon = main.icon();
     windows.Shell_NotifyIconA(platform::NIM_ADD, tray_Data);
+    windows.setTrayMenu(app_.MenuForm().menu, [this] { return tray_Menu_Opens(); });
 }
 
 void formSet::tray_Tip(std::u16string_view text) {
@@ -179,6 +181,10 @@ void formSet::tray_Remove() {
     tray_Data.flags = 0;
     app_.platform().windows.Shell_NotifyIconA(platform::NIM_DELETE, tray_Data);
     app_.platform().windows.unhookWindowProc(tray_Data.window, old_WndProc);
+}
+
+bool formSet::tray_Menu_Opens() {
+    return !app_.startLoad_Form().visible() && !ListWork::isGoingOn(app_);
 }
 
 std::int32_t formSet::tray_WndProc(platform::HWND window, std::uint32_t message,

@@ -64,6 +64,8 @@ public:
     void tray_Add(velmora::Main &main);
     void tray_Tip(std::u16string_view text);
     void tray_Remove();
+    // Whether the icon's menu opens now.
+    bool tray_Menu_Opens();
     std::int32_t tray_WndProc(platform::HWND window, std::uint32_t message, std::int32_t wParam,
                               std::int32_t lParam);
 

@@ -108,6 +108,8 @@ public:
         platform::NotifyIconData data;
     };
     std::vector<TrayCall> trayCalls;
+    forms::Menu *trayMenu = nullptr;
+    std::function<bool()> trayMenuOpens;
     struct Positioning {
         std::string form;
         std::int32_t insertAfter;
@@ -162,6 +164,10 @@ public:
     bool isModal() override { return modal; }
     void PopupMenu(forms::Form &owner, forms::Menu &menu) override;
     bool Shell_NotifyIconA(std::uint32_t operation, const platform::NotifyIconData &data) override;
+    void setTrayMenu(forms::Menu &menu, std::function<bool()> opens) override {
+        trayMenu = &menu;
+        trayMenuOpens = std::move(opens);
+    }
     void setAppTitle(std::u16string_view title) override { appTitles.emplace_back(title); }
 
 private:

@@ -104,6 +104,9 @@ public:
 
     // --- desktop ---------------------------------------------------------------------------------
     virtual bool Shell_NotifyIconA(std::uint32_t operation, const NotifyIconData &data) = 0;
+    // The menu of that icon, for a panel that draws it itself and sends no message to ask for it.
+    // `opens`: whether a right click would open it now.
+    virtual void setTrayMenu(forms::Menu &menu, std::function<bool()> opens) = 0;
     // The application's title (its task bar entry).
     virtual void setAppTitle(std::u16string_view title) = 0;
 };

@@ -15,6 +15,7 @@
 #include "playback/startLoad_Form.h"
 #include "playlist/another_PlayInfo_Form.h"
 #include "playlist/listControl_Form.h"
+#include "playlist/list_work.h"
 #include "playlist/playInfo_Form.h"
 #include "settings/playSetForm.h"
 #include "ui/aboutForm.h"
@@ -277,6 +278,25 @@ TEST_F(Tray, LeftClickWithBothHiddenDoesNothing) {
 TEST_F(Tray, RightClickOpensTheMenu) {
     windows.expectPopup("menu", "");
     event(rightUp);
+}
+
+TEST_F(Tray, MenuIsHandedToPanelsThatDrawItThemselves) {
+    EXPECT_EQ(windows.trayMenu, &app.MenuForm().menu);
+}
+
+TEST_F(Tray, MenuOfAPanelOpensWhenARightClickWouldOpenIt) {
+    EXPECT_TRUE(windows.trayMenuOpens());
+    {
+        const ListWork work(app);
+        EXPECT_FALSE(windows.trayMenuOpens());
+        event(rightUp);
+    }
+    EXPECT_TRUE(windows.trayMenuOpens());
+    app.startLoad_Form().show();
+    EXPECT_FALSE(windows.trayMenuOpens());
+    event(rightUp);
+    app.startLoad_Form().hide();
+    EXPECT_TRUE(windows.trayMenuOpens());
 }
 
 TEST_F(Tray, OtherEventsDoNothing) {

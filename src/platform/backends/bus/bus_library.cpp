@@ -22,11 +22,14 @@ bool BusLibrary::findAll(const LoadedLibrary &library) {
            library.bind(replyReturn, "sd_bus_reply_method_return") &&
            library.bind(errorSet, "sd_bus_error_set") &&
            library.bind(newMethodCall, "sd_bus_message_new_method_call") &&
+           library.bind(newMethodReturn, "sd_bus_message_new_method_return") &&
+           library.bind(send, "sd_bus_send") &&
            library.bind(setAutoStart, "sd_bus_message_set_auto_start") &&
            library.bind(messageUnref, "sd_bus_message_unref") &&
            library.bind(isMethodError, "sd_bus_message_is_method_error") &&
            library.bind(append, "sd_bus_message_append") &&
            library.bind(appendStrv, "sd_bus_message_append_strv") &&
+           library.bind(appendArray, "sd_bus_message_append_array") &&
            library.bind(openContainer, "sd_bus_message_open_container") &&
            library.bind(closeContainer, "sd_bus_message_close_container") &&
            library.bind(read, "sd_bus_message_read") &&

@@ -37,11 +37,14 @@ struct BusLibrary {
     decltype(sd_bus_reply_method_return) *replyReturn = nullptr;
     decltype(sd_bus_error_set) *errorSet = nullptr;
     decltype(sd_bus_message_new_method_call) *newMethodCall = nullptr;
+    decltype(sd_bus_message_new_method_return) *newMethodReturn = nullptr;
+    decltype(sd_bus_send) *send = nullptr;
     decltype(sd_bus_message_set_auto_start) *setAutoStart = nullptr;
     decltype(sd_bus_message_unref) *messageUnref = nullptr;
     decltype(sd_bus_message_is_method_error) *isMethodError = nullptr;
     decltype(sd_bus_message_append) *append = nullptr;
     decltype(sd_bus_message_append_strv) *appendStrv = nullptr;
+    decltype(sd_bus_message_append_array) *appendArray = nullptr;
     decltype(sd_bus_message_open_container) *openContainer = nullptr;
     decltype(sd_bus_message_close_container) *closeContainer = nullptr;
     decltype(sd_bus_message_read) *read = nullptr;

@@ -6,6 +6,7 @@
 #include "platform/backends/bus/inhibition.h"
 #include "platform/backends/bus/media_player.h"
 #include "platform/backends/bus/names.h"
+#include "platform/backends/bus/status_notifier.h"
 #include "text/path_text.h"
 
 #include <utility>
@@ -18,17 +19,22 @@ struct DesktopBus::Parts final : Remote, Inhibitor {
           covers(HomeFolders::below(homes.programCache(), "/covers")), connection(std::move(watch)),
           media(connection), application(connection), names(connection, ofConfiguration),
           suspend(connection, bus::Inhibition::Of::Suspend),
-          idle(connection, bus::Inhibition::Of::Idle) {
+          idle(connection, bus::Inhibition::Of::Idle), statusItem(connection) {
         connection.onOpened = [this] { opened(); };
         connection.onLost = [this] {
             suspend.lost();
             idle.lost();
+            statusItem.lost();
         };
     }
 
     void opened() {
-        if (!started)
-            return;
+        if (started)
+            serve();
+        statusItem.opened();
+    }
+
+    void serve() {
         media.attach();
         application.attach();
         names.request();
@@ -41,7 +47,7 @@ struct DesktopBus::Parts final : Remote, Inhibitor {
         application.setControlled(player);
         started = true;
         if (connection.isOpen())
-            opened();
+            serve();
         else
             connection.open();
     }
@@ -89,6 +95,7 @@ struct DesktopBus::Parts final : Remote, Inhibitor {
     bus::Names names;
     bus::Inhibition suspend;
     bus::Inhibition idle;
+    bus::StatusNotifier statusItem;
 };
 
 DesktopBus::DesktopBus(const HomeFolders &homes, WatchDescriptor watch)
@@ -98,5 +105,6 @@ DesktopBus::~DesktopBus() = default;
 
 Remote &DesktopBus::remote() { return *parts_; }
 Inhibitor &DesktopBus::inhibitor() { return *parts_; }
+StatusItem &DesktopBus::statusItem() { return parts_->statusItem; }
 
 } // namespace velmora::platform

@@ -1,11 +1,12 @@
 #pragma once
 
 // The rest of the desktop, over the session bus: media keys and everything else that speaks MPRIS,
-// files that are opened from elsewhere, and keeping the machine awake.
+// files that are opened from elsewhere, keeping the machine awake, and the icon in a panel.
 
 #include "platform/backends/linux/home_folders.h"
 #include "platform/contracts/inhibitor.h"
 #include "platform/contracts/remote.h"
+#include "platform/contracts/status_item.h"
 
 #include <functional>
 #include <memory>
@@ -26,6 +27,7 @@ public:
 
     Remote &remote();
     Inhibitor &inhibitor();
+    StatusItem &statusItem();
 
 private:
     struct Parts;

@@ -12,13 +12,13 @@ ObjectTable::ObjectTable(const BusLibrary &library) {
 }
 
 void ObjectTable::method(const char *name, const char *arguments, const char *names,
-                         sd_bus_message_handler_t handler) {
+                         sd_bus_message_handler_t handler, const char *results) {
     sd_bus_vtable entry = {};
     entry.type = _SD_BUS_VTABLE_METHOD;
     entry.flags = SD_BUS_VTABLE_UNPRIVILEGED;
     entry.x.method.member = name;
     entry.x.method.signature = arguments;
-    entry.x.method.result = "";
+    entry.x.method.result = results;
     entry.x.method.handler = handler;
     entry.x.method.names = names;
     entries_.push_back(entry);

@@ -12,9 +12,9 @@ class ObjectTable {
 public:
     explicit ObjectTable(const BusLibrary &library);
 
-    // `names` holds the arguments' names, each ended by a NUL.
+    // `names` holds the names of the arguments and of the results, each ended by a NUL.
     void method(const char *name, const char *arguments, const char *names,
-                sd_bus_message_handler_t handler);
+                sd_bus_message_handler_t handler, const char *results = "");
     void signal(const char *name, const char *arguments, const char *names);
     void constant(const char *name, const char *type, sd_bus_property_get_t get);
     // One whose changes are told, and one whose changes are not.

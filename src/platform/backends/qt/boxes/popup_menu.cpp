@@ -5,6 +5,9 @@
 #include <QCursor>
 #include <QMenu>
 
+#include <optional>
+#include <utility>
+
 namespace velmora::platform::qt {
 
 namespace {
@@ -39,7 +42,8 @@ void showPopupMenu(Hub &hub, forms::Menu &menu) {
     QMenu shown;
     fill(shown, menu, hub.fonts.plainFont(9));
     hub.loop.arm();
-    const QAction *chosen = shown.exec(QCursor::pos());
+    const QAction *chosen =
+        shown.exec(std::exchange(hub.menuPlace, std::nullopt).value_or(QCursor::pos()));
     if (chosen == nullptr || !chosen->data().isValid())
         return;
     const Loop::Handler handler(hub.loop);

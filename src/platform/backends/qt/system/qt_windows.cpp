@@ -351,6 +351,12 @@ bool QtWindowSystem::Shell_NotifyIconA(std::uint32_t operation, const NotifyIcon
     return parts_->tray.notify(operation, data);
 }
 
+void QtWindowSystem::setTrayMenu(forms::Menu &menu, std::function<bool()> opens) {
+    parts_->tray.setMenu(menu, std::move(opens));
+}
+
+void QtWindowSystem::setStatusItem(StatusItem *item) { parts_->tray.setPanel(item); }
+
 void QtWindowSystem::setAppTitle(std::u16string_view title) {
     // The first window with an entry in the task bar stands for the application.
     for (auto &[number, entry] : parts_->hub.forms) {

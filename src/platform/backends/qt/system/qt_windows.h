@@ -13,6 +13,8 @@
 
 namespace velmora::platform {
 
+class StatusItem;
+
 struct QtOptions {
     // The program's name for the window manager.
     std::string name = "velmora";
@@ -48,6 +50,10 @@ public:
     // Calls `ready` from the loop whenever the descriptor can be read, and while what comes back
     // was last called with true, when it can be written to. The watch ends with what comes back.
     std::function<void(bool writing)> watch(int descriptor, std::function<void()> ready);
+
+    // By which panels take the icon of the tray, if they do; null: there are none. It outlives the
+    // icon, and is to be set ahead of it.
+    void setStatusItem(StatusItem *item);
 
     // Keeps timers running through a dialog of the toolkit: to be called ahead of its loop.
     void beforeNestedLoop();
@@ -89,6 +95,7 @@ public:
     void PopupMenu(forms::Form &owner, forms::Menu &menu) override;
 
     bool Shell_NotifyIconA(std::uint32_t operation, const NotifyIconData &data) override;
+    void setTrayMenu(forms::Menu &menu, std::function<bool()> opens) override;
     void setAppTitle(std::u16string_view title) override;
 
 private:

@@ -10,6 +10,7 @@
 #include "platform/contracts/windows.h"
 
 #include <QIcon>
+#include <QPoint>
 #include <QPointF>
 
 #include <functional>
@@ -76,6 +77,9 @@ public:
         std::optional<QPointF> before_;
         int depthBefore_;
     };
+
+    // Where the next popup menu comes up, when that is not at the pointer.
+    std::optional<QPoint> menuPlace;
 
     // Where the pointer was last known to have left all our windows (XWayland tells no more).
     bool pointerOutside = false;
