@@ -330,6 +330,7 @@ TEST_F(LyricSearch, scannedAgainGoesStraightToTheFurtherPages) {
     EXPECT_TRUE(passOver([this] { search.scanLrcPages(first); }));
     EXPECT_EQ(countLog(u"XmlHttpGet"), 1);
     EXPECT_EQ(rows(), Texts{rowA(5)});
+    EXPECT_EQ(textsOf(search.lrcDownloadLinks).front(), storedA(5));
 }
 
 TEST_F(LyricSearch, scannedAgainAsksForNoFurtherPageWhereTheFirstIsGone) {

@@ -1,5 +1,6 @@
 // Fetching a song: the three ways, the questions, the progress, every end.
 
+#include "lyrics/lrcForm.h"
 #include "playback/startLoad_Form.h"
 #include "playlist/Search.h"
 #include "playlist/saveOrOpenFile.h"
@@ -391,6 +392,21 @@ TEST_F(SongFetch, stoppedByTheUserRemovesItsPart) {
     EXPECT_EQ(heading(), failed);
     EXPECT_EQ(downInfo(), (Texts{u"", u"", u"", u"", u""}));
     expectIdle();
+}
+
+TEST_F(SongFetch, overTheTrackThatPlaysClosesItWithItsLyricAndTellsOfIt) {
+    addSong();
+    files.addFile(u"/data/cache/SINGER NAME.lrc", "[00:01]a\r\n");
+    openAndPlay(addTrack(cached));
+    ASSERT_EQ(app.lrcForm().List1.listCount(), 1);
+    windows.flashes.clear();
+    answerWith("new");
+    choose(0);
+    expectQuestion(platform::MsgBoxResult::Yes);
+    click(form.save);
+    EXPECT_EQ(app.lrcForm().List1.listCount(), 0);
+    EXPECT_FALSE(windows.flashes.empty());
+    EXPECT_EQ(files.contents(cached), "new");
 }
 
 // The panel with the button stands until the song has faded in and its lyric was looked for.

@@ -25,6 +25,16 @@ TEST_F(Banner, OfNoEntriesIsTheStandingTextWithoutALink) {
     EXPECT_EQ(label().caption(), standing);
 }
 
+TEST_F(Banner, OfNoEntriesBehindOneWithALinkLeadsNowhere) {
+    startWith(1, "index_0_Str=a\nindex_0_Link=http://a\n");
+    ASSERT_EQ(label().tag(), u"http://a");
+    page().close_Click();
+    startWith(0, "");
+    EXPECT_EQ(label().caption(), standing);
+    clickOn(label());
+    EXPECT_EQ(opened(), u"");
+}
+
 TEST_F(Banner, OfOneEmptyEntryOrANegativeCountIsTheStandingText) {
     startWith(1, "");
     EXPECT_EQ(label().caption(), standing);

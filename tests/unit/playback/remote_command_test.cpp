@@ -112,6 +112,19 @@ TEST_F(RemoteCommands, NextAndPreviousPlayAtOnceEvenFromAPause) {
     EXPECT_EQ(media.mode(), u"playing");
 }
 
+TEST_F(RemoteCommands, NextAndPreviousInAListOfOneTrackPlayItFromItsBeginning) {
+    for (const RemoteCommand command : {RemoteCommand::Next, RemoteCommand::Previous}) {
+        app.playList_Form().playList_Item.clear();
+        app.playList_Form().List1.clear();
+        addRow(u"/m/a.mp3", 60'000);
+        play();
+        media.advance(10'000);
+        ask(command);
+        EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+        EXPECT_EQ(player().positionMs(), 0);
+    }
+}
+
 TEST_F(RemoteCommands, NextWithAnEmptyListDoesNothing) {
     app.playList_Form().playList_Item.clear();
     app.playList_Form().List1.clear();
@@ -181,6 +194,19 @@ TEST_F(RemoteCommands, WhatIsAskedForDuringTheStartWaitsForABoxToBeAnswered) {
     windows.advance(3000);
     EXPECT_THAT(media.actions(), ::testing::IsEmpty());
     main().setEnabled(true);
+    windows.advance(1000);
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+}
+
+TEST_F(RemoteCommands, WhatIsAskedForDuringTheStartWaitsForABoxThatComesUpAtItsEnd) {
+    main().Timer1.setRunning(false);
+    ask(RemoteCommand::Next);
+    main().Timer1.setRunning(true);
+    tickMain();
+    windows.modal = true;
+    windows.advance(0);
+    EXPECT_THAT(media.actions(), ::testing::IsEmpty());
+    windows.modal = false;
     windows.advance(1000);
     EXPECT_EQ(media.openPath(), u"/m/a.mp3");
 }

@@ -111,5 +111,15 @@ TEST_F(RemoteOpen, NoMoreWaitsThanAListHolds) {
     EXPECT_EQ(rows(), 3);
 }
 
+TEST_F(RemoteOpen, OfWhatIsMoreThanAListHoldsTheLastDoesNotWait) {
+    main().setEnabled(false);
+    player().open(std::vector<std::u16string>(forms::ListBox::mostRows - 1, u"/gone.mp3"), true);
+    player().open({addTrack(u"/x/fits.mp3"), addTrack(u"/x/more.mp3")}, true);
+    main().setEnabled(true);
+    windows.advance(1000);
+    EXPECT_EQ(rows(), 4);
+    EXPECT_EQ(app.playList_Form().List1.list(3), u"/x/fits.mp3");
+}
+
 } // namespace
 } // namespace velmora

@@ -117,6 +117,18 @@ TEST_F(Version, CutShortAtAnyByteTellsNothingOfIt) {
     EXPECT_EQ(record().ver_FileVersion, u"1.2.3.4");
 }
 
+TEST_F(Version, WithAFixedPartThatIsAByteShortHasTheNumbersOfNone) {
+    platform::VersionFields fields;
+    fields.fileVersion = {1, 2, 3, 4};
+    std::string bytes = recordOf(fields);
+    constexpr std::size_t lengthOfFixedPart = 2;
+    ASSERT_EQ(bytes[lengthOfFixedPart], 52);
+    bytes[lengthOfFixedPart] = 51;
+    fake.versions.addRecordBytes(path, bytes);
+    record().read_File_Version(path);
+    EXPECT_EQ(record().ver_FileVersion, u"0.0.0.0");
+}
+
 TEST_F(Version, JoinsTheNumbersByPoints) {
     readWithWords({{1, 0x0001'0002}});
     EXPECT_EQ(record().ver_StrucVersion, u"1.2");
