@@ -257,6 +257,7 @@ void remoteControl::openWaiting() {
 }
 
 void remoteControl::openNow(const Order &order) {
+    app_.platform().windows.personAsked();
     const std::u16string &first = order.paths.front();
     if (!order.enqueue && order.paths.size() == 1 &&
         !app_.saveOrOpenFile().fileOnDisk(first).empty()) {

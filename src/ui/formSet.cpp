@@ -207,6 +207,7 @@ std::int32_t formSet::tray_WndProc(platform::HWND window, std::uint32_t message,
 void formSet::show_Player() {
     if (app_.startLoad_Form().visible())
         return; // The start is still running.
+    app_.platform().windows.personAsked();
     velmora::Main &main = app_.Main();
     if (main.windowState() == forms::WindowState::Minimised) {
         main.setWindowState(forms::WindowState::Normal);

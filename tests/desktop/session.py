@@ -195,6 +195,11 @@ class Session:
             quiet("xdotool", "windowfocus", "--sync", window, env=self.env)
         quiet("xdotool", "key", key, env=self.env)
 
+    def reply(self, key, box):
+        """Answers a box; one that came up by itself is deaf to its answers for half a second."""
+        let_pass(0.6)
+        self.key(key, box)
+
     def close(self):
         atexit.unregister(self.close)
         Session.live.pop(self.env.get("DISPLAY"), None)

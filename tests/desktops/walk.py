@@ -167,7 +167,7 @@ class Walk:
     def second_start(self):
         second = Walker(self.desk)
         box = need(wait_for(second.boxes, 15), "no word of the first")[0]
-        self.desk.key("Return", box)
+        self.desk.reply("Return", box)
         need(second.ended(), "the second one stays")
         need(self.player.window(5), "the first one is gone")
 

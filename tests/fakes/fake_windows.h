@@ -118,6 +118,7 @@ public:
     };
     std::vector<Positioning> positionings;
     std::vector<std::string> flashes; // form names
+    int asks = 0;                     // of the person for the program
     std::vector<std::u16string> appTitles;
     std::vector<std::string> shown; // form names, in the order of their becoming visible
     // A message from outside to a form's window, as the tray sends it.
@@ -153,6 +154,7 @@ public:
                                  std::uint32_t message, std::int32_t wParam,
                                  std::int32_t lParam) override;
     bool FlashWindow(platform::HWND window, bool invert) override;
+    void personAsked() override { ++asks; }
     bool SystemParametersInfoA(std::uint32_t action, RectPixels &area) override;
     platform::HWND FindWindowA(std::u16string_view className) override;
     bool GetWindowRect(platform::HWND window, RectPixels &rect) override;

@@ -81,6 +81,11 @@ public:
     virtual std::int32_t CallWindowProcA(std::int32_t procedure, HWND window, std::uint32_t message,
                                          std::int32_t wParam, std::int32_t lParam) = 0;
     virtual bool FlashWindow(HWND window, bool invert) = 0;
+    // The person asked for the program outside its windows (a panel, a file manager): what comes up
+    // within a second takes the keyboard, as it does after a key or click in one of them. Later it
+    // comes by itself: a window does not take the keyboard from another program, and a box is deaf
+    // to the keys of its answers for half a second.
+    virtual void personAsked() = 0;
 
     // --- screen --------------------------------------------------------------------------------
     // The primary monitor. SystemParametersInfoA(SPI_GETWORKAREA) in pixels; false on failure.

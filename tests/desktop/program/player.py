@@ -329,7 +329,7 @@ class PlayerTest(unittest.TestCase):
     def answer(self, player, key, says, seconds=30):
         """Answers the box that comes up and says this, and waits until it has gone."""
         box = self.assert_box(player, says, seconds)
-        self.session.key(key, box)
+        self.session.reply(key, box)
         self.assertTrue(player.gone(box), "the box stays")
 
     def plain_program(self):

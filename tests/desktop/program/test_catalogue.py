@@ -131,7 +131,7 @@ class Languages(HouseholdTest):
         box = self.assert_box(self.player, "未选择指定下载链接！")
         self.assertEqual(self.player.title(box), self.ERROR[number])
         self.keep(f"no_row_{number}", box)
-        self.session.key("Return", box)
+        self.session.reply("Return", box)
         self.assertTrue(self.player.gone(box))
         self.player.click(lyrics, "close", form=LYRICS)
         self.assertTrue(self.player.gone(lyrics))
@@ -153,7 +153,7 @@ class Languages(HouseholdTest):
         box = self.assert_box(self.player, self.LATEST[number])
         spoken["latest"] = self.rest(box)
         self.keep(f"latest_{number}", box)
-        self.session.key("Return", box)
+        self.session.reply("Return", box)
         self.assertTrue(self.player.gone(box))
         return spoken, fixed
 

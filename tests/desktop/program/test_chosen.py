@@ -293,7 +293,7 @@ class Adding(AtOnce):
         self.assert_still_playing(player, main)
         self.wait_for_the_next(player, main)
         with self.held(player):
-            self.session.key("n", box)
+            self.session.reply("n", box)
             self.right_click_ground(player, rows)
         self.assert_list(self.tracks + [f"{folder}/{name}" for name in names])
         self.assertEqual(player.menus(0), [])

@@ -244,7 +244,7 @@ class MiniWindow(Sound):
         empty = self.player.look(self.strip, "lrcBox", MINI)
         self.press_strip("playInfo")
         box = self.assert_box(self.player, "没有播放曲目，无法获得正在播放曲目的信息！")
-        self.session.key("Return", box)
+        self.session.reply("Return", box)
         self.assertTrue(self.player.gone(box))
         self.begin_strip()
         self.assertTrue(wait_for(lambda: self.player.look(self.strip, "lrcBox", MINI) != empty, 10),

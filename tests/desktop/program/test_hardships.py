@@ -308,7 +308,7 @@ class LateServer(Server):
     def hear_what_begins_without_a_server(self):
         self.player = Player(self.session)
         box = self.assert_box(self.player, NO_SOUND_CARD)
-        self.session.key("Return", box)
+        self.session.reply("Return", box)
         self.main = self.player.window()
         self.session.key("F6", self.main)
         self.assert_title(self.player, self.main, "stairs")
@@ -400,7 +400,7 @@ class Splash(PlayerTest):
         self.assertAlmostEqual(place[0], (1280 - width) / 2, delta=2)
         self.assertAlmostEqual(place[1], (800 - height) / 2, delta=2)
         self.assertGreater(len(set(player.look(splash, "form", SPLASH))), 16, "nothing is drawn")
-        self.session.key("Return", box)
+        self.session.reply("Return", box)
         self.assertTrue(player.window())
         self.assertTrue(player.gone(splash), "the splash stays")
 

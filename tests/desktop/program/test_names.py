@@ -118,7 +118,7 @@ class EndInTheMiddle(ListTest):
         self.select_all(player, rows)
         self.session.key("shift+Delete", rows)
         box = self.assert_box(player, SURE)
-        self.session.key("y", box)
+        self.session.reply("y", box)
         self.assertTrue(wait_for(lambda: not os.path.exists(tracks[5]), 30, 0.001))
         os.kill(player.child.pid, signal.SIGKILL)
         player.child.wait()

@@ -183,7 +183,7 @@ class Monitors(Placing):
         self.assertTrue(box, "no question comes up")
         x, y = wait_for(lambda: player.place(box[0]), 5)
         self.assertGreaterEqual(x, 1280, "it comes up on the other monitor")
-        self.session.key("n", box[0])
+        self.session.reply("n", box[0])
         self.assertTrue(player.gone(box[0]))
 
     def opens_the_list(self, player, main):

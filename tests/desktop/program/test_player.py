@@ -106,7 +106,7 @@ class SecondStart(PlayerTest):
         box = second.box("已经运行了一个")
         self.assertTrue(box, "no message comes up")
         self.assertEqual(second.title(box), TITLE)
-        self.session.key("Return", box)
+        self.session.reply("Return", box)
         self.assertTrue(second.ended(), "the second instance does not end")
         self.assertIsNone(first.child.poll(), "the first ended")
 
@@ -186,7 +186,7 @@ class WithoutSound(PlayerTest):
         player = Player(self.session)
         box = self.assert_box(player, NO_SOUND_CARD)
         self.assertEqual(player.title(box), TITLE)
-        self.session.key("Return", box)
+        self.session.reply("Return", box)
         self.assertTrue(player.window(), "the player does not come up without a sound device")
 
 

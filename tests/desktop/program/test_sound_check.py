@@ -151,7 +151,7 @@ class WithoutDevice(PlayerTest):
         player = Player(self.session)
         box = self.assert_box(player, NO_SOUND_CARD)
         self.assertEqual(player.title(box), TITLE)
-        self.session.key("Return", box)
+        self.session.reply("Return", box)
         main = player.window()
         self.assertTrue(main, "the start does not go on")
         self.assertTrue(wait_for(lambda: shades(player, main, "desktop_Lrc") > 8, 5))

@@ -11,7 +11,7 @@ import unittest
 
 from films import (COLUMNS, HEIGHT, PICTURE, STRIP, WIDTH, FilmSession, FilmTest, make_film,
                    near)
-from player import SETTINGS, stairs
+from player import SETTINGS, Stranger, stairs
 from session import quiet, wait_for
 
 SCREEN = (1280, 800)
@@ -214,6 +214,19 @@ class InTheWindow(FilmTest):
         self.assert_moves(FULL)
         self.assertTrue(player.stays_away(lambda: self.video(player, seconds=0.1), main),
                         "a small window as well")
+
+    def test_the_film_after_a_film_leaves_the_keyboard_where_it_is(self):
+        player, main, window = self.play_in_window("short.mp4", "film.mp4")
+        stranger = Stranger(self.session, 10, 10, 200, 150)
+        quiet("xdotool", "windowactivate", "--sync", stranger.window, env=self.session.env)
+        self.assertTrue(wait_for(lambda: "film" in player.title(main) and
+                                 "short" not in player.title(main), 15), "no next film")
+        fresh = wait_for(lambda: next((each for each in player.windows()
+                                       if player.size(each) == (WIDTH, HEIGHT) and each != window),
+                                      None))
+        self.assertTrue(fresh, "no window of the next film")
+        self.assert_moves(self.whole(player, fresh))
+        self.assertEqual(quiet("xdotool", "getactivewindow", env=self.session.env), stranger.window)
 
     def test_a_dialog_is_seen_above_the_film_that_covers_the_screen(self):
         player, main, window = self.play_in_window("film.mp4")

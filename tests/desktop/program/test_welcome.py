@@ -335,7 +335,7 @@ class Update(MakerTest):
         self.assertEqual(self.content(self.newer), self.content(self.offered))
         self.assertFalse(os.stat(self.newer).st_mode & 0o111)
         self.assertFalse(os.path.exists(self.fetched("zkPlayerUpdate.tmp")))
-        self.session.key("y", box)
+        self.session.reply("y", box)
         self.assertTrue(self.player.ended(), "the old program goes on")
         self.assertEqual(self.player.child.returncode, 0)
         new = wait_for(self.successor, 30)
@@ -396,7 +396,7 @@ class Update(MakerTest):
         self.assertTrue(self.player.ended())
         self.player = Player(self.session, self.program)
         self.answer(self.player, "y", ASKS)
-        self.session.key("y", self.assert_box(self.player, FETCHED))
+        self.session.reply("y", self.assert_box(self.player, FETCHED))
         self.assertTrue(self.player.ended(), "the old program goes on")
         self.assertEqual(self.player.child.returncode, 0)
         # The new one is offered here again, as the two are alike in truth.

@@ -9,12 +9,14 @@
 #include <QFontDatabase>
 #include <QFontDialog>
 #include <QFontInfo>
+#include <QKeyEvent>
 #include <QListView>
 #include <QMenu>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTimer>
 #include <QToolTip>
 
 namespace velmora::tests {
@@ -70,6 +72,17 @@ bool menuIsUp() {
 
 void press(const std::string &key) { desk().session.run({"xdotool", "key", key}); }
 
+// Straight to the box, as if the person had been at it when it came up.
+void typed(int key) {
+    QWidget *box = QApplication::activeModalWidget();
+    ASSERT_NE(box, nullptr) << "it has gone";
+    QWidget *to = box->focusWidget() != nullptr ? box->focusWidget() : box;
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        QKeyEvent event(type, key, Qt::NoModifier);
+        QCoreApplication::sendEvent(to, &event);
+    }
+}
+
 class MessageBoxTest : public DeskTest {
 protected:
     // Shows a box and presses keys one after the other until it is gone.
@@ -81,6 +94,40 @@ protected:
         return desk().windows->MsgBox(u"Really?", buttons, MsgBoxIcon::Question, u"Velmora");
     }
 };
+
+// No key or click of the last second asked for it.
+TEST_F(MessageBoxTest, ThatComesUpByItselfIsDeafToItsAnswersForHalfASecond) {
+    MsgBoxResult result = MsgBoxResult::Ok;
+    QTimer::singleShot(1200, [&] {
+        QTimer::singleShot(0, [] {
+            for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space, Qt::Key_Y})
+                typed(key);
+        });
+        QTimer::singleShot(600, [] { typed(Qt::Key_N); });
+        result = desk().windows->MsgBox(u"Really?", MsgBoxButtons::YesNo, MsgBoxIcon::Question,
+                                        u"Velmora");
+        desk().windows->quit(0);
+    });
+    desk().windows->run();
+    EXPECT_EQ(result, MsgBoxResult::No);
+}
+
+TEST_F(MessageBoxTest, ThatWasAskedForAnswersAtOnce) {
+    MsgBoxResult result = MsgBoxResult::Ok;
+    QTimer::singleShot(1200, [&] {
+        desk().windows->personAsked();
+        QTimer::singleShot(0, [] { typed(Qt::Key_Return); });
+        QTimer::singleShot(600, [] {
+            if (QApplication::activeModalWidget() != nullptr)
+                typed(Qt::Key_N);
+        });
+        result = desk().windows->MsgBox(u"Really?", MsgBoxButtons::YesNo, MsgBoxIcon::Question,
+                                        u"Velmora");
+        desk().windows->quit(0);
+    });
+    desk().windows->run();
+    EXPECT_EQ(result, MsgBoxResult::Yes);
+}
 
 TEST_F(MessageBoxTest, TheFirstButtonIsTheDefault) {
     EXPECT_EQ(answer(MsgBoxButtons::YesNo, {"Return"}), MsgBoxResult::Yes);

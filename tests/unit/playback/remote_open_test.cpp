@@ -26,6 +26,12 @@ TEST_F(RemoteOpen, OneFileGoesTheWayOfTheOpenButton) {
     EXPECT_TRUE(app.playList_Form().enabled());
 }
 
+TEST_F(RemoteOpen, IsAskedByThePerson) {
+    addTrack(u"/x/new.mp3");
+    player().open({u"/x/new.mp3"}, false);
+    EXPECT_EQ(windows.asks, 1);
+}
+
 TEST_F(RemoteOpen, AFileThatIsListedIsPlayedToo) {
     play();
     player().open({u"/m/c.mp3"}, false);

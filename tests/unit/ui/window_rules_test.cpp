@@ -330,5 +330,13 @@ TEST_F(WindowRules, ATraysLeftClickLeavesMainWhereItIsWhenTheMiniModeEnds) {
     EXPECT_EQ(app.Main().playList_Shown, -1);
 }
 
+// What comes up for it may take the keyboard from another program.
+TEST_F(WindowRules, ATraysLeftClickIsAskedByThePerson) {
+    app.formSet().tray_Add(app.Main());
+    app.Main().show();
+    windows.send(app.Main().hWnd(), 2025, 0, 0x202);
+    EXPECT_EQ(windows.asks, 1);
+}
+
 } // namespace
 } // namespace velmora

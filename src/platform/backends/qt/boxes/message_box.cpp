@@ -16,6 +16,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <chrono>
 #include <vector>
 
 namespace velmora::platform::qt {
@@ -92,11 +93,17 @@ QPixmap drawIcon(MsgBoxIcon icon, const QFont &font, double density) {
     return pixmap;
 }
 
+// The keys that give an answer.
+bool answers(int key) {
+    return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space ||
+           key == Qt::Key_Y || key == Qt::Key_N;
+}
+
 class MessageBox : public DarkDialog {
 public:
     MessageBox(Hub &hub, const QString &text, MsgBoxButtons buttons, MsgBoxIcon icon,
                const QString &title)
-        : DarkDialog(hub, title), results_(resultsOf(buttons)),
+        : DarkDialog(hub, title), byItself_(hub.comesByItself()), results_(resultsOf(buttons)),
           result_(buttons == MsgBoxButtons::YesNo         ? MsgBoxResult::No
                   : buttons == MsgBoxButtons::YesNoCancel ? MsgBoxResult::Cancel
                                                           : MsgBoxResult::Ok) {
@@ -129,6 +136,7 @@ public:
                 button->setDefault(true);
                 button->setFocus();
             }
+            button->installEventFilter(this);
             connect(button, &QPushButton::clicked, this, [this, result] { answer(result); });
             keys->addWidget(button);
         }
@@ -138,7 +146,19 @@ public:
     MsgBoxResult answer() const { return result_; }
 
 protected:
+    void showEvent(QShowEvent *event) override {
+        shownAt_ = std::chrono::steady_clock::now();
+        DarkDialog::showEvent(event);
+    }
+    // The buttons are asked for a key ahead of the box.
+    bool eventFilter(QObject *watched, QEvent *event) override {
+        return (event->type() == QEvent::KeyPress &&
+                isMeantElsewhere(*static_cast<QKeyEvent *>(event))) ||
+               DarkDialog::eventFilter(watched, event);
+    }
     void keyPressEvent(QKeyEvent *event) override {
+        if (isMeantElsewhere(*event))
+            return;
         if (event->key() == Qt::Key_Escape) {
             if (mayBeEscaped())
                 reject();
@@ -155,6 +175,13 @@ protected:
     }
 
 private:
+    // Pressed in the middle of something else, and held since then.
+    bool isMeantElsewhere(const QKeyEvent &event) const {
+        return byItself_ && answers(event.key()) &&
+               (event.isAutoRepeat() ||
+                std::chrono::steady_clock::now() - shownAt_ < std::chrono::milliseconds(500));
+    }
+
     // A text higher than the screen scrolls inside the box: its buttons stay in view.
     QWidget *fitted(QLabel *words) {
         const int room = screens::freeOfPanels().height() - roomForTheRest;
@@ -200,6 +227,8 @@ private:
         accept();
     }
 
+    const bool byItself_;
+    std::chrono::steady_clock::time_point shownAt_{};
     std::vector<MsgBoxResult> results_;
     MsgBoxResult result_;
     QScrollArea *scroll_ = nullptr; // where the text does not fit

@@ -38,6 +38,16 @@ struct SelectionNotice {
     std::uint32_t selection;
 };
 
+// A key or button, pressed or let go; the toolkit takes buttons by the input extension.
+bool isAct(const xcb_generic_event_t &event, std::uint8_t type) {
+    if (type != XCB_GE_GENERIC)
+        return type >= XCB_KEY_PRESS && type <= XCB_BUTTON_RELEASE;
+    constexpr std::uint16_t inputPress = 4;
+    constexpr std::uint16_t inputRelease = 5;
+    const auto kind = reinterpret_cast<const xcb_ge_generic_event_t &>(event).event_type;
+    return kind == inputPress || kind == inputRelease;
+}
+
 } // namespace
 
 X11::X11()
@@ -289,9 +299,16 @@ void X11::watchCovered(xcb_window_t window, std::function<void()> covered) {
 
 void X11::forget(xcb_window_t window) { covered_.erase(window); }
 
+bool X11::personActed() const {
+    constexpr auto recent = std::chrono::seconds(1);
+    return std::chrono::steady_clock::now() - lastAct_ <= recent;
+}
+
 bool X11::nativeEventFilter(const QByteArray & /*type*/, void *message, qintptr * /*result*/) {
     auto *event = static_cast<xcb_generic_event_t *>(message);
     const std::uint8_t type = event->response_type & 0x7FU;
+    if (isAct(*event, type))
+        noteAct();
     if (type == XCB_CLIENT_MESSAGE) {
         // What is dragged here is never moved: whatever the source proposes, it is asked to copy.
         // The toolkit answers with nothing but what was proposed.

@@ -9,6 +9,7 @@
 
 #include <xcb/xcb.h>
 
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -92,6 +93,11 @@ public:
     void watchCovered(xcb_window_t window, std::function<void()> covered);
     void forget(xcb_window_t window);
 
+    // Whether the person pressed a key or button in a window of ours, or asked for the program
+    // elsewhere, within the last second: what comes up without that comes by itself.
+    bool personActed() const;
+    void noteAct() { lastAct_ = std::chrono::steady_clock::now(); }
+
     bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
 
 private:
@@ -110,6 +116,7 @@ private:
     std::deque<std::function<void()>> turns_;
     std::map<xcb_window_t, std::function<void()>> sensors_;
     std::map<xcb_window_t, std::function<void()>> covered_;
+    std::chrono::steady_clock::time_point lastAct_{};
     std::uint8_t fixesEvent_ = 0;
     bool composited_ = false;
     bool guest_ = false;

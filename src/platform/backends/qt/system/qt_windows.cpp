@@ -270,6 +270,8 @@ std::int32_t QtWindowSystem::CallWindowProcA(std::int32_t /*procedure*/, HWND /*
     return 0; // a window's own procedure has nothing to say about messages from outside
 }
 
+void QtWindowSystem::personAsked() { parts_->hub.x11.noteAct(); }
+
 bool QtWindowSystem::FlashWindow(HWND window, bool invert) {
     qt::FormEntry *entry = parts_->hub.entry(window);
     if (entry == nullptr || entry->window == nullptr)

@@ -81,6 +81,7 @@ public:
     std::int32_t CallWindowProcA(std::int32_t procedure, HWND window, std::uint32_t message,
                                  std::int32_t wParam, std::int32_t lParam) override;
     bool FlashWindow(HWND window, bool invert) override;
+    void personAsked() override;
 
     bool SystemParametersInfoA(std::uint32_t action, RectPixels &area) override;
     HWND FindWindowA(std::u16string_view className) override;

@@ -73,6 +73,7 @@ private:
     void paintGround(const ControlPainter::Job &job);
     void setStatesBeforeMap();
     bool isKeyed() const;
+    bool mayTakeKeyboard() const;
     bool isFullScreen() const;
     void firstFocus();
     void comeBack();

@@ -62,8 +62,6 @@ void QtFormWindow::realise() {
         top_->setAttribute(Qt::WA_TranslucentBackground);
     else
         top_->setAttribute(Qt::WA_OpaquePaintEvent);
-    if (form_.unmanaged())
-        top_->setAttribute(Qt::WA_ShowWithoutActivating);
     top_->setAcceptDrops(FormInput::wantsDrops(form_));
     top_->setWindowTitle(toShown(form_.caption()));
     if (form_.icon() != forms::Picture::None && form_.showInTaskbar())
@@ -100,10 +98,10 @@ void QtFormWindow::show() {
     if (hidePending_) {
         // Hidden and shown within one event: on the screen that is coming forward, no more.
         hidePending_ = false;
-        if (form_.unmanaged())
-            raise();
-        else
+        if (mayTakeKeyboard())
             bringForward();
+        else
+            raise();
         return;
     }
     const bool first = !shownOnce_;
@@ -112,8 +110,11 @@ void QtFormWindow::show() {
     outlineDirty_ = true;
     applyOutline();
     comeBack();
+    const bool welcome = mayTakeKeyboard();
+    top_->setAttribute(Qt::WA_ShowWithoutActivating, !welcome);
+    top_->windowHandle()->setProperty("_q_showWithoutActivating", !welcome);
     top_->show();
-    if (!form_.unmanaged())
+    if (welcome)
         top_->activateWindow();
     // A manager that still has the last hiding to do takes the states away that were set ahead.
     if (!first && !form_.unmanaged() && !form_.showInTaskbar())
@@ -125,6 +126,12 @@ void QtFormWindow::show() {
         firstFocus();
     if (form_.unmanaged() && form_.topmost())
         applyTopmost();
+}
+
+// A film that follows another by itself comes up while the person may be writing elsewhere.
+bool QtFormWindow::mayTakeKeyboard() const {
+    return !form_.unmanaged() &&
+           (QGuiApplication::applicationState() == Qt::ApplicationActive || !hub_.comesByItself());
 }
 
 // Who shows a window wants to see it: it does not come up minimised, whoever minimised it before.

@@ -51,6 +51,9 @@ public:
     // A disabled form was clicked: the window that it waits for comes forward.
     void raiseWaitedFor(const QtFormWindow &disabled);
 
+    // What comes up now was not asked for: neither by the start nor by a key or click just before.
+    bool comesByItself() const { return loop.running() && !x11.personActed(); }
+
     // An icon of a drawing in the usual sizes.
     QIcon icon(forms::Picture picture);
 
