@@ -477,17 +477,17 @@ class PlayerTest(unittest.TestCase):
 class Stranger:
     """Another program's plain window (xev), which tells what presses reach it."""
 
-    def __init__(self, session, x, y, width, height):
+    def __init__(self, session, x, y, width, height, name="Event Tester"):
         self.session = session
-        self.log = session.home + "/stranger.log"
+        self.log = f"{session.home}/{name}.log"
         with open(self.log, "wb") as log:
             self.child = subprocess.Popen(
-                ["stdbuf", "-oL", "xev", "-event", "button", "-event", "structure", "-geometry",
-                 f"{width}x{height}+{x}+{y}"], env=session.env, stdout=log,
+                ["stdbuf", "-oL", "xev", "-name", name, "-event", "button", "-event", "structure",
+                 "-geometry", f"{width}x{height}+{x}+{y}"], env=session.env, stdout=log,
                 stderr=subprocess.DEVNULL, start_new_session=True)
         session.children.append(self.child)
-        self.window = wait_for(lambda: quiet("xdotool", "search", "--onlyvisible", "--name",
-                                             "Event Tester", env=session.env))
+        self.window = wait_for(lambda: quiet("xdotool", "search", "--onlyvisible", "--name", name,
+                                             env=session.env))
 
     def presses(self):
         """Where on the screen it was pressed, in order."""

@@ -12,7 +12,7 @@ import unittest
 
 from listing import silence
 from player import MAIN, PlayerTest, Stranger
-from session import quiet, wait_for
+from session import quiet, rest, wait_for
 
 WIDTH, HEIGHT = 1280, 800
 SECONDS = 600  # the track; longer than any test on the busiest machine
@@ -272,6 +272,34 @@ class Standing(LyricTest):
         self.assertTrue(wait_for(lambda: player.size(line) == (WIDTH, high), 30),
                         player.geometry(line))
         self.assertTrue(self.letters(player))
+
+    def part(self, high_left, high_right):
+        """Two monitors side by side, the left one the primary."""
+        env = self.session.env
+        quiet("xrandr", "--setmonitor", "right", f"640/160x{high_right}/200+640+0", "none", env=env)
+        quiet("xrandr", "--setmonitor", "*left", f"640/160x{high_left}/200+0+0", "screen", env=env)
+
+    def panel(self, x, high):
+        """Another program's window that keeps the foot of the monitor at that column for itself."""
+        panel = Stranger(self.session, x, 100, 100, 50, name=f"panel{x}")
+        strut = f"0,0,0,{high},0,0,0,0,0,0,{x},{x + 639}"
+        quiet("xprop", "-id", panel.window, "-f", "_NET_WM_STRUT_PARTIAL", "32c", "-set",
+              "_NET_WM_STRUT_PARTIAL", strut, env=self.session.env)
+        return panel
+
+    def test_of_two_monitors_only_the_panels_of_its_own_count(self):
+        player, _ = self.sing(self.LINE)
+        line = self.strip(player)
+        high = player.size(line)[1]
+        own = self.panel(0, 40)
+        self.part(HEIGHT, 600)
+        above = (0, round(HEIGHT - high - 40 - 40 / 15))  # the bar's height counts once more, in twips
+        self.assertTrue(wait_for(lambda: player.place(line) == above, 30), player.geometry(line))
+        self.panel(640, HEIGHT - 600 + 30)
+        self.assertEqual(rest(lambda: player.place(line), still=1), above)
+        self.session.stop(own.child)
+        foot = (0, HEIGHT - high)
+        self.assertTrue(wait_for(lambda: player.place(line) == foot, 30), player.geometry(line))
 
     def test_it_and_the_windows_are_placed_again_when_the_scale_changes(self):
         settings = self.session.home + "/xsettings"

@@ -34,14 +34,18 @@ DarkDialog::DarkDialog(Hub &hub, const QString &title)
     body_ = outer;
 }
 
+QRect DarkDialog::around() const {
+    const QWidget *active = QApplication::activeWindow();
+    return active != nullptr ? active->frameGeometry() : screens::freeOfPanels(hub_.x11);
+}
+
+QRect DarkDialog::room() const { return screens::freeOfPanelsAt(hub_.x11, around().center()); }
+
 int DarkDialog::run() {
     adjustSize();
-    QRect around = screens::freeOfPanels();
-    if (const QWidget *active = QApplication::activeWindow(); active != nullptr)
-        around = active->frameGeometry();
     QRect place(QPoint(0, 0), size());
-    place.moveCenter(around.center());
-    const QRect free = screens::freeOfPanelsAt(around.center());
+    place.moveCenter(around().center());
+    const QRect free = room();
     place.moveLeft(
         std::clamp(place.left(), free.left(), std::max(free.left(), free.right() - place.width())));
     place.moveTop(

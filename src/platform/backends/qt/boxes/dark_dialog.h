@@ -23,12 +23,18 @@ protected:
     // Below the title strip, with the margins of the design.
     QVBoxLayout *body() const noexcept { return body_; }
 
+    // What panels leave free of the monitor that it comes up on.
+    QRect room() const;
+
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:
+    // Where the middle of it goes: over the active window, else over the primary monitor.
+    QRect around() const;
+
     Hub &hub_;
     QVBoxLayout *body_;
     QPoint dragFrom_;

@@ -2,7 +2,6 @@
 
 #include "platform/backends/qt/boxes/dark_dialog.h"
 #include "platform/backends/qt/paint/look.h"
-#include "platform/backends/qt/screen/screens.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -184,10 +183,10 @@ private:
 
     // A text higher than the screen scrolls inside the box: its buttons stay in view.
     QWidget *fitted(QLabel *words) {
-        const int room = screens::freeOfPanels().height() - roomForTheRest;
+        const int most = room().height() - roomForTheRest;
         const int high =
             words->wordWrap() ? words->heightForWidth(widestText) : words->sizeHint().height();
-        if (high <= room)
+        if (high <= most)
             return words;
         words->setFixedHeight(high);
         words->setAttribute(Qt::WA_TranslucentBackground);
@@ -198,7 +197,7 @@ private:
         scroll_->viewport()->setAutoFillBackground(false);
         scroll_->setWidget(words);
         scroll_->setFixedSize(
-            words->sizeHint().width() + scroll_->verticalScrollBar()->sizeHint().width(), room);
+            words->sizeHint().width() + scroll_->verticalScrollBar()->sizeHint().width(), most);
         return scroll_;
     }
 

@@ -1,5 +1,7 @@
 #include "platform/backends/qt/screen/screens.h"
 
+#include "platform/backends/qt/screen/panels.h"
+
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -18,24 +20,24 @@ QRect primary() {
     return screen != nullptr ? screen->geometry() : QRect();
 }
 
-QRect freeOfPanels() {
+QRect freeOfPanels(X11 &x11) {
     const QScreen *screen = QGuiApplication::primaryScreen();
-    return screen != nullptr ? screen->availableGeometry() : QRect();
+    return screen != nullptr ? qt::freeOfPanels(x11, *screen) : QRect();
 }
 
-QRect freeOfPanelsAt(QPoint place) {
+QRect freeOfPanelsAt(X11 &x11, QPoint place) {
     const QScreen *screen = QGuiApplication::screenAt(place);
-    return screen != nullptr ? screen->availableGeometry() : freeOfPanels();
+    return screen != nullptr ? qt::freeOfPanels(x11, *screen) : freeOfPanels(x11);
 }
 
-RectPixels workArea() {
-    const QRect area = freeOfPanels().translated(-primary().topLeft());
+RectPixels workArea(X11 &x11) {
+    const QRect area = freeOfPanels(x11).translated(-primary().topLeft());
     return {area.left(), area.top(), area.left() + area.width(), area.top() + area.height()};
 }
 
-RectPixels taskBar() {
+RectPixels taskBar(X11 &x11) {
     const QRect screen = primary();
-    const RectPixels work = workArea();
+    const RectPixels work = workArea(x11);
     return {0, std::min(work.bottom, screen.height()), screen.width(), screen.height()};
 }
 

@@ -4,6 +4,7 @@
 // left.
 
 #include "base/geometry.h"
+#include "platform/backends/qt/screen/x11.h"
 
 #include <QPointF>
 #include <QRect>
@@ -13,15 +14,15 @@ namespace velmora::platform::qt::screens {
 // The primary monitor in the toolkit's coordinates.
 QRect primary();
 // The part of it that panels leave free, in the toolkit's coordinates.
-QRect freeOfPanels();
+QRect freeOfPanels(X11 &x11);
 
 // The part that panels leave free of the monitor that has this place, in the toolkit's coordinates;
 // of the primary one where none has it.
-QRect freeOfPanelsAt(QPoint place);
+QRect freeOfPanelsAt(X11 &x11, QPoint place);
 
-RectPixels workArea();
+RectPixels workArea(X11 &x11);
 // The strip at the bottom that the work area leaves free; of zero height if there is none.
-RectPixels taskBar();
+RectPixels taskBar(X11 &x11);
 
 // `area` (in the toolkit's coordinates), or where it goes so that it can be reached: onto the
 // primary monitor if no monitor has enough of its columns, or all of it lies below. How far it lies

@@ -81,7 +81,11 @@ void X11::internAtoms() {
                                           "WM_STATE",
                                           "_NET_FRAME_EXTENTS",
                                           "_NET_REQUEST_FRAME_EXTENTS",
-                                          "_NET_CLIENT_LIST"};
+                                          "_NET_CLIENT_LIST",
+                                          "_NET_WORKAREA",
+                                          "_GTK_WORKAREAS_D0",
+                                          "_NET_WM_STRUT_PARTIAL",
+                                          "_NET_WM_STRUT"};
     xcb_intern_atom_cookie_t asked[AtomCount];
     for (int i = 0; i < AtomCount; ++i)
         asked[i] =
@@ -136,6 +140,31 @@ std::optional<std::vector<xcb_window_t>> X11::windowsOfRoot(Atom property) {
         return std::nullopt;
     const auto *first = static_cast<const xcb_window_t *>(xcb_get_property_value(reply.get()));
     return std::vector<xcb_window_t>(first, first + reply->value_len);
+}
+
+std::vector<std::vector<std::uint32_t>> X11::numbersOf(std::span<const xcb_window_t> windows,
+                                                       Atom property, std::uint32_t most) {
+    std::vector<xcb_get_property_cookie_t> asked;
+    for (const xcb_window_t window : windows)
+        asked.push_back(
+            xcb_get_property(connection_, 0, window, atoms_[property], XCB_ATOM_CARDINAL, 0, most));
+    std::vector<std::vector<std::uint32_t>> numbers;
+    for (const xcb_get_property_cookie_t each : asked) {
+        const Owned<xcb_get_property_reply_t> reply(
+            xcb_get_property_reply(connection_, each, nullptr));
+        numbers.emplace_back();
+        if (!reply || reply->type != XCB_ATOM_CARDINAL || reply->format != 32)
+            continue;
+        const auto *first = static_cast<const std::uint32_t *>(xcb_get_property_value(reply.get()));
+        numbers.back().assign(first, first + reply->value_len);
+    }
+    return numbers;
+}
+
+QSize X11::rootSize() {
+    const Owned<xcb_get_geometry_reply_t> reply(
+        xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, root()), nullptr));
+    return reply ? QSize(reply->width, reply->height) : QSize();
 }
 
 void X11::setStatesBeforeMap(xcb_window_t window, std::initializer_list<Atom> states) {
@@ -304,6 +333,17 @@ bool X11::personActed() const {
     return std::chrono::steady_clock::now() - lastAct_ <= recent;
 }
 
+void X11::propertyChanged(const xcb_property_notify_event_t &change) {
+    if (!turns_.empty() && change.window == turnWindow_ && change.atom == atoms_[FrameExtents]) {
+        const std::function<void()> took = std::move(turns_.front());
+        turns_.pop_front();
+        took();
+    } else if (change.window == root() && onWorkArea &&
+               (change.atom == atoms_[WorkArea] || change.atom == atoms_[GtkWorkAreas])) {
+        onWorkArea();
+    }
+}
+
 bool X11::nativeEventFilter(const QByteArray & /*type*/, void *message, qintptr * /*result*/) {
     auto *event = static_cast<xcb_generic_event_t *>(message);
     const std::uint8_t type = event->response_type & 0x7FU;
@@ -333,13 +373,8 @@ bool X11::nativeEventFilter(const QByteArray & /*type*/, void *message, qintptr 
             sensors_.find(reinterpret_cast<const xcb_enter_notify_event_t *>(event)->event);
         if (found != sensors_.end())
             found->second();
-    } else if (type == XCB_PROPERTY_NOTIFY && !turns_.empty()) {
-        const auto *change = reinterpret_cast<const xcb_property_notify_event_t *>(event);
-        if (change->window == turnWindow_ && change->atom == atoms_[FrameExtents]) {
-            const std::function<void()> took = std::move(turns_.front());
-            turns_.pop_front();
-            took();
-        }
+    } else if (type == XCB_PROPERTY_NOTIFY) {
+        propertyChanged(*reinterpret_cast<const xcb_property_notify_event_t *>(event));
     } else if (type == XCB_VISIBILITY_NOTIFY && !covered_.empty()) {
         const auto *notice = reinterpret_cast<const xcb_visibility_notify_event_t *>(event);
         const auto found = covered_.find(notice->window);

@@ -6,6 +6,7 @@
 
 #include <QAbstractNativeEventFilter>
 #include <QRect>
+#include <QSize>
 
 #include <xcb/xcb.h>
 
@@ -38,6 +39,10 @@ public:
         FrameExtents,
         RequestFrameExtents,
         ClientList,
+        WorkArea,
+        GtkWorkAreas,
+        StrutPartial,
+        Strut,
         AtomCount
     };
 
@@ -69,6 +74,15 @@ public:
 
     // The windows that a property of the screen names; absent where nobody has set it.
     std::optional<std::vector<xcb_window_t>> windowsOfRoot(Atom property);
+
+    // The numbers that a property of each window holds, at most so many; none where nobody has set
+    // it.
+    std::vector<std::vector<std::uint32_t>> numbersOf(std::span<const xcb_window_t> windows,
+                                                      Atom property, std::uint32_t most);
+    // All monitors together.
+    QSize rootSize();
+    // Panels may leave another part of the screen free.
+    std::function<void()> onWorkArea;
 
     // The window consists of these rectangles (rows from top to bottom), for drawing and for
     // clicks. None at all: nothing of it is there. `clearShape` makes it whole again.
@@ -107,6 +121,7 @@ private:
     void tellManager(const xcb_client_message_event_t &event);
     std::vector<xcb_atom_t> readStates(xcb_window_t window);
     xcb_visualid_t clearVisual() const;
+    void propertyChanged(const xcb_property_notify_event_t &change);
     bool hasExtension(const char *name, std::uint8_t &firstEvent);
 
     xcb_connection_t *connection_;

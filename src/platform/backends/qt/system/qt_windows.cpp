@@ -117,6 +117,7 @@ QtWindowSystem::QtWindowSystem(std::unique_ptr<Parts> parts) : parts_(std::move(
         if (onScreensChanged)
             onScreensChanged();
     });
+    parts_->hub.x11.onWorkArea = [this] { parts_->screenWatch->changed(); };
 }
 
 QtWindowSystem::~QtWindowSystem() = default;
@@ -285,7 +286,7 @@ bool QtWindowSystem::FlashWindow(HWND window, bool invert) {
 bool QtWindowSystem::SystemParametersInfoA(std::uint32_t action, RectPixels &area) {
     if (action != SPI_GETWORKAREA)
         return false;
-    area = qt::screens::workArea();
+    area = qt::screens::workArea(parts_->hub.x11);
     return true;
 }
 
@@ -295,7 +296,7 @@ HWND QtWindowSystem::FindWindowA(std::u16string_view className) {
 
 bool QtWindowSystem::GetWindowRect(HWND window, RectPixels &rect) {
     if (window == taskBarNumber) {
-        rect = qt::screens::taskBar();
+        rect = qt::screens::taskBar(parts_->hub.x11);
         return true;
     }
     const qt::FormEntry *entry = parts_->hub.entry(window);

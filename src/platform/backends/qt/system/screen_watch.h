@@ -18,9 +18,11 @@ public:
     ScreenWatch(const ScreenWatch &) = delete;
     ScreenWatch &operator=(const ScreenWatch &) = delete;
 
+    // Something else changed that windows are placed by.
+    void changed();
+
 private:
     void follow(QScreen *screen);
-    void changed();
 
     std::function<void()> changed_;
     QObject context_; // what is connected ends with it

@@ -67,7 +67,7 @@ void QtFormWindow::realise() {
     if (form_.icon() != forms::Picture::None && form_.showInTaskbar())
         top_->setWindowIcon(hub_.icon(form_.icon()));
     if (form_.startCentred()) {
-        const RectPixels work = screens::workArea();
+        const RectPixels work = screens::workArea(hub_.x11);
         const double width = toPixels(form_.width());
         const double height = toPixels(form_.height());
         form_.movedTo(toTwips(std::round(work.left + (work.right - work.left - width) / 2)),
