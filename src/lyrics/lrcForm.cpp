@@ -22,7 +22,7 @@ void lrcForm::load() {
     passOver([this] { app_.formSet().set_ColourKey(*this); });
     passOver([this] { app_.formSet().keep_Topmost(); });
     Timer1.onTimer = [this] { tick(); };
-    app_.platform().windows.onScreensChanged = [this] { passOver([this] { position(); }); };
+    app_.platform().windows.onScreensChanged = [this] { app_.formSet().screens_Changed(); };
     // The window stays for the whole run.
     on().QueryUnload = [](bool &cancel) { cancel = true; };
 }

@@ -25,6 +25,8 @@ public:
     void setScreenSize(std::int32_t newWidth, std::int32_t newHeight, bool keep);
     void setScreenSize_Default();
     void setFullScreen(bool keep);
+    // Fills the screen as it is now, if it filled the one before.
+    void screen_Changed();
     void fullScreen_Button_Click();
     // Places the title's label and its box.
     void set_Str_ControlVideo_Place();

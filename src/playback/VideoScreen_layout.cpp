@@ -71,6 +71,11 @@ void VideoScreen_Form::setFullScreen(bool keep) {
     });
 }
 
+void VideoScreen_Form::screen_Changed() {
+    if (isWhole_)
+        setFullScreen(true);
+}
+
 void VideoScreen_Form::fullScreen_Button_Click() {
     if (app_.player().isFullScreen == 0) {
         setFullScreen(false);

@@ -6,6 +6,7 @@
 #include "lyrics/lrcForm.h"
 #include "playback/Main.h"
 #include "playback/MenuForm.h"
+#include "playback/VideoScreen_Form.h"
 #include "playback/miniForm.h"
 #include "playback/startLoad_Form.h"
 #include "playlist/list_work.h"
@@ -55,6 +56,12 @@ std::int32_t formSet::set_Topmost(platform::HWND window, bool flag) {
 void formSet::keep_Topmost() {
     set_Topmost(app_.miniForm().hWnd(), true);
     set_Topmost(app_.lrcForm().hWnd(), true);
+}
+
+void formSet::screens_Changed() {
+    passOver([this] { app_.lrcForm().position(); });
+    if (app_.videoScreenLoaded())
+        app_.VideoScreen_Form().screen_Changed();
 }
 
 // --- dragging --------------------------------------------------------------------------------

@@ -37,6 +37,9 @@ public:
     std::int32_t set_Topmost(platform::HWND window, bool flag);
     // Keeps the mini window and the desktop lyric on top.
     void keep_Topmost();
+    // What is placed by the primary monitor follows it: the line on the desktop, and a film that
+    // fills the screen.
+    void screens_Changed();
 
     // --- dragging --------------------------------------------------------------------------------
     // X and Y of a drag are the pointer's place on the screen less the form's place at that moment:

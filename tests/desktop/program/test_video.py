@@ -215,6 +215,14 @@ class InTheWindow(FilmTest):
         self.assertTrue(player.stays_away(lambda: self.video(player, seconds=0.1), main),
                         "a small window as well")
 
+    def test_in_full_screen_it_follows_the_screen(self):
+        player, _, window = self.play_in_window("film.mp4")
+        self.session.key("Return", window)
+        self.full(player)
+        self.resize(1024, 768)
+        self.assertTrue(self.video(player, (1024, 768)), "it keeps the size of the screen before")
+        self.assert_stretched((0, 0, 1024, int(768 - STRIP)))
+
     def test_the_film_after_a_film_leaves_the_keyboard_where_it_is(self):
         player, main, window = self.play_in_window("short.mp4", "film.mp4")
         stranger = Stranger(self.session, 10, 10, 200, 150)

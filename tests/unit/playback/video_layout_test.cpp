@@ -227,6 +227,23 @@ TEST_F(Video, FromFullScreenItComesBackToItsPlaceWithItsTitleRowInSight) {
     EXPECT_EQ(w.fullScreen_Button.left(), labelLeft + 1050);
 }
 
+TEST_F(Video, InFullScreenFollowsTheScreen) {
+    app.lrcForm(); // loaded by the start
+    auto &w = window();
+    w.move({4125, 2070, w.width(), w.height()});
+    w.setFullScreen(true);
+    windows.screen = {1024, 768};
+    windows.onScreensChanged();
+    EXPECT_EQ(w.width(), 1024 * 15);
+    EXPECT_EQ(w.height(), 768 * 15);
+    EXPECT_EQ(app.player().isFullScreen, -1);
+    w.setScreenSize_Default();
+    EXPECT_EQ(w.left(), 4125) << "its place before is still known";
+    windows.screen = {1280, 800};
+    windows.onScreensChanged();
+    EXPECT_EQ(w.width(), VideoScreen_Form::defaultWidth) << "in its window it stays as it is";
+}
+
 TEST_F(Video, ComesBackInFullScreenForTheNextTrack) {
     play();
     window().setFullScreen(true);
