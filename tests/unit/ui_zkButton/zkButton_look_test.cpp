@@ -123,6 +123,16 @@ TEST_F(ButtonTest, AnotherForeColourIsToldAndTheSameIsNot) {
     }
 }
 
+TEST_F(ButtonTest, WhatWritesItAnewIsToldOnce) {
+    auto &window = shown();
+    for (const std::function<void()> &write : std::vector<std::function<void()>>{
+             [&] { button.setCaption(u"again"); }, [&] { button.setSpeed(30); }}) {
+        window.told.clear();
+        write();
+        EXPECT_EQ(window.told.size(), 1U);
+    }
+}
+
 TEST_F(ButtonTest, TheCaptionStandsInTheMiddleOverTheWholeWidth) {
     button.setCaption(u"Go");
     const forms::CustomLook look = button.look();

@@ -104,4 +104,21 @@ TEST_F(ButtonTest, AnyStepBelowTheRangeSaturatesAtItsEndToo) {
     }
 }
 
+TEST_F(ButtonTest, AStepAboveTheRangeIsWholeAtOnceInEachOfItsLooks) {
+    for (const int speed : {255, 256, 300, -300, 10'000}) {
+        button.setSpeed(speed);
+        leave();
+        enter();
+        tick();
+        EXPECT_EQ(button.state(), State::Idle) << speed;
+        expectLook(forms::Picture::button_hot);
+        press(310, 310);
+        tick();
+        EXPECT_EQ(button.state(), State::Idle) << speed;
+        expectLook(forms::Picture::button_pressed);
+        release(310, 310);
+        tick();
+    }
+}
+
 } // namespace velmora
