@@ -244,6 +244,16 @@ TEST_F(LyricFailure, OfAFileThatGrowsByBlankLinesAloneEndsTheReading) {
     expectFailure(u"/lrc/b.lrc");
 }
 
+TEST_F(LyricLoad, TakesSixteenMegabytesAndNotAByteMore) {
+    constexpr std::size_t most = std::size_t{16} << 20;
+    files.addFile(u"/lrc/b.lrc", std::string(most, 'x'));
+    EXPECT_FALSE(readLyricFile(app.platform(), u"/lrc/b.lrc").failure);
+    files.addFile(u"/lrc/b.lrc", std::string(most + 1, 'x'));
+    EXPECT_TRUE(readLyricFile(app.platform(), u"/lrc/b.lrc").failure);
+    files.setLength(u"/lrc/b.lrc", 1);
+    EXPECT_TRUE(readLyricFile(app.platform(), u"/lrc/b.lrc").failure) << "counted as it is read";
+}
+
 TEST_F(LyricLoad, TakesOneLineOfFifteenMegabytes) {
     load("[00:01]" + std::string(std::size_t{15} << 20, 'x'));
     EXPECT_EQ(lyric().List1.listCount(), 1);

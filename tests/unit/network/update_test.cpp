@@ -54,6 +54,13 @@ TEST_F(Update, WithoutANetworkIsToldToTheUserAlone) {
     work().check_Update(true);
 }
 
+TEST_F(Update, AskedForByAPersonTriesHostsAnewThatDidNotAnswerAndByItselfDoesNot) {
+    work().check_Update(false);
+    EXPECT_EQ(fake.internet.triedAnew, 0);
+    work().check_Update(true);
+    EXPECT_EQ(fake.internet.triedAnew, 1);
+}
+
 TEST_F(Update, WithoutTheInformationFileIsSilentForTheUserToo) {
     work().check_Update(true);
     EXPECT_TRUE(windows.boxes.empty());

@@ -216,6 +216,7 @@ TEST_F(Order, WithTheLyricEditorOpenEachDirectionRestartsTheSameFile) {
         app.player().next_Sub(direction);
         EXPECT_EQ(media.openPath(), u"/m/a.mp3");
         EXPECT_EQ(media.positionMs(), 0);
+        EXPECT_EQ(media.mode(), u"playing");
         EXPECT_EQ(app.player().nowPlay_Index, 1);
     }
 }

@@ -396,6 +396,16 @@ TEST_F(ChosenForTheMenu, OpenedBesideTheRowsItIsForTheSelection) {
     EXPECT_EQ(filesLeft(), (Texts{u"/m/a.mp3", u"/m/d.mp3"}));
 }
 
+TEST_F(ChosenForTheMenu, OpenedBesideTheRowsItIsNotForWhatAnEarlierPressOfTheLeftButtonPointedAt) {
+    selectOnly({0});
+    names.on().MouseDown({forms::leftButton, 0, 0, 0});
+    selectOnly({2});
+    windows.expectPopup("playlist_Menu", "hardDrive_DelSelect");
+    answerSure(MsgBoxResult::Yes);
+    list.on().MouseUp({forms::rightButton, 0, 0, 0});
+    EXPECT_EQ(filesLeft(), (Texts{u"/m/a.mp3", u"/m/b.mp3", u"/m/d.mp3"}));
+}
+
 TEST_F(ChosenForTheMenu, OpenedBesideTheRowsItIsForTheSelectionOfThatMoment) {
     selectOnly({2});
     windows.expectPopup("playlist_Menu", "hardDrive_DelSelect",

@@ -223,6 +223,9 @@ TEST_F(Tray, TipIsCutAt64UnitsButNotInsideAPair) {
     EXPECT_EQ(windows.trayCalls.back().data.tip.size(), 64U);
     rules().tray_Tip(std::u16string(63, u'x') + u"\U0001F3B5tail");
     EXPECT_EQ(windows.trayCalls.back().data.tip, std::u16string(63, u'x'));
+    const std::u16string fits = std::u16string(63, u'x') + u'\xD83C';
+    rules().tray_Tip(fits);
+    EXPECT_EQ(windows.trayCalls.back().data.tip, fits) << "what fits is not looked at";
     rules().tray_Tip(std::u16string(62, u'x') + u"\U0001F3B5tail");
     EXPECT_EQ(windows.trayCalls.back().data.tip, std::u16string(62, u'x') + u"\U0001F3B5");
 }
