@@ -17,9 +17,9 @@ packages_test="git libgtest-dev libgmock-dev clang clang-format clang-tidy libcl
  trayer xsettingsd dbus at-spi2-core python3-gi gir1.2-atspi-2.0 locales sox libsox-fmt-all ffmpeg lame flac python3 procps zlib1g-dev openssl
  playerctl libglib2.0-bin python3-dbusmock strace dosfstools exfat-fuse exfatprogs bindfs desktop-file-utils appstream man-db"
 
-# Desktops that the walk of tests/desktops runs on: those of every run, and the others.
+# Desktops that the walk of tests/desktops runs on: those of every run, and the others with the panels.
 packages_desktop="xfwm4 sway xwayland"
-packages_desktops="icewm i3-wm mutter kwin-x11"
+packages_desktops="icewm i3-wm mutter kwin-x11 xfce4-panel lxqt-panel"
 
 # What tests/browser looks at the catalogue's pages with; run by hand.
 packages_browser="chromium chromium-driver"
