@@ -144,6 +144,33 @@ class Remote(BusTest):
         self.control("stop")
         self.assert_comes("Stopped", "status")
 
+    def test_the_picture_in_a_track_s_tag_is_shown_to_whoever_asks(self):
+        picture, track = self.session.home + "/red.png", self.music + "/tagged.mp3"
+        self.ask("convert", "-size", "32x32", "xc:red", picture)
+        self.ask("lame", "--quiet", "--ti", picture, "--tt", "Tagged", self.tracks[0], track)
+        self.write_list([track, self.tracks[0]])
+        self.start_there()
+        self.play_first()
+        self.assert_comes("Tagged", "metadata", "xesam:title")
+        art = self.control("metadata", "mpris:artUrl")
+        self.assertTrue(art.startswith(f"file://{self.session.env['XDG_CACHE_HOME']}/"), art)
+        with open(art.removeprefix("file://"), "rb") as kept, open(picture, "rb") as inside:
+            self.assertEqual(kept.read(), inside.read())
+        # A track without one shows none, and back the same file serves again.
+        self.control("next")
+        self.assert_comes("one", "metadata", "xesam:title")
+        self.assertNotIn("mpris:artUrl", self.property("Metadata"))
+        self.control("previous")
+        self.assert_comes(art, "metadata", "mpris:artUrl")
+        self.assertEqual(len(os.listdir(os.path.dirname(art.removeprefix("file://")))), 1)
+        # One beside the track goes ahead of it.
+        shutil.copy(picture, self.music + "/folder.png")
+        self.control("next")
+        self.assert_comes(f"file://{self.music}/folder.png", "metadata", "mpris:artUrl")
+        self.control("previous")
+        self.assert_comes("Tagged", "metadata", "xesam:title")
+        self.assertEqual(self.control("metadata", "mpris:artUrl"), f"file://{self.music}/folder.png")
+
     def test_playing_is_told_of_once_and_then_nothing_is(self):
         self.start_there()
         self.play_first()
