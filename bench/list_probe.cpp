@@ -273,7 +273,7 @@ int main(int count, char **arguments) {
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     const std::string_view part = count > 1 ? arguments[1] : "";
     const bool quick = part == "--quick";
-    const tests::XSession session;
+    const tests::XSession session({.bus = true});
     if (!session.running())
         return 1;
     Probe probe(session, quick);

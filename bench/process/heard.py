@@ -50,7 +50,7 @@ class Heard:
     """One player in a session of its own, playing these tracks."""
 
     def __init__(self, player, tracks):
-        self.session = Session(window_manager=True)
+        self.session = Session(window_manager=True, bus=True)
         self.player = player
         self.recorder = Recorder(self.session)
         self.child = self.session.spawn(player.play(self.session, tracks))

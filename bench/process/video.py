@@ -113,7 +113,7 @@ def side_by_side(film):
         pids = []
         for play in (play_in_the_window,
                      lambda *place: play_by_the_engine(*place, QUICKLY_HEARD), play_by_the_engine):
-            sessions.append(FilmSession(window_manager=True))
+            sessions.append(FilmSession(window_manager=True, bus=True))
             pids.append(play(sessions[-1], film))
         time.sleep(3)
         with concurrent.futures.ThreadPoolExecutor() as pool:
@@ -125,7 +125,7 @@ def side_by_side(film):
 
 def full_screen_switches(film):
     """Milliseconds from the key to the first picture of the new size."""
-    session = FilmSession(window_manager=True)
+    session = FilmSession(window_manager=True, bus=True)
     times = []
     try:
         player, main = start(session, film)
@@ -153,7 +153,7 @@ def full_screen_switches(film):
 
 
 def idle_strip(track):
-    session = FilmSession(window_manager=True)
+    session = FilmSession(window_manager=True, bus=True)
     try:
         player, main = start(session, track)
         player.click(main, "mini_Button")

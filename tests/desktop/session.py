@@ -88,7 +88,7 @@ class Session:
     server_options = ()  # further ones of the display server
     live = {}  # by display
 
-    def __init__(self, window_manager, sound=True):
+    def __init__(self, window_manager, sound=True, bus=False):
         self.home = tempfile.mkdtemp(prefix="velmora-bench-")
         self.runtime = tempfile.mkdtemp(prefix="vb")
         # Of the user's own session nothing counts that programs on a screen go by.
@@ -108,6 +108,8 @@ class Session:
         self._display()
         Session.live[self.env["DISPLAY"]] = self
         self.manager = None
+        if bus:
+            self.start_bus()
         if window_manager:
             self.manager = self.spawn(["openbox"])
             if not wait_for(lambda: "window id" in quiet(
