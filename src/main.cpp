@@ -39,6 +39,17 @@ std::vector<std::u16string> hostsOf(setControl &settings) {
             settings.get_SongSearchHost(), settings.get_MakerHost()};
 }
 
+platform::DialogHost dialogHost(platform::QtWindowSystem &windows, platform::ToolkitDialogs &own) {
+    platform::DialogHost host;
+    host.wait = [&windows](const auto &done, auto limit) { return windows.waitModal(done, limit); };
+    host.nativeWindow = [&windows](platform::HWND window) { return windows.nativeWindow(window); };
+    host.coversOthers = [&windows] { return windows.coversOthers(); };
+    host.mayReplace = [&own](std::u16string_view path, std::u16string_view title) {
+        return own.mayReplace(path, title);
+    };
+    return host;
+}
+
 int play() {
     platform::QtOptions windowOptions;
     windowOptions.note = note;
@@ -64,7 +75,12 @@ int play() {
     const auto quiet = sound.quiet;
     platform::media::MciInterpreter media(platform::sound::makeSoundOpener(std::move(sound)),
                                           platform::makePictureOpener(pictures));
-    const auto processes = platform::makeProcesses(homes, [&registry] { registry.flush(); });
+    platform::DesktopBus *onBus = nullptr;
+    const auto processes = platform::makeProcesses(homes, [&registry, &onBus] {
+        registry.flush();
+        if (onBus != nullptr)
+            onBus->beforeEnd();
+    });
     const auto shell = platform::makeShell();
     const auto versions = platform::makeVersionRecords(*ansi);
     const auto waitableTimers =
@@ -90,15 +106,17 @@ int play() {
         [&windows](int descriptor, std::function<void()> ready) {
             return windows->watch(descriptor, std::move(ready));
         });
-    const auto dialogs = platform::makeQtDialogs(*windows, *ansi, calls);
+    const auto ownDialogs = platform::makeQtDialogs(*windows, *ansi, calls);
 
     platform::DesktopBus desktop(homes, [&windows](int descriptor, std::function<void()> ready) {
         return windows->watch(descriptor, std::move(ready));
     });
 
     windows->setStatusItem(&desktop.statusItem());
+    onBus = &desktop;
+    platform::Dialogs &dialogs = desktop.dialogs(*ownDialogs, dialogHost(*windows, *ownDialogs));
 
-    Velmora program({*ansi, *clock, *dialogs, *files, *folders, desktop.inhibitor(), *internet,
+    Velmora program({*ansi, *clock, dialogs, *files, *folders, desktop.inhibitor(), *internet,
                      media, *processes, *profiles, registry, desktop.remote(), *shell, *versions,
                      *waitableTimers, *waveOut, *windows});
     running = &program;

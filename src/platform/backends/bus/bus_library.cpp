@@ -30,6 +30,9 @@ bool BusLibrary::findAll(const LoadedLibrary &library) {
            library.bind(append, "sd_bus_message_append") &&
            library.bind(appendStrv, "sd_bus_message_append_strv") &&
            library.bind(appendArray, "sd_bus_message_append_array") &&
+           library.bind(getSender, "sd_bus_message_get_sender") &&
+           library.bind(getPath, "sd_bus_message_get_path") &&
+           library.bind(getDestination, "sd_bus_message_get_destination") &&
            library.bind(openContainer, "sd_bus_message_open_container") &&
            library.bind(closeContainer, "sd_bus_message_close_container") &&
            library.bind(read, "sd_bus_message_read") &&

@@ -45,6 +45,9 @@ struct BusLibrary {
     decltype(sd_bus_message_append) *append = nullptr;
     decltype(sd_bus_message_append_strv) *appendStrv = nullptr;
     decltype(sd_bus_message_append_array) *appendArray = nullptr;
+    decltype(sd_bus_message_get_sender) *getSender = nullptr;
+    decltype(sd_bus_message_get_path) *getPath = nullptr;
+    decltype(sd_bus_message_get_destination) *getDestination = nullptr;
     decltype(sd_bus_message_open_container) *openContainer = nullptr;
     decltype(sd_bus_message_close_container) *closeContainer = nullptr;
     decltype(sd_bus_message_read) *read = nullptr;

@@ -6,6 +6,7 @@
 #include "platform/backends/bus/inhibition.h"
 #include "platform/backends/bus/media_player.h"
 #include "platform/backends/bus/names.h"
+#include "platform/backends/bus/portal_dialogs.h"
 #include "platform/backends/bus/status_notifier.h"
 #include "text/path_text.h"
 
@@ -96,6 +97,7 @@ struct DesktopBus::Parts final : Remote, Inhibitor {
     bus::Inhibition suspend;
     bus::Inhibition idle;
     bus::StatusNotifier statusItem;
+    std::unique_ptr<bus::PortalDialogs> dialogs;
 };
 
 DesktopBus::DesktopBus(const HomeFolders &homes, WatchDescriptor watch)
@@ -106,5 +108,16 @@ DesktopBus::~DesktopBus() = default;
 Remote &DesktopBus::remote() { return *parts_; }
 Inhibitor &DesktopBus::inhibitor() { return *parts_; }
 StatusItem &DesktopBus::statusItem() { return parts_->statusItem; }
+
+Dialogs &DesktopBus::dialogs(Dialogs &own, DialogHost host) {
+    parts_->dialogs =
+        std::make_unique<bus::PortalDialogs>(parts_->connection, own, std::move(host));
+    return *parts_->dialogs;
+}
+
+void DesktopBus::beforeEnd() {
+    if (parts_->dialogs != nullptr)
+        parts_->dialogs->letGo();
+}
 
 } // namespace velmora::platform

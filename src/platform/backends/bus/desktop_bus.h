@@ -1,8 +1,10 @@
 #pragma once
 
 // The rest of the desktop, over the session bus: media keys and everything else that speaks MPRIS,
-// files that are opened from elsewhere, keeping the machine awake, and the icon in a panel.
+// files that are opened from elsewhere, dialogs for files, keeping the machine awake, and the icon
+// in a panel.
 
+#include "platform/backends/bus/dialog_host.h"
 #include "platform/backends/linux/home_folders.h"
 #include "platform/contracts/inhibitor.h"
 #include "platform/contracts/remote.h"
@@ -12,6 +14,8 @@
 #include <memory>
 
 namespace velmora::platform {
+
+class Dialogs;
 
 // Calls `ready` from the loop whenever the descriptor can be read, and while it is asked for, when
 // it can be written to. What comes back asks for that; the watch ends with it.
@@ -28,6 +32,12 @@ public:
     Remote &remote();
     Inhibitor &inhibitor();
     StatusItem &statusItem();
+    // The desktop's dialogs for files and folders; `own`, which must outlive them, serves where
+    // there are none, and for everything else. Made once.
+    Dialogs &dialogs(Dialogs &own, DialogHost host);
+
+    // The program ends, wherever it is: what others show for it goes.
+    void beforeEnd();
 
 private:
     struct Parts;

@@ -15,6 +15,7 @@
 #include <QHeaderView>
 #include <QLibraryInfo>
 #include <QLocale>
+#include <QMessageBox>
 #include <QSplitter>
 #include <QTranslator>
 #include <QTreeView>
@@ -47,7 +48,7 @@ Colour toColour(const QColor &colour) {
            static_cast<Colour>(colour.blue()) << 16;
 }
 
-class QtDialogs : public Dialogs {
+class QtDialogs : public ToolkitDialogs {
 public:
     QtDialogs(QtWindowSystem &windows, const AnsiText &ansi, FileCalls calls)
         : windows_(windows), ansi_(ansi), calls_(std::move(calls)) {}
@@ -128,6 +129,20 @@ public:
         return outcome == CopyOutcome::Failed ? 1 : 0;
     }
 
+    bool mayReplace(std::u16string_view path, std::u16string_view title) override {
+        speak();
+        const QString text = QCoreApplication::translate(
+            "QFileDialog", "%1 already exists.\nDo you want to replace it?");
+        QMessageBox box(QMessageBox::Warning, qt::toShown(title),
+                        text.arg(qt::toShown(baseName(path))), QMessageBox::Yes | QMessageBox::No);
+        box.setTextFormat(Qt::PlainText);
+        box.setDefaultButton(QMessageBox::No);
+        box.setWindowModality(Qt::ApplicationModal);
+        box.setWindowFlag(Qt::WindowStaysOnTopHint);
+        windows_.beforeNestedLoop();
+        return box.exec() == QMessageBox::Yes;
+    }
+
 private:
     // The toolkit's words for its dialogs, in the system's language, from the first dialog on;
     // English without them.
@@ -191,8 +206,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Dialogs> makeQtDialogs(QtWindowSystem &windows, const AnsiText &ansi,
-                                       FileCalls calls) {
+std::unique_ptr<ToolkitDialogs> makeQtDialogs(QtWindowSystem &windows, const AnsiText &ansi,
+                                              FileCalls calls) {
     return std::make_unique<QtDialogs>(windows, ansi, std::move(calls));
 }
 

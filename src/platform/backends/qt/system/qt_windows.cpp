@@ -19,8 +19,10 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QDialog>
 #include <QSocketNotifier>
 
+#include <algorithm>
 #include <cstring>
 
 namespace velmora::platform {
@@ -152,6 +154,36 @@ std::function<void(bool)> QtWindowSystem::watch(int descriptor, std::function<vo
 }
 
 void QtWindowSystem::beforeNestedLoop() { parts_->hub.loop.arm(); }
+
+bool QtWindowSystem::waitModal(const std::function<bool()> &done,
+                               std::optional<std::chrono::milliseconds> limit) {
+    using std::chrono::steady_clock;
+    // Never on the screen, but modal all the same: what the toolkit has for the dialogs of others.
+    QDialog standIn;
+    standIn.setAttribute(Qt::WA_DontShowOnScreen);
+    standIn.setWindowModality(Qt::ApplicationModal);
+    standIn.show();
+    const auto end = steady_clock::now() + limit.value_or(std::chrono::hours(24 * 365));
+    while (!done()) {
+        if (steady_clock::now() >= end)
+            return false;
+        parts_->hub.loop.waitUntil(end);
+    }
+    return true;
+}
+
+std::uint32_t QtWindowSystem::nativeWindow(HWND window) {
+    const qt::FormEntry *entry = parts_->hub.entry(window);
+    return entry != nullptr && entry->window != nullptr ? entry->window->nativeWindow() : 0;
+}
+
+bool QtWindowSystem::coversOthers() const {
+    const auto &order = parts_->hub.order;
+    return std::any_of(order.begin(), order.end(), [](const qt::QtFormWindow *window) {
+        const forms::Form &form = window->form();
+        return form.visible() && !form.unmanaged() && (form.topmost() || window->isFullScreen());
+    });
+}
 
 std::uint32_t QtWindowSystem::waitForEvents(std::chrono::steady_clock::time_point due) {
     return parts_->hub.loop.waitUntil(due) ? 0 : 1;

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -57,6 +58,15 @@ public:
 
     // Keeps timers running through a dialog of the toolkit: to be called ahead of its loop.
     void beforeNestedLoop();
+
+    // For a dialog that another process shows: handles events, while no window takes input and
+    // timers go on, until `done`; false when the time (absent: none) is over first.
+    bool waitModal(const std::function<bool()> &done,
+                   std::optional<std::chrono::milliseconds> limit);
+    // The native window behind a form; 0 where none was made.
+    std::uint32_t nativeWindow(HWND window);
+    // Whether a shown window that the window manager stacks lies above all others.
+    bool coversOthers() const;
 
     HWND formMade(forms::Form &form) override;
     void formGone(forms::Form &form) override;

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "text/dialog_filters.h"
+
 #include <QFileDialog>
 
 #include <string>
+#include <vector>
 
 namespace velmora::platform::qt {
 
@@ -13,15 +16,15 @@ namespace velmora::platform::qt {
 class SaveDialog : public QFileDialog {
 public:
     // `filter`: descriptions and patterns in turns, each ended by NUL. An empty extension is none.
-    SaveDialog(std::u16string filter, std::u16string defaultExtension);
+    SaveDialog(std::u16string_view filter, std::u16string defaultExtension);
 
     void accept() override;
 
 private:
     void completeName();
 
-    std::u16string filter_;
-    QString extension_;
+    std::vector<DialogFilter> filters_;
+    std::u16string extension_;
 };
 
 } // namespace velmora::platform::qt

@@ -40,6 +40,8 @@ public:
     // The native window; 0 before it was needed.
     xcb_window_t nativeWindow() const;
 
+    bool isFullScreen() const;
+
     // How far the window manager keeps the window from where its form stands, in logical pixels.
     QPoint heldOff() const;
     // Handles what the window system sends until the window manager has answered, for a while.
@@ -74,7 +76,6 @@ private:
     void setStatesBeforeMap();
     bool isKeyed() const;
     bool mayTakeKeyboard() const;
-    bool isFullScreen() const;
     void firstFocus();
     void comeBack();
     void densityChanged();
