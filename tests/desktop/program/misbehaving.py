@@ -22,8 +22,9 @@ class Server:
     """`answers` holds for the beginning of a path, whatever its case, the bytes to send or what is
     to be done."""
 
-    def __init__(self):
-        self.answers, self.asked = {}, []
+    def __init__(self, context=None):
+        """`context`: of encryption."""
+        self.answers, self.asked, self.context = {}, [], context
         self.listener = socket.create_server(("127.0.0.1", 0), backlog=16)
         self.port = self.listener.getsockname()[1]
         self.at = f"http://127.0.0.1:{self.port}"
@@ -42,6 +43,12 @@ class Server:
             threading.Thread(target=self.serve, args=(talk,), daemon=True).start()
 
     def serve(self, talk):
+        if self.context is not None:
+            try:
+                talk = self.context.wrap_socket(talk, server_side=True)
+            except OSError:
+                talk.close()
+                return
         with talk:
             try:
                 head = b""
@@ -93,4 +100,5 @@ def endless(talk):
 
 
 def redirect(place):
-    return b"HTTP/1.1 302 Found\r\nLocation: " + place + b"\r\nContent-Length: 0\r\n\r\n"
+    return (b"HTTP/1.1 302 Found\r\nLocation: " + place +
+            b"\r\nContent-Length: 0\r\nConnection: close\r\n\r\n")

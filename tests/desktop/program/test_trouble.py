@@ -74,7 +74,7 @@ def record(name, link, kind="wav"):
     return f'<td class="data">0@@{name}@@album@@@@4100@@{kind}@@98@@FI{link};;</td>\r\n'
 
 
-class Songs(TroubleTest):
+class SongsTest(TroubleTest):
     def songs(self, *records):
         page = "<html>\r\n" + "".join(records)
         self.net.answers["/fcgi-bin/m.q"] = answer(page.encode("gb18030"))
@@ -93,6 +93,18 @@ class Songs(TroubleTest):
         return {name: self.content(f"{folder}/{name}") for name in os.listdir(folder)} \
             if os.path.isdir(folder) else {}
 
+    def at_rest(self, window, control):
+        since = [None, 0]
+
+        def look():
+            now = self.player.look(window, control, SONGS)
+            if now != since[0]:
+                since[:] = now, time.monotonic()
+            return now if time.monotonic() - since[1] > 0.5 else None
+        return wait_for(look, 10)
+
+
+class Songs(SongsTest):
     def assert_each_ends_well(self, good, bad):
         """Each song that is taken, by turns with one that is not, and what each leaves behind."""
         turns, records = [], []
@@ -124,16 +136,6 @@ class Songs(TroubleTest):
             self.assertEqual(self.cached(), expected, name)
         self.assertTrue(told[0] != told[1], "both say the same")
         self.assert_fit()
-
-    def at_rest(self, window, control):
-        since = [None, 0]
-
-        def look():
-            now = self.player.look(window, control, SONGS)
-            if now != since[0]:
-                since[:] = now, time.monotonic()
-            return now if time.monotonic() - since[1] > 0.5 else None
-        return wait_for(look, 10)
 
     def test_songs_whose_headers_are_wrong(self):
         whole = OK + AUDIO + length(len(SOUND))

@@ -92,7 +92,7 @@ TEST_F(HttpUnread, AreTakenAheadSoThatAServerWithoutPatienceDoesNotCutThem) {
     const Sent sent = send(server.port());
     std::string first;
     ASSERT_TRUE(internet().InternetReadFile(sent.request, 1000, first));
-    for (int i = 0; i < 100 && server.bytesSent() < bytes; ++i)
+    for (int i = 0; i < 400 && server.bytesSent() < bytes; ++i)
         ASSERT_TRUE(ready_ && turn()) << "nothing goes on";
     EXPECT_GE(server.bytesSent(), bytes) << "the server waits";
     const Body rest = bodyOf(sent, 1 << 20);
