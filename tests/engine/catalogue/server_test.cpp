@@ -48,7 +48,7 @@ protected:
     std::u16string songPath() {
         server();
         const Item &song = *catalogue_->library()->songs().front();
-        return u"/song/" + fromAscii(song.id) + u".mp3";
+        return u"/song/" + fromAscii(song.id()) + u".mp3";
     }
 
     // A connection to the server, whose every wait ends after half a minute.
