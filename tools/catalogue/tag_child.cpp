@@ -1,6 +1,7 @@
 #include "catalogue/tag_child.h"
 
 #include "base/text.h"
+#include "catalogue/texts.h"
 
 #include <poll.h>
 #include <spawn.h>
@@ -39,20 +40,6 @@ struct FileMessage {
     }
 };
 
-std::string packed(const Tags &tags) {
-    return toUtf8(tags.title) + between + toUtf8(tags.artist) + between + toUtf8(tags.album);
-}
-
-Tags unpacked(const std::string &bytes) {
-    const std::size_t first = bytes.find(between);
-    const std::size_t second = first == std::string::npos ? first : bytes.find(between, first + 1);
-    if (second == std::string::npos)
-        return {};
-    return {cutTag(fromUtf8(bytes.substr(0, first))),
-            cutTag(fromUtf8(bytes.substr(first + 1, second - first - 1))),
-            cutTag(fromUtf8(bytes.substr(second + 1)))};
-}
-
 void setLimit(__rlimit_resource what, rlim_t most) {
     const rlimit limit{most, most};
     ::setrlimit(what, &limit);
@@ -73,6 +60,20 @@ platform::Descriptor received(int socket) {
 }
 
 } // namespace
+
+std::string sayTags(const Tags &tags) {
+    return toUtf8(tags.title) + between + toUtf8(tags.artist) + between + toUtf8(tags.album);
+}
+
+Tags tagsSaid(const std::string &bytes) {
+    const std::size_t first = bytes.find(between);
+    const std::size_t second = first == std::string::npos ? first : bytes.find(between, first + 1);
+    if (second == std::string::npos)
+        return {};
+    const auto text = [](const std::string &part) { return cutTag(oneLine(fromUtf8(part))); };
+    return {text(bytes.substr(0, first)), text(bytes.substr(first + 1, second - first - 1)),
+            text(bytes.substr(second + 1))};
+}
 
 TagChild::TagChild(std::vector<std::string> command, std::chrono::milliseconds limit,
                    std::function<bool()> goesOn)
@@ -160,7 +161,7 @@ std::optional<Tags> TagChild::tagsOf(const OpenFile &file) {
         end();
     if (came == Came::Nothing)
         return std::nullopt;
-    return unpacked(answer);
+    return tagsSaid(answer);
 }
 
 int serveTags(std::size_t mostBytes) {
@@ -177,9 +178,9 @@ int serveTags(std::size_t mostBytes) {
             return 0;
         std::string answer;
         try {
-            answer = packed(catalogue::tagsOf(file));
+            answer = sayTags(catalogue::tagsOf(file));
         } catch (const std::exception &) {
-            answer = packed({}); // more than it may take
+            answer = sayTags({}); // more than it may take
         }
         if (::send(STDIN_FILENO, answer.data(), answer.size(), MSG_NOSIGNAL) < 0)
             return 1;

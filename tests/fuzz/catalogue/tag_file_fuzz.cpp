@@ -1,0 +1,24 @@
+// Music files of any bytes: what is read of their tags is bounded.
+
+#include "catalogue/tags.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    using namespace velmora::catalogue;
+    OpenFile file;
+    file.file = velmora::platform::Descriptor(::memfd_create("music", MFD_CLOEXEC));
+    if (!file.file || ::write(file.file.number(), data, size) != static_cast<ssize_t>(size))
+        return 0;
+    file.bytes = static_cast<std::int64_t>(size);
+    const Tags tags = tagsOf(file);
+    for (const std::u16string &text : {tags.title, tags.artist, tags.album})
+        if (text.size() > longestTag)
+            std::abort();
+    return 0;
+}
