@@ -75,13 +75,12 @@ bool Tray::notify(std::uint32_t operation, const NotifyIconData &data) {
         picture_ = forms::Picture::None;
         tip_.clear();
         hasOtherPicture_ = false;
-    } else if (!wanted_ || data.window != window_ || data.id != id_) {
+    } else if (!wanted_ || data.window != window_ || data.id != id_ ||
+               (operation != NIM_DELETE && operation != NIM_MODIFY)) {
         return false;
     } else if (operation == NIM_DELETE) {
         remove();
         return true;
-    } else if (operation != NIM_MODIFY) {
-        return false;
     }
     if (data.flags & NIF_MESSAGE)
         message_ = data.callbackMessage;

@@ -83,7 +83,7 @@ private:
 
     // A control that changed, and where.
     struct Mark {
-        const forms::Control *control;
+        const forms::Control *control = nullptr;
         RectTwips place;
         bool operator==(const Mark &) const = default;
     };
