@@ -21,7 +21,7 @@ packages_test="git libgtest-dev libgmock-dev clang clang-format clang-tidy libcl
 packages_desktop="xfwm4 sway xwayland"
 packages_desktops="icewm i3-wm mutter kwin-x11 xfce4-panel lxqt-panel"
 
-# What tests/browser looks at the catalogue's pages with; run by hand.
+# What tests/browser looks at the catalogue's pages with: large, and the tests go on without it.
 packages_browser="chromium chromium-driver"
 
 packages_bench="libbenchmark-dev"

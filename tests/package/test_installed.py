@@ -16,14 +16,15 @@ CMAKE, BUILD, SOURCE, VERSION = sys.argv[1:5]
 ID = "example.norvane.velmora"
 PROGRAMS = ("velmora", "velmora-catalogue", "velmora-open", "velmora-registry")
 SIZES = (16, 22, 24, 32, 48, 64, 128, 256, 512)
+COMPLETED = ("velmora-open", "velmora-catalogue")
 EXPECTED = {
     *(f"bin/{name}" for name in PROGRAMS),
     *(f"share/man/man1/{name}.1" for name in PROGRAMS),
     "share/man/man5/catalogue.ini.5",
     f"share/applications/{ID}.desktop",
     f"share/dbus-1/services/{ID}.service",
-    "share/bash-completion/completions/velmora-open",
-    "share/zsh/site-functions/_velmora-open",
+    *(f"share/bash-completion/completions/{name}" for name in COMPLETED),
+    *(f"share/zsh/site-functions/_{name}" for name in COMPLETED),
     f"share/metainfo/{ID}.metainfo.xml",
     f"share/icons/hicolor/scalable/apps/{ID}.svg",
     f"share/icons/hicolor/symbolic/apps/{ID}-symbolic.svg",
@@ -134,6 +135,20 @@ class Installed(unittest.TestCase):
             helped = run(self.at(f"bin/{name}"), "--help").stdout
             for option in set(re.findall(r"--[a-z]+", helped)):
                 self.assertIn(option, manual, name)
+
+    def test_the_shells_complete_every_option_that_the_help_names_and_no_other(self):
+        for name in COMPLETED:
+            helped = run(self.at(f"bin/{name}"), "--help").stdout
+            options = set(re.findall(r"(?m)^ +(?:-\w, )?(--[a-z-]+)", helped))
+            self.assertGreater(len(options), 9, name)
+            file = self.at(f"share/bash-completion/completions/{name}")
+            function = "_" + name.replace("-", "_")
+            for cursor, expected in (("--", options), ("--h", {"--help"})):
+                done = run("bash", "-c", f'. "$1" && COMP_WORDS=({name} {cursor}) COMP_CWORD=1 && {function} && '
+                           'printf "%s\n" "${COMPREPLY[@]}"', "bash", file)
+                self.assertEqual(set(done.stdout.split()), expected, name)
+            told = read(self.root, f"share/zsh/site-functions/_{name}")
+            self.assertEqual(set(re.findall(r"(?:'\*?|,)(--[a-z-]+)(?=[\[}])", told)), options, name)
 
     def test_the_icons_have_the_size_of_their_folder(self):
         for size in SIZES:

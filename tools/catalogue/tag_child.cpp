@@ -70,7 +70,7 @@ Tags tagsSaid(const std::string &bytes) {
     const std::size_t second = first == std::string::npos ? first : bytes.find(between, first + 1);
     if (second == std::string::npos)
         return {};
-    const auto text = [](const std::string &part) { return cutTag(oneLine(fromUtf8(part))); };
+    const auto text = [](const std::string &part) { return oneLine(cutTag(fromUtf8(part))); };
     return {text(bytes.substr(0, first)), text(bytes.substr(first + 1, second - first - 1)),
             text(bytes.substr(second + 1))};
 }
