@@ -130,8 +130,8 @@ TEST_F(Version, WithAFixedPartThatIsAByteShortHasTheNumbersOfNone) {
 }
 
 TEST_F(Version, JoinsTheNumbersByPoints) {
-    readWithWords({{1, 0x0001'0002}});
-    EXPECT_EQ(record().ver_StrucVersion, u"1.2");
+    readWithWords({{1, 0x0001'FFFF}});
+    EXPECT_EQ(record().ver_StrucVersion, u"1.65535");
     EXPECT_EQ(record().ver_FileVersion, u"1.2.3.4");
     EXPECT_EQ(record().ver_ProductVersion, u"5.6.7.8");
 }
