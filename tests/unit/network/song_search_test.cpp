@@ -172,6 +172,12 @@ TEST_F(SongSearch, failsAtOnceWithoutAnEngine) {
     EXPECT_EQ(countLog(u"XmlHttpGet http"), 0);
 }
 
+TEST_F(SongSearch, scansItsOwnPageThoughAnEarlierScanWasLeftAsDone) {
+    songs.songScanDone = true;
+    searchPage(" " + cell("r", "http://a;;"));
+    expectRows({u"0、http://a"});
+}
+
 TEST_F(SongSearch, leftAsDoneScansNothing) {
     songs.songScanDone = true;
     songs.songResults = {u"left over"};

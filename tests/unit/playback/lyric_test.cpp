@@ -137,6 +137,14 @@ TEST_F(DesktopLine, ThatFitsIsCentredOverTheFormsWidth) {
     EXPECT_EQ(form().lrc_Text.width(), form().width());
 }
 
+TEST_F(DesktopLine, ThatFitsIsCentredBehindOneThatRolled) {
+    showLine(wideLine());
+    ASSERT_EQ(form().lrc_Text.alignment(), forms::Alignment::Left);
+    showLine(u"short");
+    EXPECT_EQ(form().lrc_Text.alignment(), forms::Alignment::Centre);
+    EXPECT_EQ(form().lrc_Text.left(), 0);
+}
+
 TEST_F(DesktopLine, ThatIsTooWideRollsInStepsOf150) {
     showLine(wideLine());
     EXPECT_EQ(form().lrc_Text.alignment(), forms::Alignment::Left);

@@ -115,6 +115,13 @@ TEST_F(Video, TextAreaFollowsALongerTitle) {
     EXPECT_EQ(w.nameBox.left(), rightOf(w.title) + 200);
 }
 
+TEST_F(Video, TextAreaStandsBehindTheTitleAfterANewSizeToo) {
+    auto &w = window();
+    w.title.setCaption(u"A title that is longer than the one before");
+    w.setScreenSize(9000, 6000, true);
+    EXPECT_EQ(w.nameBox.left(), rightOf(w.title) + 200);
+}
+
 TEST_F(Video, AFreshOneSpeaksTheLanguageInForce) {
     const std::pair<std::int32_t, std::u16string> captions[] = {{0, u"视频窗口(F11)"},
                                                                 {1, u"Video Window(F11)"}};

@@ -29,6 +29,9 @@ TEST_F(LoadMeanwhile, AFileThatIsTakenInDoesNotPutHalfAListOverTheWholeOne) {
     EXPECT_TRUE(load());
     EXPECT_EQ(afterwards, "/m/1.mp3\r\n/m/2.mp3\r\n/m/3.mp3\r\n");
     EXPECT_EQ(files.contents(listFile), "/m/1.mp3\r\n/m/new.mp3\r\n/m/2.mp3\r\n/m/3.mp3\r\n");
+    files.clearChanges();
+    EXPECT_TRUE(load());
+    EXPECT_TRUE(files.changes().empty()) << "the wish is done with";
 }
 
 TEST_F(LoadMeanwhile, WithoutSuchAWishNothingIsSaved) {

@@ -69,6 +69,21 @@ TEST_F(Remove, SavesAfterEachRow) {
     EXPECT_EQ(savedList(), "/m/d.mp3\r\n");
 }
 
+TEST_F(Remove, IsSavedForGoodWithItsLastRowAndNoOther) {
+    for (const bool several : {false, true}) {
+        select({0});
+        if (several)
+            select({1, 2});
+        files.clearChanges();
+        answerSure(MsgBoxResult::Yes);
+        list.delOne(0, false);
+        const auto &changes = files.changes();
+        ASSERT_EQ(changes.size(), several ? 3U : 1U);
+        for (std::size_t at = 0; at < changes.size(); ++at)
+            EXPECT_EQ(startsWith(changes[at], u"sync "), at + 1 == changes.size()) << at;
+    }
+}
+
 TEST_F(Remove, TheButtonSavesOnceMore) {
     answerSure(MsgBoxResult::Yes);
     list.delIndx_Click();
