@@ -169,6 +169,19 @@ TEST_F(RemoteTells, TheMachineIsKeptAwakeWhileATrackPlays) {
     EXPECT_EQ(fake.inhibitor.kept.size(), 4U);
 }
 
+TEST_F(RemoteTells, AFilmIsToldToFillTheScreenWhileItDoes) {
+    addTrack(u"/m/film.avi", 60'000, true);
+    app.setControl().VideoInterface = 1;
+    play(u"/m/film.avi");
+    EXPECT_TRUE(now().canSetFullscreen);
+    for (const bool whole : {true, false}) {
+        player().setFullscreen(whole);
+        settle();
+        EXPECT_EQ(app.player().isFullScreen != 0, whole);
+        EXPECT_EQ(now().fullscreen, whole);
+    }
+}
+
 TEST_F(RemoteTells, TheScreenIsKeptAwakeWhileAFilmIsSeen) {
     addTrack(u"/m/film.avi", 60'000, true);
     app.setControl().VideoInterface = 1;
