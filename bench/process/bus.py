@@ -36,14 +36,15 @@ def session_of(kind, window_manager):
 
 
 def memory(pid):
-    """Private and proportional memory in kB."""
+    """In kB: pages of its own, which no file backs, so that nobody else's use of libraries moves them;
+    and the proportional share of all."""
     found = {}
     with open(f"/proc/{pid}/smaps_rollup") as file:
         for line in file:
             words = line.split()
             if words[-1] == "kB":
                 found[words[0]] = int(words[1])
-    return {"private": found["Private_Clean:"] + found["Private_Dirty:"], "pss": found["Pss:"]}
+    return {"own": found["Anonymous:"], "pss": found["Pss:"]}
 
 
 def steady(player, kind, paths):
@@ -105,10 +106,10 @@ def main():
         return median([one[name] for one in rounds[kind]])
 
     print("\n## The session bus\n")
-    print(f"Medians of {ROUNDS} runs of each kind in turn, of {STARTS} for the start. Private memory "
-          "and PSS in kB.\n")
+    print(f"Medians of {ROUNDS} runs of each kind in turn, of {STARTS} for the start. In kB the "
+          "pages of its own, which no file backs, and PSS.\n")
     columns = [f"{state} {name}" for state in ("idle", "playing")
-               for name in ("private", "pss", "wakeups")]
+               for name in ("own", "pss", "wakeups")]
     print("| with | main window, ms | " + " | ".join(
         column.replace("wakeups", "wake-ups/s") for column in columns) + " |")
     print("|---" * (2 + len(columns)) + "|")
