@@ -30,6 +30,9 @@ namespace {
 
 using namespace velmora;
 
+// Who depends on assistive technology would rather wait for a slow bus than do without.
+constexpr std::chrono::seconds busPatience{2};
+
 void note(std::string_view line) {
     std::fprintf(stderr, "velmora: %.*s\n", static_cast<int>(line.size()), line.data());
 }
@@ -53,6 +56,7 @@ platform::DialogHost dialogHost(platform::QtWindowSystem &windows, platform::Too
 int play() {
     platform::QtOptions windowOptions;
     windowOptions.note = note;
+    windowOptions.withoutBus = !platform::sessionBusAnswers(busPatience);
     const auto windows = platform::QtWindowSystem::make(windowOptions);
     if (windows == nullptr)
         return 1; // it has said why

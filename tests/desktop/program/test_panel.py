@@ -351,6 +351,15 @@ class ComingAndGoing(PanelTest):
         self.session.key("F6", self.window)
         self.assert_title(self.player, self.window, "track")
 
+    def test_a_bus_that_answers_late_holds_nothing_up(self):
+        self.start_panel()
+        self.bus.send_signal(signal.SIGSTOP)
+        self.begin()
+        self.session.key("F6", self.window)
+        self.assert_title(self.player, self.window, "track")
+        self.bus.send_signal(signal.SIGCONT)
+        self.assertTrue(self.there())
+
     def test_a_panel_that_hangs_does_no_harm(self):
         self.start_panel()
         self.panel.send_signal(signal.SIGSTOP)

@@ -5,8 +5,8 @@ namespace velmora::platform::bus {
 bool BusLibrary::findAll(const LoadedLibrary &library) {
     return library.bind(openUser, "sd_bus_open_user") &&
            library.bind(closeUnref, "sd_bus_close_unref") &&
-           library.bind(isOpen, "sd_bus_is_open") && library.bind(getFd, "sd_bus_get_fd") &&
-           library.bind(getEvents, "sd_bus_get_events") &&
+           library.bind(isOpen, "sd_bus_is_open") && library.bind(isReady, "sd_bus_is_ready") &&
+           library.bind(getFd, "sd_bus_get_fd") && library.bind(getEvents, "sd_bus_get_events") &&
            library.bind(queuedWrites, "sd_bus_get_n_queued_write") &&
            library.bind(process, "sd_bus_process") &&
            library.bind(addObjectVtable, "sd_bus_add_object_vtable") &&

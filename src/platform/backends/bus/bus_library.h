@@ -18,6 +18,7 @@ struct BusLibrary {
     decltype(sd_bus_open_user) *openUser = nullptr;
     decltype(sd_bus_close_unref) *closeUnref = nullptr;
     decltype(sd_bus_is_open) *isOpen = nullptr;
+    decltype(sd_bus_is_ready) *isReady = nullptr;
     decltype(sd_bus_get_fd) *getFd = nullptr;
     decltype(sd_bus_get_events) *getEvents = nullptr;
     decltype(sd_bus_get_n_queued_write) *queuedWrites = nullptr;

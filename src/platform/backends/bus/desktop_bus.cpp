@@ -100,6 +100,25 @@ struct DesktopBus::Parts final : Remote, Inhibitor {
     std::unique_ptr<bus::PortalDialogs> dialogs;
 };
 
+bool sessionBusAnswers(std::chrono::milliseconds limit) {
+    const auto library = bus::BusLibrary::load();
+    sd_bus *bus = nullptr;
+    if (library == nullptr || library->openUser(&bus) < 0)
+        return true;
+    const auto end = std::chrono::steady_clock::now() + limit;
+    bool answers = true;
+    while (library->isReady(bus) == 0 && library->process(bus, nullptr) >= 0) {
+        const auto left = std::chrono::duration_cast<std::chrono::microseconds>(
+            end - std::chrono::steady_clock::now());
+        answers = left.count() > 0;
+        if (!answers || library->isReady(bus) != 0)
+            break;
+        library->wait(bus, static_cast<std::uint64_t>(left.count()));
+    }
+    library->closeUnref(bus);
+    return answers;
+}
+
 DesktopBus::DesktopBus(const HomeFolders &homes, WatchDescriptor watch)
     : parts_(std::make_unique<Parts>(homes, std::move(watch))) {}
 

@@ -10,6 +10,7 @@
 #include "platform/contracts/remote.h"
 #include "platform/contracts/status_item.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -21,6 +22,9 @@ class Dialogs;
 // it can be written to. What comes back asks for that; the watch ends with it.
 using WatchDescriptor =
     std::function<std::function<void(bool writing)>(int descriptor, std::function<void()> ready)>;
+
+// False where there is a bus that does not take a connection within this time.
+bool sessionBusAnswers(std::chrono::milliseconds limit);
 
 class DesktopBus {
 public:

@@ -3,6 +3,7 @@
 #include "platform/backends/qt/paint/dark_style.h"
 #include "platform/backends/qt/paint/fonts.h"
 
+#include <QAccessible>
 #include <QIcon>
 #include <QToolTip>
 
@@ -52,6 +53,13 @@ void passOn(QtMsgType type, const QMessageLogContext &context, const QString &me
         std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, message)));
 }
 
+// The toolkit connects once, for assistive technology, and waits for ever. Where it finds nothing
+// it does without.
+void keepFromBus() {
+    const Setting nowhere("DBUS_SESSION_BUS_ADDRESS", "unix:path=/dev/null");
+    QAccessible::isActive();
+}
+
 bool isSet(const char *name) {
     const char *value = std::getenv(name);
     return value != nullptr && *value != '\0';
@@ -73,7 +81,10 @@ std::unique_ptr<Application> Application::make(const QtOptions &options) {
     }
     if (isSet("WAYLAND_DISPLAY"))
         note("using XWayland, since Wayland lets no program place or shape its windows");
-    return std::unique_ptr<Application>(new Application(options.name));
+    std::unique_ptr<Application> application(new Application(options.name));
+    if (options.withoutBus)
+        keepFromBus();
+    return application;
 }
 
 Application::Application(const std::string &name)

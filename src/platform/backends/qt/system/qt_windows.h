@@ -23,6 +23,8 @@ struct QtOptions {
     std::function<void(std::string_view line)> note;
     // As on a server that sees the pointer over our windows only; found out when absent.
     bool pointerUnknownOutside = false;
+    // The session bus hangs: the toolkit must not wait for it.
+    bool withoutBus = false;
 };
 
 class QtWindowSystem final : public WindowSystem {
