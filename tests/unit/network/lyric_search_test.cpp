@@ -336,12 +336,14 @@ TEST_F(LyricSearch, scannedAgainGoesStraightToTheFurtherPages) {
 TEST_F(LyricSearch, scannedAgainAsksForNoFurtherPageWhereTheFirstIsGone) {
     searchPage(pageLink(1) + pageLink(2) + pageLink(3));
     search.lrcFirstPageDone = false;
+    search.lrcPageIndex = 7;
     const std::u16string gone = lyricAddress(u"x");
     net.setPage(gone, "");
     net.log.clear();
     EXPECT_TRUE(passOver([&] { search.scanLrcPages(gone); }));
     EXPECT_EQ(countLog(u"XmlHttpGet"), 1);
     EXPECT_FALSE(search.lrcFirstPageDone);
+    EXPECT_EQ(search.lrcPageIndex, 7);
 }
 
 TEST_F(LyricSearch, ofTenMegabytesOfMarkersTakesATimeThatGrowsWithThePageAlone) {

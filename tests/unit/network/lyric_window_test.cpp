@@ -37,6 +37,18 @@ TEST_F(LyricWindow, canWriteNothingBesideANameWithoutAFolder) {
     EXPECT_FALSE(canWriteBeside(app, u"a.lrc"));
 }
 
+TEST_F(LyricWindow, triesHostsAnewThatDidNotAnswerWithEachSearchAndEachFetch) {
+    openTrack(u"/m/Song.mp3");
+    look(u"name", u"singer");
+    net.triedAnew = 0;
+    click(form.search_Button);
+    EXPECT_EQ(net.triedAnew, 1);
+    haveRows();
+    form.search_Lrc_List.userClicked(0, 0, false);
+    click(form.save);
+    EXPECT_EQ(net.triedAnew, 2);
+}
+
 TEST_F(LyricWindow, looksForTheFileNameOfATrackWithoutATag) {
     openTrack(u"/m/Some song.mp3");
     look(u"old", u"old");

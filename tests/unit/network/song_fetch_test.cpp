@@ -109,6 +109,18 @@ TEST_F(SongFetch, saysAtOnceThatItFetches) {
     EXPECT_EQ(fakes::FakeWindows::windowOf(form)->refreshes, before + 2);
 }
 
+TEST_F(SongFetch, triesHostsAnewThatDidNotAnswerAsEachSearchDoes) {
+    look(u"name", u"singer");
+    net.triedAnew = 0;
+    click(form.search_Button);
+    EXPECT_EQ(net.triedAnew, 1);
+    addSong();
+    choose(0);
+    answerWith("sound");
+    click(form.save);
+    EXPECT_EQ(net.triedAnew, 2);
+}
+
 TEST_F(SongFetch, fetchesTheRowThatItAskedAboutThoughAnotherIsChosenMeanwhile) {
     addSong();
     addSong(u"0@@OTHER@@A@@S@@1@@MP3", u"HTTP://SONGS/OTHER");

@@ -26,6 +26,14 @@ TEST_F(Welcome, SilentSaysNothingOfTheNetwork) {
     EXPECT_TRUE(windows.boxes.empty());
 }
 
+TEST_F(Welcome, AskedForByAPersonTriesHostsAnewThatDidNotAnswerAndSilentDoesNot) {
+    page().Start(true);
+    EXPECT_EQ(fake.internet.triedAnew, 0);
+    expectBox(u"远程数据传输错误！");
+    page().Start(false);
+    EXPECT_EQ(fake.internet.triedAnew, 1);
+}
+
 TEST_F(Welcome, ThatCannotBeFetchedSaysSoAndCloses) {
     expectBox(u"远程数据传输错误！");
     page().Start(false);

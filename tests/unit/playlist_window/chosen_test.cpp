@@ -428,6 +428,16 @@ TEST_F(ChosenByAKey, BothQuestionsOfShiftAndDeleteAreAboutTheSameRows) {
     EXPECT_EQ(rows(), 4) << "the track that began meanwhile leaves the list neither";
 }
 
+TEST_F(ChosenByAKey, AllAreSeenToBeSelectedRowByRow) {
+    selectOnly({});
+    std::vector<int> selected;
+    windows.onPump = [&] { selected.push_back(names.selCount()); };
+    forms::KeyEvent key{65, forms::ctrlMask};
+    names.on().KeyDown(key);
+    windows.onPump = nullptr;
+    EXPECT_EQ(selected, (std::vector<int>{1, 2, 3, 4}));
+}
+
 TEST_F(ChosenByAKey, AllAreSelectedThoughATrackBeginsMeanwhile) {
     openAndPlay(u"/m/a.mp3");
     windows.atNextPump([] {});
