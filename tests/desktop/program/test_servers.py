@@ -120,7 +120,8 @@ class ServersTest(test_trouble.TroubleTest):
         return PROGRAM
 
     def expect(self, name, text, seconds=LIMIT):
-        self.assertTrue(self.player.took(self.lyrics), name)
+        # One that waits for a limit answers nobody meanwhile, not even who asks what it says.
+        self.assertTrue(wait_for(lambda: self.player.took(self.lyrics), seconds), name)
         self.assertTrue(self.player.says(self.lyrics, text, seconds),
                         f"{name}: {self.player.words(self.lyrics, 1)}")
         self.assertIsNone(self.player.child.poll(), name)

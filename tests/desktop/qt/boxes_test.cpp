@@ -6,6 +6,7 @@
 #include "platform/backends/qt/system/qt_dialogs.h"
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QFontDatabase>
 #include <QFontDialog>
 #include <QFontInfo>
@@ -85,6 +86,11 @@ void typed(int key) {
 
 class MessageBoxTest : public DeskTest {
 protected:
+    // Boxes answer at once behind this.
+    void SetUp() override {
+        DeskTest::SetUp();
+        desk().windows->personAsked();
+    }
     // Shows a box and presses keys one after the other until it is gone.
     MsgBoxResult answer(MsgBoxButtons buttons, const std::vector<std::string> &keys) {
         Meanwhile meanwhile(boxIsUp, [&] {
@@ -110,6 +116,21 @@ TEST_F(MessageBoxTest, ThatComesUpByItselfIsDeafToItsAnswersForHalfASecond) {
     });
     desk().windows->run();
     EXPECT_EQ(result, MsgBoxResult::No);
+}
+
+// An update that the player finds while it starts.
+TEST_F(MessageBoxTest, ThatComesUpInTheStartIsDeafAsWell) {
+    QEventLoop loop;
+    QTimer::singleShot(1200, &loop, &QEventLoop::quit);
+    loop.exec();
+    QTimer::singleShot(
+        0, [] { typed(Qt::Key_Return); });
+    QTimer::singleShot(600, [] {
+        if (QApplication::activeModalWidget() != nullptr)
+            typed(Qt::Key_N);
+    });
+    EXPECT_EQ(desk().windows->MsgBox(u"Really?", MsgBoxButtons::YesNo, MsgBoxIcon::Question, u"V"),
+              MsgBoxResult::No);
 }
 
 TEST_F(MessageBoxTest, ThatWasAskedForAnswersAtOnce) {

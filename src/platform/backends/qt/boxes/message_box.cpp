@@ -102,7 +102,7 @@ class MessageBox : public DarkDialog {
 public:
     MessageBox(Hub &hub, const QString &text, MsgBoxButtons buttons, MsgBoxIcon icon,
                const QString &title)
-        : DarkDialog(hub, title), byItself_(hub.comesByItself()), results_(resultsOf(buttons)),
+        : DarkDialog(hub, title), byItself_(!hub.x11.personActed()), results_(resultsOf(buttons)),
           result_(buttons == MsgBoxButtons::YesNo         ? MsgBoxResult::No
                   : buttons == MsgBoxButtons::YesNoCancel ? MsgBoxResult::Cancel
                                                           : MsgBoxResult::Ok) {
