@@ -31,10 +31,11 @@ std::optional<std::string> localPath(std::string_view line, std::string_view thi
     }
     if (line.empty() || line.front() != '/')
         return std::nullopt;
-    // Some file managers end a folder's address with a slash; a path has none, but for the root's.
-    while (line.size() > 1 && line.back() == '/')
-        line.remove_suffix(1);
     std::string path = unescaped(line);
+    // Some file managers end a folder's address with a slash, whichever way it is written; a path
+    // has none, but for the root's.
+    while (path.size() > 1 && path.back() == '/')
+        path.pop_back();
     if (path.find('\0') != std::string::npos)
         return std::nullopt;
     return path;

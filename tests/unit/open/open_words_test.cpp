@@ -97,6 +97,12 @@ TEST(FileAddress, OnlyThisMachinesFilesHaveAPath) {
     EXPECT_FALSE(platform::localPath("file:///a%00b", "here"));
 }
 
+TEST(FileAddress, OfAFolderHasAPathWithoutASlashAtItsEndHoweverThatIsWritten) {
+    EXPECT_EQ(platform::localPath("file:///a/", "here"), "/a");
+    EXPECT_EQ(platform::localPath("file:///a%2F/%2f", "here"), "/a");
+    EXPECT_EQ(platform::localPath("file:///%2F", "here"), "/");
+}
+
 TEST(LyricClock, GivesTheLineOfATimeAndTheTimeOfTheNext) {
     const open_tool::LyricClock clock("[ti:Title]\n[00:02.50]two\n[00:01.00][00:04]one\nplain\n");
     EXPECT_EQ(clock.lineAt(999), "");
