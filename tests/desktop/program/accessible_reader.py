@@ -3,7 +3,9 @@
     /usr/bin/python3 accessible_reader.py PROCESS      on the session's bus
 
 One JSON line in, one out: {"do": "tree"}, {"do": "act", "path": [...], "action": "Press"},
-{"do": "set", "path": [...], "value": 50}, {"do": "events"} (those since the last time).
+{"do": "set", "path": [...], "value": 50}, {"do": "events"} (those since the last time),
+{"do": "around"}: what what last told of having the focus stands in, such as an open menu, which is
+no child of the program; {"do": "act", "around": 2, "action": "Press"} is for one of those.
 """
 
 import json
@@ -19,8 +21,9 @@ warnings.simplefilter("ignore", DeprecationWarning)  # the binding complains of 
 MOST_ROWS = 30  # of a list of thousands the first do
 # The program's toolkit tells of values only to those who ask for them by name.
 EVENTS = ("object:state-changed", "object:property-change", "object:selection-changed",
-          "object:property-change:accessible-value")
+          "object:property-change:accessible-value", "object:children-changed")
 seen = []
+focused = []  # what last told so
 
 
 def program(process):
@@ -49,15 +52,19 @@ def describe(node):
     extents = Atspi.Component.get_extents(place, Atspi.CoordType.SCREEN) if place else None
     value = node.get_value_iface()
     text = node.get_text_iface()
+    role = node.get_role_name()
     count = node.get_child_count()
+    if role == "list":
+        count = min(count, MOST_ROWS)
     return {
-        "name": node.get_name(), "role": node.get_role_name(), "actions": actions(node),
+        "name": node.get_name(), "role": role, "actions": actions(node),
         "states": [state.value_nick for state in states.get_states()],
         "place": [extents.x, extents.y, extents.width, extents.height] if extents else None,
         "value": Atspi.Value.get_current_value(value) if value else None,
+        "count": node.get_child_count(),
         "text": Atspi.Text.get_text(text, 0, -1) if text else None,
         "children": [describe(child) for child in
-                     (node.get_child_at_index(number) for number in range(min(count, MOST_ROWS)))
+                     (node.get_child_at_index(number) for number in range(count))
                      if child is not None],
     }
 
@@ -78,7 +85,10 @@ def answer(process, wish):
         told = list(seen)
         seen.clear()
         return told
-    node = at(process, wish["path"])
+    if wish["do"] == "around":
+        return describe(focused[0].get_parent()) if focused else None
+    node = focused[0].get_parent().get_child_at_index(wish["around"]) if "around" in wish \
+        else at(process, wish["path"])
     if wish["do"] == "act":
         names = actions(node)
         return wish["action"] in names and Atspi.Action.do_action(
@@ -89,6 +99,8 @@ def answer(process, wish):
 def heard(event, *_):
     try:
         source = event.source
+        if event.type == "object:state-changed:focused" and event.detail1:
+            focused[:] = [source]
         seen.append({"type": event.type, "name": source.get_name(), "role": source.get_role_name(),
                      "on": event.detail1})
     except GLib.Error:

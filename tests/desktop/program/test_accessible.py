@@ -108,10 +108,15 @@ class AccessibleTest(PlayerTest):
         return player, main, reader
 
     def play_first(self, reader, main):
-        """The next track, and into it: what asks for one finds none ahead of the end of its fade-in."""
+        """The next track, up to its words: what asks for one finds none ahead of the end of its
+        fade-in, which takes what it takes, and behind it they are looked for."""
         reader.press(main, MAIN, "nextButton")
-        self.assertTrue(wait_for(lambda: reader.at(main, MAIN, "load_Played_BG")[1]["value"] > 4, 30),
-                        "nothing plays")
+
+        def words():
+            window = reader.place(main)
+            return any(node["role"] == "label" and node["name"] and "showing" in node["states"] and
+                       60 < node["place"][1] - window[1] < 90 for _, node in reader.nodes(window))
+        self.assertTrue(wait_for(words, 60), "nothing plays")
 
     def open(self, reader, number, form, control, wanted):
         reader.press(number, form, control)

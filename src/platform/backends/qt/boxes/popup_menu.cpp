@@ -42,8 +42,14 @@ void showPopupMenu(Hub &hub, forms::Menu &menu) {
     QMenu shown;
     fill(shown, menu, hub.fonts.plainFont(9));
     hub.loop.arm();
-    const QAction *chosen =
-        shown.exec(std::exchange(hub.menuPlace, std::nullopt).value_or(QCursor::pos()));
+    // An entry may be chosen without a key or a click, too: for that the menu neither closes nor
+    // answers.
+    const QAction *chosen = nullptr;
+    QObject::connect(&shown, &QMenu::triggered, [&](const QAction *entry) {
+        chosen = entry;
+        shown.close();
+    });
+    shown.exec(std::exchange(hub.menuPlace, std::nullopt).value_or(QCursor::pos()));
     if (chosen == nullptr || !chosen->data().isValid())
         return;
     const Loop::Handler handler(hub.loop);

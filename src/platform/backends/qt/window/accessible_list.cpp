@@ -6,6 +6,9 @@
 #include <QAccessibleActionInterface>
 #include <QPointer>
 
+#include <algorithm>
+#include <utility>
+
 namespace velmora::platform::qt {
 
 namespace {
@@ -16,7 +19,9 @@ public:
     RowAccess(ListView &view, int row)
         : view_(&view), row_(row), toldName_(toShown(view.list().list(row))) {}
 
-    bool isValid() const override { return view_ && row_ < view_->list().listCount(); }
+    // One that has gone is told of as gone, and has nothing more to say.
+    bool isValid() const override { return view_; }
+    bool isThere() const { return view_ && row_ < view_->list().listCount(); }
     QObject *object() const override { return nullptr; }
     QWindow *window() const override { return view_ ? view_->window()->windowHandle() : nullptr; }
     QAccessibleInterface *parent() const override {
@@ -27,18 +32,18 @@ public:
     int childCount() const override { return 0; }
     int indexOfChild(const QAccessibleInterface *) const override { return -1; }
     QString text(QAccessible::Text kind) const override {
-        return isValid() && kind == QAccessible::Name ? toShown(view_->list().list(row_))
+        return isThere() && kind == QAccessible::Name ? toShown(view_->list().list(row_))
                                                       : QString();
     }
     void setText(QAccessible::Text, const QString &) override {}
     QRect rect() const override {
-        return isValid() ? view_->rowRect(row_).translated(view_->mapToGlobal(QPoint(0, 0)))
+        return isThere() ? view_->rowRect(row_).translated(view_->mapToGlobal(QPoint(0, 0)))
                          : QRect();
     }
     QAccessible::Role role() const override { return QAccessible::ListItem; }
     QAccessible::State state() const override {
         QAccessible::State state;
-        if (!isValid())
+        if (!isThere())
             return state;
         state.selectable = true;
         state.multiSelectable = view_->list().multiSelect();
@@ -52,7 +57,7 @@ public:
     }
 
     void *interface_cast(QAccessible::InterfaceType type) override {
-        return type == QAccessible::ActionInterface && isValid()
+        return type == QAccessible::ActionInterface && isThere()
                    ? static_cast<QAccessibleActionInterface *>(this)
                    : nullptr;
     }
@@ -62,7 +67,7 @@ public:
         return {pressAction(), toggleAction(), setFocusAction()};
     }
     void doAction(const QString &action) override {
-        if (!isValid() || !actionNames().contains(action))
+        if (!isThere() || !actionNames().contains(action))
             return;
         QMetaObject::invokeMethod(
             view_.data(),
@@ -93,7 +98,8 @@ private:
 
 } // namespace
 
-ListAccess::ListAccess(ListView &view) : QAccessibleWidget(&view, QAccessible::List) {}
+ListAccess::ListAccess(ListView &view)
+    : QAccessibleWidget(&view, QAccessible::List), toldCount_(view.list().listCount()) {}
 
 ListAccess::~ListAccess() {
     for (const QAccessible::Id id : rows_)
@@ -148,7 +154,7 @@ void ListAccess::tellSelection() {
 }
 
 void ListAccess::tellRows() {
-    if (rows_.empty() || rowsPosted_)
+    if (rowsPosted_)
         return;
     rowsPosted_ = true;
     QMetaObject::invokeMethod(
@@ -163,6 +169,7 @@ void ListAccess::tellRows() {
 
 void ListAccess::refreshRows() {
     rowsPosted_ = false;
+    tellCount();
     while (static_cast<int>(rows_.size()) > list().listCount()) {
         QAccessible::deleteAccessibleInterface(rows_.back());
         rows_.pop_back();
@@ -170,6 +177,22 @@ void ListAccess::refreshRows() {
     for (const QAccessible::Id id : rows_)
         if (auto *row = dynamic_cast<RowAccess *>(QAccessible::accessibleInterface(id)))
             row->tellName();
+}
+
+// A row is known by its place, so rows come and go at the end, and those ahead are called
+// otherwise. However many they are, who counts children is told once: of the outermost.
+void ListAccess::tellCount() {
+    const int before = std::exchange(toldCount_, list().listCount());
+    QAccessibleInterface *outermost = nullptr;
+    if (toldCount_ > before)
+        outermost = child(toldCount_ - 1);
+    else if (static_cast<int>(rows_.size()) > toldCount_)
+        outermost = QAccessible::accessibleInterface(rows_.back());
+    if (toldCount_ == before || outermost == nullptr)
+        return;
+    QAccessibleEvent event(outermost, toldCount_ > before ? QAccessible::ObjectCreated
+                                                          : QAccessible::ObjectDestroyed);
+    QAccessible::updateAccessibility(&event);
 }
 
 } // namespace velmora::platform::qt

@@ -31,8 +31,10 @@ private:
     ListView &view() const { return *static_cast<ListView *>(object()); }
     forms::ListBox &list() const { return view().list(); }
     void refreshRows();
+    void tellCount();
 
     mutable std::vector<QAccessible::Id> rows_;
+    int toldCount_; // of the rows
     bool rowsPosted_ = false;
 };
 
