@@ -67,6 +67,13 @@ TEST_F(Sleep, RaisesWhenAWaitFailsAndClosesItsTimer) {
     EXPECT_EQ(fake.waitableTimers.openTimers(), 0U);
 }
 
+TEST_F(Sleep, WhoseWaitFailedHoldsNoTimerAnyMore) {
+    zkMySleep sleeper(app);
+    fake.waitableTimers.nextAnswers = {0xFFFFFFFF};
+    EXPECT_THROW(sleeper.Wait(1), RunTimeError);
+    EXPECT_EQ(fake.waitableTimers.openTimers(), 0U);
+}
+
 TEST_F(Sleep, ClosesItsTimerWhenAHandlerInsideRaises) {
     windows.atNextPump([] { raise(ErrorNumber::General); });
     EXPECT_THROW(wait(1), RunTimeError);

@@ -104,6 +104,17 @@ TEST_F(ButtonTest, AnyStepBelowTheRangeSaturatesAtItsEndToo) {
     }
 }
 
+TEST_F(ButtonTest, ThatWasDisabledWhileHotHasNoWayBackToGoWhenThePointerLeaves) {
+    button.setSpeed(255);
+    enter();
+    tick(2);
+    ASSERT_FALSE(button.ticking());
+    button.setEnabled(false);
+    button.setEnabled(true);
+    button.mouseMove({0, 0, -5, -5});
+    EXPECT_FALSE(button.ticking());
+}
+
 TEST_F(ButtonTest, AStepAboveTheRangeIsWholeAtOnceInEachOfItsLooks) {
     for (const int speed : {255, 256, 300, -300, 10'000}) {
         button.setSpeed(speed);
