@@ -86,6 +86,12 @@ TEST_F(LyricWindow, takesTheFontOfThePlayList) {
     EXPECT_EQ(form.search_Lrc_List.font().size(), app.playList_Form().playList_Item.font().size());
     EXPECT_EQ(form.visibleRows, 11);
     EXPECT_EQ(form.windowKey(), Colour{0xC7C7C7});
+    Velmora other(fake.bundle());
+    forms::ListBox &list = other.playList_Form().playList_Item;
+    forms::Font large = list.font();
+    large.setSize(20);
+    list.setFont(large);
+    EXPECT_EQ(other.search_Lrc_Internet_Form().search_Lrc_List.font().size(), 20);
 }
 
 // --- searching ----------------------------------------------------------------------------------
