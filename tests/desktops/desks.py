@@ -14,6 +14,8 @@ from session import BOUND, Session, quiet, wait_for  # noqa: E402
 class Desk(Session):
     """A window manager on a bare screen."""
     command = ()
+    answers = True  # whether its manager answers when it is asked for the extents of a frame to come
+    tells_above = True  # whether it says of a window over the whole screen that it is kept on top
     hands = None  # the environment of the screen whose pointer a person moves; that of the programs if none
 
     @classmethod
@@ -48,7 +50,7 @@ class Openbox(Desk):
 
 
 class Xfwm4(Desk):
-    name, command = "xfwm4", ("xfwm4", "--compositor=off")
+    name, command, tells_above = "xfwm4", ("xfwm4", "--compositor=off"), False
 
 
 class Icewm(Desk):
@@ -56,7 +58,7 @@ class Icewm(Desk):
 
 
 class I3(Desk):
-    name, command = "i3", ("i3",)
+    name, command, tells_above = "i3", ("i3",), False
 
     def start_desk(self):
         config = self.home + "/i3"
@@ -71,12 +73,12 @@ class Mutter(Desk):
 
 
 class Kwin(Desk):
-    name, command = "kwin_x11", ("kwin_x11",)
+    name, command, answers = "kwin_x11", ("kwin_x11",), False
 
 
 class Sway(Desk):
     """Nested: its windows float, as they do where a person asks for it. It refuses to run as the superuser."""
-    name, command = "sway", ("sway",)
+    name, command, tells_above = "sway", ("sway",), False
 
     @classmethod
     def missing(cls):

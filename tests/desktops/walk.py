@@ -16,14 +16,20 @@ DESKTOPS = sys.argv[5:]
 sys.path[:0] = [HERE, os.path.join(HERE, "..", "desktop", "program")]
 from desks import DESKS  # noqa: E402
 import session  # noqa: E402
-from player import LIST, MAIN, MINI, Player, stairs  # noqa: E402
-from session import quiet, rest, wait_for  # noqa: E402
+from films import HEIGHT, WIDTH, make_film  # noqa: E402
+from player import LIST, MAIN, MINI, Player, PlayerTest, Stranger, stairs  # noqa: E402
+from session import let_pass, quiet, rest, wait_for  # noqa: E402
 
 SKIPPED = 77
+SCREEN = (1280, 800)
+FADE = 10  # seconds, that of the sound included
+WHITE = b"\xff\xff\xff"
 STRIP = int(MINI["form"][3])
 HAND = {"mousemove", "mousemove_relative", "mousedown", "mouseup", "click", "key"}
 PLACED = "the compositor keeps floating windows where it puts them, whatever place they ask for"
 UNMINIMISED = "nothing is minimised there: the window stays"
+UNLISTED = "what stands in no list of windows is not minimised there"
+TAKES = "whatever comes up gets the keyboard there, also where it does not ask for it"
 EDGES = {"left": (-700, 0), "right": (700, 0), "upper": (0, -420), "lower": (0, 420)}
 LIMITS = {
     ("sway", "the list opens beside the main window"): PLACED,
@@ -31,6 +37,10 @@ LIMITS = {
     ("sway", "the list, minimised by another program, comes back by its button"): UNMINIMISED,
     ("sway", "minimise and back"): UNMINIMISED,
     ("sway", "after that, mini mode and back"): UNMINIMISED,
+    ("sway", "clicks pass between its letters, and not through them"): PLACED,
+    ("sway", "the next one while another program has the keyboard"): TAKES,
+    ("icewm", "the next one while another program has the keyboard"): TAKES,
+    ("mutter", "the list, minimised by another program, comes back by its button"): UNLISTED,
     ("i3", "the list, minimised by another program, comes back by its button"): UNMINIMISED,
     ("i3", "minimise and back"): UNMINIMISED,
     ("i3", "after that, mini mode and back"): UNMINIMISED,
@@ -54,17 +64,34 @@ def need(found, what):
 
 class Walk:
     def __init__(self, desk):
-        self.desk = desk
+        self.desk = self.session = desk
         music = desk.home + "/music"
         os.makedirs(music)
-        stairs(music + "/track.wav", 30, step=0)
-        self.player = self.main = self.list = None
+        tracks = [f"{music}/{name}" for name in ("track.wav", "short.mp4", "film.mp4")]
+        stairs(tracks[0], 300, step=0)
+        with open(music + "/track.lrc", "w", encoding="utf-8") as file:
+            for second in range(300):
+                file.write(f"[{second // 60:02}:{second % 60:02}.00]Words to be seen\n")
+        make_film(tracks[1], seconds=8)
+        make_film(tracks[2], seconds=60)
+        PlayerTest.write_list(self, tracks)
+        self.player = self.main = self.list = self.film = None
+
+    def list_file(self):
+        return PlayerTest.list_file(self)
+
+    def registry_file(self):
+        return PlayerTest.registry_file(self)
 
     def haul(self, by, steps=12):
         for _ in range(steps):
             self.player.tool("mousemove_relative", "--", round(by[0] / steps), round(by[1] / steps))
 
     def start(self):
+        first = Walker(self.desk)  # makes the settings that are set then
+        self.desk.key("Escape", need(first.window(), "no main window"))
+        need(first.ended(), "it does not end by a key")
+        PlayerTest.store(self, {"VideoInterface": (1, "1")})
         self.player = Walker(self.desk)
         self.main = need(self.player.window(), "no main window")
         self.home = need(rest(lambda: self.player.place(self.main)), "it never comes to rest")
@@ -164,6 +191,103 @@ class Walk:
         self.player.tool("key", "Escape")
         need(wait_for(lambda: not self.player.menus(1, 0.1), 5), "the menu stays")
 
+    def seen(self, x, y, width, height):
+        """The screen's colours there, row by row."""
+        return subprocess.run(
+            ["import", "-silent", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "-depth",
+             "8", "rgb:-"], env=self.desk.hands or self.desk.env, stdout=subprocess.PIPE,
+            stderr=subprocess.DEVNULL, check=False).stdout
+
+    def line(self):
+        self.player.click(self.main, "nextButton")
+        if self.desk.hands:
+            let_pass(FADE)  # what the window says is not read through the compositor
+        else:
+            need(self.player.says(self.main, "Words to be seen", 60), "no lyric in the main window")
+        self.player.click(self.main, "desktop_Lrc")
+        strip = need(wait_for(lambda: next(
+            (each for each in self.player.windows() if self.player.unmanaged(each) and
+             self.player.size(each)[0] == SCREEN[0]), None)), "no line")
+        (left, top), (wide, high) = self.player.place(strip), self.player.size(strip)
+        need(left == 0 and SCREEN[1] - 60 < top + high <= SCREEN[1], f"it stands at {left}, {top}")
+
+        self.below = Stranger(self.desk, 0, 500, 1280, 300)
+
+        def places():
+            data = self.seen(left, top, wide, high)
+            white = [[data[3 * (y * wide + x):3 * (y * wide + x) + 3] == WHITE for x in range(wide)]
+                     for y in range(high)]
+            columns = [x for x in range(300, wide - 300) if not all(row[x] for row in white)]
+            found = {}
+            for y in range(6, high - 6, 2):
+                for x in columns:
+                    around = {white[y + dy][x + dx] for dy in range(-2, 3) for dx in range(-2, 3)}
+                    if len(around) == 1:
+                        found.setdefault(around.pop(), (left + x, top + y))
+            return found if len(found) == 2 else None
+        self.spots = need(wait_for(places, 20), "no letters with ground between them")
+
+    def through_the_line(self):
+        try:
+            self.click_letters()
+        finally:
+            self.desk.stop(self.below.child)
+            quiet("xdotool", "windowactivate", "--sync", self.main, env=self.desk.env)
+            self.player.click(self.main, "desktop_Lrc")
+
+    def click_letters(self):
+        self.player.tool("mousemove", *self.spots[True])
+        self.player.tool("click", 1)
+        need(wait_for(lambda: self.below.presses() == [self.spots[True]], 5),
+             "a click between the letters does not pass")
+        self.player.tool("mousemove", *self.spots[False])
+        self.player.tool("click", 1)
+        self.player.tool("mousemove", *self.spots[True])
+        self.player.tool("click", 1)
+        need(wait_for(lambda: self.below.presses() == [self.spots[True]] * 2, 5),
+             "a click on a letter passes")
+
+    def video(self, size=(WIDTH, HEIGHT), other=None):
+        return wait_for(lambda: next((each for each in self.player.windows()
+                                      if each != other and self.player.size(each) == size), None), 15)
+
+    def film_shows(self):
+        self.player.click(self.main, "nextButton")
+        self.film = need(self.video(), "no window")
+
+    def next_film(self):
+        stranger = Stranger(self.desk, 10, 10, 200, 150, name="Writing")
+        quiet("xdotool", "windowactivate", "--sync", stranger.window, env=self.desk.env)
+        self.film = need(self.video(other=self.film), "no window of the next film")
+        rest(lambda: self.player.place(self.film))
+        active = quiet("xdotool", "getactivewindow", env=self.desk.env)
+        self.desk.stop(stranger.child)
+        need(active == stranger.window, "it takes the keyboard")
+
+    def whole_and_back(self):
+        home = rest(lambda: self.player.place(self.film))
+        self.key_to_film("Return", self.film)
+        whole = need(self.video(SCREEN), "no full screen")
+        need(wait_for(lambda: self.player.place(whole) == (0, 0), 5), "it is not at the corner")
+        # The keys mean full screen once the sound has faded in, and then the window is on top.
+        if not self.desk.tells_above:
+            let_pass(FADE)
+        else:
+            need(wait_for(lambda: "ABOVE" in quiet("xprop", "-id", whole, "_NET_WM_STATE",
+                                                   env=self.desk.env), 15), "it is not on top")
+        self.key_to_film("Return", whole)
+        self.film = need(self.video(), "no way back")
+        need(wait_for(lambda: self.player.place(self.film) == home, 5),
+             f"it comes back to {self.player.place(self.film)}, not to {home}")
+
+    def key_to_film(self, key, window):
+        self.player.click_at(window, 20, 300)  # it has the keyboard then, whoever gives it
+        self.player.tool("key", key)
+
+    def film_stops(self):
+        self.key_to_film("F4", self.film)
+        need(self.player.gone(self.film), "its window stays")
+
     def second_start(self):
         second = Walker(self.desk)
         box = need(wait_for(second.boxes, 15), "no word of the first")[0]
@@ -190,6 +314,12 @@ class Walk:
         yield "minimise and back", self.minimise
         yield "after that, mini mode and back", self.mini_after_minimise
         yield "the menu opens and closes", self.menu
+        yield "the line on the desktop stands above the task bar", self.line
+        yield "clicks pass between its letters, and not through them", self.through_the_line
+        yield "a film in its window", self.film_shows
+        yield "the next one while another program has the keyboard", self.next_film
+        yield "over the whole screen and back", self.whole_and_back
+        yield "stopped", self.film_stops
         yield "a second start says so and leaves the first", self.second_start
         yield "end", self.end
 
@@ -197,7 +327,7 @@ class Walk:
 def walk(name, artifacts):
     """What became of each row; the walk ends where nothing is left to go on with."""
     desk = DESKS[name]()
-    if desk.hands:
+    if desk.hands or not desk.answers:
         session.TAKEN = None  # the outer screen has no window manager to wait for
     cells = {}
     try:
