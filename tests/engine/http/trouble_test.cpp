@@ -64,7 +64,7 @@ protected:
         watch_ = [this](int descriptor, std::function<void()> ready) {
             pollfd_.fd = descriptor;
             ready_ = std::move(ready);
-            return [this](bool) {};
+            return [](bool) {};
         };
     }
     // Another turn of the loop; false where nothing is ready for seconds.
