@@ -108,8 +108,8 @@ bool update::askForDownload(const Offer &offer) {
     say(u"发现最新版本：【" + offer.version + u"】，等待用户选择是否下载...");
     return app_.platform().windows.MsgBox(std::u16string(app_.Language().msg_Upgrade_Ask) +
                                               offer.version + u"】？\r\n\r\n" + update_Notes,
-                                          MsgBoxButtons::YesNo, MsgBoxIcon::None,
-                                          title()) == MsgBoxResult::Yes;
+                                          MsgBoxButtons::YesNo, MsgBoxIcon::None, title(),
+                                          offer.address) == MsgBoxResult::Yes;
 }
 
 void update::startNewProgram(const Offer &offer) {

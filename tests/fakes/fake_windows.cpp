@@ -287,7 +287,10 @@ bool FakeWindows::GetCursorPos(PointPixels &position) {
 
 platform::MsgBoxResult FakeWindows::MsgBox(std::u16string_view text,
                                            platform::MsgBoxButtons buttons,
-                                           platform::MsgBoxIcon icon, std::u16string_view title) {
+                                           platform::MsgBoxIcon icon, std::u16string_view title,
+                                           std::u16string_view source) {
+    if (!source.empty())
+        boxSource = source;
     const Box shownBox{std::u16string(text), buttons, icon, std::u16string(title)};
     boxes.push_back(shownBox);
     if (scriptedBoxes_.empty()) {

@@ -117,6 +117,7 @@ public:
         friend bool operator==(const Positioning &, const Positioning &) = default;
     };
     std::vector<Positioning> positionings;
+    std::u16string boxSource;         // of the last message box that told one
     std::vector<std::string> flashes; // form names
     int asks = 0;                     // of the person for the program
     std::vector<std::u16string> appTitles;
@@ -162,7 +163,8 @@ public:
     Twips screenHeight() override { return static_cast<Twips>(screen.y) * twipsPerPixel; }
     bool GetCursorPos(PointPixels &position) override;
     platform::MsgBoxResult MsgBox(std::u16string_view text, platform::MsgBoxButtons buttons,
-                                  platform::MsgBoxIcon icon, std::u16string_view title) override;
+                                  platform::MsgBoxIcon icon, std::u16string_view title,
+                                  std::u16string_view source = {}) override;
     bool isModal() override { return modal; }
     void PopupMenu(forms::Form &owner, forms::Menu &menu) override;
     bool Shell_NotifyIconA(std::uint32_t operation, const platform::NotifyIconData &data) override;

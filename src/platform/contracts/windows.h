@@ -101,8 +101,10 @@ public:
 
     // --- boxes and menus -------------------------------------------------------------------------
     // Application-modal; timers go on. The first button is the default. Yes/No cannot be escaped.
+    // `source`, where there is one, is not part of the text: the tip over it shows it, and
+    // assistive technology says it.
     virtual MsgBoxResult MsgBox(std::u16string_view text, MsgBoxButtons buttons, MsgBoxIcon icon,
-                                std::u16string_view title) = 0;
+                                std::u16string_view title, std::u16string_view source = {}) = 0;
     // Whether a box or dialog is up, so that no window takes input.
     virtual bool isModal() = 0;
     virtual void PopupMenu(forms::Form &owner, forms::Menu &menu) = 0;

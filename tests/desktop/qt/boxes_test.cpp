@@ -11,6 +11,7 @@
 #include <QFontDialog>
 #include <QFontInfo>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QListView>
 #include <QMenu>
 #include <QPushButton>
@@ -100,6 +101,25 @@ protected:
         return desk().windows->MsgBox(u"Really?", buttons, MsgBoxIcon::Question, u"Velmora");
     }
 };
+
+TEST_F(MessageBoxTest, TellsItsSourceInTheTipOverTheText) {
+    QString tip;
+    QString said;
+    Meanwhile meanwhile(boxIsUp, [&] {
+        for (const QLabel *label : QApplication::activeModalWidget()->findChildren<QLabel *>()) {
+            tip += label->toolTip();
+            said += label->accessibleDescription();
+        }
+        press("n");
+    });
+    const std::u16string source = u"http://host/<b>new</b>?a&b" + std::u16string(400, u'x');
+    EXPECT_EQ(desk().windows->MsgBox(u"Really?", MsgBoxButtons::YesNo, MsgBoxIcon::None, u"Velmora",
+                                     source),
+              MsgBoxResult::No);
+    EXPECT_TRUE(tip.contains("http://host/&lt;b&gt;new&lt;/b&gt;?a&amp;b")) << tip.toStdString();
+    EXPECT_LT(tip.size(), 400);
+    EXPECT_TRUE(said.startsWith("http://host/<b>new</b>?a&b"));
+}
 
 // No key or click of the last second asked for it.
 TEST_F(MessageBoxTest, ThatComesUpByItselfIsDeafToItsAnswersForHalfASecond) {

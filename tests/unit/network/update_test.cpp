@@ -192,6 +192,7 @@ TEST_F(Update, ThatTheUserDeclinesFetchesNothing) {
     work().check_Update(true);
     EXPECT_FALSE(files.hasFile(newPath));
     EXPECT_EQ(shown(), u"发现最新版本：【3.0.0】，等待用户选择是否下载...");
+    EXPECT_EQ(windows.boxSource, u"http://maker/new.exe") << "where it would come from";
 }
 
 struct NotesCase {

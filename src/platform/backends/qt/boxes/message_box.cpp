@@ -24,6 +24,7 @@ namespace {
 
 constexpr int iconSize = 36;
 constexpr int widestText = 460;
+constexpr int longestSource = 300;  // characters: the host stands at the front
 constexpr int roomForTheRest = 140; // of a box: its title, its buttons and what lies between
 
 // The words of the system's own boxes, in the system's language.
@@ -101,7 +102,7 @@ bool answers(int key) {
 class MessageBox : public DarkDialog {
 public:
     MessageBox(Hub &hub, const QString &text, MsgBoxButtons buttons, MsgBoxIcon icon,
-               const QString &title)
+               const QString &title, const QString &source)
         : DarkDialog(hub, title), byItself_(!hub.x11.personActed()), results_(resultsOf(buttons)),
           result_(buttons == MsgBoxButtons::YesNo         ? MsgBoxResult::No
                   : buttons == MsgBoxButtons::YesNoCancel ? MsgBoxResult::Cancel
@@ -121,6 +122,12 @@ public:
         if (words->sizeHint().width() > widestText) {
             words->setWordWrap(true);
             words->setFixedWidth(widestText);
+        }
+        if (!source.isEmpty()) {
+            // What a server says is no markup.
+            words->setToolTip(
+                QStringLiteral("<span>%1</span>").arg(source.left(longestSource).toHtmlEscaped()));
+            words->setAccessibleDescription(source.left(longestSource));
         }
         row->addWidget(fitted(words), 1);
         body()->addLayout(row);
@@ -236,8 +243,8 @@ private:
 } // namespace
 
 MsgBoxResult showMessageBox(Hub &hub, const QString &text, MsgBoxButtons buttons, MsgBoxIcon icon,
-                            const QString &title) {
-    MessageBox box(hub, text, buttons, icon, title);
+                            const QString &title, const QString &source) {
+    MessageBox box(hub, text, buttons, icon, title, source);
     box.run();
     return box.answer();
 }

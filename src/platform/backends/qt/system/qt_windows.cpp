@@ -372,8 +372,10 @@ bool QtWindowSystem::GetCursorPos(PointPixels &position) {
 // --- boxes, menus, desktop -----------------------------------------------------------------------
 
 MsgBoxResult QtWindowSystem::MsgBox(std::u16string_view text, MsgBoxButtons buttons,
-                                    MsgBoxIcon icon, std::u16string_view title) {
-    return qt::showMessageBox(parts_->hub, qt::toShown(text), buttons, icon, qt::toShown(title));
+                                    MsgBoxIcon icon, std::u16string_view title,
+                                    std::u16string_view source) {
+    return qt::showMessageBox(parts_->hub, qt::toShown(text), buttons, icon, qt::toShown(title),
+                              qt::toShown(source));
 }
 
 bool QtWindowSystem::isModal() { return QApplication::activeModalWidget() != nullptr; }

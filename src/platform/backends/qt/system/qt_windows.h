@@ -103,7 +103,7 @@ public:
     bool GetCursorPos(PointPixels &position) override;
 
     MsgBoxResult MsgBox(std::u16string_view text, MsgBoxButtons buttons, MsgBoxIcon icon,
-                        std::u16string_view title) override;
+                        std::u16string_view title, std::u16string_view source = {}) override;
     bool isModal() override;
     void PopupMenu(forms::Form &owner, forms::Menu &menu) override;
 
