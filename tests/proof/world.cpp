@@ -59,7 +59,8 @@ std::vector<std::u16string> hostsOf(setControl &settings) {
 platform::MsgBoxResult AnsweringWindows::MsgBox(std::u16string_view text,
                                                 platform::MsgBoxButtons buttons,
                                                 platform::MsgBoxIcon icon,
-                                                std::u16string_view title) {
+                                                std::u16string_view title,
+                                                std::u16string_view /*source*/) {
     boxes.push_back({std::u16string(text), buttons, icon, std::u16string(title)});
     if (buttons == platform::MsgBoxButtons::Ok)
         return platform::MsgBoxResult::Ok;

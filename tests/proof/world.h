@@ -28,7 +28,8 @@ public:
     // Boxes with this text are answered No.
     std::u16string refused;
     platform::MsgBoxResult MsgBox(std::u16string_view text, platform::MsgBoxButtons buttons,
-                                  platform::MsgBoxIcon icon, std::u16string_view title) override;
+                                  platform::MsgBoxIcon icon, std::u16string_view title,
+                                  std::u16string_view /*source*/ = {}) override;
 };
 
 // The real lock and the real end; the machine's other processes and the program file are not the
