@@ -13,6 +13,7 @@ import sys
 import tempfile
 import threading
 import time
+import urllib.parse
 
 RATE = 44100
 CHUNK = 441 * 4  # 10 ms of 16-bit stereo
@@ -153,8 +154,10 @@ class Session:
         with open(f"{services}/org.freedesktop.portal.Desktop.service", "w") as service:
             service.write("[D-BUS Service]\nName=org.freedesktop.portal.Desktop\nExec=/bin/false\n")
         reading, writing = os.pipe()
-        self.spawn(["dbus-daemon", "--session", "--nofork", f"--print-address={writing}"],
-                   pass_fds=[writing])
+        # Its socket goes with the session's folder: a bus that is killed leaves it where it is.
+        folder = urllib.parse.quote(self.runtime, safe="/-_.\\*")
+        self.spawn(["dbus-daemon", "--session", "--nofork", f"--print-address={writing}",
+                    f"--address=unix:dir={folder}"], pass_fds=[writing])
         os.close(writing)
         with os.fdopen(reading) as told:
             address = told.readline().strip()

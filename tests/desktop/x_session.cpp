@@ -178,7 +178,9 @@ bool XSession::startBus() {
     if (pipe2(address, O_CLOEXEC) != 0)
         return false;
     const pid_t process = spawn(
-        {"dbus-daemon", "--session", "--nofork", "--print-address=" + std::to_string(address[1])},
+        // Its socket goes with the session's folder: a bus that is killed leaves it where it is.
+        {"dbus-daemon", "--session", "--nofork", "--print-address=" + std::to_string(address[1]),
+         "--address=unix:dir=" + home_ + "/run"},
         environment(), -1, address[1]);
     close(address[1]);
     if (process > 0) {
