@@ -2,6 +2,8 @@
 
 #include "tests/unit/ui_zkButton/button_fixture.h"
 
+#include <limits>
+
 namespace velmora {
 
 TEST_F(ButtonTest, ThePressIsToldAheadOfItsFade) {
@@ -116,7 +118,8 @@ TEST_F(ButtonTest, ThatWasDisabledWhileHotHasNoWayBackToGoWhenThePointerLeaves) 
 }
 
 TEST_F(ButtonTest, AStepAboveTheRangeIsWholeAtOnceInEachOfItsLooks) {
-    for (const int speed : {255, 256, 300, -300, 10'000}) {
+    for (const int speed :
+         {255, 256, 300, -300, 10'000, std::numeric_limits<std::int32_t>::max()}) {
         button.setSpeed(speed);
         leave();
         enter();

@@ -2,8 +2,6 @@
 
 #include "tests/unit/ui_zkButton/button_fixture.h"
 
-#include <limits>
-
 namespace velmora {
 
 // --- the mouse -------------------------------------------------------------------------
@@ -220,17 +218,6 @@ TEST_F(ButtonTest, TheWayBackGrowsByOneATick) {
     EXPECT_EQ(button.state(), State::Idle);
     expectLook(forms::Picture::button_normal);
     EXPECT_EQ(button.look().captionColor, faceColour);
-}
-
-TEST_F(ButtonTest, ASpeedBeyondTheRangeSaturates) {
-    for (const int speed : {255, 256, 10'000, std::numeric_limits<std::int32_t>::max()}) {
-        button.setSpeed(speed);
-        leave();
-        enter();
-        tick();
-        EXPECT_EQ(button.state(), State::Idle) << speed;
-        expectLook(forms::Picture::button_hot);
-    }
 }
 
 TEST_F(ButtonTest, AnExactSumOf255NeedsNoSaturation) {
