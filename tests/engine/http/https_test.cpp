@@ -118,6 +118,21 @@ TEST_F(Https, LeadsToNoPlainAddressAndToNoFileOfThisMachine) {
     EXPECT_EQ(content(), "old");
 }
 
+TEST_F(Https, ThatAPlainAddressLedToLeadsToNoPlainAddressEither) {
+    LoopbackServer last(always(response("open")));
+    put("away", "HTTP/1.1 302 Found\r\nLocation: " + toUtf8(last.url(u"/")) +
+                    "\r\nContent-Length: 0\r\n\r\n");
+    TlsServer server(trusted(), pages_);
+    ASSERT_TRUE(server.works());
+    LoopbackServer first(always("HTTP/1.1 302 Found\r\nLocation: " + server.url("/away") +
+                                "\r\nContent-Length: 0\r\n\r\n"));
+    EXPECT_THROW(page(first.url(u"/")), RunTimeError);
+    EXPECT_FALSE(download(toUtf8(first.url(u"/"))));
+    EXPECT_FALSE(send(first.port()).answered);
+    EXPECT_TRUE(last.requests().empty());
+    EXPECT_EQ(content(), "old");
+}
+
 TEST_F(Https, OfAnAuthorityThatNobodyTrustsIsRefused) {
     expectRefused(Authority(trust().folder / "stranger").issue("IP:127.0.0.1"));
 }

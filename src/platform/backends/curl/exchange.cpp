@@ -85,7 +85,7 @@ void Exchange::prepare() {
     set(CURLOPT_PATH_AS_IS, 1L);
     // A library that does not know one of these is too old to be trusted with a redirect.
     must(CURLOPT_PROTOCOLS_STR, "http,https");
-    // What began encrypted stays so.
+    // What began encrypted stays so; what became so stays so by `mayGoTo`.
     must(CURLOPT_REDIR_PROTOCOLS_STR, partsOf(request_.url).secure ? "https" : "http,https");
     set(CURLOPT_FOLLOWLOCATION, 1L);
     set(CURLOPT_MAXREDIRS, mostRedirects);
@@ -160,8 +160,14 @@ std::size_t Exchange::onBody(char *bytes, std::size_t size, std::size_t count, v
     return length;
 }
 
-// A server elsewhere sends nobody to the services of this machine, which believe whoever is here.
+// Nothing goes on in the open behind an encrypted part of the way. A server elsewhere sends nobody
+// to the services of this machine, which believe whoever is here.
 bool Exchange::mayGoTo(std::string_view peer) {
+    const char *url = nullptr;
+    curl_.curl_easy_getinfo(easy_, CURLINFO_EFFECTIVE_URL, &url);
+    const bool secure = partsOf(url == nullptr ? "" : url).secure;
+    if (std::exchange(secured_, secured_ || secure) && !secure)
+        return false;
     const bool outside = !isLoopback(peer);
     if (!std::exchange(connected_, true))
         beganOutside_ = outside;

@@ -106,6 +106,7 @@ private:
     bool paused_ = false;
     bool connected_ = false;
     bool beganOutside_ = false;     // the first peer was another machine
+    bool secured_ = false;          // a request of it was encrypted
     Time until_ = Time::max();      // of the whole exchange
     Time stageUntil_ = Time::max(); // of the connection, then of the header
     CURLcode result_ = CURLE_OK;
