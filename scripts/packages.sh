@@ -24,7 +24,9 @@ packages_desktops="icewm i3-wm mutter kwin-x11 xfce4-panel lxqt-panel"
 # What tests/browser looks at the catalogue's pages with: large, and the tests go on without it.
 packages_browser="chromium chromium-driver"
 
-packages_bench="libbenchmark-dev"
+packages_bench="libbenchmark-dev libxcb-damage0-dev curl"
+# The players that are measured beside this one.
+packages_peers="audacious audacious-plugins qmmp mpv"
 
 # What packages are built with.
 packages_package="debhelper dpkg-dev fakeroot"

@@ -13,7 +13,7 @@ import time
 
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "../../tests/desktop"))
 from session import Session, over, quiet, wait_for  # noqa: E402
-from measure import Velmora  # noqa: E402
+from measure import Velmora, memory  # noqa: E402
 from heard import median  # noqa: E402
 
 QUICK = "--quick" in sys.argv
@@ -33,18 +33,6 @@ def session_of(kind, window_manager):
                 "busctl", "--user", "list", "--no-pager", env=session.env)):
             raise RuntimeError("no panel")
     return session
-
-
-def memory(pid):
-    """In kB: pages of its own, which no file backs, so that nobody else's use of libraries moves them;
-    and the proportional share of all."""
-    found = {}
-    with open(f"/proc/{pid}/smaps_rollup") as file:
-        for line in file:
-            words = line.split()
-            if words[-1] == "kB":
-                found[words[0]] = int(words[1])
-    return {"own": found["Anonymous:"], "pss": found["Pss:"]}
 
 
 def steady(player, kind, paths):

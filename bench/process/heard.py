@@ -126,23 +126,27 @@ class Heard:
         self.session.close()
 
 
+def those(values):
+    return [value for value in values if value is not None]
+
+
 def median(values):
-    values = [value for value in values if value is not None]
+    values = those(values)
     return statistics.median(values) if values else None
 
 
 def latencies(player, tracks, long, runs):
-    """Medians in milliseconds of next, seek and pause; None for what was never heard."""
+    """Milliseconds of each next, seek and pause that was heard."""
     result = {}
     heard = Heard(player, tracks)
     try:
-        result["next"] = median([heard.next() for _ in range(runs)])
-        result["pause"] = median([heard.pause() for _ in range(runs)])
+        result["next"] = those([heard.next() for _ in range(runs)])
+        result["pause"] = those([heard.pause() for _ in range(runs)])
     finally:
         heard.close()
     heard = Heard(player, long)
     try:
-        result["seek"] = median([heard.seek(number) for number in range(runs)])
+        result["seek"] = those([heard.seek(number) for number in range(runs)])
     finally:
         heard.close()
     return result

@@ -5,9 +5,9 @@
 """
 
 import os
+import re
 import shutil
 import sqlite3
-import statistics
 import subprocess
 import sys
 import time
@@ -15,12 +15,14 @@ import urllib.parse
 
 # The screen, the sound server and the measures are the tests' own.
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "../../tests/desktop"))
-from session import Session, over, pss_mb, quiet, wait_for  # noqa: E402
-from heard import key_cost, latencies, make_tracks, median  # noqa: E402
+from session import Session, over, quiet, wait_for  # noqa: E402
+from heard import key_cost, latencies, make_tracks  # noqa: E402
+from pairs import told  # noqa: E402
 
 QUICK = "--quick" in sys.argv
 RUNS = 3 if QUICK else 9
-STRETCH = 4 if QUICK else 15
+ROUNDS = 1 if QUICK else 3
+STRETCH = 4 if QUICK else 12
 
 APP = "Program Files/Norvane软件/Velmora"
 
@@ -99,6 +101,54 @@ class Peer:
         pass
 
 
+class BareWindow:
+    """No player: two windows of its sizes that do nothing."""
+
+    name = "bare windows"
+    key_class = "bare_window"
+    windows = 2
+
+    def __init__(self, watch):
+        self.command = [os.path.join(os.path.dirname(watch), "bare_window")]
+
+    def idle(self, session, paths):
+        return self.command
+
+
+class SkinnedAudacious(Peer):
+    """With the window that its skins draw. It keeps which one that is only when it is left."""
+
+    def __init__(self, *about):
+        super().__init__("Audacious with its skin", ["audacious", "-Q"], *about)
+
+    def dress(self, session):
+        registry = f"{session.home}/config/audacious/plugin-registry"
+        if os.path.exists(registry):
+            return
+        child = session.spawn(self.command)
+        session.window(self.key_class)
+        quiet("audtool", "shutdown", env=session.env)
+        if not wait_for(lambda: child.poll() is not None and os.path.exists(registry)):
+            raise RuntimeError("Audacious does not end")
+        session.children.remove(child)
+        with open(registry) as file:
+            plugins = re.split(r"(?m)^(?=[a-z]+ /)", file.read())
+        with open(registry, "w") as file:
+            for plugin in plugins:
+                if plugin.startswith("iface "):
+                    chosen = "/skins-qt.so" in plugin
+                    plugin = re.sub(r"(?m)^enabled \d", f"enabled {int(chosen)}", plugin)
+                file.write(plugin)
+
+    def idle(self, session, paths):
+        self.dress(session)
+        return self.command
+
+    def play(self, session, paths):
+        self.dress(session)
+        return self.command + paths
+
+
 def audacious_list(session, paths):
     folder = f"{session.home}/config/audacious/playlists"
     os.makedirs(folder, exist_ok=True)
@@ -112,9 +162,9 @@ def audacious_list(session, paths):
 def peers():
     found = []
     if shutil.which("audacious"):
-        found.append(Peer("Audacious", ["audacious"], "audacious",
-                          {"next": "b", "pause": "c", "play": "c", "seek": ["Right"]},
-                          audacious_list))
+        keys = {"next": "b", "pause": "c", "play": "c", "seek": ["Right"]}
+        found.append(Peer("Audacious", ["audacious", "-Q"], "audacious", keys, audacious_list))
+        found.append(SkinnedAudacious("audacious", keys))
     if shutil.which("qmmp"):
         found.append(Peer("Qmmp", ["qmmp"], "qmmp",
                           {"next": "b", "pause": "c", "play": "c", "seek": ["Right"]}))
@@ -130,12 +180,8 @@ def peers():
     return found
 
 
-def shown(value, digits=1):
-    return "–" if value is None else f"{value:.{digits}f}"
-
-
 def start_times(watch, player, paths):
-    """Milliseconds to each painted window, medians of warm starts on a bare display."""
+    """Milliseconds to each painted window, of warm starts on a bare display: a list a window."""
     session = Session(window_manager=False, bus=True)
     times = []
     try:
@@ -148,32 +194,52 @@ def start_times(watch, player, paths):
                 times.append(painted)
     finally:
         session.close()
-    if not times:
-        return [None] * player.windows
-    return [statistics.median(column) for column in zip(*times)]
+    return [list(column) for column in zip(*times)] or [[]] * player.windows
 
 
-def steady(player, paths):
-    """Memory, CPU and wake-ups, idle and playing."""
-    result = {}
-    for state in ("idle", "playing"):
-        session = Session(window_manager=True, bus=True)
-        try:
-            command = player.idle(session, paths) if state == "idle" else player.play(session, paths)
-            child = session.spawn(command)
-            window = session.window(player.key_class)
-            if not window:
-                continue
-            time.sleep(2)
-            if state == "playing":
-                player.start_playing(session, window)
-                wait_for(lambda: quiet("pactl", "list", "short", "sink-inputs", env=session.env))
-                time.sleep(3)
-            result[state] = over(session, child.pid, STRETCH)
-            result[state]["pss"] = pss_mb(child.pid)
-        finally:
-            session.close()
-    return result
+def look(player, state, paths):
+    """Memory, CPU and wake-ups of one run; nothing where it cannot be had."""
+    session = Session(window_manager=True, bus=True)
+    try:
+        command = player.idle(session, paths) if state == "idle" else player.play(session, paths)
+        child = session.spawn(command)
+        window = session.window(player.key_class)
+        if not window:
+            return {}
+        time.sleep(2)
+        if state == "playing":
+            player.start_playing(session, window)
+            wait_for(lambda: quiet("pactl", "list", "short", "sink-inputs", env=session.env))
+            time.sleep(3)
+        figures = {name: kilobytes / 1024 for name, kilobytes in memory(child.pid).items()}
+        return {**figures, **over(session, child.pid, STRETCH)}
+    finally:
+        session.close()
+
+
+def memory(pid):
+    """In kB: pages of its own, which no file backs, so that nobody else's use of libraries moves them;
+    and the proportional share of all."""
+    found = {}
+    with open(f"/proc/{pid}/smaps_rollup") as file:
+        for line in file:
+            words = line.split()
+            if words[-1] == "kB":
+                found[words[0]] = int(words[1])
+    return {"own": found["Anonymous:"], "pss": found["Pss:"]}
+
+
+def steady(players, paths):
+    """{(player, state, figure): values}: all players in turn, several times over."""
+    found = {}
+    for _ in range(ROUNDS):
+        for player in players:
+            for state in ("idle", "playing"):
+                if state == "playing" and not hasattr(player, "play"):
+                    continue
+                for figure, value in look(player, state, paths).items():
+                    found.setdefault((player, state, figure), []).append(value)
+    return found
 
 
 class WithList:
@@ -206,6 +272,27 @@ def probe_rows(*probe):
         session.close()
 
 
+def whole_process(players, watch, paths):
+    print("## Whole process\n")
+    print(f"Of {RUNS} warm starts on a private virtual display with a session bus, and of {ROUNDS} runs of all in turn; "
+          "medians and half of what the middle half spans. Playing is a 192 kbit/s mp3 on a null sink. "
+          "Memory in MB: of its own (no file behind it), and the proportional share of all; CPU in percent of one "
+          "core. The bare windows are two empty ones of this player's sizes and a timer of its pace.\n")
+    print("| player | first window, ms | main window, ms | own idle | own playing | PSS idle | PSS playing | "
+          "CPU idle | CPU playing | X playing | wake-ups/s idle | wake-ups/s playing |")
+    print("|---" * 12 + "|", flush=True)
+    states = steady(players, paths)
+    for player in players:
+        starts = start_times(watch, player, paths)
+        cells = [told(starts[0]), told(starts[-1])]
+        for figure, digits in (("own", 1), ("pss", 1), ("cpu", 2)):
+            cells += [told(states.get((player, state, figure), []), digits)
+                      for state in ("idle", "playing")]
+        cells.append(told(states.get((player, "playing", "x"), []), 2))
+        cells += [told(states.get((player, state, "wakeups"), [])) for state in ("idle", "playing")]
+        print(f"| {player.name} | {' | '.join(cells)} |", flush=True)
+
+
 def main():
     program, watch, piece = sys.argv[1:4]
     music = "/tmp/velmora-bench-music"
@@ -221,33 +308,18 @@ def main():
                         for language in ((1, "English"), (0, "Chinese")))
     others = peers()
 
-    print("## Whole process\n")
-    print("Medians of warm starts on a private virtual display with a session bus; playing is a 192 kbit/s mp3 on a null"
-          " sink. PSS in MB, CPU in percent of one core.\n")
-    print("| player | first window, ms | main window, ms | PSS idle | PSS playing | CPU idle | "
-          "CPU playing | X playing | wake-ups/s idle | wake-ups/s playing |")
-    print("|---|---|---|---|---|---|---|---|---|---|", flush=True)
-    for player in [english, chinese, *others]:
-        starts = start_times(watch, player, [mp3])
-        states = steady(player, [mp3])
-        idle, playing = states.get("idle", {}), states.get("playing", {})
-        print(f"| {player.name} | {shown(starts[0])} | {shown(starts[-1])} | "
-              f"{shown(idle.get('pss'))} | {shown(playing.get('pss'))} | "
-              f"{shown(idle.get('cpu'), 2)} | {shown(playing.get('cpu'), 2)} | "
-              f"{shown(playing.get('x'), 2)} | {shown(idle.get('wakeups'))} | "
-              f"{shown(playing.get('wakeups'))} |", flush=True)
-
+    whole_process([english, chinese, BareWindow(watch), *others], watch, [mp3])
     tracks, long = make_tracks(music)
     print("\n## Heard\n")
     print("From the start of the tool that presses the key or the mouse to the recorded sound: of the "
           "next track, of another place in it (in this player after its fade-in's first step), and to "
-          f"silence. The tool itself takes {shown(key_cost())} ms. Tracks are mp3 files of 192 kbit/s; "
-          "medians.\n")
+          f"silence. The tool itself takes {key_cost():.1f} ms. Tracks are mp3 files of 192 kbit/s; "
+          "medians and half of the middle half.\n")
     print("| player | next track heard, ms | seek heard, ms | pause silent, ms |\n|---|---|---|---|")
     for player in [velmora, *others]:
         figures = latencies(player, tracks, long, 3 if QUICK else 9)
-        print(f"| {player.name} | {shown(figures['next'])} | {shown(figures['seek'])} | "
-              f"{shown(figures['pause'])} |", flush=True)
+        print(f"| {player.name} | {told(figures['next'])} | {told(figures['seek'])} | "
+              f"{told(figures['pause'])} |", flush=True)
 
     print("\n## The sound device by itself\n", flush=True)
     subprocess.run([os.path.join(os.path.dirname(watch), "sound_probe"), f"{music}/piece.wav",
@@ -273,7 +345,7 @@ def main():
     print(f"| entries | {' | '.join(f'{player.name}, ms' for player in keepers)} |")
     print("|---" * (len(keepers) + 1) + "|")
     for row in zip(*columns):
-        print(f"| {row[0][0]:,} | {' | '.join(shown(figure) for _, figure in row)} |", flush=True)
+        print(f"| {row[0][0]:,} | {' | '.join(told(figures) for _, figures in row)} |", flush=True)
     shutil.rmtree(music, ignore_errors=True)
 
 
