@@ -121,6 +121,9 @@ rm track.bin
 make -f lavfi -i color=c=red:s=64x64:d=1 -frames:v 1 cover.png
 make -i source.wav -i cover.png -map 0:a -map 1:v -c:a aac -c:v copy -disposition:v attached_pic cover.m4a
 make -i picture.avi -c:v copy silent.avi
+# A picture each millisecond: the next one is due before this one is drawn.
+make -f lavfi -i "$(quarters 160x120)" -t 3 -vf fps=1000 -c:v libx264 -preset ultrafast -g 100 \
+    -pix_fmt yuv420p quick_pictures.mp4
 make -i film.mp4 -map 0 -c copy -metadata:s:v rotate=90 rotated.mp4
 make -f lavfi -i "$(quarters 160x90)" -t 3 -c:v mpeg2video -f mpegts small.ts
 make -f lavfi -i "$(quarters 640x360)" -t 3 -c:v mpeg2video -f mpegts large.ts

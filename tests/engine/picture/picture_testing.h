@@ -24,14 +24,14 @@ using platform::media::OpenRequest;
 std::string mediaFile(const std::string &name);
 
 // Polls until the condition holds; false when the limit passes first.
-bool waitUntil(const std::function<bool()> &condition, int limitMs = 10'000);
+bool waitUntil(const std::function<bool()> &condition, int limitMs = 60'000);
 
 // Plays silently, in real time.
 std::unique_ptr<DeviceOpener> silentOpener();
 std::unique_ptr<Device> openSilently(const std::string &file);
 
 // Plays up to a position.
-bool playUpTo(Device &device, int ms, int limitMs = 10'000);
+bool playUpTo(Device &device, int ms, int limitMs = 60'000);
 
 // The noise that most files hold.
 class SourceSound {

@@ -60,6 +60,7 @@ void PictureDevice::handle(const mpv_event &event) {
     case MPV_EVENT_PLAYBACK_RESTART:
         seeks_.done();
         watchClosely();
+        handOverPicture();
         break;
     case MPV_EVENT_PROPERTY_CHANGE: {
         const auto *changed = static_cast<const mpv_event_property *>(event.data);
@@ -163,6 +164,14 @@ void PictureDevice::watchWindow() {
     medium_.window->hide();
     if (medium_.hasSound)
         core_.set("vid", std::string("no"));
+}
+
+// The engine's drawing is on its way to the screen only when the thread that draws is next awake,
+// and where a picture took longer to draw than it lasts, a film that stands wakes it after ten
+// seconds. A question that only that thread can answer does at once.
+void PictureDevice::handOverPicture() {
+    if (medium_.window != nullptr && !isPictureGone_)
+        core_.command({"expand-text", "${display-names}"});
 }
 
 bool PictureDevice::hasPicture() {

@@ -60,6 +60,8 @@ private:
     void watchClosely() { settling_ = Clock::now() + settlingTime; }
     void endReached();
     void watchWindow();
+    // Has the screen show what the engine has drawn.
+    void handOverPicture();
     bool hasPicture();
     double seconds() const;
     void seekEngine(double seconds);
