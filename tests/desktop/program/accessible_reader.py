@@ -10,6 +10,7 @@ no child of the program; {"do": "act", "around": 2, "action": "Press"} is for on
 
 import json
 import sys
+import time
 import warnings
 
 import gi
@@ -107,9 +108,23 @@ def heard(event, *_):
         pass  # what it was about has gone
 
 
+def wait_for_program(process, seconds=60):
+    """The program joins the bus when somebody first uses it, asks once what is listened for and only
+    then hears of what is registered: in between its toolkit would miss it."""
+    end = time.monotonic() + seconds
+    while time.monotonic() < end:
+        try:
+            if program(process) is not None:
+                return
+        except GLib.Error:
+            pass  # another one went while it was being looked at
+        time.sleep(0.02)
+
+
 def main():
     process = int(sys.argv[1])
     Atspi.init()
+    wait_for_program(process)
     listener = Atspi.EventListener.new(heard)
     for kind in EVENTS:
         listener.register(kind)
