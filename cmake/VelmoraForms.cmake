@@ -6,6 +6,8 @@ function(velmora_form_designs target)
     set(generated "${CMAKE_BINARY_DIR}/generated")
     set(skin "${CMAKE_SOURCE_DIR}/assets/skin")
     set(texts "${CMAKE_SOURCE_DIR}/assets/texts")
+    # The form whose pictures and hand the skin hands out.
+    set(model "${CMAKE_SOURCE_DIR}/src/playback/Main.form")
     file(GLOB designs CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.form")
     if(NOT designs)
         return()
@@ -21,8 +23,8 @@ function(velmora_form_designs target)
         add_custom_command(
             OUTPUT "${header}" "${source}"
             COMMAND velmora_formc "${design}" --folder "${folder}" --skin "${skin}" --texts "${texts}"
-                    --header "${header}" --source "${source}"
-            DEPENDS velmora_formc "${design}" "${skin}/palette.txt" ${drawings} ${text_files}
+                    --model "${model}" --header "${header}" --source "${source}"
+            DEPENDS velmora_formc "${design}" "${model}" "${skin}/palette.txt" ${drawings} ${text_files}
             COMMENT "Compiling the form ${folder}/${name}"
             VERBATIM)
         list(APPEND outputs "${header}" "${source}")

@@ -123,6 +123,15 @@ private:
     int line_ = 0;
 };
 
+std::string textOf(const std::string &file) {
+    std::ifstream in(file, std::ios::binary);
+    if (!in)
+        throw std::runtime_error(file + ":1: cannot be read");
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
 void collect(const Thing &thing, std::vector<const Thing *> &into) {
     for (const Thing &child : thing.children) {
         into.push_back(&child);
@@ -136,6 +145,10 @@ const Setting *Thing::find(std::string_view property) const {
     const auto found = std::ranges::find_if(
         settings, [&](const Setting &setting) { return setting.row->word == property; });
     return found == settings.end() ? nullptr : &*found;
+}
+
+std::string routineOf(const Thing &thing, const Setting &answer) {
+    return answer.word.empty() ? thing.name + "_" + std::string(answer.row->call) : answer.word;
 }
 
 std::vector<const Thing *> Design::all() const {
@@ -163,16 +176,22 @@ Design parseDesign(std::string_view text, const Skin &skin) {
     return design;
 }
 
+Skin withModel(Skin skin, const std::string &file) {
+    const Design model = parseDesign(textOf(file), skin);
+    skin.model = model.form.name;
+    for (const Thing *thing : model.all()) {
+        const Setting *picture = thing->find("picture");
+        if (picture != nullptr && thing->kind->bit == kinds::image)
+            skin.modelPictures[thing->name] = picture->word;
+    }
+    return skin;
+}
+
 Skin readSkin(const std::string &folder) {
     const std::filesystem::path root(folder);
     const std::string file = (root / "palette.txt").string();
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
-        throw std::runtime_error(file + ":1: the palette cannot be read");
-    std::ostringstream text;
-    text << in.rdbuf();
     Skin skin;
-    for (const auto &entry : skinc::parsePalette(file, text.str()).entries) {
+    for (const auto &entry : skinc::parsePalette(file, textOf(file)).entries) {
         const std::uint32_t rgb = entry.colour & 0xFFFFFFU;
         skin.palette[entry.name] = (rgb & 0xFFU) << 16U | (rgb & 0xFF00U) | rgb >> 16U;
     }

@@ -45,7 +45,10 @@ struct Setting {
     std::vector<double> numbers;
     std::u16string text;
     std::string entry; // of the texts, when the text follows the language
-    std::string word;  // picture, pointer or alignment
+    std::string word;  // picture, pointer, alignment, control or routine
+    // The form that the skin hands it out from, and of a picture the image there; empty without.
+    std::string fromForm;
+    std::string fromImage;
     FontSpec font;
     std::uint32_t colour = 0; // 0x00BBGGRR
 };
@@ -62,12 +65,18 @@ struct Thing {
     bool has(std::string_view property) const { return find(property) != nullptr; }
 };
 
+// The routine that answers an event of the thing: the one it names, else NAME_EVENT.
+std::string routineOf(const Thing &thing, const Setting &answer);
+
 // The names a design may use beside its own.
 struct Skin {
     std::map<std::string, std::uint32_t, std::less<>> palette; // name to 0x00BBGGRR
     std::set<std::string, std::less<>> pictures;
     // Entries of the texts, and what each says in the first language.
     std::map<std::string, std::u16string, std::less<>> texts;
+    // The form whose pictures and hand the skin hands out, and its images with their pictures.
+    std::string model{};
+    std::map<std::string, std::string, std::less<>> modelPictures{};
 };
 
 struct Design {
@@ -81,8 +90,12 @@ struct Design {
 // Reads and checks a design. Never throws for what the text holds: all faults are listed.
 Design parseDesign(std::string_view text, const Skin &skin);
 
-// The skin of a folder: its palette.txt and the names of its .svg files; it has no texts. Throws
-// std::runtime_error (file:line: fault) when the palette cannot be read.
+// The skin with the form that it hands out from. What is wrong in that file is told where it is
+// compiled itself. Throws std::runtime_error (file:line: fault) when it cannot be read.
+Skin withModel(Skin skin, const std::string &file);
+
+// The skin of a folder: its palette.txt and the names of its .svg files; it has no texts and no
+// model. Throws std::runtime_error (file:line: fault) when the palette cannot be read.
 Skin readSkin(const std::string &folder);
 
 } // namespace velmora::formc

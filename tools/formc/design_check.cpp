@@ -22,6 +22,9 @@ public:
         checkInside(design_.form);
         for (const Thing *thing : design_.all())
             checkBonds(*thing);
+        checkAnswers(design_.form);
+        for (const Thing *thing : design_.all())
+            checkAnswers(*thing);
     }
 
 private:
@@ -60,6 +63,11 @@ private:
             fault(thing.line, "'" + thing.name + "' has both a text and lines");
         if (thing.has("line") && !thing.has("multiline"))
             fault(thing.line, "'" + thing.name + "' has lines but is not multiline");
+        if (thing.has("separator") && thing.has("click"))
+            fault(thing.line, "the separator '" + thing.name + "' cannot be clicked");
+        if (const Setting *picture = thing.find("picture");
+            picture != nullptr && !picture->fromForm.empty() && kind != kinds::image)
+            fault(picture->line, "the skin hands pictures to images alone");
         if (thing.has("separator") && !thing.children.empty())
             fault(thing.line, "the separator '" + thing.name + "' has entries");
     }
@@ -76,6 +84,19 @@ private:
             if (!isThere)
                 fault(setting.line, "'" + std::string(setting.row->word) + "': no other control '" +
                                         setting.word + "' in this form");
+        }
+    }
+
+    void checkAnswers(const Thing &thing) {
+        for (const Setting &setting : thing.settings) {
+            if (setting.row->shape != Shape::Answer)
+                continue;
+            const std::string routine = routineOf(thing, setting);
+            for (const Thing *other : design_.all())
+                if (other->name == routine)
+                    fault(setting.line, "'" + std::string(setting.row->word) + "': '" + routine +
+                                            "' is the control of line " +
+                                            std::to_string(other->line));
         }
     }
 

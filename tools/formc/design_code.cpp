@@ -1,5 +1,6 @@
 #include "design_code.h"
 
+#include "design_relations.h"
 #include "design_rows.h"
 #include "literals.h"
 
@@ -61,7 +62,8 @@ private:
     }
 
     void apply(const Setting &setting, Phase phase, const std::string &target) {
-        if (setting.row->phase != phase || setting.row->call.empty())
+        if (setting.row->phase != phase || setting.row->call.empty() ||
+            setting.row->shape == Shape::Answer)
             return;
         const std::string text = statement(setting); // may write a font's line first
         out_ << "    " << target << text << ";\n";
@@ -116,6 +118,8 @@ private:
         case Shape::Point:
         case Shape::Extent:
             break; // placed together by `place`
+        case Shape::Answer:
+            break; // wired by `wire`
         }
         return {};
     }
@@ -212,13 +216,18 @@ std::string writeHeader(const Design &design, const std::string &path) {
     out << "\nnamespace velmora {\n";
     if (speaks)
         out << "\nnamespace texts {\ntemplate <typename Owner> struct Row;\n}\n";
+    if (const Handed handed(design); !handed.empty() && handed.model() != design.form.name)
+        out << "\nclass " << handed.model() << "_Design;\n";
     out << "\nclass " << name << " : public forms::Form {\npublic:\n"
         << "    explicit " << name << "(forms::Host &windows);\n"
         << "    ~" << name << "() override;\n\n";
     if (speaks)
         out << "    static std::span<const texts::Row<" << name << ">> languageRows();\n\n";
+    const Handed handed(design);
+    if (!handed.empty())
+        out << handed.declaration();
     writeMembers(design.form, "*this", out);
-    out << "};\n\n} // namespace velmora\n";
+    out << answersOf(design, path) << "};\n\n} // namespace velmora\n";
     return out.str();
 }
 
@@ -246,8 +255,13 @@ std::string writeSource(const Design &design, const std::string &path) {
     out << "// Generated from src/" << path << ".form by formc.\n"
         << "#include \"" << path << ".design.h\"\n";
     const LanguageRows rows(design);
+    const Handed handed(design);
+    if (!rows.empty() || !handed.empty())
+        out << '\n';
     if (!rows.empty())
-        out << "\n#include \"settings/language_rows.h\"\n";
+        out << "#include \"settings/language_rows.h\"\n";
+    if (!handed.empty())
+        out << "#include \"settings/skin_parts.h\"\n";
     out << "\nnamespace velmora {\n\n";
     if (body.usesFonts())
         out << makeFont;
@@ -256,6 +270,7 @@ std::string writeSource(const Design &design, const std::string &path) {
     out << name << "::" << name << "(forms::Host &windows)\n    : forms::Form(windows, \""
         << design.form.name << "\") {\n"
         << statements.str() << "}\n\n"
+        << (handed.empty() ? "" : handed.definition())
         << "// The window goes first: it must not be told of each control that follows.\n"
         << name << "::~" << name << "() { dropWindow(); }\n\n} // namespace velmora\n";
     return out.str();

@@ -50,10 +50,11 @@ enum class Shape : std::uint8_t {
     Shown,   // one string, or @ENTRY of the texts
     Font,    // "NAME" POINTS [bold] [italic] [underline] [strike]
     Colour,  // @palette name or 0xBBGGRR
-    Picture, // name of a drawing
+    Picture, // name of a drawing [from FORM.IMAGE, which the skin hands it out from]
     Align,   // left right centre
-    Pointer, // hand hourglass
+    Pointer, // hand hourglass; hand [from FORM]
     Control, // the name of another control of the form
+    Answer,  // the routine that answers the event; without, NAME_EVENT
 };
 
 // When a setting takes effect in the generated constructor: looks first, then the place, then what
@@ -64,7 +65,7 @@ struct PropertyRow {
     std::string_view word;
     Shape shape = Shape::Flag;
     KindSet kinds = 0;
-    // The call on the control: a flag's whole call, else the setter's name.
+    // The call on the control: a flag's whole call, else the setter's name; of an answer the event.
     std::string_view call;
     Phase phase = Phase::Look;
     std::int64_t min = 0;

@@ -110,12 +110,37 @@ std::string readColour(const Values &values, const Skin &skin, Setting &setting)
     return "expects a colour, @NAME or 0xBBGGRR";
 }
 
+// The end of a value that the skin hands out: from FORM or from FORM.IMAGE.
+std::string readSource(const Values &values, const Skin &skin, Setting &setting) {
+    if (values.size() != 3 || values[1].word != "from" || !isWord(values[2]))
+        return "expects one name, and behind it 'from' and the form it is handed out from";
+    const std::string &source = values[2].word;
+    const auto dot = std::min(source.find('.'), source.size());
+    if (source.substr(0, dot) != skin.model)
+        return "nothing is handed out from " + inQuotes(source.substr(0, dot));
+    setting.fromForm = skin.model;
+    setting.fromImage = dot < source.size() ? source.substr(dot + 1) : "";
+    return {};
+}
+
+std::string readPictureSource(const Values &values, const Skin &skin, Setting &setting) {
+    if (auto fault = readSource(values, skin, setting); !fault.empty())
+        return fault;
+    const auto image = skin.modelPictures.find(setting.fromImage);
+    if (image == skin.modelPictures.end())
+        return inQuotes(skin.model) + " has no image " + inQuotes(setting.fromImage);
+    return image->second == setting.word
+               ? ""
+               : inQuotes(values[2].word) + " has the picture " + inQuotes(image->second);
+}
+
 std::string readPicture(const Values &values, const Skin &skin, Setting &setting) {
-    if (values.size() != 1 || !isWord(values[0]))
+    if (values.empty() || !isWord(values[0]))
         return "expects the name of a picture";
     setting.word = values[0].word;
-    return skin.pictures.contains(setting.word) ? ""
-                                                : "there is no picture " + inQuotes(setting.word);
+    if (!skin.pictures.contains(setting.word))
+        return "there is no picture " + inQuotes(setting.word);
+    return values.size() == 1 ? "" : readPictureSource(values, skin, setting);
 }
 
 std::string readChoice(const Values &values, std::initializer_list<std::string_view> choices,
@@ -129,6 +154,24 @@ std::string readChoice(const Values &values, std::initializer_list<std::string_v
     for (const auto choice : choices)
         list += (list.empty() ? "" : ", ") + std::string(choice);
     return "expects one of " + list;
+}
+
+std::string readPointer(const Values &values, const Skin &skin, Setting &setting) {
+    if (values.size() <= 1 || values[0].word != "hand")
+        return readChoice(values, {"hand", "hourglass"}, setting);
+    setting.word = values[0].word;
+    if (auto fault = readSource(values, skin, setting); !fault.empty())
+        return fault;
+    return setting.fromImage.empty() ? "" : "the hand is of " + inQuotes(skin.model) + " itself";
+}
+
+std::string readAnswer(const Values &values, Setting &setting) {
+    if (values.empty())
+        return {};
+    if (values.size() != 1 || !isWord(values[0]))
+        return "expects the name of a routine, or nothing";
+    setting.word = values[0].word;
+    return faultOfName(setting.word);
 }
 
 // Whether there is one of that name is seen when all are read.
@@ -165,9 +208,11 @@ std::string readShape(const PropertyRow &row, const Values &values, const Skin &
     case Shape::Align:
         return readChoice(values, {"left", "right", "centre"}, setting);
     case Shape::Pointer:
-        return readChoice(values, {"hand", "hourglass"}, setting);
+        return readPointer(values, skin, setting);
     case Shape::Control:
         return readControl(values, setting);
+    case Shape::Answer:
+        return readAnswer(values, setting);
     }
     return "unknown shape";
 }

@@ -1,12 +1,12 @@
 // Compiles a form's design, or the texts that follow the language, into source text.
 //
 //   velmora_formc DESIGN.form --folder FOLDER --skin SKIN_FOLDER --texts TEXTS_FOLDER
-//                 [--header FILE --source FILE]
+//                 [--model MODEL.form] [--header FILE --source FILE]
 //   velmora_formc --texts TEXTS_FOLDER [--constants FILE --header FILE --source FILE]
 //
-// FOLDER is the design's folder below src. Without outputs it only checks. A file is written only
-// when its text has changed. All faults are reported, one a line as file:line: fault, and the exit
-// status is 1; 2 means that the command line was wrong.
+// FOLDER is the design's folder below src, MODEL.form what the skin hands out from. Without outputs
+// it only checks. A file is written only when its text has changed. All faults are reported, one a
+// line as file:line: fault, and the exit status is 1; 2 means that the command line was wrong.
 
 #include "design.h"
 #include "design_code.h"
@@ -55,7 +55,8 @@ bool parseArguments(int count, char **values, Options &options) {
         if (!argument.starts_with("--")) {
             options["design"] = argument;
         } else if (argument == "--folder" || argument == "--skin" || argument == "--texts" ||
-                   argument == "--constants" || argument == "--header" || argument == "--source") {
+                   argument == "--model" || argument == "--constants" || argument == "--header" ||
+                   argument == "--source") {
             if (++i == count)
                 return false;
             options[argument.substr(2)] = values[i];
@@ -83,7 +84,10 @@ int compileTexts(const TextTable &table, Options &options) {
 
 int compileDesign(const TextTable &table, Options &options) {
     const std::string &file = options["design"];
-    Design design = parseDesign(readFile(file), withTexts(readSkin(options["skin"]), table));
+    Skin skin = withTexts(readSkin(options["skin"]), table);
+    if (options.contains("model"))
+        skin = withModel(std::move(skin), options["model"]);
+    Design design = parseDesign(readFile(file), skin);
     if (design.form.name != std::filesystem::path(file).stem().string())
         design.faults.push_back({design.form.line, "the form must have the name of its file"});
     for (const Fault &fault : design.faults)
@@ -102,7 +106,7 @@ int main(int count, char **values) {
     Options options;
     if (!parseArguments(count, values, options)) {
         std::cerr << "usage: velmora_formc DESIGN.form --folder FOLDER --skin SKIN_FOLDER "
-                     "--texts TEXTS_FOLDER [--header FILE --source FILE]\n"
+                     "--texts TEXTS_FOLDER [--model MODEL.form] [--header FILE --source FILE]\n"
                      "       velmora_formc --texts TEXTS_FOLDER "
                      "[--constants FILE --header FILE --source FILE]\n";
         return 2;

@@ -106,9 +106,11 @@ std::optional<QImage> designImage(const std::string &name, const Options &option
     std::ifstream in(*path, std::ios::binary);
     std::ostringstream text;
     text << in.rdbuf();
-    formc::Design design = formc::parseDesign(
-        text.str(), formc::withTexts(formc::readSkin(VELMORA_SOURCE "/assets/skin"),
-                                     formc::readTexts(VELMORA_SOURCE "/assets/texts")));
+    const formc::Skin skin =
+        formc::withModel(formc::withTexts(formc::readSkin(VELMORA_SOURCE "/assets/skin"),
+                                          formc::readTexts(VELMORA_SOURCE "/assets/texts")),
+                         VELMORA_SOURCE "/src/playback/Main.form");
+    formc::Design design = formc::parseDesign(text.str(), skin);
     for (const formc::Fault &fault : design.faults)
         std::cerr << path->string() << ':' << fault.line << ": " << fault.text << '\n';
     if (!design.faults.empty() || !adapt(design.form, options))

@@ -35,7 +35,9 @@ Design load(const std::filesystem::path &path) {
     std::ifstream in(path, std::ios::binary);
     std::ostringstream text;
     text << in.rdbuf();
-    return parseDesign(text.str(), withTexts(readSkin((root / "assets/skin").string()), texts()));
+    const Skin skin = withModel(withTexts(readSkin((root / "assets/skin").string()), texts()),
+                                (root / "src/playback/Main.form").string());
+    return parseDesign(text.str(), skin);
 }
 
 class EveryDesign : public ::testing::TestWithParam<std::filesystem::path> {};
