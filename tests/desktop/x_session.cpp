@@ -112,8 +112,7 @@ XSession::XSession(XSessionOptions options) : options_(options) {
     for (const char *folder : {"config", "data", "cache", "run"})
         std::filesystem::create_directory(home_ + "/" + folder);
     std::filesystem::permissions(home_ + "/run", std::filesystem::perms::owner_all);
-    running_ = startServer() && (!options_.bus || startBus()) &&
-               (!options_.windowManager || startWindowManager());
+    running_ = startServer() && (!options_.windowManager || startWindowManager());
 }
 
 XSession::~XSession() {
@@ -137,8 +136,6 @@ std::vector<std::string> XSession::environment() const {
     result.push_back("XDG_CACHE_HOME=" + home_ + "/cache");
     result.push_back("XDG_RUNTIME_DIR=" + home_ + "/run");
     result.emplace_back("LC_ALL=C.UTF-8");
-    if (!bus_.empty())
-        result.push_back("DBUS_SESSION_BUS_ADDRESS=" + bus_);
     return result;
 }
 
@@ -171,24 +168,6 @@ bool XSession::startServer() {
     close(numbers[0]);
     display_ = ":" + number;
     return !number.empty();
-}
-
-bool XSession::startBus() {
-    int address[2];
-    if (pipe2(address, O_CLOEXEC) != 0)
-        return false;
-    const pid_t process = spawn(
-        // Its socket goes with the session's folder: a bus that is killed leaves it where it is.
-        {"dbus-daemon", "--session", "--nofork", "--print-address=" + std::to_string(address[1]),
-         "--address=unix:dir=" + home_ + "/run"},
-        environment(), -1, address[1]);
-    close(address[1]);
-    if (process > 0) {
-        children_.push_back(process);
-        bus_ = readLine(address[0]);
-    }
-    close(address[0]);
-    return !bus_.empty();
 }
 
 bool XSession::startWindowManager() {

@@ -15,7 +15,6 @@ struct XSessionOptions {
     int width = 1280;
     int height = 800;
     bool windowManager = true;
-    bool bus = false; // a session bus of its own
 };
 
 // Starts in the constructor and ends everything in the destructor.
@@ -47,14 +46,12 @@ public:
 
 private:
     bool startServer();
-    bool startBus();
     bool startWindowManager();
     std::vector<std::string> environment() const;
 
     XSessionOptions options_;
     std::string home_;
     std::string display_;
-    std::string bus_; // its address
     std::vector<pid_t> children_;
     pid_t server_ = -1;
     pid_t compositor_ = -1;
