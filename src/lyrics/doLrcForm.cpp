@@ -24,26 +24,8 @@ void doLrcForm::load() {
     // The list of this window shows as many rows as the play list.
     attachScrollBar({P1, P2, P3, P4, lrcList}, app_.formSet(),
                     [this] { return app_.playList_Form().visibleRows; });
-    setHandlers();
+    wire(*this);
     setListHandlers();
-}
-
-void doLrcForm::setHandlers() {
-    struct Button {
-        forms::Control &control;
-        void (doLrcForm::*work)();
-    };
-    const Button buttons[] = {
-        {addTime_Label_Button, &doLrcForm::addTime_Label_Button_Click},
-        {delTime_Label_Button, &doLrcForm::delTime_Label_Button_Click},
-        {save_Button, &doLrcForm::save_Button_Click},
-        {anotherSave_Button, &doLrcForm::anotherSave_Button_Click},
-        {openFile_Button, &doLrcForm::openFile_Button_Click},
-        {list_Load, &doLrcForm::list_Load_Click},
-        {close, &doLrcForm::close_Click},
-    };
-    for (const Button &button : buttons)
-        button.control.on().Click = [this, work = button.work] { (this->*work)(); };
 }
 
 void doLrcForm::setListHandlers() {

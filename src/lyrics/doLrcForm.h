@@ -43,7 +43,6 @@ public:
     std::u16string savePath; // what the last open or save dialog answered
 
 private:
-    void setHandlers();
     void setListHandlers();
     void showRow();
     void released();

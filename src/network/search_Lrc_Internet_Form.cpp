@@ -69,11 +69,7 @@ void search_Lrc_Internet_Form::load() {
 }
 
 void search_Lrc_Internet_Form::setHandlers() {
-    close.on().Click = [this] { close_Click(); };
-    search_Button.on().Click = [this] { search_Button_Click(); };
-    save.on().Click = [this] { save_Click(); };
-    anotherSave.on().Click = [this] { anotherSave_Click(); };
-    goto_Internet.on().Click = [this] { goto_Internet_Click(); };
+    wire(*this);
     search_Lrc_List.on().DblClick = [this] {
         // An empty list takes double clicks too, for the windows that add to it so.
         if (search_Lrc_List.listIndex() >= 0)

@@ -49,12 +49,7 @@ void search_Song_Internet_Form::load() {
 }
 
 void search_Song_Internet_Form::setHandlers() {
-    close.on().Click = [this] { close_Click(); };
-    search_Button.on().Click = [this] { search_Button_Click(); };
-    save.on().Click = [this] { save_Click(); };
-    anotherSave.on().Click = [this] { anotherSave_Click(); };
-    goto_Internet.on().Click = [this] { goto_Internet_Click(); };
-    downFileStop.on().Click = [this] { downFileStop_Click(); };
+    wire(*this);
     search_Song_List.on().DblClick = [this] {
         if (search_Song_List.listIndex() >= 0)
             fetchIntoCache(Then::Play);

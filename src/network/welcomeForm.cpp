@@ -39,7 +39,7 @@ void welcomeForm::load() {
 }
 
 void welcomeForm::setHandlers() {
-    close.on().Click = [this] { close_Click(); };
+    wire(*this);
     provider.on().Click = [this] { openTag(provider); };
     Advertising.on().Click = [this] {
         if (!Advertising.tag().empty())
@@ -54,7 +54,6 @@ void welcomeForm::setHandlers() {
         if (load_Failed)
             Start(false);
     };
-    autoShow.on().Click = [this] { autoShow_Click(); };
     Timer1.onTimer = [this] { tick(); };
 }
 

@@ -51,6 +51,7 @@ public:
     // is to blame for.
     void Start(bool silent);
     void close_Click();
+    void autoShow_Click();
 
     bool fetch_Welcome();
     // Title, provider, tabs, styling and banner. False where something that has to be there is not.
@@ -72,7 +73,6 @@ private:
     static constexpr std::int32_t tabs = 3;
 
     void setHandlers();
-    void autoShow_Click();
     void showTab(std::size_t tab);
     void giveUp(std::u16string_view text, bool isTold);
     bool checkVersion();

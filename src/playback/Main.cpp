@@ -31,7 +31,7 @@ Main::Main(Velmora &app) : Main_Design(app.platform().windows), app_(app) {}
 
 void Main::load() {
     passOver([this] { app_.formSet().set_ColourKey(*this); });
-    setClickHandlers();
+    wire(*this);
     setBarHandlers();
     setDragHandlers();
     on().KeyDown = [this](forms::KeyEvent &key) {
@@ -44,40 +44,6 @@ void Main::load() {
     };
     Timer1.onTimer = [this] { tick(); };
     Timer2.onTimer = [this] { rollCaption(); };
-}
-
-void Main::setClickHandlers() {
-    struct Row {
-        forms::Control &control;
-        void (Main::*handler)();
-    };
-    const Row rows[] = {
-        {playButton, &Main::playButton_Click},
-        {pauseButton, &Main::pauseButton_Click},
-        {stopButton, &Main::stopButton_Click},
-        {nextButton, &Main::nextButton_Click},
-        {upButton, &Main::upButton_Click},
-        {openFile_Button, &Main::openFile_Button_Click},
-        {Volume_ICO, &Main::Volume_ICO_Click},
-        {closeButton, &Main::closeButton_Click},
-        {minimizeButton, &Main::minimizeButton_Click},
-        {mini_Button, &Main::mini_Button_Click},
-        {playListButton, &Main::playListButton_Click},
-        {song_GoTo_List, &Main::song_GoTo_List_Click},
-        {videoScreen_Button, &Main::videoScreen_Button_Click},
-        {playInfo, &Main::playInfo_Click},
-        {desktop_Lrc, &Main::desktop_Lrc_Click},
-        {do_Lrc, &Main::do_Lrc_Click},
-        {search_Lrc_Internet, &Main::search_Lrc_Internet_Click},
-        {search_Song_Internet, &Main::search_Song_Internet_Click},
-        {check_SoundDriver, &Main::check_SoundDriver_Click},
-        {playSet_Button, &Main::playSet_Button_Click},
-        {CopyRight_ICO, &Main::about_Click},
-        {link, &Main::link_Click},
-        {welcome, &Main::welcome_Click},
-    };
-    for (const Row &row : rows)
-        row.control.on().Click = [this, handler = row.handler] { (this->*handler)(); };
 }
 
 // --- start ---------------------------------------------------------------------------------------

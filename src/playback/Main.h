@@ -84,7 +84,6 @@ public:
     void choose_Channel(std::int16_t channel);
 
 private:
-    void setClickHandlers();
     void setBarHandlers();
     void setDragHandlers();
     void loadLastFile();

@@ -46,9 +46,7 @@ void MenuForm::load() {
         };
     }
     close.on().Click = [this] { app_.startLoad_Form().unload(); };
-    mode.on().Click = [this] { mode_Click(); };
-    about.on().Click = [this] { about_Click(); };
-    help.on().Click = [this] { help_Click(); };
+    wire(*this);
     loadListMenu();
 }
 

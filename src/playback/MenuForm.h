@@ -16,11 +16,12 @@ public:
     // Opens the player's menu for a window; not while an operation on the list is at work.
     void open_Menu(forms::Form &owner);
 
-private:
-    void loadListMenu();
     void mode_Click();
     void about_Click();
     void help_Click();
+
+private:
+    void loadListMenu();
 
     Velmora &app_;
 };

@@ -39,7 +39,7 @@ void VideoScreen_Form::load() {
 }
 
 void VideoScreen_Form::setClickHandlers() {
-    playButton.on().Click = [this] { playButton_Click(); };
+    wire(*this);
     pauseButton.on().Click = [this] { app_.Main().pauseButton_Click(); };
     stopButton.on().Click = [this] { app_.Main().stopButton_Click(); };
     nextButton.on().Click = [this] { app_.Main().nextButton_Click(); };
@@ -47,11 +47,6 @@ void VideoScreen_Form::setClickHandlers() {
     AudioSource_H.on().Click = [this] { app_.Main().choose_Channel(1); };
     AudioSource_L.on().Click = [this] { app_.Main().choose_Channel(2); };
     AudioSource_R.on().Click = [this] { app_.Main().choose_Channel(0); };
-    fullScreen_Button.on().Click = [this] { fullScreen_Button_Click(); };
-    fullScreen_imgButton.on().Click = [this] { fullScreen_Button_Click(); };
-    close.on().Click = [this] { close_Click(); };
-    videoScreen.on().DblClick = [this] { fullScreen_Button_Click(); };
-    videoScreen_Control.on().DblClick = [this] { fullScreen_Button_Click(); };
 }
 
 void VideoScreen_Form::setBarHandlers() {

@@ -28,6 +28,7 @@ public:
     // Fills the screen as it is now, if it filled the one before.
     void screen_Changed();
     void fullScreen_Button_Click();
+    void playButton_Click();
     // Places the title's label and its box.
     void set_Str_ControlVideo_Place();
 
@@ -38,7 +39,6 @@ private:
     void setClickHandlers();
     void setBarHandlers();
     void setDragHandlers();
-    void playButton_Click();
     void keyDown(const forms::KeyEvent &key);
     void spaceKey();
     void showTitleRow(bool visible);

@@ -82,10 +82,8 @@ check_SoundDriver_Form::check_SoundDriver_Form(Velmora &app)
 
 void check_SoundDriver_Form::load() {
     passOver([this] { app_.formSet().set_ColourKey(*this); });
-    app_.formSet().dress(
-        *this, {&title, &title_ICO}, [this] { close_Click(); });
-    close.on().Click = [this] { close_Click(); };
-    check.on().Click = [this] { check_Click(); };
+    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Click(); });
+    wire(*this);
 }
 
 std::int16_t check_SoundDriver_Form::get_CheckResult() {

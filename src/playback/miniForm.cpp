@@ -42,14 +42,12 @@ void miniForm::load() {
 }
 
 void miniForm::setClickHandlers() {
-    playButton.on().Click = [this] { playButton_Click(); };
+    wire(*this);
     pauseButton.on().Click = [this] { app_.player().pause_Sub(); };
-    stopButton.on().Click = [this] { stopButton_Click(); };
     nextButton.on().Click = [this] { app_.Main().nextButton_Click(); };
     upButton.on().Click = [this] { app_.Main().upButton_Click(); };
     desktop_Lrc.on().Click = [this] { app_.Main().desktop_Lrc_Click(); };
     playInfo.on().Click = [this] { app_.Main().playInfo_Click(); };
-    mini_Button.on().Click = [this] { mini_Button_Click(); };
     close.on().Click = [this] { app_.startLoad_Form().unload(); };
     auto_Hide_Lock_False.on().Click = [this] { lock(true); };
     auto_Hide_Lock_True.on().Click = [this] { lock(false); };

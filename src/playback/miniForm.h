@@ -23,6 +23,8 @@ public:
 
     // Back to the main window; the play list comes along if it was open.
     void mini_Button_Click();
+    void playButton_Click();
+    void stopButton_Click();
 
     // The stopped look; a part of Main's `stop_Sub`.
     void show_Stopped();
@@ -34,8 +36,6 @@ private:
     void setClickHandlers();
     void setBarHandlers();
     void setStripHandlers();
-    void playButton_Click();
-    void stopButton_Click();
     void lock(bool closed);
     void tick();
     void hideByPointer();

@@ -11,9 +11,8 @@ another_PlayInfo_Form::another_PlayInfo_Form(Velmora &app)
 
 void another_PlayInfo_Form::load() {
     app_.formSet().set_ColourKey(*this);
-    app_.formSet().dress(
-        *this, {&title, &title_ICO}, [this] { close_Click(); });
-    close.on().Click = [this] { close_Click(); };
+    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Click(); });
+    wire(*this);
 }
 
 void another_PlayInfo_Form::close_Click() {

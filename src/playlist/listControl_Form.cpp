@@ -20,13 +20,7 @@ listControl_Form::listControl_Form(Velmora &app)
 void listControl_Form::load() {
     app_.formSet().set_ColourKey(*this);
     app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Box(); });
-    setHandlers();
-}
-
-void listControl_Form::setHandlers() {
-    OK.on().Click = [this] { OK_Click(); };
-    Cancel.on().Click = [this] { close_Box(); };
-    close.on().Click = [this] { close_Box(); };
+    wire(*this);
 }
 
 void listControl_Form::OK_Click() {

@@ -26,8 +26,6 @@ public:
     void clear_Box();
 
 private:
-    void setHandlers();
-
     Velmora &app_;
 };
 

@@ -19,11 +19,8 @@ playInfo_Form::playInfo_Form(Velmora &app)
 
 void playInfo_Form::load() {
     app_.formSet().set_ColourKey(*this);
-    app_.formSet().dress(
-        *this, {&title, &title_ICO}, [this] { close_Click(); });
-    close.on().Click = [this] { close_Click(); };
-    anotherInfo_Button.on().Click = [this] { anotherInfo_Button_Click(); };
-    openLrcFile.on().Click = [this] { openLrcFile_Click(); };
+    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Click(); });
+    wire(*this);
     Timer1.onTimer = [this] { tick(); };
 }
 

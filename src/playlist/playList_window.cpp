@@ -59,7 +59,7 @@ void playList_Form::setHandlers() {
                 (this->*work)();
         };
     }
-    close.on().Click = [this] { close_Click(); };
+    wire(*this);
     forms::ControlEvents &list = playList_Item.on();
     list.DblClick = [this] { playThis(); };
     list.KeyDown = [this](forms::KeyEvent &event) {

@@ -19,8 +19,8 @@ void playSetForm::load() {
     passOver([this] { app_.formSet().set_ColourKey(*this); });
     layPages();
     app_.formSet().dress(*this, {&title, &title_ICO}, [this] { leave(); });
+    wire(*this);
     setTabHandlers();
-    setButtonHandlers();
     listenForKeys(*this);
 }
 
@@ -41,33 +41,7 @@ void playSetForm::setTabHandlers() {
     lrcSet.on().Click = [this] { showPage(lrc_Frame); };
     folderSet.on().Click = [this] { showPage(folder_Frame); };
     languageSet.on().Click = [this] { showPage(Language_Frame); };
-    help.on().Click = [this] { help_Click(); };
     Shortcuts.on().Click = [this] { showPage(Shortcuts_Frame); };
-}
-
-void playSetForm::setButtonHandlers() {
-    struct Row {
-        forms::Control &control;
-        void (playSetForm::*handler)();
-    };
-    const Row rows[] = {
-        {isAutoPlay, &playSetForm::isAutoPlay_Click},
-        {desktop_Lrc_Font_Button, &playSetForm::desktop_Lrc_Font_Button_Click},
-        {desktop_Lrc_FroeColor_Button, &playSetForm::desktop_Lrc_FroeColor_Button_Click},
-        {other_Lrc_Font_Button, &playSetForm::other_Lrc_Font_Button_Click},
-        {other_Lrc_FroeColor_Button, &playSetForm::other_Lrc_FroeColor_Button_Click},
-        {save_Lrc_Path_Image, &playSetForm::save_Lrc_Path_Image_Click},
-        {save_PlayList_Path_Image, &playSetForm::save_PlayList_Path_Image_Click},
-        {save_PlayCache_Path_Image, &playSetForm::save_PlayCache_Path_Image_Click},
-        {abount, &playSetForm::abount_Click},
-        {playSet_Resume, &playSetForm::playSet_Resume_Click},
-        {yy, &playSetForm::yy_Click},
-        {qd, &playSetForm::qd_Click},
-        {qx, &playSetForm::qx_Click},
-        {close, &playSetForm::close_Click},
-    };
-    for (const Row &row : rows)
-        row.control.on().Click = [this, handler = row.handler] { (this->*handler)(); };
 }
 
 // A key goes to the control that has the focus, or else to the first that can have it, and each

@@ -53,7 +53,6 @@ public:
 private:
     void layPages();
     void setTabHandlers();
-    void setButtonHandlers();
     void listenForKeys(forms::Container &container);
     void keyDown(forms::KeyEvent &key);
     void showPage(const forms::Frame &page);

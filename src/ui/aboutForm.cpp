@@ -15,9 +15,8 @@ aboutForm::aboutForm(Velmora &app) : aboutForm_Design(app.platform().windows), a
 
 void aboutForm::load() {
     passOver([this] { app_.formSet().set_ColourKey(*this); });
-    app_.formSet().dress(
-        *this, {&title, &title_ICO}, [this] { close_Click(); });
-    close.on().Click = [this] { close_Click(); };
+    app_.formSet().dress(*this, {&title, &title_ICO}, [this] { close_Click(); });
+    wire(*this);
     // A mail line shows the address that it writes to.
     for (forms::Label *line : {&email, &Cooperation_Email})
         line->on().Click = [this, line] { app_.saveOrOpenFile().mailTo(line->caption()); };

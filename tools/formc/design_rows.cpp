@@ -56,7 +56,6 @@ constexpr std::array propertyTable{
     PropertyRow{"tab", Shape::Control, button, "setBond(forms::Bond::Tab, "},
     PropertyRow{"click", Shape::Answer, controls | menu, "Click"},
     PropertyRow{"dblclick", Shape::Answer, controls, "DblClick"},
-    PropertyRow{"keydown", Shape::Answer, form | controls, "KeyDown"},
     PropertyRow{"tag", Shape::Text, controls | timer | menu, "setTag"},
     PropertyRow{"fore", Shape::Colour, label | listBox | textBox | progress, "setForeColor"},
     PropertyRow{"back", Shape::Colour, form | label | pictureBox | listBox | textBox | progress,

@@ -1,6 +1,8 @@
 // The designs as a whole: every text has room in all four languages, nothing lies over its
 // neighbour, and the measures that windows share are the same on all of them.
 
+#include "design.h"
+#include "design_rows.h"
 #include "lyrics/doLrcForm.h"
 #include "lyrics/lrcForm.h"
 #include "network/search_Lrc_Internet_Form.h"
@@ -24,8 +26,11 @@
 
 #include <QGuiApplication>
 
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <set>
+#include <sstream>
 
 namespace velmora {
 namespace {
@@ -123,6 +128,38 @@ TEST_F(Designs, EveryTextHasRoomInEveryLanguage) {
                     << languages[language] << ' ' << form->name() << '.' << control.name();
             });
     }
+}
+
+// The wiring is written by formc; each form has to ask for it.
+TEST_F(Designs, WhoAnswersInTheDesignDoesAnswer) {
+    const std::filesystem::path source = VELMORA_SOURCE_DIR "/src";
+    const formc::Skin skin = formc::readSkin(VELMORA_SOURCE_DIR "/assets/skin");
+    std::map<std::string, formc::Design> designs;
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(source)) {
+        if (entry.path().extension() != ".form")
+            continue;
+        std::ostringstream text;
+        text << std::ifstream(entry.path()).rdbuf();
+        designs[entry.path().stem().string()] = formc::parseDesign(text.str(), skin);
+    }
+    int answers = 0;
+    std::vector<forms::Form *> all = allForms();
+    all.push_back(&app.MenuForm());
+    for (forms::Form *form : all) {
+        std::map<std::string_view, const forms::ControlEvents *> events;
+        eachControl(*form, [&](Control &control) { events[control.name()] = control.events(); });
+        for (const formc::Thing *thing : designs.at(form->name()).all())
+            for (const char *event : {"click", "dblclick"}) {
+                if (!thing->has(event))
+                    continue;
+                ++answers;
+                const forms::ControlEvents *given = events[thing->name];
+                ASSERT_NE(given, nullptr) << form->name() << '.' << thing->name;
+                EXPECT_TRUE(event == std::string_view("click") ? given->Click : given->DblClick)
+                    << form->name() << '.' << thing->name << ' ' << event;
+            }
+    }
+    EXPECT_GT(answers, 70);
 }
 
 TEST_F(Designs, TheQuestionsOfTheInputBoxHaveRoomInEveryLanguage) {
