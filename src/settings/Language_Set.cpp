@@ -22,8 +22,6 @@
 #include "ui/marquee.h"
 #include "velmora.h"
 
-#include <initializer_list>
-
 namespace velmora {
 
 namespace {
@@ -47,7 +45,7 @@ template <typename Form> void settleGreeting(Form &window) {
 }
 
 // The long texts stand in a box for each language; one of each kind shows.
-void showOne(std::int32_t index, std::initializer_list<forms::TextBox *> boxes) {
+void showOne(std::int32_t index, const playSetForm::OfEachLanguage<forms::TextBox> &boxes) {
     std::int32_t language = 0;
     for (forms::TextBox *box : boxes)
         box->setVisible(language++ == index);
@@ -111,10 +109,8 @@ void Language_Set::language_playSetForm() {
         return;
     const std::int32_t index = app_.setControl().Language_Index;
     velmora::playSetForm &form = app_.playSetForm();
-    showOne(index, {&form.helpShow_Chinese, &form.helpShow_English, &form.helpShow_French,
-                    &form.helpShow_Japanese});
-    showOne(index, {&form.Shortcuts_Show_Chinese, &form.Shortcuts_Show_English,
-                    &form.Shortcuts_Show_French, &form.Shortcuts_Show_Japanese});
+    showOne(index, form.helpTexts());
+    showOne(index, form.shortcutTexts());
 }
 
 // What lrcForm shows in place of a line.

@@ -29,11 +29,26 @@ void playSetForm::layPages() {
     for (forms::Frame *page :
          {&Language_Frame, &help_Frame, &Shortcuts_Frame, &lrc_Frame, &folder_Frame})
         page->move(playFrame.place());
-    for (forms::TextBox *box : {&helpShow_English, &helpShow_French, &helpShow_Japanese})
+    for (forms::TextBox *box : helpTexts())
         box->move(helpShow_Chinese.place());
-    for (forms::TextBox *box :
-         {&Shortcuts_Show_English, &Shortcuts_Show_French, &Shortcuts_Show_Japanese})
+    for (forms::TextBox *box : shortcutTexts())
         box->move(Shortcuts_Show_Chinese.place());
+}
+
+// One of too few does not compile.
+playSetForm::OfEachLanguage<forms::OptionButton> playSetForm::languageChoices() {
+    return std::to_array(
+        {&Language_China, &Language_English, &Language_French, &Language_Japanese});
+}
+
+playSetForm::OfEachLanguage<forms::TextBox> playSetForm::helpTexts() {
+    return std::to_array(
+        {&helpShow_Chinese, &helpShow_English, &helpShow_French, &helpShow_Japanese});
+}
+
+playSetForm::OfEachLanguage<forms::TextBox> playSetForm::shortcutTexts() {
+    return std::to_array({&Shortcuts_Show_Chinese, &Shortcuts_Show_English, &Shortcuts_Show_French,
+                          &Shortcuts_Show_Japanese});
 }
 
 void playSetForm::setTabHandlers() {
@@ -71,10 +86,9 @@ void playSetForm::showPage(const forms::Frame &page) {
 void playSetForm::help_Click() { showPage(help_Frame); }
 
 void playSetForm::language_Load(std::int32_t index) {
-    forms::OptionButton *const choices[] = {&Language_China, &Language_English, &Language_French,
-                                            &Language_Japanese};
-    for (std::int32_t i = 0; i < static_cast<std::int32_t>(std::size(choices)); ++i)
-        choices[i]->setValue(i == index);
+    std::int32_t language = 0;
+    for (forms::OptionButton *choice : languageChoices())
+        choice->setValue(language++ == index);
 }
 
 void playSetForm::isAutoPlay_Click() {

@@ -7,7 +7,9 @@
 // folders and the previews never are.
 
 #include "settings/playSetForm.design.h"
+#include "settings/texts.h"
 
+#include <array>
 #include <cstdint>
 
 namespace velmora {
@@ -18,6 +20,13 @@ class playSetForm : public playSetForm_Design {
 public:
     explicit playSetForm(Velmora &app);
     void load();
+
+    // What there is of each language, in the order of the stored numbers: its choice, and the boxes
+    // of its long texts, which lie over one another.
+    template <typename Kind> using OfEachLanguage = std::array<Kind *, texts::languageCount>;
+    OfEachLanguage<forms::OptionButton> languageChoices();
+    OfEachLanguage<forms::TextBox> helpTexts();
+    OfEachLanguage<forms::TextBox> shortcutTexts();
 
     // Shows one page.
     void help_Click();

@@ -54,8 +54,7 @@ void playSetForm::takeChoices() {
             settings.PlayMode = static_cast<std::int16_t>(i);
     settings.VideoInterface = openVideo_Interface.value() == 1 ? 1 : 0;
 
-    const forms::OptionButton *const languages[] = {&Language_China, &Language_English,
-                                                    &Language_French, &Language_Japanese};
+    const auto languages = languageChoices();
     for (std::size_t i = 0; i < std::size(languages); ++i)
         if (languages[i]->value())
             settings.Language = static_cast<std::int16_t>(i);
