@@ -318,7 +318,7 @@ class Recorder:
         return any(abs(int.from_bytes(block[i:i + 2], "little", signed=True)) > floor
                    for i in range(0, len(block), 2))
 
-    def first(self, since, loud=True, seconds=10.0, run=1):
+    def first(self, since, loud=True, seconds=20.0, run=1):
         """Milliseconds from `since` to the first of `run` blocks in a row that are loud (or not)."""
         def look():
             count = 0

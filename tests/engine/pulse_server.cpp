@@ -166,7 +166,7 @@ bool PulseServer::start() {
         return running();
     }
     pid_ = spawn(arguments, environment, -1);
-    const auto limit = std::chrono::steady_clock::now() + 10s;
+    const auto limit = std::chrono::steady_clock::now() + 60s;
     while (std::chrono::steady_clock::now() < limit) {
         if (accepts(socketPath())) {
             putFirst(pid_); // it has put itself back while it started
@@ -228,7 +228,7 @@ SilentPlayer::SilentPlayer(const PulseServer &server, int latencyMs)
     : pid_(spawn({"pacat", "-s", server.address(), "-d", server.sinkName(),
                   "--latency-msec=" + std::to_string(latencyMs), "/dev/zero"},
                  {{"HOME", server.directory()}}, -1)) {
-    const auto limit = std::chrono::steady_clock::now() + 10s;
+    const auto limit = std::chrono::steady_clock::now() + 60s;
     while (!server.sinkPlays()) {
         if (std::chrono::steady_clock::now() >= limit) {
             endProcess(pid_);
@@ -257,7 +257,7 @@ MonitorRecorder::MonitorRecorder(const PulseServer &server, int latencyMs) : rat
     close(ends[1]);
     pipe_ = ends[0];
     reader_ = std::thread(&MonitorRecorder::read, this);
-    if (waitForFrames(1, 10000))
+    if (waitForFrames(1, 60000))
         return;
     endProcess(pid_);
     reader_.join();

@@ -24,7 +24,7 @@ std::string readDisplay(int pipe) {
     std::string number;
     pollfd ready{pipe, POLLIN, 0};
     char digit = 0;
-    while (poll(&ready, 1, 10'000) > 0 && read(pipe, &digit, 1) == 1) {
+    while (poll(&ready, 1, 60'000) > 0 && read(pipe, &digit, 1) == 1) {
         if (digit == '\n')
             return ":" + number;
         number += digit;

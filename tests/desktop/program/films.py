@@ -149,7 +149,7 @@ class FilmTest(PlayerTest):
         self.assertTrue(window, "the video window does not come up")
         return player, main, window
 
-    def video(self, player, size=(WIDTH, HEIGHT), seconds=10):
+    def video(self, player, size=(WIDTH, HEIGHT), seconds=30):
         def look():
             return next((number for number in player.windows()
                          if player.size(number) == size), None)
@@ -173,7 +173,7 @@ class FilmTest(PlayerTest):
                         return False
         return True
 
-    def assert_stretched(self, rect, seconds=8):
+    def assert_stretched(self, rect, seconds=30):
         def seen():
             left, top, width, height = rect
             return [self.session.pixel(left + width * (number + 0.5) / 4, top + height * 0.4)
@@ -196,10 +196,10 @@ class FilmTest(PlayerTest):
         """Whether the main window, brought forward, has its button for the video window."""
         player.tool("windowactivate", "--sync", main)
         self.assertTrue(
-            wait_for(lambda: (len(set(player.look(main, "videoScreen_Button"))) > 8) == there, 5),
+            wait_for(lambda: (len(set(player.look(main, "videoScreen_Button"))) > 8) == there),
             "the button for the video window is " + ("not " if there else "") + "there")
 
-    def assert_moves(self, rect, seconds=5):
+    def assert_moves(self, rect, seconds=15):
         before = self.mark(rect)
         self.assertTrue(wait_for(lambda: (self.mark(rect) or 0) > (before or 0) + 0.01, seconds),
                         f"the picture stands still at {before}")
@@ -210,7 +210,7 @@ class FilmTest(PlayerTest):
             before = self.mark(rect)
             time.sleep(0.3)  # several frames: this is the condition itself
             return before is not None and self.mark(rect) == before
-        self.assertTrue(wait_for(look, 5), "the picture goes on")
+        self.assertTrue(wait_for(look, 15), "the picture goes on")
 
     def recorder(self):
         recorder = Recorder(self.session)

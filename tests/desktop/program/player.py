@@ -462,7 +462,7 @@ class PlayerTest(unittest.TestCase):
         self.assertTrue(wait_for(lambda: text in player.title(window), seconds),
                         f"the title never shows {text!r} but {player.title(window)!r}")
 
-    def now_playing(self, recorder, seconds=10, loud_blocks=20):
+    def now_playing(self, recorder, seconds=30, loud_blocks=20):
         """The frequency of the last quarter second, once it is loud all through."""
         def look():
             blocks = [block for _, block in recorder.blocks[-loud_blocks:]]

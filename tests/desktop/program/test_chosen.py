@@ -48,6 +48,15 @@ class ChosenTest(ListTest):
     def wait_for_the_next(self, player, main):
         self.assert_title(player, main, "track 1", 60)
 
+    @contextlib.contextmanager
+    def held(self, player):
+        """What is sent while the program is held is there at its first look for events."""
+        os.kill(player.child.pid, signal.SIGSTOP)
+        try:
+            yield
+        finally:
+            os.kill(player.child.pid, signal.SIGCONT)
+
     @staticmethod
     def right_click_ground(player, rows):
         player.click_at(rows, LIST["form"][2] / 2, -4, button=3)
@@ -155,14 +164,18 @@ class LongDeletion(ChosenTest):
         self.click_row(player, rows, 4)
         self.session.key("shift+End", rows)
         self.session.key("shift+Delete", rows)
-        self.answer(player, "y", SURE)
-        self.assertTrue(wait_for(lambda: not os.path.exists(self.tracks[4]), 30), "nothing goes")
-        player.click(main, "playButton")
-        for key in ("F2", "F6", "F5", "F7", "F10"):
-            self.session.key(key, main)
-        player.click(main, "nextButton")
-        player.click(main, "song_GoTo_List")
-        self.answer(player, "y", SURE, seconds=120)  # the second question of the key
+        self.session.reply("y", self.assert_box(player, SURE))
+        self.assertTrue(wait_for(lambda: not os.path.exists(self.tracks[4]), 30, 0.001),
+                        "nothing goes")
+        # Were it through before they are sent, they would meet its second question.
+        with self.held(player):
+            self.assertTrue(os.path.exists(self.tracks[-1]), "it was through too early")
+            player.click(main, "playButton")
+            for key in ("F2", "F6", "F5", "F7", "F10"):
+                self.session.key(key, main)
+            player.click(main, "nextButton")
+            player.click(main, "song_GoTo_List")
+        self.answer(player, "y", SURE, seconds=400)  # the second question of the key
         self.assert_story(player, rows, self.tracks[:4])
         self.assert_on_disk(self.tracks[:4])
         self.assertFalse(any(os.path.exists(track) for track in self.tracks[4:]))
@@ -214,20 +227,10 @@ class Copying(ChosenTest):
 
 
 class AtOnce(ChosenTest):
-    """What is sent while the program is held is there at its first look for events."""
-
-    @contextlib.contextmanager
-    def held(self, player):
-        os.kill(player.child.pid, signal.SIGSTOP)
-        try:
-            yield
-        finally:
-            os.kill(player.child.pid, signal.SIGCONT)
-
     def wait_until_read(self, player, rows, live):
         """The first row was selected before, and is not when the list has been read."""
         self.assertTrue(wait_for(lambda: not self.is_selected(player, rows, 0), 30), "no reload")
-        self.assertTrue(wait_for(lambda: player.look(rows, "addFile", form=LIST) == live, 60),
+        self.assertTrue(wait_for(lambda: player.look(rows, "addFile", form=LIST) == live, 300),
                         "the list is not read to its end")
 
 

@@ -51,7 +51,7 @@ class Listening:
         samples = self.samples()
         return pitch(samples[::2]), pitch(samples[1::2])
 
-    def assert_channel(self, channel, seconds=8):
+    def assert_channel(self, channel, seconds=30):
         """0 both, 1 the left one alone, 2 the right one alone; each on both speakers."""
         def hears():
             found = self.sides()
@@ -70,7 +70,7 @@ class Listening:
         self.assertTrue(wait_for(lambda: first <= (self.second() or -9) <= last, seconds),
                         f"second {self.second()} is heard, not {first} to {last}")
 
-    def assert_level(self, level, seconds=8):
+    def assert_level(self, level, seconds=30):
         self.assertTrue(wait_for(lambda: abs(self.peak() - level) < 0.08, seconds),
                         f"the amplitude is {self.peak()}, not {level}")
 
@@ -78,7 +78,7 @@ class Listening:
         """A stop within the fade would leave the player in use; the bar stands at three quarters."""
         self.assert_level(0.75)
 
-    def assert_silent(self, seconds=5):
+    def assert_silent(self, seconds=15):
         self.assertTrue(wait_for(lambda: self.peak() == 0, seconds), "it is not silent")
 
 
@@ -224,7 +224,7 @@ class MiniWindow(Sound):
         def share():
             y = MAIN["Volume_Set"][1] - top
             return filled(self.player.picture(self.main, left, top + y, width, 3), width)
-        self.assertTrue(wait_for(lambda: abs(share() - 0.5) < 0.05, 5),
+        self.assertTrue(wait_for(lambda: abs(share() - 0.5) < 0.05),
                         f"the main window's bar shows {share()}")
         self.press("Volume_ICO")
         self.assert_silent()
@@ -247,7 +247,7 @@ class MiniWindow(Sound):
         self.session.reply("Return", box)
         self.assertTrue(self.player.gone(box))
         self.begin_strip()
-        self.assertTrue(wait_for(lambda: self.player.look(self.strip, "lrcBox", MINI) != empty, 10),
+        self.assertTrue(wait_for(lambda: self.player.look(self.strip, "lrcBox", MINI) != empty),
                         "no lyric in the strip")
         self.press_strip("playInfo")
         info = self.player.form(INFO)
@@ -260,9 +260,9 @@ class MiniWindow(Sound):
             """Whether the lowest part of the screen shows anything but the ground."""
             bottom = self.player.picture(self.strip, 0, 600, 1000, 190)
             return len(set(bottom)) > 1
-        self.assertTrue(wait_for(letters, 10), "the desktop line does not come up")
+        self.assertTrue(wait_for(letters), "the desktop line does not come up")
         self.press_strip("desktop_Lrc")
-        self.assertTrue(wait_for(lambda: not letters(), 10), "the desktop line stays")
+        self.assertTrue(wait_for(lambda: not letters()), "the desktop line stays")
 
 
 class VideoWindow(FilmTest, Listening):

@@ -49,7 +49,7 @@ class DeadDisk(PlayerTest):
         self.assertTrue(self.player.gone(rows))
 
     def hears(self, recorder, frequency):
-        return wait_for(lambda: abs((self.now_playing(recorder, 1, 10) or 0) - frequency) < 25, 8)
+        return wait_for(lambda: abs((self.now_playing(recorder, 1, 10) or 0) - frequency) < 25)
 
     def test_the_start_does_not_wait_for_the_last_file(self):
         self.player, self.main = self.start()

@@ -146,7 +146,7 @@ class Settings(HardshipTest):
             for name in os.listdir(seen):
                 shutil.copy(f"{seen}/{name}", aside)
             return self.last_file() == [self.tracks[2].encode()]
-        self.assertTrue(wait_for(stored, 10), "with room again nothing is stored")
+        self.assertTrue(wait_for(stored), "with room again nothing is stored")
         self.end(player, main)
         self.assertEqual(self.errors(), [])
 
@@ -155,7 +155,7 @@ class Settings(HardshipTest):
         player, main = self.start()
         self.session.key("F6", main)
         self.assert_title(player, main, "track 1")
-        self.assertTrue(wait_for(lambda: self.last_file() == [self.tracks[1].encode()], 10))
+        self.assertTrue(wait_for(lambda: self.last_file() == [self.tracks[1].encode()]))
         os.kill(player.child.pid, signal.SIGKILL)
         self.assertTrue(player.ended())
         os.remove(self.file + "-shm")
@@ -195,7 +195,7 @@ class Settings(HardshipTest):
                        check=True)
         self.session.key("F5", main)
         self.assert_title(player, main, "track 1")
-        self.assertTrue(wait_for(lambda: self.last_file() == [self.tracks[1].encode()], 10),
+        self.assertTrue(wait_for(lambda: self.last_file() == [self.tracks[1].encode()]),
                         "with room again nothing is stored")
         self.end(player, main)
         self.assertEqual(self.whole(), "ok")
@@ -258,7 +258,7 @@ class Server(PlayerTest):
 
     def time_moves(self):
         before = self.player.look(self.main, "play_Time")
-        return wait_for(lambda: self.player.look(self.main, "play_Time") != before, 5)
+        return wait_for(lambda: self.player.look(self.main, "play_Time") != before)
 
     def test_one_that_dies_and_comes_back_is_heard_again_at_its_place(self):
         recorder = self.recorder()

@@ -47,7 +47,7 @@ class NetworkTest(HouseholdTest):
         return any(pixel > 110 for pixel in self.player.picture(window, left + 4, top + 4, 200, 18))
 
     def fetch_first(self, window, form):
-        self.assertTrue(wait_for(lambda: self.rows_shown(window, form), 10), "no row is shown")
+        self.assertTrue(wait_for(lambda: self.rows_shown(window, form)), "no row is shown")
         self.player.click_at(window, *self.row(form, 0), times=2)
 
 
@@ -124,7 +124,7 @@ class Lyrics(NetworkTest):
             self.session.key("F6", self.window)
             self.assert_content(self.app("Lyrics", track + ".LRC"), expected)
 
-    def at_rest(self, seconds=10):
+    def at_rest(self, seconds=30):
         """What the main window's line shows, once it stands still."""
         return rest(lambda: self.player.look(self.window, "lrcBox"), seconds)
 
@@ -143,7 +143,7 @@ class Lyrics(NetworkTest):
         self.player.tool("mousemove", 1270, 790)
         before = self.at_rest()
         self.session.key("F6", self.window)
-        self.assertTrue(wait_for(lambda: self.at_rest() != before, 10))
+        self.assertTrue(wait_for(lambda: self.at_rest() != before, 60))
         known = self.at_rest()
         self.session.key("F6", self.window)
         self.assert_title(self.player, self.window, "unheard")
@@ -213,7 +213,7 @@ class Songs(NetworkTest):
         window = self.open("search_Song_Internet", SONGS)
         self.look_for(window, SONGS, "Big")
         self.fetch_first(window, SONGS)
-        self.assertTrue(wait_for(lambda: len(self.peek("BIG.WAV")) > 0, 15, 0.005))
+        self.assertTrue(wait_for(lambda: len(self.peek("BIG.WAV")) > 0, 30, 0.005))
         return window
 
     def peek(self, name):
@@ -230,7 +230,7 @@ class Songs(NetworkTest):
                         "the part stays")
         # The window is itself again: it fetches the same song anew.
         self.player.click_at(window, *self.row(SONGS, 0), times=2)
-        self.assertTrue(wait_for(lambda: len(self.peek("BIG.WAV")) > 0, 15, 0.005))
+        self.assertTrue(wait_for(lambda: len(self.peek("BIG.WAV")) > 0, 30, 0.005))
         self.player.click_at(window, *STOP)
         self.assertTrue(wait_for(lambda: not os.path.exists(self.cached("BIG.WAV")), 10))
 
@@ -242,7 +242,7 @@ class Songs(NetworkTest):
         def steady():
             before = os.path.getsize(self.cached("BIG.WAV"))
             return wait_for(lambda: os.path.getsize(self.cached("BIG.WAV")) != before, 0.5) is None
-        self.assertTrue(wait_for(steady, 15))
+        self.assertTrue(wait_for(steady))
         self.assertLess(os.path.getsize(self.cached("BIG.WAV")), 1_900_000_000)
 
     def filled(self, window):
@@ -265,14 +265,14 @@ class Songs(NetworkTest):
         def still():
             before = self.size_of("BIG.WAV")
             return wait_for(lambda: self.size_of("BIG.WAV") != before, 0.3) is None
-        self.assertTrue(wait_for(still, 10))
+        self.assertTrue(wait_for(still))
         come = self.size_of("BIG.WAV") / size
         self.assertTrue(0.1 < come < 0.9, f"{come} of it came at once")
         self.assertAlmostEqual(self.filled(window), come, delta=0.05)
         self.player.click(window, "close", form=SONGS)
         self.server.send_signal(signal.SIGCONT)
         self.assertTrue(self.player.gone(window))
-        self.assertTrue(wait_for(still, 10))
+        self.assertTrue(wait_for(still))
         self.assertLess(self.size_of("BIG.WAV"), size)
         recorder = Recorder(self.session)
         self.addCleanup(recorder.close)

@@ -49,7 +49,7 @@ class HeldAtAnEdge(Placing):
                 player.tool("mousemove", *grip)
                 player.tool("mouseup", 1)
                 self.assert_touching(player, main, rows)
-                self.assertTrue(wait_for(lambda: player.place(main) == home, 5),
+                self.assertTrue(wait_for(lambda: player.place(main) == home),
                                 f"it stands at {player.place(main)}, not at {home}")
 
     def test_a_manager_that_answers_late_does_not_part_the_pair(self):
@@ -71,7 +71,7 @@ class HeldAtAnEdge(Placing):
         player.tool("mousemove", *grip)
         player.tool("mouseup", 1)
         self.assert_touching(player, main, rows)
-        self.assertTrue(wait_for(lambda: player.place(main) == home, 5),
+        self.assertTrue(wait_for(lambda: player.place(main) == home),
                         f"it stands at {player.place(main)}, not at {home}")
 
     def test_a_drag_starts_where_the_hand_took_hold_though_the_player_was_busy(self):
@@ -87,7 +87,7 @@ class HeldAtAnEdge(Placing):
             player.child.send_signal(signal.SIGCONT)
         player.took(main)
         player.tool("mouseup", 1)
-        self.assertTrue(wait_for(lambda: player.place(main) == (x + 100, y + 50), 8),
+        self.assertTrue(wait_for(lambda: player.place(main) == (x + 100, y + 50)),
                         f"from {(x, y)} by (100, 50) it came to {player.place(main)}")
         self.assert_touching(player, main, rows)
 
@@ -96,7 +96,7 @@ class HeldAtAnEdge(Placing):
         player.tool("mousemove", *player.point(main, 470, 150))
         player.tool("mousedown", 1)
         self.haul(player, (-1000, 0))
-        place = wait_for(lambda: player.place(main)[0] < 0 and player.place(main), 5)
+        place = wait_for(lambda: player.place(main)[0] < 0 and player.place(main))
         self.assertTrue(place)
         player.tool("mouseup", 1)
         shown = -place[0]  # columns beyond the edge
@@ -108,7 +108,7 @@ class HeldAtAnEdge(Placing):
         player.tool("mousedown", 1)
         self.haul(player, (600, 0))
         player.tool("mouseup", 1)
-        self.assertTrue(wait_for(lambda: abs(player.place(main)[0] - place[0] - 600) < 3, 5),
+        self.assertTrue(wait_for(lambda: abs(player.place(main)[0] - place[0] - 600) < 3),
                         f"from {place} by 600 it came to {player.place(main)}")
         player.click_at(main, button[0] + button[2] / 2, button[1] + button[3] / 2)
         self.assertTrue(player.form(LIST), "its button does not answer")
@@ -128,7 +128,7 @@ class Minimised(Placing):
         strip = player.form(MINI)
         self.assertTrue(strip and player.gone(main))
         player.tool("mousemove", player.place(strip)[0] + 40, 0)
-        self.assertTrue(wait_for(lambda: player.place(strip)[1] == 0, 5))
+        self.assertTrue(wait_for(lambda: player.place(strip)[1] == 0))
         player.click(strip, "mini_Button", form=MINI)
         self.assertTrue(player.window(), "the main window comes up minimised")
 
@@ -137,7 +137,7 @@ class Minimised(Placing):
         quiet("xdotool", "windowminimize", rows, env=self.session.env)
         self.assertTrue(player.gone(rows), "nothing minimises it")
         player.click(main, "playListButton")
-        if not player.form(LIST, 2):
+        if not player.form(LIST, 10):
             player.click(main, "playListButton")
         self.assertTrue(player.form(LIST), "the list is lost")
 
@@ -179,19 +179,19 @@ class Monitors(Placing):
         player.move(rows, 1890, 300)
         player.click_at(rows, 60, 60)
         self.session.key("Delete", rows)
-        box = wait_for(player.boxes, 10)
+        box = wait_for(player.boxes)
         self.assertTrue(box, "no question comes up")
-        x, y = wait_for(lambda: player.place(box[0]), 5)
+        x, y = wait_for(lambda: player.place(box[0]))
         self.assertGreaterEqual(x, 1280, "it comes up on the other monitor")
         self.session.reply("n", box[0])
         self.assertTrue(player.gone(box[0]))
 
     def opens_the_list(self, player, main):
         player.click(main, "playListButton")
-        return player.form(LIST, 1)
+        return player.form(LIST, 5)
 
     def until(self, look):
-        return wait_for(look, 8)
+        return wait_for(look)
 
     def test_a_drag_after_it_moves_by_what_the_pointer_moves(self):
         player, main = self.start()
@@ -199,13 +199,13 @@ class Monitors(Placing):
         self.session.parts("right")
         self.assertTrue(self.until(lambda: self.opens_the_list(player, main)))
         player.click(main, "playListButton")
-        self.assertTrue(wait_for(lambda: not player.form(LIST, 0.1), 5))
+        self.assertTrue(wait_for(lambda: not player.form(LIST, 0.1)))
         before = player.place(main)
         player.tool("mousemove", *player.point(main, 150, 12))
         player.tool("mousedown", 1)
         self.haul(player, (60, 36))
         player.tool("mouseup", 1)
-        self.assertTrue(wait_for(lambda: player.place(main) == (before[0] + 60, before[1] + 36), 5),
+        self.assertTrue(wait_for(lambda: player.place(main) == (before[0] + 60, before[1] + 36)),
                         f"from {before} it was thrown to {player.place(main)}")
 
 
@@ -227,7 +227,7 @@ class Guest(Placing):
         return [width for width in widths if width > 1]
 
     def hidden(self, player, strip):
-        return wait_for(lambda: player.place(strip)[1] <= -int(MINI["form"][3]), 10)
+        return wait_for(lambda: player.place(strip)[1] <= -int(MINI["form"][3]))
 
     def test_the_edge_feels_the_pointer_only_while_the_strip_is_out_of_sight(self):
         player, main = self.start()
@@ -237,15 +237,15 @@ class Guest(Placing):
         self.assertTrue(strip and player.gone(main))
         self.assertTrue(self.hidden(player, strip), "the strip stays")
         width = int(MINI["form"][2])
-        self.assertTrue(wait_for(lambda: self.sensors() == [width], 5),
+        self.assertTrue(wait_for(lambda: self.sensors() == [width]),
                         f"nothing at the edge feels the pointer: {self.sensors()}")
         player.tool("mousemove", player.place(strip)[0] + 40, 0)
-        self.assertTrue(wait_for(lambda: player.place(strip)[1] == 0, 5), "the strip is lost")
-        self.assertTrue(wait_for(lambda: not self.sensors(), 5),
+        self.assertTrue(wait_for(lambda: player.place(strip)[1] == 0), "the strip is lost")
+        self.assertTrue(wait_for(lambda: not self.sensors()),
                         "the edge takes clicks under the strip that is shown")
         player.click(strip, "mini_Button", form=MINI)
         self.assertTrue(player.window())
-        self.assertTrue(wait_for(lambda: not self.sensors(), 5),
+        self.assertTrue(wait_for(lambda: not self.sensors()),
                         "the edge takes clicks after the strip has gone")
 
     def test_a_pointer_that_left_again_lets_the_strip_slide_out_again(self):
@@ -254,10 +254,10 @@ class Guest(Placing):
         strip = player.form(MINI)
         self.assertTrue(strip and self.hidden(player, strip))
         for _ in range(3):
-            self.assertTrue(wait_for(self.sensors, 5))
+            self.assertTrue(wait_for(self.sensors))
             player.tool("mousemove", player.place(strip)[0] + 40, 0)
             player.tool("mousemove", 640, 500)
-            self.assertTrue(wait_for(lambda: player.place(strip)[1] == 0, 5), "it does not come")
+            self.assertTrue(wait_for(lambda: player.place(strip)[1] == 0), "it does not come")
             self.assertTrue(self.hidden(player, strip), "it stays though the pointer has gone")
 
 

@@ -31,7 +31,7 @@ class Playing(PlayerTest):
         self.assertAlmostEqual(self.now_playing(recorder), 500, delta=10)
         self.session.key("F6", window)
         self.assert_title(player, window, "灯火 100%")
-        self.assertTrue(wait_for(lambda: abs((self.now_playing(recorder, 2) or 0) - 1000) < 20, 10))
+        self.assertTrue(wait_for(lambda: abs((self.now_playing(recorder, 2) or 0) - 1000) < 20))
         self.session.key("F5", window)
         self.assert_title(player, window, "one two")
         self.session.key("F3", window)
@@ -40,7 +40,7 @@ class Playing(PlayerTest):
         self.session.key("F2", window)
         self.assertIsNotNone(recorder.first(time.monotonic(), run=20), "play does not resume")
         self.session.key("F4", window)
-        self.assertTrue(wait_for(lambda: player.title(window) == TITLE, 10),
+        self.assertTrue(wait_for(lambda: player.title(window) == TITLE),
                         "the stopped look has the plain title")
         self.session.key("Escape", window)
         self.assertTrue(player.ended(), "Esc does not end the program")
@@ -57,7 +57,7 @@ class Playing(PlayerTest):
         self.assertLess(self.now_playing(recorder), 800)
         player.click(window, "load_Played_BG", 0.5)
         # The middle of the bar is about the 30th second: 200 + 30 * 100 Hz.
-        self.assertTrue(wait_for(lambda: 3000 < (self.now_playing(recorder, 2) or 0) < 4200, 10),
+        self.assertTrue(wait_for(lambda: 3000 < (self.now_playing(recorder, 2) or 0) < 4200, 20),
                         "the sound is not where the bar was clicked")
 
     def test_a_click_on_the_volume_bar_changes_the_level(self):
@@ -74,7 +74,7 @@ class Playing(PlayerTest):
             return max(abs(value) for _, block in recorder.blocks[-10:]
                        for value in struct.unpack(f"<{len(block) // 2}h", block))
         player.click(window, "Volume_Set_BG", 0.25)
-        self.assertTrue(wait_for(lambda: 0.15 < peak() / 32767 / 0.8 < 0.35, 10),
+        self.assertTrue(wait_for(lambda: 0.15 < peak() / 32767 / 0.8 < 0.35),
                         "a quarter of the bar is not a quarter of the amplitude")
         player.click(window, "Volume_ICO")
         self.assertIsNotNone(recorder.first(time.monotonic(), loud=False, run=20),
@@ -94,7 +94,7 @@ class Playing(PlayerTest):
         loud = [at for at, block in recorder.blocks if Recorder.loud(block)]
         gaps = [after - before for before, after in zip(loud, loud[1:])]
         self.assertLess(max(gaps), 2.0, "the gap between two tracks")
-        self.assertTrue(wait_for(lambda: abs((self.now_playing(recorder, 2) or 0) - 1000) < 20, 10))
+        self.assertTrue(wait_for(lambda: abs((self.now_playing(recorder, 2) or 0) - 1000) < 20))
 
 
 class SecondStart(PlayerTest):
@@ -140,7 +140,7 @@ class Lasting(PlayerTest):
         with open(marker, "w") as file:
             file.write(TITLE)
         second = Player(self.session)
-        self.assertTrue(wait_for(lambda: not os.path.exists(marker), 10), "the marker stays")
+        self.assertTrue(wait_for(lambda: not os.path.exists(marker)), "the marker stays")
         self.assertTrue(wait_for(lambda: len(quiet(
             "xdotool", "search", "--onlyvisible", "--pid", str(second.child.pid),
             env=self.session.env).split()) > 0, 10))

@@ -85,7 +85,7 @@ class SoundCheck(PlayerTest):
     def assert_prints(self, player, window, lines):
         while lines and not lines[-1]:
             lines = lines[:-1]
-        self.assertTrue(wait_for(lambda: self.printed(player, window) == lines, 10),
+        self.assertTrue(wait_for(lambda: self.printed(player, window) == lines),
                         f"{self.printed(player, window)} instead of {lines}")
 
     def press(self, player, window):
@@ -114,7 +114,7 @@ class SoundCheck(PlayerTest):
 
     def test_button_and_menu_entry_stand_where_there_is_a_device(self):
         player, main = self.start()
-        self.assertTrue(wait_for(lambda: shades(player, main, "check_SoundDriver") > 8, 5))
+        self.assertTrue(wait_for(lambda: shades(player, main, "check_SoundDriver") > 8))
         choose_in_menu(self, player, main)
         self.assertTrue(player.form(CHECK), "the entry does not show the window")
 
@@ -154,7 +154,7 @@ class WithoutDevice(PlayerTest):
         self.session.reply("Return", box)
         main = player.window()
         self.assertTrue(main, "the start does not go on")
-        self.assertTrue(wait_for(lambda: shades(player, main, "desktop_Lrc") > 8, 5))
+        self.assertTrue(wait_for(lambda: shades(player, main, "desktop_Lrc") > 8))
         self.assertLess(shades(player, main, "check_SoundDriver"), 8, "the button is there")
         player.click(main, "check_SoundDriver")
         self.assertTrue(player.stays_away(lambda: player.form(CHECK, 0.1), main))

@@ -86,7 +86,7 @@ class TrackTest(PlayerTest):
         self.session.key("F6", self.main)
         self.assert_title(self.player, self.main, title)
 
-    def hears(self, frequency, seconds=8):
+    def hears(self, frequency, seconds=30):
         return wait_for(lambda: abs((self.now_playing(self.recorder, 1, 10) or 0) - frequency) < 25,
                         seconds)
 
@@ -101,7 +101,7 @@ class TrackTest(PlayerTest):
         self.assertTrue(all(Recorder.loud(block, 200) for block in late), "the sound breaks off")
         self.assert_heard(frequency)
 
-    def silent(self, seconds=5, blocks=20):
+    def silent(self, seconds=15, blocks=20):
         return wait_for(lambda: not any(Recorder.loud(block)
                                         for _, block in self.recorder.blocks[-blocks:]), seconds)
 

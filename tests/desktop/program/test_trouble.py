@@ -80,7 +80,7 @@ class SongsTest(TroubleTest):
         self.net.answers["/fcgi-bin/m.q"] = answer(page.encode("gb18030"))
         self.begin()
         window = self.search("search_Song_Internet", SONGS, "anything")
-        self.assertTrue(wait_for(lambda: self.rows_shown(window), 10), "no row is shown")
+        self.assertTrue(wait_for(lambda: self.rows_shown(window)), "no row is shown")
         return window
 
     def save(self, window, number):
@@ -101,7 +101,7 @@ class SongsTest(TroubleTest):
             if now != since[0]:
                 since[:] = now, time.monotonic()
             return now if time.monotonic() - since[1] > 0.5 else None
-        return wait_for(look, 10)
+        return wait_for(look)
 
 
 class Songs(SongsTest):

@@ -134,7 +134,7 @@ class InTheWindow(FilmTest):
                 def back():
                     player.click_at(full, 600, 300, times=2)
                     return self.video(player, seconds=1.5)
-                window = wait_for(back, 10)
+                window = wait_for(back)
                 self.assertTrue(window, "no way back")
 
     def strip_button(self, player, window):

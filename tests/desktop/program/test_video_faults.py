@@ -110,7 +110,7 @@ class Hurried(FilmTest):
     def either(self, player):
         """The video window in whichever of its sizes."""
         return wait_for(lambda: self.video(player, seconds=0.05) or
-                        self.video(player, (1280, 800), 0.05), 10)
+                        self.video(player, (1280, 800), 0.05))
 
     def test_the_window_closed_and_reopened_while_a_film_opens(self):
         player, main, window = self.play_in_window("film.mp4", "film.mp4")
@@ -128,7 +128,7 @@ class Hurried(FilmTest):
             self.session.key("Return", window)  # full screen, or back
             self.session.key("F4", self.either(player))
             self.assertTrue(wait_for(lambda: not self.video(player, (1280, 800), 0.05) and
-                                     not self.video(player, seconds=0.05), 10))
+                                     not self.video(player, seconds=0.05)))
             self.assertIsNone(player.child.poll())
             # A stop within the fade leaves the player in use: the next film comes all the same.
             self.session.key("F6", main)

@@ -90,7 +90,7 @@ protected:
         return does(u"play NOWMUSIC") && waitUntil([&] { return position() >= ms; });
     }
     static void passTime(int ms) {
-        recorder_->waitForFrames(recorder_->frames() + recorder_->framesOf(ms), 5000);
+        recorder_->waitForFrames(recorder_->frames() + recorder_->framesOf(ms), 30000);
     }
 
     // Whether the newest piece of the record is sound, and the same on both speakers.
@@ -176,7 +176,7 @@ TEST_P(EveryKind, AVolumeIsHeardAndACloseIsSilent) {
     ASSERT_NE(waitForSound(recorder_->frames()), MonitorRecorder::frameNone);
     ASSERT_TRUE(does(u"close NOWMUSIC"));
     from = recorder_->frames();
-    EXPECT_NE(recorder_->waitForSilence(loud, 60, from, 3000), MonitorRecorder::frameNone);
+    EXPECT_NE(recorder_->waitForSilence(loud, 60, from, 30000), MonitorRecorder::frameNone);
     const MciAnswer answer = send(u"status NOWMUSIC mode");
     EXPECT_NE(answer.error, 0U);
     EXPECT_EQ(answer.text, u"");

@@ -16,7 +16,7 @@ class PictureControl : public PictureHeard {
 protected:
     // Lets a change that was made be heard, and whatever lies in buffers pass.
     static void settle(int ms = 400) {
-        recorder_->waitForFrames(recorder_->frames() + recorder_->framesOf(ms), 5000);
+        recorder_->waitForFrames(recorder_->frames() + recorder_->framesOf(ms), 30000);
     }
 
     // The middle of five measures, so that what the machine does to one or two of them tells
@@ -58,7 +58,7 @@ protected:
     }
 
     static std::size_t silence(std::size_t from) {
-        return recorder_->waitForSilence(loud, 8, from, 3000);
+        return recorder_->waitForSilence(loud, 8, from, 30000);
     }
     static std::size_t sound(std::size_t from) { return waitForSound(from); }
 };
@@ -254,7 +254,7 @@ TEST_F(PictureControl, TheEndIsToldWhenTheLastSoundIsHeard) {
     ASSERT_TRUE(waitUntil([&] { return device->mode() == Mode::Stopped; }, 5000));
     const auto when = Clock::now();
     const std::size_t first = waitForSound(from);
-    const std::size_t quiet = recorder_->waitForSilence(loud, 50, first, 5000);
+    const std::size_t quiet = recorder_->waitForSilence(loud, 50, first, 30000);
     ASSERT_NE(quiet, MonitorRecorder::frameNone);
     const double heardMs = static_cast<double>(quiet - first) * 1000.0 / recorder_->rate();
     EXPECT_NEAR(heardMs, 800.0, 60.0);
@@ -273,7 +273,7 @@ TEST_F(PictureControl, ASoundShorterThanEveryBufferIsHeardWhole) {
     ASSERT_TRUE(waitUntil([&] { return device->mode() == Mode::Stopped; }, 5000));
     const std::size_t first = waitForSound(from);
     ASSERT_NE(first, MonitorRecorder::frameNone);
-    const std::size_t quiet = recorder_->waitForSilence(loud, 50, first, 5000);
+    const std::size_t quiet = recorder_->waitForSilence(loud, 50, first, 30000);
     EXPECT_NEAR(static_cast<double>(quiet - first) * 1000.0 / recorder_->rate(), 150.0, 15.0);
 }
 
@@ -299,7 +299,7 @@ TEST_F(PictureControl, ACloseIsSilentAtOnceAndTheNextMediumSounds) {
     ASSERT_TRUE(playUpTo(*device, 300));
     std::size_t from = recorder_->frames();
     device.reset();
-    EXPECT_NE(recorder_->waitForSilence(loud, 50, from, 3000), MonitorRecorder::frameNone);
+    EXPECT_NE(recorder_->waitForSilence(loud, 50, from, 30000), MonitorRecorder::frameNone);
     device = open("two_tones.tta");
     ASSERT_TRUE(device);
     from = recorder_->frames();

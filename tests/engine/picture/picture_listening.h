@@ -26,7 +26,7 @@ protected:
         recorder_ = new MonitorRecorder(*server_);
         source_ = new SourceSound;
         // A sink that was idle has rendered two seconds of silence ahead.
-        recorder_->waitForFrames(recorder_->framesOf(2200), 10'000);
+        recorder_->waitForFrames(recorder_->framesOf(2200), 30000);
     }
     static void TearDownTestSuite() {
         delete source_;
@@ -43,7 +43,7 @@ protected:
     // A piece of the record that begins at a frame, once it is there.
     static std::vector<float> heard(int channel, std::size_t from, int ms) {
         const std::size_t count = recorder_->framesOf(ms);
-        recorder_->waitForFrames(from + count, 5000);
+        recorder_->waitForFrames(from + count, 30000);
         return recorder_->channel(channel, from, count);
     }
 
@@ -62,7 +62,7 @@ protected:
     }
 
     static std::size_t waitForSound(std::size_t from) {
-        return recorder_->waitForLoud(loud, from, 5000);
+        return recorder_->waitForLoud(loud, from, 30000);
     }
 
     // Where in the source a piece is from: near a place, or anywhere, so that a wrong place is
@@ -77,7 +77,7 @@ protected:
     static SourceSound::Match hearSeek(Device &device, int target) {
         EXPECT_TRUE(device.seek(target));
         const std::size_t from = recorder_->frames() + recorder_->framesOf(60);
-        EXPECT_TRUE(recorder_->waitForFrames(from, 5000));
+        EXPECT_TRUE(recorder_->waitForFrames(from, 30000));
         EXPECT_TRUE(device.play());
         const std::size_t first = waitForSound(from);
         if (first == MonitorRecorder::frameNone)

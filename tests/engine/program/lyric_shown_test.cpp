@@ -116,7 +116,7 @@ protected:
         app_->player().play_Sub();
         ASSERT_TRUE(app_->lrcForm().hasLrc);
         app_->Main().desktop_Lrc_Click();
-        ASSERT_TRUE(pumpUntil([&] { return positionMs() > 0; }, 5000));
+        ASSERT_TRUE(pumpUntil([&] { return positionMs() > 0; }, 60000));
     }
 
     // The clock that the lines follow: whole seconds, a half going to the even one.

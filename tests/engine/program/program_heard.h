@@ -103,7 +103,7 @@ protected:
 
     // --- time ------------------------------------------------------------------------------------
     // Lets the program's timers tick in real time until the condition holds.
-    bool runUntil(const std::function<bool()> &condition, int limitMs = 10'000) {
+    bool runUntil(const std::function<bool()> &condition, int limitMs = 60'000) {
         const auto end = Clock::now() + std::chrono::milliseconds(limitMs);
         while (!condition()) {
             if (Clock::now() >= end)

@@ -62,7 +62,7 @@ protected:
         options.note = [](std::string_view) {};
         windows_ = platform::QtWindowSystem::make(options).release();
         // A sink that was idle has rendered two seconds of silence ahead.
-        recorder_->waitForFrames(recorder_->framesOf(2200), 10'000);
+        recorder_->waitForFrames(recorder_->framesOf(2200), 30000);
     }
     static void TearDownTestSuite() {
         delete windows_;

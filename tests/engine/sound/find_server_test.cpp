@@ -176,7 +176,7 @@ protected:
         options.nullSink = false;
         server_.emplace(options);
         ASSERT_TRUE(server_->running());
-        ASSERT_TRUE(waitFor(5000, [&] {
+        ASSERT_TRUE(waitFor(60000, [&] {
             const auto answer = queryBySocket(server_->socketPath(), Clock::now() + Ms(1000));
             return answer && !answer->sinks.empty();
         }));
@@ -228,7 +228,7 @@ public:
         int server = 0;
         if (std::ifstream(home_.path("run/pid")) >> server) {
             kill(server, SIGKILL);
-            waitFor(5000, [&] { return kill(server, 0) != 0; });
+            waitFor(60000, [&] { return kill(server, 0) != 0; });
         }
     }
     StartingHome(const StartingHome &) = delete;
@@ -259,7 +259,7 @@ int playStartsAServer(const std::string &file) {
     if (!device)
         return 1;
     device->play();
-    if (!waitFor(20000, [&] { return device->positionMs() > 200; }))
+    if (!waitFor(60000, [&] { return device->positionMs() > 200; }))
         return 2;
     if (!queryBySocket(home.socketPath(), Clock::now() + Ms(5000)))
         return 3;
@@ -274,7 +274,7 @@ int playStartsOneAtMost(const std::string &file) {
         return 1;
     device->play();
     // The server is looked for every three seconds.
-    if (!waitFor(30000, [&] { return device->positionMs() > 4000; }))
+    if (!waitFor(60000, [&] { return device->positionMs() > 4000; }))
         return 2;
     return home.starts() == 1 ? 0 : 3;
 }

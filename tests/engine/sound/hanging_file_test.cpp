@@ -99,7 +99,7 @@ protected:
         }
         engine_.reset();
         for (const auto &file : files_)
-            EXPECT_TRUE(waitFor(10000, [&] { return file->isGone.load(); }));
+            EXPECT_TRUE(waitFor(60000, [&] { return file->isGone.load(); }));
     }
     std::shared_ptr<File> newFile() { return files_.emplace_back(std::make_shared<File>()); }
     std::unique_ptr<SoundDevice> open(const std::shared_ptr<File> &file) {
@@ -126,20 +126,20 @@ TEST_F(HangingFileHeard, TheNextMediumIsHeardAlthoughTheReadingOfTheLastHangs) {
     const auto hanging = newFile();
     auto device = open(hanging);
     device->play();
-    ASSERT_NE(recorder.waitForLoud(0.05F, 0, 5000), none);
+    ASSERT_NE(recorder.waitForLoud(0.05F, 0, 30000), none);
     hanging->reading.close();
-    ASSERT_TRUE(waitFor(10000, [&] { return hanging->reading.holdsSomebody(); }));
+    ASSERT_TRUE(waitFor(60000, [&] { return hanging->reading.holdsSomebody(); }));
     device.reset();
     // What the server has of the old one ends by itself.
-    const std::size_t quiet = recorder.waitForSilence(0.0005F, 200, recorder.frames(), 5000);
+    const std::size_t quiet = recorder.waitForSilence(0.0005F, 200, recorder.frames(), 30000);
     ASSERT_NE(quiet, none);
     const std::size_t from = recorder.frames();
     device = open(newFile());
     device->play();
     // Whoever asks where it is, as the program does all the time, notices that the other hangs.
-    EXPECT_TRUE(waitFor(5000, [&] { return device->positionMs() > 200; }));
+    EXPECT_TRUE(waitFor(60000, [&] { return device->positionMs() > 200; }));
     EXPECT_EQ(device->mode(), Mode::Playing);
-    EXPECT_NE(recorder.waitForLoud(0.05F, from, 5000), none);
+    EXPECT_NE(recorder.waitForLoud(0.05F, from, 30000), none);
 }
 
 TEST_F(HangingFileHeard, SoIsTheNextAfterASeekThatHangs) {
@@ -149,12 +149,12 @@ TEST_F(HangingFileHeard, SoIsTheNextAfterASeekThatHangs) {
     hanging->seeking.close();
     device->seek(30000);
     device->play();
-    ASSERT_TRUE(waitFor(10000, [&] { return hanging->seeking.holdsSomebody(); }));
+    ASSERT_TRUE(waitFor(60000, [&] { return hanging->seeking.holdsSomebody(); }));
     device.reset();
     device = open(newFile());
     device->play();
-    EXPECT_TRUE(waitFor(5000, [&] { return device->positionMs() > 200; }));
-    EXPECT_NE(recorder.waitForLoud(0.05F, 0, 5000), none);
+    EXPECT_TRUE(waitFor(60000, [&] { return device->positionMs() > 200; }));
+    EXPECT_NE(recorder.waitForLoud(0.05F, 0, 30000), none);
 }
 
 TEST_F(HangingFileHeard, WhatHungIsServedToItsEndOnceItComesBack) {
@@ -162,17 +162,17 @@ TEST_F(HangingFileHeard, WhatHungIsServedToItsEndOnceItComesBack) {
     auto device = open(hanging);
     hanging->reading.close();
     device->play();
-    ASSERT_TRUE(waitFor(10000, [&] { return hanging->reading.holdsSomebody(); }));
+    ASSERT_TRUE(waitFor(60000, [&] { return hanging->reading.holdsSomebody(); }));
     const auto other = open(newFile());
     other->play();
-    ASSERT_TRUE(waitFor(5000, [&] { return other->positionMs() > 100; }));
+    ASSERT_TRUE(waitFor(60000, [&] { return other->positionMs() > 100; }));
     hanging->reading.open();
-    EXPECT_TRUE(waitFor(5000, [&] { return device->positionMs() > 100; }));
+    EXPECT_TRUE(waitFor(60000, [&] { return device->positionMs() > 100; }));
     ASSERT_TRUE(device->seek(59900));
     device->play();
-    EXPECT_TRUE(waitFor(10000, [&] { return device->mode() == Mode::Stopped; }));
+    EXPECT_TRUE(waitFor(60000, [&] { return device->mode() == Mode::Stopped; }));
     device.reset();
-    EXPECT_TRUE(waitFor(10000, [&] { return hanging->isGone.load(); }));
+    EXPECT_TRUE(waitFor(60000, [&] { return hanging->isGone.load(); }));
 }
 
 TEST_F(HangingFileHeard, TheEndOfTheEngineWaitsForNoFile) {
@@ -180,7 +180,7 @@ TEST_F(HangingFileHeard, TheEndOfTheEngineWaitsForNoFile) {
     auto device = open(hanging);
     hanging->reading.close();
     device->play();
-    ASSERT_TRUE(waitFor(10000, [&] { return hanging->reading.holdsSomebody(); }));
+    ASSERT_TRUE(waitFor(60000, [&] { return hanging->reading.holdsSomebody(); }));
     device.reset();
     auto ended = std::async(std::launch::async, [this] { engine_.reset(); });
     EXPECT_EQ(ended.wait_for(Ms(5000)), std::future_status::ready); // usually 300
@@ -194,14 +194,14 @@ TEST_F(HangingFile, ManyThatHangLeaveTheNextAlone) {
         hanging->seeking.close();
         device->seek(30000 + i);
         device->play();
-        ASSERT_TRUE(waitFor(10000, [&] {
+        ASSERT_TRUE(waitFor(60000, [&] {
             device->mode();
             return hanging->seeking.holdsSomebody();
         })) << i;
     }
     const auto device = open(newFile());
     device->play();
-    EXPECT_TRUE(waitFor(5000, [&] { return device->positionMs() > 100; }));
+    EXPECT_TRUE(waitFor(60000, [&] { return device->positionMs() > 100; }));
 }
 
 TEST_F(HangingFileHeard, ClosingAsksNothingOfTheFile) {
@@ -210,11 +210,11 @@ TEST_F(HangingFileHeard, ClosingAsksNothingOfTheFile) {
     device->seek(20000);
     device->play();
     // So far that its beginning is no longer kept.
-    ASSERT_TRUE(waitFor(20000, [&] { return device->positionMs() > 23000; }));
+    ASSERT_TRUE(waitFor(60000, [&] { return device->positionMs() > 23000; }));
     const int seeks = file->seeks;
     const std::int64_t position = file->position;
     device.reset();
-    ASSERT_TRUE(waitFor(10000, [&] { return file->isGone.load(); }));
+    ASSERT_TRUE(waitFor(60000, [&] { return file->isGone.load(); }));
     EXPECT_EQ(file->seeks, seeks);
     EXPECT_GE(file->position, position);
 }

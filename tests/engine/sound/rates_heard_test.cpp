@@ -98,13 +98,13 @@ TEST_P(EveryRate, SoundsWithoutAGapToItsEnd) {
     const MonitorRecorder recorder(server_, isRunning ? 20 : longMs);
     ASSERT_EQ(server_.mixesAheadMs() > 1900, !isRunning);
     // The most that ever lies between a player and being heard.
-    ASSERT_TRUE(isRunning || waitFor(5000, [&] { return server_.mixedMs() > 1700; }));
+    ASSERT_TRUE(isRunning || waitFor(60000, [&] { return server_.mixedMs() > 1700; }));
     const std::string path = folder_.write("chirp.wav", chirpFile(GetParam().rate, soundMs));
     const auto device = opener_->open({path, "Waveaudio"});
     ASSERT_TRUE(device);
     ASSERT_TRUE(device->play());
     const auto start = Clock::now();
-    ASSERT_TRUE(waitFor(10000, [&] { return device->positionMs() > 0; }));
+    ASSERT_TRUE(waitFor(60000, [&] { return device->positionMs() > 0; }));
     EXPECT_LT(msSince(start), startLimitMs);
     ASSERT_TRUE(waitFor(soundMs * 3, [&] { return device->mode() == Mode::Stopped; }));
     const std::size_t began = recorder.waitForLoud(0.05F, 0, longMs * 3);
@@ -134,7 +134,7 @@ TEST(HighRate, ADeviceOfThatRateNeedNotMixInItsShortestParts) {
     const auto device =
         opener->open({folder.write("chirp.wav", chirpFile(384000, 3000)), "Waveaudio"});
     ASSERT_TRUE(device);
-    EXPECT_TRUE(waitFor(10000, [&] { return server.mixesAheadMs() == 60; }));
+    EXPECT_TRUE(waitFor(60000, [&] { return server.mixesAheadMs() == 60; }));
 }
 
 std::vector<Situation> situations() {

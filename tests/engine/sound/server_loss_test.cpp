@@ -38,7 +38,7 @@ TEST_F(ServerLoss, AServerThatDiesInPlayLeavesASilentClock) {
     const auto device = open->open({mediaFile("tone.wav"), "Waveaudio"});
     ASSERT_TRUE(device);
     device->play();
-    ASSERT_TRUE(waitFor(10000, [&] { return device->positionMs() > 300; }));
+    ASSERT_TRUE(waitFor(60000, [&] { return device->positionMs() > 300; }));
     const int before = device->positionMs();
     server_.kill();
     expectInTime(*device, 700);
@@ -47,7 +47,7 @@ TEST_F(ServerLoss, AServerThatDiesInPlayLeavesASilentClock) {
     EXPECT_TRUE(device->seek(device->lengthMs() - 200));
     EXPECT_TRUE(device->setVolume(10));
     device->play();
-    EXPECT_TRUE(waitFor(10000, [&] { return device->mode() == Mode::Stopped; }));
+    EXPECT_TRUE(waitFor(60000, [&] { return device->mode() == Mode::Stopped; }));
 }
 
 TEST_F(ServerLoss, SoundComesBackWithTheServerWherePlayIsThen) {
@@ -55,14 +55,14 @@ TEST_F(ServerLoss, SoundComesBackWithTheServerWherePlayIsThen) {
     const auto device = open->open({mediaFile("chirp.wav"), "Waveaudio"});
     ASSERT_TRUE(device);
     device->play();
-    ASSERT_TRUE(waitFor(10000, [&] { return device->positionMs() > 200; }));
+    ASSERT_TRUE(waitFor(60000, [&] { return device->positionMs() > 200; }));
     server_.kill();
     expectInTime(*device, 200);
     ASSERT_TRUE(server_.start());
     const MonitorRecorder recorder(server_);
-    const std::size_t heard = recorder.waitForLoud(0.1F, 0, 10000);
+    const std::size_t heard = recorder.waitForLoud(0.1F, 0, 30000);
     ASSERT_NE(heard, none);
-    ASSERT_TRUE(recorder.waitForFrames(heard + 8820, 10000));
+    ASSERT_TRUE(recorder.waitForFrames(heard + 8820, 30000));
     const int told = device->positionMs();
     const double place = placeInChirp(recorder.channel(0, heard, 4410), recorder.rate()) * 1000;
     EXPECT_NEAR(place, told - 150, 400);
@@ -78,7 +78,7 @@ TEST_F(ServerLoss, AServerThatComesLateIsFound) {
     expectInTime(*device, 300);
     ASSERT_TRUE(server_.start());
     const MonitorRecorder recorder(server_);
-    EXPECT_NE(recorder.waitForLoud(0.1F, 0, 10000), none);
+    EXPECT_NE(recorder.waitForLoud(0.1F, 0, 30000), none);
 }
 
 TEST_F(ServerLoss, AServerThatDiedBetweenTwoMediaIsNoHindrance) {
@@ -87,7 +87,7 @@ TEST_F(ServerLoss, AServerThatDiedBetweenTwoMediaIsNoHindrance) {
         const auto device = open->open({mediaFile("tone.wav"), "Waveaudio"});
         ASSERT_TRUE(device);
         device->play();
-        ASSERT_TRUE(waitFor(10000, [&] { return device->positionMs() > 100; }));
+        ASSERT_TRUE(waitFor(60000, [&] { return device->positionMs() > 100; }));
     }
     server_.kill();
     ASSERT_TRUE(server_.start());
@@ -95,7 +95,7 @@ TEST_F(ServerLoss, AServerThatDiedBetweenTwoMediaIsNoHindrance) {
     const std::size_t from = recorder.frames();
     const auto device = open->open({mediaFile("tone.wav"), "Waveaudio"});
     device->play();
-    EXPECT_NE(recorder.waitForLoud(0.1F, from, 5000), none);
+    EXPECT_NE(recorder.waitForLoud(0.1F, from, 30000), none);
 }
 
 TEST_F(ServerLoss, AServerThatHangsHoldsNothingUp) {
@@ -103,7 +103,7 @@ TEST_F(ServerLoss, AServerThatHangsHoldsNothingUp) {
     const auto device = open->open({mediaFile("tone.wav"), "Waveaudio"});
     ASSERT_TRUE(device);
     device->play();
-    ASSERT_TRUE(waitFor(10000, [&] { return device->positionMs() > 300; }));
+    ASSERT_TRUE(waitFor(60000, [&] { return device->positionMs() > 300; }));
     server_.freeze();
     const auto start = Clock::now();
     device->setVolume(500);
@@ -113,7 +113,7 @@ TEST_F(ServerLoss, AServerThatHangsHoldsNothingUp) {
     device->mode();
     EXPECT_LT(msSince(start), 100);
     // After a while it counts as gone, and time goes on without it.
-    EXPECT_TRUE(waitFor(15000, [&] { return device->positionMs() > 5300; }));
+    EXPECT_TRUE(waitFor(60000, [&] { return device->positionMs() > 5300; }));
     server_.thaw();
 }
 
@@ -125,7 +125,7 @@ TEST_F(ServerLoss, OpeningWithAHangingServerIsBoundedAndPlaysInSilence) {
     ASSERT_TRUE(device);
     device->play();
     EXPECT_LT(msSince(start), 500);
-    EXPECT_TRUE(waitFor(10000, [&] { return device->positionMs() > 100; }));
+    EXPECT_TRUE(waitFor(60000, [&] { return device->positionMs() > 100; }));
     server_.thaw();
 }
 
@@ -133,7 +133,7 @@ TEST_F(ServerLoss, TheOpenerEndsAtOnceWhateverTheServerDoes) {
     auto open = opener();
     auto device = open->open({mediaFile("tone.wav"), "Waveaudio"});
     device->play();
-    ASSERT_TRUE(waitFor(10000, [&] { return device->positionMs() > 100; }));
+    ASSERT_TRUE(waitFor(60000, [&] { return device->positionMs() > 100; }));
     server_.freeze();
     const auto start = Clock::now();
     device.reset();

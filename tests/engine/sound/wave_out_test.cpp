@@ -108,7 +108,7 @@ TEST(WaveOut, TheServersOwnDummyIsNoDevice) {
     const PulseServer server(options);
     ASSERT_TRUE(server.running());
     // The server makes it a moment after its start.
-    ASSERT_TRUE(waitFor(5000, [&] {
+    ASSERT_TRUE(waitFor(60000, [&] {
         const auto answer = queryBySocket(server.socketPath(), Clock::now() + Ms(1000));
         return answer && !answer->sinks.empty();
     }));
