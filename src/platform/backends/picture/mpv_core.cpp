@@ -3,6 +3,7 @@
 #include <clocale>
 #include <condition_variable>
 #include <cstring>
+#include <malloc.h>
 #include <mutex>
 #include <system_error>
 #include <thread>
@@ -20,6 +21,16 @@ void useDecimalPoint() {
     const char *locale = std::setlocale(LC_NUMERIC, nullptr);
     if (locale == nullptr || std::strcmp(locale, "C") != 0)
         std::setlocale(LC_NUMERIC, "C");
+}
+
+// By itself the C library takes ever larger blocks from the heap once such a block was freed, and
+// each of the engine's threads has a heap, which outlives it: a few films of a large picture held
+// hundreds of megabytes for ever. From a megabyte on blocks are the system's, and go back to it
+// when they are freed.
+void keepLargeBlocksOutOfTheHeap() {
+    constexpr int large = 1 << 20;
+    mallopt(M_MMAP_THRESHOLD, large);
+    mallopt(M_TRIM_THRESHOLD, large);
 }
 
 // Starts a thread that nobody waits for. False: the system has none to give.
@@ -63,6 +74,7 @@ std::unique_ptr<MpvCore> MpvCore::start(std::shared_ptr<const MpvLibrary> librar
     if (!startAlone([] {}))
         return nullptr;
     useDecimalPoint();
+    keepLargeBlocksOutOfTheHeap();
     mpv_handle *handle = library->mpv_create();
     if (handle == nullptr)
         return nullptr;
