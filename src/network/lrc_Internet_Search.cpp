@@ -47,6 +47,27 @@ std::u16string below(std::u16string host, std::u16string_view path) {
     return host.empty() ? std::u16string() : host.append(path);
 }
 
+// Calls `take` with each link of the page and what it is relative to, and handles input behind
+// each. False when there is no page.
+template <typename Take>
+bool takeEachLink(const platform::Platform &platform, std::u16string address, const Take &take) {
+    const std::u16string base = linkBase(platform.windows, address);
+    const std::u16string page = upper(getWebPage(platform, address));
+    if (page.empty())
+        return false;
+    std::vector<std::int32_t> positions;
+    countText(platform.windows, page, linkMarker, &positions);
+    LinkReader reader(page);
+    for (const std::int32_t position : positions) {
+        const std::optional<std::u16string_view> found = reader.read(position);
+        if (!found)
+            continue;
+        take(*found, base);
+        platform.windows.DoEvents();
+    }
+    return true;
+}
+
 } // namespace
 
 struct lrc_Internet_Search::Addresses {
@@ -132,27 +153,18 @@ void lrc_Internet_Search::scanPages(std::u16string address, Scan &scan) {
 // False when there is no page.
 bool lrc_Internet_Search::scanFirstPage(std::u16string address, const Addresses &addresses,
                                         Scan &scan) {
-    const std::u16string base = linkBase(app_.platform().windows, address);
-    const std::u16string page = upper(getWebPage(app_.platform(), address));
-    if (page.empty())
-        return false;
-    std::vector<std::int32_t> positions;
-    countText(app_.platform().windows, page, linkMarker, &positions);
-    LinkReader reader(page);
-    for (const std::int32_t position : positions) {
-        const std::optional<std::u16string_view> found = reader.read(position);
-        if (!found)
-            continue;
+    const auto take = [&](std::u16string_view found, const std::u16string &base) {
         // Ahead of the tests and on this page only: what a further page adds beyond these bounds
         // ends the scan.
         scan.pageLinks.resize(scan.pages);
         scan.downloadLinks.resize(scan.lyrics);
-        const std::u16string link = normalLink(*found, base);
+        const std::u16string link = normalLink(found, base);
         takeLyrics(link, addresses, scan);
         if (addresses.isPage(link))
             scan.pageLinks.store(scan.pages++, lower(link));
-        app_.platform().windows.DoEvents();
-    }
+    };
+    if (!takeEachLink(app_.platform(), std::move(address), take))
+        return false;
     scan.isFirstPageDone = true;
     return true;
 }
@@ -165,22 +177,11 @@ void lrc_Internet_Search::scanFurtherPages(const Addresses &addresses, Scan &sca
         // A page may name any number of further ones, and each may take its time.
         if (app_.platform().clock.steadyMs() >= scan.untilMs)
             raise(ErrorNumber::General);
-        std::u16string address = lower(scan.pageLinks.at(index));
-        const std::u16string base = linkBase(app_.platform().windows, address);
-        const std::u16string page = upper(getWebPage(app_.platform(), address));
-        if (page.empty())
+        const auto take = [&](std::u16string_view found, const std::u16string &base) {
+            takeLyrics(normalLink(found, base), addresses, scan);
+        };
+        if (!takeEachLink(app_.platform(), lower(scan.pageLinks.at(index)), take))
             return;
-        std::vector<std::int32_t> positions;
-        countText(app_.platform().windows, page, linkMarker, &positions);
-        LinkReader reader(page);
-        for (const std::int32_t position : positions) {
-            const std::optional<std::u16string_view> found = reader.read(position);
-            if (!found)
-                continue;
-            const std::u16string link = normalLink(*found, base);
-            takeLyrics(link, addresses, scan);
-            app_.platform().windows.DoEvents();
-        }
     }
 }
 
