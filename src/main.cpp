@@ -53,6 +53,26 @@ platform::DialogHost dialogHost(platform::QtWindowSystem &windows, platform::Too
     return host;
 }
 
+// `running` is null until there is a program whose settings can be asked; all must outlive the
+// result.
+std::unique_ptr<platform::Internet> internetOf(const platform::AnsiText &ansi,
+                                               const platform::FileCalls &calls,
+                                               platform::QtWindowSystem &windows,
+                                               Velmora *const &running) {
+    const auto hosts = [&running] {
+        return running != nullptr ? hostsOf(running->setControl()) : std::vector<std::u16string>();
+    };
+    const auto pinned = [&running] {
+        return running != nullptr ? platform::PinnedServer{running->setControl().get_MakerHost(),
+                                                           running->setControl().get_MakerPin()}
+                                  : platform::PinnedServer();
+    };
+    const auto watch = [&windows](int descriptor, std::function<void()> ready) {
+        return windows.watch(descriptor, std::move(ready));
+    };
+    return platform::makeInternet(ansi, hosts, {}, calls, pinned, watch);
+}
+
 int play() {
     platform::QtOptions windowOptions;
     windowOptions.note = note;
@@ -94,22 +114,7 @@ int play() {
     const auto waveOut = platform::sound::makePulseWaveOut();
     const auto profiles = platform::makeProfiles(*files, *ansi);
     Velmora *running = nullptr;
-    const auto internet = platform::makeInternet(
-        *ansi,
-        [&running] {
-            return running != nullptr ? hostsOf(running->setControl())
-                                      : std::vector<std::u16string>();
-        },
-        {}, calls,
-        [&running] {
-            return running != nullptr
-                       ? platform::PinnedServer{running->setControl().get_MakerHost(),
-                                                running->setControl().get_MakerPin()}
-                       : platform::PinnedServer();
-        },
-        [&windows](int descriptor, std::function<void()> ready) {
-            return windows->watch(descriptor, std::move(ready));
-        });
+    const auto internet = internetOf(*ansi, calls, *windows, running);
     const auto ownDialogs = platform::makeQtDialogs(*windows, *ansi, calls);
 
     platform::DesktopBus desktop(homes, [&windows](int descriptor, std::function<void()> ready) {
