@@ -58,7 +58,7 @@ class InTheWindow(FilmTest):
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        make_film(cls.made + "/short.mp4", seconds=3)
+        make_film(cls.made + "/short.mp4", seconds=12)
 
     def full(self, player):
         # The keys mean full screen once the sound has faded in and the window is on top. The one of the
@@ -80,7 +80,7 @@ class InTheWindow(FilmTest):
         def together():
             heard = self.heard_second(recorder)
             return heard is not None and abs(self.film_time(rect) - heard - 0.5) < 1.0
-        self.assertTrue(wait_for(together, 10), "the picture is not where the sound is")
+        self.assertTrue(wait_for(together), "the picture is not where the sound is")
 
     def test_enter_stretches_it_over_the_screen_and_the_way_back_fits_it_to_the_window(self):
         player, _, window = self.play_in_window("film.mp4")
@@ -93,7 +93,7 @@ class InTheWindow(FilmTest):
         self.session.key("Return", window)
         back = self.video(player)
         self.assertTrue(back, "no way back")
-        self.assertTrue(wait_for(lambda: player.place(back) == home, 5),
+        self.assertTrue(wait_for(lambda: player.place(back) == home),
                         f"it comes back to {player.place(back)}, not to {home}")
         self.assert_stretched(self.whole(player, back))
         self.assert_moves(self.whole(player, back))
@@ -111,7 +111,7 @@ class InTheWindow(FilmTest):
         self.assertTrue(self.video(player))
         self.session.key("F6", self.video(player))
         fresh = wait_for(lambda: self.stretched_over(
-            self.whole(player, self.video(player) or main)), 10)
+            self.whole(player, self.video(player) or main)))
         self.assertTrue(fresh, "the next film is not stretched over the window")
 
     def test_double_clicks_and_both_buttons_go_there_and_back(self):
@@ -154,7 +154,7 @@ class InTheWindow(FilmTest):
         self.assertTrue(player.gone(window), "the second Esc does not hide it")
         self.assertIsNone(player.child.poll(), "the program has ended")
         before = self.heard_second(recorder)
-        self.assertTrue(wait_for(lambda: (self.heard_second(recorder) or 0) > before + 1.5, 10),
+        self.assertTrue(wait_for(lambda: (self.heard_second(recorder) or 0) > before + 1.5),
                         "the sound does not go on")
 
     def test_close_keeps_the_sound_and_the_button_brings_the_picture_back(self):
@@ -166,7 +166,7 @@ class InTheWindow(FilmTest):
         player.click_at(window, 712, 13)  # close
         self.assertTrue(player.gone(window))
         second = self.heard_second(recorder)
-        self.assertTrue(wait_for(lambda: (self.heard_second(recorder) or 0) > second + 1.5, 10),
+        self.assertTrue(wait_for(lambda: (self.heard_second(recorder) or 0) > second + 1.5),
                         "the sound does not go on")
         player.click(main, "videoScreen_Button")
         window = self.video(player)
@@ -197,18 +197,18 @@ class InTheWindow(FilmTest):
         rect = self.whole(player, window)
         self.assert_stretched(rect)
         player.click_at(window, WIDTH / 2, HEIGHT - STRIP + 10)
-        self.assertTrue(wait_for(lambda: 13 < (self.film_time(rect) or 0) < 18, 8),
+        self.assertTrue(wait_for(lambda: 57 < (self.film_time(rect) or 0) < 80),
                         f"the picture is at {self.film_time(rect)}")
-        self.assertTrue(wait_for(lambda: 13 < (self.heard_second(recorder) or 0) < 20, 8))
+        self.assertTrue(wait_for(lambda: 57 < (self.heard_second(recorder) or 0) < 90))
 
     def test_the_film_after_a_film_in_full_screen_comes_up_in_full_screen(self):
         player, main, window = self.play_in_window("short.mp4", "film.mp4")
         self.session.key("Return", window)
         self.full(player)
         self.assertTrue(wait_for(lambda: "film" in player.title(main) and
-                                 "short" not in player.title(main), 15), "no next film")
+                                 "short" not in player.title(main), 60), "no next film")
         self.full(player)
-        self.assertTrue(wait_for(lambda: (self.mark(FULL) or 1) < 0.4, 10),
+        self.assertTrue(wait_for(lambda: (self.mark(FULL) or 1) < 0.4),
                         "the next film is not seen")
         self.assert_stretched(FULL)
         self.assert_moves(FULL)
@@ -228,7 +228,7 @@ class InTheWindow(FilmTest):
         stranger = Stranger(self.session, 10, 10, 200, 150)
         quiet("xdotool", "windowactivate", "--sync", stranger.window, env=self.session.env)
         self.assertTrue(wait_for(lambda: "film" in player.title(main) and
-                                 "short" not in player.title(main), 15), "no next film")
+                                 "short" not in player.title(main), 60), "no next film")
         fresh = wait_for(lambda: next((each for each in player.windows()
                                        if player.size(each) == (WIDTH, HEIGHT) and each != window),
                                       None))
@@ -248,11 +248,11 @@ class InTheWindow(FilmTest):
             told = quiet("xprop", "-root", "_NET_CLIENT_LIST_STACKING", env=self.session.env)
             order = [int(number, 16) for number in re.findall(r"0x[0-9a-f]+", told)]
             return order and order[-1] not in (int(full), int(main)) and str(order[-1])
-        dialog = wait_for(above, 10)
+        dialog = wait_for(above)
         self.assertTrue(dialog, "the film hides the dialog that it waits for")
         x, y = player.point(dialog, 380, 60)
         self.assertTrue(wait_for(lambda: not any(near(self.session.pixel(x, y), colour)
-                                                 for colour in COLUMNS), 5), "it is not painted")
+                                                 for colour in COLUMNS)), "it is not painted")
         self.session.key("Escape", dialog)
         self.assertTrue(player.gone(dialog))
         self.session.key("Escape", full)
@@ -265,7 +265,7 @@ class InTheWindow(FilmTest):
         quiet("wmctrl", "-i", "-c", window, env=self.session.env)
         self.assertTrue(player.gone(window))
         second = self.heard_second(recorder)
-        self.assertTrue(wait_for(lambda: (self.heard_second(recorder) or 0) > second + 1.5, 10),
+        self.assertTrue(wait_for(lambda: (self.heard_second(recorder) or 0) > second + 1.5),
                         "the sound does not go on")
         self.session.key("F11", main)
         window = self.video(player)
@@ -299,7 +299,7 @@ class InTheWindow(FilmTest):
         player.tool("mousedown", 1)
         for _ in range(10):
             player.tool("mousemove_relative", "--", 10, 5)
-        self.assertTrue(wait_for(lambda: player.place(window) != before, 5))
+        self.assertTrue(wait_for(lambda: player.place(window) != before))
         player.tool("mouseup", 1)
         self.assertTrue(player.done(window), "the drag is not handled to its end")
         rect = self.whole(player, window)
@@ -335,7 +335,7 @@ class SecondMonitorIsPrimary(FilmTest):
         self.session.key("Return", window)
         full = self.video(player, SCREEN)
         self.assertTrue(full, "no full screen of one monitor")
-        self.assertTrue(wait_for(lambda: player.place(full) == (1280, 0), 5))
+        self.assertTrue(wait_for(lambda: player.place(full) == (1280, 0)))
         self.assert_stretched((1280, *FULL[1:]))
         self.assertEqual(self.session.pixel(600, 400), outside, "the other monitor is covered")
 
@@ -369,7 +369,7 @@ class TwoMonitors(FilmTest):
         self.session.key("Return", window)
         full = self.video(player, SCREEN)
         self.assertTrue(full)
-        self.assertTrue(wait_for(lambda: player.place(full) == (0, 0), 5))
+        self.assertTrue(wait_for(lambda: player.place(full) == (0, 0)))
         self.assert_stretched(FULL)
 
 
@@ -395,7 +395,7 @@ class TheEnginesWindow(FilmTest):
         player.tool("windowclose", window)
         self.assertTrue(player.gone(window))
         before = self.heard_second(recorder)
-        self.assertTrue(wait_for(lambda: (self.heard_second(recorder) or 0) > before + 1.5, 10),
+        self.assertTrue(wait_for(lambda: (self.heard_second(recorder) or 0) > before + 1.5),
                         "the sound does not go on")
         self.assertIsNone(player.child.poll())
 
