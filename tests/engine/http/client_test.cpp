@@ -58,8 +58,8 @@ protected:
 
     void hurry() {
         InternetLimits limits;
-        limits.connect = milliseconds(400);
-        limits.stall = milliseconds(400);
+        limits.connect = milliseconds(1500);
+        limits.stall = milliseconds(1500);
         limit(limits);
     }
     std::string target() const { return (folder_ / "new" / "song.mp3").string(); }

@@ -38,8 +38,8 @@ protected:
     // Short enough to wait for.
     void hurry() {
         InternetLimits limits;
-        limits.connect = milliseconds(400);
-        limits.stall = milliseconds(400);
+        limits.connect = milliseconds(1500);
+        limits.stall = milliseconds(1500);
         limit(limits);
     }
 };
@@ -128,7 +128,6 @@ TEST_F(HttpUnread, AreLeftOnTheWayWhileSomebodyReads) {
 
 TEST_F(HttpTrouble, AHostThatCannotBeReachedFailsAtOnceUntilThePersonAsks) {
     InternetLimits limits;
-    limits.connect = milliseconds(400);
     limits.unreached = std::chrono::hours(1);
     limit(limits);
     // Lets connections lie unaccepted: a client waits for the limit.
@@ -170,10 +169,10 @@ TEST_F(HttpTrouble, AHostThatAnswersBadlyIsNoHostThatIsAway) {
 
 TEST_F(HttpTrouble, AllRedirectsTogetherHaveOneLimit) {
     InternetLimits limits;
-    limits.header = milliseconds(700);
+    limits.header = milliseconds(1400);
     limit(limits);
     LoopbackServer server([](Talk &talk, const std::string &) {
-        talk.wait(milliseconds(200)); // each by itself is quick enough
+        talk.wait(milliseconds(400)); // each by itself is quick enough
         talk.send("HTTP/1.1 302 Found\r\nLocation: /again\r\nContent-Length: 0\r\n\r\n");
     });
     EXPECT_THROW(page(server.url(u"/")), RunTimeError);

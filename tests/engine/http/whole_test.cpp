@@ -36,8 +36,8 @@ protected:
 
     void hurry() {
         InternetLimits limits;
-        limits.connect = milliseconds(400);
-        limits.stall = milliseconds(400);
+        limits.connect = milliseconds(1500);
+        limits.stall = milliseconds(1500);
         limits.pageBytes = 1'000'000;
         limit(limits);
     }
