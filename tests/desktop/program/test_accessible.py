@@ -42,7 +42,7 @@ class Reader:
     def ask(self, **wish):
         self.child.stdin.write(json.dumps(wish) + "\n")
         self.child.stdin.flush()
-        assert select.select([self.child.stdout], [], [], 60)[0], f"no answer to {wish}"
+        assert select.select([self.child.stdout], [], [], 300)[0], f"no answer to {wish}"
         line = self.child.stdout.readline()
         assert line, "the reader has ended"
         return json.loads(line)
@@ -82,7 +82,7 @@ class Reader:
                          if node["place"] and all(abs(a - b) <= 1 for a, b in
                                                   zip(node["place"], wanted)) and
                          "showing" in node["states"]), None)
-        found = wait_for(look, 20)
+        found = wait_for(look, 120)
         assert found, f"{control} is not told of"
         return found
 
@@ -116,7 +116,7 @@ class AccessibleTest(PlayerTest):
             window = reader.place(main)
             return any(node["role"] == "label" and node["name"] and "showing" in node["states"] and
                        60 < node["place"][1] - window[1] < 90 for _, node in reader.nodes(window))
-        self.assertTrue(wait_for(words, 60), "nothing plays")
+        self.assertTrue(wait_for(words, 120), "nothing plays")
 
     def open(self, reader, number, form, control, wanted):
         reader.press(number, form, control)
@@ -129,7 +129,7 @@ class Walk(AccessibleTest):
     def assert_readable(self, reader, number, what):
         """Nothing that can be acted on is without name, role and action, and only what shows says
         that it does."""
-        nodes = wait_for(lambda: reader.nodes(reader.place(number)), 20)
+        nodes = wait_for(lambda: reader.nodes(reader.place(number)), 120)
         self.assertTrue(nodes, f"{what} is not told of")
         acting = 0
         for _, node in nodes:
@@ -186,7 +186,7 @@ class Walk(AccessibleTest):
         for tab in ("playSet", "lrcSet", "folderSet", "languageSet", "Shortcuts", "help"):
             reader.press(settings, SETTINGS, tab)
             self.assertTrue(wait_for(lambda tab=tab: "selected" in reader.at(
-                settings, SETTINGS, tab)[1]["states"], 20), f"{tab} is not told as open")
+                settings, SETTINGS, tab)[1]["states"], 120), f"{tab} is not told as open")
             told = self.assert_readable(reader, settings, f"{language}: {tab}")
             self.assertEqual(sum("selected" in node["states"] for _, node in told
                                  if node["role"] == "page tab"), 1)
@@ -244,25 +244,25 @@ class Doing(AccessibleTest):
         self.assertEqual(node["actions"], ["Press", "Toggle", "SetFocus"])
         reader.ask(do="events")
         reader.ask(do="act", path=path, action="SetFocus")
-        self.assertTrue(wait_for(lambda: "selected" in row("two")[1]["states"], 20))
+        self.assertTrue(wait_for(lambda: "selected" in row("two")[1]["states"], 120))
         heard = []
 
         def comes(kind, name, on=1):
             heard.extend(reader.ask(do="events"))
             return any(event["type"] == kind and event["name"] == name and event["on"] == on
                        for event in heard)
-        self.assertTrue(wait_for(lambda: comes("object:state-changed:selected", "two"), 20), heard)
-        self.assertTrue(wait_for(lambda: comes("object:state-changed:focused", "two"), 20), heard)
+        self.assertTrue(wait_for(lambda: comes("object:state-changed:selected", "two"), 120), heard)
+        self.assertTrue(wait_for(lambda: comes("object:state-changed:focused", "two"), 120), heard)
         reader.ask(do="act", path=row("three")[0], action="Toggle")
         self.assertTrue(wait_for(lambda: "selected" in row("three")[1]["states"] and
-                                 "selected" in row("two")[1]["states"], 20))
+                                 "selected" in row("two")[1]["states"], 120))
         reader.ask(do="act", path=row("three")[0], action="Press")
         self.assert_title(player, main, "three")
         # Arrow keys are heard, too.
         heard.clear()
         player.tool("windowfocus", "--sync", rows)
         player.tool("key", "Home")
-        self.assertTrue(wait_for(lambda: comes("object:state-changed:focused", "one"), 20), heard)
+        self.assertTrue(wait_for(lambda: comes("object:state-changed:focused", "one"), 120), heard)
 
     def test_a_list_that_does_not_show_has_no_rows_that_do(self):
         _, main, reader = self.begin()
@@ -271,7 +271,7 @@ class Doing(AccessibleTest):
         def shown():
             return [node["name"] for _, node in reader.nodes(reader.place(rows))
                     if node["role"] == "list item" and "showing" in node["states"]]
-        self.assertTrue(wait_for(lambda: shown() == ["one", "two", "three"], 20), shown())
+        self.assertTrue(wait_for(lambda: shown() == ["one", "two", "three"], 120), shown())
         self.assertEqual([node for _, node in reader.nodes(reader.place(rows))
                           if node["role"] == "list item" and "/" in node["name"] and
                           "showing" in node["states"]], [])
@@ -289,7 +289,7 @@ class Doing(AccessibleTest):
         reader.press(main, MAIN, "nextButton")
         for line in ("first line", "second line"):
             self.assertTrue(wait_for(lambda line=line: comes(
-                "object:property-change:accessible-name", line), 30), heard)
+                "object:property-change:accessible-name", line), 120), heard)
         self.assertTrue(any(event["type"] == "object:property-change:accessible-value" and
                             event["role"] == "slider" for event in heard), heard)
         self.assertTrue(any(event["type"] == "object:state-changed:showing" and event["on"] == 1 and
@@ -309,7 +309,7 @@ class Doing(AccessibleTest):
             return any(node["name"] == "over all windows" and "showing" in node["states"]
                        for window in reader.windows() if window["place"][2] >= player.screen_width
                        for node in window["children"])
-        self.assertTrue(wait_for(line, 30), "the line is not told of")
+        self.assertTrue(wait_for(line, 120), "the line is not told of")
 
     def test_names_follow_the_language(self):
         _, main, reader = self.begin()
@@ -319,7 +319,7 @@ class Doing(AccessibleTest):
             return [node["name"] for _, node in reader.nodes(reader.place(settings))
                     if node["role"] in roles and "showing" in node["states"]]
         reader.press(settings, SETTINGS, "folderSet")
-        self.assertTrue(wait_for(lambda: len(names({"text"})) == 3, 20), names({"text"}))
+        self.assertTrue(wait_for(lambda: len(names({"text"})) == 3, 120), names({"text"}))
         before = names({"text"})
         reader.press(settings, SETTINGS, "languageSet")
 
@@ -327,13 +327,13 @@ class Doing(AccessibleTest):
             return next((path for path, node in reader.nodes(reader.place(settings))
                          if node["role"] == "radio button" and node["name"] == "English" and
                          "showing" in node["states"]), None)
-        path = wait_for(english, 20)
+        path = wait_for(english, 120)
         self.assertTrue(path)
         node = next(node for at, node in reader.nodes(reader.place(settings)) if at == path)
         reader.ask(do="act", path=path, action=next(
             action for action in node["actions"] if action != "SetFocus"))
         self.assertTrue(wait_for(lambda: any("checked" in node["states"] for at, node in
-                                             reader.nodes(reader.place(settings)) if at == path), 20))
+                                             reader.nodes(reader.place(settings)) if at == path), 120))
         reader.press(settings, SETTINGS, "yy")
         reader.press(settings, SETTINGS, "folderSet")
         self.assertTrue(wait_for(lambda: len(names({"text"})) == 3 and
@@ -342,7 +342,7 @@ class Doing(AccessibleTest):
         self.assertNotEqual(names({"text"}), before)
         reader.press(settings, SETTINGS, "playSet")
         self.assertTrue(wait_for(lambda: names({"check box"}) and
-                                 all(name.isascii() for name in names({"check box"})), 20),
+                                 all(name.isascii() for name in names({"check box"})), 120),
                         names({"check box"}))
 
 

@@ -55,7 +55,7 @@ class Further(base.Walk, HouseholdTest):
         return self.begin()
 
     def assert_question(self, reader, number, what):
-        nodes = wait_for(lambda: reader.nodes(reader.place(number)), 20)
+        nodes = wait_for(lambda: reader.nodes(reader.place(number)), 120)
         self.assertTrue(nodes, f"{what} is not told of")
         self.assertEqual(nodes[0][1]["role"], "dialog")
         self.assertTrue(any(node["role"] == "label" and node["name"] for _, node in nodes), nodes)
@@ -71,7 +71,7 @@ class Further(base.Walk, HouseholdTest):
         def opened():
             told = reader.ask(do="around")
             return told if told and told["role"] == "popup menu" else None
-        told = wait_for(opened, 20)
+        told = wait_for(opened, 120)
         self.assertTrue(told, f"{what} is not told of")
         entries = [node for node in told["children"] if node["role"] != "separator"]
         self.assertGreater(len(entries), 5)
@@ -98,7 +98,7 @@ class Further(base.Walk, HouseholdTest):
         self.assertTrue(player.gone(number))
         rows = self.open(reader, main, MAIN, "playListButton", LIST)
         reader.press(rows, LIST, "delAll")
-        box = wait_for(player.boxes, 20)[0]
+        box = wait_for(player.boxes, 120)[0]
         nodes = self.assert_question(reader, box, f"{language}: a box")
         path, no = [each for each in nodes if each[1]["role"] == "push button"][-1]
         reader.ask(do="act", path=path, action="Press")
@@ -120,9 +120,9 @@ class Further(base.Walk, HouseholdTest):
             return next((path for path, node in reader.nodes(reader.place(video))
                          if node["role"] == "push button" and f"({key})" in node["name"] and
                          "showing" in node["states"]), None)
-        pause = wait_for(lambda: named("F3"), 20)
+        pause = wait_for(lambda: named("F3"), 120)
         self.assertTrue(pause and reader.ask(do="act", path=pause, action="Press"))
-        self.assertTrue(wait_for(lambda: named("F2"), 20), "the film goes on")
+        self.assertTrue(wait_for(lambda: named("F2"), 120), "the film goes on")
 
 
 class Changes(base.AccessibleTest, ListTest):
@@ -141,11 +141,11 @@ class Changes(base.AccessibleTest, ListTest):
                            if node["role"] == "list")
         player.click_at(rows, LIST["playList_Item"][0] + 20, LIST["playList_Item"][1] + 8)
         reader.press(rows, LIST, "delIndx")
-        box = wait_for(player.boxes, 20)[0]
+        box = wait_for(player.boxes, 120)[0]
         path = wait_for(lambda: next((at for at, node in reader.nodes(reader.place(box))
-                                      if node["role"] == "push button"), None), 20)
+                                      if node["role"] == "push button"), None), 120)
         reader.ask(do="act", path=path, action="Press")
-        self.assertTrue(wait_for(lambda: comes("remove", 2), 20), heard)
+        self.assertTrue(wait_for(lambda: comes("remove", 2), 120), heard)
         heard.clear()
 
         added = self.session.home + "/more"
@@ -155,7 +155,7 @@ class Changes(base.AccessibleTest, ListTest):
         left, top, width, height = LIST["playList_Item"]
         self.drag(player, rows, left + width / 2, top + height - 20,
                   [f"{added}/{number:02}.wav" for number in range(40)])
-        self.assertTrue(wait_for(lambda: comes("add", 42), 60), heard)
+        self.assertTrue(wait_for(lambda: comes("add", 42), 120), heard)
 
     def test_the_strip_steers_the_player(self):
         player, main, reader = self.begin()
