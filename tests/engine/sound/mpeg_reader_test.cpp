@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 namespace velmora::platform::sound {
 namespace {
 
@@ -16,6 +18,45 @@ using Ms = std::chrono::milliseconds;
 
 constexpr double slowDisk = 5e6;
 constexpr double fastDisk = 1e9;
+
+class CountedSource final : public ByteSource {
+public:
+    CountedSource(const Bytes &bytes, int &reads) : whole_(bytes), reads_(reads) {}
+    std::int64_t size() const override { return whole_.size(); }
+    std::size_t read(std::int64_t offset, std::span<std::uint8_t> out) const override {
+        ++reads_;
+        return whole_.read(offset, out);
+    }
+
+private:
+    MemorySource whole_;
+    int &reads_;
+};
+
+TEST(AheadSource, GivesTheBytesOfTheWholeWhereverAndHowManyAreRead) {
+    Bytes bytes(3 * AheadSource::pieceBytes + 100);
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<std::uint8_t>(i * 31 / 7);
+    int reads = 0;
+    const CountedSource whole(bytes, reads);
+    const AheadSource ahead(whole);
+    EXPECT_EQ(ahead.size(), whole.size());
+    std::mt19937 random(7);
+    for (int i = 0; i < 2000; ++i) {
+        const auto offset = static_cast<std::int64_t>(random() % (bytes.size() + 200));
+        Bytes expected(random() % (i % 10 == 0 ? 2 * AheadSource::pieceBytes : 700));
+        Bytes got(expected.size());
+        const std::size_t count = whole.read(offset, expected);
+        ASSERT_EQ(ahead.read(offset, got), count) << offset;
+        ASSERT_EQ(got, expected) << offset;
+    }
+    EXPECT_EQ(ahead.read(-1, std::span(bytes).first(4)), 0U);
+    reads = 0;
+    Bytes step(500);
+    for (std::size_t at = 0; at < bytes.size(); at += step.size())
+        ahead.read(static_cast<std::int64_t>(at), step);
+    EXPECT_LE(reads, 5);
+}
 
 class MpegFile : public testing::Test {
 protected:
@@ -65,6 +106,16 @@ TEST_F(MpegFile, SoDoesOneWithAHeaderThatDoesNotFit) {
     ASSERT_TRUE(reader);
     EXPECT_LT(opened(), 600);
     EXPECT_NEAR(lengthMs(*reader), 10123e3, 200e3); // reckoned
+}
+
+TEST_F(MpegFile, IsReadInFewLargePiecesWhileItPlays) {
+    const Bytes bytes = readFile(mediaFile("cbr_bare.mp3"));
+    int reads = 0;
+    const auto reader = open(std::make_unique<CountedSource>(bytes, reads));
+    ASSERT_TRUE(reader);
+    reads = 0;
+    EXPECT_EQ(decodeAll(*reader), reader->frames());
+    EXPECT_LE(reads, static_cast<int>(bytes.size() / AheadSource::pieceBytes * 5 / 4 + 4));
 }
 
 TEST_F(MpegFile, AShortFileIsCountedWhole) {

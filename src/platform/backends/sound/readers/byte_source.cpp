@@ -67,6 +67,21 @@ std::size_t SourcePart::read(std::int64_t offset, std::span<std::uint8_t> out) c
     return whole_->read(start_ + offset, out.first(count));
 }
 
+std::size_t AheadSource::read(std::int64_t offset, std::span<std::uint8_t> out) const {
+    if (out.size() > pieceBytes)
+        return whole_.read(offset, out);
+    const auto end = start_ + static_cast<std::int64_t>(piece_.size());
+    if (offset < start_ || offset + static_cast<std::int64_t>(out.size()) > end) {
+        piece_.resize(pieceBytes);
+        piece_.resize(whole_.read(offset, piece_));
+        start_ = offset;
+    }
+    const auto ready = std::span(piece_).subspan(static_cast<std::size_t>(offset - start_));
+    const std::size_t count = std::min(out.size(), ready.size());
+    std::copy_n(ready.begin(), count, out.begin());
+    return count;
+}
+
 std::size_t ByteCursor::read(void *out, std::size_t count) {
     const std::size_t got = source->read(position, {static_cast<std::uint8_t *>(out), count});
     position += static_cast<std::int64_t>(got);

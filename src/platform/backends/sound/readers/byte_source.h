@@ -7,6 +7,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace velmora::platform::sound {
 
@@ -57,6 +58,22 @@ private:
     std::shared_ptr<const ByteSource> whole_;
     std::int64_t start_;
     std::int64_t size_;
+};
+
+// Another source, read in pieces: for one who goes through it in many small steps.
+class AheadSource final : public ByteSource {
+public:
+    static constexpr std::size_t pieceBytes = 16 * 1024;
+
+    // `whole` outlives it.
+    explicit AheadSource(const ByteSource &whole) : whole_(whole) {}
+    std::int64_t size() const override { return whole_.size(); }
+    std::size_t read(std::int64_t offset, std::span<std::uint8_t> out) const override;
+
+private:
+    const ByteSource &whole_;
+    mutable std::vector<std::uint8_t> piece_;
+    mutable std::int64_t start_ = 0; // of the piece
 };
 
 // Sequential access for libraries that read through callbacks.

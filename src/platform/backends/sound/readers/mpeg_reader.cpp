@@ -23,7 +23,7 @@ public:
     // The source has no tags at its end: they might be taken for frames.
     MpegReader(std::unique_ptr<ByteSource> source, std::shared_ptr<const Mpg123Table> library,
                TimeNow now)
-        : source_(std::move(source)), timeline_(*source_, std::move(now)),
+        : source_(std::move(source)), ahead_(*source_), timeline_(*source_, std::move(now)),
           decoder_(std::move(library)) {}
 
     bool open() {
@@ -56,7 +56,7 @@ public:
         keepLength();
         if (!spot)
             return false;
-        walk_.emplace(*source_, spot->place);
+        walk_.emplace(ahead_, spot->place);
         passFrames(spot->passedFrames);
         toDrop_ = spot->droppedSamples;
         return isGuessed_ || beginRun(walk_->form(), walk_->next().freeSize);
@@ -200,6 +200,7 @@ private:
     }
 
     std::unique_ptr<ByteSource> source_;
+    AheadSource ahead_; // for what is played
     MpegTimeline timeline_;
     int rate_ = 0; // of the first run: all others are turned into it
     int channels_ = 0;
