@@ -1,6 +1,7 @@
 #include "platform/backends/qt/system/qt_windows.h"
 
 #include "base/text.h"
+#include "platform/backends/linux/font_pages.h"
 #include "platform/backends/qt/boxes/message_box.h"
 #include "platform/backends/qt/boxes/popup_menu.h"
 #include "platform/backends/qt/boxes/tray.h"
@@ -124,7 +125,11 @@ QtWindowSystem::QtWindowSystem(std::unique_ptr<Parts> parts) : parts_(std::move(
 
 QtWindowSystem::~QtWindowSystem() = default;
 
-int QtWindowSystem::run() { return parts_->hub.loop.run(); }
+int QtWindowSystem::run() {
+    // The start wrote Chinese in every language, and looked through whole tables of each face.
+    letGoOfFontPages();
+    return parts_->hub.loop.run();
+}
 void QtWindowSystem::quit(int status) { parts_->hub.loop.quit(status); }
 
 double QtWindowSystem::pixelScale() const { return qGuiApp->devicePixelRatio(); }
