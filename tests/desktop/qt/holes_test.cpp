@@ -4,9 +4,14 @@
 
 #include "platform/backends/qt/paint/hole_shape.h"
 
+#include <QApplication>
+#include <QBitArray>
+#include <QEvent>
 #include <QImage>
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace velmora::tests {
 namespace {
@@ -216,6 +221,156 @@ TEST_P(HolesTest, TheLineFollowsItsTextAndVanishesWithIt) {
     EXPECT_EQ(pressesBelow().size(), 1U);
 }
 
+// --- a line that rolls ---------------------------------------------------------------------------
+
+// How often the program's windows are painted.
+class PaintCount : public QObject {
+public:
+    PaintCount() { qApp->installEventFilter(this); }
+    ~PaintCount() override { qApp->removeEventFilter(this); }
+    int count = 0;
+
+private:
+    bool eventFilter(QObject * /*watched*/, QEvent *event) override {
+        count += event->type() == QEvent::Paint;
+        return false;
+    }
+};
+
+class RollingTest : public HolesTest {
+protected:
+    static constexpr Twips step = 150;
+    std::optional<LineForm> form;
+
+    void SetUp() override {
+        HolesTest::SetUp();
+        form.emplace();
+        form->text.setAlignment(forms::Alignment::Left);
+        form->text.setAutoSize(true);
+        form->text.setCaption(
+            u"Moonlight on the water     and a long, long way to the other side of "
+            u"the lake that nobody sees from here");
+        form->text.setLeft(0);
+        form->appear();
+        ASSERT_GT(form->text.width(), form->width());
+        ASSERT_TRUE(soon([&] { return red().count(true) > 500; }));
+        roll(3);
+        desk().letPass(50);
+    }
+    void TearDown() override {
+        form.reset();
+        HolesTest::TearDown();
+    }
+    void roll(int steps) {
+        for (int i = 0; i < steps; ++i) {
+            form->text.setLeft(form->text.left() - step);
+            desk().letPass(5);
+        }
+    }
+    // Which pixels are inside a letter.
+    static QBitArray red() {
+        const ScreenPicture picture = desk().screen->picture(0, 600, 1280, 60);
+        QBitArray found(static_cast<qsizetype>(picture.pixels.size()));
+        for (std::size_t i = 0; i < picture.pixels.size(); ++i)
+            found.setBit(static_cast<qsizetype>(i), picture.pixels[i] == 0xFF0000);
+        return found;
+    }
+    // What is seen once a compositor, too, has come to the end of its work.
+    QBitArray steady() {
+        QBitArray shown;
+        EXPECT_TRUE(soon([&] {
+            const QBitArray before = std::exchange(shown, red());
+            desk().letPass(150);
+            return before == shown && shown.count(true) > 300;
+        }));
+        return shown;
+    }
+    // What the painter makes of the present place.
+    QBitArray painted() {
+        form->text.setVisible(false);
+        EXPECT_TRUE(soon([&] { return form->pixelsNot(wallpaper) == 0; }));
+        form->text.setVisible(true);
+        return steady();
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Compositor, RollingTest, testing::Values(false, true),
+                         [](const auto &which) { return which.param ? "with" : "without"; });
+
+TEST_P(RollingTest, IsPaintedOnceAndMovedByTheServer) {
+    PaintCount paints;
+    roll(20);
+    EXPECT_EQ(paints.count, 0);
+    const QBitArray moved = steady();
+    EXPECT_EQ(moved, painted());
+}
+
+TEST_P(RollingTest, HasAnOutlineOfFewerRectanglesThanOneThatStands) {
+    const int rolling = desk().screen->outlineRectangles(nativeOf(*form));
+    if (GetParam())
+        EXPECT_EQ(rolling, 0) << "that is blended, and only clicks are cut out";
+    painted();
+    EXPECT_LT(rolling, desk().screen->outlineRectangles(nativeOf(*form)));
+}
+
+TEST_P(RollingTest, TakesItsClicksWithIt) {
+    roll(20);
+    steady();
+    pressesBelow();
+    const ScreenPicture picture = desk().screen->picture(0, 630, 1280, 1);
+    const auto first =
+        std::find(picture.pixels.begin(), picture.pixels.end(), std::uint32_t{0xFF0000});
+    ASSERT_NE(first, picture.pixels.end());
+    desk().click(static_cast<int>(first - picture.pixels.begin()), 630);
+    EXPECT_EQ(pressesBelow().size(), 0U);
+    const std::vector<std::uint32_t> gap(20, wallpaper);
+    const auto between =
+        std::search(picture.pixels.begin(), picture.pixels.end(), gap.begin(), gap.end());
+    ASSERT_NE(between, picture.pixels.end());
+    desk().click(static_cast<int>(between - picture.pixels.begin()) + 10, 630);
+    EXPECT_EQ(pressesBelow().size(), 1U);
+}
+
+TEST_P(RollingTest, ComesBackWhereItWasCovered) {
+    roll(5);
+    const QBitArray before = steady();
+    xcb_connection_t *other = desk().screen->connection();
+    const xcb_gcontext_t black = xcb_generate_id(other);
+    xcb_create_gc(other, black, nativeOf(*form), 0, nullptr);
+    const xcb_rectangle_t all = {0, 0, 1280, 60};
+    xcb_poly_fill_rectangle(other, nativeOf(*form), black, 1, &all);
+    xcb_free_gc(other, black);
+    xcb_flush(other);
+    ASSERT_TRUE(soon([&] { return red().count(true) == 0; }));
+    xcb_clear_area(other, 1, nativeOf(*form), 0, 0, 0, 0);
+    xcb_flush(other);
+    EXPECT_TRUE(soon([&] { return red() == before; }));
+}
+
+TEST_P(RollingTest, GivesWayToTheNextLine) {
+    const int rectangles = desk().screen->outlineRectangles(nativeOf(*form));
+    form->text.setCaption(u"WWW");
+    form->text.setLeft(0);
+    EXPECT_TRUE(soon([&] { return form->pixel(600, 30) == wallpaper; }));
+    const QBitArray shown = steady();
+    EXPECT_LT(shown.count(true), 5000);
+    EXPECT_EQ(form->pixel(600, 30), wallpaper);
+    EXPECT_NE(desk().screen->outlineRectangles(nativeOf(*form)), rectangles);
+    EXPECT_EQ(shown, painted());
+}
+
+TEST_P(RollingTest, VanishesWithItsTextAndItsWindow) {
+    form->text.setCaption(u"");
+    EXPECT_TRUE(soon([&] { return form->pixelsNot(wallpaper) == 0; }));
+    form->text.setCaption(std::u16string(60, u'W'));
+    EXPECT_TRUE(soon([&] { return form->pixelsNot(wallpaper) > 500; }));
+    roll(5);
+    form->hide();
+    EXPECT_TRUE(soon([&] { return form->pixelsNot(wallpaper) == 0; }));
+    form->show();
+    EXPECT_TRUE(soon([&] { return form->pixelsNot(wallpaper) > 500; }));
+}
+
 TEST_P(HolesTest, SmoothedLetterPixelsNeverCount) {
     // White letters on black pass through every grey between, the key's among them.
     SkinnedForm form;
@@ -296,6 +451,20 @@ TEST(HoleShape, OfRowsTakenTogetherHasThePixelsOfAll) {
     EXPECT_EQ(rows[1].x, 5);
     EXPECT_EQ(rows[1].y, 4);
     EXPECT_EQ(rows[1].height, 1) << "not beyond the image";
+}
+
+TEST(HoleShape, ClosesGapsThatAreNarrower) {
+    QImage image(12, 1, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    for (const int x : {0, 3, 8})
+        image.setPixel(x, 0, 0xFF000000);
+    const auto rows = platform::qt::solidRows(image, 128, 1, 3);
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[0].x, 0);
+    EXPECT_EQ(rows[0].width, 4);
+    EXPECT_EQ(rows[1].x, 8);
+    EXPECT_EQ(rows[1].width, 1);
+    EXPECT_EQ(platform::qt::solidRows(image, 128, 1, 5).size(), 1U);
 }
 
 TEST(HoleShape, OfNothingIsNothing) {

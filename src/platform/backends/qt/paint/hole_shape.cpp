@@ -20,7 +20,7 @@ void addRow(const QRgb *row, std::vector<QRgb> &rows) {
         rows[x] = std::max(rows[x], row[x]);
 }
 
-void findRuns(const std::vector<QRgb> &row, int threshold, std::vector<Run> &runs) {
+void findRuns(const std::vector<QRgb> &row, int threshold, int gap, std::vector<Run> &runs) {
     runs.clear();
     const std::size_t width = row.size();
     for (std::size_t x = 0; x < width;) {
@@ -29,14 +29,19 @@ void findRuns(const std::vector<QRgb> &row, int threshold, std::vector<Run> &run
         const std::size_t from = x;
         while (x < width && qAlpha(row[x]) >= threshold)
             ++x;
-        if (x > from)
+        if (x == from)
+            continue;
+        const auto before = runs.empty() ? 0 : static_cast<std::size_t>(runs.back().left);
+        if (!runs.empty() && from - before - runs.back().width < static_cast<std::size_t>(gap))
+            runs.back().width = static_cast<std::uint16_t>(x - before);
+        else
             runs.push_back({static_cast<std::int16_t>(from), static_cast<std::uint16_t>(x - from)});
     }
 }
 
 } // namespace
 
-std::vector<xcb_rectangle_t> solidRows(const QImage &image, int threshold, int together) {
+std::vector<xcb_rectangle_t> solidRows(const QImage &image, int threshold, int together, int gap) {
     std::vector<xcb_rectangle_t> bands;
     std::vector<Run> before;
     std::vector<Run> runs;
@@ -51,7 +56,7 @@ std::vector<xcb_rectangle_t> solidRows(const QImage &image, int threshold, int t
         std::fill(rows.begin(), rows.end(), 0);
         for (int row = y; row < std::min(y + together, image.height()); ++row)
             addRow(reinterpret_cast<const QRgb *>(image.constScanLine(row)), rows);
-        findRuns(rows, threshold, runs);
+        findRuns(rows, threshold, gap, runs);
         if (y > 0 && runs == before)
             continue;
         flush(y);

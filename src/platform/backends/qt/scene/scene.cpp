@@ -358,9 +358,8 @@ void Scene::paint(const Layer &layer, QPainter &painter, const QRect &dirty, dou
     painter_.paintChildren(job, form_);
 }
 
-void Scene::paintOutline(QPainter &painter, double density) {
-    const QRectF all(0, 0, toPixels(form_.width()), toPixels(form_.height()));
-    const ControlPainter::Job job{painter, all, density, true, [](const forms::Control &control) {
+void Scene::paintOutline(QPainter &painter, double density, const QRectF &area) {
+    const ControlPainter::Job job{painter, area, density, true, [](const forms::Control &control) {
                                       return hasChildView(control);
                                   }};
     callbacks_.ground(job);

@@ -51,8 +51,9 @@ public:
 
     // A layer's part; the painter's coordinates are the layer's.
     void paint(const Layer &layer, QPainter &painter, const QRect &dirty, double density);
-    // The whole form, child widgets as plain solid areas: for its outline.
-    void paintOutline(QPainter &painter, double density);
+    // That part of the form, child widgets as plain solid areas: for its outline. It may reach
+    // beyond the form.
+    void paintOutline(QPainter &painter, double density, const QRectF &area);
 
     // The widget that is the control, or null if it is painted.
     QWidget *widgetOf(const forms::Control &control) const;

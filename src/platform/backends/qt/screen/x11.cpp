@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <QSysInfo>
 
 #include <xcb/shape.h>
 
@@ -219,14 +220,42 @@ void X11::setShape(xcb_window_t window, std::span<const xcb_rectangle_t> rows) {
     xcb_shape_rectangles(connection_, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
                          XCB_CLIP_ORDERING_YX_BANDED, window, 0, 0,
                          static_cast<std::uint32_t>(rows.size()), rows.data());
-    xcb_shape_rectangles(connection_, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
-                         XCB_CLIP_ORDERING_YX_BANDED, window, 0, 0,
-                         static_cast<std::uint32_t>(rows.size()), rows.data());
+    xcb_shape_combine(connection_, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_SHAPE_SK_BOUNDING,
+                      window, 0, 0, window);
 }
 
-void X11::clearShape(xcb_window_t window) {
+void X11::clearOutline(xcb_window_t window) {
     xcb_shape_mask(connection_, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window, 0, 0,
                    XCB_PIXMAP_NONE);
+}
+
+std::uint8_t X11::depthOf(xcb_window_t window) {
+    const Owned<xcb_get_geometry_reply_t> reply(
+        xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr));
+    return reply ? reply->depth : std::uint8_t{0};
+}
+
+bool X11::takesImages(std::uint8_t depth) const {
+    const xcb_setup_t *setup = xcb_get_setup(connection_);
+    const auto own = QSysInfo::ByteOrder == QSysInfo::LittleEndian ? XCB_IMAGE_ORDER_LSB_FIRST
+                                                                   : XCB_IMAGE_ORDER_MSB_FIRST;
+    if (setup->image_byte_order != own)
+        return false;
+    for (auto format = xcb_setup_pixmap_formats_iterator(setup); format.rem > 0;
+         xcb_format_next(&format))
+        if (format.data->depth == depth)
+            return format.data->bits_per_pixel == 32;
+    return false;
+}
+
+void X11::watchExposed(xcb_window_t window, std::function<void(std::uint32_t)> exposed) {
+    exposed_[window] = std::move(exposed);
+}
+
+void X11::forgetExposed(xcb_window_t window) { exposed_.erase(window); }
+
+void X11::clearShape(xcb_window_t window) {
+    clearOutline(window);
     xcb_shape_mask(connection_, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, window, 0, 0,
                    XCB_PIXMAP_NONE);
 }
@@ -349,6 +378,14 @@ bool X11::nativeEventFilter(const QByteArray & /*type*/, void *message, qintptr 
     const std::uint8_t type = event->response_type & 0x7FU;
     if (isAct(*event, type))
         noteAct();
+    if (type == XCB_EXPOSE && !exposed_.empty()) {
+        const auto found =
+            exposed_.find(reinterpret_cast<const xcb_expose_event_t *>(event)->window);
+        if (found == exposed_.end())
+            return false;
+        found->second(event->full_sequence);
+        return true;
+    }
     if (type == XCB_CLIENT_MESSAGE) {
         // What is dragged here is never moved: whatever the source proposes, it is asked to copy.
         // The toolkit answers with nothing but what was proposed.

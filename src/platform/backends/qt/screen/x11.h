@@ -88,6 +88,18 @@ public:
     // clicks. None at all: nothing of it is there. `clearShape` makes it whole again.
     void setShape(xcb_window_t window, std::span<const xcb_rectangle_t> rows);
     void clearShape(xcb_window_t window);
+    // The same for drawing alone: clicks go on as they are cut out.
+    void clearOutline(xcb_window_t window);
+
+    std::uint8_t depthOf(xcb_window_t window);
+    // Whether pictures of that depth have the server's pixels as this machine has them, 32 bits
+    // each.
+    bool takesImages(std::uint8_t depth) const;
+
+    // The toolkit is told no more of what is uncovered of the window: `exposed` is called instead,
+    // with the number of the request that the server was at.
+    void watchExposed(xcb_window_t window, std::function<void(std::uint32_t)> exposed);
+    void forgetExposed(xcb_window_t window);
 
     // All symbols of a key, level by level, group by group.
     std::vector<xcb_keysym_t> keySymbols(xcb_keycode_t key);
@@ -131,6 +143,7 @@ private:
     std::deque<std::function<void()>> turns_;
     std::map<xcb_window_t, std::function<void()>> sensors_;
     std::map<xcb_window_t, std::function<void()>> covered_;
+    std::map<xcb_window_t, std::function<void(std::uint32_t)>> exposed_;
     std::chrono::steady_clock::time_point lastAct_{};
     std::uint8_t fixesEvent_ = 0;
     bool composited_ = false;

@@ -21,7 +21,8 @@ namespace {
 constexpr auto forcedPause = std::chrono::milliseconds(16);
 // Paints that may follow each other at once before pumps put them off.
 constexpr int paintsAhead = 4;
-constexpr auto rollingPause = std::chrono::milliseconds(200);
+// How far behind its ends a line rolls before it turns, at most.
+constexpr Twips rollMargin = 1800;
 constexpr auto exposureLimit = std::chrono::milliseconds(500);
 
 } // namespace
@@ -37,7 +38,7 @@ QtFormWindow::QtFormWindow(Hub &hub, forms::Form &form)
               [this](const forms::Control &control, const QRectF &area) {
                   areaTouched(control, area);
               }}),
-      input_(hub, *this, form, scene_) {
+      input_(hub, *this, form, scene_), rolling_(hub.x11) {
     for (auto &[number, entry] : hub_.forms)
         if (entry.form == &form_)
             entry.window = this;
@@ -81,13 +82,23 @@ void QtFormWindow::controlChanged(forms::Control &control, forms::Change what,
     }
     if (what == forms::Change::ToolTip)
         input_.tipChanged(control);
-    scene_.controlChanged(control, what, before);
+    const bool rolled = what == forms::Change::Place && rolls(control, before) &&
+                        roll(static_cast<const forms::Label &>(control));
+    if (!rolled) {
+        if (what != forms::Change::ToolTip)
+            endRoll();
+        scene_.controlChanged(control, what, before);
+    }
     announce(scene_, control, what);
 }
 
-void QtFormWindow::controlGone(forms::Control &control) { scene_.controlGone(control); }
+void QtFormWindow::controlGone(forms::Control &control) {
+    endRoll();
+    scene_.controlGone(control);
+}
 
 void QtFormWindow::formChanged(forms::FormChange what, const RectTwips & /*before*/) {
+    endRoll();
     if (what == forms::FormChange::Visible) {
         if (form_.visible())
             show();
@@ -245,17 +256,67 @@ void QtFormWindow::applyOutline() {
     image.fill(Qt::transparent);
     {
         QPainter painter(&image);
-        scene_.paintOutline(painter, density);
+        scene_.paintOutline(painter, density,
+                            {0, 0, toPixels(form_.width()), toPixels(form_.height())});
     }
     const bool soft = translucent_ && hub_.x11.composited();
-    // While a line rolls without a compositor the server paints anew what each step uncovers, in a
-    // time that grows with the square of the rectangles: pairs of rows then share their outline.
-    const auto now = std::chrono::steady_clock::now();
-    const bool rolls = form_.unmanaged() && !soft && now - lastOutline_ < rollingPause;
-    lastOutline_ = now;
-    hub_.x11.setShape(nativeWindow(),
-                      solidRows(image, soft ? softThreshold : hardThreshold, rolls ? 2 : 1));
+    hub_.x11.setShape(nativeWindow(), solidRows(image, soft ? softThreshold : hardThreshold));
     hasOutline_ = true;
+}
+
+// A step of a line that rolls across a window which is nothing but that line.
+bool QtFormWindow::rolls(const forms::Control &control, const RectTwips &before) const {
+    const RectTwips place = control.placeInForm();
+    if (control.kind() != forms::Kind::Label || !form_.unmanaged() || !isKeyed() || !translucent_ ||
+        before.top != place.top || before.width != place.width || before.height != place.height ||
+        place.width <= form_.width() || !form_.visible() || hidePending_ || outlineDirty_ ||
+        form_.ground() != forms::Picture::None || !top_->windowHandle()->isExposed())
+        return false;
+    const auto &all = form_.controls();
+    return std::all_of(all.begin(), all.end(),
+                       [&](const forms::Control *other) {
+                           return other == &control || !other->isShown();
+                       }) &&
+           control.isShown();
+}
+
+bool QtFormWindow::roll(const forms::Label &line) {
+    const double density = scaleFactor();
+    const auto inPixels = [density](double twips) {
+        return qRound(twips / twipsPerPixel * density);
+    };
+    const int margin = inPixels(rollMargin);
+    const int left = inPixels(line.left());
+    if (!rolling_.isOn()) {
+        QImage picture(
+            QSize(inPixels(line.width()) + 2 * margin, std::max(1, inPixels(form_.height()))),
+            QImage::Format_ARGB32_Premultiplied);
+        if (picture.isNull())
+            return false;
+        picture.setDevicePixelRatio(density);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        const double origin = (margin - left) / density;
+        painter.translate(origin, 0);
+        const QSizeF seen = QSizeF(picture.size()) / density;
+        scene_.paintOutline(painter, density, {QPointF(-origin, 0), seen});
+        painter.end();
+        const QSize size(std::max(1, inPixels(form_.width())), picture.height());
+        if (!rolling_.begin(nativeWindow(), size, picture, hub_.x11.composited()))
+            return false;
+    }
+    if (rolling_.moveTo(left - margin))
+        return true;
+    endRoll();
+    return false;
+}
+
+void QtFormWindow::endRoll() {
+    if (!rolling_.isOn())
+        return;
+    rolling_.end();
+    outlineDirty_ = true;
+    top_->update();
 }
 
 void QtFormWindow::applyLook() {
@@ -269,6 +330,7 @@ void QtFormWindow::applyLook() {
 void QtFormWindow::compositorChanged() {
     if (top_ == nullptr || !isKeyed())
         return;
+    endRoll();
     ground_.forget();
     outlineDirty_ = true;
     if (form_.visible()) {
@@ -278,6 +340,7 @@ void QtFormWindow::compositorChanged() {
 }
 
 void QtFormWindow::densityChanged() {
+    endRoll();
     density_ = scaleFactor();
     ground_.forget();
     outlineDirty_ = true;

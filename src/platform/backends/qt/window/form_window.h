@@ -6,6 +6,7 @@
 #include "platform/backends/qt/scene/scene.h"
 #include "platform/backends/qt/window/form_input.h"
 #include "platform/backends/qt/window/hub.h"
+#include "platform/backends/qt/window/rolling_line.h"
 #include "platform/backends/qt/window/window_place.h"
 
 #include <chrono>
@@ -69,6 +70,9 @@ private:
     void applyPlace();
     void askTurn();
     void applyOutline();
+    bool rolls(const forms::Control &control, const RectTwips &before) const;
+    bool roll(const forms::Label &line);
+    void endRoll();
     bool putsPaintOff();
     void payPaint();
     void areaTouched(const forms::Control &control, const QRectF &area);
@@ -92,13 +96,13 @@ private:
     Ground ground_;
     Scene scene_;
     FormInput input_;
+    RollingLine rolling_;
     std::unique_ptr<TopWidget> top_;
     WindowPlace place_;
     QPoint heldOff_;
     std::optional<std::chrono::steady_clock::time_point> turnAskedAt_; // while it is awaited
     QPoint origin_; // of the program's coordinates when the window was last placed in them
     std::chrono::steady_clock::time_point lastForced_;
-    std::chrono::steady_clock::time_point lastOutline_;
     std::chrono::steady_clock::time_point paintedFor_; // what was painted serves the eye until then
     bool paintOwed_ = false;
     bool forced_ = false;
