@@ -113,6 +113,10 @@ void Main::setDragHandlers() {
         area->MouseMove = [this](const forms::MouseEvent &event) { dragMove(event); };
         area->MouseUp = [this](const forms::MouseEvent &event) { endDrag(event); };
     }
+    on().PressLost = [this] {
+        if (topmost())
+            endDrag({forms::leftButton});
+    };
     on().DblClick = [this] {
         if (playButton.enabled())
             mini_Button_Click();

@@ -102,6 +102,7 @@ private:
     void setHandlers();
     void setScrollHandlers();
     void setDragHandlers();
+    void endDrag(const forms::MouseEvent &event);
     void setMenuHandlers();
     void openMenu();
     void playRow(std::int16_t row);

@@ -143,17 +143,24 @@ void playList_Form::setDragHandlers() {
             main.move({main.left() + offset.x, main.top() + offset.y, main.width(), main.height()});
         };
         area->MouseUp = [this, isForm = area == &on()](const forms::MouseEvent &event) {
-            if (event.button == forms::leftButton) {
-                app_.formSet().settle_Pair(*this, app_.Main());
-            }
-            app_.formSet().set_Topmost(hWnd(), false);
-            app_.formSet().set_Topmost(app_.Main().hWnd(), false);
-            app_.formSet().keep_Topmost();
+            endDrag(event);
             if (isForm && event.button == forms::rightButton) {
                 openMenu();
             }
         };
     }
+    on().PressLost = [this] {
+        if (topmost())
+            endDrag({forms::leftButton});
+    };
+}
+
+void playList_Form::endDrag(const forms::MouseEvent &event) {
+    if (event.button == forms::leftButton)
+        app_.formSet().settle_Pair(*this, app_.Main());
+    app_.formSet().set_Topmost(hWnd(), false);
+    app_.formSet().set_Topmost(app_.Main().hWnd(), false);
+    app_.formSet().keep_Topmost();
 }
 
 } // namespace velmora

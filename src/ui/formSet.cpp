@@ -15,7 +15,9 @@
 #include "settings/setControl.h"
 #include "velmora.h"
 
+#include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace velmora {
 
@@ -25,6 +27,8 @@ constexpr std::uint32_t trayMessage = 2025;
 constexpr std::int32_t leftButtonUp = 0x202;
 constexpr std::int32_t rightButtonUp = 0x205;
 constexpr std::size_t tipLength = 64;
+constexpr Twips titleRow = 350; // of every window, the same
+constexpr Twips handsWidth = 120 * twipsPerPixel;
 
 std::u16string_view cutTip(std::u16string_view text) {
     if (text.size() <= tipLength)
@@ -140,6 +144,29 @@ bool formSet::read_Tray_Area() {
     return done;
 }
 
+// Each docking goes on from where the last one left the window: without an end it would leave the
+// screens. A title row that lies above or below all of them is not brought back by going aside.
+Twips formSet::within_Reach(const forms::Form &form, Twips left) {
+    const Twips right = left + form.width();
+    std::optional<Twips> first;
+    Twips last = 0;
+    Twips seen = 0;
+    for (const RectPixels &monitor : app_.platform().windows.monitors()) {
+        const auto twips = [](std::int32_t pixels) {
+            return static_cast<Twips>(pixels) * twipsPerPixel;
+        };
+        if (form.top() >= twips(monitor.bottom) || form.top() + titleRow <= twips(monitor.top))
+            continue;
+        first = std::min(first.value_or(twips(monitor.left)), twips(monitor.left));
+        last = std::max(last, twips(monitor.right));
+        seen += std::max(Twips{0}, std::min(right, twips(monitor.right)) -
+                                       std::max(left, twips(monitor.left)));
+    }
+    if (!first || seen >= handsWidth)
+        return left;
+    return std::clamp(left, *first + handsWidth - form.width(), last - handsWidth);
+}
+
 void formSet::dock_PlayList(bool flag) {
     passOver([&] {
         read_Tray_Area();
@@ -149,9 +176,9 @@ void formSet::dock_PlayList(bool flag) {
         saved_Top = roundToInt32(main.top());
         if (flag) {
             velmora::playList_Form &list = app_.playList_Form();
-            main.setLeft(main.left() - main.width() / 2);
+            main.setLeft(within_Reach(main, main.left() - main.width() / 2));
             list.setTop(main.top());
-            list.setLeft(main.left() + main.width());
+            list.setLeft(within_Reach(list, main.left() + main.width()));
         } else {
             const auto right = static_cast<Twips>(twips_Per_Pixel * work_Area.right);
             main.setLeft((right - main.width()) / 2);

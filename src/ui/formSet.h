@@ -87,6 +87,9 @@ public:
 private:
     // How far the window manager keeps a form from where it was placed.
     PointTwips held_Off(const forms::Form &form);
+    // That left side, or the nearest one which leaves a hand's width of the title row on the
+    // screens.
+    Twips within_Reach(const forms::Form &form, Twips left);
     struct Key;
 
     Velmora &app_;

@@ -285,6 +285,12 @@ bool FakeWindows::GetCursorPos(PointPixels &position) {
     return true;
 }
 
+std::vector<RectPixels> FakeWindows::monitors() {
+    std::vector<RectPixels> all = otherMonitors;
+    all.push_back({0, 0, screen.x, screen.y});
+    return all;
+}
+
 platform::MsgBoxResult FakeWindows::MsgBox(std::u16string_view text,
                                            platform::MsgBoxButtons buttons,
                                            platform::MsgBoxIcon icon, std::u16string_view title,

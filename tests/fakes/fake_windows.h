@@ -89,6 +89,7 @@ public:
     RectPixels taskBar{0, 760, 1280, 800};
     bool hasTaskBar = true;
     PointPixels screen{1280, 800};
+    std::vector<RectPixels> otherMonitors; // beside the primary one
     PointPixels cursor{0, 0};
     // The window manager keeps windows wholly in there, whatever place they ask for.
     std::optional<RectPixels> keepsInside;
@@ -162,6 +163,7 @@ public:
     Twips screenWidth() override { return static_cast<Twips>(screen.x) * twipsPerPixel; }
     Twips screenHeight() override { return static_cast<Twips>(screen.y) * twipsPerPixel; }
     bool GetCursorPos(PointPixels &position) override;
+    std::vector<RectPixels> monitors() override;
     platform::MsgBoxResult MsgBox(std::u16string_view text, platform::MsgBoxButtons buttons,
                                   platform::MsgBoxIcon icon, std::u16string_view title,
                                   std::u16string_view source = {}) override;

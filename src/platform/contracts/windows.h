@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace velmora::forms {
 class Menu;
@@ -95,6 +96,8 @@ public:
     virtual HWND FindWindowA(std::u16string_view className) = 0;
     virtual bool GetWindowRect(HWND window, RectPixels &rect) = 0;
     virtual bool GetCursorPos(PointPixels &position) = 0;
+    // All monitors, as the primary one's corner counts them; none where that cannot be told.
+    virtual std::vector<RectPixels> monitors() = 0;
     // Called from the loop after the screens changed: which of them is the primary one, its size or
     // scale, or what panels leave free of it. Empty for nobody.
     std::function<void()> onScreensChanged;

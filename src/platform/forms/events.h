@@ -56,6 +56,9 @@ struct FormEvents : ControlEvents {
     std::function<void(bool &cancel)> QueryUnload;
     std::function<void()> Unload;
     std::function<void()> Resize;
+    // A press on the form or one of its controls has ended without its release: a box took that, or
+    // the form was disabled meanwhile.
+    std::function<void()> PressLost;
 };
 
 } // namespace velmora::forms

@@ -7,6 +7,7 @@
 #include "platform/forms/user_control.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace velmora::forms {
 
@@ -219,8 +220,13 @@ void Form::pointerReleased(PointTwips at, std::int16_t button, std::int16_t shif
         captured_ = nullptr;
         formCaptured_ = false;
     }
-    if (!enabled_ || !ours)
+    if (!ours)
         return;
+    if (!enabled_) {
+        if (heldButtons_ == 0)
+            raiseIfSet(events_ != nullptr ? &events_->PressLost : nullptr);
+        return;
+    }
     const bool within = takerAt(at) == target && inside({0, 0, width(), height()}, at);
     const bool click = within && button == leftButton && !clickSpent_ &&
                        (target == nullptr || !clicksByItself(target->kind()));
@@ -269,12 +275,14 @@ void Form::pointerDoubleClicked(PointTwips at, std::int16_t button, std::int16_t
 }
 
 void Form::pointerLost() {
-    heldButtons_ = 0;
+    const bool wasHeld = std::exchange(heldButtons_, std::int16_t{0}) != 0;
     // The pointer may be anywhere now; the next move or leave tells a button that held the press.
     if (asCustom(captured_) != nullptr)
         hovered_ = captured_;
     captured_ = nullptr;
     formCaptured_ = false;
+    if (wasHeld)
+        raiseIfSet(events_ != nullptr ? &events_->PressLost : nullptr);
 }
 
 void Form::pointerLeft() {

@@ -10,7 +10,7 @@ import subprocess
 import sys
 import unittest
 
-from player import LIST, MAIN, MINI, PlayerTest, stairs
+from player import LIST, MAIN, MINI, TITLE, Player, PlayerTest, said, stairs
 from session import Session, let_pass, quiet, rest, wait_for
 
 WIDTH = int(MAIN["form"][2])
@@ -142,6 +142,76 @@ class Minimised(Placing):
         self.assertTrue(player.form(LIST), "the list is lost")
 
 
+class Unminimised(Placing):
+    """Where nothing is minimised the window goes on as it was."""
+
+    def session_kind(self, window_manager, sound):
+        return Session(window_manager=False, sound=sound)
+
+    def test_after_its_button_it_takes_moves_and_clicks_as_before(self):
+        player, main = self.start()
+        player.click(main, "minimizeButton")
+        let_pass(1.5)  # the manager is given a second for it
+        player.move(main, 400, 40)
+        player.click(main, "playListButton")
+        rows = player.form(LIST)
+        self.assertTrue(rows, "its button does not answer")
+        player.click_at(main, 150, 12, times=2)
+        self.assertTrue(player.form(MINI), "its title does not answer")
+
+
+class Entry(Placing):
+    """While the strip stands for the main window the task bar has an entry for it."""
+
+    def entries(self):
+        listed = quiet("xprop", "-root", "_NET_CLIENT_LIST", env=self.session.env)
+        return [window for window in re.findall("0x[0-9a-f]+", listed)
+                if "Iconic" in quiet("xprop", "-id", window, "WM_STATE", env=self.session.env)]
+
+    def entry(self):
+        return wait_for(lambda: next(iter(self.entries()), None), 30)
+
+    def enter(self):
+        player, main = self.start()
+        player.click(main, "mini_Button")
+        strip = player.form(MINI)
+        self.assertTrue(strip and player.gone(main))
+        entry = self.entry()
+        self.assertTrue(entry, "no list of windows has it")
+        return player, main, strip, entry
+
+    def test_called_up_it_brings_the_main_window_and_goes(self):
+        player, main, strip, entry = self.enter()
+        told = quiet("xprop", "-id", entry, "WM_CLASS", "_NET_WM_NAME", "_NET_WM_STATE",
+                     env=self.session.env)
+        self.assertIn("velmora", told)
+        self.assertIn(TITLE, told)
+        self.assertNotIn("SKIP_TASKBAR", told)
+        quiet("xdotool", "windowactivate", entry, env=self.session.env)
+        self.assertTrue(player.window(), "the main window does not come")
+        self.assertTrue(player.gone(strip), "the strip stays beside it")
+        self.assertTrue(wait_for(lambda: not self.entries(), 30), "two entries stay")
+
+    def test_each_mini_mode_has_one(self):
+        player, main, strip, entry = self.enter()
+        for _ in range(2):
+            self.lock_strip(player, strip)
+            player.click(strip, "auto_Hide_Lock_True", form=MINI)
+            player.click(strip, "mini_Button", form=MINI)
+            self.assertTrue(player.window())
+            self.assertTrue(wait_for(lambda: not self.entries(), 30), "it stays")
+            player.click(main, "mini_Button")
+            strip = player.form(MINI)
+            self.assertTrue(strip and self.entry(), "it does not come back")
+            self.assertEqual(len(self.entries()), 1)
+
+    def test_closed_there_the_program_ends(self):
+        player, _, _, entry = self.enter()
+        quiet("wmctrl", "-i", "-c", entry, env=self.session.env)
+        self.assertTrue(player.ended(), "it does not end")
+        self.assertEqual(player.child.returncode, 0)
+
+
 class TwoMonitors(Session):
     """A screen of two halves; the left one is the primary monitor."""
     screen = "2560x800x24"
@@ -207,6 +277,116 @@ class Monitors(Placing):
         player.tool("mouseup", 1)
         self.assertTrue(wait_for(lambda: player.place(main) == (before[0] + 60, before[1] + 36)),
                         f"from {before} it was thrown to {player.place(main)}")
+
+
+class Stacked(Session):
+    """The primary monitor stands below the other one."""
+    screen = "1280x1600x24"
+
+    def _display(self):
+        super()._display()
+        for name, top, output in (("upper", 0, "none"), ("*lower", 800, "screen")):
+            quiet("xrandr", "--setmonitor", name, f"1280/340x800/200+0+{top}", output, env=self.env)
+
+
+class Above(Placing):
+    session_kind = Stacked
+
+    def rows_of(self, strip):
+        """What there is of it, above and below the edge."""
+        shape = quiet("xwininfo", "-shape", "-id", strip, env=self.session.env)
+        found = re.search(r"Window shape extents: *(\d+)x(\d+)([+-]-?\d+)([+-]-?\d+)", shape)
+        return found and (int(found[2]), int(found[4].lstrip("+")))
+
+    def test_a_monitor_above_shows_nothing_of_a_strip_that_is_out_of_sight(self):
+        player, main = self.start()
+        self.assertGreater(player.place(main)[1], 800)
+        player.click(main, "mini_Button")
+        strip = player.form(MINI)
+        self.assertTrue(strip and player.gone(main))
+        high = int(MINI["form"][3])
+        x = player.place(strip)[0] + 300
+        for _ in range(2):
+            player.tool("mousemove", 640, 1300)
+            self.assertTrue(wait_for(lambda: player.place(strip)[1] <= 800 - high, 30), "it stays")
+            self.assertTrue(wait_for(lambda: (self.rows_of(strip) or (1, 0))[0] <= 1, 30),
+                            f"seen on the other monitor: {self.rows_of(strip)}")
+            # No edge stops the pointer there: a hand comes near it.
+            player.tool("mousemove", x, 803)
+            self.assertTrue(wait_for(lambda: player.place(strip)[1] == 800, 30), "it is lost")
+            self.assertTrue(wait_for(lambda: (self.rows_of(strip) or (0, 0))[0] >= high - 1, 30),
+                            f"cut where it is in sight: {self.rows_of(strip)}")
+            player.tool("mousemove", x, 820)
+
+    def test_dragged_up_there_it_is_whole(self):
+        player, main = self.start()
+        player.click(main, "mini_Button")
+        strip = player.form(MINI)
+        self.assertTrue(strip and player.gone(main))
+        player.tool("mousemove", player.place(strip)[0] + 40, 800)
+        self.assertTrue(wait_for(lambda: player.place(strip)[1] == 800, 30))
+        player.click(strip, "auto_Hide_Lock_False", form=MINI)
+        player.tool("mousemove", *player.point(strip, 15, 20))
+        player.tool("mousedown", 1)
+        self.assertTrue(player.took(strip))
+        self.haul(player, (0, -420))
+        player.tool("mouseup", 1)
+        self.assertTrue(wait_for(lambda: player.place(strip)[1] == 380, 30), f"{player.place(strip)}")
+        self.assertTrue(wait_for(lambda: (self.rows_of(strip) or (0, 0))[0] >= int(MINI["form"][3]) - 1, 30),
+                        f"cut: {self.rows_of(strip)}")
+
+
+class WideScreen(Session):
+    screen = "2560x1600x24"
+
+
+class Between(Placing):
+    """Densities at which no whole number of the program's pixels is as wide as the screen."""
+    reads = True
+    session_kind = WideScreen
+
+    def press(self, player, window, control, scale):
+        left, top, width, height = (side * scale for side in MAIN[control])
+        player.click_at(window, left + width / 2, top + height / 2)
+
+    def line(self, density):
+        """The line on the desktop, as a track with a lyric brings it up."""
+        self.session.env["QT_SCALE_FACTOR"] = str(density)
+        player = Player(self.session)
+        self.addCleanup(self.session.stop, player.child)
+        wanted = [side * density for side in MAIN["form"][2:4]]
+        main = wait_for(lambda: next(
+            (each for each in player.windows()
+             if all(abs(a - b) < 2 for a, b in zip(player.size(each), wanted))), None))
+        self.assertTrue(main, "the main window does not come up")
+        self.press(player, main, "nextButton", density)
+        # What it says tells that the fade-in is over and the lyric has been found.
+        self.assertTrue(wait_for(lambda: any(
+            "Words" in text for window in player.told() for text in said(window)), 120), "no lyric")
+        self.press(player, main, "desktop_Lrc", density)
+        line = wait_for(lambda: next(
+            (each for each in player.windows()
+             if player.unmanaged(each) and player.size(each)[0] >= 2550), None))
+        self.assertTrue(line, "no line comes up")
+        return player, line
+
+    def assert_fits(self, density):
+        player, line = self.line(density)
+        self.assertTrue(wait_for(lambda: player.size(line)[0] == 2560), f"{player.size(line)}")
+        self.assertEqual(player.place(line)[0], 0)
+        foot = player.place(line)[1] + player.size(line)[1]
+        self.assertTrue(1600 - density <= foot <= 1600, f"its foot is at {foot}")
+
+    def setUp(self):
+        super().setUp()
+        with open(self.track[:-3] + "lrc", "w", encoding="utf-8") as lyric:
+            lyric.writelines(f"[00:{second:02}.00]Words\n" for second in range(60))
+
+    def test_at_one_and_a_half_the_line_is_as_wide_as_the_screen_and_ends_at_its_foot(self):
+        self.assert_fits(1.5)
+
+    def test_at_one_and_a_quarter_too(self):
+        self.assert_fits(1.25)
 
 
 class GuestScreen(Session):

@@ -100,6 +100,43 @@ TEST_F(Drag, OfMainOrTheListByAnyHandleTakesTheOtherAlong) {
     }
 }
 
+// A box that comes up meanwhile takes the release; so does whatever disables the form.
+TEST_F(Drag, WhoseReleaseIsLostLeavesNothingAboveTheOthers) {
+    struct Grip {
+        forms::Form &form;
+        const char *name;
+    };
+    const Grip grips[] = {{app.Main(), "the main window"}, {app.playList_Form(), "the list"}};
+    for (const Grip &grip : grips) {
+        for (const bool byBox : {true, false}) {
+            SCOPED_TRACE(std::string(grip.name) + (byBox ? " by a box" : " by being disabled"));
+            app.Main().show();
+            app.playList_Form().show();
+            windows.cursor = {400, 300};
+            grip.form.pointerPressed({20, 20}, forms::leftButton, 0);
+            ASSERT_TRUE(app.Main().topmost());
+            if (byBox) {
+                grip.form.pointerLost();
+            } else {
+                grip.form.setEnabled(false);
+                grip.form.pointerReleased({20, 20}, forms::leftButton, 0);
+                grip.form.setEnabled(true);
+            }
+            EXPECT_FALSE(app.Main().topmost());
+            EXPECT_FALSE(app.playList_Form().topmost());
+        }
+    }
+}
+
+TEST_F(Drag, APressOnAButtonWhoseReleaseIsLostChangesNoOrder) {
+    app.Main().show();
+    windows.positionings.clear();
+    const RectTwips place = app.Main().stopButton.placeInForm();
+    app.Main().pointerPressed({place.left + 30, place.top + 30}, forms::leftButton, 0);
+    app.Main().pointerLost();
+    EXPECT_TRUE(windows.positionings.empty());
+}
+
 // A window manager that keeps windows on its screen, and the two windows side by side on it.
 class HeldPair : public Drag {
 protected:

@@ -199,6 +199,46 @@ TEST_F(WindowRules, DockingLeavesTheListsSizeAndMainsTop) {
     EXPECT_EQ(app.playList_Form().height(), height);
 }
 
+// A hand's width is 120 pixels, and Main 480 wide.
+TEST_F(WindowRules, DockingAgainAndAgainLeavesAHandsWidthOfMainOnTheScreen) {
+    app.Main().move({60, 3000, 7200, 3240});
+    for (int i = 0; i < 6; ++i)
+        app.formSet().dock_PlayList(true);
+    EXPECT_EQ(app.Main().left(), (120 - 480) * 15);
+    EXPECT_EQ(app.playList_Form().left(), 120 * 15) << "and the list beside it";
+}
+
+TEST_F(WindowRules, DockingGoesOnOverAMonitorBesideAndStopsAtItsEdge) {
+    windows.otherMonitors = {{-1000, 0, 0, 800}};
+    app.Main().move({0, 3000, 7200, 3240});
+    app.formSet().dock_PlayList(true);
+    EXPECT_EQ(app.Main().left(), -3600) << "all of it is seen";
+    for (int i = 0; i < 6; ++i)
+        app.formSet().dock_PlayList(true);
+    EXPECT_EQ(app.Main().left(), (-1000 + 120 - 480) * 15);
+}
+
+TEST_F(WindowRules, AMonitorThatDoesNotReachTheTitleRowHoldsNoWindow) {
+    windows.otherMonitors = {{-1000, 400, 0, 1200}};
+    app.Main().move({0, 3000, 7200, 3240});
+    for (int i = 0; i < 6; ++i)
+        app.formSet().dock_PlayList(true);
+    EXPECT_EQ(app.Main().left(), (120 - 480) * 15);
+}
+
+TEST_F(WindowRules, DockingLeavesAHandsWidthOfTheListAtTheRightEdge) {
+    app.Main().move({1270 * 15, 3000, 7200, 3240});
+    app.formSet().dock_PlayList(true);
+    EXPECT_EQ(app.Main().left(), (1270 - 240) * 15) << "the formula stands";
+    EXPECT_EQ(app.playList_Form().left(), (1280 - 120) * 15);
+}
+
+TEST_F(WindowRules, WhatLiesBelowAllScreensIsDockedByTheFormulaAlone) {
+    app.Main().move({-3600, 900 * 15, 7200, 3240});
+    app.formSet().dock_PlayList(true);
+    EXPECT_EQ(app.Main().left(), -7200);
+}
+
 TEST_F(WindowRules, UndockingLeavesTheListWhereItIs) {
     app.playList_Form().move({900, 800, 3000, 3000});
     app.formSet().dock_PlayList(false);

@@ -194,6 +194,8 @@ void Tray::clicked(StatusClick click, PointPixels place) {
     }
 }
 
+void Tray::click() { clicked(StatusClick::Left, {}); }
+
 // A panel opens the menu whenever it likes; while a right click would not, nothing of it can be
 // chosen. It does not look like that: a panel that is not asked to show the menu would not learn
 // when that is over.

@@ -25,6 +25,8 @@ public:
     void setPanel(StatusItem *panel) { panel_ = panel; }
     void setMenu(forms::Menu &menu, std::function<bool()> opens);
     bool notify(std::uint32_t operation, const NotifyIconData &data);
+    // As by a click on the icon, whether there is a tray for it or none.
+    void click();
 
 private:
     std::vector<StatusPicture> pictures() override;

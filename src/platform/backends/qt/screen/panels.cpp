@@ -1,5 +1,7 @@
 #include "platform/backends/qt/screen/panels.h"
 
+#include "platform/backends/qt/screen/screens.h"
+
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -23,11 +25,6 @@ constexpr std::size_t areaNumbers = 4;
 int number(std::uint32_t told) {
     return static_cast<int>(
         std::min<std::uint32_t>(told, std::numeric_limits<std::int16_t>::max()));
-}
-
-QRect inPixels(const QScreen &screen) {
-    const QRect area = screen.geometry();
-    return {area.topLeft(), (QSizeF(area.size()) * screen.devicePixelRatio()).toSize()};
 }
 
 // A window that keeps part of its monitor keeps it between that monitor's ends, where it says so.
@@ -108,7 +105,7 @@ QRect leftFree(const QRect &monitor, QSize root, std::span<const Strut> struts) 
 QRect freeOfPanels(X11 &x11, const QScreen &screen) {
     if (QGuiApplication::screens().size() == 1)
         return screen.availableGeometry();
-    const QRect monitor = inPixels(screen);
+    const QRect monitor = screens::inDevicePixels(screen);
     const std::optional<QRect> told = toldFree(x11, monitor);
     const QRect free = told ? *told : leftFree(monitor, x11.rootSize(), allStruts(x11));
     const double density = screen.devicePixelRatio();

@@ -41,6 +41,47 @@ RectPixels taskBar(X11 &x11) {
     return {0, std::min(work.bottom, screen.height()), screen.width(), screen.height()};
 }
 
+std::vector<RectPixels> all() {
+    std::vector<RectPixels> found;
+    for (const QScreen *screen : QGuiApplication::screens()) {
+        const QRect area = screen->geometry().translated(-primary().topLeft());
+        found.push_back({area.left(), area.top(), area.right() + 1, area.bottom() + 1});
+    }
+    return found;
+}
+
+QPoint toDevice(QPoint place) {
+    const QScreen *screen = QGuiApplication::screenAt(place);
+    if (screen == nullptr)
+        screen = QGuiApplication::primaryScreen();
+    if (screen == nullptr)
+        return place;
+    const QPoint corner = screen->geometry().topLeft();
+    return corner + (QPointF(place - corner) * screen->devicePixelRatio()).toPoint();
+}
+
+// The toolkit rounds a monitor's size; monitors are an even number of pixels wide and high.
+QRect inDevicePixels(const QScreen &screen) {
+    const double density = screen.devicePixelRatio();
+    const auto side = [density](int rounded) {
+        const int near = static_cast<int>(rounded * density);
+        for (const int exact : {near, near + 1, near - 1})
+            if (exact % 2 == 0 && qRound(exact / density) == rounded)
+                return exact;
+        return qRound(rounded * density);
+    };
+    const QRect area = screen.geometry();
+    return {area.topLeft(), QSize(side(area.width()), side(area.height()))};
+}
+
+bool goesOnAbove(int left, int right) {
+    const QRect edge(QPoint(left, primary().top() - 1), QPoint(right, primary().top() - 1));
+    const auto screens = QGuiApplication::screens();
+    return std::any_of(screens.begin(), screens.end(), [&](const QScreen *screen) {
+        return inDevicePixels(*screen).intersects(edge) || screen->geometry().intersects(edge);
+    });
+}
+
 QRect reachable(const QRect &area) {
     const int needed = std::min(handle, area.width());
     for (const QScreen *screen : QGuiApplication::screens()) {

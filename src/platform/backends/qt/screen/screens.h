@@ -9,6 +9,10 @@
 #include <QPointF>
 #include <QRect>
 
+#include <vector>
+
+class QScreen;
+
 namespace velmora::platform::qt::screens {
 
 // The primary monitor in the toolkit's coordinates.
@@ -23,6 +27,16 @@ QRect freeOfPanelsAt(X11 &x11, QPoint place);
 RectPixels workArea(X11 &x11);
 // The strip at the bottom that the work area leaves free; of zero height if there is none.
 RectPixels taskBar(X11 &x11);
+std::vector<RectPixels> all();
+
+// A place on the screens in the server's pixels: the toolkit counts a monitor's own from its
+// corner.
+QPoint toDevice(QPoint place);
+// A monitor in the server's pixels.
+QRect inDevicePixels(const QScreen &screen);
+// Whether another monitor lies right above the primary one somewhere in these columns, in the
+// toolkit's pixels.
+bool goesOnAbove(int left, int right);
 
 // `area` (in the toolkit's coordinates), or where it goes so that it can be reached: onto the
 // primary monitor if no monitor has enough of its columns, or all of it lies below. How far it lies

@@ -26,6 +26,7 @@ constexpr std::uint32_t stateAdd = 1;
 constexpr std::uint32_t sourceApplication = 1;
 constexpr std::uint32_t iconicState = 3;
 constexpr std::uint32_t maxStates = 64;
+constexpr std::uint32_t maxSupported = 1024;
 constexpr std::size_t mostTurns = 32;
 constexpr std::uint32_t maxWindows = 4096;
 
@@ -86,7 +87,9 @@ void X11::internAtoms() {
                                           "_NET_WORKAREA",
                                           "_GTK_WORKAREAS_D0",
                                           "_NET_WM_STRUT_PARTIAL",
-                                          "_NET_WM_STRUT"};
+                                          "_NET_WM_STRUT",
+                                          "_NET_SUPPORTED",
+                                          "_NET_WM_ACTION_MINIMIZE"};
     xcb_intern_atom_cookie_t asked[AtomCount];
     for (int i = 0; i < AtomCount; ++i)
         asked[i] =
@@ -121,10 +124,10 @@ bool X11::readComposited() {
     return reply && reply->owner != XCB_WINDOW_NONE;
 }
 
-std::vector<xcb_atom_t> X11::readStates(xcb_window_t window) {
+std::vector<xcb_atom_t> X11::readAtoms(xcb_window_t window, Atom property, std::uint32_t most) {
     const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(
         connection_,
-        xcb_get_property(connection_, 0, window, atoms_[NetWmState], XCB_ATOM_ATOM, 0, maxStates),
+        xcb_get_property(connection_, 0, window, atoms_[property], XCB_ATOM_ATOM, 0, most),
         nullptr));
     if (!reply || reply->type != XCB_ATOM_ATOM || reply->format != 32)
         return {};
@@ -169,7 +172,7 @@ QSize X11::rootSize() {
 }
 
 void X11::setStatesBeforeMap(xcb_window_t window, std::initializer_list<Atom> states) {
-    std::vector<xcb_atom_t> all = readStates(window);
+    std::vector<xcb_atom_t> all = readAtoms(window, NetWmState, maxStates);
     for (const Atom state : states)
         if (std::find(all.begin(), all.end(), atoms_[state]) == all.end())
             all.push_back(atoms_[state]);
@@ -206,9 +209,23 @@ void X11::iconify(xcb_window_t window) {
     tellManager(event);
 }
 
+bool X11::isIconic(xcb_window_t window) {
+    const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        connection_,
+        xcb_get_property(connection_, 0, window, atoms_[WmState], atoms_[WmState], 0, 1), nullptr));
+    if (!reply || reply->format != 32 || reply->value_len == 0)
+        return false;
+    return *static_cast<const std::uint32_t *>(xcb_get_property_value(reply.get())) == iconicState;
+}
+
 bool X11::hasState(xcb_window_t window, Atom state) {
-    const std::vector<xcb_atom_t> all = readStates(window);
+    const std::vector<xcb_atom_t> all = readAtoms(window, NetWmState, maxStates);
     return std::find(all.begin(), all.end(), atoms_[state]) != all.end();
+}
+
+bool X11::managerMinimises() {
+    const std::vector<xcb_atom_t> all = readAtoms(root(), Supported, maxSupported);
+    return std::find(all.begin(), all.end(), atoms_[ActionMinimize]) != all.end();
 }
 
 void X11::setShape(xcb_window_t window, std::span<const xcb_rectangle_t> rows) {

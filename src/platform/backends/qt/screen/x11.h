@@ -43,6 +43,8 @@ public:
         GtkWorkAreas,
         StrutPartial,
         Strut,
+        Supported,
+        ActionMinimize,
         AtomCount
     };
 
@@ -70,7 +72,11 @@ public:
     void requestState(xcb_window_t window, bool on, Atom state);
     // Asks the window manager to minimise a mapped window.
     void iconify(xcb_window_t window);
+    // Whether the window manager says that it has minimised it.
+    bool isIconic(xcb_window_t window);
     bool hasState(xcb_window_t window, Atom state);
+    // Whether the window manager says that it minimises windows.
+    bool managerMinimises();
 
     // The windows that a property of the screen names; absent where nobody has set it.
     std::optional<std::vector<xcb_window_t>> windowsOfRoot(Atom property);
@@ -131,7 +137,7 @@ private:
     static bool isGuestScreen();
     bool readComposited();
     void tellManager(const xcb_client_message_event_t &event);
-    std::vector<xcb_atom_t> readStates(xcb_window_t window);
+    std::vector<xcb_atom_t> readAtoms(xcb_window_t window, Atom property, std::uint32_t most);
     xcb_visualid_t clearVisual() const;
     void propertyChanged(const xcb_property_notify_event_t &change);
     bool hasExtension(const char *name, std::uint8_t &firstEvent);

@@ -14,7 +14,7 @@ namespace velmora::platform::qt {
 class EdgeSensor {
 public:
     // `active` is false where the server knows the pointer everywhere.
-    EdgeSensor(Hub &hub, bool active) : hub_(hub), active_(active) {}
+    EdgeSensor(Hub &hub, bool active);
     ~EdgeSensor();
     EdgeSensor(const EdgeSensor &) = delete;
     EdgeSensor &operator=(const EdgeSensor &) = delete;
@@ -26,9 +26,14 @@ private:
     const forms::Form *strip() const;
     void follow(const forms::Form &strip);
     void drop();
+    void holdPointer(const forms::Form *strip, PointPixels pointer);
+    static PointPixels onTheEdge(const forms::Form *strip, PointPixels real);
 
     Hub &hub_;
     bool active_;
+    bool onGnome_;
+    bool isTold_ = true; // of the last touch, however busy the program was since
+    bool holds_ = false; // the pointer
     xcb_window_t sensor_ = XCB_WINDOW_NONE;
     QRect place_;
     std::chrono::steady_clock::time_point touched_{}; // when the pointer last came over it

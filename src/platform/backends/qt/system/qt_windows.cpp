@@ -120,6 +120,7 @@ QtWindowSystem::QtWindowSystem(std::unique_ptr<Parts> parts) : parts_(std::move(
         if (onScreensChanged)
             onScreensChanged();
     });
+    parts_->hub.onEntry = [this] { parts_->tray.click(); };
     parts_->hub.x11.onWorkArea = [this] { parts_->screenWatch->changed(); };
 }
 
@@ -351,6 +352,7 @@ bool QtWindowSystem::GetWindowRect(HWND window, RectPixels &rect) {
 }
 
 Twips QtWindowSystem::screenWidth() { return qt::toTwips(qt::screens::primary().width()); }
+std::vector<RectPixels> QtWindowSystem::monitors() { return qt::screens::all(); }
 Twips QtWindowSystem::screenHeight() { return qt::toTwips(qt::screens::primary().height()); }
 
 // The pointer is asked for at every tick of a strip that may be hidden, and each question is a

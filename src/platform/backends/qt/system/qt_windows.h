@@ -101,6 +101,7 @@ public:
     Twips screenWidth() override;
     Twips screenHeight() override;
     bool GetCursorPos(PointPixels &position) override;
+    std::vector<RectPixels> monitors() override;
 
     MsgBoxResult MsgBox(std::u16string_view text, MsgBoxButtons buttons, MsgBoxIcon icon,
                         std::u16string_view title, std::u16string_view source = {}) override;

@@ -5,6 +5,7 @@
 #include "platform/backends/qt/screen/screens.h"
 #include "platform/backends/qt/screen/text_convert.h"
 #include "platform/backends/qt/window/accessible.h"
+#include "platform/backends/qt/window/task_entry.h"
 #include "platform/backends/qt/window/top_widget.h"
 
 #include <QGuiApplication>
@@ -13,6 +14,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <cstring>
 
 namespace velmora::platform::qt {
 
@@ -259,6 +261,8 @@ void QtFormWindow::applyOutline() {
         scene_.paintOutline(painter, density,
                             {0, 0, toPixels(form_.width()), toPixels(form_.height())});
     }
+    if (const int cut = std::min(cutAbove(), image.height()))
+        std::memset(image.bits(), 0, static_cast<std::size_t>(image.bytesPerLine()) * cut);
     const bool soft = translucent_ && hub_.x11.composited();
     hub_.x11.setShape(nativeWindow(), solidRows(image, soft ? softThreshold : hardThreshold));
     hasOutline_ = true;

@@ -15,6 +15,7 @@
 
 namespace velmora::platform::qt {
 
+class TaskEntry;
 class TopWidget;
 
 class QtFormWindow : public forms::FormWindow {
@@ -82,14 +83,18 @@ private:
     bool mayTakeKeyboard() const;
     void firstFocus();
     void comeBack();
+    void enterTaskBar();
     void densityChanged();
     void originChanged();
+    void keepOnMonitor();
+    int cutAbove() const;
 
     // From the toolkit.
     void closed();
     void moved();
     void stateChanged();
     void activated();
+    void blocked();
 
     Hub &hub_;
     forms::Form &form_;
@@ -98,6 +103,7 @@ private:
     FormInput input_;
     RollingLine rolling_;
     std::unique_ptr<TopWidget> top_;
+    std::unique_ptr<TaskEntry> entry_; // of an unmanaged window while it is shown
     WindowPlace place_;
     QPoint heldOff_;
     std::optional<std::chrono::steady_clock::time_point> turnAskedAt_; // while it is awaited
@@ -117,6 +123,7 @@ private:
     bool attentionAsked_ = false; // since it was last active
     bool placing_ = false;
     bool fullScreen_ = false;
+    bool isCutAbove_ = false;
     double density_ = 1; // of the screen when the window was last placed for it
 };
 

@@ -2,13 +2,16 @@
 
 #include "platform/backends/qt/screen/geometry.h"
 #include "platform/backends/qt/screen/screens.h"
+#include "platform/backends/qt/screen/shell.h"
 #include "platform/backends/qt/screen/stacking.h"
 #include "platform/backends/qt/screen/text_convert.h"
 #include "platform/backends/qt/window/form_window.h"
+#include "platform/backends/qt/window/task_entry.h"
 #include "platform/backends/qt/window/top_widget.h"
 
 #include <QApplication>
 #include <QPointer>
+#include <QScreen>
 #include <QTimer>
 #include <QWindow>
 
@@ -21,6 +24,7 @@ namespace {
 
 constexpr int raisePauseMs = 100;
 constexpr int iconifyLimitMs = 1000;
+constexpr int slideRoom = 7; // logical pixels: a step of a slide
 // A manager that was replaced meanwhile does not answer what the one before it was asked.
 constexpr auto turnAnew = std::chrono::seconds(2);
 constexpr auto placeLimit = std::chrono::milliseconds(500);
@@ -30,13 +34,6 @@ Qt::WindowFlags flagsOf(const forms::Form &form) {
     if (form.unmanaged())
         flags |= Qt::BypassWindowManagerHint;
     return flags;
-}
-
-// A shell that makes of each wish for attention a notice that stays in its list.
-bool tellsByNotices() {
-    return qEnvironmentVariable("XDG_CURRENT_DESKTOP")
-        .split(QLatin1Char(':'))
-        .contains(QLatin1String("GNOME"));
 }
 
 QRect areaOf(const forms::Form &form) {
@@ -78,6 +75,7 @@ void QtFormWindow::realise() {
     top_->winId();
     density_ = scaleFactor();
     origin_ = screens::primary().topLeft();
+    keepOnMonitor();
     QObject::connect(top_->windowHandle(), &QWindow::screenChanged, top_.get(),
                      [this] { densityChanged(); });
 }
@@ -126,6 +124,22 @@ void QtFormWindow::show() {
         firstFocus();
     if (form_.unmanaged() && form_.topmost())
         applyTopmost();
+    enterTaskBar();
+}
+
+// No manager lists what it does not have. One that minimises nothing would show what stands for it.
+void QtFormWindow::enterTaskBar() {
+    if (entry_ != nullptr || !form_.unmanaged() || !form_.showInTaskbar() ||
+        !hub_.x11.managerMinimises())
+        return;
+    entry_ =
+        std::make_unique<TaskEntry>(hub_.x11, toShown(form_.caption()), hub_.icon(form_.icon()),
+                                    TaskEntry::Wishes{[this] {
+                                                          hub_.x11.noteAct();
+                                                          if (hub_.onEntry)
+                                                              hub_.onEntry();
+                                                      },
+                                                      [this] { closed(); }});
 }
 
 // A film that follows another by itself comes up while the person may be writing elsewhere.
@@ -165,6 +179,7 @@ void QtFormWindow::hideNow() {
         return;
     hidePending_ = false;
     heldOff_ = {};
+    entry_.reset();
     top_->hide();
     ground_.forget();
 }
@@ -196,20 +211,56 @@ void QtFormWindow::applyPlace() {
         top_->setGeometry(area);
     } else if (before == area && top_->isVisible()) {
         // The toolkit believes a late report; the server knows better.
-        const double density = scaleFactor();
-        const std::uint32_t values[] = {static_cast<std::uint32_t>(qRound(area.x() * density)),
-                                        static_cast<std::uint32_t>(qRound(area.y() * density))};
+        const QPoint at = screens::toDevice(area.topLeft());
+        const std::uint32_t values[] = {static_cast<std::uint32_t>(at.x()),
+                                        static_cast<std::uint32_t>(at.y())};
         xcb_configure_window(hub_.x11.connection(), nativeWindow(),
                              XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, values);
         hub_.x11.flush();
     }
     placing_ = false;
+    keepOnMonitor();
     askTurn();
-    if (resized) {
+    if (resized || std::exchange(isCutAbove_, cutAbove() > 0) || isCutAbove_) {
         outlineDirty_ = true;
         applyOutline();
         top_->update();
     }
+}
+
+// What is as wide as its monitor the toolkit rounds up at some densities: a column of it would
+// stand on the next one.
+void QtFormWindow::keepOnMonitor() {
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    if (!form_.unmanaged() || screen == nullptr || top_->windowHandle() == nullptr)
+        return;
+    const QRect area = areaOf(form_);
+    const QRect monitor = screens::inDevicePixels(*screen);
+    const QRect window(screens::toDevice(area.topLeft()),
+                       (QSizeF(area.size()) * scaleFactor()).toSize());
+    const bool isAsWide = area.right() == screen->geometry().right();
+    const bool isAsLow = area.bottom() == screen->geometry().bottom();
+    const QSize kept(
+        isAsWide ? std::min(window.right(), monitor.right()) - window.left() + 1 : window.width(),
+        isAsLow ? std::min(window.bottom(), monitor.bottom()) - window.top() + 1 : window.height());
+    if (kept == window.size() || kept.isEmpty())
+        return;
+    const std::uint32_t values[] = {static_cast<std::uint32_t>(kept.width()),
+                                    static_cast<std::uint32_t>(kept.height())};
+    xcb_configure_window(hub_.x11.connection(), nativeWindow(),
+                         XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, values);
+    hub_.x11.flush();
+}
+
+// The rows (device pixels) of what slides out of sight above the screen that would come up on a
+// monitor there. What stands higher than a slide goes was dragged there.
+int QtFormWindow::cutAbove() const {
+    const QRect area = areaOf(form_);
+    const int above = screens::primary().top() - area.top();
+    if (!form_.unmanaged() || !form_.showInTaskbar() || above <= 0 ||
+        above >= area.height() + slideRoom || !screens::goesOnAbove(area.left(), area.right()))
+        return 0;
+    return static_cast<int>(std::ceil(above * scaleFactor()));
 }
 
 // What is reported ahead of the manager's sign answers an earlier place or the last one, what comes
@@ -275,13 +326,15 @@ void QtFormWindow::screensChanged() {
     top_->setGeometry(area);
     constexpr std::uint16_t all = XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
                                   XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
-    const std::uint32_t values[] = {static_cast<std::uint32_t>(qRound(area.x() * density_)),
-                                    static_cast<std::uint32_t>(qRound(area.y() * density_)),
+    const QPoint at = screens::toDevice(area.topLeft());
+    const std::uint32_t values[] = {static_cast<std::uint32_t>(at.x()),
+                                    static_cast<std::uint32_t>(at.y()),
                                     static_cast<std::uint32_t>(qRound(area.width() * density_)),
                                     static_cast<std::uint32_t>(qRound(area.height() * density_))};
     xcb_configure_window(hub_.x11.connection(), nativeWindow(), all, values);
     hub_.x11.flush();
     placing_ = false;
+    keepOnMonitor();
     densityChanged();
     applyOutline();
     top_->update();
@@ -399,13 +452,19 @@ void QtFormWindow::bringForward() {
 void QtFormWindow::attention(bool wanted) {
     if (top_ == nullptr || !top_->isVisible() || top_->isMinimized() || top_->isActiveWindow())
         return;
-    if (wanted && (attentionAsked_ || tellsByNotices()))
+    if (wanted && (attentionAsked_ || isGnome()))
         return;
     attentionAsked_ = wanted;
     hub_.x11.requestState(nativeWindow(), wanted, X11::DemandsAttention);
 }
 
 void QtFormWindow::activated() { attentionAsked_ = false; }
+
+// The release of a button that is held now goes to the box, or nowhere.
+void QtFormWindow::blocked() {
+    const Loop::Handler handler(hub_.loop);
+    form_.pointerLost();
+}
 
 void QtFormWindow::setTaskTitle(const QString &title) {
     if (top_ != nullptr)

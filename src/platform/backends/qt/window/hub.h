@@ -84,6 +84,9 @@ public:
     // Where the next popup menu comes up, when that is not at the pointer.
     std::optional<QPoint> menuPlace;
 
+    // The entry in the task bar of a window that no manager has was called up.
+    std::function<void()> onEntry;
+
     // Where the pointer was last known to have left all our windows (XWayland tells no more).
     bool pointerOutside = false;
 

@@ -14,6 +14,8 @@ TopWidget::TopWidget(QtFormWindow &window, Scene &scene, Layer::Input input, Qt:
 bool TopWidget::event(QEvent *event) {
     if (event->type() == QEvent::WindowActivate)
         window_.activated();
+    else if (event->type() == QEvent::WindowBlocked)
+        window_.blocked();
     const bool paints = event->type() == QEvent::UpdateRequest;
     return (paints && window_.putsPaintOff()) || Layer::event(event);
 }
