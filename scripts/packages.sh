@@ -19,7 +19,8 @@ packages_test="git libgtest-dev libgmock-dev clang clang-format clang-tidy libcl
 
 # Desktops that the walk of tests/desktops runs on: those of every run, and the others with the panels.
 packages_desktop="xfwm4 sway xwayland"
-packages_desktops="icewm i3-wm mutter kwin-x11 xfce4-panel lxqt-panel"
+packages_desktops="icewm i3-wm marco mate-settings-daemon-common mutter gnome-shell kwin-x11 kwin-wayland weston picom
+ xfce4-panel lxqt-panel tint2"
 
 # What tests/browser looks at the catalogue's pages with: large, and the tests go on without it.
 packages_browser="chromium chromium-driver"

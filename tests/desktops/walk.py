@@ -8,6 +8,7 @@ table is wrong; a known limit has its reason in LIMITS.
 """
 
 import os
+import re
 import subprocess
 import sys
 
@@ -28,6 +29,7 @@ STRIP = int(MINI["form"][3])
 HAND = {"mousemove", "mousemove_relative", "mousedown", "mouseup", "click", "key"}
 PLACED = "the compositor keeps floating windows where it puts them, whatever place they ask for"
 UNMINIMISED = "nothing is minimised there: the window stays"
+NO_ENTRY = "what stands for it is a minimised window, and nothing is minimised there: its edge and the tray remain"
 UNLISTED = "what stands in no list of windows is not minimised there"
 TAKES = "whatever comes up gets the keyboard there, also where it does not ask for it"
 EDGES = {"left": (-700, 0), "right": (700, 0), "upper": (0, -420), "lower": (0, 420)}
@@ -41,10 +43,14 @@ LIMITS = {
     ("sway", "the next one while another program has the keyboard"): TAKES,
     ("icewm", "the next one while another program has the keyboard"): TAKES,
     ("mutter", "the list, minimised by another program, comes back by its button"): UNLISTED,
+    ("gnome-shell on Xorg", "the list, minimised by another program, comes back by its button"): UNLISTED,
     ("i3", "the list, minimised by another program, comes back by its button"): UNMINIMISED,
     ("i3", "minimise and back"): UNMINIMISED,
     ("i3", "after that, mini mode and back"): UNMINIMISED,
+    **{(name, "called up from the list of windows, the strip gives way to the main window"): NO_ENTRY
+       for name in ("i3", "sway")},
 }
+LIMITS.update({("i3 with picom", row): reason for (name, row), reason in list(LIMITS.items()) if name == "i3"})
 
 
 class Walker(Player):
@@ -163,6 +169,32 @@ class Walk:
             return self.player.place(self.strip)[1] == 0
         need(wait_for(along_the_edge, 10), "the strip is lost")
         self.player.tool("mousemove", 300, 20)
+
+    def strips_menu(self):
+        self.player.click_at(self.strip, 4, 23, button=3)
+        need(self.player.menus(), "no menu")
+        self.player.tool("mousemove", 640, 600)
+        self.player.tool("click", 1)
+        need(wait_for(lambda: not self.player.menus(1, 0.1), 15), "the menu stays")
+        self.strip_comes()
+
+    def listed(self):
+        told = quiet("xprop", "-root", "_NET_CLIENT_LIST", env=self.desk.env)
+        return next((each for each in re.findall("0x[0-9a-f]+", told) if "Iconic" in quiet(
+            "xprop", "-id", each, "WM_STATE", env=self.desk.env)), None)
+
+    def called_up(self):
+        self.player.click(self.main, "mini_Button")
+        self.strip = need(self.player.form(MINI), "no strip")
+        try:
+            entry = need(wait_for(self.listed, 10), "no list of windows has it")
+            quiet("xdotool", "windowactivate", entry, env=self.desk.env)
+            need(self.player.gone(self.strip, 10), "the strip stays")
+        finally:
+            if self.strip in self.player.windows():
+                self.strip_comes()
+                self.leave_mini()
+            self.main = need(self.player.window(10), "the main window does not come")
 
     def leave_mini(self):
         self.player.click(self.strip, "mini_Button", form=MINI)
@@ -310,7 +342,9 @@ class Walk:
         yield "a double click on the title brings the strip", self.enter_mini
         yield "the strip slides out of sight", self.strip_hides
         yield "the upper edge brings it back", self.strip_comes
+        yield "its menu opens, and a click elsewhere closes it", self.strips_menu
         yield "its button brings the main window", self.leave_mini
+        yield "called up from the list of windows, the strip gives way to the main window", self.called_up
         yield "minimise and back", self.minimise
         yield "after that, mini mode and back", self.mini_after_minimise
         yield "the menu opens and closes", self.menu
