@@ -169,7 +169,7 @@ class Entry(Placing):
                 if "Iconic" in quiet("xprop", "-id", window, "WM_STATE", env=self.session.env)]
 
     def entry(self):
-        return wait_for(lambda: next(iter(self.entries()), None), 30)
+        return rest(lambda: next(iter(self.entries()), None), still=1)
 
     def enter(self):
         player, main = self.start()
