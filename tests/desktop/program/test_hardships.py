@@ -210,7 +210,7 @@ class Lists(HardshipTest):
         player.click(main, "playListButton")
         rows = player.form(LIST)
         self.delete_row(player, rows, 0)
-        self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == 2, 10))
+        self.assertTrue(wait_for(lambda: self.rows_shown(player, rows) == 2))
         self.assertEqual(self.list_lines(), self.tracks)
         self.assertTrue(player.stays_away(player.boxes, main), "a message comes up")
         self.session.key("F6", main)
@@ -225,7 +225,7 @@ class Lists(HardshipTest):
         player, main, rows = self.start_with_list()
         self.delete_row(player, rows, 0)
         kept = (self.tracks + lines)[1:32767]
-        self.assertTrue(wait_for(lambda: self.list_lines() == kept, 20), "not the rows it took")
+        self.assertTrue(wait_for(lambda: self.list_lines() == kept, 60), "not the rows it took")
         with open(self.list_file() + ".old", newline="", encoding="utf-8") as old:
             self.assertEqual(old.read().split("\r\n")[:-1], self.tracks + lines)
         self.session.key("F6", main)
@@ -276,7 +276,7 @@ class Server(PlayerTest):
         self.assertGreater(after, before + 2)
         player = self.player
         player.click(self.main, "load_Played_BG", 0.75)
-        self.assertTrue(wait_for(lambda: 43 < (self.second(again) or 0) < 52, 8))
+        self.assertTrue(wait_for(lambda: 43 < (self.second(again) or 0) < 52, 20))
         self.session.key("Escape", self.main)
         self.assertTrue(player.ended())
 
@@ -291,7 +291,7 @@ class Server(PlayerTest):
             self.session.key("F3", self.main)
             self.session.key("F2", self.main)
             self.session.key("F4", self.main)
-            self.assertTrue(wait_for(lambda: player.title(self.main) == TITLE, 20),
+            self.assertTrue(wait_for(lambda: player.title(self.main) == TITLE, 60),
                             "the program hangs")
             self.session.key("Escape", self.main)
             self.assertTrue(player.ended(), "it does not end")
@@ -340,7 +340,7 @@ class Notes(HardshipTest):
         self.session.key("F6", main)
         self.assert_title(player, main, "track 0")
         self.session.key("F6", main)
-        self.assertTrue(wait_for(lambda: player.title(main) == TITLE, 10), player.title(main))
+        self.assertTrue(wait_for(lambda: player.title(main) == TITLE), player.title(main))
         self.assertTrue(player.stays_away(player.boxes, main), "a message comes up")
         self.session.key("F6", main)
         self.assert_title(player, main, "track 1")

@@ -157,9 +157,9 @@ class Lyrics(NetworkTest):
         begun = time.monotonic()
         self.player.tool("mousemove", 1270, 790)
         self.assertTrue(self.player.look(self.window, "lrcBox") != known, "it comes too early")
-        self.assertTrue(wait_for(lambda: self.player.look(self.window, "lrcBox") == known, 15),
+        self.assertTrue(wait_for(lambda: self.player.look(self.window, "lrcBox") == known, 60),
                         "it never comes")
-        self.assertTrue(1 < time.monotonic() - begun < 6, "it does not come in time")
+        self.assertTrue(1 < time.monotonic() - begun < 15, "it does not come in time")
 
     def test_the_window_closes_by_its_button_and_opens_again(self):
         self.serve()

@@ -126,7 +126,7 @@ class PanelTest(SettingsTest):
         def lines():
             with open(log, encoding="utf-8", errors="replace") as file:
                 return file.read().splitlines()
-        self.assertTrue(wait_for(lambda: "NameAcquired" in "".join(lines()), 20))
+        self.assertTrue(wait_for(lambda: "NameAcquired" in "".join(lines()), 60))
         return lines
 
     def start_tray(self):

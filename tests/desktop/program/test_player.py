@@ -143,7 +143,7 @@ class Lasting(PlayerTest):
         self.assertTrue(wait_for(lambda: not os.path.exists(marker)), "the marker stays")
         self.assertTrue(wait_for(lambda: len(quiet(
             "xdotool", "search", "--onlyvisible", "--pid", str(second.child.pid),
-            env=self.session.env).split()) > 0, 10))
+            env=self.session.env).split()) > 0))
         self.assertIsNone(second.child.poll())
 
     def test_a_damaged_registry_is_kept_aside_and_the_player_starts(self):

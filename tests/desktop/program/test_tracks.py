@@ -133,7 +133,7 @@ class EveryKind(TrackTest):
         self.begin(["notes.mid", "wrapped.rmi"])
         for name in ("notes", "wrapped"):
             self.next(name)
-            self.assertTrue(wait_for(lambda: self.now_playing(self.recorder, 1, 10), 8),
+            self.assertTrue(wait_for(lambda: self.now_playing(self.recorder, 1, 10)),
                             f"{name} is silent")
             self.session.key("F3", self.main)
             self.assertTrue(self.silent())
@@ -168,7 +168,7 @@ class Broken(TrackTest):
                 self.next(f"good {number}")
                 self.assert_heard(500)
                 self.session.key("F6", self.main)
-                self.assertTrue(wait_for(lambda: self.player.title(self.main) == TITLE, 20),
+                self.assertTrue(wait_for(lambda: self.player.title(self.main) == TITLE, 60),
                                 f"the title is {self.player.title(self.main)}")
                 self.assertTrue(self.silent())
         self.next(f"good {len(names)}")

@@ -128,10 +128,10 @@ class Songs(SongsTest):
             bad_one = number % 2
             if told[bad_one] is None:
                 self.assertTrue(wait_for(lambda: self.cached() == expected and self.at_rest(
-                    window, "title") != before, 15), f"{name}: {sorted(self.cached())}")
+                    window, "title") != before, 60), f"{name}: {sorted(self.cached())}")
                 told[bad_one] = self.at_rest(window, "title")
             self.assertTrue(wait_for(
-                lambda: self.player.look(window, "title", SONGS) == told[bad_one], 20),
+                lambda: self.player.look(window, "title", SONGS) == told[bad_one], 60),
                 f"{name} does not end as it should")
             self.assertEqual(self.cached(), expected, name)
         self.assertTrue(told[0] != told[1], "both say the same")
@@ -176,9 +176,9 @@ class Songs(SongsTest):
         window = self.songs(record("endless", self.net.at + "/endless"))
         self.save(window, 0)
         path = self.app("Cache", "ENDLESS.WAV")
-        self.assertTrue(wait_for(lambda: os.path.exists(path) and os.path.getsize(path) > 0, 15))
+        self.assertTrue(wait_for(lambda: os.path.exists(path) and os.path.getsize(path) > 0, 60))
         self.player.click_at(window, *STOP)
-        self.assertTrue(wait_for(lambda: not os.path.exists(path), 10), "the part stays")
+        self.assertTrue(wait_for(lambda: not os.path.exists(path), 60), "the part stays")
         self.assert_fit()
 
     def test_names_that_would_leave_the_folder_or_are_none(self):
@@ -194,7 +194,7 @@ class Songs(SongsTest):
         for number in range(len(names) + 1):
             self.save(window, number)
             told.append(self.at_rest(window, "title"))
-        self.assertTrue(wait_for(lambda: "GOOD.WAV" in self.cached(), 10))
+        self.assertTrue(wait_for(lambda: "GOOD.WAV" in self.cached(), 60))
         new = self.tree() - before
         strays = [path for path in new if not os.path.dirname(path).endswith("/Cache")
                   and not path.endswith("/Cache")]
@@ -252,7 +252,7 @@ class Lyrics(TroubleTest):
             self.net.answers["/m?"] = answer(page.encode())
             asked = len(self.net.asked)
             self.search_again(window, LYRICS, "other")
-            self.assertTrue(wait_for(lambda: len(self.net.asked) >= asked + 2, 20),
+            self.assertTrue(wait_for(lambda: len(self.net.asked) >= asked + 2, 60),
                             "the window is dead")
         left, top, _, _ = LYRICS["search_Lrc_List"]
         self.session.key("F6", self.window)
@@ -292,7 +292,7 @@ class Slow(TroubleTest):
         self.begin()
         self.session.key("F6", self.window)
         self.assertTrue(wait_for(lambda: any(path.lower().startswith(beginning)
-                                             for path in self.net.asked), 20), "nobody asks")
+                                             for path in self.net.asked), 60), "nobody asks")
 
     def test_the_lyric_of_a_track_that_gave_way_is_kept_for_it_and_not_shown_to_the_next(self):
         self.hold("/m?")

@@ -133,7 +133,7 @@ class InTheWindow(FilmTest):
                 # While the sound still fades in, a double click means full screen once more.
                 def back():
                     player.click_at(full, 600, 300, times=2)
-                    return self.video(player, seconds=1.5)
+                    return self.video(player, seconds=6)
                 window = wait_for(back)
                 self.assertTrue(window, "no way back")
 

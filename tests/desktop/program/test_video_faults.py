@@ -163,7 +163,7 @@ class SoundServer(FilmTest):
         os.kill(self.session.pulse.pid, signal.SIGSTOP)
         try:
             self.session.key("F4", main)
-            self.assertTrue(wait_for(lambda: player.title(main) == "Velmora 2011", 20),
+            self.assertTrue(wait_for(lambda: player.title(main) == "Velmora 2011", 60),
                             "the program hangs")
         finally:
             os.kill(self.session.pulse.pid, signal.SIGCONT)
