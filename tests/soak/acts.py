@@ -328,11 +328,11 @@ def a_second_start(hand, chance):
 
 @act(3)
 def add_to_the_list(hand, chance):
+    rows = hand.list_window()
     lines = hand.list_lines()
     if len(lines) > LONGEST_LIST:
         return shorten_the_list(hand, chance)
     there = set(lines)
-    rows = hand.list_window()
     if chance.random() < 0.4:
         folder = chance.choice(hand.media.folders)
         paths = [folder]
@@ -348,8 +348,8 @@ def add_to_the_list(hand, chance):
 
 def shorten_the_list(hand, chance):
     """From the list alone, never from the disk."""
-    count = len(hand.list_lines())
     rows = hand.list_window()
+    count = len(hand.list_lines())
     need(hand.player.took(rows), "the list does not answer")
     hand.press_row(rows, chance.randrange(0, 12))
     need(hand.player.took(rows), "the list does not answer")
@@ -369,11 +369,13 @@ def take_out_of_the_list(hand, chance):
 
 @act(1)
 def enqueue_from_outside(hand, chance):
+    hand.list_window()
     there = set(hand.list_lines())
     path = chance.choice([path for path in hand.media.good + hand.media.long if path not in there] or
                          hand.media.good)
     hand.open_tool("--enqueue", path)
     hand.count_becomes(len(there | {path}))
+    hand.close_list()
 
 
 @act(2)
@@ -403,8 +405,8 @@ def play_a_row(hand, chance):
 
 @act(1)
 def reload_the_list(hand, chance):
-    before = hand.list_lines()
     rows = hand.list_window()
+    before = hand.list_lines()
     hand.key("ctrl+a", rows)
     need(hand.player.took(rows), "the list does not answer")
     hand.player.click(rows, "afresh_Load", form=LIST)

@@ -142,7 +142,7 @@ class Hand(HouseholdTest):
 
     def play_long(self, chance, film=False):
         """Something that does not end meanwhile; a film shows its window, and hides nothing that is asked for."""
-        path = self.media.film if film else chance.choice(self.media.long)
+        path = self.media.film if film else chance.choice(self.media.long) if chance else self.media.long[0]
         state, _, place, length = self.status()
         if film or state != "Playing" or length < media_module.LONG_S - 5 or place > media_module.LONG_S - 90:
             self.stop()
@@ -182,6 +182,11 @@ class Hand(HouseholdTest):
         need(self.player.gone(window, SEEN_S), "the window stays")
 
     def list_window(self):
+        """Over a track that lasts: the next one might be a film, whose window takes the click. What is played from
+        outside is a row at once but saved only behind its fade."""
+        self.play_long(None)
+        begun = self.status()[2]
+        need(wait_for(lambda: self.status()[2] >= begun + 3, SEEN_S), "the track stands still")
         rows = self.opened_by("playListButton", LIST)
         self.front(rows)
         return rows
