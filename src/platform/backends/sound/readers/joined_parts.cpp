@@ -55,7 +55,8 @@ std::optional<std::int64_t> fileBehind(const ByteSource &source, std::int64_t st
     if (source.read(start, head) < head.size())
         return std::nullopt;
     const auto size = toldSize(head);
-    if (!size)
+    // One that says it is smaller than its own head would begin anew where it begins.
+    if (!size || *size < static_cast<std::int64_t>(head.size()))
         return std::nullopt;
     const std::int64_t behind = start + *size + id3v2Size(source, start + *size);
     if (source.read(behind, next) < next.size() ||
