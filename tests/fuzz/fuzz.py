@@ -99,8 +99,9 @@ def keep(target):
     shutil.rmtree(least, ignore_errors=True)
     shutil.copytree(target.corpus, least)
     there = set(os.listdir(least))
-    subprocess.run([target.program, "-merge=1", "-timeout=10", "-rss_limit_mb=2048", least, target.found], check=False,
-                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    # How often a place is reached is no reason to keep an input for ever, only that it is.
+    subprocess.run([target.program, "-merge=1", "-use_counters=0", "-timeout=10", "-rss_limit_mb=2048", least,
+                    target.found], check=False, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     room, kept = LARGEST_CORPUS - size_of(target.corpus), 0
     for name in sorted(set(os.listdir(least)) - there, key=lambda each: os.path.getsize(f"{least}/{each}")):
         room -= os.path.getsize(f"{least}/{name}")
