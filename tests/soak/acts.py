@@ -40,7 +40,8 @@ def next_track(hand, chance):
 
 @act(2)
 def previous_track(hand, chance):
-    next_track(hand, chance)  # ahead of the first there is none
+    for _ in range(2):  # ahead of the first there is none
+        next_track(hand, chance)
     before = len(hand.played())
     if chance.random() < 0.5:
         hand.key("F5")
