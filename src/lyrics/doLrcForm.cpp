@@ -75,11 +75,6 @@ void doLrcForm::emptyControls() {
 
 void doLrcForm::startLoad() {
     emptyControls();
-    if (!app_.lrcForm().hasLrc) {
-        all_Enabled(false);
-        return;
-    }
-    all_Enabled(true);
     loadFromLyric();
 }
 
@@ -105,22 +100,20 @@ void doLrcForm::loadFromLyric() {
     // One step beyond the last line: it reads as empty and gives the list an empty row at its end.
     for (std::int32_t row = 0; row <= lyric.List1.listCount(); ++row)
         takeLine(lyric.List1.list(row));
-    if (lrcList.listCount() > 0)
-        selectRow(0);
+    selectRow(0);
     all_Enabled(true);
 }
 
-// A tag goes into its box, labels without words nowhere, all else into the list. Whether it did.
-bool doLrcForm::takeLine(std::u16string_view line) {
+// A tag goes into its box, labels without words nowhere, all else into the list.
+void doLrcForm::takeLine(std::u16string_view line) {
     if (!endsWithLabel(line)) {
         lrcList.addItem(line);
-        return true;
+        return;
     }
     if (const std::optional<TagLine> found = tagOf(line)) {
         forms::TextBox *const boxes[] = {&lrc_Ti_Str, &lrc_Ar_Str, &lrc_Al_Str, &lrc_By_Str};
         boxes[static_cast<std::size_t>(found->tag)]->setText(found->value);
     }
-    return false;
 }
 
 // Selecting raises the list's click, so the line to edit follows.

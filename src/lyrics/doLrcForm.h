@@ -49,7 +49,7 @@ private:
     void keyPressed(std::int16_t keyCode, std::int16_t shift);
     void emptyControls();
     void loadFromLyric();
-    bool takeLine(std::u16string_view line);
+    void takeLine(std::u16string_view line);
     void selectRow(std::int32_t row);
     void saveAs(std::u16string_view stem, std::u16string_view lyric);
     bool lyricExists(std::u16string_view stem) const;

@@ -136,7 +136,6 @@ void playList_Form::to_Folder(const ListChoice &chosen) {
     const ListWork still(app_);
     const auto error = trapped([&] {
         controlEnabled(false);
-        app_.Main().song_GoTo_List.setEnabled(false);
         waitAdd.setVisible(true);
         showProgress(u"", u"CopyFile Loading...");
         const std::u16string folder =
@@ -151,7 +150,6 @@ void playList_Form::to_Folder(const ListChoice &chosen) {
         }
     });
     controlEnabled(true);
-    app_.Main().song_GoTo_List.setEnabled(true);
     comeForward();
     hideProgress();
     showError(error, app_.Main().title.caption());
