@@ -395,5 +395,13 @@ TEST_F(LyricFromTheNet, IsNotAskedForWhereItCouldNotBeKept) {
     EXPECT_EQ(lyric().nowLrcLine, u"none");
 }
 
+TEST_F(LyricFromTheNet, WhoseSearchFailsIsNotTheOneThatAnEarlierSearchFound) {
+    setPage(u"Other", 3);
+    ASSERT_TRUE(app.lrc_Internet_Search().searchLrc(u"Other"));
+    find();
+    for (const std::u16string &asked : fake.internet.log)
+        EXPECT_FALSE(contains(asked, firstLink)) << toUtf8(asked);
+}
+
 } // namespace
 } // namespace velmora

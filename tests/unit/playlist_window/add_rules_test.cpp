@@ -287,5 +287,61 @@ TEST_F(Adding, AFileThatIsDroppedTwiceAtOnceIsTakenOnce) {
     EXPECT_EQ(selectedNames(), Texts{u"x"});
 }
 
+// --- selections ----------------------------------------------------------------------------------
+
+TEST_F(Adding, OneFileSelectsEqualNamesAlone) {
+    for (const auto *path : {u"/m/a.mp3", u"/m/xay.mp3", u"/n/a.ogg"})
+        addRowOnly(path);
+    dialogs.expectOpen(u"/m/a.mp3");
+    list.addFile_Click();
+    EXPECT_EQ(selectedNames(), (Texts{u"a", u"a"}));
+}
+
+TEST_F(Adding, WhatAFolderAddsIsNotSelected) {
+    files.addFile(u"/music/a.mp3");
+    addFolder(u"/music");
+    EXPECT_EQ(nameRows(), Texts{u"a"});
+    EXPECT_EQ(names.selCount(), 0);
+}
+
+TEST_F(Adding, AFolderSelectsNothingForAFileInTheListWhoseStemIsEmpty) {
+    addRowOnly(u"/music/.mp3");
+    files.addFile(u"/music/.mp3");
+    addFolder(u"/music");
+    EXPECT_EQ(names.selCount(), 0);
+    EXPECT_EQ(rows(), 1);
+}
+
+TEST_F(Adding, EachFileOfADropLeavesTheSelectionOfThoseAheadOfIt) {
+    for (const auto *path : {u"/n/a.mp3", u"/n/b.mp3"}) {
+        addRowOnly(path);
+        files.addFile(path);
+    }
+    list.filesDropped({u"/n/a.mp3", u"/n/b.mp3"}, 0);
+    EXPECT_EQ(selectedNames(), (Texts{u"a", u"b"}));
+}
+
+// --- errors in the events ahead of a folder ------------------------------------------------------
+
+TEST_F(Adding, AnErrorInTheEventsAheadOfAFolderEndsWorkWithoutSubfolders) {
+    files.addFile(u"/music/a.mp3");
+    windows.atNextPump([] { raise(ErrorNumber::DeviceIo); });
+    dialogs.expectFolder(u"/music");
+    answerSubfolders(MsgBoxResult::No);
+    expectError(u"Device I/O error", title2011);
+    list.addDir_Click();
+    EXPECT_EQ(rows(), 0);
+}
+
+TEST_F(Adding, AnErrorInTheEventsAheadOfAFolderIsPassedOverWithSubfolders) {
+    files.addFile(u"/music/a.mp3");
+    windows.atNextPump([] { raise(ErrorNumber::DeviceIo); });
+    dialogs.expectFolder(u"/music");
+    answerSubfolders(MsgBoxResult::Yes);
+    expectError(u"Device I/O error", title2011);
+    list.addDir_Click();
+    EXPECT_EQ(nameRows(), Texts{u"a"});
+}
+
 } // namespace
 } // namespace velmora

@@ -1,5 +1,8 @@
 #include "tests/unit/playlist_window/list_fixture.h"
 
+#include "base/run_time_error.h"
+#include "lyrics/lrcForm.h"
+
 namespace velmora {
 namespace {
 
@@ -231,6 +234,60 @@ TEST_F(OpenFolder, OpensTheFolderOfTheCurrentRowWhichNeedNotBeTheSelectedOne) {
     ASSERT_EQ(fake.shell.executions.size(), 1U);
     EXPECT_EQ(fake.shell.executions[0].target, u"/n/");
     EXPECT_EQ(fake.shell.executions[0].verb, u"open");
+}
+
+TEST_F(Rename, ClosesWhatIsOpenAndPlaysNothingThatDidNotPlay) {
+    addRow(u"/m/a.mp3");
+    media.addMedium(files.GetShortPathNameA(u"/m/b.mp3"));
+    app.player().open_File(u"/m/a.mp3");
+    app.lrcForm().List1.addItem(u"[00:01]line");
+    choose(0);
+    list.Alter_Click();
+    enter(u"b");
+    EXPECT_EQ(pathRows(), Texts{u"/m/b.mp3"});
+    EXPECT_FALSE(media.isOpen());
+    EXPECT_EQ(app.lrcForm().List1.listCount(), 0) << "the lyric goes with the track";
+}
+
+TEST_F(Rename, LeavesTheFileOfARowAloneThatGoesWhileTheNextTrackBegins) {
+    setVolumeBar(0);
+    addRow(u"/m/a.mp3");
+    addRow(u"/m/b.mp3");
+    addRow(u"/m/c.mp3");
+    openAndPlay(u"/m/a.mp3");
+    app.player().nowPlay_Index = 1;
+    names.setSelected(0, false);
+    choose(2);
+    list.Alter_Click();
+    media.reachEnd();
+    bool isGone = false;
+    windows.atNextPump([&] {
+        names.removeItem(2);
+        paths.removeItem(2);
+        isGone = true;
+    });
+    enter(u"x");
+    EXPECT_TRUE(isGone);
+    EXPECT_TRUE(files.hasFile(u"/m/c.mp3"));
+    EXPECT_EQ(pathRows(), (Texts{u"/m/a.mp3", u"/m/b.mp3"}));
+}
+
+TEST_F(Copy, ACopyThatFailedWithoutAnAbortIsToldByTheServiceAlone) {
+    addRow(u"/m/a.mp3");
+    choose(0);
+    dialogs.expectFolder(u"/usb");
+    dialogs.expectCopy({1, true});
+    list.to_Folder();
+    EXPECT_EQ(dialogs.operations.size(), 1U);
+    EXPECT_THAT(windows.boxes, ::testing::IsEmpty());
+}
+
+TEST_F(OpenFolder, OpensNoneBehindItsMessage) {
+    addRow(u"/m/a.mp3");
+    fake.shell.executions.clear();
+    expectError(app.Language().msg_One_Dir_Only, app.Language().msg_Error);
+    list.open_Folder();
+    EXPECT_TRUE(fake.shell.executions.empty());
 }
 
 } // namespace

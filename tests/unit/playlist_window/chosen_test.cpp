@@ -2,6 +2,7 @@
 
 #include "tests/unit/playlist_window/list_fixture.h"
 
+#include "lyrics/lrcForm.h"
 #include "ui/formSet.h"
 
 namespace velmora {
@@ -162,6 +163,7 @@ TEST_F(ChosenToGo, AllMeansTheRowsThatStoodWhenItWasAskedFor) {
     answerSure(MsgBoxResult::Yes, [&] { addRow(u"/m/new.mp3"); });
     list.delOne(1, true);
     EXPECT_EQ(pathRows(), Texts{u"/m/new.mp3"});
+    EXPECT_EQ(selectedNames(), Texts{});
     EXPECT_TRUE(files.hasFile(u"/m/new.mp3"));
     EXPECT_EQ(filesLeft(), Texts{});
 }
@@ -175,6 +177,24 @@ TEST_F(ChosenToGo, WorkThatEndsEarlyIsSavedForGoodAllTheSame) {
     list.delOne(1, false);
     EXPECT_EQ(savedList(), "/m/b.mp3\r\n/m/c.mp3\r\n/m/d.mp3\r\n");
     EXPECT_EQ(savesOfTheList().back(), u"sync " + listFile());
+}
+
+TEST_F(ChosenToGo, FromTheDiskTheLyricOfTheOpenTrackGoesToo) {
+    openAndPlay(u"/m/a.mp3");
+    app.lrcForm().List1.addItem(u"[00:01]line");
+    selectOnly({0});
+    answerSure(MsgBoxResult::Yes);
+    list.delOne(1, false);
+    EXPECT_EQ(app.lrcForm().List1.listCount(), 0);
+}
+
+TEST_F(ChosenToGo, TheReportIsOnTheDiskForGoodWhenItIsShown) {
+    selectOnly({0});
+    answerSure(MsgBoxResult::Yes);
+    files.clearChanges();
+    list.delOne(1, false);
+    EXPECT_THAT(files.changes(), ::testing::Contains(u"sync " + app.setControl().Path_DelFilesLog +
+                                                     u"/delFile.log"));
 }
 
 // --- clearing ------------------------------------------------------------------------------------
@@ -413,6 +433,29 @@ TEST_F(ChosenForTheMenu, OpenedBesideTheRowsItIsForTheSelectionOfThatMoment) {
     answerSure(MsgBoxResult::Yes);
     list.on().MouseUp({forms::rightButton, 0, 0, 0});
     EXPECT_EQ(filesLeft().size(), 4U) << "the other track that began meanwhile stays";
+}
+
+TEST_F(ChosenForTheMenu, OpenedBesideTheRowsItIsNotForTheRowOfAnEarlierClick) {
+    selectOnly({0});
+    names.on().MouseDown({forms::leftButton, 0, 0, 0});
+    names.on().Click();
+    selectOnly({2});
+    windows.expectPopup("playlist_Menu", "hardDrive_DelSelect");
+    answerSure(MsgBoxResult::Yes);
+    list.on().MouseUp({forms::rightButton, 0, 0, 0});
+    EXPECT_EQ(filesLeft(), (Texts{u"/m/a.mp3", u"/m/b.mp3", u"/m/d.mp3"}));
+}
+
+TEST_F(ChosenForTheMenu, ThatWasClosedWithoutAChoiceIsForgottenByTheNext) {
+    windows.expectPopup("playlist_Menu", "");
+    rightButton(names.on().MouseDown, 0);
+    names.userRightClicked(0);
+    rightButton(names.on().MouseUp, 0);
+    selectOnly({2});
+    windows.expectPopup("playlist_Menu", "hardDrive_DelSelect");
+    answerSure(MsgBoxResult::Yes);
+    list.on().MouseUp({forms::rightButton, 0, 0, 0});
+    EXPECT_EQ(filesLeft(), (Texts{u"/m/a.mp3", u"/m/b.mp3", u"/m/d.mp3"}));
 }
 
 // --- by keys -------------------------------------------------------------------------------------

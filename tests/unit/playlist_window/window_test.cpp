@@ -233,5 +233,16 @@ TEST_F(ListWindow, EveryEntryOfTheListsMenuDoesItsWork) {
     EXPECT_FALSE(list.visible());
 }
 
+TEST_F(ListWindow, PlayingARowWhoseFileIsGoneLeavesNothingOfTheTrackBefore) {
+    addRow(u"/m/a.mp3");
+    addRowOnly(u"/m/gone.mp3");
+    openAndPlay(u"/m/a.mp3");
+    app.lrcForm().List1.addItem(u"[00:01]line");
+    names.setSelected(1, true);
+    list.playThis();
+    EXPECT_FALSE(media.isOpen());
+    EXPECT_EQ(app.lrcForm().List1.listCount(), 0);
+}
+
 } // namespace
 } // namespace velmora
