@@ -250,6 +250,27 @@ TEST_F(RemoteCommands, ManyAtOnceDoNotPileUpOneInsideTheOther) {
     EXPECT_EQ(media.mode(), u"playing");
 }
 
+TEST_F(RemoteCommands, AnyNumberOneBehindTheOtherIsDone) {
+    play();
+    for (int i = 0; i < 10; ++i) {
+        ask(RemoteCommand::Pause);
+        EXPECT_EQ(media.mode(), u"paused") << i;
+        settle();
+        ask(RemoteCommand::Play);
+        EXPECT_EQ(media.mode(), u"playing") << i;
+        settle();
+    }
+}
+
+TEST_F(RemoteCommands, StopWhileStoppedDoesNothing) {
+    play();
+    ask(RemoteCommand::Stop);
+    settle();
+    media.clearCommands();
+    ask(RemoteCommand::Stop);
+    EXPECT_THAT(media.actions(), ::testing::IsEmpty());
+}
+
 // --- seeking -------------------------------------------------------------------------------------
 
 TEST_F(RemoteCommands, SeekingGoesByTheWayAndTellsOfTheJumpOnce) {
@@ -327,6 +348,16 @@ TEST_F(RemoteCommands, AskingForThePositionNeverStartsTheNextTrack) {
     EXPECT_EQ(media.count(u"status NOWMUSIC mode"), 0U);
 }
 
+TEST_F(RemoteCommands, SeekingToTheVeryEndAndTheVeryBeginningStaysInTheTrack) {
+    play();
+    media.advance(10'000);
+    player().seekBy(50'000);
+    EXPECT_EQ(media.count(u"seek NOWMUSIC to 60000"), 1U);
+    player().seekTo(now().track, 0);
+    EXPECT_EQ(media.count(u"seek NOWMUSIC to 0"), 1U);
+    EXPECT_EQ(player().positionMs(), 0);
+}
+
 // --- volume and order ----------------------------------------------------------------------------
 
 TEST_F(RemoteCommands, TheVolumeIsTheBarsAndReachesAllThreeOfThem) {
@@ -373,6 +404,51 @@ TEST_F(RemoteCommands, WhereTracksDoNotFollowEachOtherThereIsNoOrder) {
     EXPECT_FALSE(player().setLoop(RemoteLoop::Track));
     EXPECT_FALSE(player().setShuffle(true));
     EXPECT_EQ(app.setControl().PlayMode, 0);
+}
+
+TEST_F(RemoteCommands, AnOrderIsNotChangedWhileABoxIsUp) {
+    windows.modal = true;
+    EXPECT_TRUE(player().setLoop(RemoteLoop::Track));
+    EXPECT_EQ(app.setControl().PlayMode, 0);
+}
+
+TEST_F(RemoteCommands, TheOrderThatHoldsIsNotWrittenAgain) {
+    ASSERT_EQ(app.setControl().PlayMode, 0);
+    fake.registry.clearLog();
+    EXPECT_TRUE(player().setShuffle(false));
+    EXPECT_TRUE(fake.registry.log().empty());
+}
+
+// --- full screen ---------------------------------------------------------------------------------
+
+class RemoteFilm : public RemoteCommands {
+protected:
+    RemoteFilm() {
+        addTrack(u"/m/film.avi", 60'000, true);
+        app.setControl().VideoInterface = 1;
+        play(u"/m/film.avi");
+    }
+    bool isWhole() { return app.player().isFullScreen != 0; }
+};
+
+TEST_F(RemoteFilm, ThatFillsTheScreenAlreadyGoesOnDoingSo) {
+    player().setFullscreen(false);
+    EXPECT_FALSE(isWhole());
+    player().setFullscreen(true);
+    player().setFullscreen(true);
+    EXPECT_TRUE(isWhole());
+}
+
+TEST_F(RemoteFilm, StaysAsItIsWhileABoxIsUp) {
+    windows.modal = true;
+    player().setFullscreen(true);
+    EXPECT_FALSE(isWhole());
+}
+
+TEST_F(RemoteFilm, ThatIsOverFillsNoScreen) {
+    play();
+    player().setFullscreen(true);
+    EXPECT_FALSE(isWhole());
 }
 
 } // namespace

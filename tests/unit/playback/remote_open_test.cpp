@@ -2,6 +2,8 @@
 
 #include "tests/unit/playback/remote_fixture.h"
 
+#include <algorithm>
+
 namespace velmora {
 namespace {
 
@@ -125,6 +127,45 @@ TEST_F(RemoteOpen, OfWhatIsMoreThanAListHoldsTheLastDoesNotWait) {
     windows.advance(1000);
     EXPECT_EQ(rows(), 4);
     EXPECT_EQ(app.playList_Form().List1.list(3), u"/x/fits.mp3");
+}
+
+TEST_F(RemoteOpen, NothingIsNoOrder) {
+    play();
+    player().open({}, false);
+    player().open({}, true);
+    EXPECT_EQ(windows.asks, 0);
+    EXPECT_THAT(media.actions(), ::testing::IsEmpty());
+}
+
+TEST_F(RemoteOpen, ANewFileIsOpenedOnceAndBothWindowsAreDeafMeanwhile) {
+    addTrack(u"/x/new.mp3");
+    setVolumeBar(100);
+    int heard = 0;
+    int pumps = 0;
+    windows.onPump = [&] {
+        ++pumps;
+        heard += main().enabled() || app.playList_Form().enabled() ? 1 : 0;
+    };
+    player().open({u"/x/new.mp3"}, false);
+    windows.onPump = {};
+    EXPECT_GT(pumps, 0);
+    EXPECT_EQ(heard, 0);
+    Texts opened = media.texts();
+    EXPECT_EQ(
+        std::ranges::count_if(opened, [](const auto &one) { return one.starts_with(u"open "); }),
+        1);
+}
+
+TEST_F(RemoteOpen, OfSeveralTheFirstIsPlayedThoughItIsTheListsFirstRow) {
+    player().open({u"/m/a.mp3", u"/m/b.mp3"}, false);
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
+}
+
+TEST_F(RemoteOpen, AFolderWhoseTracksBeginTheListIsPlayedFromThere) {
+    addTrack(u"/x/new.mp3");
+    files.addFolder(u"/m");
+    player().open({u"/m", u"/x/new.mp3"}, false);
+    EXPECT_EQ(media.openPath(), u"/m/a.mp3");
 }
 
 } // namespace

@@ -82,6 +82,15 @@ TEST_F(RemoteTells, ALyricGoesWithItsTrack) {
     EXPECT_TRUE(now().lyric.empty());
 }
 
+TEST_F(RemoteTells, ALyricThatIsReadAnewWhileItsTrackPlaysIsTold) {
+    files.addFile(u"/m/a.lrc", "[00:01.00]one\r\n");
+    play();
+    files.addFile(u"/m/b.lrc", "[00:01.00]other\r\n");
+    app.lrcForm().startLoad(u"/m/b.lrc");
+    settle();
+    EXPECT_EQ(now().lyric, u"[00:01.00]other\n");
+}
+
 TEST_F(RemoteTells, AStoppedTrackHasNoLyric) {
     files.addFile(u"/m/a.lrc", "[00:01.00]one\r\n");
     play();
@@ -107,6 +116,8 @@ TEST_F(RemoteTells, ATagIsToldAndIsNotTheNextTracks) {
     tag.replace(33, 6, "Artist");
     tag.replace(63, 5, "Album");
     tag.replace(93, 4, "1999");
+    tag.replace(97, 7, "Comment");
+    tag.back() = 17;
     files.addFile(u"/m/a.mp3", std::string(500, 's') + tag);
     app.playerInfo().buildGenreTable();
     play();
@@ -114,6 +125,9 @@ TEST_F(RemoteTells, ATagIsToldAndIsNotTheNextTracks) {
     EXPECT_EQ(now().artist, u"Artist");
     EXPECT_EQ(now().album, u"Album");
     EXPECT_EQ(now().year, u"1999");
+    EXPECT_EQ(now().comment, u"Comment");
+    EXPECT_EQ(now().genre, app.playerInfo().genreName(17));
+    EXPECT_FALSE(now().genre.empty());
     play(u"/m/b.mp3");
     EXPECT_EQ(now().title, u"b");
     EXPECT_TRUE(now().artist.empty());
@@ -151,6 +165,34 @@ TEST_F(RemoteTells, TheOrderOfTracksIsToldAsOthersCallIt) {
     app.setControl().isAutoPlay = 1;
     tickMain();
     EXPECT_EQ(now().loop, RemoteLoop::None);
+}
+
+TEST_F(RemoteTells, ATrackWithoutALengthCannotBeSought) {
+    addTrack(u"/m/endless.mp3", 0);
+    play(u"/m/endless.mp3");
+    EXPECT_FALSE(now().canSeek);
+    play();
+    EXPECT_TRUE(now().canSeek);
+}
+
+TEST_F(RemoteTells, WhetherThereAreTracksToGoToFollowsTheList) {
+    settle();
+    EXPECT_TRUE(now().hasRows);
+    for (int left = 2; left >= 0; --left) {
+        app.playList_Form().playList_Item.removeItem(0);
+        app.playList_Form().List1.removeItem(0);
+        tickMain();
+        EXPECT_EQ(now().hasRows, left > 0) << left;
+    }
+}
+
+TEST_F(RemoteTells, TheVolumeIsTheBarsShareAndOfABarWithoutAWidthTheLast) {
+    setVolumeBar(250);
+    settle();
+    EXPECT_DOUBLE_EQ(now().volume, 0.25);
+    main().Volume_Set_BG.setWidth(0);
+    tickMain();
+    EXPECT_DOUBLE_EQ(now().volume, 0.25);
 }
 
 // --- keeping the machine awake -------------------------------------------------------------------
