@@ -113,9 +113,11 @@ TEST_F(SettingsDialogs, ACancelledFolderDialogLeavesTheBox) {
 
 TEST_F(SettingsDialogs, AFolderMustBeLongerThanTwoCharacters) {
     form.save_Lrc_Path.setText(u"before");
-    fake.dialogs.expectFolder(u"/");
-    click(form.save_Lrc_Path_Image);
-    EXPECT_EQ(form.save_Lrc_Path.text(), u"before");
+    for (const auto *folder : {u"/", u"m"}) { // with a separator behind it
+        fake.dialogs.expectFolder(folder);
+        click(form.save_Lrc_Path_Image);
+        EXPECT_EQ(form.save_Lrc_Path.text(), u"before");
+    }
     fake.dialogs.expectFolder(u"/m");
     click(form.save_Lrc_Path_Image);
     EXPECT_EQ(form.save_Lrc_Path.text(), u"/m/");

@@ -42,6 +42,15 @@ TEST_F(Writing, WhatWasSavedIsOnTheDiskBehindTheSync) {
     EXPECT_EQ(registry.openHandles(), 0U);
 }
 
+TEST_F(Writing, AnOrderChosenFromOutsideIsWrittenAloneAndIsOnTheDiskBehindIt) {
+    settings.PlayMode = 2;
+    registry.clearLog();
+    settings.save_PlayMode();
+    EXPECT_THAT(registry.log(), ElementsAre(u"create " + std::u16string(playSetKey),
+                                            u"set PlayMode SZ 2 2", u"flush", u"close"));
+    EXPECT_EQ(registry.openHandles(), 0U);
+}
+
 TEST_F(Writing, GeneralSettingsReadBackAsTheyWere) {
     fillGeneral();
     settings.save_PlaySet();
