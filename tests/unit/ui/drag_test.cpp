@@ -211,6 +211,35 @@ TEST_F(HeldPair, LeftAtAnEdgeIsTogetherAgainAfterTheNextDrag) {
     }
 }
 
+TEST_F(HeldPair, IsPutTogetherByTheReleaseOfTheLeftButtonAlone) {
+    const std::pair<forms::Form *, forms::Control *> handles[] = {{&main(), &main().title},
+                                                                  {&list(), &list().title}};
+    for (const auto &[form, title] : handles) {
+        main().move({-300, 300 * 15, main().width(), main().height()});
+        list().move({-300, 300 * 15, list().width(), list().height()});
+        if (form == &main())
+            windows.expectPopup("menu", "");
+        title->on().MouseUp({forms::rightButton, 0, 0, 0});
+        EXPECT_EQ(form->left(), -300);
+        title->on().MouseUp({forms::leftButton, 0, 0, 0});
+        EXPECT_EQ(form->left(), 0);
+    }
+}
+
+TEST_F(HeldPair, ByASinglePixelIsPutTogetherToo) {
+    main().move({-15, 300 * 15, main().width(), main().height()});
+    list().move({main().left() + main().width(), 300 * 15, list().width(), list().height()});
+    main().on().MouseUp({forms::leftButton, 0, 0, 0});
+    EXPECT_EQ(main().left(), 0);
+    EXPECT_EQ(list().left(), main().width());
+}
+
+TEST_F(HeldPair, ByLessThanAPixelStaysAsItIs) {
+    main().move({-14, 300 * 15, main().width(), main().height()});
+    main().on().MouseUp({forms::leftButton, 0, 0, 0});
+    EXPECT_EQ(main().left(), -14);
+}
+
 TEST_F(HeldPair, MainGoesBesideTheListThatIsHeld) {
     haul(list(), {600, 0}, {0, 0});
     EXPECT_EQ(seen(list()).right, 1280);

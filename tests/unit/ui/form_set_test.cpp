@@ -230,6 +230,22 @@ TEST_F(Tray, TipIsCutAt64UnitsButNotInsideAPair) {
     EXPECT_EQ(windows.trayCalls.back().data.tip, std::u16string(62, u'x') + u"\U0001F3B5");
 }
 
+TEST_F(Tray, TipIsCutAheadOfAHighHalfAloneWhicheverItIs) {
+    for (const char16_t high : {u'\xD800', u'\xDBFF'}) {
+        rules().tray_Tip(std::u16string(63, u'x') + high + u'y');
+        EXPECT_EQ(windows.trayCalls.back().data.tip.size(), 63U) << static_cast<int>(high);
+    }
+    for (const char16_t other : {u'\xD7FF', u'\xDC00'}) {
+        rules().tray_Tip(std::u16string(63, u'x') + other + u'y');
+        EXPECT_EQ(windows.trayCalls.back().data.tip.size(), 64U) << static_cast<int>(other);
+    }
+}
+
+TEST_F(Tray, AChangeOfTheScreensOpensNoFilmsWindow) {
+    rules().screens_Changed();
+    EXPECT_FALSE(app.videoScreenLoaded());
+}
+
 TEST_F(Tray, IsRemovedWithTheHook) {
     rules().tray_Remove();
     EXPECT_EQ(windows.trayCalls.back().operation, platform::NIM_DELETE);

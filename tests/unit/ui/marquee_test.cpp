@@ -2,7 +2,8 @@
 
 #include "ui/marquee.h"
 
-#include <gtest/gtest.h>
+#include "platform/forms/controls.h"
+#include "tests/unit/forms/form_fixture.h"
 
 namespace velmora {
 namespace {
@@ -48,6 +49,29 @@ TEST(TextInSight, ComesBackWithTheEndThatIsNearer) {
         EXPECT_EQ(leftInSight(left, 1000, 800, titleMarquee), -400);
     for (const Twips left : {800.0F, 30000.0F})
         EXPECT_EQ(leftInSight(left, 1000, 800, titleMarquee), 200);
+}
+
+class SettledText : public forms::FormFixture {
+protected:
+    forms::Label label{form, "label"};
+
+    Twips settled(Twips left, Twips width) {
+        label.setAutoSize(false);
+        label.move({left, 0, width, 200});
+        settleLabel(label, 800, titleMarquee);
+        return label.left();
+    }
+};
+
+TEST_F(SettledText, ThatIsWiderThanItsBoxStaysInSight) {
+    EXPECT_EQ(settled(-300, 1000), -300);
+    EXPECT_EQ(settled(-1200, 1000), -400);
+    EXPECT_EQ(settled(900, 1000), 200);
+}
+
+TEST_F(SettledText, ThatFitsIsCentred) {
+    EXPECT_EQ(settled(-300, 400), 200);
+    EXPECT_EQ(settled(-300, 800), 0);
 }
 
 } // namespace

@@ -175,5 +175,33 @@ TEST_F(Progress, TellsItsTextToThoseWhoDoNotSeeIt) {
     EXPECT_EQ(bar.accessibleName(), u"10.00%");
 }
 
+TEST_F(Progress, IsToldInSharesOfItsWidth) {
+    bar.setValue(25);
+    EXPECT_DOUBLE_EQ(bar.progress().value(), 0.25);
+    bar.setValue(0);
+    EXPECT_DOUBLE_EQ(bar.progress().value(), 0);
+    bar.move({0, 0, 0, 300});
+    EXPECT_DOUBLE_EQ(bar.progress().value(), 0);
+    bar.move({0, 0, 1, 300});
+    bar.setValue(100);
+    EXPECT_DOUBLE_EQ(bar.progress().value(), 1);
+}
+
+TEST_F(Progress, WithoutARangeItsPercentageDividesByNothingAndItsCaptionAloneDoesNot) {
+    bar.setMax(0);
+    EXPECT_EQ(forms::errorOf([&] { bar.setValue(1); }), 11);
+    bar.setCaptionStyle(1);
+    EXPECT_EQ(forms::errorOf([&] { bar.setValue(1); }), forms::invalidValue);
+}
+
+TEST_F(Progress, DrawsItsBorderAndItsTextOverTheWholeBar) {
+    bar.setValue(1);
+    EXPECT_TRUE(bar.look().border);
+    EXPECT_EQ(bar.look().captionPlace, (RectTwips{0, 0, 1000, 300}));
+    bar.setBorderStyle(0);
+    bar.setValue(1);
+    EXPECT_FALSE(bar.look().border);
+}
+
 } // namespace
 } // namespace velmora

@@ -135,4 +135,41 @@ TEST_F(ButtonTest, AStepAboveTheRangeIsWholeAtOnceInEachOfItsLooks) {
     }
 }
 
+TEST_F(ButtonTest, ThatIsDisabledInItsFadeIsDrawnNormalAtOnce) {
+    button.setCaption(u"a");
+    expectLook(forms::Picture::button_normal);
+    enter();
+    tick(4);
+    button.setEnabled(false);
+    expectLook(forms::Picture::button_normal);
+}
+
+TEST_F(ButtonTest, ThatWasDisabledInItsFadeDoesNotGoOnWithItOnceItIsEnabled) {
+    button.setCaption(u"a");
+    enter();
+    tick(4);
+    button.setEnabled(false);
+    button.setEnabled(true);
+    button.mouseMove({leftButton, 0, 20, 20});
+    tick();
+    EXPECT_FALSE(button.ticking());
+    expectLook(forms::Picture::button_normal);
+}
+
+TEST_F(ButtonTest, ThatIsEnabledAlreadyGoesOnWithItsFade) {
+    enter();
+    tick(4);
+    button.setEnabled(true);
+    EXPECT_TRUE(button.ticking());
+    EXPECT_EQ(button.look().captionColor, red);
+}
+
+TEST_F(ButtonTest, ThatIsHotTakesItsOwnColourOnceMoreWhereItIsSet) {
+    enter();
+    tick(4);
+    ASSERT_EQ(button.look().captionColor, red);
+    button.setForeColor(faceColour);
+    EXPECT_EQ(button.look().captionColor, faceColour);
+}
+
 } // namespace velmora
