@@ -2,6 +2,7 @@
 """Breaks the program in one random place at a time and sees whether the unit tests notice.
 
     scripts/mutate.py SEED COUNT FOLDER...     folders below src: playback platform/backends/media ..., or sources
+    scripts/mutate.py --all FOLDER...          each mutant that there is of them, one source behind the other
     scripts/mutate.py --again FILE             the mutants of such a file once more, against the tests of now
 
 Works on a copy of the tree as it is now, in build/mutate; the tree itself is not touched and may be edited
@@ -11,7 +12,7 @@ those that most likely notice first, until one fails. Mutants are compiled witho
 header of all that their folder reads. Two are tried at a time, or VELMORA_MUTANTS_AT_ONCE.
 
 COUNT mutants that compile are tried. Prints a line for each and a sum; those that survived are written as diffs to
-build/mutate/survivors-SEED.diff. A survivor is a hole in the tests, a rule that nobody holds, or an equivalent program.
+build/mutate/survivors-SEED.diff (survivors-all.diff, survivors-again.diff). A survivor is a hole in the tests, a rule that nobody holds, or an equivalent program.
 The same seed gives the same mutants as long as the sources are the same. Status 0 when none survived, 1 when some did.
 """
 
@@ -86,14 +87,14 @@ class Code:
         token = self.tokens[at]
         return self.text[token.start - 1].isspace() and self.text[token.end].isspace()
 
-    def mutants(self, dice):
-        """One mutant of each place, which of several by the dice."""
+    def mutants(self, pick):
+        """The mutants of each place; which of several, the pick says."""
         for at, token in enumerate(self.tokens):
             kind, others = self.of_token(at)
-            if others:
-                yield Mutant(self.path, kind, token.start, token.end, dice.choice(others))
+            for other in pick(others) if others else []:
+                yield Mutant(self.path, kind, token.start, token.end, other)
             if token.kind == "sign":
-                yield from self.of_bracket(at, dice)
+                yield from self.of_bracket(at, pick)
             end = self.end_of_statement(at)
             if end is not None:
                 yield Mutant(self.path, "statement", token.start, self.tokens[end].end, ";")
@@ -122,7 +123,7 @@ class Code:
         value = int(whole[1].replace("'", ""), 16 if whole[1][1:2] in ("x", "X") else 10)
         return [f"{value + 1}{whole[2]}"] + ([f"{value - 1}{whole[2]}"] if value > 0 else [])
 
-    def of_bracket(self, at, dice):
+    def of_bracket(self, at, pick):
         """The condition of an "if", and two arguments that change places."""
         end = self.partner.get(at)
         if self.word(at) != "(" or end is None or end == at + 1:
@@ -133,17 +134,16 @@ class Code:
             if ";" not in (self.word(i) for i in range(at, end)):
                 # What the condition does besides stays done.
                 inner = self.text[first:last]
-                yield Mutant(self.path, "condition", first, last,
-                             dice.choice([f"(({inner}), true)", f"(({inner}), false)"]))  # fmt: skip
+                for other in pick([f"(({inner}), true)", f"(({inner}), false)"]):
+                    yield Mutant(self.path, "condition", first, last, other)
         elif before.kind == "name" and before.text not in ("while", "for", "switch", "catch", "return"):
             commas = [i for i in range(at, end) if self.word(i) == "," and self.within[i] == at]
             edges = [at] + commas + [end]
             parts = [self.text[self.tokens[a].end : self.tokens[b].start].strip() for a, b in zip(edges, edges[1:])]
             pairs = [i for i in range(len(parts) - 1) if parts[i] != parts[i + 1]]
-            if pairs:
-                i = dice.choice(pairs)
-                parts[i], parts[i + 1] = parts[i + 1], parts[i]
-                yield Mutant(self.path, "arguments", first, last, ", ".join(parts))
+            for i in pick(pairs) if pairs else []:
+                others = [*parts[:i], parts[i + 1], parts[i], *parts[i + 2 :]]
+                yield Mutant(self.path, "arguments", first, last, ", ".join(others))
 
     def end_of_statement(self, at):
         """The ";" of a call, an assignment, or a jump without a value that begins here; else none."""
@@ -381,15 +381,24 @@ def difference(mutant, old, new):
     return "".join(lines)
 
 
-def chosen(bench, dice):
-    """Mutants in random order, each with the whole text of its source before and after."""
-    every = []
+def made(bench, pick):
     for path in bench.sources():
         code = Code(path)
-        every += [(mutant, code.text) for mutant in code.mutants(dice)]
-    dice.shuffle(every)
-    for mutant, text in every:
+        for mutant in code.mutants(pick):
+            yield mutant, code.text
+
+
+def with_texts(mutants):
+    """Each mutant with the whole text of its source before and after."""
+    for mutant, text in mutants:
         yield mutant, text, text[: mutant.start] + mutant.other + text[mutant.end :]
+
+
+def chosen(bench, dice):
+    """One mutant of each place, in random order."""
+    every = list(made(bench, lambda others: [dice.choice(others)]))
+    dice.shuffle(every)
+    return with_texts(every)
 
 
 def of_file(name):
@@ -444,8 +453,9 @@ def record(mutant, old, new, noticed, seconds, tally, survivors):
 
 def main():
     again = len(sys.argv) == 3 and sys.argv[1] == "--again"
+    whole = len(sys.argv) > 2 and sys.argv[1] == "--all"
     numbers = sys.argv[1:3]
-    if not again and not (len(sys.argv) > 3 and all(re.fullmatch(r"\d+", number) for number in numbers)):
+    if not again and not whole and not (len(sys.argv) > 3 and all(re.fullmatch(r"\d+", number) for number in numbers)):
         sys.exit(__doc__)
     signal.signal(signal.SIGTERM, lambda *_: sys.exit("ended from outside"))
     os.makedirs(TREE, exist_ok=True)
@@ -460,6 +470,10 @@ def main():
             survivors = os.path.join(ROOM, "survivors-again.diff")
             bench = Bench(sorted({os.path.dirname(m.path)[len("src/") :] for m, _, _ in todo}))
             mutants, count = iter(todo), len(todo) + 1
+        elif whole:
+            survivors = os.path.join(ROOM, "survivors-all.diff")
+            bench = Bench(sys.argv[2:])
+            mutants, count = with_texts(made(bench, list)), sys.maxsize
         else:
             survivors = os.path.join(ROOM, f"survivors-{sys.argv[1]}.diff")
             bench = Bench(sys.argv[3:])
