@@ -1,5 +1,7 @@
 #include "tests/desktop/x_session.h"
 
+#include "tests/desktop/x_turn.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -178,7 +180,10 @@ bool XSession::startWindowManager() {
                    return run({"xprop", "-root", "_NET_SUPPORTING_WM_CHECK"}).find("window id") !=
                           std::string::npos;
                },
-               startLimitMs);
+               startLimitMs) &&
+           // It tells of itself before it looks at events: a window that came up in between stayed
+           // unseen.
+           XTurn(display_).managerTook(startLimitMs);
 }
 
 bool XSession::startCompositor() {

@@ -15,7 +15,6 @@ from session import BOUND, Session, family, quiet, wait_for  # noqa: E402
 class Desk(Session):
     """A window manager on a bare screen."""
     command = ()
-    answers = True  # whether its manager answers when it is asked for the extents of a frame to come
     tells_above = True  # whether it says of a window over the whole screen that it is kept on top
     hands = None  # the environment of the screen whose pointer a person moves; that of the programs if none
 
@@ -38,8 +37,7 @@ class Desk(Session):
         self.wait_for_manager()
 
     def wait_for_manager(self):
-        if not wait_for(lambda: "window id" in quiet(
-                "xprop", "-root", "_NET_SUPPORTING_WM_CHECK", env=self.env), 30):
+        if not self.manager_works():
             raise RuntimeError("no window manager")
 
     def hand(self, *words):
@@ -150,6 +148,7 @@ class GnomeX(Shell, Desk):
 
 class Nested(Desk):
     """A Wayland compositor on the screen, with the guest server that it starts itself."""
+    answers = False
 
     @classmethod
     def missing(cls):
@@ -185,7 +184,7 @@ class Nested(Desk):
 
 
 class KwinWayland(Nested):
-    name, command, answers = "kwin_wayland", ("kwin_wayland",), False
+    name, command = "kwin_wayland", ("kwin_wayland",)
 
     def start_desk(self):
         self.start_words()
@@ -225,7 +224,7 @@ class Weston(Nested):
 
 class Sway(Desk):
     """Nested: its windows float, as they do where a person asks for it. It refuses to run as the superuser."""
-    name, command, tells_above = "sway", ("sway",), False
+    name, command, tells_above, answers = "sway", ("sway",), False, False
 
     @classmethod
     def missing(cls):
