@@ -2,10 +2,11 @@
 
     /usr/bin/python3 accessible_reader.py PROCESS      on the session's bus
 
-One JSON line in, one out: {"do": "tree"}, {"do": "act", "path": [...], "action": "Press"},
-{"do": "set", "path": [...], "value": 50}, {"do": "events"} (those since the last time),
+One JSON line in, one out: {"do": "tree"}, {"do": "act", "which": 7, "action": "Press"},
+{"do": "set", "which": 7, "value": 50}, {"do": "events"} (those since the last time),
 {"do": "around"}: what what last told of having the focus stands in, such as an open menu, which is
-no child of the program; {"do": "act", "around": 2, "action": "Press"} is for one of those.
+no child of the program. What was told of once is known by its number from then on: its place among
+its neighbours changes whenever a window comes or goes.
 """
 
 import json
@@ -25,6 +26,8 @@ EVENTS = ("object:state-changed", "object:property-change", "object:selection-ch
           "object:property-change:accessible-value", "object:children-changed")
 seen = []
 focused = []  # what last told so
+told_of = []  # by its number
+numbers = {}
 
 
 def program(process):
@@ -46,6 +49,13 @@ def actions(node):
             for number in range(Atspi.Action.get_n_actions(interface))]
 
 
+def number_of(node):
+    if node not in numbers:
+        numbers[node] = len(told_of)
+        told_of.append(node)
+    return numbers[node]
+
+
 def describe(node):
     node.clear_cache()
     states = node.get_state_set()
@@ -58,7 +68,7 @@ def describe(node):
     if role == "list":
         count = min(count, MOST_ROWS)
     return {
-        "name": node.get_name(), "role": role, "actions": actions(node),
+        "number": number_of(node), "name": node.get_name(), "role": role, "actions": actions(node),
         "states": [state.value_nick for state in states.get_states()],
         "place": [extents.x, extents.y, extents.width, extents.height] if extents else None,
         "value": Atspi.Value.get_current_value(value) if value else None,
@@ -68,14 +78,6 @@ def describe(node):
                      (node.get_child_at_index(number) for number in range(count))
                      if child is not None],
     }
-
-
-def at(process, path):
-    node = program(process)
-    for number in path:
-        node = node.get_child_at_index(number)
-        node.clear_cache()
-    return node
 
 
 def answer(process, wish):
@@ -88,8 +90,8 @@ def answer(process, wish):
         return told
     if wish["do"] == "around":
         return describe(focused[0].get_parent()) if focused else None
-    node = focused[0].get_parent().get_child_at_index(wish["around"]) if "around" in wish \
-        else at(process, wish["path"])
+    node = told_of[wish["which"]]
+    node.clear_cache()
     if wish["do"] == "act":
         names = actions(node)
         return wish["action"] in names and Atspi.Action.do_action(
@@ -124,6 +126,7 @@ def wait_for_program(process, seconds=60):
 def main():
     process = int(sys.argv[1])
     Atspi.init()
+    Atspi.set_timeout(60000, 60000)  # its own 0.8 s are over on a busy machine, and what was asked for is then none
     wait_for_program(process)
     listener = Atspi.EventListener.new(heard)
     for kind in EVENTS:
