@@ -32,9 +32,9 @@ GRAINS = {"ms": 1.0, "kB": 40, "%": 0.03, "/s": 0.5, "ns": 0}
 
 
 class Build:
-    def __init__(self, folder):
+    def __init__(self, folder, tools):
         self.folder = folder
-        self.player = Velmora(f"{folder}/src/velmora")
+        self.player = Velmora(f"{folder}/src/velmora", f"{tools}/tools/demo_piece/demo_piece")
 
     def tool(self, name):
         return f"{self.folder}/{name}"
@@ -147,7 +147,7 @@ def tell(found):
 
 def main():
     words = [word for word in sys.argv[1:] if not word.startswith("--")]
-    builds = [Build(folder) for folder in words[:2]]
+    builds = [Build(folder, words[1]) for folder in words[:2]]
     chosen = words[2:] or ["start", "steady", "line", "heard", "parts"]
     music = tempfile.mkdtemp(prefix="velmora-bench-against-")
     found = {}

@@ -81,7 +81,7 @@ def main():
         subprocess.run(["lame", "--quiet", "-b", "192", f"{music}/piece.wav", f"{music}/piece.mp3"],
                        check=True)
         paths = [f"{music}/piece.mp3"]
-        player = Velmora(program)
+        player = Velmora(program, piece)
         rounds = {kind: [] for kind in KINDS}
         for _ in range(ROUNDS):
             for kind in KINDS:

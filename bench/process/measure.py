@@ -15,6 +15,7 @@ import urllib.parse
 
 # The screen, the sound server and the measures are the tests' own.
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "../../tests/desktop"))
+from designs import places  # noqa: E402
 from session import Session, over, quiet, wait_for  # noqa: E402
 from heard import key_cost, latencies, make_tracks  # noqa: E402
 from pairs import told  # noqa: E402
@@ -27,19 +28,21 @@ STRETCH = 4 if QUICK else 12
 APP = "Program Files/Norvane软件/Velmora"
 
 
-def bar_place(share):
-    """A place on the main window's seek bar, in pixels; its design stands in twips."""
-    return int((150 + 6900 * share) / 15), (1560 + 90) // 15
+def bar_places(tool, shares):
+    """Places on the main window's seek bar, in pixels."""
+    source = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../..")
+    left, top, width, height = places(tool, source, "src/playback/Main.form")["load_Played_BG"]
+    return [(int(left + width * share), int(top + height / 2)) for share in shares]
 
 
 class Velmora:
     name = "Velmora"
     key_class = "velmora"
-    keys = {"next": "F6", "pause": "F3", "play": "F2",
-            "seek": [bar_place(share) for share in (0.3, 0.6, 0.2, 0.7)]}
 
-    def __init__(self, program, language=None):
+    def __init__(self, program, demo_piece, language=None):
         self.program = program
+        self.keys = {"next": "F6", "pause": "F3", "play": "F2",
+                     "seek": bar_places(demo_piece, (0.3, 0.6, 0.2, 0.7))}
         self.language = language
         if language:
             self.name += f", {language[1]} texts"
@@ -303,8 +306,8 @@ def main():
     subprocess.run(["sox", wav, wav, wav, wav, wav, f"{music}/long.wav"], check=True,
                    stderr=subprocess.DEVNULL)
     subprocess.run(["lame", "--quiet", "-b", "192", f"{music}/long.wav", mp3], check=True)
-    velmora = Velmora(program)
-    english, chinese = (Velmora(program, language)
+    velmora = Velmora(program, piece)
+    english, chinese = (Velmora(program, piece, language)
                         for language in ((1, "English"), (0, "Chinese")))
     others = peers()
 

@@ -3,13 +3,16 @@
 //   velmora_formc DESIGN.form --folder FOLDER --skin SKIN_FOLDER --texts TEXTS_FOLDER
 //                 [--model MODEL.form] [--header FILE --source FILE]
 //   velmora_formc --texts TEXTS_FOLDER [--constants FILE --header FILE --source FILE]
+//   velmora_formc DESIGN.form --skin SKIN_FOLDER --texts TEXTS_FOLDER [--model MODEL.form] --places
 //
 // FOLDER is the design's folder below src, MODEL.form what the skin hands out from. Without outputs
-// it only checks. A file is written only when its text has changed. All faults are reported, one a
-// line as file:line: fault, and the exit status is 1; 2 means that the command line was wrong.
+// it only checks; --places tells on the standard output where the form's controls are. A file is
+// written only when its text has changed. All faults are reported, one a line as file:line: fault,
+// and the exit status is 1; 2 means that the command line was wrong.
 
 #include "design.h"
 #include "design_code.h"
+#include "design_places.h"
 #include "texts.h"
 
 #include <filesystem>
@@ -54,6 +57,8 @@ bool parseArguments(int count, char **values, Options &options) {
         const std::string argument = values[i];
         if (!argument.starts_with("--")) {
             options["design"] = argument;
+        } else if (argument == "--places") {
+            options["places"] = argument;
         } else if (argument == "--folder" || argument == "--skin" || argument == "--texts" ||
                    argument == "--model" || argument == "--constants" || argument == "--header" ||
                    argument == "--source") {
@@ -64,7 +69,8 @@ bool parseArguments(int count, char **values, Options &options) {
             return false;
         }
     }
-    return options.contains("texts") && options.contains("design") == options.contains("skin");
+    return options.contains("texts") && options.contains("design") == options.contains("skin") &&
+           (options.contains("design") || !options.contains("places"));
 }
 
 // False when the folder has faults, which have been told.
@@ -94,6 +100,10 @@ int compileDesign(const TextTable &table, Options &options) {
         std::cerr << file << ':' << fault.line << ": " << fault.text << '\n';
     if (!design.faults.empty())
         return 1;
+    if (options.contains("places")) {
+        std::cout << writePlaces(design);
+        return 0;
+    }
     const Code code = writeCode(design, options["folder"]);
     writeIfChanged(options["header"], code.header);
     writeIfChanged(options["source"], code.source);
@@ -108,7 +118,9 @@ int main(int count, char **values) {
         std::cerr << "usage: velmora_formc DESIGN.form --folder FOLDER --skin SKIN_FOLDER "
                      "--texts TEXTS_FOLDER [--model MODEL.form] [--header FILE --source FILE]\n"
                      "       velmora_formc --texts TEXTS_FOLDER "
-                     "[--constants FILE --header FILE --source FILE]\n";
+                     "[--constants FILE --header FILE --source FILE]\n"
+                     "       velmora_formc DESIGN.form --skin SKIN_FOLDER --texts TEXTS_FOLDER "
+                     "[--model MODEL.form] --places\n";
         return 2;
     }
     try {

@@ -19,6 +19,7 @@ import unittest
 import wave
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+import designs  # noqa: E402
 import session  # noqa: E402
 from session import RATE, Recorder, Session, quiet, wait_for  # noqa: E402
 
@@ -41,25 +42,7 @@ NO_SOUND_CARD = "您的系统未安装声卡或声卡驱动无效"
 
 def design(name):
     """Rectangles of a form's own controls, in pixels, by control name."""
-    places, control = {}, None
-    with open(f"{SOURCE}/{name}") as file:
-        for line in file:
-            words = line.split("#")[0].split() if '"' not in line else line.split()
-            if not words:
-                continue
-            if words[0] == "form":
-                control = "form"
-                places[control] = [0, 0, 0, 0]
-            elif line[0] != " ":
-                control = words[1]
-                places[control] = [0, 0, 0, 0]
-            elif words[0][0].isupper() or words[0].startswith("zk"):
-                control = None  # contained: placed within its container
-            elif control and words[0] == "at":
-                places[control][0:2] = [float(word) / 15 for word in words[1:3]]
-            elif control and words[0] == "size":
-                places[control][2:4] = [float(word) / 15 for word in words[1:3]]
-    return places
+    return designs.places(PIECE, SOURCE, name)
 
 
 MAIN = design("src/playback/Main.form")
