@@ -69,7 +69,7 @@ TEST_F(LoopTest, ManyPumpsInARowCostNextToNothing) {
     const auto begin = steady_clock::now();
     for (int i = 0; i < 100000; ++i)
         desk().windows->DoEvents();
-    EXPECT_LT(steady_clock::now() - begin, milliseconds(1000));
+    EXPECT_LT(steady_clock::now() - begin, milliseconds(5000));
 }
 
 TEST_F(LoopTest, WaitingReturnsWhenItIsDue) {
@@ -78,7 +78,7 @@ TEST_F(LoopTest, WaitingReturnsWhenItIsDue) {
     while (desk().windows->waitForEvents(due) != 0) {
     }
     EXPECT_GE(steady_clock::now() - begin, milliseconds(30));
-    EXPECT_LT(steady_clock::now() - begin, milliseconds(300));
+    EXPECT_LT(steady_clock::now() - begin, milliseconds(3000));
     EXPECT_EQ(desk().windows->waitForEvents(steady_clock::now() - milliseconds(1)), 0U);
 }
 

@@ -111,7 +111,7 @@ TEST_F(ServerLoss, AServerThatHangsHoldsNothingUp) {
     device->seek(5000);
     device->play();
     device->mode();
-    EXPECT_LT(msSince(start), 100);
+    EXPECT_LT(msSince(start), 1000); // usually some milliseconds; one that waits needs seconds
     // After a while it counts as gone, and time goes on without it.
     EXPECT_TRUE(waitFor(60000, [&] { return device->positionMs() > 5300; }));
     server_.thaw();
@@ -124,7 +124,7 @@ TEST_F(ServerLoss, OpeningWithAHangingServerIsBoundedAndPlaysInSilence) {
     const auto device = open->open({mediaFile("tone.wav"), "Waveaudio"});
     ASSERT_TRUE(device);
     device->play();
-    EXPECT_LT(msSince(start), 500);
+    EXPECT_LT(msSince(start), 2500); // usually some 200
     EXPECT_TRUE(waitFor(60000, [&] { return device->positionMs() > 100; }));
     server_.thaw();
 }
@@ -138,7 +138,7 @@ TEST_F(ServerLoss, TheOpenerEndsAtOnceWhateverTheServerDoes) {
     const auto start = Clock::now();
     device.reset();
     open.reset();
-    EXPECT_LT(msSince(start), 1000);
+    EXPECT_LT(msSince(start), 2500); // usually some hundred; what waits for an answer needs 3000
     server_.thaw();
 }
 
