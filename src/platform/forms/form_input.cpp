@@ -152,13 +152,8 @@ void Form::deliver(PointerEvent what, Control *target, PointTwips at, std::int16
 
 // The pointer is over this control now, no button held.
 void Form::hoverAt(Control *control, PointTwips at, std::int16_t shift) {
-    if (hovered_ != nullptr && hovered_ != control) {
-        const Watch watch(*this);
+    if (hovered_ != control)
         leaveHovered(at, shift);
-        if (!watch)
-            return;
-    }
-    leavePending_ = false;
 }
 
 void Form::leaveHovered(PointTwips at, std::int16_t shift) {
@@ -216,10 +211,8 @@ void Form::pointerReleased(PointTwips at, std::int16_t button, std::int16_t shif
     heldButtons_ = static_cast<std::int16_t>(heldButtons_ & ~button);
     Control *const target = captured_;
     const bool ours = target != nullptr || formCaptured_;
-    if (heldButtons_ == 0) {
+    if (heldButtons_ == 0)
         captured_ = nullptr;
-        formCaptured_ = false;
-    }
     if (!ours)
         return;
     if (!enabled_) {
@@ -280,7 +273,6 @@ void Form::pointerLost() {
     if (asCustom(captured_) != nullptr)
         hovered_ = captured_;
     captured_ = nullptr;
-    formCaptured_ = false;
     if (wasHeld)
         raiseIfSet(events_ != nullptr ? &events_->PressLost : nullptr);
 }

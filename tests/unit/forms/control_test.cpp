@@ -177,6 +177,15 @@ TEST_F(ControlTest, IsNamedForAssistiveTechnology) {
     EXPECT_EQ(inner.accessibleName(), u"caption");
 }
 
+TEST_F(ControlTest, MayBeNamedByAnother) {
+    inner.setCaption(u"caption");
+    image.setToolTip(u"next");
+    image.setBond(Bond::Named, inner);
+    EXPECT_EQ(image.accessibleName(), u"caption");
+    EXPECT_EQ(image.bond(), Bond::Named);
+    EXPECT_EQ(image.bondedTo(), &inner);
+}
+
 TEST_F(ControlTest, AWatchTellsTheEndOfAControl) {
     auto label = std::make_unique<Label>(form, "label");
     const Watch watch(*label);

@@ -54,6 +54,15 @@ TEST_F(LabelTest, AWidthWrittenAfterwardsHoldsUntilTheNextCaption) {
     EXPECT_EQ(label.width(), widthOf(u"four"));
 }
 
+TEST_F(LabelTest, AutoSizeFitsAtOnceAndNotAgainWhereItIsOnAlready) {
+    label.setCaption(u"four");
+    label.setAutoSize(true);
+    EXPECT_EQ(label.width(), widthOf(u"four"));
+    label.setWidth(3000);
+    label.setAutoSize(true);
+    EXPECT_EQ(label.width(), 3000);
+}
+
 TEST_F(LabelTest, TheSameCaptionOnALabelThatFitsDrawsNothing) {
     label.setAutoSize(true);
     label.setCaption(u"four");
@@ -243,6 +252,18 @@ TEST_F(TextTest, CodeWritesIntoALockedBox) {
     EXPECT_EQ(box.text(), u"code");
 }
 
+TEST_F(TextTest, WithoutHandlersAnEditIsStored) {
+    TextBox plain{form, "plain"};
+    plain.userEdited(u"typed");
+    EXPECT_EQ(plain.text(), u"typed");
+}
+
+TEST_F(OptionTest, WithoutHandlersItIsChosen) {
+    OptionButton plain{form, "plain"};
+    plain.userChose();
+    EXPECT_TRUE(plain.value());
+}
+
 using LineTest = FormFixture;
 
 TEST_F(LineTest, KeepsItsEndsAndLiesAroundThem) {
@@ -251,6 +272,19 @@ TEST_F(LineTest, KeepsItsEndsAndLiesAroundThem) {
     EXPECT_EQ(line.x1(), 300);
     EXPECT_EQ(line.y2(), 150);
     EXPECT_EQ(line.place(), (RectTwips{150, 150, 165, 315})); // one pixel more on each side
+}
+
+TEST_F(LineTest, EachOfItsFourNumbersMovesItByItself) {
+    Line line{form, "line"};
+    line.setEnds(300, 300, 600, 600);
+    line.setEnds(0, 300, 600, 600);
+    EXPECT_EQ(line.left(), 0);
+    line.setEnds(0, 0, 600, 600);
+    EXPECT_EQ(line.top(), 0);
+    line.setEnds(0, 0, 900, 600);
+    EXPECT_EQ(line.width(), 915);
+    line.setEnds(0, 0, 900, 900);
+    EXPECT_EQ(line.height(), 915);
 }
 
 TEST_F(LineTest, TurningItInItsOwnRectangleRepaints) {

@@ -11,6 +11,13 @@ TEST(Font, KeepsTheNameAskedFor) {
     EXPECT_EQ(font.name(), u"No Such Face");
 }
 
+TEST(Font, MayBeBoldFromItsBeginning) {
+    const Font font(u"Arial", 9, true);
+    EXPECT_TRUE(font.bold());
+    EXPECT_EQ(font.weight(), 700);
+    EXPECT_FALSE(Font(u"Arial", 9, false).bold());
+}
+
 TEST(Font, BoldSetsTheWeight) {
     Font font;
     font.setBold(true);

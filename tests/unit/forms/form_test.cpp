@@ -43,6 +43,27 @@ TEST_F(FormTest, TheWindowIsMadeWhenTheFormIsFirstShown) {
     EXPECT_EQ(form.window(), window);
 }
 
+TEST_F(FormTest, AWindowThatIsDroppedIsMadeAnewWhenTheFormIsShownAgain) {
+    struct Film : Form {
+        using Form::dropWindow;
+        using Form::Form;
+    };
+    Film film(windows, "film");
+    film.show();
+    film.hide();
+    film.dropWindow();
+    EXPECT_EQ(film.window(), nullptr);
+    film.show();
+    EXPECT_NE(film.window(), nullptr);
+}
+
+TEST_F(FormTest, WithoutHandlersItUnloads) {
+    Form plain(windows, "plain");
+    plain.show();
+    EXPECT_TRUE(plain.unload());
+    EXPECT_FALSE(plain.visible());
+}
+
 TEST_F(FormTest, ShownAgainItsKeysBelongToTheControlThatHadThemHiddenThoughItBe) {
     TextBox first(form, "first");
     TextBox second(form, "second");

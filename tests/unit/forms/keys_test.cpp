@@ -1,3 +1,4 @@
+#include "platform/forms/keys.h"
 #include "tests/unit/forms/form_fixture.h"
 
 namespace velmora::forms {
@@ -116,6 +117,24 @@ TEST_F(KeysTest, TheFocusComesBackThroughAnEnabledContainer) {
     EXPECT_EQ(window.focused, &inner);
 }
 
+TEST_F(KeysTest, AnEnabledContainerGivesNoFocusToWhatIsDisabledOrHiddenInIt) {
+    Frame frame(form, "frame");
+    TextBox inner(frame, "inner");
+    auto &window = shown();
+    form.setFocus(&inner);
+    inner.setEnabled(false);
+    frame.setEnabled(false);
+    window.focused = nullptr;
+    frame.setEnabled(true);
+    EXPECT_EQ(window.focused, nullptr);
+    inner.setEnabled(true);
+    inner.setVisible(false);
+    frame.setEnabled(false);
+    window.focused = nullptr;
+    frame.setEnabled(true);
+    EXPECT_EQ(window.focused, nullptr);
+}
+
 TEST_F(KeysTest, AHiddenControlLosesTheFocusToTheFirst) {
     form.setFocus(&text);
     text.setVisible(false);
@@ -155,6 +174,29 @@ TEST_F(KeysTest, APanelBesideOrBehindTheListTakesNothing) {
     panel.move({0, 0, 500, 500});
     panel.zOrder(1);
     EXPECT_TRUE(form.keyPressed(46, 0));
+}
+
+TEST_F(KeysTest, APanelThatTouchesTheListTakesNothing) {
+    list.move({600, 600, 600, 600});
+    form.setFocus(&list);
+    PictureBox panel(form, "panel");
+    for (const PointTwips at :
+         {PointTwips{0, 600}, PointTwips{1200, 600}, PointTwips{600, 0}, PointTwips{600, 1200}}) {
+        panel.move({at.x, at.y, 600, 600});
+        EXPECT_TRUE(form.keyPressed(46, 0)) << at.x << ' ' << at.y;
+    }
+    panel.move({1185, 1185, 600, 600});
+    EXPECT_FALSE(form.keyPressed(46, 0));
+}
+
+TEST_F(KeysTest, AFrameIsAPanelAndAPictureIsNone) {
+    form.setFocus(&list);
+    Image image(form, "image");
+    image.move({0, 0, 500, 500});
+    EXPECT_TRUE(form.keyPressed(46, 0));
+    Frame frame(form, "frame");
+    frame.move({0, 0, 500, 500});
+    EXPECT_FALSE(form.keyPressed(46, 0));
 }
 
 TEST_F(KeysTest, APanelOverTheContainerTakesTheKeysOfWhatItHolds) {
@@ -209,6 +251,20 @@ TEST_F(KeysTest, EnterAndSpaceClickAPictureThatHasTheFocusAndOtherKeysDoNot) {
     EXPECT_TRUE(form.keyPressed(65, 0));
     EXPECT_EQ(log,
               (Log{"picture key", "picture click", "picture key", "picture click", "picture key"}));
+}
+
+TEST_F(KeysTest, EnterClicksALabelThatTabStopsAtAndNoBoxOfText) {
+    Label label(form, "label");
+    label.move({0, 2000, 300, 300});
+    label.setTabStop(true);
+    logEvents(label.on(), "label", log);
+    form.setFocus(&label);
+    form.keyPressed(keyEnter, 0);
+    EXPECT_EQ(log, (Log{"label key", "label click"}));
+    log.clear();
+    form.setFocus(&text);
+    form.keyPressed(keyEnter, 0);
+    EXPECT_EQ(log, Log{"text key"});
 }
 
 TEST_F(KeysTest, AClickByKeyIsOffForAHandlerThatSwallowsItAndForADisabledPicture) {
@@ -279,6 +335,23 @@ TEST_F(KeysTest, APanelThatGoesHandsTheFocusBackToWhatLiesFreeThen) {
     window.focused = nullptr;
     aside.setVisible(false);
     EXPECT_EQ(window.focused, nullptr) << "it took nothing";
+}
+
+TEST_F(KeysTest, APanelBehindTheListHandsNothingBackWhateverBecomesOfIt) {
+    PictureBox behind(form, "behind");
+    behind.move(list.place());
+    behind.zOrder(1);
+    auto &window = shown();
+    form.setFocus(&list);
+    window.focused = nullptr;
+    behind.setLeft(15);
+    EXPECT_EQ(window.focused, nullptr) << "it moved";
+    behind.setVisible(false);
+    window.focused = nullptr;
+    behind.setLeft(0);
+    EXPECT_EQ(window.focused, nullptr) << "it moved unseen";
+    behind.setVisible(true);
+    EXPECT_EQ(window.focused, nullptr) << "it came";
 }
 
 } // namespace velmora::forms

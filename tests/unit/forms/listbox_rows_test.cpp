@@ -317,6 +317,37 @@ TEST_F(ListRowsTest, OneDesignRowIsTheWholeHeightAndNoneIsRefused) {
     EXPECT_EQ(list.designRows(), 1);
 }
 
+TEST_F(ListRowsTest, WithoutDesignRowsOfItsOwnTheRowHeightIsOfItsHeight) {
+    list.setHeight(1700);
+    EXPECT_EQ(list.rowHeight(), 100);
+}
+
+TEST_F(ListRowsTest, DesignRowsAreToldTakenForANewHeightAndScrollBackWhatTheyLeaveNoRoomFor) {
+    fill(40);
+    list.setHeight(3400);
+    list.setDesignRows(17);
+    list.setTopIndex(23);
+    auto &window = shown();
+    list.setDesignRows(17);
+    EXPECT_THAT(window.told, IsEmpty());
+    list.setDesignRows(20);
+    EXPECT_EQ(list.topIndex(), 20);
+    ASSERT_THAT(window.told, SizeIs(1));
+    EXPECT_EQ(window.told[0].change, Change::Look);
+    list.setHeight(4000);
+    list.setDesignRows(20);
+    EXPECT_EQ(list.rowHeight(), 200);
+}
+
+TEST_F(ListRowsTest, TheUserScrollsItUnlessItIsDisabled) {
+    fill(40);
+    list.userScrolled(3);
+    EXPECT_EQ(list.topIndex(), 3);
+    list.setEnabled(false);
+    list.userScrolled(5);
+    EXPECT_EQ(list.topIndex(), 3);
+}
+
 TEST_F(ListRowsTest, AnEmptyListHasNoRowToSelect) {
     EXPECT_THAT(rows(), IsEmpty());
     EXPECT_EQ(list.firstSelected(), -1);

@@ -135,6 +135,38 @@ TEST_F(SelectionTest, AnUnchangedSelectionDrawsNothing) {
     EXPECT_THAT(window.told, IsEmpty());
 }
 
+TEST_F(SelectionTest, ANewSelectionOrCurrentRowIsDrawn) {
+    list.setMultiSelect(true);
+    auto &window = shown();
+    const auto drawn = [&] {
+        const bool isDrawn =
+            std::any_of(window.told.begin(), window.told.end(),
+                        [](const auto &told) { return told.change == Change::Selection; });
+        window.told.clear();
+        return isDrawn;
+    };
+    list.setSelected(1, true);
+    EXPECT_TRUE(drawn());
+    list.setListIndex(2);
+    EXPECT_TRUE(drawn());
+    userClick(3);
+    EXPECT_TRUE(drawn());
+    list.userMoved(4, ctrlMask);
+    EXPECT_TRUE(drawn());
+}
+
+TEST_F(SelectionTest, ShiftStartsAtTheRowThatCodeChoseLastThoughAClickSetAnother) {
+    list.setMultiSelect(true);
+    userClick(6);
+    list.setSelected(2, true);
+    userClick(4, shiftMask);
+    EXPECT_THAT(chosen(), ElementsAre(2, 3, 4));
+    userClick(6);
+    list.setListIndex(1);
+    userClick(3, shiftMask);
+    EXPECT_THAT(chosen(), ElementsAre(1, 2, 3));
+}
+
 // --- by the user -----------------------------------------------------------------------
 
 TEST_F(SelectionTest, AClickSelectsItsRowAlone) {
@@ -202,6 +234,21 @@ TEST_F(SelectionTest, TheAnchorFollowsItsRow) {
     list.addItem(u"above", 0);
     userClick(6, shiftMask);
     EXPECT_THAT(chosen(), ElementsAre(4, 5, 6));
+}
+
+TEST_F(SelectionTest, TheFirstRowIsAnAnchorAsAnyOther) {
+    list.setMultiSelect(true);
+    userClick(0);
+    list.userMoved(3, ctrlMask);
+    userClick(5, shiftMask);
+    EXPECT_THAT(chosen(), ElementsAre(0, 1, 2, 3, 4, 5));
+}
+
+TEST_F(SelectionTest, ShiftWithoutAnAnchorStartsAtTheCurrentRowThoughItBeTheFirst) {
+    list.setMultiSelect(true);
+    list.userMoved(0, ctrlMask);
+    userClick(2, shiftMask);
+    EXPECT_THAT(chosen(), ElementsAre(0, 1, 2));
 }
 
 TEST_F(SelectionTest, ADragSelectsFromThePressedRow) {
@@ -273,6 +320,34 @@ TEST_F(SelectionTest, ADragWithCtrlFromASelectedRowTakesAway) {
     EXPECT_THAT(chosen(), ElementsAre(1, 4));
 }
 
+TEST_F(SelectionTest, ADragWithCtrlToTheFirstRowTakesItAndGivesItBack) {
+    list.setMultiSelect(true);
+    userClick(3, ctrlMask);
+    userDrag(0, ctrlMask);
+    EXPECT_THAT(chosen(), ElementsAre(0, 1, 2, 3));
+    userDrag(2, ctrlMask);
+    EXPECT_THAT(chosen(), ElementsAre(2, 3));
+}
+
+TEST_F(SelectionTest, ADragBehindAnotherChoiceGivesBackNothingOfAnEarlierOneWithCtrl) {
+    list.setMultiSelect(true);
+    userClick(7);
+    userClick(1, ctrlMask);
+    userClick(3, shiftMask);
+    userDrag(4);
+    EXPECT_THAT(chosen(), ElementsAre(1, 2, 3, 4)) << "behind Shift";
+    userClick(7);
+    userClick(1, ctrlMask);
+    userClick(3);
+    userDrag(4);
+    EXPECT_THAT(chosen(), ElementsAre(3, 4)) << "behind a click";
+    userClick(7);
+    userClick(1, ctrlMask);
+    list.userMoved(5, 0);
+    userDrag(6);
+    EXPECT_THAT(chosen(), ElementsAre(5, 6)) << "behind a key";
+}
+
 TEST_F(SelectionTest, ADragInASimpleListMovesTheSelection) {
     userClick(2);
     userDrag(5);
@@ -324,6 +399,32 @@ TEST_F(SelectionTest, KeysWithCtrlMoveTheCurrentRowAlone) {
     EXPECT_EQ(list.listIndex(), 5);
     EXPECT_THAT(chosen(), ElementsAre(2));
     EXPECT_EQ(clicks(), 1);
+}
+
+TEST_F(SelectionTest, KeysWithShiftKeepTheOthersWithCtrlAlone) {
+    list.setMultiSelect(true);
+    userClick(0);
+    userClick(6, ctrlMask);
+    list.userMoved(5, static_cast<std::int16_t>(shiftMask | ctrlMask));
+    EXPECT_THAT(chosen(), ElementsAre(0, 5, 6));
+    list.userMoved(4, shiftMask);
+    EXPECT_THAT(chosen(), ElementsAre(4, 5, 6));
+}
+
+TEST_F(SelectionTest, AKeyAloneSetsTheRowThatShiftStartsAt) {
+    list.setMultiSelect(true);
+    userClick(0);
+    list.userMoved(3, 0);
+    userClick(5, shiftMask);
+    EXPECT_THAT(chosen(), ElementsAre(3, 4, 5));
+}
+
+TEST_F(SelectionTest, KeysWithCtrlBringTheCurrentRowIntoView) {
+    list.setMultiSelect(true);
+    for (int i = 0; i < 40; ++i)
+        list.addItem(u"more");
+    list.userMoved(40, ctrlMask);
+    EXPECT_EQ(list.topIndex(), 24);
 }
 
 TEST_F(SelectionTest, KeysBeyondTheEndsStopAtThem) {

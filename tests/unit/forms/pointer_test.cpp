@@ -102,6 +102,14 @@ TEST_F(PointerTest, AMoveCarriesTheMaskOfTheButtonsHeld) {
     EXPECT_EQ(seen.x, 20);
 }
 
+TEST_F(PointerTest, AMoveCarriesTheKeysHeldAndNoButtonWhereNoneIs) {
+    MouseEvent seen;
+    back.on().MouseMove = [&](const MouseEvent &event) { seen = event; };
+    form.pointerMoved({20, 30}, 0, ctrlMask);
+    EXPECT_EQ(seen.button, 0);
+    EXPECT_EQ(seen.shift, ctrlMask);
+}
+
 // --- presses ---------------------------------------------------------------------------
 
 TEST_F(PointerTest, ClickFollowsTheRelease) {
@@ -268,6 +276,33 @@ TEST_F(PointerTest, NothingIsDeliveredWhileTheFormIsDisabled) {
     EXPECT_FALSE(form.keyPressed(65, 0));
     form.keyReleased(65, 0);
     EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(PointerTest, ADisabledFormHearsOfNothingBesideItsControlsEither) {
+    bool doubled = false;
+    form.on().DblClick = [&] { doubled = true; };
+    form.setEnabled(false);
+    press(10, 2000);
+    release(10, 2000);
+    move(10, 2000);
+    form.pointerDoubleClicked({10, 2000}, leftButton, 0);
+    EXPECT_FALSE(doubled);
+    EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(PointerTest, TheReleaseOfAnotherButtonThanThePressedIsDropped) {
+    press(10, 10);
+    release(10, 10, rightButton);
+    EXPECT_EQ(log, Log{"back down"});
+    release(10, 10);
+    EXPECT_EQ(log, (Log{"back down", "back up", "back click"}));
+}
+
+TEST_F(PointerTest, ASecondButtonIsNotPressedOnAControlDisabledUnderTheFirst) {
+    press(10, 10);
+    back.setEnabled(false);
+    press(10, 10, rightButton);
+    EXPECT_EQ(log, Log{"back down"});
 }
 
 TEST_F(PointerTest, APressThatWasGoingOnEndsSilentlyInADisabledForm) {

@@ -98,6 +98,37 @@ TEST_F(UserControlTest, LeavingForWhatLiesOverItIsAMoveOutside) {
     EXPECT_EQ(log, (Log{"in", "out"}));
 }
 
+TEST_F(UserControlTest, ALeaveHasNoButtonAndTheKeysHeld) {
+    MouseEvent seen;
+    dial.on().MouseMove = [&](const MouseEvent &event) { seen = event; };
+    move(450, 450);
+    form.pointerMoved({10, 10}, 0, ctrlMask);
+    EXPECT_EQ(seen.button, 0);
+    EXPECT_EQ(seen.shift, ctrlMask);
+    move(450, 450);
+    form.pointerLeft();
+    EXPECT_EQ(seen.button, 0);
+    EXPECT_EQ(seen.shift, 0);
+}
+
+TEST_F(UserControlTest, ALeaveForWhatLiesOverItIsAPixelOutsideOnBothSides) {
+    MouseEvent seen;
+    dial.on().MouseMove = [&](const MouseEvent &event) { seen = event; };
+    move(450, 450);
+    Image cover(form, "cover");
+    cover.move({400, 400, 300, 300});
+    move(450, 450);
+    EXPECT_EQ(seen.x, -twipsPerPixel);
+    EXPECT_EQ(seen.y, -twipsPerPixel);
+}
+
+TEST_F(UserControlTest, APointerThatLeavesTheWindowWhileItIsPressedHasNotLeftIt) {
+    move(450, 450);
+    press(450, 450);
+    form.pointerLeft();
+    EXPECT_EQ(log, (Log{"in", "down"}));
+}
+
 TEST_F(UserControlTest, WhileItIsPressedItGetsTheMovesOutside) {
     move(450, 450);
     press(450, 450);
@@ -134,6 +165,16 @@ TEST_F(UserControlTest, APressThatEndedInOrderLeavesNothingBehind) {
     EXPECT_THAT(log, IsEmpty());
 }
 
+TEST_F(UserControlTest, APressThatWasLostIsNotLostOnceMore) {
+    press(450, 450);
+    form.pointerLost();
+    move(10, 10);
+    EXPECT_EQ(log, (Log{"down", "out"}));
+    form.pointerLost();
+    move(20, 20);
+    EXPECT_EQ(log, (Log{"down", "out"}));
+}
+
 TEST_F(UserControlTest, ALeaveFromADisabledFormComesWhenItIsEnabledAgain) {
     move(450, 450);
     form.setEnabled(false);
@@ -156,6 +197,26 @@ TEST_F(UserControlTest, ALeaveThatWasToldIsNotToldAgainWhenTheFormIsEnabledOnceM
     EXPECT_EQ(log, Log{"down"});
     move(10, 10);
     EXPECT_EQ(log, (Log{"down", "out"}));
+}
+
+TEST_F(UserControlTest, AMoveAwayInADisabledFormIsALeaveWhenItIsEnabledAgain) {
+    MouseEvent seen;
+    dial.on().MouseMove = [&](const MouseEvent &event) { seen = event; };
+    move(450, 450);
+    form.setEnabled(false);
+    form.pointerMoved({10, 10}, 0, ctrlMask);
+    EXPECT_EQ(log, Log{"in"});
+    form.setEnabled(true);
+    EXPECT_EQ(log, (Log{"in", "out"}));
+    EXPECT_EQ(seen.shift, 0);
+}
+
+TEST_F(UserControlTest, AMoveOnItInADisabledFormIsNoLeave) {
+    move(450, 450);
+    form.setEnabled(false);
+    move(460, 460);
+    form.setEnabled(true);
+    EXPECT_EQ(log, Log{"in"});
 }
 
 TEST_F(UserControlTest, APointerThatCameBackMeanwhileHasNotLeft) {
@@ -242,6 +303,11 @@ TEST_F(UserControlTest, HearsOfANewSizeAndNotOfAMove) {
 TEST_F(UserControlTest, HearsOfANewScaleWhereverItLies) {
     form.scaleChanged();
     EXPECT_EQ(log, Log{"scale"});
+}
+
+TEST_F(UserControlTest, HearsOfNoScaleWhereTheWindowHasTheDesigns) {
+    form.show();
+    EXPECT_THAT(log, IsEmpty());
 }
 
 TEST_F(UserControlTest, LooksEnabledWithItsContainersButWithoutTheForm) {
