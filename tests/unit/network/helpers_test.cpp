@@ -234,6 +234,23 @@ TEST_F(Folders, countFromTheDriveWhereThereIsOne) {
     EXPECT_EQ(files.changes(), (Lines{u"make C:\\a", u"make C:\\a\\b"}));
 }
 
+TEST_F(Folders, ofADriveWithoutASeparatorCountFromItsRoot) {
+    files.addFolder(u"C:\\");
+    std::u16string path = u"C:ab\\c\\";
+    EXPECT_TRUE(makeDirectoryChain(files, path));
+    EXPECT_EQ(files.changes(), (Lines{u"make C:\\ab", u"make C:\\ab\\c"}));
+    files.clearChanges();
+    path = u"C:\\";
+    EXPECT_TRUE(makeDirectoryChain(files, path));
+    EXPECT_EQ(files.changes(), Lines());
+}
+
+TEST_F(Folders, thatAreThereAreNotMadeAgain) {
+    files.addFolder(u"/home/user/a");
+    EXPECT_TRUE(make(u"/home/user/a/b/"));
+    EXPECT_EQ(files.calls("MkDir"), 1);
+}
+
 TEST_F(Folders, thatCannotBeMadeAreStillASuccess) {
     files.setReadOnly(u"/home/user");
     EXPECT_TRUE(make(u"/home/user/a/b.mp3"));

@@ -259,6 +259,9 @@ TEST_F(LyricWindow, savesWhereTheUserSays) {
     EXPECT_EQ(asked.title, u"选择要保存歌词同步文件的地址 - Velmora 2011");
     EXPECT_EQ(untilNul(asked.file), u"Song");
     EXPECT_EQ(asked.filter, std::u16string(u"歌词同步文件（*.LRC）\0*.LRC\0", 20));
+    EXPECT_EQ(asked.owner, form.hWnd());
+    EXPECT_EQ(asked.initialDirectory, u"") << "where the last one was";
+    EXPECT_EQ(asked.defaultExtension, u"lrc");
 }
 
 TEST_F(LyricWindow, savesNothingWhenTheUserCancels) {

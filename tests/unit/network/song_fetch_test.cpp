@@ -68,6 +68,7 @@ TEST_F(SongFetch, savesWhereTheUserSays) {
     EXPECT_EQ(asked.title, u"选择要保存曲目的地址 - Velmora 2011");
     EXPECT_EQ(untilNul(asked.file), u"SINGER NAME.MP3");
     EXPECT_EQ(asked.filter, std::u16string(u"所有文件（*.*）\0*.*\0", 14));
+    EXPECT_EQ(asked.owner, form.hWnd());
 }
 
 TEST_F(SongFetch, savesNothingWhenTheUserCancels) {

@@ -99,6 +99,13 @@ TEST_F(SongPlay, whatPlaysIsClosedAlsoForAFileThatIsNotThere) {
     EXPECT_EQ(rowsOf(app.playList_Form().List1), Texts{u"/m/none.mp3"});
 }
 
+TEST_F(SongPlay, whatIsClosedTakesItsLyricAlong) {
+    openAndPlay(addTrack(u"/m/before.mp3"));
+    app.lrcForm().List1.addItem(u"[00:01]words");
+    form.play_Downloaded(u"/m/none.mp3");
+    EXPECT_EQ(app.lrcForm().List1.listCount(), 0);
+}
+
 TEST_F(SongPlay, whatIsPausedStaysForAFileThatIsNotThere) {
     openAndPlay(addTrack(u"/m/before.mp3"));
     app.player().pause_Sub();

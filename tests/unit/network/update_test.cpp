@@ -54,6 +54,17 @@ TEST_F(Update, WithoutANetworkIsToldToTheUserAlone) {
     work().check_Update(true);
 }
 
+TEST_F(Update, WithoutANetworkFetchesNothing) {
+    fake.internet.connectedState = 0;
+    serveVersion("2.9.9");
+    work().check_Update(false);
+    EXPECT_TRUE(fake.internet.log.empty() ||
+                !startsWith(fake.internet.log.back(), u"URLDownloadToFileA"));
+    fake.internet.connectedState = 1;
+    work().check_Update(false);
+    EXPECT_TRUE(startsWith(fake.internet.log.back(), u"URLDownloadToFileA"));
+}
+
 TEST_F(Update, AskedForByAPersonTriesHostsAnewThatDidNotAnswerAndByItselfDoesNot) {
     work().check_Update(false);
     EXPECT_EQ(fake.internet.triedAnew, 0);
@@ -126,6 +137,29 @@ TEST_F(Update, IsFetchedFromNowhereThatCouldBeAnybody) {
     EXPECT_TRUE(fetches(u"https://maker.example", u"https://files.example/new.exe"));
 }
 
+TEST_F(Update, ThatIsNotFetchedTellsWhy) {
+    work().new_Version = u"../3.0.0";
+    work().new_DownloadUrl = u"http://maker/new.exe";
+    EXPECT_FALSE(work().fetch_NewProgram());
+    EXPECT_EQ(work().update_Result, 123) << "a name that is none";
+    work().new_Version = u"3.0.0";
+    work().new_DownloadUrl = u"http://other/new.exe";
+    fake.internet.log.clear();
+    EXPECT_FALSE(work().fetch_NewProgram());
+    EXPECT_EQ(work().update_Result, 5) << "access denied";
+    EXPECT_EQ(fake.internet.log, Texts{u"DeleteUrlCacheEntryA http://other/new.exe"});
+}
+
+TEST_F(Update, OfAFolderThatEndsInASeparatorHasNoSecondAheadOfItsName) {
+    fake.processes.folder = u"/opt/velmora/";
+    work().new_Version = u"3.0.0";
+    work().new_DownloadUrl = u"http://maker/new.exe";
+    serveProgram();
+    EXPECT_TRUE(work().fetch_NewProgram());
+    EXPECT_EQ(fake.internet.log.back(),
+              std::u16string(u"URLDownloadToFileA http://maker/new.exe ") + newPath);
+}
+
 TEST_F(Update, TestsTheTemporaryFolderForTheProgramToo) {
     work().new_Version = u"3.0.0";
     work().new_DownloadUrl = u"http://maker/new.exe";
@@ -184,6 +218,15 @@ TEST_F(Update, IsNotFetchedWhereTheTemporaryFolderCannotBeWritten) {
     work().check_Update(true);
     for (std::size_t i = asked; i < fake.internet.log.size(); ++i)
         EXPECT_FALSE(startsWith(fake.internet.log[i], u"URLDownloadToFileA"));
+}
+
+TEST_F(Update, IsNotReadFromAnEarlierFileWhereTheTemporaryFolderCannotBeWrittenAnyMore) {
+    serveVersion("2.0.0");
+    work().check_Update(false);
+    files.addFile(work().update_TmpFile, "[check]\r\nvesion=3.0.0\r\ndownload=http://maker/x\r\n");
+    files.setReadOnly(fake.folders.temporary);
+    work().check_Update(true);
+    EXPECT_TRUE(windows.boxes.empty());
 }
 
 TEST_F(Update, ThatTheUserDeclinesFetchesNothing) {

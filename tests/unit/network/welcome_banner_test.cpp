@@ -184,6 +184,39 @@ TEST_F(Banner, OfTheStandingTextKeepsTheWordsOfItsTag) {
     EXPECT_EQ(opened(), u"") << "the word is no address, and comes to nothing";
 }
 
+TEST_F(Banner, OfOneEntryWithoutALinkIsShown) {
+    startWith(1, "index_0_Str=a\n");
+    EXPECT_EQ(label().caption(), u"a");
+    EXPECT_EQ(label().tag(), u"");
+}
+
+TEST_F(Banner, ThatHasRunThroughBeginsAnewWithItsFirstEntryAndGoesOnWithItsSecond) {
+    startWith(2, "index_0_Str=a\nindex_1_Str=b\n");
+    tick(4 * 50);
+    EXPECT_EQ(label().caption(), u"b");
+    EXPECT_EQ(page().ad_Index, 2);
+}
+
+TEST_F(Banner, OfThreeElementsGoesOnToItsThirdAsALinkOfNothing) {
+    startWith(1, "index_0_Str=a|■|b\nindex_0_Link=c\n");
+    tick(50);
+    EXPECT_EQ(label().caption(), u"c");
+    EXPECT_EQ(label().tag(), u"");
+    EXPECT_EQ(page().ad_Index, 2);
+}
+
+TEST_F(Banner, OfMoreElementsThanANumberCountsStaysAtTheLastThatItCounts) {
+    startWith(2'000'000'000, "index_0_Str=a\n");
+    page().ad_Index = 2'147'483'645;
+    tick(50);
+    EXPECT_EQ(page().ad_Index, 2'147'483'647);
+    tick(50);
+    EXPECT_EQ(page().ad_Index, 2'147'483'647);
+    page().ad_Index = 2'147'483'646;
+    tick(50);
+    EXPECT_EQ(page().ad_Index, 2'147'483'646);
+}
+
 TEST_F(Banner, DividesEntriesAtTheMarkThatJoinsThem) {
     startWith(1, "index_0_Str=a|■|b\nindex_0_Link=c\n");
     EXPECT_EQ(page().ad_Items.upperBound(), 3);

@@ -280,6 +280,38 @@ TEST_F(Welcome, TakesAsManyLinesAsAnArrayHas) {
     EXPECT_TRUE(page().load_Failed);
 }
 
+TEST_F(Welcome, CountsNoLineForAKeyThatIsNeitherTextNorLink) {
+    start(whole("[databases]\ndatabases_0_Ubound=9\ndatabases_0_0_Str=a\ndatabases_0_7_Icon=b\n"));
+    EXPECT_FALSE(page().load_Failed);
+    EXPECT_EQ(lines(page().FrameDate_0).size(), 1U);
+}
+
+TEST_F(Welcome, AsksForTheLinesOfItsThreeTabsAlone) {
+    start(whole("[databases]\ndatabases_0_Ubound=1\ndatabases_0_0_Str=a\n"
+                "databases_3_Ubound=2\ndatabases_3_0_Str=b\ndatabases_3_1_Str=c\n"));
+    EXPECT_FALSE(page().load_Failed);
+    EXPECT_TRUE(page().FrameDate_0.visible());
+}
+
+TEST_F(Welcome, WithoutDataForItsCountOpens) {
+    start(whole("[databases]\ndatabases_0_Ubound=2\n"));
+    EXPECT_FALSE(page().load_Failed);
+    EXPECT_EQ(lines(page().FrameDate_0).size(), 1U);
+}
+
+TEST_F(Welcome, OfOneLineMeetsNoneThatALongerOneLeft) {
+    start(whole("[databases]\ndatabases_0_Ubound=2\ndatabases_0_0_Str=a\ndatabases_0_1_Str=b\n"));
+    start(whole("[databases]\ndatabases_0_Ubound=1\ndatabases_0_0_Str=c\n"));
+    EXPECT_FALSE(page().load_Failed);
+    EXPECT_EQ(page().databases_0_0.caption(), u"c");
+}
+
+TEST_F(Welcome, OfTwoLinesMeetsTheSecondOfAnotherAlthoughItsOwnIsEmpty) {
+    start(whole("[databases]\ndatabases_0_Ubound=2\ndatabases_0_0_Str=a\ndatabases_0_1_Str=b\n"));
+    start(whole("[databases]\ndatabases_0_Ubound=2\ndatabases_0_0_Str=c\n"));
+    EXPECT_TRUE(page().load_Failed);
+}
+
 TEST_F(Welcome, ThatLoadsBehindAFailureOffersNoRetry) {
     start(whole("databaseStr_Interval=wide\n[databases]\ndatabases_0_Ubound=1\n"));
     ASSERT_TRUE(page().load_Failed);
