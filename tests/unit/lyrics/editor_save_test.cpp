@@ -94,6 +94,8 @@ TEST_F(EditorSave, AsWritesWhereTheUserSaysAndLoadsNothing) {
     EXPECT_EQ(fake.dialogs.files[0].title, u"选择要保存歌词同步文件的地址 - Velmora 2011");
     EXPECT_EQ(fake.dialogs.files[0].filter, std::u16string(u"歌词同步文件（*.LRC）\0*.lrc\0", 20));
     EXPECT_TRUE(fake.dialogs.files[0].file.starts_with(u"Song\0"));
+    EXPECT_EQ(fake.dialogs.files[0].initialDirectory, u"") << "where the last one was";
+    EXPECT_EQ(fake.dialogs.files[0].defaultExtension, u"lrc");
     EXPECT_EQ(files.contents(u"/m/other.lrc"), written);
     EXPECT_FALSE(lyric().hasLrc);
     EXPECT_EQ(editor().savePath, u"/m/other.lrc");

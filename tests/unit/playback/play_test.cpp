@@ -188,6 +188,15 @@ TEST_P(Channel, IsPutBackByThePictureThatShowsInMain) {
     EXPECT_EQ(app.VideoScreen_Form().AudioSource_R.visible(), GetParam().channel == 2);
 }
 
+TEST_F(Playing, PutsBackNoChannelWhereNoPictureShows) {
+    auto &main = app.Main();
+    for (forms::Image *picture : {&main.AudioSource_H, &main.AudioSource_L, &main.AudioSource_R})
+        picture->setVisible(false);
+    app.player().play_Sub();
+    for (const std::u16string &text : media.texts())
+        EXPECT_EQ(text.find(u"source"), std::u16string::npos) << toUtf8(text);
+}
+
 INSTANTIATE_TEST_SUITE_P(Channels, Channel,
                          ::testing::Values(ChannelCase{0, u"setaudio  NOWMUSIC source to stereo"},
                                            ChannelCase{1, u"setaudio  NOWMUSIC source to left"},

@@ -89,6 +89,18 @@ TEST_F(RemoteCommands, TheEndOfACallLeavesAloneATrackThatAPersonWentOnToAndPause
     pauseAndEndTheCall();
 }
 
+TEST_F(RemoteCommands, TheEndOfACallLeavesAloneWhatAPersonStartedAndPausedRightAheadOfIt) {
+    play();
+    app.remoteControl().quiet(true);
+    settle();
+    ask(RemoteCommand::Play);
+    settle();
+    app.player().pause_Sub();
+    media.clearCommands();
+    app.remoteControl().quiet(false);
+    EXPECT_EQ(media.mode(), u"paused");
+}
+
 TEST_F(RemoteCommands, PlayAfterAStopOpensTheTrackAgain) {
     play();
     ask(RemoteCommand::Stop);

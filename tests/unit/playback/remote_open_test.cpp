@@ -129,6 +129,13 @@ TEST_F(RemoteOpen, OfWhatIsMoreThanAListHoldsTheLastDoesNotWait) {
     EXPECT_EQ(app.playList_Form().List1.list(3), u"/x/fits.mp3");
 }
 
+TEST_F(RemoteOpen, AListFullOfPathsIsTakenAndSoIsWhatComesBehindIt) {
+    player().open(Texts(32767, u"/m/none.mp3"), true);
+    player().open({addTrack(u"/m/new.mp3")}, true);
+    const forms::ListBox &paths = app.playList_Form().List1;
+    EXPECT_EQ(paths.list(paths.listCount() - 1), u"/m/new.mp3");
+}
+
 TEST_F(RemoteOpen, NothingIsNoOrder) {
     play();
     player().open({}, false);

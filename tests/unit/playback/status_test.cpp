@@ -108,6 +108,31 @@ TEST_F(Status, InRandomDrawsATrackButNeverTheLast) {
     EXPECT_LE(app.player().nowPlay_Index, 2);
 }
 
+TEST_F(Status, InRandomOpensOneTrackAlone) {
+    app.setControl().PlayMode = 1;
+    app.playList_Form().playList_Item.removeItem(2);
+    app.playList_Form().List1.removeItem(2);
+    app.player().nowPlay_Index = 2;
+    media.reachEnd();
+    media.clearCommands();
+    EXPECT_EQ(app.player().get_PlayStatus(), 0);
+    EXPECT_EQ(app.player().nowPlay_Index, 1);
+    EXPECT_EQ(app.player().nowPlay_File, u"/m/a.mp3");
+    const Texts sent = media.actions();
+    EXPECT_EQ(std::count_if(sent.begin(), sent.end(),
+                            [](const std::u16string &text) { return startsWith(text, u"open "); }),
+              1);
+}
+
+TEST_F(Status, InRepeatTheLyricGoesWithItsTrackThoughThatOpensNoMore) {
+    app.setControl().PlayMode = 2;
+    app.lrcForm().List1.addItem(u"[00:01]words");
+    media.reachEnd();
+    files.remove(u"/m/a.mp3");
+    EXPECT_EQ(app.player().get_PlayStatus(), 0);
+    EXPECT_EQ(app.lrcForm().List1.listCount(), 0);
+}
+
 TEST_F(Status, OfAnUnknownPlayModeFollowsNothing) {
     app.setControl().PlayMode = 7;
     media.reachEnd();

@@ -267,6 +267,29 @@ TEST_F(Transport, APickedFileThatDoesNotOpenStaysInTheListAndBringsTheStoppedLoo
     EXPECT_EQ(main().play_Time.caption(), u"00:00:00 - 00:00:00");
 }
 
+TEST_F(Transport, APickedFileThatDoesNotOpenTakesTheLyricOfTheOneThatPlayedAlong) {
+    openAndPlay(u"/m/a.mp3");
+    app.lrcForm().List1.addItem(u"[00:01]words");
+    main().take_Chosen_File(u"/m/none.mp3");
+    EXPECT_EQ(app.lrcForm().List1.listCount(), 0);
+}
+
+TEST_F(Transport, APickedFileOfTheListBringsItsRowIntoView) {
+    for (int row = 0; row < 40; ++row)
+        addRowOnly(u"/m/" + fromAscii(std::to_string(row)) + u".mp3");
+    main().take_Chosen_File(u"/m/39.mp3");
+    const forms::ListBox &names = app.playList_Form().playList_Item;
+    EXPECT_EQ(names.topIndex(), names.listCount() - names.designRows());
+}
+
+TEST_F(Transport, APickedFileOfTheListDeselectsItsFirstRowToo) {
+    forms::ListBox &names = app.playList_Form().playList_Item;
+    names.setSelected(0, true);
+    main().take_Chosen_File(u"/m/b.mp3");
+    EXPECT_FALSE(names.selected(0));
+    EXPECT_TRUE(names.selected(1));
+}
+
 TEST_F(Transport, NoPickedFileChangesNothingButGivesTheWindowsBack) {
     main().setEnabled(false);
     app.playList_Form().setEnabled(false);

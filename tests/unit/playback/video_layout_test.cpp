@@ -40,6 +40,25 @@ TEST_F(Video, SeekBarAndTransportStandByTheTable) {
     });
 }
 
+TEST_F(Video, WhateverStoodElsewhereIsPutBackByTheTable) {
+    auto &w = window();
+    for (forms::Control *control : std::initializer_list<forms::Control *>{
+             &w.load_Played, &w.playButton, &w.pauseButton, &w.stopButton, &w.upButton,
+             &w.nextButton, &w.play_Time, &w.Volume_Set_BG, &w.fullScreen_Button})
+        control->move({7000, 7000, 30, 30});
+    w.setScreenSize(10951, 7876, true);
+    EXPECT_EQ(w.load_Played.place(), (RectTwips{150, 90, 0, 120}));
+    EXPECT_EQ(w.playButton.place(), (RectTwips{100, 300, 495, 495}));
+    EXPECT_EQ(w.pauseButton.place(), w.playButton.place());
+    EXPECT_EQ(w.stopButton.place(), (RectTwips{595, 300, 495, 495}));
+    EXPECT_EQ(w.upButton.place(), (RectTwips{1090, 300, 495, 495}));
+    EXPECT_EQ(w.nextButton.place(), (RectTwips{1585, 300, 495, 495}));
+    EXPECT_EQ(w.play_Time.left(), 2180);
+    EXPECT_EQ(w.Volume_Set_BG.width(), 1600);
+    EXPECT_EQ(w.Volume_Set_BG.height(), 200);
+    EXPECT_EQ(w.fullScreen_Button.left(), 10951 - 3240);
+}
+
 TEST_F(Video, RightSideOfTheStripStandsByTheTable) {
     inEachSize([this](Twips wide, Twips, bool) {
         auto &w = window();
@@ -211,6 +230,28 @@ TEST_F(Video, FullScreenButtonGoesThereAndBack) {
     EXPECT_EQ(app.player().isFullScreen, -1);
     window().videoScreen_Control.on().DblClick();
     EXPECT_EQ(app.player().isFullScreen, 0);
+}
+
+TEST_F(Video, FullScreenButtonGoesBackToTheDefaultSize) {
+    play();
+    window().setScreenSize(12000, 9000, true);
+    clickOn(window().fullScreen_Button);
+    EXPECT_EQ(window().width(), 1280 * 15);
+    clickOn(window().fullScreen_imgButton);
+    EXPECT_EQ(window().width(), VideoScreen_Form::defaultWidth);
+    EXPECT_EQ(window().height(), VideoScreen_Form::defaultHeight);
+}
+
+TEST_F(Video, InFullScreenFollowsTheScreenWithoutAPause) {
+    app.lrcForm();
+    play();
+    window().setFullScreen(true);
+    media.clearCommands();
+    windows.screen = {1024, 768};
+    windows.onScreensChanged();
+    EXPECT_EQ(window().width(), 1024 * 15);
+    EXPECT_EQ(media.count(u"pause NOWMUSIC"), 0U);
+    EXPECT_EQ(media.mode(), u"playing");
 }
 
 TEST_F(Video, FromFullScreenItComesBackToItsPlaceWithItsTitleRowInSight) {

@@ -286,5 +286,23 @@ TEST_F(SavingTheList, AnOldFileThatIsGoneByNowDoesNotHinderTheSave) {
     EXPECT_EQ(files.contents(listFile), "/m/a.mp3\r\n");
 }
 
+TEST_F(SavingTheList, WhereItCannotBeToldWhatIsThereNothingIsReplaced) {
+    files.addFile(listFile, "/m/a.mp3\r\n/m/b.mp3\r\n");
+    addRowOnly(u"/m/new.mp3");
+    files.failNext("FileLen", ErrorNumber::DeviceIo);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(files.contents(listFile), "/m/a.mp3\r\n/m/b.mp3\r\n");
+    EXPECT_EQ(files.calls("writeWhole"), 0);
+}
+
+TEST_F(SavingTheList, AnEmptyOldListIsNoCopyOfALongerOne) {
+    files.addFile(listFile, "");
+    files.addFile(oldFile, "/m/older.mp3\r\n");
+    addRowOnly(u"/m/new.mp3");
+    save();
+    EXPECT_EQ(files.contents(oldFile), "/m/older.mp3\r\n");
+    EXPECT_TRUE(files.hasFile(oldFile + u".1"));
+}
+
 } // namespace
 } // namespace velmora

@@ -68,6 +68,14 @@ TEST_F(RestoreToDefaults, ANoAtTheRestartKeepsTheSettingsInMemoryAndTheNextConfi
     EXPECT_EQ(settings.get_PlayMode(), 2);
 }
 
+TEST_F(RestoreToDefaults, TheLowestAnswerThatIsNoErrorIsAProgramThatStarts) {
+    files.addFile(u"/opt/velmora/velmora");
+    fake.shell.answer = 33;
+    expectAsk(MsgBoxResult::Yes);
+    expectRestart(MsgBoxResult::Yes);
+    expectEnd([&] { settings.restoreDefaults(); });
+}
+
 TEST_F(RestoreToDefaults, TheRestartWritesTheMarkerStartsTheProgramAndEndsThisOne) {
     files.addFile(u"/opt/velmora/velmora");
     expectAsk(MsgBoxResult::Yes);
