@@ -1,35 +1,9 @@
-#include "tests/unit/forms/form_fixture.h"
+#include "tests/unit/forms/selection_fixture.h"
 
 namespace velmora::forms {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-class SelectionTest : public FormFixture {
-protected:
-    ListBox list{form, "list"};
-    Log log;
-
-    SelectionTest() {
-        for (const char16_t *text : {u"0", u"1", u"2", u"3", u"4", u"5", u"6", u"7"})
-            list.addItem(text);
-        logEvents(list.on(), "list", log);
-    }
-
-    std::vector<int> chosen() const {
-        std::vector<int> rows;
-        for (int row = 0; row < list.listCount(); ++row)
-            if (list.selected(row))
-                rows.push_back(row);
-        EXPECT_EQ(list.selCount(), static_cast<int>(rows.size()));
-        return rows;
-    }
-    int clicks() const {
-        return static_cast<int>(std::count(log.begin(), log.end(), "list click"));
-    }
-    void userClick(int row, std::int16_t shift = 0) { list.userClicked(row, shift, false); }
-    void userDrag(int row, std::int16_t shift = 0) { list.userClicked(row, shift, true); }
-};
 
 // --- by code ---------------------------------------------------------------------------
 
@@ -379,67 +353,6 @@ TEST_F(SelectionTest, AClickQueuedForADisabledListIsDropped) {
     list.userScrolled(2);
     EXPECT_THAT(log, IsEmpty());
     EXPECT_THAT(chosen(), IsEmpty());
-}
-
-TEST_F(SelectionTest, KeysSelectAloneAndShiftExtends) {
-    list.setMultiSelect(true);
-    list.userMoved(2, 0);
-    list.userMoved(3, shiftMask);
-    list.userMoved(4, shiftMask);
-    EXPECT_THAT(chosen(), ElementsAre(2, 3, 4));
-    list.userMoved(5, 0);
-    EXPECT_THAT(chosen(), ElementsAre(5));
-    EXPECT_EQ(clicks(), 4);
-}
-
-TEST_F(SelectionTest, KeysWithCtrlMoveTheCurrentRowAlone) {
-    list.setMultiSelect(true);
-    userClick(2);
-    list.userMoved(5, ctrlMask);
-    EXPECT_EQ(list.listIndex(), 5);
-    EXPECT_THAT(chosen(), ElementsAre(2));
-    EXPECT_EQ(clicks(), 1);
-}
-
-TEST_F(SelectionTest, KeysWithShiftKeepTheOthersWithCtrlAlone) {
-    list.setMultiSelect(true);
-    userClick(0);
-    userClick(6, ctrlMask);
-    list.userMoved(5, static_cast<std::int16_t>(shiftMask | ctrlMask));
-    EXPECT_THAT(chosen(), ElementsAre(0, 5, 6));
-    list.userMoved(4, shiftMask);
-    EXPECT_THAT(chosen(), ElementsAre(4, 5, 6));
-}
-
-TEST_F(SelectionTest, AKeyAloneSetsTheRowThatShiftStartsAt) {
-    list.setMultiSelect(true);
-    userClick(0);
-    list.userMoved(3, 0);
-    userClick(5, shiftMask);
-    EXPECT_THAT(chosen(), ElementsAre(3, 4, 5));
-}
-
-TEST_F(SelectionTest, KeysWithCtrlBringTheCurrentRowIntoView) {
-    list.setMultiSelect(true);
-    for (int i = 0; i < 40; ++i)
-        list.addItem(u"more");
-    list.userMoved(40, ctrlMask);
-    EXPECT_EQ(list.topIndex(), 24);
-}
-
-TEST_F(SelectionTest, KeysBeyondTheEndsStopAtThem) {
-    list.userMoved(100, 0);
-    EXPECT_EQ(list.listIndex(), 7);
-    list.userMoved(-3, 0);
-    EXPECT_EQ(list.listIndex(), 0);
-}
-
-TEST_F(SelectionTest, KeysInAnEmptyListDoNothing) {
-    list.clear();
-    log.clear();
-    list.userMoved(0, 0);
-    EXPECT_EQ(list.listIndex(), -1);
-    EXPECT_THAT(log, IsEmpty());
 }
 
 TEST_F(SelectionTest, TheUsersChoiceComesIntoView) {
