@@ -318,7 +318,8 @@ class Standing(LyricTest):
         player.move(main, *corner)
         wide, high = player.size(main)
         line_high = player.size(line)[1]
-        title = player.look(main, "title")
+        title = rest(lambda: player.look(main, "title"))  # at its new place it may still be on its way
+        self.assertTrue(title, "the title does not come to rest")
         for percent in (200, 150, 100):
             scale(percent)
             daemon.send_signal(signal.SIGHUP)

@@ -19,6 +19,8 @@
 namespace velmora {
 namespace {
 
+constexpr std::chrono::seconds ample{60}; // for a machine that is busy
+
 class Cover : public ::testing::Test {
 protected:
     Cover() {
@@ -27,7 +29,7 @@ protected:
     }
     ~Cover() override { std::filesystem::remove_all(folder_); }
     void put(const std::string &name) { std::ofstream(folder_ + "/" + name) << "picture"; }
-    std::string found() { return platform::bus::coverBeside(folder_ + "/track.mp3"); }
+    std::string found() { return platform::bus::coverBeside(folder_ + "/track.mp3", ample); }
     std::string folder_;
 };
 
@@ -112,7 +114,7 @@ protected:
 TEST_F(CoverKept, OfATagIsWrittenOnce) {
     std::ofstream(folder_ + "/track.mp3", std::ios::binary) << corpus("id3_3");
     const std::string track = folder_ + "/track.mp3";
-    const std::string first = platform::bus::coverOf(track, cache());
+    const std::string first = platform::bus::coverOf(track, cache(), ample);
     EXPECT_THAT(first, ::testing::StartsWith("file://" + cache() + "/"));
     EXPECT_THAT(first, ::testing::EndsWith(".jpg"));
     const auto path = first.substr(7);
@@ -122,12 +124,12 @@ TEST_F(CoverKept, OfATagIsWrittenOnce) {
         return info.st_ino;
     };
     const auto before = node();
-    EXPECT_EQ(platform::bus::coverOf(track, cache()), first);
+    EXPECT_EQ(platform::bus::coverOf(track, cache(), ample), first);
     EXPECT_EQ(node(), before);
     EXPECT_EQ(count(), 1U);
     // One that lies beside the track goes ahead of it.
     put("cover.png");
-    EXPECT_THAT(platform::bus::coverOf(track, cache()), ::testing::EndsWith("/cover.png"));
+    EXPECT_THAT(platform::bus::coverOf(track, cache(), ample), ::testing::EndsWith("/cover.png"));
 }
 
 TEST_F(CoverKept, AreNeverMoreThanSoMany) {

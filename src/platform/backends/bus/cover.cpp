@@ -19,7 +19,6 @@ namespace velmora::platform::bus {
 
 namespace {
 
-constexpr auto patience = std::chrono::milliseconds(200);
 // In a folder with more names than any album has, whatever is found by then.
 constexpr int mostNames = 10'000;
 
@@ -71,15 +70,16 @@ std::string inside(const std::string &track, const std::string &cache) {
 
 } // namespace
 
-std::string coverOf(const std::string &track, const std::string &cache) {
-    const std::string beside = coverBeside(track);
+std::string coverOf(const std::string &track, const std::string &cache,
+                    std::chrono::milliseconds patience) {
+    const std::string beside = coverBeside(track, patience);
     if (!beside.empty() || cache.empty())
         return beside;
     const auto found = withinTime(patience, [track, cache] { return inside(track, cache); });
     return found && !found->empty() ? fileUri(*found) : std::string();
 }
 
-std::string coverBeside(const std::string &track) {
+std::string coverBeside(const std::string &track, std::chrono::milliseconds patience) {
     const std::size_t slash = track.rfind('/');
     if (slash == std::string::npos)
         return {};
