@@ -26,13 +26,14 @@ Control::~Control() {
     form_->controlGone(*this);
 }
 
-void Control::setLeft(Twips left) { move({left, place_.top, place_.width, place_.height}); }
-void Control::setTop(Twips top) { move({place_.left, top, place_.width, place_.height}); }
-void Control::setWidth(Twips width) { move({place_.left, place_.top, width, place_.height}); }
-void Control::setHeight(Twips height) { move({place_.left, place_.top, place_.width, height}); }
+void Control::setLeft(Twips left) { move({left, top(), width(), height()}); }
+void Control::setTop(Twips top) { move({left(), top, width(), height()}); }
+void Control::setWidth(Twips width) { move({left(), top(), width, height()}); }
+void Control::setHeight(Twips height) { move({left(), top(), width(), height}); }
 
 void Control::move(const RectTwips &wanted) {
     const RectTwips place = checkedPlace(wanted);
+    owesSize_ = false;
     if (place == place_)
         return;
     const RectTwips before = placeInForm();
@@ -41,7 +42,7 @@ void Control::move(const RectTwips &wanted) {
 }
 
 RectTwips Control::placeInForm() const noexcept {
-    RectTwips place = place_;
+    RectTwips place = this->place();
     for (const Control *outer = container_->asControl(); outer != nullptr;
          outer = outer->container_->asControl()) {
         place.left += outer->place_.left;
@@ -100,6 +101,15 @@ ControlEvents &Control::on() {
 void Control::changed(Change what) {
     if (form_->window() != nullptr)
         form_->controlChanged(*this, what, placeInForm());
+}
+
+bool Control::mayOweSize() const noexcept { return form_->window() == nullptr; }
+
+void Control::paySize() const noexcept {
+    const TextExtent size = owedSize();
+    place_.width = size.width;
+    place_.height = size.height;
+    owesSize_ = false;
 }
 
 void Control::placeChanged(const RectTwips &before) {

@@ -11,6 +11,7 @@
 
 #include "base/geometry.h"
 #include "platform/forms/events.h"
+#include "platform/forms/font.h"
 
 #include <cstdint>
 #include <memory>
@@ -95,9 +96,13 @@ public:
 
     Twips left() const noexcept { return place_.left; }
     Twips top() const noexcept { return place_.top; }
-    Twips width() const noexcept { return place_.width; }
-    Twips height() const noexcept { return place_.height; }
-    const RectTwips &place() const noexcept { return place_; }
+    Twips width() const noexcept { return place().width; }
+    Twips height() const noexcept { return place().height; }
+    const RectTwips &place() const noexcept {
+        if (owesSize_)
+            paySize();
+        return place_;
+    }
     void setLeft(Twips left);
     void setTop(Twips top);
     virtual void setWidth(Twips width);
@@ -158,15 +163,21 @@ protected:
     // The own flag is another now.
     virtual void enabledChanged() {}
     void placeChanged(const RectTwips &before);
+    // Whether a size that follows from other values may wait until somebody asks for it: a form
+    // without a window tells nobody of a new one.
+    bool mayOweSize() const noexcept;
+    void oweSize() noexcept { owesSize_ = true; }
+    virtual TextExtent owedSize() const { return {place_.width, place_.height}; }
 
 private:
     friend class Container;
+    void paySize() const noexcept;
 
     Container *container_;
     Form *form_;
     const char *name_;
     const Control *bondedTo_ = nullptr;
-    RectTwips place_;
+    mutable RectTwips place_;
     std::unique_ptr<ControlEvents> events_;
     std::u16string tag_;
     std::u16string toolTip_;
@@ -176,6 +187,7 @@ private:
     bool visible_ = true;
     bool enabled_ = true;
     bool tabStop_ = false;
+    mutable bool owesSize_ = false; // see oweSize; never with a window
 };
 
 // Tells whether a control or form still lives, for code that goes on after a handler. Lives on the

@@ -26,11 +26,23 @@ void Label::fit(bool measureAnew) {
     if (!autoSize_)
         return;
     if (measureAnew)
+        fitted_.reset();
+    if (mayOweSize()) {
+        oweSize();
+        return;
+    }
+    const TextExtent size = owedSize();
+    move({left(), top(), size.width, size.height});
+}
+
+TextExtent Label::owedSize() const {
+    if (!fitted_)
         fitted_ = form().textExtent(caption_, font_);
-    move({left(), top(), fitted_.width, fitted_.height});
+    return *fitted_;
 }
 
 void Label::setAutoSize(bool autoSize) {
+    place(); // from here on what is owed would be another text's
     if (differs(autoSize_, autoSize))
         fit(true);
 }

@@ -7,6 +7,8 @@
 #include "platform/forms/font.h"
 #include "platform/forms/picture.h"
 
+#include <optional>
+
 namespace velmora::forms {
 
 enum class Alignment : std::uint8_t { Left = 0, Right = 1, Centre = 2 };
@@ -14,7 +16,9 @@ enum class Alignment : std::uint8_t { Left = 0, Right = 1, Centre = 2 };
 // A line or block of text. With `autoSize`, writing a caption (even the
 // same) or the font fits width and height to the text and keeps Left and Top; a size written
 // afterwards holds until the next caption or font. The same caption on a label that fits costs
-// nothing. Not auto-sized labels clip, or wrap when `wordWrap` is set.
+// nothing, and as long as the form has no window a text is measured when its size is read: most
+// captions of a design give way to another language before anybody sees them. Not auto-sized labels
+// clip, or wrap when `wordWrap` is set.
 class Label : public Control {
 public:
     using Control::Control;
@@ -44,9 +48,10 @@ public:
 
 private:
     void fit(bool measureAnew);
+    TextExtent owedSize() const override;
 
     std::u16string caption_;
-    TextExtent fitted_; // of the caption in the font, while auto-sized
+    mutable std::optional<TextExtent> fitted_; // of the caption in the font, while auto-sized
     Font font_;
     Colour foreColor_ = 0;
     Colour backColor_ = 0x00FFFFFF;

@@ -153,16 +153,16 @@ void Form::closeRequested() {
         unload();
 }
 
-FormWindow &Form::ensureWindow() {
-    if (!window_) {
-        window_ = host_.makeWindow(*this);
-        if (window_->scaleFactor() != 1.0)
-            scaleChanged();
-    }
-    return *window_;
-}
-
 namespace {
+
+// From now on a new size is told, so each control has the one that it goes on from.
+void paySizes(const Container &container) {
+    for (const Control *control : container.controls()) {
+        control->place();
+        if (const auto *inner = dynamic_cast<const Container *>(control))
+            paySizes(*inner);
+    }
+}
 
 void tellScale(const Container &container) {
     for (Control *control : container.controls())
@@ -173,6 +173,16 @@ void tellScale(const Container &container) {
 }
 
 } // namespace
+
+FormWindow &Form::ensureWindow() {
+    if (!window_) {
+        paySizes(*this);
+        window_ = host_.makeWindow(*this);
+        if (window_->scaleFactor() != 1.0)
+            scaleChanged();
+    }
+    return *window_;
+}
 
 void Form::scaleChanged() { tellScale(*this); }
 

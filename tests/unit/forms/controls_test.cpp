@@ -73,6 +73,68 @@ TEST_F(LabelTest, TheSameCaptionOnALabelThatFitsDrawsNothing) {
     EXPECT_EQ(windows.measures, 0);
 }
 
+TEST_F(LabelTest, OfAFormWithoutAWindowIsMeasuredWhenItsSizeIsRead) {
+    label.setAutoSize(true);
+    label.setCaption(u"a caption of the design");
+    label.setFont(Font(u"Arial", 18));
+    label.setCaption(u"four");
+    EXPECT_EQ(label.left(), 300);
+    EXPECT_EQ(windows.measures, 0);
+    const Twips width = label.width();
+    EXPECT_EQ(windows.measures, 1);
+    EXPECT_EQ(width, widthOf(u"four"));
+}
+
+TEST_F(LabelTest, EveryRoadToItsSizeMeasuresIt) {
+    label.setAutoSize(true);
+    const auto anew = [this] {
+        label.setCaption(u"");
+        label.setCaption(u"four");
+    };
+    const Twips high = form.textExtent(u"", label.font()).height;
+    anew();
+    EXPECT_EQ(label.height(), high);
+    anew();
+    EXPECT_EQ(label.place(), (RectTwips{300, 60, widthOf(u"four"), high}));
+    anew();
+    EXPECT_EQ(label.placeInForm(), (RectTwips{300, 60, widthOf(u"four"), high}));
+    anew();
+    label.setLeft(30);
+    EXPECT_EQ(label.width(), widthOf(u"four"));
+    anew();
+    label.setHeight(30);
+    EXPECT_EQ(label.place(), (RectTwips{30, 60, widthOf(u"four"), 30}));
+}
+
+TEST_F(LabelTest, APlaceWrittenBeforeItsSizeWasReadHoldsUntilTheNextCaption) {
+    label.setAutoSize(true);
+    label.setCaption(u"four");
+    label.move({0, 0, 3000, 600});
+    EXPECT_EQ(label.place(), (RectTwips{0, 0, 3000, 600}));
+    label.setCaption(u"four"); // even the same
+    EXPECT_EQ(label.width(), widthOf(u"four"));
+}
+
+TEST_F(LabelTest, KeepsTheLastFittedSizeBehindItsAutoSizeThoughNobodyReadIt) {
+    label.setAutoSize(true);
+    label.setCaption(u"four");
+    label.setAutoSize(false);
+    label.setCaption(u"a longer caption");
+    EXPECT_EQ(label.width(), widthOf(u"four"));
+}
+
+TEST_F(LabelTest, TellsAWindowThePlaceThatItHadAtItsFirstShow) {
+    PictureBox box{form, "box"};
+    Label inner{box, "inner"};
+    inner.setAutoSize(true);
+    inner.setCaption(u"four");
+    auto &window = shown();
+    inner.setCaption(u"longer");
+    ASSERT_THAT(window.told, ::testing::Not(IsEmpty()));
+    EXPECT_EQ(window.told.front().change, Change::Place);
+    EXPECT_EQ(window.told.front().before.width, widthOf(u"four"));
+}
+
 TEST_F(LabelTest, UnchangedLooksDrawNothing) {
     auto &window = shown();
     label.setFont(label.font());
