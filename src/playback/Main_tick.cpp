@@ -59,6 +59,8 @@ void Main::tick() {
     passOver([this] { showState(app_, stateControls()); });
     keepScrollBars();
     passOver([&] { app_.remoteControl().tick(length); });
+    if (!app_.player().wasOpen())
+        Timer1.rest();
 }
 
 void Main::keepScrollBars() {
@@ -90,8 +92,10 @@ void Main::keepScrollBars() {
 
 // Rolls the caption in the task bar, one character a tick.
 void Main::rollCaption() {
-    if (app_.player().get_Length() == 0)
+    if (app_.player().get_Length() == 0) {
+        Timer2.rest();
         return;
+    }
     const std::u16string whole = u" " + title.caption() + u" - " + app_.player().nowPlay_Title;
     passOver([&] {
         rotation_Count = whole.size() < static_cast<std::size_t>(rotation_Count)

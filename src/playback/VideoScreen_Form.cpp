@@ -138,6 +138,8 @@ void VideoScreen_Form::tick() {
         showState(app_, {PlayerWindow::VideoScreen_Form, playButton, pauseButton, play_Time,
                          playInfo_Show, nameBox, load_Played});
     });
+    if (!app_.player().wasOpen() && !visible())
+        Timer1.rest();
 }
 
 } // namespace velmora

@@ -117,21 +117,26 @@ StateControls miniForm::stateControls() {
 void miniForm::show_Stopped() { showStopped(app_, stateControls(), lrc_Text); }
 
 void miniForm::tick() {
+    const Twips topBefore = top();
     passOver([this] {
-        if (auto_Hide != 0)
+        if (auto_Hide != 0 && top() <= nearTheEdge)
             hideByPointer();
     });
     passOver([this] {
-        if (app_.player().get_Length() != 0) {
+        if (app_.player().get_Length() != 0)
             showLyricLine(app_, lrc_Text, lrcBox.width(), shownLine_);
-        }
     });
     passOver([this] { showState(app_, stateControls()); });
+    if (!app_.player().wasOpen() && top() == topBefore && !mindsPointer())
+        Timer1.rest();
 }
+
+// A strip that is not up comes up at the edge, wherever the pointer had it slide unseen.
+bool miniForm::mindsPointer() const { return auto_Hide != 0 && visible() && top() <= nearTheEdge; }
 
 void miniForm::hideByPointer() {
     PointPixels pointer;
-    if (!app_.platform().windows.GetCursorPos(pointer) || top() > nearTheEdge)
+    if (!app_.platform().windows.GetCursorPos(pointer))
         return;
     const auto x = static_cast<Twips>(pointer.x);
     const Twips leftEdge = left() / twipsPerPixel;

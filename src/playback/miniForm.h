@@ -38,6 +38,7 @@ private:
     void setStripHandlers();
     void lock(bool closed);
     void tick();
+    bool mindsPointer() const;
     void hideByPointer();
     void mouseUp(const forms::MouseEvent &event);
     StateControls stateControls();

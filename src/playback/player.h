@@ -91,6 +91,8 @@ public:
     // Asks for the state, and has a side effect: a medium found ended is followed by what the play
     // mode says. See the status numbers above.
     std::int32_t get_PlayStatus();
+    // Whether a medium was open when it was last asked.
+    bool wasOpen() const { return wasOpen_; }
 
     // --- times -----------------------------------------------------------------------------------
     std::int32_t get_Length(); // 0 with nothing open
@@ -149,7 +151,8 @@ private:
     Velmora &app_;
     Random random_;
     std::uint32_t closings_ = 0; // of a medium, or of none
-    int starting_ = 0;           // calls of play_Sub, one inside another
+    bool wasOpen_ = false;
+    int starting_ = 0; // calls of play_Sub, one inside another
 };
 
 } // namespace velmora

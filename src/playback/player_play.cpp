@@ -157,6 +157,7 @@ void player::restoreChannel() {
 
 std::int32_t player::get_PlayStatus() {
     const std::u16string mode = ask(u"status NOWMUSIC mode", 255);
+    wasOpen_ = !mode.empty();
     if (startsWith(mode, u"playing") || startsWith(mode, u"播放"))
         return statusPlaying;
     if (!startsWith(mode, u"stopped") && !startsWith(mode, u"停止"))

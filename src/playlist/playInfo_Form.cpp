@@ -48,6 +48,8 @@ void playInfo_Form::openLrcFile_Click() {
 void playInfo_Form::tick() {
     if (visible())
         showLyricLine(app_, lrc_Text, lrc.width(), shownLine_);
+    else
+        Timer1.rest();
 }
 
 } // namespace velmora

@@ -279,6 +279,7 @@ bool FakeWindows::GetWindowRect(platform::HWND window, RectPixels &rect) {
 }
 
 bool FakeWindows::GetCursorPos(PointPixels &position) {
+    ++pointerAsks;
     if (cursorFails)
         return false;
     position = cursor;

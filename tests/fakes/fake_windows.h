@@ -101,7 +101,8 @@ public:
     // --- what was asked --------------------------------------------------------------------------
     int pumps = 0;
     int refreshes = 0;
-    int measures = 0;                          // of texts
+    int measures = 0; // of texts
+    int pointerAsks = 0;
     std::vector<forms::Picture> picturesDrawn; // each picture asked for, in order
     std::vector<Box> boxes;
     struct TrayCall {

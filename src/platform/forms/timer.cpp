@@ -39,6 +39,10 @@ TimerQueue::TimerQueue(Clock clock) : clock_(std::move(clock)) {}
 
 namespace {
 
+// What one tick changes is told by the next ones.
+constexpr int ticksAheadOfRest = 4;
+constexpr std::int32_t restMs = 1050;
+
 // The first point after `now` on the grid that all timers of this interval share.
 std::int64_t nextOnGrid(std::int64_t now, std::int32_t intervalMs) {
     return (now / intervalMs + 1) * intervalMs;
@@ -48,6 +52,7 @@ std::int64_t nextOnGrid(std::int64_t now, std::int32_t intervalMs) {
 
 void TimerQueue::add(Timer &timer) {
     timer.enabledAs_ = ++order_;
+    timer.restfulTicks_ = 0;
     timer.dueMs_ = nextOnGrid(clock_(), timer.intervalMs_);
     timers_.push_back(&timer); // ascending order of enabling
     if (onEarlier)
@@ -79,11 +84,30 @@ std::optional<std::int64_t> TimerQueue::nextWakeMs() const {
     constexpr std::int64_t slackMs = 70;
     std::optional<std::int64_t> latest;
     for (const Timer *timer : timers_) {
-        const std::int64_t wakeBy = timer->dueMs_ + (timer->intervalMs_ >= patientMs ? slackMs : 0);
+        const std::int64_t wakeBy =
+            rests(*timer) ? std::max(timer->dueMs_, nextOnGrid(timer->ranMs_, restMs))
+                          : timer->dueMs_ + (timer->intervalMs_ >= patientMs ? slackMs : 0);
         if (!timer->inHandler_ && (!latest || wakeBy < *latest))
             latest = wakeBy;
     }
     return latest;
+}
+
+bool TimerQueue::rests(const Timer &timer) noexcept {
+    return timer.restfulTicks_ >= ticksAheadOfRest;
+}
+
+void TimerQueue::stir() {
+    bool wakes = false;
+    for (Timer *timer : timers_) {
+        // A tick that was left out is not made up for.
+        if (rests(*timer) && timer->dueMs_ <= clock_())
+            timer->dueMs_ = nextOnGrid(clock_(), timer->intervalMs_);
+        wakes = wakes || rests(*timer);
+        timer->restfulTicks_ = 0;
+    }
+    if (wakes && onEarlier)
+        onEarlier();
 }
 
 void TimerQueue::runDue() {
@@ -110,6 +134,7 @@ void TimerQueue::run(Timer &timer) {
     Running running{&timer, running_};
     running_ = &running;
     timer.inHandler_ = true;
+    timer.saysRest_ = false;
     // The program's end leaves a handler by an exception that nobody catches; the list of running
     // handlers must not point into the unwound stack then.
     struct Leave {
@@ -124,6 +149,11 @@ void TimerQueue::run(Timer &timer) {
     const std::int64_t now = clock_();
     if (timer.dueMs_ <= now)
         timer.dueMs_ = nextOnGrid(now, timer.intervalMs_);
+    timer.ranMs_ = now;
+    if (timer.saysRest_)
+        timer.restfulTicks_ = std::min(timer.restfulTicks_ + 1, ticksAheadOfRest);
+    else
+        stir();
     if (onEarlier)
         onEarlier();
 }

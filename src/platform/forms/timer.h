@@ -7,6 +7,10 @@
 // goes on emptying. Timers with the same interval tick on one common grid, so they share wake-ups;
 // any stretch of one interval holds one tick. A late tick is not made up for: the next comes at the
 // next point of the grid. Timers of hidden forms run too.
+//
+// A program that nothing happens to wakes once a second: timers whose handlers say that they have
+// nothing to do rest, until the queue is told that something else was at work (`stir`), or another
+// tick was. They come back at the next point of their grid, where the tick would have been anyway.
 
 #include "platform/forms/control.h"
 
@@ -29,6 +33,10 @@ public:
     bool running() const noexcept { return running_; }
     void setRunning(bool running); // the timer's Enabled property
 
+    // Said by its handler: further ticks would do nothing until something else happens in the
+    // program. Behind a few ticks of that kind the queue wakes for one a second.
+    void rest() noexcept { saysRest_ = true; }
+
     // Set once by the form.
     std::function<void()> onTimer;
 
@@ -39,6 +47,9 @@ private:
     std::int32_t intervalMs_ = 0;
     std::int64_t dueMs_ = 0;
     std::uint64_t enabledAs_ = 0; // order of enabling
+    std::int64_t ranMs_ = 0;
+    int restfulTicks_ = 0; // in a row
+    bool saysRest_ = false;
     bool running_ = false;
     bool inHandler_ = false;
 };
@@ -58,6 +69,9 @@ public:
     // ms: a program at rest then wakes for one grid instead of two.
     std::optional<std::int64_t> nextWakeMs() const;
 
+    // Something of the program ran that is no tick: whoever rests may have something to do again.
+    void stir();
+
     // Runs every tick that is due now. Re-entrant: a pump inside a handler may call it again and
     // goes on with the ticks that are still waiting.
     void runDue();
@@ -76,6 +90,7 @@ private:
     void forget(Timer &timer); // at the end of its life
     void collectDue();
     void run(Timer &timer);
+    static bool rests(const Timer &timer) noexcept;
 
     Clock clock_;
     std::vector<Timer *> timers_;

@@ -5,11 +5,17 @@
 #include "base/run_time_error.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
 
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
+#include <functional>
+#include <optional>
+#include <utility>
+#include <vector>
 
 namespace velmora::tests {
 namespace {
@@ -39,6 +45,67 @@ TEST_F(LoopTest, TimersTickWhileTheLoopWaits) {
     const int before = ticks;
     desk().letPass(80);
     EXPECT_EQ(ticks, before);
+}
+
+// A form whose timer has nothing to do, and a look at the loop that is no handler of the program.
+class RestingLoop : public LoopTest {
+protected:
+    RestingLoop() {
+        form_.fast.onTimer = [this] { form_.fast.rest(); };
+        form_.fast.setInterval(20);
+        form_.fast.setRunning(true);
+    }
+    static std::int64_t untilNext() {
+        const auto now =
+            std::chrono::duration_cast<milliseconds>(steady_clock::now().time_since_epoch());
+        return desk().windows->timers().nextWakeMs().value_or(0) - now.count();
+    }
+    // Looks until the timer is at rest, and then does the work.
+    void atRest(std::function<void()> work) {
+        look_.disconnect();
+        QObject::connect(&look_, &QTimer::timeout, &look_, [this, work = std::move(work)] {
+            if (untilNext() <= 200)
+                return;
+            look_.stop();
+            work();
+        });
+        look_.start(5);
+    }
+    // Events, and no call of the program that waits for them.
+    void comeToRest() {
+        QEventLoop loop;
+        atRest([&loop] { loop.quit(); });
+        loop.exec();
+    }
+
+private:
+    TickForm form_;
+    QTimer look_;
+};
+
+TEST_F(RestingLoop, IsAwakeWithWhateverElseRuns) {
+    std::optional<std::int64_t> inside;
+    atRest([&] {
+        desk().windows->whenIdle([&] {
+            inside = untilNext();
+            comeToRest();
+            desk().windows->quit(0);
+        });
+    });
+    desk().windows->run();
+    EXPECT_LE(inside.value_or(1000), 20);
+    EXPECT_LE(untilNext(), 20) << "behind it";
+}
+
+TEST_F(RestingLoop, IsAwakeWhileAHandlerLetsEventsRun) {
+    for (const auto &lets : std::vector<std::function<void()>>{
+             [] { desk().windows->DoEvents(); },
+             [] { desk().windows->waitForEvents(steady_clock::now() + milliseconds(1)); },
+             [] { desk().windows->beforeNestedLoop(); }}) {
+        comeToRest();
+        lets();
+        EXPECT_LE(untilNext(), 20);
+    }
 }
 
 TEST_F(LoopTest, APumpInAHandlerLetsTheOtherTimersRunButNotItsOwn) {

@@ -1,5 +1,7 @@
 #include "tests/unit/forms/form_fixture.h"
 
+#include <algorithm>
+
 namespace velmora::forms {
 
 using ::testing::IsEmpty;
@@ -98,6 +100,102 @@ TEST_F(TimerTest, EnablingAgainPutsATimerBehindTheOthers) {
     a->setRunning(true);
     windows.advance(20);
     EXPECT_EQ(log, (Log{"b", "a"}));
+}
+
+// --- with nothing to do --------------------------------------------------------------------------
+
+class RestingTimer : public TimerTest {
+protected:
+    std::unique_ptr<Timer> a = timer("a", 70);
+
+    RestingTimer() {
+        a->onTimer = [this] {
+            log.emplace_back("a");
+            a->rest();
+        };
+        clock.advance(1'000'000 - clock.steadyMs());
+        a->setRunning(true);
+    }
+    // Wakes as a loop does, for this long; how often that was.
+    int wakes(std::int64_t ms) {
+        const std::int64_t end = clock.steadyMs() + ms;
+        int count = 0;
+        for (auto next = windows.timers().nextWakeMs(); next && *next <= end;
+             next = windows.timers().nextWakeMs()) {
+            clock.advance(*next - clock.steadyMs());
+            windows.timers().runDue();
+            ++count;
+        }
+        clock.advance(end - clock.steadyMs());
+        return count;
+    }
+    std::int64_t untilNextWake() {
+        return windows.timers().nextWakeMs().value_or(0) - clock.steadyMs();
+    }
+};
+
+TEST_F(RestingTimer, IsWokenForOnceASecond) {
+    wakes(280);
+    log.clear();
+    EXPECT_EQ(wakes(10'500), 10);
+    EXPECT_EQ(log.size(), 10U);
+}
+
+TEST_F(RestingTimer, RestsBehindTheFourthTickOfThatKindInARow) {
+    EXPECT_EQ(wakes(210), 3);
+    EXPECT_LE(untilNextWake(), 70);
+    EXPECT_EQ(wakes(70), 1);
+    EXPECT_GT(untilNextWake(), 70);
+}
+
+TEST_F(RestingTimer, ComesBackAtTheNextPointOfItsGridWhenSomethingElseRan) {
+    wakes(500);
+    ASSERT_GT(untilNextWake(), 70);
+    log.clear();
+    bool told = false;
+    windows.timers().onEarlier = [&] { told = true; };
+    windows.timers().stir();
+    windows.timers().onEarlier = nullptr;
+    EXPECT_TRUE(told);
+    windows.timers().runDue();
+    EXPECT_THAT(log, IsEmpty()) << "a tick that was left out is not made up for";
+    EXPECT_EQ((clock.steadyMs() + untilNextWake()) % 70, 0);
+    EXPECT_LE(untilNextWake(), 70);
+    EXPECT_EQ(wakes(280), 4) << "and goes on until it has had nothing to do again for a while";
+}
+
+TEST_F(RestingTimer, TicksAsEverWhereSomethingWakesAllTheSame) {
+    wakes(500);
+    log.clear();
+    for (int i = 0; i < 5; ++i) {
+        clock.advance(70);
+        windows.timers().runDue();
+    }
+    EXPECT_EQ(log.size(), 5U);
+}
+
+TEST_F(RestingTimer, DoesNotRestBesideOneThatHasSomethingToDo) {
+    const auto b = timer("b", 500);
+    b->setRunning(true);
+    wakes(2000);
+    log.clear();
+    wakes(5000);
+    EXPECT_GE(std::count(log.begin(), log.end(), "a"), 35) << "four behind each tick of the other";
+}
+
+TEST_F(RestingTimer, IsAtWorkAgainWithTheFirstTickThatSaysNothing) {
+    wakes(500);
+    a->onTimer = [this] { log.emplace_back("a"); };
+    wakes(1050);
+    log.clear();
+    EXPECT_EQ(wakes(700), 10);
+}
+
+TEST_F(RestingTimer, BeginsAnewWhenItIsEnabledAgain) {
+    wakes(500);
+    a->setRunning(false);
+    a->setRunning(true);
+    EXPECT_LE(untilNextWake(), 70);
 }
 
 TEST_F(TimerTest, WritingTheSameValueKeepsPlaceAndTime) {

@@ -36,6 +36,20 @@ protected:
     }
 };
 
+TEST_F(Mini, AsksForThePointerOnlyAtTheEdgeAndWhileItMayHide) {
+    const auto asks = [this] {
+        const int before = windows.pointerAsks;
+        tick();
+        return windows.pointerAsks - before;
+    };
+    EXPECT_EQ(asks(), 1);
+    mini().setTop(300);
+    EXPECT_EQ(asks(), 0);
+    mini().setTop(0);
+    click(mini().auto_Hide_Lock_False);
+    EXPECT_EQ(asks(), 0);
+}
+
 // --- transport -----------------------------------------------------------------------------------
 
 TEST_F(Mini, PlayReopensAStoppedFileWithoutMainsStop) {

@@ -37,15 +37,15 @@ Loop::Loop() : timers_(steadyMs) {
     QObject::connect(&wakeUp_, &QTimer::timeout, &wakeUp_, [this] { tick(); });
     waitEnd_.setSingleShot(true);
     waitEnd_.setTimerType(Qt::PreciseTimer);
-    timers_.onEarlier = [this] { arm(); };
+    timers_.onEarlier = [this] { setWakeUp(); };
 }
 
 Loop::~Loop() { timers_.onEarlier = nullptr; }
 
 int Loop::run() {
     running_ = true;
-    leave();
-    arm();
+    leave(Work::Other);
+    setWakeUp();
     while (!soon_.empty()) {
         soon(std::move(soon_.front()));
         soon_.pop_front();
@@ -59,6 +59,11 @@ int Loop::run() {
 void Loop::quit(int status) { QCoreApplication::exit(status); }
 
 void Loop::arm() {
+    timers_.stir();
+    setWakeUp();
+}
+
+void Loop::setWakeUp() {
     const auto next = timers_.nextWakeMs();
     if (!next) {
         wakeUp_.stop();
@@ -76,15 +81,16 @@ void Loop::tick() {
     if (ticksHeld_)
         return;
     {
-        const Handler handler(*this);
+        const Handler handler(*this, Work::Ticks);
         timers_.runDue();
     }
-    arm();
+    setWakeUp();
 }
 
 void Loop::pump() {
     if (steady_clock::now() - lastPump_ < pumpPause)
         return;
+    timers_.stir();
     tick();
     const bool before = std::exchange(pumping_, true);
     QCoreApplication::processEvents(QEventLoop::AllEvents);
@@ -113,7 +119,7 @@ void Loop::settle(const std::function<bool()> &done, std::chrono::milliseconds l
     }
     waitEnd_.stop();
     ticksHeld_ = heldBefore;
-    arm();
+    setWakeUp();
 }
 
 void Loop::soon(std::function<void()> work) {
@@ -137,17 +143,26 @@ void Loop::whenIdle(std::function<void()> work) {
             &wakeUp_, [this] { const Handler handler(*this); }, Qt::QueuedConnection);
 }
 
-void Loop::leave() noexcept {
+void Loop::enter(Work work) noexcept {
+    ++depth_;
+    if (work == Work::Other)
+        timers_.stir();
+}
+
+void Loop::leave(Work work) noexcept {
     while (depth_ == 1 && !idle_.empty()) {
-        const std::function<void()> work = std::move(idle_.front());
+        work = Work::Other;
+        const std::function<void()> owed = std::move(idle_.front());
         idle_.pop_front();
         try {
-            work();
+            owed();
         } catch (const RunTimeError &error) {
             noteSwallowed(error); // it ends the piece of work that raised it, as it ends a handler
         }
     }
     --depth_;
+    if (work == Work::Other)
+        timers_.stir();
 }
 
 } // namespace velmora::platform::qt

@@ -15,6 +15,9 @@
 namespace velmora::platform::qt {
 
 class Loop {
+    // Ticks know by themselves when they have nothing to do; whatever else runs may change that.
+    enum class Work : std::uint8_t { Ticks, Other };
+
 public:
     // The application object must exist.
     Loop();
@@ -51,23 +54,29 @@ public:
     // Every call into the program is wrapped in one of these.
     class Handler {
     public:
-        explicit Handler(Loop &loop) noexcept : loop_(loop) { ++loop_.depth_; }
-        ~Handler() { loop_.leave(); }
+        explicit Handler(Loop &loop) noexcept : Handler(loop, Work::Other) {}
+        ~Handler() { loop_.leave(work_); }
         Handler(const Handler &) = delete;
         Handler &operator=(const Handler &) = delete;
 
     private:
+        friend class Loop;
+        Handler(Loop &loop, Work work) noexcept : loop_(loop), work_(work) { loop.enter(work); }
         Loop &loop_;
+        Work work_;
     };
 
     // How many handlers are active, one inside the other.
     int depth() const noexcept { return depth_; }
 
-    // Sets the wake-up for the next tick; to be called ahead of a nested loop.
+    // Sets the wake-up for the next tick; to be called ahead of a nested loop. What runs the loop
+    // may have changed anything before, so no timer stays at rest.
     void arm();
 
 private:
-    void leave() noexcept;
+    void setWakeUp();
+    void enter(Work work) noexcept;
+    void leave(Work work) noexcept;
     void tick();
 
     forms::TimerQueue timers_;
