@@ -73,6 +73,8 @@ class Playing(PlayerTest):
         def peak():
             return max(abs(value) for _, block in recorder.blocks[-10:]
                        for value in struct.unpack(f"<{len(block) // 2}h", block))
+        # A click inside the fade-in ends it, but where the next step would have been.
+        self.assertTrue(wait_for(lambda: peak() / 32767 / 0.8 > 0.74), "it does not get to three quarters")
         player.click(window, "Volume_Set_BG", 0.25)
         self.assertTrue(wait_for(lambda: 0.15 < peak() / 32767 / 0.8 < 0.35),
                         "a quarter of the bar is not a quarter of the amplitude")
