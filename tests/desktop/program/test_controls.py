@@ -235,7 +235,9 @@ class MiniWindow(Sound):
         self.assert_silent()
         self.press_strip("nextButton")
         self.assertTrue(self.player.says(self.strip, "two"))
-        self.assertTrue(self.player.says(self.strip, "00:02"), "the next track does not play")
+        self.assertTrue(wait_for(lambda: any("00:00:02" <= each < "00:01" for each in
+                                             self.player.words(self.strip, 1))),
+                        "the next track does not play")
         self.assertEqual(self.peak(), 0, "the next track is heard")
         self.press_strip("Volume_Set_BG", 0.5)
         self.assert_level(0.5)
