@@ -109,6 +109,20 @@ TEST_F(LyricEditor, TakesATextFileWithoutAnExtraRow) {
     EXPECT_FALSE(lyric().hasLrc) << "the lyric in memory is another matter";
 }
 
+TEST_F(LyricEditor, TheOneRowOfAFileIsSelected) {
+    open("one\n");
+    EXPECT_TRUE(isSelectedAlone(0));
+}
+
+TEST_F(LyricEditor, AFileOfNoTextLeavesNothingSelectedAndRaisesNothing) {
+    windows.expectMsgBox(boxOf(u"您所选择的文件是空文件，无法将内容添加到编辑区！",
+                               platform::MsgBoxIcon::Critical, u"Velmora 2011"),
+                         platform::MsgBoxResult::Ok);
+    files.addFile(u"/m/empty.txt", "");
+    EXPECT_NO_THROW(editor().addFile_To_List(u"/m/empty.txt"));
+    EXPECT_EQ(editor().lrcList.selCount(), 0);
+}
+
 TEST_F(LyricEditor, AFileOfTagsAloneIsTextButNoRows) {
     open("[ti:T]\n");
     EXPECT_EQ(editor().lrcList.listCount(), 0);

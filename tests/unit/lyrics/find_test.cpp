@@ -195,8 +195,10 @@ class LyricWriting : public LyricsFixture {};
 
 TEST_F(LyricWriting, OfTheLyricInMemoryWritesItsLinesAsTheyStand) {
     load("[TI:x]\n\n  [00:01]a \n");
+    files.clearChanges();
     EXPECT_TRUE(app.saveOrOpenFile().writeLrcFile(u"/lrc/out.lrc", LyricSource::Memory));
     EXPECT_EQ(files.contents(u"/lrc/out.lrc"), "[TI:x]\r\n  [00:01]a \r\n");
+    EXPECT_EQ(files.changes(), Texts{u"sync /lrc/out.lrc"}) << "it outlives a power cut";
 }
 
 TEST_F(LyricWriting, OfTheEditorWritesFourTagsAheadOfTheLinesBlankOnesIncluded) {

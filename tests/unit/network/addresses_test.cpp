@@ -34,6 +34,8 @@ TEST(ProgramAddress, StaysEncryptedWhereTheMakerIs) {
     EXPECT_FALSE(mayFetchProgram(u"https://box", u"http://box/p"));
     EXPECT_TRUE(mayFetchProgram(u"http://maker.example", u"https://maker.example/p"));
     EXPECT_FALSE(mayFetchProgram(u"http://maker.example", u"https://other.example/p"));
+    EXPECT_FALSE(mayFetchProgram(u"https://maker.example", u"https://maker.example@other/p"));
+    EXPECT_FALSE(mayFetchProgram(u"https://maker.example", u"https:///p"));
 }
 
 TEST(ProgramAddress, InTheClearIsNear) {
@@ -47,7 +49,8 @@ TEST(ProgramAddress, InTheClearIsNear) {
     for (const char16_t *host :
          {u"maker.example", u"8.8.8.8", u"11.0.0.1", u"172.15.0.1", u"172.32.0.1", u"192.167.1.1",
           u"193.168.1.1", u"10.0.0.1.example", u"local", u"box.local.example", u"[2001:db8::1]",
-          u"[fec0::1]", u"1.2.3.4.5", u"10.0.0.256"}) {
+          u"[fec0::1]", u"1.2.3.4.5", u"10.0.0.256", u"10.0.0.-1", u"10.0.0.x", u"169.253.1.1",
+          u"8.254.1.1"}) {
         const std::u16string maker = std::u16string(u"http://") + host;
         const bool near = std::u16string_view(host) == u"local"; // a name without a point
         EXPECT_EQ(mayFetchProgram(maker, maker + u"/p"), near) << maker.size();

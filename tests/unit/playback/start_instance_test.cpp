@@ -57,6 +57,12 @@ TEST_F(StartingTwice, WhenRefusedLeavesToTheFirstWhatItIsFetching) {
     EXPECT_TRUE(files.hasFile(fake.folders.temporary + u"zkPlayerUpdate.tmp"));
 }
 
+TEST_F(StartingTwice, WhenRefusedBringsTheFirstForward) {
+    fake.processes.otherInstance = true;
+    expectRefusal();
+    EXPECT_EQ(fake.remote.raisedOthers, 1);
+}
+
 TEST_F(StartingTwice, WhenRefusedAddsNoTrayIconAndShowsNoMain) {
     fake.processes.executables = {programPath, programPath};
     expectRefusal();

@@ -71,6 +71,13 @@ TEST_F(Start, PlaysNothingWithoutAListFile) {
     EXPECT_TRUE(media.actions().empty());
 }
 
+TEST_F(Start, ResumesNothingWithoutAListFile) {
+    lastPlayed(addTrack(u"/m/a.mp3"));
+    app.start();
+    EXPECT_FALSE(media.isOpen());
+    EXPECT_EQ(app.player().nowPlay_File, u"");
+}
+
 TEST_F(Start, WithoutALastFileBringsTheStoppedLook) {
     savedList({u"/m/a.mp3"});
     app.Main().play_Time.setCaption(u"as it was");

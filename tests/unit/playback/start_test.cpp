@@ -163,6 +163,19 @@ TEST_F(Start, FindsTheVersionOfAProgramFileWithAnExeEnding) {
     EXPECT_EQ(app.Main().Vesion, u"1.0.0");
 }
 
+TEST_F(Start, FindsTheVersionInAFolderThatEndsInASeparator) {
+    fake.versions.addProgram(programPath, u"zkPlayer");
+    fake.processes.folder = u"/opt/velmora/";
+    app.start();
+    EXPECT_FALSE(app.Main().Vesion.empty());
+}
+
+TEST_F(Start, CanBeAskedByTheDesktopBehindTheCountOfItsInstances) {
+    EXPECT_EQ(fake.remote.player, nullptr);
+    app.start();
+    EXPECT_NE(fake.remote.player, nullptr);
+}
+
 TEST_F(Start, HasNoVersionWithoutARecord) {
     fake.versions.addRecordBytes(programPath, "");
     app.start();

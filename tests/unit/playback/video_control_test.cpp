@@ -261,5 +261,25 @@ TEST_F(Video, IsDraggedAloneAndOpensTheMenu) {
     w.on().MouseUp({forms::rightButton, 0, 0, 0});
 }
 
+TEST_F(Video, ItsPlayButtonGoesOnWithAPausedFilmAndOpensItNotAnew) {
+    play();
+    app.player().pause_Sub();
+    media.clearCommands();
+    clickOn(window().playButton);
+    EXPECT_EQ(media.mode(), u"playing");
+    for (const std::u16string &text : media.texts())
+        EXPECT_FALSE(startsWith(text, u"open ")) << toUtf8(text);
+}
+
+TEST_F(Video, ItsTickLeavesTheLookOfAFilmThatPlays) {
+    play();
+    tickMain();
+    tickMain();
+    const std::u16string shown = app.Main().play_Time.caption();
+    window().Timer1.onTimer();
+    EXPECT_EQ(app.Main().play_Time.caption(), shown);
+    EXPECT_NE(shown, u"00:00:00 - 00:00:00");
+}
+
 } // namespace
 } // namespace velmora

@@ -2,7 +2,9 @@
 
 #include "tests/unit/playlist_window/list_fixture.h"
 
+#include "platform/forms/keys.h"
 #include "playback/MenuForm.h"
+#include "ui/formSet.h"
 
 namespace velmora {
 namespace {
@@ -65,6 +67,27 @@ TEST_F(Removing, TheMenusTwoDeletionsDifferByTheirRows) {
     EXPECT_EQ(rows(), 0);
     EXPECT_FALSE(files.hasFile(u"/m/a.mp3"));
     EXPECT_FALSE(files.hasFile(u"/m/c.mp3"));
+}
+
+TEST_F(Removing, OfAFileFromTheDiskClosesTheTrackByMenuAndKeyAlike) {
+    for (const auto *path : {u"/m/a.mp3", u"/m/b.mp3", u"/m/c.mp3"})
+        addRow(path);
+    const auto playLastAndChooseFirst = [this] {
+        openAndPlay(u"/m/c.mp3");
+        for (std::int32_t row = 0; row < rows(); ++row)
+            names.setSelected(row, row == 0);
+    };
+    playLastAndChooseFirst();
+    answerSure(MsgBoxResult::Yes);
+    pick("hardDrive_DelSelect");
+    EXPECT_EQ(nameRows(), (Texts{u"b", u"c"}));
+    EXPECT_FALSE(media.isOpen());
+    playLastAndChooseFirst();
+    answerSure(MsgBoxResult::Yes);
+    answerSure(MsgBoxResult::Yes);
+    app.formSet().form_KeyDown(forms::keyDelete, forms::shiftMask, u"playlist_Form");
+    EXPECT_EQ(nameRows(), Texts{u"c"});
+    EXPECT_FALSE(media.isOpen());
 }
 
 TEST_F(Removing, ThePlayingTrackCanBeDeletedFromTheDisk) {

@@ -98,6 +98,25 @@ TEST_F(Rename, APlayingTrackIsClosedRenamedAndPlayedFromTheStart) {
     EXPECT_EQ(media.positionMs(), 0);
 }
 
+TEST_F(Rename, TheTrackThatIsClosedForItTakesItsLyricAlong) {
+    addRow(u"/m/a.mp3");
+    openAndPlay(u"/m/a.mp3");
+    app.player().pause_Sub();
+    app.lrcForm().List1.addItem(u"[00:01]words");
+    choose(0);
+    list.Alter_Click();
+    enter(u"b");
+    EXPECT_EQ(app.lrcForm().List1.listCount(), 0);
+}
+
+TEST_F(Rename, TheListIsStillWhileItsBoxIsUp) {
+    addRow(u"/m/a.mp3");
+    choose(0);
+    EXPECT_TRUE(list.enabled());
+    list.Alter_Click();
+    EXPECT_FALSE(list.enabled());
+}
+
 TEST_F(Rename, AnExistingTargetIsReportedAndTheListsKeepTheirValues) {
     addRow(u"/m/a.mp3");
     addTrack(u"/m/b.mp3");

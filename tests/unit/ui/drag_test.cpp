@@ -234,6 +234,14 @@ TEST_F(HeldPair, ByASinglePixelIsPutTogetherToo) {
     EXPECT_EQ(list().left(), main().width());
 }
 
+TEST_F(HeldPair, ByASinglePixelAboveTheScreenIsPutTogetherToo) {
+    main().move({300 * 15, -15, main().width(), main().height()});
+    list().move({main().left() + main().width(), -15, list().width(), list().height()});
+    main().on().MouseUp({forms::leftButton, 0, 0, 0});
+    EXPECT_EQ(main().top(), 0);
+    EXPECT_EQ(list().top(), 0);
+}
+
 TEST_F(HeldPair, ByLessThanAPixelStaysAsItIs) {
     main().move({-14, 300 * 15, main().width(), main().height()});
     main().on().MouseUp({forms::leftButton, 0, 0, 0});

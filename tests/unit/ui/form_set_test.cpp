@@ -353,6 +353,14 @@ TEST_F(Windows, OfTheSettingsShowsTheStoredValuesWithAutoPlayInverted) {
     EXPECT_EQ(form.openVideo_Interface.value(), 0);
 }
 
+TEST_F(Windows, OfTheSettingsTakesTheMarkAwayThatAutoPlayHadBefore) {
+    constexpr auto key = u"SOFTWARE\\Norvane\\zkPlayer\\playSet";
+    fake.registry.setText(key, u"isAutoPlay", u"1");
+    app.playSetForm().isAutoPlay.setValue(1);
+    app.formSet().open_PlaySet();
+    EXPECT_EQ(app.playSetForm().isAutoPlay.value(), 0);
+}
+
 TEST_F(Windows, OfTheSettingsReadsEachValueForEachOfItsTests) {
     const auto key = u"SOFTWARE\\Norvane\\zkPlayer\\playSet";
     app.playSetForm();

@@ -188,6 +188,12 @@ TEST_F(WindowRules, TheUndockedMainWindowIsCentredByTheWorkAreasRightEdgeAlone) 
     EXPECT_EQ(app.formSet().saved_Top, 1234);
 }
 
+TEST_F(WindowRules, TheUndockedMainWindowStandsAtAWholeTwip) {
+    app.Main().setTop(100.6F);
+    app.formSet().dock_PlayList(false);
+    EXPECT_EQ(app.Main().top(), 101);
+}
+
 TEST_F(WindowRules, DockingLeavesTheListsSizeAndMainsTop) {
     app.Main().move({6000, 1234, 7200, 3240});
     const Twips width = app.playList_Form().width();
