@@ -5,6 +5,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 namespace velmora {
@@ -112,6 +113,21 @@ std::string withoutLeadingZeros(const std::string &digits) {
     return first == std::string::npos ? std::string() : digits.substr(first);
 }
 
+// The digits of |value| in hundredths, none for less than half of one.
+std::string hundredthsOf(double value) {
+    // Up to this size 15 digits lie nearer to the value than a thousandth of what is rounded to
+    // here, so that they are needed only about the middle between two hundredths.
+    constexpr double most = 1e9, near = 0.499;
+    const double hundredths = std::fabs(value) * 100, whole = std::floor(hundredths);
+    const double rest = hundredths - whole;
+    if (hundredths >= most * 100 || std::fabs(rest - 0.5) <= 0.5 - near)
+        return withoutLeadingZeros(roundedDigits(value, 2));
+    char digits[12];
+    const auto rounded = static_cast<std::int64_t>(whole) + (rest > 0.5 ? 1 : 0);
+    char *const end = std::to_chars(digits, std::end(digits), rounded).ptr;
+    return rounded == 0 ? std::string() : std::string(digits, end);
+}
+
 // Groups of three; the empty text for a number without a digit other than 0.
 std::u16string grouped(std::string_view digits, bool negative) {
     std::u16string result;
@@ -208,14 +224,15 @@ std::uint8_t addSaturating(std::uint8_t a, std::int32_t b) noexcept {
 }
 
 std::u16string decimal(std::int64_t value) {
-    return (value < 0 ? u"-" : u"") + fromAscii(absoluteDigits(value));
+    char digits[20];
+    char *const end = std::to_chars(digits, std::end(digits), value).ptr;
+    return {digits, end};
 }
 
 std::u16string format00(std::int64_t value) {
-    std::string digits = absoluteDigits(value);
-    if (digits.size() < 2)
-        digits.insert(0, 1, '0');
-    return (value < 0 ? u"-" : u"") + fromAscii(digits);
+    if (value < 0 || value > 99)
+        return value < 0 && value > -10 ? u"-0" + decimal(-value) : decimal(value);
+    return {static_cast<char16_t>(u'0' + value / 10), static_cast<char16_t>(u'0' + value % 10)};
 }
 
 std::u16string format0_00(double value) {
@@ -223,7 +240,7 @@ std::u16string format0_00(double value) {
         value = 0;
     if (std::isinf(value))
         value = std::copysign(std::numeric_limits<double>::max(), value);
-    std::string digits = withoutLeadingZeros(roundedDigits(value, 2));
+    std::string digits = hundredthsOf(value);
     const bool negative = value < 0 && !digits.empty();
     if (digits.size() < 3)
         digits.insert(0, 3 - digits.size(), '0');

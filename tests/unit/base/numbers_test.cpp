@@ -173,6 +173,9 @@ TEST(Format00, hasAtLeastTwoDigits) {
     EXPECT_EQ(format00(59), u"59");
     EXPECT_EQ(format00(100), u"100");
     EXPECT_EQ(format00(-5), u"-05");
+    EXPECT_EQ(format00(-10), u"-10");
+    EXPECT_EQ(format00(99), u"99");
+    EXPECT_EQ(format00(std::numeric_limits<std::int64_t>::min()), u"-9223372036854775808");
 }
 
 TEST(Format0_00, hasTwoDecimalsRoundedAwayFromZero) {
@@ -190,6 +193,18 @@ TEST(Format0_00, hasTwoDecimalsRoundedAwayFromZero) {
     EXPECT_EQ(format0_00(99.995), u"100.00");
     EXPECT_EQ(format0_00(9.999), u"10.00");
     EXPECT_EQ(format0_00(1234567.891), u"1234567.89");
+}
+
+TEST(Format0_00, writesEveryThousandthAsItsDigitsSay) {
+    for (const std::int64_t from : {0LL, 987'654'000LL, 999'999'999'000LL, 1'000'000'000'000LL})
+        for (std::int64_t thousandths = from; thousandths < from + 30'000; ++thousandths) {
+            const std::int64_t rounded = (thousandths + 5) / 10;
+            const std::u16string expected = decimal(rounded / 100) + u"." + format00(rounded % 100);
+            ASSERT_EQ(format0_00(static_cast<double>(thousandths) / 1000), expected) << thousandths;
+            ASSERT_EQ(format0_00(-static_cast<double>(thousandths) / 1000),
+                      rounded == 0 ? expected : u"-" + expected)
+                << thousandths;
+        }
 }
 
 TEST(Format0_00, looksAtFifteenDigitsSoThatBinaryFractionsRoundAsWritten) {
