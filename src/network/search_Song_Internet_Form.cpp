@@ -2,6 +2,7 @@
 
 #include "network/search_Song_Internet_Form.h"
 
+#include "base/joined.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "network/check_Network.h"
@@ -77,7 +78,7 @@ void search_Song_Internet_Form::startLoad() {
 }
 
 void search_Song_Internet_Form::say(std::u16string_view text) {
-    title.setCaption(std::u16string(windowName).append(u" - ").append(text));
+    title.setCaption(joined({windowName, u" - ", text}));
 }
 
 void search_Song_Internet_Form::sayReady() { title.setCaption(windowName); }

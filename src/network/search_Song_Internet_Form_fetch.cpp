@@ -1,5 +1,6 @@
 // Fetching a song, and the events of the transfer.
 
+#include "base/joined.h"
 #include "base/numbers.h"
 #include "base/run_time_error.h"
 #include "base/text.h"
@@ -270,9 +271,10 @@ void search_Song_Internet_Form::wd_Progress(double total, double received, doubl
     const double percent = std::clamp(received / (total / 100), 0.0, 100.0);
     zkProgress1.setValue(percent);
     platform::Profiles &profiles = app_.platform().profiles;
-    downInfo_3.setCaption(u"下载进度：" + formatByteSize(profiles, received) + u" of " +
-                          formatByteSize(profiles, total) + u" (" + percentText(percent) + u"%)");
-    downInfo_4.setCaption(u"下载速度：" + formatByteSize(profiles, speed) + u" /s");
+    downInfo_3.setCaption(
+        joined({u"下载进度：", formatByteSize(profiles, received), u" of ",
+                formatByteSize(profiles, total), u" (", percentText(percent), u"%)"}));
+    downInfo_4.setCaption(joined({u"下载速度：", formatByteSize(profiles, speed), u" /s"}));
 }
 
 void search_Song_Internet_Form::wd_DownloadEnd(bool /*success*/) {

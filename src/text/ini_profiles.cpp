@@ -178,7 +178,8 @@ std::u16string IniProfiles::StrFormatByteSizeA(std::int32_t size) {
         text += u'.';
         text += leftPart(decimals, hundredths < 1000 ? 2 : 1);
     }
-    return text + std::u16string(units[unit]);
+    text += units[unit];
+    return text;
 }
 
 } // namespace velmora::platform
