@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <ctime>
 #include <limits>
@@ -135,6 +136,24 @@ TEST(Clock, goesOn) {
     const double seconds = clock.secondsSinceMidnight();
     EXPECT_GE(seconds, 0.0);
     EXPECT_LT(seconds, 86401.0);
+}
+
+TEST(Clock, saysWhatTheLocalClockSaysBeforeAndBehindTheTurnOfASecond) {
+    using namespace std::chrono;
+    LinuxClock clock;
+    const auto second = [] { return system_clock::to_time_t(floor<seconds>(system_clock::now())); };
+    const std::time_t first = second();
+    bool turned = false;
+    while (!turned) {
+        const std::time_t before = second();
+        const double said = clock.secondsSinceMidnight();
+        if (second() != before)
+            continue;
+        turned = before != first;
+        std::tm parts{};
+        ::localtime_r(&before, &parts);
+        ASSERT_EQ(std::floor(said), parts.tm_hour * 3600.0 + parts.tm_min * 60.0 + parts.tm_sec);
+    }
 }
 
 // --- due times -----------------------------------------------------------------------------------

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cwchar>
 #include <string>
+#include <utility>
 
 namespace velmora::platform {
 
@@ -53,10 +54,13 @@ std::time_t LinuxClock::now() { return std::time(nullptr); }
 double LinuxClock::secondsSinceMidnight() {
     std::timespec now{};
     std::timespec_get(&now, TIME_UTC);
-    std::tm parts{};
-    ::localtime_r(&now.tv_sec, &parts);
-    return parts.tm_hour * 3600.0 + parts.tm_min * 60.0 + parts.tm_sec +
-           static_cast<double>(now.tv_nsec) / 1e9;
+    // A transfer asks at every packet of a kilobyte: the zone is looked up once for each second.
+    if (std::exchange(second_, now.tv_sec) != now.tv_sec) {
+        std::tm parts{};
+        ::localtime_r(&now.tv_sec, &parts);
+        ofDay_ = parts.tm_hour * 3600.0 + parts.tm_min * 60.0 + parts.tm_sec;
+    }
+    return ofDay_ + static_cast<double>(now.tv_nsec) / 1e9;
 }
 
 std::u16string LinuxClock::format(std::time_t when, bool date) {

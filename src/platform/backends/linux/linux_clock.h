@@ -36,6 +36,9 @@ private:
     // The clock on the window is asked many times a second and says the same all that while.
     std::u16string again(std::optional<Shown> &shown, std::time_t when, bool date);
 
+    // What the hands of the local clock said at the last second that was asked for.
+    std::optional<std::time_t> second_;
+    double ofDay_ = 0;
     std::optional<Shown> date_;
     std::optional<Shown> time_;
     bool localeKnown_ = false;
