@@ -365,6 +365,24 @@ TEST_F(TimerTest, ATimerThatStartsTellsTheBackEnd) {
     EXPECT_EQ(windows.timers().nextDueMs(), 10);
 }
 
+TEST_F(TimerTest, ATimerWhoseHandlerHasRunTellsTheBackEnd) {
+    int earlier = 0;
+    const auto a = timer("a", 10);
+    a->setRunning(true);
+    windows.timers().onEarlier = [&] { ++earlier; };
+    clock.advance(10);
+    windows.timers().runDue();
+    EXPECT_EQ(log, Log{"a"});
+    EXPECT_EQ(earlier, 1) << "nobody awaited it while its handler ran";
+    EXPECT_EQ(windows.timers().nextDueMs(), 20);
+    windows.timers().onEarlier = nullptr;
+}
+
+TEST_F(TimerTest, ATimerIsNothingToBeSeen) {
+    const auto a = timer("a", 10);
+    EXPECT_FALSE(a->visible());
+}
+
 TEST_F(TimerTest, TheNextTickIsTheEarliestOfAll) {
     const auto a = timer("a", 100);
     const auto b = timer("b", 70);

@@ -336,6 +336,27 @@ TEST_F(DesktopLine, HidesWithoutALyricAndComesBackWithTheNext) {
     expectVisible(true);
 }
 
+TEST_F(DesktopLine, HasAFontThatFillsTheScreensHeightWhereItsOwnIsHigherAndNoneBelowOnePoint) {
+    const auto sizeOn = [this](std::int32_t pixels) {
+        windows.screen = {1280, pixels};
+        windows.workArea = {0, 0, 1280, pixels};
+        windows.hasTaskBar = false;
+        lyric().dress(forms::Font(u"Arial", 400));
+        lyric().position();
+        return lyric().lrc_Text.font().size();
+    };
+    const auto heightOf = [this](float size) {
+        return lyric().textExtent(lyric().lrc_Text.caption(), forms::Font(u"Arial", size)).height;
+    };
+    for (const std::int32_t pixels : {200, 300, 60}) {
+        const float size = sizeOn(pixels);
+        const Twips room = lyric().top() + lyric().height();
+        EXPECT_LE(heightOf(size), room);
+        EXPECT_GT(heightOf(size + 2), room) << size;
+    }
+    EXPECT_EQ(sizeOn(1), 1) << "too low for any";
+}
+
 TEST_F(LyricLoad, RefillsTheEditorEachTime) {
     load("[ti:one]\n[00:01]a");
     EXPECT_EQ(rowsOf(editor().lrcList), (Texts{u"[00:01]a", u""}));

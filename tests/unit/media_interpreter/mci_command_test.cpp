@@ -183,7 +183,7 @@ TEST(MciCommand, AParentIsAWindowNumber) {
 
 TEST(MciCommand, OtherItemsOfKnownVerbsFail) {
     for (const auto *text :
-         {u"status A ready", u"status A window", u"setaudio A bass to 5",
+         {u"status A ready", u"status A ready handle", u"status A window", u"setaudio A bass to 5",
           u"setaudio A source to middle", u"seek A from 5", u"put A source at 1"})
         EXPECT_NE(errorOf(text), MciError::None);
 }

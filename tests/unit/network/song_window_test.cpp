@@ -87,6 +87,23 @@ TEST_F(SongWindow, saysWhatItFound) {
     expectSaving(true);
 }
 
+TEST_F(SongWindow, offersTheOneSongThatItFound) {
+    look(u"w", u"");
+    net.setPage(songPageAddress(u"w"), " <td class=\"data\">r@@FIhttp://1;;l;</td>");
+    click(form.search_Button);
+    ASSERT_EQ(form.search_Song_List.listCount(), 1);
+    EXPECT_EQ(label(), u"搜索到可提供下载的曲目：1条。\r\n双击曲目地址下载！");
+    expectSaving(true);
+}
+
+TEST_F(SongWindow, saysWhenItShowsWhatASearchIs) {
+    openTrack(u"/m/Song.mp3");
+    form.hide();
+    form.title.setCaption(u"left over");
+    clickOn(app.Main().search_Song_Internet);
+    EXPECT_EQ(heading(), u"曲目网络搜索");
+}
+
 TEST_F(SongWindow, saysThatItFoundNothingOrReachedNobody) {
     look(u"w", u"");
     addSong();

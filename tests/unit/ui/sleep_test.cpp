@@ -55,6 +55,12 @@ TEST_F(Sleep, ClosesItsTimer) {
     EXPECT_EQ(fake.waitableTimers.openTimers(), 0U);
 }
 
+TEST_F(Sleep, HoldsNoTimerBehindItsWait) {
+    zkMySleep sleeper(app);
+    sleeper.Wait(1);
+    EXPECT_EQ(fake.waitableTimers.openTimers(), 0U);
+}
+
 TEST_F(Sleep, RaisesWhenTheSystemGivesNoTimer) {
     fake.waitableTimers.creationFails = true;
     EXPECT_THROW(wait(1), RunTimeError);
