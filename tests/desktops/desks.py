@@ -128,7 +128,8 @@ class Shell:
                      "/org/gnome/Shell", "--method", "org.gnome.Shell.Eval", words, env=self.env)
 
     def leave_overview(self):
-        # Its notices would lie where the strip is.
+        # Its notices would lie where the strip is, and a window that is still on its way takes no click.
+        self.ask("imports.gi.St.Settings.get().inhibit_animations()")
         ready = "Main.messageTray.bannerBlocked = true; Main.overview.hide(); " \
                 "!Main.layoutManager._startingUp && !Main.overview.visible"
         if not wait_for(lambda: "'true'" in self.ask(ready), 60, 0.5):
@@ -210,8 +211,15 @@ class Weston(Nested):
     def start_desk(self):
         self.start_words()
         self.log = self.home + "/weston.log"
+        config = self.home + "/weston.ini"
+        with open(config, "w", encoding="utf-8") as file:
+            # Its panel lies above all windows: at the upper edge no hand would reach what slid out there.
+            file.write("[shell]\npanel-position=bottom\n")
         self.nest(["weston", "--backend=x11-backend.so", "--use-pixman", "--xwayland", "--width=1280",
-                   "--height=800", "--idle-time=0", "--no-config", "--log=" + self.log])
+                   "--height=800", "--idle-time=0", "--config=" + config, "--log=" + self.log])
+        # Its pointer goes by how far the hand moves, and begins elsewhere: the corner is where both stop.
+        self.hand("mousemove", 1279, 799)
+        self.hand("mousemove", 0, 0)
 
     def guest(self):
         try:
