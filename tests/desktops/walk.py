@@ -125,7 +125,7 @@ class Walk:
         def touch():
             (x, y), (list_x, list_y) = self.player.place(self.main), self.player.place(self.list)
             return (list_x, list_y) == (x + int(MAIN["form"][2]), y)
-        need(wait_for(touch, 8), f"list at {self.player.place(self.list)}, main at {self.player.place(self.main)}")
+        need(wait_for(touch), f"list at {self.player.place(self.list)}, main at {self.player.place(self.main)}")
 
     def out_and_back(self, out):
         grip = self.player.point(self.main, 150, 12)
@@ -145,7 +145,7 @@ class Walk:
         wait_for(at_home, 30)
         self.player.tool("mouseup", 1)
         self.touching()
-        need(wait_for(lambda: self.player.place(self.main) == self.home, 5),
+        need(wait_for(lambda: self.player.place(self.main) == self.home),
              f"from {self.home} it came back to {self.player.place(self.main)}")
 
     def is_minimised(self, window):
@@ -186,7 +186,7 @@ class Walk:
 
     def strip_hides(self):
         self.player.tool("mousemove", 640, 600)
-        need(wait_for(lambda: self.player.place(self.strip)[1] <= -STRIP, 10), "the strip stays")
+        need(wait_for(lambda: self.player.place(self.strip)[1] <= -STRIP), "the strip stays")
 
     def strip_comes(self):
         def along_the_edge():
@@ -194,7 +194,7 @@ class Walk:
             self.player.tool("mousemove", 301, 0)
             self.player.tool("mousemove", 300, 0)
             return self.player.place(self.strip)[1] == 0
-        need(wait_for(along_the_edge, 10), "the strip is lost")
+        need(wait_for(along_the_edge), "the strip is lost")
         self.player.tool("mousemove", 300, 20)
 
     def click_strip(self, x, y, button=1):
@@ -207,7 +207,7 @@ class Walk:
         need(self.player.menus(), "no menu")
         self.player.tool("mousemove", 640, 600)
         self.player.tool("click", 1)
-        closed = wait_for(lambda: not self.player.menus(1, 0.1), 15)
+        closed = wait_for(lambda: not self.player.menus(1, 0.1))
         if not closed:
             self.player.click_at(self.strip, 4, 23)  # what follows goes on without it
         self.strip_comes()
@@ -265,7 +265,7 @@ class Walk:
         self.player.click_at(self.main, 5, 150, button=3)
         need(self.player.menus(), "no menu")
         self.player.tool("key", "Escape")
-        need(wait_for(lambda: not self.player.menus(1, 0.1), 5), "the menu stays")
+        need(wait_for(lambda: not self.player.menus(1, 0.1)), "the menu stays")
 
     def seen(self, x, y, width, height):
         """The screen's colours there, row by row."""
@@ -314,13 +314,13 @@ class Walk:
     def click_letters(self):
         self.player.tool("mousemove", *self.spots[True])
         self.player.tool("click", 1)
-        need(wait_for(lambda: self.below.presses() == [self.spots[True]], 5),
+        need(wait_for(lambda: self.below.presses() == [self.spots[True]]),
              "a click between the letters does not pass")
         self.player.tool("mousemove", *self.spots[False])
         self.player.tool("click", 1)
         self.player.tool("mousemove", *self.spots[True])
         self.player.tool("click", 1)
-        need(wait_for(lambda: self.below.presses() == [self.spots[True]] * 2, 5),
+        need(wait_for(lambda: self.below.presses() == [self.spots[True]] * 2),
              "a click on a letter passes")
 
     def video(self, size=(WIDTH, HEIGHT), other=None):
@@ -344,7 +344,7 @@ class Walk:
         home = rest(lambda: self.player.place(self.film))
         self.key_to_film("Return", self.film)
         whole = need(self.video(SCREEN), "no full screen")
-        need(wait_for(lambda: self.player.place(whole) == (0, 0), 5), "it is not at the corner")
+        need(wait_for(lambda: self.player.place(whole) == (0, 0)), "it is not at the corner")
         # The keys mean full screen once the sound has faded in, and then the window is on top.
         if not self.desk.tells_above:
             let_pass(FADE)
@@ -353,7 +353,7 @@ class Walk:
                                                    env=self.desk.env), 15), "it is not on top")
         self.key_to_film("Return", whole)
         self.film = need(self.video(), "no way back")
-        need(wait_for(lambda: self.player.place(self.film) == home, 5),
+        need(wait_for(lambda: self.player.place(self.film) == home),
              f"it comes back to {self.player.place(self.film)}, not to {home}")
 
     def key_to_film(self, key, window):
@@ -366,7 +366,7 @@ class Walk:
 
     def second_start(self):
         second = Walker(self.desk)
-        box = need(wait_for(second.boxes, 15), "no word of the first")[0]
+        box = need(wait_for(second.boxes), "no word of the first")[0]
         self.desk.reply("Return", box)
         need(second.ended(), "the second one stays")
         need(self.player.window(5), "the first one is gone")
