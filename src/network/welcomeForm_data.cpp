@@ -241,7 +241,8 @@ void welcomeForm::makeLines(std::size_t tab) {
     const std::vector<std::int32_t> numbers = numbersPresent(u"databases", array);
     const std::int64_t there =
         numbers.empty() ? 0 : std::min<std::int64_t>(count, std::int64_t{numbers.back()} + 1);
-    for (std::int64_t i = 0; i < std::max<std::int64_t>(there, 1); ++i) {
+    const std::int64_t met = std::max<std::int64_t>(there, 1); // the window's own is always there
+    for (std::int64_t i = 0; i < met; ++i) {
         forms::Label &line = lineOf(tab, i);
         if (i == 0)
             line.setTop(static_cast<Twips>(wholeNumber(line_Interval)));
@@ -263,7 +264,7 @@ void welcomeForm::makeLines(std::size_t tab) {
     }
     // Empty lines behind the data: they are there for a later load to meet, and their number is the
     // file's.
-    if (count > there && std::max<std::int64_t>(there, 1) < elements_[tab])
+    if (count > met && met < elements_[tab])
         velmora::raise(ErrorNumber::InvalidCall);
     if (count - 1 > lastElement)
         velmora::raise(ErrorNumber::InvalidCall);

@@ -49,6 +49,17 @@ TEST_F(WelcomeLines, EmptyLinesBehindTheDataAreThereForALaterLoadToMeet) {
     EXPECT_TRUE(page().load_Failed);
 }
 
+TEST_F(WelcomeLines, ACountOfOneWithoutDataMeetsNone) {
+    const std::string empty = whole("[databases]\ndatabases_0_Ubound=1\n"
+                                    "databases_1_Ubound=1\ndatabases_1_0_Str=c\n");
+    start(whole("[databases]\ndatabases_0_Ubound=2\ndatabases_0_0_Str=a\n"
+                "databases_0_1_Str=b\n"));
+    page().close_Click();
+    start(empty);
+    EXPECT_FALSE(page().load_Failed) << "line 0 is the window's own";
+    EXPECT_EQ(page().databases_1_0.caption(), u"c");
+}
+
 TEST_F(WelcomeLines, TakesAsManyLinesAsAnArrayHas) {
     start(whole("[databases]\ndatabases_0_Ubound=32768\ndatabases_0_0_Str=a\n"));
     EXPECT_FALSE(page().load_Failed);
