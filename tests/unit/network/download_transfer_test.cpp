@@ -429,6 +429,7 @@ TEST_F(ToText, stoppedInItsRequestIsEmpty) {
     };
     EXPECT_EQ(wd.DownLoadToText(), u"");
     EXPECT_EQ(events(), (Lines{u"Error 4", u"DownloadEnd false"}));
+    EXPECT_EQ(count(u"InternetReadFile"), 0) << "what is closed is not read";
 }
 
 TEST_F(ToText, beginsWithoutASpeed) {

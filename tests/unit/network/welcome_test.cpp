@@ -117,6 +117,14 @@ TEST_F(Welcome, IsHiddenBehindEachBoxButThatOfTheNetwork) {
     EXPECT_FALSE(shown);
 }
 
+TEST_F(Welcome, SaysWhileItIsFetchedThatItIs) {
+    page().loadStr.setCaption(u"of the last time");
+    std::u16string said;
+    fake.internet.duringDownload = [&] { said = page().loadStr.caption(); };
+    start(whole());
+    EXPECT_EQ(said, u"正在下载资源...");
+}
+
 class WelcomeLacks : public Welcome, public ::testing::WithParamInterface<const char *> {};
 
 TEST_P(WelcomeLacks, IsADataError) {

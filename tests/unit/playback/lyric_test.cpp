@@ -306,6 +306,13 @@ TEST_F(DesktopLine, HasItsOwnSizeAgainWhereThereIsRoomForIt) {
     EXPECT_EQ(form().lrc_Text.font().size(), 200);
 }
 
+TEST_F(DesktopLine, IsAsSmallAsCanBeWhereTheTaskBarLeavesATwip) {
+    windows.workArea = {0, 0, 1280, 1};
+    windows.taskBar = {0, 1, 1280, 15};
+    form().position();
+    EXPECT_EQ(form().lrc_Text.font().size(), 1);
+}
+
 TEST_F(DesktopLine, KeepsItsSizeWhereTheScreenIsNotKnown) {
     windows.workArea = {0, 0, 0, 0};
     form().position();

@@ -224,6 +224,14 @@ TEST_F(WindowRules, DockingGoesOnOverAMonitorBesideAndStopsAtItsEdge) {
     EXPECT_EQ(app.Main().left(), (-1000 + 120 - 480) * 15);
 }
 
+TEST_F(WindowRules, AMonitorThatShowsNothingOfAWindowAddsNothingToWhatIsSeen) {
+    windows.otherMonitors = {{2000, 0, 3000, 800}};
+    // A twip less than a hand's width would be left.
+    app.Main().move({120 * 15 - 1 - 7200 + 3600, 3000, 7200, 3240});
+    app.formSet().dock_PlayList(true);
+    EXPECT_EQ(app.Main().left(), (120 - 480) * 15);
+}
+
 TEST_F(WindowRules, AMonitorThatDoesNotReachTheTitleRowHoldsNoWindow) {
     windows.otherMonitors = {{-1000, 400, 0, 1200}};
     app.Main().move({0, 3000, 7200, 3240});
