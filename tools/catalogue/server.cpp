@@ -9,10 +9,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <stdexcept>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace velmora::catalogue {
@@ -23,6 +25,7 @@ constexpr unsigned mostConnections = 256;
 // A household behind one address is not known; a browser opens six, a player two.
 constexpr unsigned mostOfOneAddress = 24;
 constexpr std::size_t pieceBytes = std::size_t{128} << 10;
+constexpr std::chrono::seconds leaveLimit{5}; // usually a millisecond
 
 // What is known of a request before it is answered: its target as it came.
 struct Asked {
@@ -128,10 +131,7 @@ struct Server::Daemon {
     SlowRequests slow{patience.request, patience.nextRequest};
     MHD_Daemon *running = nullptr;
 
-    ~Daemon() {
-        if (running != nullptr)
-            MHD_stop_daemon(running);
-    }
+    ~Daemon();
 
     static MHD_Result onRequest(void *daemon, MHD_Connection *connection, const char *,
                                 const char *method, const char *, const char *,
@@ -141,7 +141,27 @@ struct Server::Daemon {
     static void note(void *daemon, MHD_Connection *connection, void **,
                      MHD_ConnectionNotificationCode what);
     void start(Listening &place, const Identity &identity);
+    unsigned connections() const;
 };
+
+// A request that the library refuses while it stops has no answer, and the library reads what that
+// says all the same. So nobody is let in any more, and whoever is there goes, before it stops.
+Server::Daemon::~Daemon() {
+    if (running == nullptr)
+        return;
+    const platform::Descriptor place(MHD_quiesce_daemon(running)); // closed behind the stop
+    const auto end = std::chrono::steady_clock::now() + leaveLimit;
+    while (connections() != 0 && std::chrono::steady_clock::now() < end) {
+        slow.endAll();
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    MHD_stop_daemon(running);
+}
+
+unsigned Server::Daemon::connections() const {
+    const MHD_DaemonInfo *info = MHD_get_daemon_info(running, MHD_DAEMON_INFO_CURRENT_CONNECTIONS);
+    return info != nullptr ? info->num_connections : 0;
+}
 
 MHD_Result Server::Daemon::onRequest(void *daemon, MHD_Connection *connection, const char *,
                                      const char *method, const char *, const char *,

@@ -18,7 +18,11 @@ SlowRequests::~SlowRequests() {
     thread_.join();
 }
 
-void SlowRequests::opened(int socket) { expect(socket, first_); }
+void SlowRequests::opened(int socket) {
+    expect(socket, first_);
+    const std::lock_guard lock(mutex_);
+    open_.insert(socket);
+}
 
 void SlowRequests::answered(int socket) { expect(socket, next_); }
 
@@ -32,7 +36,17 @@ void SlowRequests::asked(int socket) {
     waiting_.erase(socket);
 }
 
-void SlowRequests::closing(int socket) { asked(socket); }
+void SlowRequests::closing(int socket) {
+    asked(socket);
+    const std::lock_guard lock(mutex_);
+    open_.erase(socket);
+}
+
+void SlowRequests::endAll() {
+    const std::lock_guard lock(mutex_);
+    for (const int socket : open_)
+        ::shutdown(socket, SHUT_RDWR);
+}
 
 void SlowRequests::look() {
     constexpr int looks = 4;

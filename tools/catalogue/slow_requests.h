@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <map>
 #include <mutex>
+#include <set>
 #include <thread>
 
 namespace velmora::catalogue {
@@ -26,6 +27,8 @@ public:
     void asked(int socket);
     void answered(int socket);
     void closing(int socket);
+    // Ends every connection that there is.
+    void endAll();
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -38,6 +41,7 @@ private:
     std::mutex mutex_;
     std::condition_variable ended_;
     bool ends_ = false;
+    std::set<int> open_;
     std::map<int, Clock::time_point> waiting_; // until when each has to have asked
     std::thread thread_;
 };

@@ -19,6 +19,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <memory>
 #include <vector>
 
 namespace velmora::catalogue {
@@ -286,6 +287,23 @@ TEST_F(CatalogueServer, OutlivesNonsense) {
           std::string("GET / HTTP/9.9\r\n\r\n"), std::string("\0\1\2\3\r\n\r\n", 8)})
         talk(request, false);
     EXPECT_TRUE(internet_->XmlHttpGet(url(u"/")).has_value());
+}
+
+// Wherever in them it is: what the library refuses while it stops has no answer.
+TEST_F(CatalogueServer, StopsAmidRequestsThatAreTooLong) {
+    const std::string endless = "GET /" + std::string(60'000, 'a');
+    for (int run = 0; run < 20; ++run) {
+        Catalogue other(music_.path(), "127.0.0.1");
+        auto brief = std::make_unique<Server>(other, "127.0.0.1", 0);
+        std::vector<platform::Descriptor> sockets;
+        for (int i = 0; i < 8; ++i)
+            sockets.push_back(connectedTo("127.0.0.1", brief->port()));
+        for (const platform::Descriptor &socket : sockets)
+            say(socket, endless);
+        const auto begun = std::chrono::steady_clock::now();
+        brief.reset();
+        EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(4));
+    }
 }
 
 TEST_F(CatalogueServer, NeedsAnAddressOfItsOwnAndAFreePort) {
