@@ -26,17 +26,21 @@ TEST_F(Video, StripStandsAtTheFootAndTakesItsHeightFromThePicture) {
     });
 }
 
+void expectTransportByTheTable(const VideoScreen_Form &w) {
+    EXPECT_EQ(w.load_Played.place(), (RectTwips{150, 90, 0, 120}));
+    EXPECT_EQ(w.playButton.place(), (RectTwips{100, 300, 495, 495}));
+    EXPECT_EQ(w.pauseButton.place(), w.playButton.place());
+    EXPECT_EQ(w.stopButton.place(), (RectTwips{595, 300, 495, 495}));
+    EXPECT_EQ(w.upButton.place(), (RectTwips{1090, 300, 495, 495}));
+    EXPECT_EQ(w.nextButton.place(), (RectTwips{1585, 300, 495, 495}));
+    EXPECT_EQ(w.play_Time.left(), 2180);
+}
+
 TEST_F(Video, SeekBarAndTransportStandByTheTable) {
     inEachSize([this](Twips wide, Twips, bool) {
         auto &w = window();
         EXPECT_EQ(w.load_Played_BG.place(), (RectTwips{100, 50, wide - 200, 200}));
-        EXPECT_EQ(w.load_Played.place(), (RectTwips{150, 90, 0, 120}));
-        EXPECT_EQ(w.playButton.place(), (RectTwips{100, 300, 495, 495}));
-        EXPECT_EQ(w.pauseButton.place(), w.playButton.place());
-        EXPECT_EQ(w.stopButton.place(), (RectTwips{595, 300, 495, 495}));
-        EXPECT_EQ(w.upButton.place(), (RectTwips{1090, 300, 495, 495}));
-        EXPECT_EQ(w.nextButton.place(), (RectTwips{1585, 300, 495, 495}));
-        EXPECT_EQ(w.play_Time.left(), 2180);
+        expectTransportByTheTable(w);
     });
 }
 
@@ -47,13 +51,7 @@ TEST_F(Video, WhateverStoodElsewhereIsPutBackByTheTable) {
              &w.nextButton, &w.play_Time, &w.Volume_Set_BG, &w.fullScreen_Button})
         control->move({7000, 7000, 30, 30});
     w.setScreenSize(10951, 7876, true);
-    EXPECT_EQ(w.load_Played.place(), (RectTwips{150, 90, 0, 120}));
-    EXPECT_EQ(w.playButton.place(), (RectTwips{100, 300, 495, 495}));
-    EXPECT_EQ(w.pauseButton.place(), w.playButton.place());
-    EXPECT_EQ(w.stopButton.place(), (RectTwips{595, 300, 495, 495}));
-    EXPECT_EQ(w.upButton.place(), (RectTwips{1090, 300, 495, 495}));
-    EXPECT_EQ(w.nextButton.place(), (RectTwips{1585, 300, 495, 495}));
-    EXPECT_EQ(w.play_Time.left(), 2180);
+    expectTransportByTheTable(w);
     EXPECT_EQ(w.Volume_Set_BG.width(), 1600);
     EXPECT_EQ(w.Volume_Set_BG.height(), 200);
     EXPECT_EQ(w.fullScreen_Button.left(), 10951 - 3240);
