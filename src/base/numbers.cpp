@@ -216,13 +216,6 @@ std::int16_t toInt16(std::int64_t value) {
 
 std::int16_t addInt16(std::int16_t a, std::int16_t b) { return toInt16(std::int64_t{a} + b); }
 
-std::uint8_t addSaturating(std::uint8_t a, std::int32_t b) noexcept {
-    const std::int64_t sum = std::int64_t{a} + b;
-    if (sum < 0)
-        return 0;
-    return sum > 255 ? std::uint8_t{255} : static_cast<std::uint8_t>(sum);
-}
-
 std::u16string decimal(std::int64_t value) {
     char digits[20];
     char *const end = std::to_chars(digits, std::end(digits), value).ptr;

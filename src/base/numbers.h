@@ -31,9 +31,6 @@ std::optional<std::int32_t> strictInt32(std::u16string_view text) noexcept;
 std::int16_t toInt16(std::int64_t value);
 std::int16_t addInt16(std::int16_t a, std::int16_t b);
 
-// An unsigned 8-bit sum that stays at 255 instead of passing it.
-std::uint8_t addSaturating(std::uint8_t a, std::int32_t b) noexcept;
-
 std::u16string decimal(std::int64_t value);
 
 // "00": at least two digits.

@@ -148,16 +148,6 @@ TEST(Int16, raisesOverflowOutside) {
     expectOverflow([] { addInt16(-32768, -1); });
 }
 
-TEST(AddSaturating, staysInsideEightBits) {
-    EXPECT_EQ(addSaturating(250, 5), 255);
-    EXPECT_EQ(addSaturating(250, 6), 255);
-    EXPECT_EQ(addSaturating(0, std::numeric_limits<std::int32_t>::max()), 255);
-    EXPECT_EQ(addSaturating(5, -5), 0);
-    EXPECT_EQ(addSaturating(5, -6), 0);
-    EXPECT_EQ(addSaturating(255, std::numeric_limits<std::int32_t>::min()), 0);
-    EXPECT_EQ(addSaturating(17, 5), 22);
-}
-
 // --- numbers into texts --------------------------------------------------------------------------
 
 TEST(Decimal, writesEveryNumber) {

@@ -72,7 +72,7 @@ std::string inside(const std::string &track, const std::string &cache) {
 
 std::string coverOf(const std::string &track, const std::string &cache,
                     std::chrono::milliseconds patience) {
-    const std::string beside = coverBeside(track, patience);
+    std::string beside = coverBeside(track, patience);
     if (!beside.empty() || cache.empty())
         return beside;
     const auto found = withinTime(patience, [track, cache] { return inside(track, cache); });
