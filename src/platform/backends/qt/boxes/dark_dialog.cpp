@@ -20,7 +20,24 @@ constexpr int titleHeight = 28;
 constexpr int margin = 16;
 constexpr int gap = 16;
 
+QRect around(Hub &hub) {
+    const QWidget *active = QApplication::activeWindow();
+    return active != nullptr ? QRect(screens::standing(hub.x11, *active).toolkit, active->size())
+                             : screens::freeOfPanels(hub.x11);
+}
+
 } // namespace
+
+QPoint boxPlace(Hub &hub, QSize size) {
+    QRect place(QPoint(0, 0), size);
+    place.moveCenter(around(hub).center());
+    const QRect free = screens::freeOfPanelsAt(hub.x11, place.center());
+    place.moveLeft(
+        std::clamp(place.left(), free.left(), std::max(free.left(), free.right() - place.width())));
+    place.moveTop(
+        std::clamp(place.top(), free.top(), std::max(free.top(), free.bottom() - place.height())));
+    return place.topLeft();
+}
 
 DarkDialog::DarkDialog(Hub &hub, const QString &title)
     : QDialog(nullptr, Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint), hub_(hub) {
@@ -34,23 +51,11 @@ DarkDialog::DarkDialog(Hub &hub, const QString &title)
     body_ = outer;
 }
 
-QRect DarkDialog::around() const {
-    const QWidget *active = QApplication::activeWindow();
-    return active != nullptr ? active->frameGeometry() : screens::freeOfPanels(hub_.x11);
-}
-
-QRect DarkDialog::room() const { return screens::freeOfPanelsAt(hub_.x11, around().center()); }
+QRect DarkDialog::room() const { return screens::freeOfPanelsAt(hub_.x11, around(hub_).center()); }
 
 int DarkDialog::run() {
     adjustSize();
-    QRect place(QPoint(0, 0), size());
-    place.moveCenter(around().center());
-    const QRect free = room();
-    place.moveLeft(
-        std::clamp(place.left(), free.left(), std::max(free.left(), free.right() - place.width())));
-    place.moveTop(
-        std::clamp(place.top(), free.top(), std::max(free.top(), free.bottom() - place.height())));
-    move(place.topLeft());
+    move(boxPlace(hub_, size()));
     winId();
     hub_.x11.setStatesBeforeMap(static_cast<xcb_window_t>(windowHandle()->winId()),
                                 {X11::SkipTaskbar, X11::SkipPager});

@@ -11,6 +11,10 @@ class QVBoxLayout;
 
 namespace velmora::platform::qt {
 
+// Where a box of that size goes: over the middle of the active window, else of what panels leave of
+// the primary monitor, and whole onto its monitor.
+QPoint boxPlace(Hub &hub, QSize size);
+
 class DarkDialog : public QDialog {
 public:
     DarkDialog(Hub &hub, const QString &title);
@@ -32,9 +36,6 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:
-    // Where the middle of it goes: over the active window, else over the primary monitor.
-    QRect around() const;
-
     Hub &hub_;
     QVBoxLayout *body_;
     QPoint dragFrom_;

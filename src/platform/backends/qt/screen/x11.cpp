@@ -171,6 +171,14 @@ QSize X11::rootSize() {
     return reply ? QSize(reply->width, reply->height) : QSize();
 }
 
+std::optional<QPoint> X11::cornerOf(xcb_window_t window) {
+    const Owned<xcb_translate_coordinates_reply_t> reply(xcb_translate_coordinates_reply(
+        connection_, xcb_translate_coordinates(connection_, window, root(), 0, 0), nullptr));
+    if (!reply)
+        return std::nullopt;
+    return QPoint(reply->dst_x, reply->dst_y);
+}
+
 void X11::setStatesBeforeMap(xcb_window_t window, std::initializer_list<Atom> states) {
     std::vector<xcb_atom_t> all = readAtoms(window, NetWmState, maxStates);
     for (const Atom state : states)

@@ -87,6 +87,8 @@ public:
                                                       Atom property, std::uint32_t most);
     // All monitors together.
     QSize rootSize();
+    // Where on the screen a window's upper left corner is now; none if there is no such window.
+    std::optional<QPoint> cornerOf(xcb_window_t window);
     // Panels may leave another part of the screen free.
     std::function<void()> onWorkArea;
 

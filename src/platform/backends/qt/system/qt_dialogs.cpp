@@ -139,7 +139,7 @@ public:
         box.setDefaultButton(QMessageBox::No);
         box.setWindowModality(Qt::ApplicationModal);
         box.setWindowFlag(Qt::WindowStaysOnTopHint);
-        windows_.beforeNestedLoop();
+        windows_.beforeDialog(box);
         return box.exec() == QMessageBox::Yes;
     }
 
@@ -159,7 +159,7 @@ private:
         dialog.setWindowModality(Qt::ApplicationModal);
         // As message boxes are: a film over the whole screen would hide what it waits for.
         dialog.setWindowFlag(Qt::WindowStaysOnTopHint);
-        windows_.beforeNestedLoop();
+        windows_.beforeDialog(dialog);
         return dialog.exec() == QDialog::Accepted;
     }
 

@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "platform/backends/linux/font_pages.h"
+#include "platform/backends/qt/boxes/dark_dialog.h"
 #include "platform/backends/qt/boxes/message_box.h"
 #include "platform/backends/qt/boxes/popup_menu.h"
 #include "platform/backends/qt/boxes/tray.h"
@@ -74,9 +75,8 @@ struct QtWindowSystem::Parts {
             forms::Form &form = *entry.form;
             if (!form.unmanaged())
                 continue;
-            const QRect area =
+            const QRect now =
                 qt::nearest(qt::toPixels({form.left(), form.top(), form.width(), form.height()}));
-            const QRect now(qt::screens::toToolkit(area.topLeft()), area.size());
             const QRect seen = qt::screens::reachable(now);
             if (seen.left() != now.left())
                 form.setLeft(form.left() + qt::toTwips(seen.left() - now.left()));
@@ -160,6 +160,14 @@ std::function<void(bool)> QtWindowSystem::watch(int descriptor, std::function<vo
 }
 
 void QtWindowSystem::beforeNestedLoop() { parts_->hub.loop.arm(); }
+
+void QtWindowSystem::beforeDialog(QWidget &dialog) {
+    dialog.ensurePolished();
+    const QSize wanted = dialog.sizeHint().expandedTo(dialog.minimumSizeHint());
+    const bool isSized = dialog.testAttribute(Qt::WA_Resized);
+    dialog.move(qt::boxPlace(parts_->hub, isSized ? dialog.size() : wanted));
+    beforeNestedLoop();
+}
 
 bool QtWindowSystem::waitModal(const std::function<bool()> &done,
                                std::optional<std::chrono::milliseconds> limit) {

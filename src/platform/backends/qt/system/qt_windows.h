@@ -12,6 +12,8 @@
 #include <string>
 #include <string_view>
 
+class QWidget;
+
 namespace velmora::platform {
 
 class StatusItem;
@@ -60,6 +62,9 @@ public:
 
     // Keeps timers running through a dialog of the toolkit: to be called ahead of its loop.
     void beforeNestedLoop();
+    // The same, and puts it over the window that asks: by itself the toolkit would go by the
+    // pointer, which may be on another monitor.
+    void beforeDialog(QWidget &dialog);
 
     // For a dialog that another process shows: handles events, while no window takes input and
     // timers go on, until `done`; false when the time (absent: none) is over first.

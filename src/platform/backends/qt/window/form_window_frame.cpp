@@ -36,12 +36,16 @@ Qt::WindowFlags flagsOf(const forms::Form &form) {
     return flags;
 }
 
-QRect areaOf(const forms::Form &form) {
+// In the program's pixels.
+QRect placeOf(const forms::Form &form) {
     const QPoint at(qRound(toPixels(form.left())), qRound(toPixels(form.top())));
     const QSize size(std::max(1, qRound(toPixels(form.width()))),
                      std::max(1, qRound(toPixels(form.height()))));
-    return {screens::toToolkit(at), size};
+    return {at, size};
 }
+
+// In the toolkit's.
+QRect areaOf(const forms::Form &form) { return screens::toToolkit(placeOf(form)); }
 
 } // namespace
 
@@ -185,7 +189,7 @@ void QtFormWindow::hideNow() {
 }
 
 bool QtFormWindow::isFullScreen() const {
-    return !form_.unmanaged() && areaOf(form_) == screens::primary();
+    return !form_.unmanaged() && placeOf(form_) == QRect(QPoint(), screens::primary().size());
 }
 
 void QtFormWindow::applyPlace() {
@@ -211,7 +215,7 @@ void QtFormWindow::applyPlace() {
         top_->setGeometry(area);
     } else if (before == area && top_->isVisible()) {
         // The toolkit believes a late report; the server knows better.
-        const QPoint at = screens::toDevice(area.topLeft());
+        const QPoint at = screens::deviceOf(placeOf(form_).topLeft());
         const std::uint32_t values[] = {static_cast<std::uint32_t>(at.x()),
                                         static_cast<std::uint32_t>(at.y())};
         xcb_configure_window(hub_.x11.connection(), nativeWindow(),
@@ -234,12 +238,12 @@ void QtFormWindow::keepOnMonitor() {
     const QScreen *screen = QGuiApplication::primaryScreen();
     if (!form_.unmanaged() || screen == nullptr || top_->windowHandle() == nullptr)
         return;
-    const QRect area = areaOf(form_);
+    const QRect area = placeOf(form_);
     const QRect monitor = screens::inDevicePixels(*screen);
-    const QRect window(screens::toDevice(area.topLeft()),
+    const QRect window(screens::deviceOf(area.topLeft()),
                        (QSizeF(area.size()) * scaleFactor()).toSize());
-    const bool isAsWide = area.right() == screen->geometry().right();
-    const bool isAsLow = area.bottom() == screen->geometry().bottom();
+    const bool isAsWide = area.right() + 1 == screen->geometry().width();
+    const bool isAsLow = area.bottom() + 1 == screen->geometry().height();
     const QSize kept(
         isAsWide ? std::min(window.right(), monitor.right()) - window.left() + 1 : window.width(),
         isAsLow ? std::min(window.bottom(), monitor.bottom()) - window.top() + 1 : window.height());
@@ -255,10 +259,12 @@ void QtFormWindow::keepOnMonitor() {
 // The rows (device pixels) of what slides out of sight above the screen that would come up on a
 // monitor there. What stands higher than a slide goes was dragged there.
 int QtFormWindow::cutAbove() const {
-    const QRect area = areaOf(form_);
-    const int above = screens::primary().top() - area.top();
+    const QRect area = placeOf(form_);
+    const int above = -area.top();
+    const int left = screens::primary().left();
     if (!form_.unmanaged() || !form_.showInTaskbar() || above <= 0 ||
-        above >= area.height() + slideRoom || !screens::goesOnAbove(area.left(), area.right()))
+        above >= area.height() + slideRoom ||
+        !screens::goesOnAbove(left + area.left(), left + area.right()))
         return 0;
     return static_cast<int>(std::ceil(above * scaleFactor()));
 }
@@ -295,7 +301,7 @@ void QtFormWindow::originChanged() {
         applyPlace();
         return;
     }
-    const QPointF at = screens::toProgram(QPointF(top_->geometry().topLeft() - heldOff_));
+    const QPointF at = screens::standing(hub_.x11, *top_).program - heldOff_;
     form_.movedTo(toTwips(at.x()), toTwips(at.y()));
 }
 
@@ -326,7 +332,7 @@ void QtFormWindow::screensChanged() {
     top_->setGeometry(area);
     constexpr std::uint16_t all = XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
                                   XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
-    const QPoint at = screens::toDevice(area.topLeft());
+    const QPoint at = screens::deviceOf(placeOf(form_).topLeft());
     const std::uint32_t values[] = {static_cast<std::uint32_t>(at.x()),
                                     static_cast<std::uint32_t>(at.y()),
                                     static_cast<std::uint32_t>(qRound(area.width() * density_)),
@@ -343,8 +349,8 @@ void QtFormWindow::screensChanged() {
 void QtFormWindow::moved() {
     if (placing_ || top_ == nullptr || top_->isMinimized())
         return;
-    const QPoint position = top_->geometry().topLeft();
-    switch (place_.reported(position)) {
+    const screens::Standing now = screens::standing(hub_.x11, *top_);
+    switch (place_.reported(now.toolkit)) {
     case WindowPlace::Report::Passed:
         break;
     case WindowPlace::Report::Granted:
@@ -353,14 +359,12 @@ void QtFormWindow::moved() {
     case WindowPlace::Report::Refused:
         // The form goes on standing where it was put: what is dragged along with it would part
         // from it, were it to follow the window.
-        heldOff_ = position - areaOf(form_).topLeft();
+        heldOff_ = (now.program - QPointF(placeOf(form_).topLeft())).toPoint();
         break;
-    case WindowPlace::Report::Moved: {
+    case WindowPlace::Report::Moved:
         heldOff_ = {};
-        const QPointF at = screens::toProgram(QPointF(position));
-        form_.movedTo(toTwips(at.x()), toTwips(at.y()));
+        form_.movedTo(toTwips(now.program.x()), toTwips(now.program.y()));
         break;
-    }
     }
 }
 
