@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Names every test that the last run of ctest skipped, with its reason.
 
-    scripts/skipped.py BUILD_FOLDER...
+    scripts/skipped.py BUILD_FOLDER|LOG...
 
-It reads the log of the last run in each folder, and what the programs of that run wrote of their
-cases. The status is 0 whatever was skipped, 2 where there is no log.
+It reads the log of the last run in each folder, or the log of an earlier one that was kept in its folder Testing, and
+what the programs of that run wrote of their cases. The status is 0 whatever was skipped, 2 where there is no log.
 """
 
 import os
@@ -31,9 +31,11 @@ def skipped_cases(path):
             yield f"{case.get('classname')}.{case.get('name')}", reason.strip().split("\n")[-1]
 
 
-def skipped_in(folder):
+def skipped_in(run):
     """Name and reason of each, in the order of the run."""
-    with open(f"{folder}/Testing/Temporary/LastTest.log", encoding="utf-8", errors="replace") as file:
+    kept = run.endswith(".log")
+    folder = os.path.dirname(os.path.dirname(run)) if kept else run
+    with open(run if kept else f"{folder}/Testing/Temporary/LastTest.log", encoding="utf-8", errors="replace") as file:
         log = file.read()
     parts = TESTING.split(log)[1:]
     for test, output in zip(parts[::2], parts[1::2]):
@@ -49,16 +51,16 @@ def skipped_in(folder):
             yield f"{test} {name}".strip(), reason
 
 
-def main(folders):
+def main(runs):
     by_reason = {}
-    for folder in folders:
+    for run in runs:
         try:
-            for name, reason in skipped_in(folder):
+            for name, reason in skipped_in(run):
                 names = by_reason.setdefault(reason, [])
                 if name not in names:
                     names.append(name)
         except FileNotFoundError:
-            print(f"{folder}: no tests were run there", file=sys.stderr)
+            print(f"{run}: no tests were run there", file=sys.stderr)
             return 2
     count = sum(len(names) for names in by_reason.values())
     print(f"Skipped: {count or 'nothing'}")

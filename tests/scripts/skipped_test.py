@@ -79,6 +79,17 @@ class Skipped(unittest.TestCase):
         done = self.run_on("1/1 Testing: a\nOutput:\ntest_x (__main__.A.test_x) ... ok\n")
         self.assertEqual((done.returncode, done.stdout), (0, "Skipped: nothing\n"))
 
+    def test_a_log_that_was_kept_of_an_earlier_run_is_read_like_the_last_one(self):
+        with tempfile.TemporaryDirectory() as folder:
+            os.makedirs(folder + "/Testing/Temporary")
+            os.makedirs(folder + "/Testing/cases")
+            for path, text in (("windows.log", LOG), ("Temporary/LastTest.log", ""), ("cases/program_tests.xml", CASES)):
+                with open(f"{folder}/Testing/{path}", "w", encoding="utf-8") as file:
+                    file.write(text)
+            done = subprocess.run([sys.executable, SCRIPT, folder + "/Testing/windows.log", folder], capture_output=True,
+                                  text=True, check=False)
+        self.assertEqual(done.stdout.splitlines()[:3], ["Skipped: 5", "  only root may:", "    program_tests Folders.anOther"])
+
     def test_a_run_that_was_not_is_no_run_without_skips(self):
         done = self.run_on(None)
         self.assertEqual((done.returncode, done.stdout), (2, ""))

@@ -9,8 +9,8 @@ import os
 import select
 import subprocess
 import sys
-import unittest
 
+from cases import run
 from player import (ABOUT, ASK, CHECK, FORM_SIZES, LIST, LYRIC_SEARCH, MAIN, MINI, SETTINGS, PlayerTest,
                     design, stairs)
 from session import wait_for
@@ -240,9 +240,11 @@ class Doing(AccessibleTest):
         rows = self.open(reader, main, MAIN, "playListButton", LIST)
 
         def row(name):
-            return next((which, node) for which, node in reader.nodes(reader.place(rows))
-                        if node["role"] == "list item" and node["name"] == name and
-                        "showing" in node["states"])
+            found = wait_for(lambda: next((
+                (which, node) for which, node in reader.nodes(reader.place(rows))
+                if node["role"] == "list item" and node["name"] == name and "showing" in node["states"]), None), 60)
+            self.assertTrue(found, f"no row {name}")
+            return found
         which, node = row("two")
         self.assertEqual(node["actions"], ["Press", "Toggle", "SetFocus"])
         reader.ask(do="events")
@@ -350,4 +352,4 @@ class Doing(AccessibleTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -7,9 +7,9 @@ languages, the mini strip at work, and rows that come and go.
 
 import os
 import sys
-import unittest
 
 import test_accessible as base
+from cases import run
 from films import make_film
 from household import HouseholdTest
 from listing import ListTest
@@ -172,4 +172,4 @@ class Changes(base.AccessibleTest, ListTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

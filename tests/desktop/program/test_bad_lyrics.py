@@ -9,8 +9,8 @@ import shutil
 import sqlite3
 import subprocess
 import sys
-import unittest
 
+from cases import run
 from player import APP, FORM_SIZES, PROGRAM, PlayerTest, design, stairs
 from session import Recorder, quiet, wait_for
 
@@ -296,4 +296,4 @@ class Pages(EditedTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -12,10 +12,10 @@ import re
 import shutil
 import sqlite3
 import sys
-import unittest
 import urllib.error
 import urllib.request
 
+from cases import run
 from household import HouseholdTest
 from player import PROGRAM, SOURCE, WELCOME, Player, PlayerTest, design, stairs
 from session import quiet, rest, wait_for
@@ -184,4 +184,4 @@ class Languages(HouseholdTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -9,8 +9,8 @@ import contextlib
 import os
 import signal
 import sys
-import unittest
 
+from cases import run
 from listing import DEEPER, SURE, ListTest, silence
 from player import ASK, LIST, PICK_FILE, PICK_FOLDER, TITLE
 from session import wait_for
@@ -307,4 +307,4 @@ class Adding(AtOnce):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

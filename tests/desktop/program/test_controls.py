@@ -9,8 +9,8 @@ import shutil
 import struct
 import sys
 import tempfile
-import unittest
 
+from cases import run
 from films import HEIGHT, SECONDS, STRIP, FilmTest, ffmpeg
 from player import MAIN, MINI, PlayerTest, design, pitch
 from session import RATE, Recorder, wait_for
@@ -370,4 +370,4 @@ class VideoWindow(FilmTest, Listening):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -8,8 +8,8 @@ The library that makes a folder such a disk is named by the environment: VELMORA
 
 import os
 import sys
-import unittest
 
+from cases import run
 from player import LIST, PlayerTest, stairs
 from session import Recorder, wait_for
 
@@ -112,4 +112,4 @@ class DeadDisk(PlayerTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

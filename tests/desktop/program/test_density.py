@@ -5,8 +5,8 @@
 """
 
 import sys
-import unittest
 
+from cases import run
 from listing import LIST_LEFT, LIST_TOP, ROW, ListTest, silence
 from player import LIST, MAIN, SETTINGS, Player
 from session import Session, quiet, wait_for
@@ -100,4 +100,4 @@ class DensityBetween(Density):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

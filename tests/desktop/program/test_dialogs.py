@@ -8,9 +8,9 @@ import json
 import os
 import signal
 import sys
-import unittest
 import urllib.parse
 
+from cases import run
 from listing import DEEPER
 from player import LIST, PICK_FILE, SOURCE, stairs
 from session import wait_for
@@ -116,4 +116,4 @@ class Dialogs(BusTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

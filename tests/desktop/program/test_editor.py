@@ -8,9 +8,9 @@ import os
 import re
 import shutil
 import sys
-import unittest
 
-from player import FORM_SIZES, MAIN, PlayerTest, design, stairs
+from cases import run
+from player import FORM_SIZES, PlayerTest, design, stairs
 from session import quiet, rest, wait_for
 
 EDITOR = design("src/lyrics/doLrcForm.form")
@@ -175,4 +175,4 @@ class Editing(EditorTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -10,8 +10,8 @@ import shutil
 import signal
 import subprocess
 import sys
-import unittest
 
+from cases import run
 from listing import DEEPER, NOT_COPIED, SURE, ListTest, silence
 from player import ASK, LIST, PICK_FOLDER, TITLE
 from session import let_pass, quiet, wait_for
@@ -389,4 +389,4 @@ class AddingFolders(ListTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -10,8 +10,8 @@ import signal
 import sqlite3
 import subprocess
 import sys
-import unittest
 
+from cases import run
 from films import ffmpeg
 from listing import SURE, ListTest
 from player import LIST, NO_SOUND_CARD, PROGRAM, SETTINGS, SPLASH, TITLE, Player, PlayerTest, stairs
@@ -406,4 +406,4 @@ class Splash(PlayerTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -7,9 +7,9 @@ same as the rows after every step.
 
 import os
 import sys
-import unittest
 
-from listing import LIST_LEFT, LIST_TOP, NOTHING_CHOSEN, ROW, SURE, ListTest, line_of, silence
+from cases import run
+from listing import LIST_LEFT, LIST_TOP, NOTHING_CHOSEN, ROW, SURE, ListTest, silence
 from player import ABOUT, ASK, LIST, PICK_FILE, TITLE
 from session import wait_for
 
@@ -397,4 +397,4 @@ class ListMenu(ListTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

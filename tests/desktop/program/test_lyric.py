@@ -8,8 +8,8 @@ import re
 import signal
 import subprocess
 import sys
-import unittest
 
+from cases import run
 from listing import silence
 from player import MAIN, PlayerTest, Stranger
 from session import quiet, rest, wait_for
@@ -406,4 +406,4 @@ class StandingComposited(Standing):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -7,9 +7,9 @@
 import os
 import subprocess
 import sys
-import unittest
 
 import misbehaving
+from cases import run
 from listing import DEEPER, SURE, ListTest, silence
 from player import (ABOUT, ASK, CHECK, FORM_SIZES, HELP_PAGE, LIST, LYRIC_SEARCH, MAIN, MINI,
                     PICK_FILE, PICK_FOLDER, SETTINGS, SOURCE, TITLE, design)
@@ -406,4 +406,4 @@ class Buttons(MenuTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -7,8 +7,8 @@
 import re
 import sys
 import time
-import unittest
 
+from cases import run
 from player import LIST, MAIN, MINI, PlayerTest, stairs
 from session import wait_for
 
@@ -244,4 +244,4 @@ class Mini(PlayerTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -9,8 +9,8 @@ import os
 import signal
 import subprocess
 import sys
-import unittest
 
+from cases import run
 from listing import DEEPER, SURE, ListTest, line_of, silence
 from player import ASK, LIST, PICK_FOLDER
 from session import wait_for
@@ -171,4 +171,4 @@ class NoRoom(ListTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -10,8 +10,8 @@ import os
 import signal
 import sys
 import time
-import unittest
 
+from cases import run
 from household import HouseholdTest
 from player import design, stairs
 from session import Recorder, quiet, rest, wait_for
@@ -295,4 +295,4 @@ class Songs(NetworkTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

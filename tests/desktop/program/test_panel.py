@@ -9,8 +9,8 @@ import os
 import signal
 import subprocess
 import sys
-import unittest
 
+from cases import run
 from player import LIST, MINI, SETTINGS, SOURCE, stairs
 from session import quiet, wait_for
 from settings_window import FRAME, LANGUAGE_ROWS, SettingsTest
@@ -371,4 +371,4 @@ class ComingAndGoing(PanelTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

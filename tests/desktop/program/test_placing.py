@@ -8,8 +8,8 @@ import re
 import signal
 import subprocess
 import sys
-import unittest
 
+from cases import run
 from player import LIST, MAIN, MINI, TITLE, Player, PlayerTest, said, stairs
 from session import Session, let_pass, quiet, rest, wait_for
 
@@ -442,4 +442,4 @@ class Guest(Placing):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

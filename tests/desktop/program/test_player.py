@@ -13,6 +13,7 @@ import sys
 import time
 import unittest
 
+from cases import run
 from player import NO_SOUND_CARD, PROGRAM, TITLE, Player, PlayerTest, stairs
 from session import Recorder, quiet, wait_for
 
@@ -204,4 +205,4 @@ class WithoutDisplay(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -11,8 +11,8 @@ import signal
 import subprocess
 import sys
 import tempfile
-import unittest
 
+from cases import run
 from player import PROGRAM, PlayerTest, Player, stairs
 from session import quiet, wait_for
 
@@ -286,6 +286,7 @@ class Remote(BusTest):
         self.assert_comes("Playing", "status")
         self.bus.send_signal(signal.SIGSTOP)
         player.click(main, "nextButton")
+        self.assert_title(player, main, "two")  # what is only being opened takes no pause
         player.click(main, "pauseButton")
         self.assertTrue(player.took(main))
         self.bus.send_signal(signal.SIGCONT)
@@ -543,4 +544,4 @@ class Awake(PlayerTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

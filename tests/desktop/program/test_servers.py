@@ -19,11 +19,11 @@ import subprocess
 import sys
 import threading
 import time
-import unittest
 import wave
 
 import misbehaving
 import test_trouble
+from cases import run
 from misbehaving import OK, SOUND, answer, length, redirect
 from player import PROGRAM, WELCOME, design
 from session import wait_for
@@ -622,4 +622,4 @@ class Encrypted(ServersTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

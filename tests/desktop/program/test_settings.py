@@ -6,8 +6,8 @@
 
 import os
 import sys
-import unittest
 
+from cases import run
 from player import ABOUT, LIST, PICK_COLOUR, PICK_FOLDER, PICK_FONT, PROGRAM, SETTINGS, stairs
 from session import quiet, wait_for
 from settings_window import FRAME, INFO, LANGUAGE_ROWS, PAGES, SettingsTest
@@ -373,4 +373,4 @@ class ByKeyboard(SettingsTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -8,8 +8,8 @@ import os
 import signal
 import subprocess
 import sys
-import unittest
 
+from cases import run
 from player import APP, PICK_COLOUR, PICK_FOLDER, PICK_FONT, SETTINGS, stairs
 from session import quiet, wait_for
 from settings_window import FRAME, LANGUAGE_ROWS, PAGES, SettingsTest
@@ -323,4 +323,4 @@ class WithOddSettings(SettingsTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -6,9 +6,9 @@
 
 import re
 import sys
-import unittest
 
-from player import CHECK, MAIN, NO_SOUND_CARD, TITLE, Player, PlayerTest
+from cases import run
+from player import CHECK, NO_SOUND_CARD, TITLE, Player, PlayerTest
 from session import quiet, wait_for
 
 MONO = ["   11.025Khz,Mono,8bit,11Kb/Ps", "   11.025Khz,Mono,16bit,22Kb/Ps",
@@ -164,4 +164,4 @@ class WithoutDevice(PlayerTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

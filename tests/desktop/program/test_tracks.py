@@ -10,8 +10,8 @@ import struct
 import sys
 import tempfile
 import time
-import unittest
 
+from cases import run
 from films import ffmpeg
 from player import TITLE, PlayerTest, stairs
 from session import RATE, Recorder, wait_for
@@ -231,4 +231,4 @@ class Broken(TrackTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

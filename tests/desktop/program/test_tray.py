@@ -6,8 +6,8 @@
 
 import re
 import sys
-import unittest
 
+from cases import run
 from player import LIST, MINI, PlayerTest, Stranger, stairs
 from session import quiet, wait_for
 
@@ -153,4 +153,4 @@ class Tray(PlayerTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

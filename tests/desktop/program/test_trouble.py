@@ -14,9 +14,9 @@ import sqlite3
 import sys
 import threading
 import time
-import unittest
 
 import misbehaving
+from cases import run
 from household import HouseholdTest
 from misbehaving import AUDIO, OK, SOUND, answer, length
 from player import PROGRAM, SETTINGS, WELCOME, design, stairs
@@ -379,4 +379,4 @@ class Maker(TroubleTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -7,9 +7,9 @@
 import re
 import shutil
 import sys
-import unittest
 
-from films import (COLUMNS, HEIGHT, PICTURE, STRIP, WIDTH, FilmSession, FilmTest, make_film,
+from cases import run
+from films import (COLUMNS, HEIGHT, STRIP, WIDTH, FilmSession, FilmTest, make_film,
                    near)
 from player import SETTINGS, Stranger, stairs
 from session import quiet, wait_for
@@ -419,4 +419,4 @@ class TheEnginesWindow(FilmTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -8,8 +8,8 @@ import os
 import random
 import signal
 import sys
-import unittest
 
+from cases import run
 from films import SECONDS, FilmTest, chart, ffmpeg, make_film, tone
 from session import wait_for
 
@@ -172,4 +172,4 @@ class SoundServer(FilmTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -12,8 +12,8 @@ import shutil
 import signal
 import sys
 import time
-import unittest
 
+from cases import run
 from household import HouseholdTest
 from player import MAIN, PROGRAM, SETTINGS, WELCOME, Player
 from session import quiet, rest, wait_for
@@ -437,4 +437,4 @@ class Update(MakerTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])

@@ -6,8 +6,8 @@
 
 import re
 import sys
-import unittest
 
+from cases import run
 from player import (ABOUT, HELP_PAGE, LIST, MAIN, MINI, PICK_FILE, SETTINGS, TITLE, PlayerTest,
                     Stranger, stairs)
 from session import quiet, wait_for
@@ -317,4 +317,4 @@ class MainMenu(WindowTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=[sys.argv[0]] + sys.argv[5:], verbosity=2)
+    run(sys.argv[5:])
