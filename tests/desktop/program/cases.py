@@ -1,7 +1,7 @@
 """Runs the cases of a script of desktop tests, tells how long each took, and leaves the long ones to the whole run.
 
-A run in which VELMORA_WHOLE is set takes every case; so does one that names cases. Any other leaves out those that
-tests/whole.txt names for this script, and says how many.
+A run in which VELMORA_WHOLE is set takes every case, one that names cases or patterns takes these. Any other leaves out
+those that tests/whole.txt names for this script, and says how many.
 """
 
 import os
@@ -67,7 +67,7 @@ class Loader(unittest.TestLoader):
 
     def loadTestsFromModule(self, module, *args, **more):
         suite = super().loadTestsFromModule(module, *args, **more)
-        if whole():
+        if whole() or self.testNamePatterns:
             return suite
         script = os.path.splitext(os.path.basename(sys.argv[0]))[0]
         kept = thinned(suite, left_out(script.removeprefix("test_")))
