@@ -5,7 +5,7 @@ them in one run of the program.
     test_servers.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
 
 Behind each the window answers, or a limit has ended the transfer; nothing is left of what did not come
-whole. Those that take a limit of half a minute and more are tried only with VELMORA_WHOLE_TABLE=1. The
+whole. Those that take a limit of half a minute and more are tried only with VELMORA_WHOLE=1. The
 catalogue's program, which tells the player where its hosts are, is named by the environment:
 VELMORA_CATALOGUE.
 """
@@ -29,7 +29,7 @@ from player import PROGRAM, WELCOME, design
 from session import wait_for
 
 LYRICS = design("src/network/search_Lrc_Internet_Form.form")
-WHOLE = "VELMORA_WHOLE_TABLE" in os.environ
+WHOLE = "VELMORA_WHOLE" in os.environ
 ROW = 27
 SEARCH, FILE, MAKER = "/m?", "/lrcdown/", "/source/mini/"
 HTML = b"Content-Type: text/html\r\n"

@@ -137,11 +137,15 @@ TEST(HighRate, ADeviceOfThatRateNeedNotMixInItsShortestParts) {
     EXPECT_TRUE(waitFor(60000, [&] { return server.mixesAheadMs() == 60; }));
 }
 
+// The ordinary run takes each rate once, and each state of the sink twice.
 std::vector<Situation> situations() {
+    constexpr int rates[] = {44100, 96000, 176400, 192000, 352800, 384000};
+    constexpr Sink sinks[] = {Sink::Idle, Sink::Running, Sink::WithOthers};
     std::vector<Situation> all;
-    for (const int rate : {44100, 96000, 176400, 192000, 352800, 384000})
-        for (const Sink sink : {Sink::Idle, Sink::Running, Sink::WithOthers})
-            all.push_back({rate, sink});
+    for (std::size_t rate = 0; rate < std::size(rates); ++rate)
+        for (std::size_t sink = 0; sink < std::size(sinks); ++sink)
+            if (isWholeRun() || rate % std::size(sinks) == sink)
+                all.push_back({rates[rate], sinks[sink]});
     return all;
 }
 

@@ -18,8 +18,8 @@ using namespace velmora::tests;
 
 constexpr double seconds = 2.5;
 
-// The ordinary run takes some rates and cuts of each form, and of some forms no odd ones.
-bool isWhole() { return std::getenv("VELMORA_WHOLE_TABLE") != nullptr; }
+// The ordinary run takes some rates and cuts of each form, and of some forms no odd ones; under the
+// sanitizers fewer.
 #ifdef VELMORA_SANITIZED
 constexpr bool isSanitized = true; // everything lasts many times as long
 #else
@@ -262,11 +262,11 @@ std::vector<Case> cases() {
             const bool isFirst = i == 0;
             const bool isLast = i + 1 == form.rates.size();
             // The ordinary run takes the lowest and the highest, or one alone.
-            const bool isTaken = isWhole() || (isSanitized ? isLast : isFirst || isLast);
+            const bool isTaken = isWholeRun() || (isSanitized ? isLast : isFirst || isLast);
             for (const int channels : {1, 2, 6}) {
                 const bool mpeg = form.ending == "mp3" || form.ending == "mp2";
                 if (isTaken && (!mpeg || channels <= 2) &&
-                    (isWhole() || channels == (isFirst ? 1 : 2)))
+                    (isWholeRun() || channels == (isFirst ? 1 : 2)))
                     all.push_back({form, form.rates[i], channels});
             }
         }
@@ -283,7 +283,7 @@ TEST(SoundTable, EveryFormIsAsLongAsOtherDecodersMakeItAndSeeksLand) {
         if (files[i].empty())
             return Measured{};
         // The third is asked in one of the runs of each form.
-        const bool asked = isWhole() || i == 0 || all[i - 1].form.name() != now.form.name();
+        const bool asked = isWholeRun() || i == 0 || all[i - 1].form.name() != now.form.name();
         return measure(files[i], true, asked ? thirdDecoder(now.form, files[i]) : "");
     });
     int made = 0;
@@ -382,7 +382,7 @@ std::vector<Form> formsToSpoil() {
                              form.coder.find("s32") == std::string::npos &&
                              form.coder.find("_u8") == std::string::npos &&
                              form.coder.find("f32") == std::string::npos;
-        if (isWhole() || (isUsual && !(isSanitized && form.ending == "mp2")))
+        if (isWholeRun() || (isUsual && !(isSanitized && form.ending == "mp2")))
             all.push_back(form);
     }
     return all;
@@ -397,9 +397,9 @@ TEST_P(OddSounds, HaveTheirLengthAndArePlayedByWhomeverTheyArePlayedElsewhere) {
     ASSERT_FALSE(made.empty()) << form.coder;
     const Bytes whole = readFile(made);
     const double wholeMs = measure(made, false).referenceMs;
-    auto odd =
-        oddSounds(form.ending, whole, isWhole() ? OddSteps{} : OddSteps{whole.size() / 3 + 1, 40});
-    if (isSanitized && !isWhole())
+    auto odd = oddSounds(form.ending, whole,
+                         isWholeRun() ? OddSteps{} : OddSteps{whole.size() / 3 + 1, 40});
+    if (isSanitized && !isWholeRun())
         odd.resize(std::min<std::size_t>(odd.size(), 6));
     std::vector<std::string> files(odd.size());
     auto measured = measureAll(odd.size(), [&](std::size_t i) {

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -26,6 +27,9 @@ inline Bytes readFile(const std::string &path) {
     std::ifstream file(path, std::ios::binary);
     return Bytes(std::istreambuf_iterator<char>(file), {});
 }
+
+// ./test --whole takes everything; an ordinary run a part of what is long.
+inline bool isWholeRun() { return std::getenv("VELMORA_WHOLE") != nullptr; }
 
 // A folder that goes with everything in it.
 class TemporaryFolder {
