@@ -1,7 +1,7 @@
 """The walk over two monitors of each density, which change and go while the program runs."""
 
 from player import LIST, Stranger
-from scaled import Tour, desk, inside, near
+from scaled import FILM, Tour, desk, inside, near
 from session import let_pass, quiet, rest, wait_for
 from walk import need
 
@@ -11,7 +11,7 @@ BAR = 40  # pixels that a panel keeps
 # What stands where: the primary monitor first.
 SIDES = {"left": (("left", 0, 0), ("right", 1, 0)), "right": (("right", 1, 0), ("left", 0, 0)),
          "lower": (("lower", 0, 1), ("upper", 0, 0))}
-SIZES = {1: (1280, 800), 1.5: (1600, 1000), 2: (1920, 1200)}
+SIZES = {1: (1280, 800), 1.5: (1600, 1200), 2: (1920, 1440)}
 WAYS = {"1": ("toolkit", 1), "1.5 by Xft.dpi": ("resources", 1.5), "2 by QT_SCALE_FACTOR": ("toolkit", 2)}
 COLUMNS = {f"{side}, {way}": (side, *told) for side in SIDES for way, told in WAYS.items()}
 
@@ -45,10 +45,15 @@ class MonitorWalk(Tour):
         self.touching()
 
     def answers_there(self):
-        """Each docking puts the main window onto the primary monitor: it goes over once more."""
+        """Each docking puts the main window onto the primary monitor's columns: it goes over once more."""
         self.answers()
-        self.home = need(rest(lambda: self.player.place(self.main)), "it never comes to rest")
-        self.over_to_the_other()
+        home = need(rest(lambda: self.player.place(self.main)), "it never comes to rest")
+        if self.monitor_of(self.main) == self.other:
+            self.home = tuple(2 * a - b for a, b in zip(home, self.over_there(home)))
+            self.touching()
+        else:
+            self.home = home
+            self.over_to_the_other()
 
     def there_and_back(self):
         """Slowly over the border and back, without letting go; wherever the hand rests, both are under it."""
@@ -148,14 +153,23 @@ class MonitorWalk(Tour):
         self.monitor = next(iter(monitors.values()))
 
     def other_is_primary(self):
+        self.film_stops()  # once over the whole screen it lies above the main window
         before = self.player.place(self.main)
         self.change(dict(reversed(self.session.monitors.items())))
         self.line_stands()
         self.stands(self.main, before, "the main window")
         self.answers()
 
+    def film_over_that(self):
+        self.desk.key("F2", self.main)
+        self.film = need(self.sized(self.design(*FILM)), "no window of its size")
+        self.stretched(self.picture_in(self.film))
+        self.whole()
+
     def strip_is_there(self):
         self.player.click(self.main, "playListButton")
+        need(self.player.gone(self.list), "the list stays")
+        rest(lambda: self.player.place(self.main), still=1)  # without the list it stands elsewhere
         self.mini_and_back()
         self.player.click(self.main, "playListButton")
         self.list = need(self.player.form(LIST), "no list")
@@ -184,14 +198,15 @@ class MonitorWalk(Tour):
         self.stands(self.film, (0, 0))
         self.stretched(self.whole_picture())
         self.key_to_film("Return")
-        self.film = need(self.sized(self.design(730, 525)), "no way back")
+        self.film = need(self.sized(self.design(*FILM)), "no way back")
         area = rest(lambda: self.area(self.film))
-        need(area[0] < self.monitor[2] - 120 and area[1] < self.monitor[3] - 20, f"it comes back to {area}")
+        need(area[0] < self.monitor[2] - 20 and area[1] < self.monitor[3] - 20, f"it comes back to {area}")
         self.stretched(self.picture_in(self.film))
 
     def main_is_there(self):
         area = need(rest(lambda: self.area(self.main)), "it never comes to rest")
-        need(area[0] < self.monitor[2] - 120 and area[1] < self.monitor[3] - 20, f"the main window is left at {area}")
+        # How much of it must stay in sight is the manager's to say.
+        need(area[0] < self.monitor[2] - 20 and area[1] < self.monitor[3] - 20, f"the main window is left at {area}")
         self.key_to_film("F4")
         self.to_front(self.main)
         self.player.move(self.main, 5, 150)
@@ -230,7 +245,7 @@ class MonitorWalk(Tour):
         yield "over the primary monitor, filled, and back", self.whole_and_back
         yield "from the other monitor over the primary one, and back", self.film_from_the_other
         yield "the other monitor becomes the primary one: the line goes over, the windows stay", self.other_is_primary
-        yield "a film over that one", self.whole
+        yield "a film over that one", self.film_over_that
         yield "that one is unplugged: the line", self.one_goes
         yield "the film is over what is left, and comes back", self.film_is_whole_there
         yield "the main window and its buttons", self.main_is_there

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
-#include <set>
 #include <vector>
 
 namespace velmora::platform::qt {
@@ -55,13 +54,14 @@ void place(X11 &x11, xcb_window_t window, xcb_window_t above) {
 
 } // namespace
 
-void raiseAboveManaged(X11 &x11, xcb_window_t window, xcb_window_t spared) {
+void raiseAboveManaged(X11 &x11, xcb_window_t window, xcb_window_t spared,
+                       const std::set<xcb_window_t> &others) {
     const auto clients = x11.windowsOfRoot(X11::ClientList);
     if (!clients) {
         place(x11, window, XCB_WINDOW_NONE);
         return;
     }
-    std::set<xcb_window_t> managed;
+    std::set<xcb_window_t> managed = others;
     for (const xcb_window_t client : *clients)
         if (client != spared)
             managed.insert(topLevel(x11, client));

@@ -65,6 +65,7 @@ private:
     void show();
     void hideSoon();
     void hideNow();
+    void toTop();
     void applyTopmost();
     void applyState();
     void applyLook();

@@ -376,6 +376,20 @@ void QtFormWindow::awaitPlace() {
         hub_.loop.settle([this] { return place_.isAtRest(); }, placeLimit);
 }
 
+// What no manager has goes above all that one has, and above its own kind of ours: a locker of the
+// screen stays on top, and under a compositor it would not even see what came up over it.
+void QtFormWindow::toTop() {
+    if (!form_.unmanaged()) {
+        top_->raise();
+        return;
+    }
+    std::set<xcb_window_t> ours;
+    for (const auto &[number, entry] : hub_.forms)
+        if (entry.window != nullptr && entry.form->unmanaged() && entry.form->visible())
+            ours.insert(entry.window->nativeWindow());
+    raiseAboveManaged(hub_.x11, nativeWindow(), XCB_WINDOW_NONE, ours);
+}
+
 void QtFormWindow::applyTopmost() {
     if (!top_->isVisible())
         return;
@@ -383,7 +397,7 @@ void QtFormWindow::applyTopmost() {
     // next showing, which would blink.
     if (!form_.unmanaged())
         hub_.x11.requestState(nativeWindow(), form_.topmost(), X11::Above);
-    top_->raise();
+    toTop();
     hub_.x11.flush();
     if (!form_.unmanaged())
         return;
@@ -437,7 +451,7 @@ void QtFormWindow::raise() {
         bringForward(); // nothing else would ever bring it back
         return;
     }
-    top_->raise();
+    toTop();
     hub_.moveToFront(*this);
     hub_.x11.flush();
 }
