@@ -161,7 +161,7 @@ void Probe::drag() {
 
 int main(int count, char **arguments) {
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
-    tests::XSession session({.bus = true});
+    tests::XSession session;
     if (!session.running())
         return 1;
     Probe probe(session, count > 1 && std::string_view(arguments[1]) == "--quick");

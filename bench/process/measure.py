@@ -18,6 +18,7 @@ sys.path.insert(0, os.path.join(os.path.dirname(__file__), "../../tests/desktop"
 from designs import places  # noqa: E402
 from session import Session, over, quiet, wait_for  # noqa: E402
 from heard import key_cost, latencies, make_tracks  # noqa: E402
+from mapped import by_group  # noqa: E402
 from pairs import told  # noqa: E402
 
 QUICK = "--quick" in sys.argv
@@ -215,6 +216,7 @@ def look(player, state, paths):
             wait_for(lambda: quiet("pactl", "list", "short", "sink-inputs", env=session.env))
             time.sleep(3)
         figures = {name: kilobytes / 1024 for name, kilobytes in memory(child.pid).items()}
+        figures["groups"] = by_group(child.pid)
         return {**figures, **over(session, child.pid, STRETCH)}
     finally:
         session.close()
@@ -294,6 +296,26 @@ def whole_process(players, watch, paths):
         cells.append(told(states.get((player, "playing", "x"), []), 2))
         cells += [told(states.get((player, state, "wakeups"), [])) for state in ("idle", "playing")]
         print(f"| {player.name} | {' | '.join(cells)} |", flush=True)
+    return states
+
+
+def where_it_lies(states, wanted):
+    """The last round's memory by what is mapped, a column for each of (title, player, state)."""
+    print("\n## Where the memory lies\n")
+    print("MB of the proportional share; in brackets what no file has. Files that were read are the system's to take "
+          "back. Of fonts the player gives back at the end of its start what it read for its picture: what of it is "
+          "read again, by a title or the list, is there in the columns of playing.\n")
+    columns = [(title, states[player, state, "groups"][-1]) for title, player, state in wanted
+               if states.get((player, state, "groups"))]
+    print(f"| mapped | {' | '.join(title for title, _ in columns)} |")
+    print("|---" * (len(columns) + 1) + "|")
+    groups = {group for _, found in columns for group in found}
+    size = {group: max(found.get(group, (0, 0))[0] for _, found in columns) for group in groups}
+    for group in sorted(groups, key=lambda name: -size[name]):
+        cells = [found.get(group, (0, 0)) for _, found in columns]
+        print(f"| {group} | " + " | ".join(f"{share / 1024:.2f} ({own / 1024:.2f})" for share, own in cells) + " |")
+    sums = [[sum(pair[of] for pair in found.values()) / 1024 for of in (0, 1)] for _, found in columns]
+    print("| all | " + " | ".join(f"{share:.2f} ({own:.2f})" for share, own in sums) + " |", flush=True)
 
 
 def main():
@@ -307,11 +329,15 @@ def main():
                    stderr=subprocess.DEVNULL)
     subprocess.run(["lame", "--quiet", "-b", "192", f"{music}/long.wav", mp3], check=True)
     velmora = Velmora(program, piece)
-    english, chinese = (Velmora(program, piece, language)
-                        for language in ((1, "English"), (0, "Chinese")))
+    speaking = [Velmora(program, piece, language)
+                for language in ((1, "English"), (0, "Chinese"), (2, "French"), (3, "Japanese"))]
+    bare = BareWindow(watch)
     others = peers()
 
-    whole_process([english, chinese, BareWindow(watch), *others], watch, [mp3])
+    states = whole_process([*speaking, bare, *others], watch, [mp3])
+    where_it_lies(states, [("bare windows", bare, "idle"),
+                           *((f"idle, {one.language[1]}", one, "idle") for one in speaking[:2]),
+                           *((f"playing, {one.language[1]}", one, "playing") for one in speaking)])
     tracks, long = make_tracks(music)
     print("\n## Heard\n")
     print("From the start of the tool that presses the key or the mouse to the recorded sound: of the "
@@ -335,6 +361,7 @@ def main():
         print(f"| {' | '.join(row)} |", flush=True)
 
     print("\n## A song of 1 GB through its window\n")
+    print("The floor is the least program: the same library and writes, and a bare window that tells of the packets.\n")
     print("| what | wall, s | processor, s |\n|---|---|---|")
     for name, *figures in probe_rows(os.path.join(os.path.dirname(watch), "download_probe"), "1024"):
         if name == "longest":
