@@ -137,6 +137,10 @@ TEST_F(WindowTest, ShowsItsCaptionToTheWindowManager) {
     form.setCaption(u"two");
     EXPECT_TRUE(
         desk().pump([&] { return desk().screen->text(nativeOf(form), "_NET_WM_NAME") == "two"; }));
+    EXPECT_EQ(desk().screen->text(nativeOf(form), "WM_NAME"), "two") << "to older managers, too";
+    form.setCaption(u"三");
+    EXPECT_TRUE(
+        desk().pump([&] { return desk().screen->text(nativeOf(form), "WM_NAME") == "三"; }));
 }
 
 TEST_F(WindowTest, HasTheIconOfItsFormInTheTaskBar) {

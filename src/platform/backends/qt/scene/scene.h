@@ -67,6 +67,7 @@ public:
     // The control's native window, made now if need be.
     QWidget *nativeBox(forms::PictureBox &box);
 
+    const forms::Form &form() const noexcept { return form_; }
     bool moveFocus(bool backwards) { return form_.focusNext(backwards); }
     // The ring is drawn round what is the active control now, where that is painted.
     void followFocus();

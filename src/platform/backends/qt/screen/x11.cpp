@@ -89,7 +89,9 @@ void X11::internAtoms() {
                                           "_NET_WM_STRUT_PARTIAL",
                                           "_NET_WM_STRUT",
                                           "_NET_SUPPORTED",
-                                          "_NET_WM_ACTION_MINIMIZE"};
+                                          "_NET_WM_ACTION_MINIMIZE",
+                                          "_NET_WM_NAME",
+                                          "UTF8_STRING"};
     xcb_intern_atom_cookie_t asked[AtomCount];
     for (int i = 0; i < AtomCount; ++i)
         asked[i] =
@@ -234,6 +236,17 @@ bool X11::hasState(xcb_window_t window, Atom state) {
 bool X11::managerMinimises() {
     const std::vector<xcb_atom_t> all = readAtoms(root(), Supported, maxSupported);
     return std::find(all.begin(), all.end(), atoms_[ActionMinimize]) != all.end();
+}
+
+void X11::setName(xcb_window_t window, const QByteArray &utf8) {
+    const bool isAscii = std::all_of(
+        utf8.begin(), utf8.end(), [](char byte) { return byte > 0 && byte < 127; });
+    const auto set = [&](xcb_atom_t property, xcb_atom_t type) {
+        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, property, type, 8,
+                            static_cast<std::uint32_t>(utf8.size()), utf8.constData());
+    };
+    set(atoms_[NetWmName], atoms_[Utf8String]);
+    set(XCB_ATOM_WM_NAME, isAscii ? xcb_atom_t{XCB_ATOM_STRING} : atoms_[Utf8String]);
 }
 
 void X11::setShape(xcb_window_t window, std::span<const xcb_rectangle_t> rows) {

@@ -5,6 +5,7 @@
 // connection. Windows are device pixels here.
 
 #include <QAbstractNativeEventFilter>
+#include <QByteArray>
 #include <QRect>
 #include <QSize>
 
@@ -45,6 +46,8 @@ public:
         Strut,
         Supported,
         ActionMinimize,
+        NetWmName,
+        Utf8String,
         AtomCount
     };
 
@@ -77,6 +80,10 @@ public:
     bool hasState(xcb_window_t window, Atom state);
     // Whether the window manager says that it minimises windows.
     bool managerMinimises();
+
+    // What the window manager calls the window. It goes to the server with whatever is sent next:
+    // the toolkit writes each name by itself, and reads of each on its own that it has changed.
+    void setName(xcb_window_t window, const QByteArray &utf8);
 
     // The windows that a property of the screen names; absent where nobody has set it.
     std::optional<std::vector<xcb_window_t>> windowsOfRoot(Atom property);

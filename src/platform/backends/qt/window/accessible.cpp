@@ -38,9 +38,10 @@ public:
     LayerAccess &operator=(const LayerAccess &) = delete;
 
     QString text(QAccessible::Text kind) const override {
+        if (kind != QAccessible::Name)
+            return QAccessibleWidget::text(kind);
         const forms::Control *root = layer().root();
-        return root != nullptr && kind == QAccessible::Name ? toShown(root->accessibleName())
-                                                            : QAccessibleWidget::text(kind);
+        return toShown(root != nullptr ? root->accessibleName() : layer().scene().form().caption());
     }
     QStringList actionNames() const override {
         const forms::Control *root = layer().root();

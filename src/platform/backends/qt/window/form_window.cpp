@@ -8,6 +8,7 @@
 #include "platform/backends/qt/window/task_entry.h"
 #include "platform/backends/qt/window/top_widget.h"
 
+#include <QAccessible>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QTimer>
@@ -99,6 +100,15 @@ void QtFormWindow::controlGone(forms::Control &control) {
     scene_.controlGone(control);
 }
 
+// A title rolls four times a second while a track plays. Who reads the screen aloud is told by the
+// toolkit, which tells the server a second time then.
+void QtFormWindow::showCaption() {
+    const QString caption = toShown(form_.caption());
+    if (QAccessible::isActive())
+        top_->setWindowTitle(caption);
+    hub_.x11.setName(nativeWindow(), caption.toUtf8());
+}
+
 void QtFormWindow::formChanged(forms::FormChange what, const RectTwips & /*before*/) {
     endRoll();
     if (what == forms::FormChange::Visible) {
@@ -119,7 +129,7 @@ void QtFormWindow::formChanged(forms::FormChange what, const RectTwips & /*befor
             focus(form_.activeControl());
         break;
     case forms::FormChange::Caption:
-        top_->setWindowTitle(toShown(form_.caption()));
+        showCaption();
         break;
     case forms::FormChange::State:
         applyState();

@@ -86,6 +86,7 @@ private:
     void comeBack();
     void enterTaskBar();
     void densityChanged();
+    void showCaption();
     void originChanged();
     void keepOnMonitor();
     int cutAbove() const;
