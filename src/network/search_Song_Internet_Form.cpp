@@ -78,7 +78,14 @@ void search_Song_Internet_Form::startLoad() {
 }
 
 void search_Song_Internet_Form::say(std::u16string_view text) {
-    title.setCaption(joined({windowName, u" - ", text}));
+    constexpr std::u16string_view between = u" - ";
+    // A transfer says the same at every kilobyte.
+    const std::u16string_view shown = title.caption();
+    if (shown.size() == windowName.size() + between.size() + text.size() &&
+        shown.starts_with(windowName) && shown.ends_with(text) &&
+        shown.substr(windowName.size(), between.size()) == between)
+        return;
+    title.setCaption(joined({windowName, between, text}));
 }
 
 void search_Song_Internet_Form::sayReady() { title.setCaption(windowName); }

@@ -60,11 +60,12 @@ textOf(const std::u16string_view (&texts)[size], std::int32_t code, std::u16stri
 
 // At most two decimals, none that are zeros at the end.
 std::u16string percentText(double percent) {
-    std::u16string text = format0_00(roundHalfEven(percent * 100) / 100);
-    while (text.back() == u'0')
-        text.pop_back();
-    if (text.back() == u'.')
-        text.pop_back();
+    const auto hundredths = static_cast<std::int64_t>(roundHalfEven(percent * 100));
+    std::u16string text = decimal(hundredths / 100);
+    if (hundredths % 100 != 0)
+        text.append({u'.', static_cast<char16_t>(u'0' + hundredths / 10 % 10)});
+    if (hundredths % 10 != 0)
+        text += static_cast<char16_t>(u'0' + hundredths % 10);
     return text;
 }
 

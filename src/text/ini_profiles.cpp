@@ -173,11 +173,10 @@ std::u16string IniProfiles::StrFormatByteSizeA(std::int32_t size) {
         one *= 1024;
     const std::uint64_t hundredths = std::uint64_t{bytes} * 100 / one;
     std::u16string text = decimal(static_cast<std::int64_t>(hundredths / 100));
-    if (hundredths < 10'000) {
-        const std::u16string decimals = format00(static_cast<std::int64_t>(hundredths % 100));
-        text += u'.';
-        text += leftPart(decimals, hundredths < 1000 ? 2 : 1);
-    }
+    if (hundredths < 10'000)
+        text.append({u'.', static_cast<char16_t>(u'0' + hundredths / 10 % 10)});
+    if (hundredths < 1000)
+        text += static_cast<char16_t>(u'0' + hundredths % 10);
     text += units[unit];
     return text;
 }

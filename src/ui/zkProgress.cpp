@@ -5,6 +5,7 @@
 #include "base/text.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace velmora {
 
@@ -32,22 +33,31 @@ void zkProgress::setValue(double value) {
     value_ = roundToInt32(value);
     const double shown =
         std::max(std::min(value, static_cast<double>(Max_)), static_cast<double>(Min_));
-    shownLook_.caption.clear();
-    shownLook_.bar = {};
-    changed(forms::Change::Look); // cleared, even where what follows raises
-    const std::u16string text = textFor(shown);
-    if (Max_ == Min_)
+    if (Max_ == Min_) {
+        shownLook_.caption.clear();
+        shownLook_.bar = {};
+        changed(forms::Change::Look); // cleared, although what follows raises
+        textFor(shown);
         raise(ErrorNumber::InvalidPropertyValue);
+    }
     const double share = (shown - Min_) / (static_cast<double>(Max_) - Min_);
-    shownLook_.ground = BackColor_;
-    shownLook_.border = BorderStyle_ != 0;
-    shownLook_.caption = text;
-    shownLook_.captionFont = font_;
-    shownLook_.captionColor = ForeColor_;
-    shownLook_.captionPlace = {0, 0, width(), height()};
-    shownLook_.bar = {0, 0, static_cast<Twips>(share * static_cast<double>(width())), height()};
-    shownLook_.barColor = FillColor_;
-    changed(forms::Change::Look);
+    const RectTwips bar{0, 0, static_cast<Twips>(share * static_cast<double>(width())), height()};
+    // A transfer tells its progress at every kilobyte, and nobody sees less than a twip of it.
+    bool isNew = std::floor(bar.width) != std::floor(shownLook_.bar.width) ||
+                 bar.height != shownLook_.bar.height;
+    shownLook_.bar = bar;
+    const auto show = [&](auto &held, const auto &now) {
+        isNew = forms::differs(held, now) || isNew;
+    };
+    show(shownLook_.ground, BackColor_);
+    show(shownLook_.border, BorderStyle_ != 0);
+    show(shownLook_.caption, textFor(shown));
+    show(shownLook_.captionFont, font_);
+    show(shownLook_.captionColor, ForeColor_);
+    show(shownLook_.captionPlace, RectTwips{0, 0, width(), height()});
+    show(shownLook_.barColor, FillColor_);
+    if (isNew)
+        changed(forms::Change::Look);
 }
 
 } // namespace velmora

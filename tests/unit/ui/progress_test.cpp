@@ -143,6 +143,23 @@ TEST_F(Progress, LooksAnewOnlyWhenItsValueIsWritten) {
     EXPECT_EQ(bar.Appearance(), 1);
 }
 
+TEST_F(Progress, PaintsNothingOfAStepThatNobodySees) {
+    bar.setValue(50.01);
+    fakes::FakeFormWindow &window = shown();
+    bar.setValue(50.011);
+    EXPECT_EQ(window.paints, 0);
+    EXPECT_FLOAT_EQ(share(), 50.011F);
+    bar.setValue(50.11);
+    EXPECT_GT(window.paints, 0) << "a twip of the bar";
+    bar.setCaptionStyle(0);
+    bar.setValue(0.11);
+    window.paints = 0;
+    bar.setValue(0.19);
+    EXPECT_EQ(window.paints, 0);
+    bar.setValue(0.21);
+    EXPECT_GT(window.paints, 0);
+}
+
 TEST_F(Progress, ResizedKeepsWhatItShows) {
     bar.setValue(10);
     bar.move({0, 0, 500, 300});

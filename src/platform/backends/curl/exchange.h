@@ -79,6 +79,7 @@ private:
     void prepareBody();
     // Sets what the exchange must not go without.
     template <typename Value> void must(CURLoption option, Value value);
+    void receive(std::size_t count, std::size_t leastInStall);
     void step(Time until);
     void noteResult();
     std::size_t ready() const noexcept { return buffer_.size() - taken_; }
@@ -102,7 +103,8 @@ private:
     std::size_t taken_ = 0;  // of the buffer
     std::size_t wanted_ = 0; // by the present read
     std::size_t received_ = 0;
-    Time lastRead_{};
+    Time lastRead_{};      // as far as `takeAhead` knows
+    bool wasRead_ = false; // since it looked
     bool paused_ = false;
     bool connected_ = false;
     bool beganOutside_ = false;     // the first peer was another machine

@@ -53,7 +53,7 @@ void LinuxOutputFile::SetFilePointer(std::int64_t position) {
 
 // A write for each packet of a download would cost more than the download itself.
 bool LinuxOutputFile::WriteFile(std::string_view bytes) {
-    constexpr std::size_t enough = std::size_t{16} << 10;
+    constexpr std::size_t enough = std::size_t{64} << 10;
     collected_.append(bytes);
     return collected_.size() < enough || flush();
 }
