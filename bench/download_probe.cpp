@@ -2,7 +2,7 @@
 //
 // Fetches a song of that size from a server of its own on the loopback interface, through the song
 // search window on the display of the environment: real windows, network and disk, packets of 1024
-// bytes, every event and every pump. Prints seconds:
+// bytes, every event and every pump. Prints seconds, medians of three rounds:
 //
 //   window WALL CPU       the download with its window shown
 //   longest MILLISECONDS  between two moments at which the window could answer
@@ -32,10 +32,13 @@
 #include <filesystem>
 #include <functional>
 #include <system_error>
+#include <vector>
 
 using namespace velmora;
 
 namespace {
+
+constexpr int rounds = 3;
 
 double secondsOf(const ::timeval &time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
@@ -48,12 +51,25 @@ double cpuSeconds(int who) {
     return secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
 }
 
-void measure(const char *name, int who, const std::function<void()> &work) {
+struct Cost {
+    double wall = 0; // seconds
+    double cpu = 0;
+};
+
+Cost costOf(int who, const std::function<void()> &work) {
     const double before = cpuSeconds(who);
     const auto begun = std::chrono::steady_clock::now();
     work();
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
-    std::printf("%s %.2f %.2f\n", name, took.count(), cpuSeconds(who) - before);
+    return {took.count(), cpuSeconds(who) - before};
+}
+
+// The one with the median processor time.
+void print(const char *name, std::vector<Cost> costs) {
+    std::sort(costs.begin(), costs.end(),
+              [](const Cost &a, const Cost &b) { return a.cpu < b.cpu; });
+    const Cost &median = costs[costs.size() / 2];
+    std::printf("%s %.2f %.2f\n", name, median.wall, median.cpu);
 }
 
 class Probe {
@@ -72,7 +88,12 @@ public:
             windows_.DoEvents();
     }
 
-    bool fetch(const std::u16string &url) {
+    double longestMs = 0;
+
+    bool fetch(const std::u16string &url, Cost &cost) {
+        form_.search_Song_List.clear();
+        form_.List1.clear();
+        form_.List2.clear();
         form_.search_Song_List.addItem(url);
         form_.List1.addItem(url);
         form_.List2.addItem(u"0@@SONG@@ALBUM@@SINGER@@1@@MP3");
@@ -86,8 +107,9 @@ public:
             longest = std::max<std::chrono::duration<double, std::milli>>(longest, now - last);
             last = now;
         };
-        measure("window", RUSAGE_THREAD, [this] { form_.save_Click(); });
-        std::printf("longest %.1f\n", longest.count());
+        cost = costOf(RUSAGE_THREAD, [this] { form_.save_Click(); });
+        form_.wd.Progress = progress;
+        longestMs = std::max(longestMs, longest.count());
         return form_.title.caption() == u"曲目网络搜索 - 下载成功！";
     }
 
@@ -124,22 +146,37 @@ int main(int count, char **arguments) {
                   std::to_string(bytes) + "\r\n\r\n");
         talk.sendZeros(bytes);
     });
-    bool good = false;
-    {
-        Probe probe(*windows, folder);
-        good = probe.fetch(server.url(u"/song.mp3"));
-    }
+    const std::string address = "http://127.0.0.1:" + std::to_string(server.port()) + "/song.mp3";
+    const std::string command = "curl -s -o " + std::string(folder) + "/curl.mp3 " + address;
+    Probe probe(*windows, folder);
+    std::vector<Cost> window;
+    std::vector<Cost> floor;
+    std::vector<Cost> curl;
     const auto makeRoom = [folder] {
         for (const auto &entry : std::filesystem::directory_iterator(folder))
             std::filesystem::remove_all(entry);
     };
-    makeRoom();
-    const std::string address = "http://127.0.0.1:" + std::to_string(server.port()) + "/song.mp3";
-    measure("floor", RUSAGE_THREAD,
-            [&] { good &= bench::fetchLeast(address, std::string(folder) + "/floor.mp3"); });
-    makeRoom();
-    const std::string command = "curl -s -o " + std::string(folder) + "/curl.mp3 " + address;
-    measure("curl", RUSAGE_CHILDREN, [&] { good &= std::system(command.c_str()) == 0; });
+    bool good = true;
+    // The first round counts for nothing: who first fills the disk's cache pays for memory that the
+    // machine never used before.
+    for (int round = 0; round <= rounds; ++round) {
+        Cost own;
+        good &= probe.fetch(server.url(u"/song.mp3"), own);
+        window.push_back(own);
+        makeRoom();
+        floor.push_back(costOf(RUSAGE_THREAD, [&] {
+            good &= bench::fetchLeast(address, std::string(folder) + "/floor.mp3");
+        }));
+        makeRoom();
+        curl.push_back(costOf(RUSAGE_CHILDREN, [&] { good &= std::system(command.c_str()) == 0; }));
+        makeRoom();
+    }
+    for (std::vector<Cost> *costs : {&window, &floor, &curl})
+        costs->erase(costs->begin());
+    print("window", window);
+    std::printf("longest %.1f\n", probe.longestMs);
+    print("floor", floor);
+    print("curl", curl);
     std::error_code ignored;
     std::filesystem::remove_all(folder, ignored);
     return good ? 0 : 1;
