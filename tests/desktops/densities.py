@@ -10,6 +10,8 @@ DENSITIES = {"1": ("toolkit", 1)} | {
 
 
 class DenseWalk(Tour):
+    pictures = ("the line is as wide as the screen and ends at its foot", "a film fills its window")
+
     def rows(self):
         yield "start, in the middle of the screen", self.start
         yield "the list opens beside the main window", self.open_list

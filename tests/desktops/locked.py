@@ -12,7 +12,7 @@ from walk import need
 
 COLUMNS = {"a locker that raises itself": None}
 CLOCK = re.compile(r"\d\d:\d\d")
-LOOKED_S = 6
+LOOKED_S = 4
 PATIENCE = 3  # percent of a processor that the program may take more than before
 
 

@@ -257,11 +257,33 @@ class MonitorWalk(Tour):
 class Border(MonitorWalk):
     """What was wrong at densities beyond one, by itself."""
 
+    def question_over_the_border(self):
+        """A box is dragged by its title to the primary monitor and stays under the hand."""
+        before = set(self.player.boxes())
+        self.player.click_at(self.list, 60, 60)
+        self.desk.key("Delete", self.list)
+        box = need(wait_for(lambda: next((each for each in self.player.boxes() if each not in before), None)),
+                   "no question")
+        x, y = need(rest(lambda: self.player.place(box)), "it never comes to rest")
+        grip = self.player.point(box, 40, 12)
+        self.player.tool("mousemove", *grip)
+        self.player.tool("mousedown", 1)
+        try:
+            for step in range(1, STEPS + 1):
+                by = (self.monitor[0] - self.other[0]) * step // STEPS
+                self.player.tool("mousemove", grip[0] + by, grip[1])
+                self.stands(box, (x + by, y), "dragged, it")
+        finally:
+            self.player.tool("mouseup", 1)
+            self.desk.reply("n", box)
+        need(self.player.gone(box), "it stays")
+
     def rows(self):
         for row, step in super().rows():
             yield row, step
             if step == self.boxes_there:
                 break
+        yield "a question is dragged over the border", self.question_over_the_border
         yield "end", self.end
 
 
