@@ -9,7 +9,7 @@ import sys
 import time
 
 from cases import run
-from player import LIST, MAIN, MINI, PlayerTest, stairs
+from player import LIST, MAIN, MINI, PlayerTest, Stranger, stairs
 from session import wait_for
 
 WIDTH, HEIGHT = (int(side) for side in MINI["form"][2:4])
@@ -196,6 +196,31 @@ class Mini(PlayerTest):
         left, top, width, height = MINI["title_ICO"]
         player.click_at(strip, left + width / 2, top + height / 2, times=2)
         self.assertTrue(player.window() and player.gone(strip))
+
+    def test_below_a_panel_it_takes_clicks_though_a_release_was_never_told(self):
+        self.session.env["XDG_CURRENT_DESKTOP"] = "GNOME"
+        player, strip = self.enter()
+        player.click(strip, "nextButton", form=MINI)
+        panel = Stranger(self.session, 0, 0, 1280, HEIGHT)
+        for words in (("set_window", "--overrideredirect", 1), ("windowunmap", "--sync"), ("windowmap", "--sync"),
+                      ("windowraise",)):
+            player.tool(*words, panel.window)
+        self.assertEqual(player.place(panel.window), (0, 0))
+        player.tool("mousemove", *self.inside(player, strip))
+        self.assertTrue(self.ticked(player, strip))
+        player.tool("click", 3)
+        self.assertTrue(player.menus(), "the strip takes no click below the panel")
+        player.tool("mousemove", 640, 500)
+        player.tool("mousedown", 1)
+        self.assertTrue(wait_for(lambda: not player.menus(1, 0.1)), "the menu stays")
+        player.tool("mouseup", 1)
+        self.touch_edge(player, strip)
+        left, top, width, height = MINI["mini_Button"]
+        player.tool("mousemove", *player.point(strip, left + width / 2, top + height / 2))
+        self.assertTrue(self.ticked(player, strip))
+        player.tool("click", 1)
+        self.assertTrue(player.window(), f"the click is lost to the panel: {panel.presses()}")
+        self.assertEqual(panel.presses(), [])
 
     def test_each_way_back_brings_the_main_window(self):
         player, strip = self.enter()

@@ -173,6 +173,14 @@ QSize X11::rootSize() {
     return reply ? QSize(reply->width, reply->height) : QSize();
 }
 
+bool X11::isButtonDown() {
+    const Owned<xcb_query_pointer_reply_t> reply(
+        xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, root()), nullptr));
+    constexpr std::uint16_t any = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3 |
+                                  XCB_BUTTON_MASK_4 | XCB_BUTTON_MASK_5;
+    return reply && (reply->mask & any) != 0;
+}
+
 std::optional<QPoint> X11::cornerOf(xcb_window_t window) {
     const Owned<xcb_translate_coordinates_reply_t> reply(xcb_translate_coordinates_reply(
         connection_, xcb_translate_coordinates(connection_, window, root(), 0, 0), nullptr));

@@ -94,6 +94,8 @@ public:
                                                       Atom property, std::uint32_t most);
     // All monitors together.
     QSize rootSize();
+    // Whether a button of the pointer is down, whoever it was told. False where nobody answers.
+    bool isButtonDown();
     // Where on the screen a window's upper left corner is now; none if there is no such window.
     std::optional<QPoint> cornerOf(xcb_window_t window);
     // Panels may leave another part of the screen free.

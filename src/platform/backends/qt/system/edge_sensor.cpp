@@ -71,7 +71,8 @@ void EdgeSensor::holdPointer(const forms::Form *strip, PointPixels pointer) {
     const bool isOver = window != nullptr && window->top() != nullptr && pointer.y >= 0 &&
                         QApplication::activeModalWidget() == nullptr &&
                         toPixels(strip->place()).contains(QPointF(pointer.x, pointer.y));
-    if (isOver && QGuiApplication::mouseButtons() == Qt::NoButton)
+    // The toolkit goes on taking a button for held whose release was beside our windows.
+    if (isOver && !hub_.x11.isButtonDown())
         window->top()->windowHandle()->setMouseGrabEnabled(true);
     else if (!isOver && holds_ && window != nullptr)
         window->top()->windowHandle()->setMouseGrabEnabled(false);
