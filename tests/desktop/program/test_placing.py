@@ -4,15 +4,18 @@
     test_placing.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
 """
 
+import os
 import re
 import signal
 import subprocess
 import sys
+from unittest import mock
 
 from cases import run
-from player import LIST, MAIN, MINI, TITLE, Player, PlayerTest, said, stairs
+from player import DRAG, LIST, MAIN, MINI, TITLE, Player, PlayerTest, Stranger, said, stairs
 from session import Session, let_pass, quiet, rest, wait_for
 
+DEAF = os.path.join(os.path.dirname(os.path.abspath(DRAG)), "velmora_deaf")
 WIDTH = int(MAIN["form"][2])
 
 
@@ -112,6 +115,39 @@ class HeldAtAnEdge(Placing):
                         f"from {place} by 600 it came to {player.place(main)}")
         player.click_at(main, button[0] + button[2] / 2, button[1] + button[3] / 2)
         self.assertTrue(player.form(LIST), "its button does not answer")
+
+
+class Deaf(Session):
+    """Its window manager takes requests for another place of what is shown, and tells nothing."""
+
+    def __init__(self, window_manager, sound):
+        super().__init__(window_manager=False, sound=sound)
+        self.manager = subprocess.Popen([DEAF], env=self.env, stdout=subprocess.PIPE, start_new_session=True)
+        self.children.append(self.manager)
+        self.manager.stdout.readline()
+
+
+class LeftWhereItIs(Placing):
+    session_kind = Deaf
+
+    def setUp(self):
+        super().setUp()
+        self.enterContext(mock.patch("session.TAKEN", None))  # it answers nothing at all
+        self.addCleanup(lambda: self.session.manager.stdout.close())
+
+    def test_a_window_that_nobody_moves_takes_its_clicks_where_it_is_seen(self):
+        player, main = self.start()
+        home = player.place(main)
+        player.click(main, "playListButton")
+        rows = player.form(LIST)
+        self.assertTrue(rows, "the list does not come up")
+        self.assertTrue(rest(lambda: player.place(main), still=2) == home, "somebody moves it")
+        player.click(main, "playListButton")
+        self.assertTrue(wait_for(lambda: not player.form(LIST, 0.1)), "its button does not answer")
+        # Closing that put the window back: there it is at home.
+        let_pass(2)
+        player.click(main, "mini_Button")
+        self.assertTrue(player.form(MINI), "its button does not answer")
 
 
 class Minimised(Placing):

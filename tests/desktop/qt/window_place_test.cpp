@@ -87,5 +87,52 @@ TEST_F(WindowPlaceTest, WhatIsGrantedIsAtRestAtOnce) {
     EXPECT_TRUE(isAtRest());
 }
 
+TEST_F(WindowPlaceTest, AManagerThatSaysNothingForAWhileIsNotAwaitedAnyLonger) {
+    ask(home);
+    wait(600ms);
+    EXPECT_TRUE(place.isAwaited());
+    EXPECT_FALSE(place.isUnanswered(now));
+    wait(200ms);
+    EXPECT_TRUE(place.isUnanswered(now));
+    ask(home);
+    EXPECT_FALSE(place.isUnanswered(now)) << "the last ask is a new one";
+    EXPECT_EQ(report(home), Report::Granted);
+    wait(10s);
+    EXPECT_FALSE(place.isAwaited());
+    EXPECT_FALSE(place.isUnanswered(now));
+}
+
+TEST_F(WindowPlaceTest, WhatIsHeldElsewhereWasAnswered) {
+    ask(beyond);
+    EXPECT_EQ(report(held), Report::Refused);
+    wait(900ms);
+    EXPECT_FALSE(place.isUnanswered(now));
+}
+
+TEST_F(WindowPlaceTest, AManagerThatIsStillAtItIsAwaitedForLonger) {
+    knowTheManager();
+    ask(beyond);
+    wait(4s);
+    EXPECT_FALSE(place.isUnanswered(now));
+    place.took(place.asks());
+    EXPECT_TRUE(place.isUnanswered(now)) << "it took that, and said nothing";
+}
+
+TEST_F(WindowPlaceTest, WhatIsLookedUpAfterThatAnswersTheLastAskThoughItWasAskedForBefore) {
+    ask(home);
+    ask(beyond);
+    wait(3s);
+    EXPECT_TRUE(place.isUnanswered(now));
+    EXPECT_EQ(place.found(home, now), Report::Refused);
+    EXPECT_FALSE(place.isAwaited());
+    wait(900ms);
+    EXPECT_EQ(report(beyond), Report::Granted) << "the manager was only slow";
+}
+
+TEST_F(WindowPlaceTest, WhatIsLookedUpWhereNothingWasAskedForIsAMove) {
+    place.asked(home, false, now);
+    EXPECT_EQ(place.found(held, now), Report::Moved);
+}
+
 } // namespace
 } // namespace velmora::platform::qt

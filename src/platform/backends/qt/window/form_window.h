@@ -4,6 +4,7 @@
 
 #include "platform/backends/qt/paint/ground.h"
 #include "platform/backends/qt/scene/scene.h"
+#include "platform/backends/qt/screen/screens.h"
 #include "platform/backends/qt/window/form_input.h"
 #include "platform/backends/qt/window/hub.h"
 #include "platform/backends/qt/window/rolling_line.h"
@@ -70,7 +71,13 @@ private:
     void applyState();
     void applyLook();
     void applyPlace();
+    // Where the form wants it: in the program's pixels and in the toolkit's.
+    QRect asked() const;
+    QRect area() const;
     void askTurn();
+    void lookLater();
+    void lookWhereItStands();
+    void standsAt(const screens::Standing &now, WindowPlace::Report report);
     void applyOutline();
     bool rolls(const forms::Control &control, const RectTwips &before) const;
     bool roll(const forms::Label &line);
@@ -124,6 +131,7 @@ private:
     bool raisePosted_ = false;
     bool attentionAsked_ = false; // since it was last active
     bool placing_ = false;
+    bool lookPosted_ = false;
     bool fullScreen_ = false;
     bool isCutAbove_ = false;
     double density_ = 1; // of the screen when the window was last placed for it

@@ -10,7 +10,6 @@
 #include "platform/backends/qt/window/top_widget.h"
 
 #include <QApplication>
-#include <QPointer>
 #include <QScreen>
 #include <QTimer>
 #include <QWindow>
@@ -25,9 +24,6 @@ namespace {
 constexpr int raisePauseMs = 100;
 constexpr int iconifyLimitMs = 1000;
 constexpr int slideRoom = 7; // logical pixels: a step of a slide
-// A manager that was replaced meanwhile does not answer what the one before it was asked.
-constexpr auto turnAnew = std::chrono::seconds(2);
-constexpr auto placeLimit = std::chrono::milliseconds(500);
 
 Qt::WindowFlags flagsOf(const forms::Form &form) {
     Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint;
@@ -35,17 +31,6 @@ Qt::WindowFlags flagsOf(const forms::Form &form) {
         flags |= Qt::BypassWindowManagerHint;
     return flags;
 }
-
-// In the program's pixels.
-QRect placeOf(const forms::Form &form) {
-    const QPoint at(qRound(toPixels(form.left())), qRound(toPixels(form.top())));
-    const QSize size(std::max(1, qRound(toPixels(form.width()))),
-                     std::max(1, qRound(toPixels(form.height()))));
-    return {at, size};
-}
-
-// In the toolkit's.
-QRect areaOf(const forms::Form &form) { return screens::toToolkit(placeOf(form)); }
 
 } // namespace
 
@@ -122,6 +107,7 @@ void QtFormWindow::show() {
     if (!first && !form_.unmanaged() && !form_.showInTaskbar())
         for (const X11::Atom state : {X11::SkipTaskbar, X11::SkipPager})
             hub_.x11.requestState(nativeWindow(), true, state);
+    lookLater();
     hub_.moveToFront(*this);
     shownOnce_ = true;
     if (first)
@@ -189,11 +175,11 @@ void QtFormWindow::hideNow() {
 }
 
 bool QtFormWindow::isFullScreen() const {
-    return !form_.unmanaged() && placeOf(form_) == QRect(QPoint(), screens::primary().size());
+    return !form_.unmanaged() && asked() == QRect(QPoint(), screens::primary().size());
 }
 
 void QtFormWindow::applyPlace() {
-    const QRect area = areaOf(form_);
+    const QRect area = this->area();
     const QRect before = top_->geometry();
     const bool resized = before.size() != area.size();
     placing_ = true;
@@ -215,7 +201,7 @@ void QtFormWindow::applyPlace() {
         top_->setGeometry(area);
     } else if (before == area && top_->isVisible()) {
         // The toolkit believes a late report; the server knows better.
-        const QPoint at = screens::deviceOf(placeOf(form_).topLeft());
+        const QPoint at = screens::deviceOf(asked().topLeft());
         const std::uint32_t values[] = {static_cast<std::uint32_t>(at.x()),
                                         static_cast<std::uint32_t>(at.y())};
         xcb_configure_window(hub_.x11.connection(), nativeWindow(),
@@ -225,6 +211,7 @@ void QtFormWindow::applyPlace() {
     placing_ = false;
     keepOnMonitor();
     askTurn();
+    lookLater();
     if (resized || std::exchange(isCutAbove_, cutAbove() > 0) || isCutAbove_) {
         outlineDirty_ = true;
         applyOutline();
@@ -238,7 +225,7 @@ void QtFormWindow::keepOnMonitor() {
     const QScreen *screen = QGuiApplication::primaryScreen();
     if (!form_.unmanaged() || screen == nullptr || top_->windowHandle() == nullptr)
         return;
-    const QRect area = placeOf(form_);
+    const QRect area = asked();
     const QRect monitor = screens::inDevicePixels(*screen);
     const QRect window(screens::deviceOf(area.topLeft()),
                        (QSizeF(area.size()) * scaleFactor()).toSize());
@@ -259,7 +246,7 @@ void QtFormWindow::keepOnMonitor() {
 // The rows (device pixels) of what slides out of sight above the screen that would come up on a
 // monitor there. What stands higher than a slide goes was dragged there.
 int QtFormWindow::cutAbove() const {
-    const QRect area = placeOf(form_);
+    const QRect area = asked();
     const int above = -area.top();
     const int left = screens::primary().left();
     if (!form_.unmanaged() || !form_.showInTaskbar() || above <= 0 ||
@@ -267,28 +254,6 @@ int QtFormWindow::cutAbove() const {
         !screens::goesOnAbove(left + area.left(), left + area.right()))
         return 0;
     return static_cast<int>(std::ceil(above * scaleFactor()));
-}
-
-// What is reported ahead of the manager's sign answers an earlier place or the last one, what comes
-// behind it the last one alone; one sign is under way at a time, however often a drag asks.
-void QtFormWindow::askTurn() {
-    const auto now = std::chrono::steady_clock::now();
-    if (place_.tookAll() || (turnAskedAt_ && now - *turnAskedAt_ < turnAnew))
-        return;
-    turnAskedAt_ = now;
-    hub_.x11.whenManagerTook([this, top = QPointer<QWidget>(top_.get()), asks = place_.asks()] {
-        if (top.isNull())
-            return;
-        // The toolkit hands on what was reported before at the end of this round.
-        QMetaObject::invokeMethod(
-            top.data(),
-            [this, asks] {
-                turnAskedAt_.reset();
-                place_.took(asks);
-                askTurn();
-            },
-            Qt::QueuedConnection);
-    });
 }
 
 // Another monitor is the primary one, or it lies elsewhere: a window that a manager has stays where
@@ -316,7 +281,7 @@ void QtFormWindow::screensChanged() {
     // Its corner stays where it is on the screen.
     form_.movedTo(static_cast<Twips>(form_.left() * before / density_),
                   static_cast<Twips>(form_.top() * before / density_));
-    const QRect area = areaOf(form_);
+    const QRect area = this->area();
     placing_ = true;
     place_.asked(area.topLeft(), false);
     heldOff_ = {};
@@ -332,7 +297,7 @@ void QtFormWindow::screensChanged() {
     top_->setGeometry(area);
     constexpr std::uint16_t all = XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
                                   XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
-    const QPoint at = screens::deviceOf(placeOf(form_).topLeft());
+    const QPoint at = screens::deviceOf(asked().topLeft());
     const std::uint32_t values[] = {static_cast<std::uint32_t>(at.x()),
                                     static_cast<std::uint32_t>(at.y()),
                                     static_cast<std::uint32_t>(qRound(area.width() * density_)),
@@ -344,36 +309,6 @@ void QtFormWindow::screensChanged() {
     densityChanged();
     applyOutline();
     top_->update();
-}
-
-void QtFormWindow::moved() {
-    if (placing_ || top_ == nullptr || top_->isMinimized())
-        return;
-    const screens::Standing now = screens::standing(hub_.x11, *top_);
-    switch (place_.reported(now.toolkit)) {
-    case WindowPlace::Report::Passed:
-        break;
-    case WindowPlace::Report::Granted:
-        heldOff_ = {};
-        break;
-    case WindowPlace::Report::Refused:
-        // The form goes on standing where it was put: what is dragged along with it would part
-        // from it, were it to follow the window.
-        heldOff_ = (now.program - QPointF(placeOf(form_).topLeft())).toPoint();
-        break;
-    case WindowPlace::Report::Moved:
-        heldOff_ = {};
-        form_.movedTo(toTwips(now.program.x()), toTwips(now.program.y()));
-        break;
-    }
-}
-
-// While the window is on its way an answer may be one to an earlier place.
-QPoint QtFormWindow::heldOff() const { return place_.isAtRest() ? heldOff_ : QPoint(); }
-
-void QtFormWindow::awaitPlace() {
-    if (top_ != nullptr && top_->isVisible() && !place_.isAtRest())
-        hub_.loop.settle([this] { return place_.isAtRest(); }, placeLimit);
 }
 
 // What no manager has goes above all that one has, and above its own kind of ours: a locker of the

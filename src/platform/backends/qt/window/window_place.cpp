@@ -10,6 +10,7 @@ constexpr std::size_t most = 64;
 // comes later is a move of its own.
 constexpr std::chrono::seconds answerLimit{1};
 constexpr std::chrono::milliseconds restTime{300};
+constexpr std::chrono::milliseconds silence{700};
 // One that tells is known to be still at it, unless it has gone.
 constexpr std::chrono::seconds turnLimit{5};
 } // namespace
@@ -17,6 +18,7 @@ constexpr std::chrono::seconds turnLimit{5};
 void WindowPlace::asked(QPoint position, bool isManaged, Clock::time_point now) {
     askedAt_ = now;
     awaitsAnswer_ = isManaged;
+    heard_ = false;
     if (isManaged)
         ++asks_;
     if (!asked_.empty() && asked_.back() == position)
@@ -34,6 +36,11 @@ bool WindowPlace::isAtRest(Clock::time_point now) const {
     return now - askedAt_ >= (took_ != 0 ? turnLimit : restTime);
 }
 
+bool WindowPlace::isUnanswered(Clock::time_point now) const {
+    const bool isAtIt = took_ != 0 && !tookAll();
+    return isAwaited() && now - askedAt_ >= (isAtIt ? turnLimit : Clock::duration(silence));
+}
+
 WindowPlace::Report WindowPlace::reported(QPoint position, Clock::time_point now) {
     const auto found = std::find(asked_.begin(), asked_.end(), position);
     if (found != asked_.end()) {
@@ -42,14 +49,30 @@ WindowPlace::Report WindowPlace::reported(QPoint position, Clock::time_point now
         asked_.erase(asked_.begin(), found);
         if (asked_.size() > 1)
             return Report::Passed;
+        heard_ = true;
         awaitsAnswer_ = false;
         return Report::Granted;
     }
+    heard_ = true;
     const bool isAtIt = took_ != 0 && !tookAll();
     if (awaitsAnswer_ && now - askedAt_ < (isAtIt ? turnLimit : answerLimit))
         return Report::Refused;
     asked_.clear();
     return Report::Moved;
+}
+
+WindowPlace::Report WindowPlace::found(QPoint position, Clock::time_point now) {
+    if (!isAwaited()) {
+        asked_.clear();
+        return Report::Moved;
+    }
+    asked_.erase(asked_.begin(), asked_.end() - 1);
+    if (asked_.front() == position)
+        return reported(position, now);
+    // A manager that is only slow may still grant it.
+    askedAt_ = now;
+    heard_ = true;
+    return Report::Refused;
 }
 
 } // namespace velmora::platform::qt

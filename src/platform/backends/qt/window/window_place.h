@@ -32,8 +32,14 @@ public:
     // Whether what was last reported answers the last that was asked for. A manager that tells what
     // it took may take its time.
     bool isAtRest(Clock::time_point now = Clock::now()) const;
+    // Whether nothing was reported yet to what was last asked for.
+    bool isAwaited() const noexcept { return awaitsAnswer_ && !heard_; }
+    // Nor will it be: that was longer ago than a window manager needs.
+    bool isUnanswered(Clock::time_point now = Clock::now()) const;
     // The window system reports one.
     Report reported(QPoint position, Clock::time_point now = Clock::now());
+    // It was looked up, where nothing is awaited any longer.
+    Report found(QPoint position, Clock::time_point now = Clock::now());
 
 private:
     std::deque<QPoint> asked_; // not yet reported, oldest first
@@ -41,6 +47,7 @@ private:
     std::uint64_t asks_ = 0;
     std::uint64_t took_ = 0;
     bool awaitsAnswer_ = false;
+    bool heard_ = false; // something that may answer the last
 };
 
 } // namespace velmora::platform::qt
