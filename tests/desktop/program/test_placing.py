@@ -476,6 +476,22 @@ class Guest(Placing):
             self.assertTrue(wait_for(lambda: player.place(strip)[1] == 0), "it does not come")
             self.assertTrue(self.hidden(player, strip), "it stays though the pointer has gone")
 
+    def ground(self):
+        """What takes the presses beside the program's windows."""
+        return " 1282x802+-1+-1 " in quiet("xwininfo", "-root", "-tree", env=self.session.env)
+
+    def test_a_menu_is_told_of_every_press_on_the_screen_and_closes_by_it(self):
+        player, main = self.start()
+        other = Stranger(self.session, 900, 500, 200, 200)
+        player.click_at(main, 5, 150, button=3)
+        self.assertTrue(player.menus(), "no menu")
+        self.assertTrue(self.ground(), "XWayland would tell of no press beside the windows")
+        player.click_at(other.window, 100, 100)
+        self.assertTrue(wait_for(lambda: not player.menus(1, 0.1)), "the menu stays")
+        self.assertTrue(wait_for(lambda: not self.ground()), "the screen takes no more clicks")
+        player.click_at(other.window, 100, 100)
+        self.assertTrue(wait_for(lambda: len(other.presses()) == 1), f"{other.presses()}")
+
 
 if __name__ == "__main__":
     run(sys.argv[5:])

@@ -36,6 +36,28 @@ void fill(QMenu &shown, const forms::Menu &menu, const QFont &font) {
     }
 }
 
+// XWayland tells of no press beside X windows, and nothing else would close a menu whose window has
+// no keyboard: while it is up a clear window lies below it, over everything. It goes beyond the
+// edges, as shells take their panels away for what is exactly as large as a monitor.
+class Ground {
+public:
+    explicit Ground(X11 &x11) : x11_(x11) {
+        if (x11.isGuest())
+            window_ = x11.makeSensor(
+                {QPoint(-1, -1), x11.rootSize() + QSize(2, 2)}, [] {});
+    }
+    ~Ground() {
+        if (window_ != XCB_WINDOW_NONE)
+            x11_.destroySensor(window_);
+    }
+    Ground(const Ground &) = delete;
+    Ground &operator=(const Ground &) = delete;
+
+private:
+    X11 &x11_;
+    xcb_window_t window_ = XCB_WINDOW_NONE;
+};
+
 } // namespace
 
 void showPopupMenu(Hub &hub, forms::Menu &menu) {
@@ -49,7 +71,10 @@ void showPopupMenu(Hub &hub, forms::Menu &menu) {
         chosen = entry;
         shown.close();
     });
-    shown.exec(std::exchange(hub.menuPlace, std::nullopt).value_or(QCursor::pos()));
+    {
+        const Ground ground(hub.x11);
+        shown.exec(std::exchange(hub.menuPlace, std::nullopt).value_or(QCursor::pos()));
+    }
     if (chosen == nullptr || !chosen->data().isValid())
         return;
     const Loop::Handler handler(hub.loop);
