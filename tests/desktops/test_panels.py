@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The icon in the panels of real desktops, which draw it and its menu themselves.
+"""The icon in the panels of real desktops, which draw it and its menu themselves or have the program's in their tray.
 
     test_panels.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
 
@@ -46,6 +46,17 @@ plugins=statusnotifier
 position=Bottom
 [statusnotifier]
 type=statusnotifier
+"""
+TINT2 = """panel_items = S
+panel_monitor = all
+panel_position = bottom center horizontal
+panel_size = 100% 32
+panel_background_id = 1
+systray_padding = 4 4 4
+systray_icon_size = 22
+rounded = 0
+border_width = 0
+background_color = #202020 100
 """
 
 
@@ -153,6 +164,12 @@ class Xfce(Panel, PlayerTest):
 class Lxqt(Panel, PlayerTest):
     program, text = "lxqt-panel", LXQT
     config = "lxqt/panel.conf"
+
+
+class Tint2(Panel, PlayerTest):
+    """A tray of the older kind: the icon is a window of the program's, and so is the menu."""
+    program, text = "tint2", TINT2
+    config = "tint2/tint2rc"
 
 
 if __name__ == "__main__":
