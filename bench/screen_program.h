@@ -132,7 +132,7 @@ public:
     }
 
     // Answers the next question with Yes by its key, once it is on the screen, after calling
-    // `ahead`.
+    // `ahead`. One that nobody at the screen asked for is deaf at first: it is answered again.
     void answerYes(const std::function<void()> &ahead) {
         QTimer::singleShot(
             30,
@@ -145,6 +145,8 @@ public:
                 ahead();
                 QKeyEvent press(QEvent::KeyPress, Qt::Key_Y, Qt::NoModifier, "y");
                 QApplication::sendEvent(box, &press);
+                if (QApplication::activeModalWidget() == box)
+                    answerYes(ahead);
             });
     }
 
