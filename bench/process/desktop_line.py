@@ -77,7 +77,7 @@ def main():
           "percent of one core.\n")
     print("| screen | line | player | X server | compositor | wake-ups/s |\n|---|---|---|---|---|---|")
     for compositor in (False, True):
-        for state, line in (("off", LINE), ("stands", SHORT), ("rolls", LINE)):
+        for state, line in (("off", SHORT), ("stands", SHORT), ("rolls", LINE)):
             cost = measure(sys.argv[1], compositor, state != "off", line)
             print(f"| {'with' if compositor else 'without'} a compositor | "
                   f"{state} | {cost['cpu']:.2f} | {cost['x']:.2f} | "
