@@ -43,6 +43,9 @@ function(velmora_backend_library name)
     endif()
 endfunction()
 
+# What "./test --threads" builds: the tests with that label.
+add_custom_target(velmora_threads)
+
 # velmora_test(NAME name SOURCES ... LIBRARIES ... [LABELS ...] [TIMEOUT seconds] [COST seconds])
 include(GoogleTest)
 function(velmora_test)
@@ -82,6 +85,9 @@ function(velmora_test)
         set_tests_properties(${arg_NAME} PROPERTIES PROCESSORS 2)
     endif()
     # What listens is not run under the sanitizers, see ./test, and not built for them either.
+    if("threads" IN_LIST arg_LABELS)
+        add_dependencies(velmora_threads ${arg_NAME})
+    endif()
     if(VELMORA_SANITIZE AND "recorded" IN_LIST arg_LABELS)
         set_target_properties(${arg_NAME} PROPERTIES EXCLUDE_FROM_ALL ON)
     endif()

@@ -1,7 +1,6 @@
 #include "catalogue/tag_child.h"
 
-#include "base/text.h"
-#include "catalogue/texts.h"
+#include "catalogue/tag_answer.h"
 
 #include <poll.h>
 #include <spawn.h>
@@ -23,7 +22,6 @@ namespace velmora::catalogue {
 namespace {
 
 constexpr std::size_t longestAnswer = 3 * (longestTag + 1) * 4;
-constexpr char between = '\0'; // no tag holds it
 
 // A message of one byte, with the file beside it.
 struct FileMessage {
@@ -60,20 +58,6 @@ platform::Descriptor received(int socket) {
 }
 
 } // namespace
-
-std::string sayTags(const Tags &tags) {
-    return toUtf8(tags.title) + between + toUtf8(tags.artist) + between + toUtf8(tags.album);
-}
-
-Tags tagsSaid(const std::string &bytes) {
-    const std::size_t first = bytes.find(between);
-    const std::size_t second = first == std::string::npos ? first : bytes.find(between, first + 1);
-    if (second == std::string::npos)
-        return {};
-    const auto text = [](const std::string &part) { return oneLine(cutTag(fromUtf8(part))); };
-    return {text(bytes.substr(0, first)), text(bytes.substr(first + 1, second - first - 1)),
-            text(bytes.substr(second + 1))};
-}
 
 TagChild::TagChild(std::vector<std::string> command, std::chrono::milliseconds limit,
                    std::function<bool()> goesOn)

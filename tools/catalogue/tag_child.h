@@ -44,11 +44,6 @@ private:
     pid_t process_ = -1;
 };
 
-// What is said between the two. A file may have taken over the one that says it: of anything become
-// texts as `cutTag` and `oneLine` leave them.
-std::string sayTags(const Tags &tags);
-Tags tagsSaid(const std::string &bytes);
-
 // The other side: answers on standard input until that ends. Takes `mostBytes` of memory and no
 // more, opens and writes nothing. The process's status.
 int serveTags(std::size_t mostBytes);

@@ -1,7 +1,7 @@
 // What the process that reads tags says, which a file may have taken over: texts of a bounded
 // length without a control character, whatever it is, and the same once they are said again.
 
-#include "catalogue/tag_child.h"
+#include "catalogue/tag_answer.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,10 +1,14 @@
-// Music files of any bytes: what is read of their tags is bounded.
+// Music files of any bytes: what is read of their tags is bounded, and so is what their names tell
+// where they have none.
 
+#include "base/text.h"
 #include "catalogue/tags.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -20,5 +24,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     for (const std::u16string &text : {tags.title, tags.artist, tags.album})
         if (text.size() > longestTag)
             std::abort();
+    const std::u16string stem =
+        velmora::fromUtf8({reinterpret_cast<const char *>(data), std::min<std::size_t>(size, 300)});
+    const Tags named = tagsOfName(stem);
+    if (named.title.size() + named.artist.size() > stem.size() || !named.album.empty())
+        std::abort();
     return 0;
 }

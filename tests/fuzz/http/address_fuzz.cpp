@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <ctime>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -41,6 +43,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         require(std::count(line->begin(), line->end(), '\t') == 6);
         require(line->find_first_of("\r\n") == std::string::npos);
     }
-    cookiesFor({std::string(cookie)}, parts, "", 1000);
+    // A name may be given beside the data; a control sign in it is no line of the jar.
+    const auto named = jarLine(parts, cookie.substr(0, 8), cookie, 1000,
+                               [](const std::string &) { return std::time_t{-1}; });
+    require(!named || std::count(named->begin(), named->end(), '\t') == 6);
+    const std::vector<std::string> jar{std::string(cookie), "#HttpOnly_" + std::string(cookie),
+                                       line.value_or("")};
+    const std::string sent = cookiesFor(jar, parts, "", 1000);
+    require(sent.find_first_of("\r\n\t") == std::string::npos ||
+            cookie.find_first_of("\r\n") != std::string::npos);
+    require(cookiesFor(jar, parts, "name", 1000).size() <= sent.size());
     return 0;
 }

@@ -1,5 +1,6 @@
 // A result page of the lyric search from outside: the first page, and every further page it leads
-// to. Whatever it holds, the search ends, and rows and links keep to their bounds.
+// to, on lines that take their time. Whatever it holds, the search ends, in its time too, and rows
+// and links keep to their bounds. The scan that is asked for by itself goes on where it was left.
 
 #include "base/run_time_error.h"
 #include "base/text.h"
@@ -17,9 +18,27 @@
 using namespace velmora;
 using namespace velmora::fuzz;
 
+namespace {
+
+constexpr std::int64_t fetchMs = 15'000; // of each page; a whole search has three minutes
+
+class SlowPage : public OnePage {
+public:
+    explicit SlowPage(fakes::FakePlatform &fake) : OnePage(fake.ansi, fake.files), fake_(fake) {}
+    std::optional<std::string> XmlHttpGet(std::u16string_view address) override {
+        fake_.windows.advance(fetchMs);
+        return OnePage::XmlHttpGet(address);
+    }
+
+private:
+    fakes::FakePlatform &fake_;
+};
+
+} // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     fakes::FakePlatform fake;
-    OnePage internet(fake.ansi, fake.files);
+    SlowPage internet(fake);
     internet.page.assign(reinterpret_cast<const char *>(data), size);
     Velmora app(fakes::with(fake.bundle(), {.internet = &internet}));
     constexpr char16_t hosts[] = u"SOFTWARE\\Norvane\\zkPlayer\\hosts";
@@ -42,5 +61,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         if (row < stored)
             require(lower(search.lrcDownloadLinks.at(row)) == list.list(row));
     }
+    const std::int32_t rows = list.listCount();
+    internet.fetches = 0;
+    const bool goesOn = search.lrcFirstPageDone;
+    passOver([&] { search.scanLrcPages(u"http://e/m?pn=1"); });
+    require(list.listCount() >= rows && (search.lrcFirstPageDone || !goesOn));
     return 0;
 }

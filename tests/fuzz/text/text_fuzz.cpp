@@ -4,10 +4,12 @@
 #include "base/text.h"
 #include "text/ansi_conversion.h"
 #include "text/path_text.h"
+#include "text/utf8_units.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 namespace {
@@ -38,12 +40,25 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (const auto other = decodeShortPath(pathFromBytes(bytes)))
         require(decodeShortPath(shortPath(pathFromBytes(*other))) == other);
 
+    // Units of any kind, halves of pairs among them, as a window or another program may give them.
+    std::u16string units(bytes.size() / 2, u'\0');
+    std::memcpy(units.data(), bytes.data(), units.size() * 2);
+    require(encodeUtf8Units(units).size() == utf8UnitsByteCount(units));
+    require(ansi.byteCount(units) == ansi.encode(units).size());
+    require(fromUtf8(toUtf8(units)).size() >= units.size());
+
     const std::u16string text = ansi.decode(bytes);
     require(ansi.byteCount(text) == ansi.encode(text).size());
     const std::u16string path = ansi.decodePath(bytes);
     if (data[0] % 6 == 0) // what was read from a list is written so that it reads the same
         require(ansi.decodePath(ansi.encode(path)) == path);
     require(ansi.decodeTogether({bytes, bytes}, (data[0] & 8) != 0).size() == 2);
+
+    // A path is a folder and a name, whichever separator it has.
+    require(std::u16string(folderPart(path)).append(baseName(path)) == path);
+    require(baseName(path).find(pathSeparatorOf(path)) == std::u16string_view::npos);
+    require(typedFolder(path, u"") == path);
+    require(typedFolder(path, u"/h").size() <= path.size() + 1);
 
     const std::u16string plain = fromUtf8(bytes);
     require(fromUtf8(toUtf8(plain)) == plain);

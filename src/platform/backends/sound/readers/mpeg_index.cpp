@@ -4,13 +4,11 @@
 
 namespace velmora::platform::sound {
 
-MpegIndex::MpegIndex(const ByteSource &source, std::int64_t start)
-    : walk_(std::make_unique<MpegWalk>(source, MpegPlace{start, {}, 0})), start_(start),
-      reached_(start), end_(source.size()) {}
+MpegIndex::MpegIndex(const ByteSource &source, std::int64_t start, std::size_t most)
+    : walk_(std::make_unique<MpegWalk>(source, MpegPlace{start, {}, 0})), most_(most),
+      start_(start), reached_(start), end_(source.size()) {}
 
 bool MpegIndex::countOn(std::int64_t piece) {
-    // No file of a person's has so many; one that was made to would fill the memory.
-    constexpr std::size_t mostRuns = 4096;
     const std::int64_t limit = reached_ + piece;
     while (walk_ && reached_ < limit) {
         const MpegWalk::Step step = walk_->step();
@@ -23,7 +21,7 @@ bool MpegIndex::countOn(std::int64_t piece) {
         if (step == MpegWalk::Step::Nothing)
             continue;
         if (walk_->isOther()) {
-            if (runs_.size() == mostRuns) {
+            if (runs_.size() == most_) {
                 walk_.reset();
                 break;
             }

@@ -21,7 +21,10 @@ struct MpegRun {
 
 class MpegIndex {
 public:
-    MpegIndex(const ByteSource &source, std::int64_t start);
+    // No file of a person's changes its form so often; one that was made to would fill the memory.
+    static constexpr std::size_t mostRuns = 4096;
+
+    MpegIndex(const ByteSource &source, std::int64_t start, std::size_t most = mostRuns);
 
     // Counts on through a piece of the file, of so many bytes. False: all is counted.
     bool countOn(std::int64_t piece = 65536);
@@ -43,6 +46,7 @@ private:
     static constexpr std::int64_t stride = 32;
 
     std::unique_ptr<MpegWalk> walk_;
+    std::size_t most_;
     std::int64_t start_;
     std::int64_t reached_;
     std::int64_t end_;

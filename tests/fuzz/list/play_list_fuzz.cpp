@@ -1,0 +1,77 @@
+// The play list's file, which other programs and hands may have written. Each row is there once;
+// the list that is saved reads the same again; and what was there before and came from elsewhere is
+// kept beside it.
+
+#include "base/text.h"
+#include "playlist/playList_Form.h"
+#include "playlist/saveOrOpenFile.h"
+#include "settings/setControl.h"
+#include "tests/fakes/fake_platform.h"
+#include "velmora.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace velmora;
+
+void require(bool holds) {
+    if (!holds)
+        std::abort();
+}
+
+std::vector<std::u16string> rowsOf(const forms::ListBox &list) {
+    std::vector<std::u16string> rows;
+    for (std::int32_t row = 0; row < list.listCount(); ++row)
+        rows.emplace_back(list.list(row));
+    return rows;
+}
+
+// A line loses what stands around a path; a path of its own that has that loses it as well.
+bool isPlain(const std::u16string &row) {
+    constexpr std::u16string_view around = u"\" ";
+    return !row.empty() && !contains(around, row.substr(0, 1)) &&
+           !contains(around, row.substr(row.size() - 1));
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    const std::string bytes(reinterpret_cast<const char *>(data), size);
+    constexpr char16_t path[] = u"/l/zkPlayList.m3u";
+    fakes::FakePlatform fake;
+    Velmora app(fake.bundle());
+    app.setControl().Path_List = u"/l//";
+    saveOrOpenFile &store = app.saveOrOpenFile();
+    require(!store.loadPlayList());
+    fake.files.addFile(path, bytes);
+    require(store.loadPlayList());
+    const playList_Form &form = app.playList_Form();
+    const std::vector<std::u16string> rows = rowsOf(form.List1);
+    require(form.playList_Item.listCount() == form.List1.listCount());
+    require(std::set(rows.begin(), rows.end()).size() == rows.size());
+
+    store.savePlayList();
+    require(fake.files.files().size() == 1);
+    require(store.loadPlayList());
+    require(rowsOf(form.List1) == rows || !std::all_of(rows.begin(), rows.end(), isPlain));
+
+    // Somebody else writes it, again and again: nothing of theirs goes under a save. (A change is
+    // known by the file's length.)
+    for (const std::string &other : {bytes + "x", bytes + "yy", bytes + "x"}) {
+        if (other.size() == fake.files.contents(path).size())
+            continue;
+        fake.files.addFile(path, other);
+        store.savePlayList(SaveKind::Settled);
+        bool isKept = false;
+        for (const std::u16string &file : fake.files.files())
+            isKept = isKept || fake.files.contents(file) == other;
+        require(isKept);
+    }
+    return 0;
+}
