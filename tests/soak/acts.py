@@ -42,6 +42,8 @@ def next_track(hand, chance):
 def previous_track(hand, chance):
     for _ in range(2):  # ahead of the first there is none
         next_track(hand, chance)
+    if hand.played()[-1].endswith(hand.list_lines()[0]):  # behind the last comes the first
+        next_track(hand, chance)
     before = len(hand.played())
     if chance.random() < 0.5:
         hand.key("F5")
@@ -57,8 +59,12 @@ def a_file_from_outside(hand, chance):
 
 @act(2)
 def what_is_no_medium(hand, chance):
-    """It may be played as far as it goes, or refused."""
+    """It may be played as far as it goes, or refused; either way what played before plays no longer."""
+    hand.play_long(chance)
+    before = len(hand.played())
     need(hand.open_tool(chance.choice(hand.media.bad)).returncode in (0, 1), "it takes no file")
+    need(wait_for(lambda: len(hand.played()) > before or hand.status()[0] == "Stopped" or hand.player.boxes(), SEEN_S),
+         "nothing becomes of it")
     hand.answers()
     for box in hand.player.boxes():
         hand.session.reply("Return", box)
@@ -339,7 +345,7 @@ def add_to_the_list(hand, chance):
         paths = [folder]
         more = sum(f"{folder}/{name}" not in there for name in os.listdir(folder))
     else:
-        left = [path for path in hand.media.good + hand.media.long if path not in there]
+        left = [path for path in hand.media.listable if path not in there]
         paths = chance.sample(left, min(3, len(left)))
         more = len(paths)
     need(hand.drag_files(rows, 2, paths), "the drop is refused")
@@ -372,8 +378,7 @@ def take_out_of_the_list(hand, chance):
 def enqueue_from_outside(hand, chance):
     hand.list_window()
     there = set(hand.list_lines())
-    path = chance.choice([path for path in hand.media.good + hand.media.long if path not in there] or
-                         hand.media.good)
+    path = chance.choice([path for path in hand.media.listable if path not in there] or hand.media.listable)
     hand.open_tool("--enqueue", path)
     hand.count_becomes(len(there | {path}))
     hand.close_list()

@@ -11,6 +11,9 @@ from listing import silence
 # Of the picture tests' folder: what is broken on purpose, or names further files.
 NO_MEDIA = ("truncated", "only_header", "empty", "text", "random", "huge_header", "damaged", "list", "edl", "cue",
             "hls", "concat", "still", "cover.png", "complete", "picture.avi")
+# What may enter the list by a drop or from outside for later; what is played at once may be anything.
+LISTABLE = (".mp3", ".wma", ".wav", ".mid", ".midi", ".ogg", ".rmvb", ".rm", ".mpg", ".avi", ".wmv", ".flv", ".mp4", ".dat",
+            ".cd", ".flac", ".tta", ".aiff", ".au", ".ape")
 LONG_S = 600
 LONG = {"long.wav": (), "long.mp3": ("-c:a", "libmp3lame", "-b:a", "96k"), "long.flac": ("-c:a", "flac"),
         "long.ogg": ("-c:a", "libvorbis"), "long.opus": ("-c:a", "libopus"), "long.m4a": ("-c:a", "aac"),
@@ -69,6 +72,7 @@ class Media:
             with open(os.path.splitext(path)[0] + ".lrc", "w", encoding="utf-8") as file:
                 file.write("".join(f"[{second // 60:02}:{second % 60:02}.00]How the words of second {second} roll along, "
                                    "farther than the window is wide\r\n" for second in range(LONG_S)))
+        self.listable = [path for path in self.good + self.long if path.lower().endswith(LISTABLE)]
         self.folders = []
         for number in range(4):
             folder = f"{music}/folder {number}"
