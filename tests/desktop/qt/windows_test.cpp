@@ -2,6 +2,8 @@
 
 #include "tests/desktop/qt/desk.h"
 
+#include <QAccessible>
+
 #include <algorithm>
 
 namespace velmora::tests {
@@ -395,6 +397,32 @@ TEST_F(WindowTest, TellsScreenWorkAreaTaskBarAndPointer) {
     PointPixels at;
     ASSERT_TRUE(desk().windows->GetCursorPos(at));
     EXPECT_EQ(at, (PointPixels{321, 123}));
+}
+
+// What a reader has of a window ends with the last of it, when nothing of ours is there any more.
+TEST_F(WindowTest, GoesWithAllThatAReaderHasOfIt) {
+    class PassingForm : public TestForm {
+    public:
+        using TestForm::dropWindow;
+    };
+    PassingForm form;
+    forms::Label label(form, "label");
+    label.setCaption(u"words");
+    form.appear();
+    auto *window = dynamic_cast<platform::qt::QtFormWindow *>(form.window());
+    ASSERT_NE(window, nullptr);
+    QAccessibleInterface *told = QAccessible::queryAccessibleInterface(window->top());
+    ASSERT_NE(told, nullptr);
+    ASSERT_EQ(told->childCount(), 1);
+    const QAccessible::Id seen = QAccessible::uniqueId(told->child(0));
+    EXPECT_NE(QAccessible::accessibleInterface(seen), nullptr);
+    form.hide();
+    form.dropWindow();
+    EXPECT_EQ(QAccessible::accessibleInterface(seen), nullptr);
+    // And a window that is made anew has its own.
+    form.appear();
+    window = dynamic_cast<platform::qt::QtFormWindow *>(form.window());
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(window->top())->childCount(), 1);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <memory>
 
 namespace velmora::platform::qt {
 
@@ -26,8 +27,14 @@ public:
     void press(PointTwips at);
     // Whether the control is still there, and this layer's.
     bool holds(const forms::Control &control) const;
-    // Who keeps something of the painted controls lets it go when one ends.
-    std::function<void(const forms::Control &)> whenGone;
+    // Who keeps something of the painted controls lets it go when one ends. It may go ahead of the
+    // layer, or with the last of it, when there is nothing here any more to take itself out of.
+    using Gone = std::function<void(const forms::Control &)>;
+    std::weak_ptr<const Gone> whenGone;
+    void tellGone(const forms::Control &gone) const {
+        if (const auto told = whenGone.lock())
+            (*told)(gone);
+    }
 
 protected:
     bool event(QEvent *event) override;

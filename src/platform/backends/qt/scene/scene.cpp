@@ -275,12 +275,12 @@ void Scene::controlGone(forms::Control &control) {
 }
 
 void Scene::tellLayers(const forms::Control &gone) {
-    if (top_ != nullptr && top_->whenGone)
-        top_->whenGone(gone);
+    if (top_ != nullptr)
+        top_->tellGone(gone);
     for (const auto &[control, own] : own_) {
         auto *layer = own.layer ? static_cast<Layer *>(own.widget.data()) : nullptr;
-        if (layer != nullptr && layer->whenGone)
-            layer->whenGone(gone);
+        if (layer != nullptr)
+            layer->tellGone(gone);
     }
 }
 

@@ -8,11 +8,11 @@
 #include "platform/backends/qt/window/accessible_list.h"
 
 #include <QAccessibleWidget>
-#include <QPointer>
 #include <QRadioButton>
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <vector>
 
 namespace velmora::platform::qt {
@@ -25,12 +25,11 @@ public:
     explicit LayerAccess(Layer &layer)
         : QAccessibleWidget(&layer,
                             layer.root() == nullptr ? QAccessible::Window : roleOf(*layer.root())),
-          layer_(&layer) {
-        layer.whenGone = [this](const forms::Control &control) { forget(control); };
+          gone_(std::make_shared<Layer::Gone>(
+              [this](const forms::Control &control) { forget(control); })) {
+        layer.whenGone = gone_;
     }
     ~LayerAccess() override {
-        if (layer_)
-            layer_->whenGone = nullptr;
         for (const auto &[control, id] : made_)
             QAccessible::deleteAccessibleInterface(id);
     }
@@ -107,7 +106,7 @@ private:
         made_.erase(found);
     }
 
-    QPointer<Layer> layer_;
+    std::shared_ptr<const Layer::Gone> gone_;
     mutable std::map<const forms::Control *, QAccessible::Id> made_;
 };
 
