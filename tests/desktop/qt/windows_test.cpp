@@ -399,6 +399,28 @@ TEST_F(WindowTest, TellsScreenWorkAreaTaskBarAndPointer) {
     EXPECT_EQ(at, (PointPixels{321, 123}));
 }
 
+// Who moves it at the very moment at which the program does is taken for the manager that refuses.
+TEST_F(WindowTest, TakesAClickWhereItShowsWhenItComesBackFromWhereAnotherHasPutIt) {
+    TestForm form;
+    form.move({3000, 3000, 4500, 3000});
+    forms::Label label(form, "label");
+    label.move({300, 300, 900, 600});
+    int clicks = 0;
+    label.on().Click = [&] { ++clicks; };
+    form.appear();
+    ASSERT_TRUE(desk().settle());
+    form.setTop(form.top() + 900);
+    desk().tool({"windowmove", std::to_string(nativeOf(form)), "400", "290"});
+    ASSERT_TRUE(desk().pump([&] { return place(form).x == 400; }));
+    ASSERT_TRUE(desk().settle());
+    form.hide();
+    ASSERT_TRUE(desk().pump([&] { return !form.isOnScreen(); }));
+    form.appear();
+    ASSERT_TRUE(desk().settle());
+    desk().click(place(form).x + 40, place(form).y + 30);
+    EXPECT_TRUE(desk().pump([&] { return clicks == 1; }));
+}
+
 // What a reader has of a window ends with the last of it, when nothing of ours is there any more.
 TEST_F(WindowTest, GoesWithAllThatAReaderHasOfIt) {
     class PassingForm : public TestForm {

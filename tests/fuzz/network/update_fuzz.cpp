@@ -107,7 +107,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     app.Main().Vesion = u"2.9.9";
 
     update &work = app.update();
-    work.check_Update((choice & AskedFor) != 0);
+    try {
+        work.check_Update((choice & AskedFor) != 0);
+    } catch (const fakes::ProcessEnded &ended) {
+        // The new program runs: this one goes.
+        require(ended.status == 0 && (choice & StartsIt) != 0 && (choice & CannotStart) == 0);
+    }
     isAddressForTheDesktop(work.new_DownloadUrl);
     for (const std::u16string &path : fake.files.files())
         require(startsWith(path, u"/opt/velmora/zkPlayer [") || path == work.update_TmpFile);

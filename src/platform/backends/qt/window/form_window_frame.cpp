@@ -93,6 +93,10 @@ void QtFormWindow::show() {
     }
     const bool first = !shownOnce_;
     realise();
+    // While it was held elsewhere than it was put that was known; hidden, nothing tells of it any
+    // more.
+    if (!first && top_->geometry() != areaOf(form_))
+        applyPlace();
     setStatesBeforeMap();
     outlineDirty_ = true;
     applyOutline();
