@@ -93,8 +93,7 @@ void QtFormWindow::show() {
     }
     const bool first = !shownOnce_;
     realise();
-    // While it was held elsewhere than it was put that was known; hidden, nothing tells of it any
-    // more.
+    // A place that it was held at was forgotten when it went.
     if (!first && top_->geometry() != areaOf(form_))
         applyPlace();
     setStatesBeforeMap();
