@@ -93,9 +93,8 @@ void QtFormWindow::show() {
     }
     const bool first = !shownOnce_;
     realise();
-    // A place that it was held at was forgotten when it went.
-    if (!first && top_->geometry() != areaOf(form_))
-        applyPlace();
+    if (!first)
+        standAgain();
     setStatesBeforeMap();
     outlineDirty_ = true;
     applyOutline();

@@ -84,6 +84,12 @@ void QtFormWindow::lookWhereItStands() {
     standsAt({toolkit, program}, place_.found(toolkit));
 }
 
+// Where it was held instead of its place was known while it showed, and is forgotten.
+void QtFormWindow::standAgain() {
+    if (top_->geometry() != areaOf(form_))
+        applyPlace();
+}
+
 void QtFormWindow::moved() {
     if (placing_ || top_ == nullptr || top_->isMinimized())
         return;
