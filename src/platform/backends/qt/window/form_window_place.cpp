@@ -86,7 +86,7 @@ void QtFormWindow::lookWhereItStands() {
 
 // Where it was held instead of its place was known while it showed, and is forgotten.
 void QtFormWindow::standAgain() {
-    if (top_->geometry() != areaOf(form_))
+    if (top_->geometry() != area())
         applyPlace();
 }
 
