@@ -5,6 +5,7 @@
 #include "open/arguments.h"
 #include "platform/backends/bus/metadata.h"
 #include "platform/backends/bus/opened_files.h"
+#include "text/file_uris.h"
 #include "text/path_text.h"
 
 #include <algorithm>
@@ -51,6 +52,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     std::string text(reinterpret_cast<const char *>(data), size);
     const std::vector<std::string> words = wordsOf(text);
     std::string complaint;
+    // What is dropped comes as such a list.
+    for (const std::string &path : platform::localPaths(text, "this-host"))
+        require(path.front() == '/' && path.find('\0') == std::string::npos);
     const auto request = open_tool::readWords(words, complaint);
     require(request.has_value() == complaint.empty());
     if (request) {

@@ -39,6 +39,28 @@ bool isPlain(const std::u16string &row) {
            !contains(around, row.substr(row.size() - 1));
 }
 
+// A disk that fails while the list is saved or read leaves the file as it is; a list that changes
+// while it is read is saved behind that.
+void tryTrouble(fakes::FakePlatform &fake, Velmora &app, const std::u16string &path) {
+    saveOrOpenFile &store = app.saveOrOpenFile();
+    const std::string there = fake.files.contents(path);
+    fake.files.setUnreachable(path);
+    store.savePlayList();
+    fake.files.setUnreachable(path, false);
+    require(fake.files.contents(path) == there);
+    fake.files.addFile(path, there + "more");
+    fake.files.failNext("keepAs");
+    store.savePlayList();
+    require(fake.files.contents(path) == there + "more");
+    app.setControl().Path_List.clear();
+    store.savePlayList();
+    app.setControl().Path_List = u"/l";
+    fake.files.addFile(path, there);
+    fake.windows.onPump = [&] { store.savePlayList(); };
+    require(store.loadPlayList());
+    fake.windows.onPump = nullptr;
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
@@ -49,6 +71,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     app.setControl().Path_List = u"/l//";
     saveOrOpenFile &store = app.saveOrOpenFile();
     require(!store.loadPlayList());
+    store.savePlayList(); // no file yet
+    require(fake.files.contents(path).empty());
+    fake.files.remove(path);
     fake.files.addFile(path, bytes);
     require(store.loadPlayList());
     const playList_Form &form = app.playList_Form();
@@ -61,13 +86,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     require(store.loadPlayList());
     require(rowsOf(form.List1) == rows || !std::all_of(rows.begin(), rows.end(), isPlain));
 
+    tryTrouble(fake, app, path);
     // Somebody else writes it, again and again: nothing of theirs goes under a save. (A change is
     // known by the file's length.)
-    for (const std::string &other : {bytes + "x", bytes + "yy", bytes + "x"}) {
+    std::string other = bytes;
+    for (int i = 0; i < 13; ++i) {
+        other += i % 2 == 0 ? "x" : "yy";
         if (other.size() == fake.files.contents(path).size())
             continue;
         fake.files.addFile(path, other);
-        store.savePlayList(SaveKind::Settled);
+        store.savePlayList(i % 3 == 0 ? SaveKind::Settled : SaveKind::Step);
         bool isKept = false;
         for (const std::u16string &file : fake.files.files())
             isKept = isKept || fake.files.contents(file) == other;

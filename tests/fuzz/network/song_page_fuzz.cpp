@@ -63,5 +63,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
             require(startsWith(path, u"/d/cache/") && !contains(path.substr(9), u"/"));
         internet.forgetResponses();
     }
+    // A scan that is done is not done again; one whose page does not come is over at once.
+    song_Internet_Search &search = app.song_Internet_Search();
+    search.songScanDone = true;
+    passOver([&] { search.scanSongPage(u"http://s"); });
+    search.songScanDone = false;
+    internet.page.clear();
+    passOver([&] { search.scanSongPage(u"http://s"); });
+    require(form.search_Song_List.listCount() == rows);
     return 0;
 }
