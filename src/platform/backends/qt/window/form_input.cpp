@@ -144,7 +144,10 @@ bool FormInput::mouse(QWidget &widget, QMouseEvent &event, bool child) {
         hub_.raiseWaitedFor(window_);
         return true;
     }
-    const PointTwips at = place(event.globalPosition());
+    PointTwips at = place(event.globalPosition());
+    if (press && event.buttons() == event.button() &&
+        !window_.isMetAt(widget, event.position(), at))
+        at = place(event.globalPosition());
     const std::int16_t shift = shiftState(event.modifiers());
     const std::int16_t button = buttonState(event.button());
     const QPointer<QWidget> alive(&widget);

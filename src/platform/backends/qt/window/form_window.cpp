@@ -42,6 +42,8 @@ QtFormWindow::QtFormWindow(Hub &hub, forms::Form &form)
                   areaTouched(control, area);
               }}),
       input_(hub, *this, form, scene_), rolling_(hub.x11) {
+    look_.setSingleShot(true);
+    look_.callOnTimeout(&look_, [this] { look(); });
     for (auto &[number, entry] : hub_.forms)
         if (entry.form == &form_)
             entry.window = this;

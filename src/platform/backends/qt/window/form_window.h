@@ -10,6 +10,8 @@
 #include "platform/backends/qt/window/rolling_line.h"
 #include "platform/backends/qt/window/window_place.h"
 
+#include <QTimer>
+
 #include <chrono>
 #include <memory>
 #include <optional>
@@ -47,6 +49,9 @@ public:
 
     // How far the window manager keeps the window from where its form stands, in logical pixels.
     QPoint heldOff() const;
+    // Whether the form takes a press at `local` in its widget to be where it is; if not, the window
+    // is looked for.
+    bool isMetAt(const QWidget &widget, QPointF local, PointTwips at);
     // Handles what the window system sends until the window manager has answered, for a while.
     void awaitPlace();
 
@@ -76,8 +81,10 @@ private:
     QRect asked() const;
     QRect area() const;
     void askTurn();
-    void lookLater();
-    void lookWhereItStands();
+    static constexpr int lookPauseMs = 800;
+    void lookLater(int pauseMs = lookPauseMs);
+    void look();
+    void lookWhereItStands(bool sure);
     void standsAt(const screens::Standing &now, WindowPlace::Report report);
     void applyOutline();
     bool rolls(const forms::Control &control, const RectTwips &before) const;
@@ -116,6 +123,8 @@ private:
     std::unique_ptr<TaskEntry> entry_; // of an unmanaged window while it is shown
     WindowPlace place_;
     QPoint heldOff_;
+    QTimer look_;
+    std::optional<QPoint> suspected_;                                  // the server told of it once
     std::optional<std::chrono::steady_clock::time_point> turnAskedAt_; // while it is awaited
     QPoint origin_; // of the program's coordinates when the window was last placed in them
     std::chrono::steady_clock::time_point lastForced_;
@@ -132,7 +141,6 @@ private:
     bool raisePosted_ = false;
     bool attentionAsked_ = false; // since it was last active
     bool placing_ = false;
-    bool lookPosted_ = false;
     bool fullScreen_ = false;
     bool isCutAbove_ = false;
     double density_ = 1; // of the screen when the window was last placed for it

@@ -109,6 +109,8 @@ void QtFormWindow::show() {
     if (!first && !form_.unmanaged() && !form_.showInTaskbar())
         for (const X11::Atom state : {X11::SkipTaskbar, X11::SkipPager})
             hub_.x11.requestState(nativeWindow(), true, state);
+    if (!first && !form_.unmanaged() && form_.topmost())
+        hub_.x11.requestState(nativeWindow(), true, X11::Above);
     lookLater();
     hub_.moveToFront(*this);
     shownOnce_ = true;

@@ -8,7 +8,6 @@
 #include <QGuiApplication>
 #include <QPointer>
 #include <QScreen>
-#include <QTimer>
 
 #include <algorithm>
 #include <utility>
@@ -17,7 +16,7 @@ namespace velmora::platform::qt {
 
 namespace {
 
-constexpr int lookPauseMs = 800;
+constexpr int lookAgainMs = 200;
 // A manager that was replaced meanwhile does not answer what the one before it was asked.
 constexpr auto turnAnew = std::chrono::seconds(2);
 constexpr auto placeLimit = std::chrono::milliseconds(500);
@@ -56,20 +55,23 @@ void QtFormWindow::askTurn() {
 }
 
 // Some managers let a request for another place go by or show a window elsewhere, and tell nobody;
-// and what they tell may be no news to the toolkit. The server knows.
-void QtFormWindow::lookLater() {
-    if (form_.unmanaged() || !top_->isVisible() || std::exchange(lookPosted_, true))
+// and what they tell may be no news to the toolkit, or a place on the way. The server knows.
+void QtFormWindow::lookLater(int pauseMs) {
+    if (form_.unmanaged() || !top_->isVisible())
         return;
-    QTimer::singleShot(lookPauseMs, top_.get(), [this] {
-        lookPosted_ = false;
-        if (place_.isAwaited() && !place_.isUnanswered())
-            lookLater();
-        else if (top_->isVisible() && !top_->isMinimized())
-            lookWhereItStands();
-    });
+    suspected_.reset();
+    look_.start(pauseMs);
 }
 
-void QtFormWindow::lookWhereItStands() {
+void QtFormWindow::look() {
+    if (place_.isAwaited() && !place_.isUnanswered())
+        lookLater();
+    else if (top_->isVisible() && !top_->isMinimized() && top_->windowHandle()->isExposed())
+        lookWhereItStands(false);
+}
+
+// A place that only the server tells may be one on the way: it is looked at twice.
+void QtFormWindow::lookWhereItStands(bool sure) {
     constexpr double rounding = 2; // pixels
     const std::optional<QPoint> corner = hub_.x11.cornerOf(nativeWindow());
     const QScreen *screen = QGuiApplication::primaryScreen();
@@ -79,9 +81,25 @@ void QtFormWindow::lookWhereItStands() {
     const QPointF off = QPointF(*corner - screens::deviceOf(believed)) / screen->devicePixelRatio();
     if (off.manhattanLength() <= rounding)
         return;
+    if (!sure && suspected_ != corner) {
+        lookLater(lookAgainMs);
+        suspected_ = corner;
+        return;
+    }
     const QPointF program = believed + off;
     const QPoint toolkit = screens::toToolkit(QRect(program.toPoint(), top_->size())).topLeft();
     standsAt({toolkit, program}, place_.found(toolkit));
+}
+
+// A press tells where it was in the window, too: if that is not where the form has it, the window
+// stands elsewhere than was told.
+bool QtFormWindow::isMetAt(const QWidget &widget, QPointF local, PointTwips at) {
+    constexpr double rounding = 3; // pixels
+    const QPointF met = widget.mapTo(top_.get(), local) - QPointF(toPixels(at.x), toPixels(at.y));
+    if (form_.unmanaged() || met.manhattanLength() <= rounding)
+        return true;
+    lookWhereItStands(true);
+    return false;
 }
 
 // Where it was held instead of its place was known while it showed, and is forgotten.
@@ -95,6 +113,7 @@ void QtFormWindow::moved() {
         return;
     const screens::Standing now = screens::standing(hub_.x11, *top_);
     standsAt(now, place_.reported(now.toolkit));
+    lookLater();
 }
 
 void QtFormWindow::standsAt(const screens::Standing &now, WindowPlace::Report report) {
