@@ -72,7 +72,7 @@ class Media:
             with open(os.path.splitext(path)[0] + ".lrc", "w", encoding="utf-8") as file:
                 file.write("".join(f"[{second // 60:02}:{second % 60:02}.00]How the words of second {second} roll along, "
                                    "farther than the window is wide\r\n" for second in range(LONG_S)))
-        self.listable = [path for path in self.good + self.long if path.lower().endswith(LISTABLE)]
+        self.listable = [path for path in self.good if path.lower().endswith(LISTABLE)]
         self.folders = []
         for number in range(4):
             folder = f"{music}/folder {number}"
