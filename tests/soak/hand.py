@@ -143,8 +143,8 @@ class Hand(HouseholdTest):
     def play_long(self, chance, film=False):
         """Something that does not end meanwhile; a film shows its window, and hides nothing that is asked for."""
         path = self.media.film if film else chance.choice(self.media.long) if chance else self.media.long[0]
-        state, _, place, length = self.status()
-        if film or state != "Playing" or length < media_module.LONG_S - 5 or place > media_module.LONG_S - 90:
+        state, title, place, length = self.status()
+        if film or "film" in title or state != "Playing" or length < media_module.LONG_S - 5 or place > media_module.LONG_S - 90:
             self.stop()
             self.play(path)
         self.comes("Playing")

@@ -129,8 +129,8 @@ class Sides : public PictureControl,
 
 // The files hold 1000 Hz on the left and 2000 Hz on the right at the amplitude given.
 TEST_P(Sides, StereoIsBothAndASideIsThatAloneOnBothSpeakers) {
-    const auto &[file, level] = GetParam();
-    const auto device = open(file);
+    const double level = GetParam().second;
+    const auto device = open(GetParam().first);
     ASSERT_TRUE(device);
     ASSERT_TRUE(playUpTo(*device, 200));
     const auto expect = [&](int speaker, double low, double high) {
