@@ -401,10 +401,11 @@ def play_a_row(hand, chance):
     rows = hand.list_window()
     for _ in range(chance.randrange(0, 4)):
         hand.player.click_at(rows, *hand.row_at(rows, 5), button=chance.choice((4, 5)))
-    before = len(hand.played())
+    before, place = len(hand.played()), hand.status()[2]
     hand.press_row(rows, chance.randrange(0, 12))
     hand.key(chance.choice(("F2", "Return")), rows)
-    need(wait_for(lambda: len(hand.played()) > before, SEEN_S), "the row is not played")
+    # It may be the row that plays: it begins anew, and nobody is told of another.
+    need(wait_for(lambda: len(hand.played()) > before or hand.status()[2] < place, SEEN_S), "the row is not played")
     hand.stop()  # a film's window may lie over the main one
     hand.close_list()
 
