@@ -172,6 +172,8 @@ class Hand(HouseholdTest):
         """A press is lost where the next film's window comes up between the hand and the button."""
         def look():
             if not self.shown(form):
+                if self.film_window():  # over the whole screen it hides every button
+                    self.stop()
                 self.press(control)
             return self.player.form(form, 5)
         return need(wait_for(look, SEEN_S), f"{control} opens nothing")
