@@ -56,7 +56,11 @@ void tryTrouble(fakes::FakePlatform &fake, Velmora &app, const std::u16string &p
     store.savePlayList();
     app.setControl().Path_List = u"/l";
     fake.files.addFile(path, there);
-    fake.windows.onPump = [&] { store.savePlayList(); };
+    int pumps = 0;
+    fake.windows.onPump = [&] {
+        if (++pumps < 3)
+            store.savePlayList();
+    };
     require(store.loadPlayList());
     fake.windows.onPump = nullptr;
 }
