@@ -42,12 +42,12 @@ TEST_F(AFileWrittenByPieces, isMadeAndTakesPieceAfterPiece) {
 TEST_F(AFileWrittenByPieces, growsOnTheDiskWhileItIsOpen) {
     auto file = files.CreateFileA(folder.text("f"));
     std::string all;
-    for (int i = 0; i < 40; ++i) {
-        const std::string packet(1024, static_cast<char>('A' + i));
+    for (int i = 0; i < 80; ++i) {
+        const std::string packet(1024, static_cast<char>('A' + i % 26));
         EXPECT_TRUE(file->WriteFile(packet));
         all += packet;
     }
-    EXPECT_EQ(folder.read("f"), all.substr(0, 32 * 1024));
+    EXPECT_EQ(folder.read("f"), all.substr(0, 64 * 1024));
     file.reset();
     EXPECT_EQ(folder.read("f"), all);
 }
@@ -89,8 +89,8 @@ TEST_F(AFileWrittenByPieces, tellsWhenNotEveryByteWentOut) {
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     const struct ::rlimit small { 5, before.rlim_max };
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-    const bool wrote = file->WriteFile("12345678" + std::string(20'000, 'x'));
-    const bool wroteAgain = file->WriteFile(std::string(20'000, 'y'));
+    const bool wrote = file->WriteFile("12345678" + std::string(80'000, 'x'));
+    const bool wroteAgain = file->WriteFile(std::string(80'000, 'y'));
     EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
     std::signal(SIGXFSZ, handler);
     EXPECT_FALSE(wrote);
