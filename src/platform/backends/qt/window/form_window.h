@@ -76,7 +76,6 @@ private:
     void applyState();
     void applyLook();
     void applyPlace();
-    void standAgain();
     // Where the form wants it: in the program's pixels and in the toolkit's.
     QRect asked() const;
     QRect area() const;

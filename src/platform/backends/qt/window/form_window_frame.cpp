@@ -93,8 +93,6 @@ void QtFormWindow::show() {
     }
     const bool first = !shownOnce_;
     realise();
-    if (!first)
-        standAgain();
     setStatesBeforeMap();
     outlineDirty_ = true;
     applyOutline();

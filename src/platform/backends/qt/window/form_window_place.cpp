@@ -103,12 +103,6 @@ bool QtFormWindow::isMetAt(const QWidget &widget, QPointF local, PointTwips at) 
     return false;
 }
 
-// Where it was held instead of its place was known while it showed, and is forgotten.
-void QtFormWindow::standAgain() {
-    if (top_->geometry() != area())
-        applyPlace();
-}
-
 void QtFormWindow::moved() {
     if (placing_ || top_ == nullptr || top_->isMinimized())
         return;
