@@ -21,6 +21,8 @@ import time
 from targets import targets
 
 SLICE_S = 20
+# What hangs for this long hangs; the machine may be busy with something else.
+HANGS_S = 60
 # Of what a target was worth before, this much is believed beside its last slice: a lucky one is soon forgotten, and
 # one that found nothing for a while comes back only by the share below.
 MEMORY = 0.5
@@ -41,7 +43,7 @@ class Target:
     def slice(self, seconds):
         begun = time.monotonic()
         done = subprocess.run(
-            [self.program, f"-max_total_time={seconds}", "-timeout=10", "-rss_limit_mb=2048", "-print_final_stats=1",
+            [self.program, f"-max_total_time={seconds}", f"-timeout={HANGS_S}", "-rss_limit_mb=2048", "-print_final_stats=1",
              f"-artifact_prefix={self.found}-", self.found, self.corpus],
             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
         spent = time.monotonic() - begun
@@ -100,7 +102,7 @@ def keep(target):
     shutil.copytree(target.corpus, least)
     there = set(os.listdir(least))
     # How often a place is reached is no reason to keep an input for ever, only that it is.
-    subprocess.run([target.program, "-merge=1", "-use_counters=0", "-timeout=10", "-rss_limit_mb=2048", least,
+    subprocess.run([target.program, "-merge=1", "-use_counters=0", f"-timeout={HANGS_S}", "-rss_limit_mb=2048", least,
                     target.found], check=False, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     room, kept = LARGEST_CORPUS - size_of(target.corpus), 0
     for name in sorted(set(os.listdir(least)) - there, key=lambda each: os.path.getsize(f"{least}/{each}")):
