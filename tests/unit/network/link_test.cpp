@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <ctime>
 
 namespace velmora {
 namespace {
@@ -89,9 +89,9 @@ TEST_F(Links, areReadInATimeThatGrowsWithThePageAlone) {
         std::u16string page = u" ";
         for (std::size_t i = 0; i < 2'500'000; ++i)
             page.append(i % 74 == 73 ? tail : u"HREF");
-        const auto begin = std::chrono::steady_clock::now();
+        const std::clock_t begin = std::clock(); // the processor's time: others may have it, too
         EXPECT_EQ(read(page).size(), 2'500'000U);
-        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+        EXPECT_LT((std::clock() - begin) / CLOCKS_PER_SEC, 20);
     }
 }
 
