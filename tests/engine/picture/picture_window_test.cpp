@@ -58,7 +58,8 @@ protected:
         server_ = new XvfbServer;
         server_->exportToEnvironment();
     }
-    static void TearDownTestSuite() { delete server_; }
+    // The server ends with this process: an engine that ends late would lose its display, and its
+    // library ends the whole process then.
 
     void SetUp() override {
         ASSERT_TRUE(server_->running());
