@@ -58,8 +58,7 @@ protected:
         server_ = new XvfbServer;
         server_->exportToEnvironment();
     }
-    // The server ends with this process: an engine that ends late would lose its display, and its
-    // library ends the whole process then.
+    // It ends with this process: an engine that ended late would lose it, and end us all for that.
 
     void SetUp() override {
         ASSERT_TRUE(server_->running());
