@@ -22,6 +22,7 @@ import locked  # noqa: E402
 import monitors  # noqa: E402
 import session  # noqa: E402
 from desks import DESKS  # noqa: E402
+from tables import table  # noqa: E402
 from walk import SKIPPED, picture  # noqa: E402
 
 # By name: a module with a start(), and its columns.
@@ -51,14 +52,6 @@ def walk(module, manager, column, artifacts):
     finally:
         tour.desk.close()
     return cells
-
-
-def table(columns):
-    rows = list(next(iter(columns.values())))
-    lines = ["| | " + " | ".join(columns) + " |", "|" + "---|" * (len(columns) + 1)]
-    for row in rows:
-        lines.append(f"| {row} | " + " | ".join(cells.get(row, "-") for cells in columns.values()) + " |")
-    return "\n".join(lines) + "\n"
 
 
 def merged(walks):

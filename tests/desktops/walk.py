@@ -23,6 +23,7 @@ import session  # noqa: E402
 from films import HEIGHT, WIDTH, make_film  # noqa: E402
 from player import LIST, MAIN, MINI, Player, PlayerTest, Stranger, stairs  # noqa: E402
 from session import let_pass, quiet, rest, wait_for  # noqa: E402
+from tables import table  # noqa: E402
 
 SKIPPED = 77
 SCREEN = (1280, 800)
@@ -431,14 +432,6 @@ def walk(name, artifacts):
     finally:
         desk.close()
     return cells
-
-
-def table(columns):
-    rows = list(next(iter(columns.values())))
-    lines = ["| | " + " | ".join(columns) + " |", "|" + "---|" * (len(columns) + 1)]
-    for row in rows:
-        lines.append(f"| {row} | " + " | ".join(cells.get(row, "-") for cells in columns.values()) + " |")
-    return "\n".join(lines) + "\n"
 
 
 def main():
