@@ -113,7 +113,7 @@ protected:
         const std::size_t first = waitForSound(from);
         if (first == MonitorRecorder::frameNone)
             return {};
-        return findIn(heard(1, first, 250), side, target / 1000.0, 0.3);
+        return findFrom(first, 1, side, target / 1000.0, 0.3);
     }
 
     inline static XvfbServer *display_ = nullptr;
