@@ -70,3 +70,8 @@ class SettingsTest(PlayerTest):
             same, before[0] = now == before[0], now
             return now if same else None
         return wait_for(look)
+
+    def another_page(self, window, than):
+        """The page once it stands and is none of those; otherwise as it stands in the end."""
+        return (wait_for(lambda: (now := self.steady_page(window)) not in than and now)
+                or self.steady_page(window))

@@ -294,10 +294,10 @@ class Monitors(Placing):
 
     def opens_the_list(self, player, main):
         player.click(main, "playListButton")
-        return player.form(LIST, 5)
+        return player.form(LIST, 15)
 
     def until(self, look):
-        return wait_for(look)
+        return wait_for(look, 60)
 
     def test_a_drag_after_it_moves_by_what_the_pointer_moves(self):
         player, main = self.start()

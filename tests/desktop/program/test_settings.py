@@ -20,7 +20,7 @@ class ByMouse(SettingsTest):
         pages = []
         for tab in PAGES:
             self.click(settings, SETTINGS, tab)
-            pages.append(self.steady_page(settings))
+            pages.append(self.another_page(settings, pages))
         self.assertEqual(len(set(pages)), len(PAGES), "two pages look alike")
 
     def test_apply_changes_the_main_window_at_once_and_stays(self):
@@ -190,7 +190,7 @@ class ByKeyboard(SettingsTest):
         pages = []
         for _ in PAGES:
             self.keys("Tab", "Return")
-            pages.append(self.steady_page(settings))
+            pages.append(self.another_page(settings, pages))
         self.assertEqual(len(set(pages)), len(PAGES), "two pages look alike")
 
     def test_the_order_goes_round_backwards_too(self):
@@ -214,9 +214,10 @@ class ByKeyboard(SettingsTest):
         settings = self.open()
         plain = self.steady(settings, "qd")
         self.on(7)  # in order, random, repeat, update, video, restore, OK
-        self.assertTrue(self.steady(settings, "qd") != plain, "nothing marks the button")
+        self.assertTrue(wait_for(lambda: self.steady(settings, "qd") != plain),
+                        "nothing marks the button")
         self.on(1)
-        self.assertTrue(self.steady(settings, "qd") == plain, "the mark stays")
+        self.assertTrue(wait_for(lambda: self.steady(settings, "qd") == plain), "the mark stays")
 
     def steady(self, settings, control):
         left, top, width, height = SETTINGS[control]
@@ -329,7 +330,7 @@ class ByKeyboard(SettingsTest):
             settings = self.open_page(tab)
             top = self.steady_page(settings)
             self.keys("Next", "Next")
-            self.assertTrue(self.steady_page(settings) != top, f"{tab} does not scroll")
+            self.assertTrue(self.another_page(settings, [top]) != top, f"{tab} does not scroll")
             self.keys("ctrl+s")
             self.assert_closed()
 

@@ -250,11 +250,13 @@ class Welcome(MakerTest):
             self.player.click(window, tab, form=WELCOME)
         # The text is a link to another try, which fetches the page anew and meets the same lines.
         os.remove(self.fetched("zkPlayerWelcome.tmp"))
-        self.assertTrue(self.steady(window, "FrameDate_0") == failed, "a tab shows its page")
+        self.assertTrue(wait_for(lambda: self.steady(window, "FrameDate_0") == failed),
+                        "a tab shows its page")
         self.player.click(window, "loadStr", form=WELCOME)
         self.assertTrue(wait_for(
             lambda: os.path.exists(self.fetched("zkPlayerWelcome.tmp")), 30), "it does not try")
-        self.assertTrue(self.steady(window, "FrameDate_0") == failed, "the failure is told no more")
+        self.assertTrue(wait_for(lambda: self.steady(window, "FrameDate_0") == failed),
+                        "the failure is told no more")
 
     def test_without_a_maker_it_says_so_and_offers_itself_again(self):
         self.begin()
