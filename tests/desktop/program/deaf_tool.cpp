@@ -1,7 +1,8 @@
-// velmora_deaf
+// velmora_deaf [frames]
 //
 // A window manager that shows each window where it wants to be at first, and from then on takes its
-// requests for another place, leaves it where it is and tells nobody. Says "ready" once it is
+// requests for another place, leaves it where it is and tells nobody. With frames each window is
+// put into one, which goes where it is sent, and nobody tells the window. Says "ready" once it is
 // there.
 
 #include "tests/desktop/x_reply.h"
@@ -11,6 +12,7 @@
 #include <cstdint>
 #include <iostream>
 #include <set>
+#include <string_view>
 
 namespace {
 
@@ -25,9 +27,23 @@ void grant(xcb_connection_t *connection, const xcb_configure_request_event_t &as
                          values);
 }
 
+void frame(xcb_connection_t *connection, xcb_window_t root, xcb_window_t window) {
+    const auto place =
+        owned(xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window), nullptr));
+    if (!place)
+        return;
+    const xcb_window_t frame = xcb_generate_id(connection);
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, frame, root, place->x, place->y,
+                      place->width, place->height, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                      XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_reparent_window(connection, window, frame, 0, 0);
+    xcb_map_window(connection, frame);
+}
+
 } // namespace
 
-int main() {
+int main(int count, char **words) {
+    const bool frames = count > 1 && std::string_view(words[1]) == "frames";
     xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
     if (xcb_connection_has_error(connection) != 0)
         return 1;
@@ -45,6 +61,8 @@ int main() {
         if (kind == XCB_MAP_REQUEST) {
             const auto window =
                 reinterpret_cast<const xcb_map_request_event_t *>(event.get())->window;
+            if (frames)
+                frame(connection, screen->root, window);
             xcb_map_window(connection, window);
             shown.insert(window);
         } else if (kind == XCB_UNMAP_NOTIFY) {

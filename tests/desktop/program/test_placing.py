@@ -119,21 +119,29 @@ class HeldAtAnEdge(Placing):
 
 class Deaf(Session):
     """Its window manager takes requests for another place of what is shown, and tells nothing."""
+    how = ()
 
     def __init__(self, window_manager, sound):
         super().__init__(window_manager=False, sound=sound)
-        self.manager = subprocess.Popen([DEAF], env=self.env, stdout=subprocess.PIPE, start_new_session=True)
+        self.manager = subprocess.Popen([DEAF, *self.how], env=self.env, stdout=subprocess.PIPE, start_new_session=True)
         self.children.append(self.manager)
         self.manager.stdout.readline()
 
 
-class LeftWhereItIs(Placing):
-    session_kind = Deaf
+class Frames(Deaf):
+    """It moves frames, and tells the windows in them nothing, either."""
+    how = ("frames",)
 
+
+class Untold(Placing):
     def setUp(self):
         super().setUp()
         self.enterContext(mock.patch("session.TAKEN", None))  # it answers nothing at all
         self.addCleanup(lambda: self.session.manager.stdout.close())
+
+
+class LeftWhereItIs(Untold):
+    session_kind = Deaf
 
     def test_a_window_that_nobody_moves_takes_its_clicks_where_it_is_seen(self):
         player, main = self.start()
@@ -146,6 +154,21 @@ class LeftWhereItIs(Placing):
         self.assertTrue(wait_for(lambda: not player.form(LIST, 0.1)), "its button does not answer")
         # Closing that put the window back: there it is at home.
         let_pass(2)
+        player.click(main, "mini_Button")
+        self.assertTrue(player.form(MINI), "its button does not answer")
+
+
+class MovedInItsFrame(Untold):
+    session_kind = Frames
+
+    def test_a_press_that_meets_a_window_elsewhere_has_it_looked_for_at_once(self):
+        player, main = self.start()
+        tree = quiet("xwininfo", "-tree", "-id", main, env=self.session.env)
+        frame = re.search(r"Parent window id: (0x[0-9a-f]+)", tree)[1]
+        x, y = player.place(main)
+        let_pass(2)  # the program looks by itself a moment after it has come, and not again
+        player.move(frame, x + 100, y + 150)
+        self.assertEqual(player.place(main), (x + 100, y + 150), "it does not stand in its frame")
         player.click(main, "mini_Button")
         self.assertTrue(player.form(MINI), "its button does not answer")
 
@@ -478,7 +501,36 @@ class Guest(Placing):
 
     def ground(self):
         """What takes the presses beside the program's windows."""
-        return " 1282x802+-1+-1 " in quiet("xwininfo", "-root", "-tree", env=self.session.env)
+        told = quiet("xwininfo", "-root", "-tree", env=self.session.env)
+        return next((line.split()[0] for line in told.splitlines() if " 1282x802+-1+-1 " in line), None)
+
+    def witness(self, player, main):
+        """Tells what has become of the screen's windows, in order: (event, window, place)."""
+        path = self.session.home + "/seen"
+
+        def seen():
+            with open(path, encoding="utf-8") as file:
+                told = re.findall(r"^(\w+)Notify event.*\n +event 0x\w+, window (0x\w+)(?:, \((-?\d+),(-?\d+)\))?",
+                                  file.read(), re.M)
+            return [(kind, int(window, 16), x and (int(x), int(y))) for kind, window, x, y in told]
+        with open(path, "w", encoding="utf-8") as file:
+            child = subprocess.Popen(["stdbuf", "-oL", "xev", "-root", "-event", "substructure"],
+                                     env=self.session.env, stdout=file, stderr=subprocess.DEVNULL)
+        self.addCleanup(child.wait)
+        self.addCleanup(child.kill)
+        x, y = player.place(main)
+
+        def is_there():
+            for step in (1, 0):
+                player.tool("windowmove", main, x + step, y)
+            return seen()
+        self.assertTrue(wait_for(is_there), "no witness")
+        return seen
+
+    def first(self, seen, kind, window, beyond=False):
+        """Which of what was seen it was that befell the window, on the screen or beyond."""
+        return next((number for number, (what, which, place) in enumerate(seen) if (what, which) == (kind, window) and
+                     (not beyond or not (-100 < place[0] < 1280 and -100 < place[1] < 800))), None)
 
     def test_a_menu_is_told_of_every_press_on_the_screen_and_closes_by_it(self):
         player, main = self.start()
@@ -491,6 +543,21 @@ class Guest(Placing):
         self.assertTrue(wait_for(lambda: not self.ground()), "the screen takes no more clicks")
         player.click_at(other.window, 100, 100)
         self.assertTrue(wait_for(lambda: len(other.presses()) == 1), f"{other.presses()}")
+
+    def test_a_menu_and_what_lies_below_it_leave_the_screen_before_they_go(self):
+        """XWayland keeps the picture of what went for another second, and weston gives it the clicks."""
+        player, main = self.start()
+        seen = self.witness(player, main)
+        player.click_at(main, 5, 150, button=3)
+        menus = player.menus()
+        self.assertTrue(menus, "no menu")
+        menu, ground = int(menus[0]), int(self.ground(), 16)
+        player.tool("key", "Escape")
+        self.assertTrue(wait_for(lambda: self.first(seen(), "Destroy", ground) is not None), "it stays")
+        for window, ends in ((menu, "Unmap"), (ground, "Destroy")):
+            left, went = (self.first(seen(), *what) for what in (("Configure", window, True), (ends, window)))
+            self.assertTrue(left is not None and left < went, f"{window:x}: {seen()}")
+        self.assertLess(self.first(seen(), "Configure", ground, True), self.first(seen(), "Unmap", menu))
 
 
 if __name__ == "__main__":

@@ -130,6 +130,10 @@ void Loop::soon(std::function<void()> work) {
     QTimer::singleShot(0, &wakeUp_, std::move(work));
 }
 
+void Loop::later(std::chrono::milliseconds pause, std::function<void()> work) {
+    QTimer::singleShot(pause, &wakeUp_, std::move(work));
+}
+
 void Loop::dropIdle() {
     while (!idle_.empty())
         idle_.pop_front();

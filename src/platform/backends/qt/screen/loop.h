@@ -50,6 +50,8 @@ public:
 
     // Runs `work` in one of the next rounds of the loop, once the start sequence is over.
     void soon(std::function<void()> work);
+    // Runs `work` after that time, or never if the end comes first.
+    void later(std::chrono::milliseconds pause, std::function<void()> work);
 
     // Every call into the program is wrapped in one of these.
     class Handler {

@@ -356,10 +356,11 @@ xcb_window_t X11::makeSensor(const QRect &place, std::function<void()> entered) 
 void X11::placeSensor(xcb_window_t sensor, const QRect &place) {
     const std::uint32_t values[] = {
         static_cast<std::uint32_t>(place.x()), static_cast<std::uint32_t>(place.y()),
-        static_cast<std::uint32_t>(std::max(1, place.width())), XCB_STACK_MODE_ABOVE};
+        static_cast<std::uint32_t>(std::max(1, place.width())),
+        static_cast<std::uint32_t>(std::max(1, place.height())), XCB_STACK_MODE_ABOVE};
     xcb_configure_window(connection_, sensor,
                          XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
-                             XCB_CONFIG_WINDOW_STACK_MODE,
+                             XCB_CONFIG_WINDOW_HEIGHT | XCB_CONFIG_WINDOW_STACK_MODE,
                          values);
     flush();
 }
