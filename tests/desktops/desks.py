@@ -16,6 +16,7 @@ class Desk(Session):
     """A window manager on a bare screen."""
     command = ()
     tells_above = True  # whether it says of a window over the whole screen that it is kept on top
+    tells_place = True  # whether it says where it has put a window that comes up
     hands = None  # the environment of the screen whose pointer a person moves; that of the programs if none
 
     @classmethod
@@ -206,7 +207,8 @@ class GnomeWayland(Shell, Nested):
 
 
 class Weston(Nested):
-    name, command = "weston", ("weston",)
+    name, command, tells_above = "weston", ("weston",), False
+    tells_place = False
 
     def start_desk(self):
         self.start_words()
