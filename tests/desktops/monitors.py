@@ -1,8 +1,9 @@
 """The walk over two monitors of each density, which change and go while the program runs."""
 
-from player import LIST, Stranger
+from player import LIST, SETTINGS, Stranger
 from scaled import FILM, Tour, desk, inside, near
 from session import let_pass, quiet, rest, wait_for
+from settings_window import DESKTOP_COLOUR, DESKTOP_FONT
 from walk import need
 
 STEPS = 20  # of a hand
@@ -100,6 +101,35 @@ class MonitorWalk(Tour):
         need(inside(area, self.other), f"the dialog for files opens at {area}")
         area = self.box(lambda: self.player.click(self.list, "addDir", form=LIST), "Escape")
         need(inside(area, self.other), f"the dialog for folders opens at {area}")
+
+    def choices(self):
+        """The settings' dialogs come up where their window stands, also where a hand has dragged it."""
+        self.to_front(self.main)
+        self.desk.key("ctrl+s", self.main)
+        settings = need(self.player.form(SETTINGS), "no settings")
+        try:
+            self.player.click(settings, "lrcSet", form=SETTINGS)
+            for there in (self.monitor, self.other):
+                x, y, wide, high = there
+                self.drag(settings, (x + wide // 8, y + high // 8))
+                self.player.tool("mousemove", *self.middle(self.monitor))
+                for name, place in (("fonts", DESKTOP_FONT), ("colours", DESKTOP_COLOUR)):
+                    area = self.box(lambda place=place: self.player.click_at(settings, *place), "Escape")
+                    need(inside(area, there), f"with the settings on {there} the dialog for {name} opens at {area}")
+        finally:
+            self.player.click(settings, "close", form=SETTINGS)
+        need(self.player.gone(settings), "the settings stay")
+        rest(lambda: self.player.place(self.main), still=1)
+        self.drag(self.main, self.over_there(self.home))  # closing the settings is a docking, too
+        self.touching()
+
+    def drag(self, window, place):
+        """A window to a place, by what is in sight of its title when most of it is beyond the edge."""
+        grip = self.take(window, 380)
+        at = self.player.place(window)
+        self.carry(grip, [a + b - c for a, b, c in zip(grip, place, at)])
+        self.player.tool("mouseup", 1)
+        self.stands(window, place, "dragged, it")
 
     @staticmethod
     def middle(area):
@@ -234,6 +264,7 @@ class MonitorWalk(Tour):
         yield "slowly over the border and back in one drag", self.there_and_back
         yield "the menu opens there at the pointer", self.menu
         yield "boxes and dialogs open there", self.boxes_there
+        yield "dialogs for fonts and colours open where the settings stand", self.choices
         yield "both dragged back", self.back_from_the_other
         yield "boxes open on the primary monitor", self.question
         yield "the strip at the primary monitor's edge, out of sight and back", self.strip_is_there

@@ -186,8 +186,8 @@ class Tour(Walk):
         """What panels leave of the primary monitor."""
         return self.monitor
 
-    def take(self, window):
-        grip = self.player.point(window, 150, 12)
+    def take(self, window, column=150):
+        grip = self.player.point(window, column, 12)
         self.player.tool("mousemove", *grip)
         self.player.tool("mousedown", 1)
         return grip

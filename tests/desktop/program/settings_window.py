@@ -9,6 +9,9 @@ KEY = "SOFTWARE\\NORVANE\\ZKPLAYER\\PLAYSET"
 PAGES = ("playSet", "lrcSet", "folderSet", "languageSet", "Shortcuts", "help")
 # The frame of a page, and places inside it, in pixels.
 FRAME = (2280 / 15, 480 / 15)
+# On the page of lyrics: the buttons for the font and the colour of the line on the desktop.
+DESKTOP_FONT = (FRAME[0] + (150 + 210 + 1425) / 15, FRAME[1] + (300 + 2100 + 195) / 15)
+DESKTOP_COLOUR = (FRAME[0] + (150 + 3210 + 1425) / 15, FRAME[1] + (300 + 2100 + 195) / 15)
 LANGUAGE_ROWS = {"Chinese": 480, "English": 960, "French": 1440, "Japanese": 1920}
 
 

@@ -12,23 +12,21 @@ import sys
 from cases import run
 from player import APP, PICK_COLOUR, PICK_FOLDER, PICK_FONT, SETTINGS, stairs
 from session import quiet, wait_for
-from settings_window import FRAME, LANGUAGE_ROWS, PAGES, SettingsTest
+from settings_window import DESKTOP_COLOUR, DESKTOP_FONT, FRAME, LANGUAGE_ROWS, PAGES, SettingsTest
 
 
 class Dialogs(SettingsTest):
     """The system's dialogs behind the buttons, and what they change on the screen."""
 
     # Places within the window, in pixels.
-    DESKTOP_FONT = (FRAME[0] + (150 + 210 + 1425) / 15, FRAME[1] + (300 + 2100 + 195) / 15)
-    DESKTOP_COLOUR = (FRAME[0] + (150 + 3210 + 1425) / 15, FRAME[1] + (300 + 2100 + 195) / 15)
     OTHER_FONT = (FRAME[0] + (150 + 210 + 1425) / 15, FRAME[1] + (3000 + 1320 + 180) / 15)
     OTHER_COLOUR = (FRAME[0] + (150 + 3210 + 1425) / 15, FRAME[1] + (3000 + 1320 + 180) / 15)
     AUTO_OPEN = (FRAME[0] + (150 + 210 + 100) / 15, FRAME[1] + (300 + 300 + 165) / 15)
     LIST_FOLDER = (FRAME[0] + (5820 + 240) / 15, FRAME[1] + (1845 + 240) / 15)
 
     def dialog(self, window, place):
-        says = {self.DESKTOP_FONT: PICK_FONT, self.OTHER_FONT: PICK_FONT,
-                self.DESKTOP_COLOUR: PICK_COLOUR, self.OTHER_COLOUR: PICK_COLOUR,
+        says = {DESKTOP_FONT: PICK_FONT, self.OTHER_FONT: PICK_FONT,
+                DESKTOP_COLOUR: PICK_COLOUR, self.OTHER_COLOUR: PICK_COLOUR,
                 self.LIST_FOLDER: PICK_FOLDER}[place]
         self.press(window, *place)
         box = self.assert_box(self.player, says)
@@ -52,7 +50,7 @@ class Dialogs(SettingsTest):
     def test_a_colour_is_chosen_shown_in_the_preview_and_stored_on_apply(self):
         settings = self.lyrics()
         before = self.steady_page(settings)
-        box = self.dialog(settings, self.DESKTOP_COLOUR)
+        box = self.dialog(settings, DESKTOP_COLOUR)
         self.keys("alt+h", "ctrl+a")
         quiet("xdotool", "type", "#10ff20", env=self.session.env)
         self.keys("Return")
@@ -74,7 +72,7 @@ class Dialogs(SettingsTest):
 
     def test_a_font_size_is_chosen_and_stored_on_apply(self):
         settings = self.lyrics()
-        box = self.dialog(settings, self.DESKTOP_FONT)
+        box = self.dialog(settings, DESKTOP_FONT)
         self.keys("alt+s", "ctrl+a")
         quiet("xdotool", "type", "20", env=self.session.env)
         self.keys("Return")
@@ -89,7 +87,7 @@ class Dialogs(SettingsTest):
                               env=self.session.env, stdout=subprocess.PIPE, text=True,
                               check=True).stdout
         settings = self.lyrics()
-        box = self.dialog(settings, self.DESKTOP_FONT)
+        box = self.dialog(settings, DESKTOP_FONT)
         self.keys("alt+f")
         quiet("xdotool", "type", face, env=self.session.env)
         self.keys("Return")
