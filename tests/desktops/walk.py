@@ -27,6 +27,7 @@ from tables import table  # noqa: E402
 
 SKIPPED = 77
 SCREEN = (1280, 800)
+PATIENCE, BRIEF = 30, 4  # seconds: with what is expected, and with what a known limit holds back
 FADE = 10  # seconds, that of the sound included
 GROUND = (0, 60, SCREEN[0], 640)  # where the main window comes: below the strip, above every task bar
 TASK_BAR = (640, 780)
@@ -94,6 +95,8 @@ def need(found, what):
 
 
 class Walk:
+    patience = PATIENCE
+
     def __init__(self, desk):
         self.desk = self.session = desk
         music = desk.home + "/music"
@@ -137,7 +140,8 @@ class Walk:
         def touch():
             (x, y), (list_x, list_y) = self.player.place(self.main), self.player.place(self.list)
             return (list_x, list_y) == (x + int(MAIN["form"][2]), y)
-        need(wait_for(touch), f"list at {self.player.place(self.list)}, main at {self.player.place(self.main)}")
+        need(wait_for(touch, self.patience),
+             f"list at {self.player.place(self.list)}, main at {self.player.place(self.main)}")
 
     def out_and_back(self, out):
         grip = self.player.point(self.main, 150, 12)
@@ -154,10 +158,10 @@ class Walk:
             self.player.tool("mousemove", grip[0] + 1, grip[1])
             self.player.tool("mousemove", *grip)
             return rest(lambda: self.player.place(self.main), still=0.2) == self.home
-        wait_for(at_home, 30)
+        wait_for(at_home, self.patience)
         self.player.tool("mouseup", 1)
         self.touching()
-        need(wait_for(lambda: self.player.place(self.main) == self.home),
+        need(wait_for(lambda: self.player.place(self.main) == self.home, self.patience),
              f"from {self.home} it came back to {self.player.place(self.main)}")
 
     def is_minimised(self, window):
@@ -328,13 +332,13 @@ class Walk:
     def click_letters(self):
         self.player.tool("mousemove", *self.spots[True])
         self.player.tool("click", 1)
-        need(wait_for(lambda: self.below.presses() == [self.spots[True]]),
+        need(wait_for(lambda: self.below.presses() == [self.spots[True]], self.patience),
              "a click between the letters does not pass")
         self.player.tool("mousemove", *self.spots[False])
         self.player.tool("click", 1)
         self.player.tool("mousemove", *self.spots[True])
         self.player.tool("click", 1)
-        need(wait_for(lambda: self.below.presses() == [self.spots[True]] * 2),
+        need(wait_for(lambda: self.below.presses() == [self.spots[True]] * 2, self.patience),
              "a click on a letter passes")
 
     def video(self, size=(WIDTH, HEIGHT), other=None):
@@ -367,7 +371,7 @@ class Walk:
                                                    env=self.desk.env), 15), "it is not on top")
         self.key_to_film("Return", whole)
         self.film = need(self.video(), "no way back")
-        need(wait_for(lambda: self.player.place(self.film) == home),
+        need(wait_for(lambda: self.player.place(self.film) == home, self.patience),
              f"it comes back to {self.player.place(self.film)}, not to {home}")
 
     def key_to_film(self, key, window):
@@ -435,6 +439,7 @@ def walk(name, artifacts):
             if not re.search(ROWS, row):
                 continue
             limit = LIMITS.get((name, row))
+            steps.patience = BRIEF if limit else PATIENCE
             try:
                 step()
                 cells[row] = "ok"
