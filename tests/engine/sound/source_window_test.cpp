@@ -71,6 +71,24 @@ TEST_F(Window, ASeekElsewhereBeginsAnew) {
     expectFrames(copy(window, 10, 4000), 10);
 }
 
+TEST_F(Window, KeepsWhatThereIsInMoreRoomAndTheLatestInLess) {
+    auto window = make(200000, 40000);
+    copy(window, 0, 40000);
+    window.keep(100000);
+    copy(window, 40000, 60000);
+    const auto decoded = calls_.decoded;
+    expectFrames(copy(window, 1000, 99000), 1000);
+    window.keep(30000);
+    expectFrames(copy(window, 70000, 30000), 70000);
+    EXPECT_EQ(calls_.decoded, decoded);
+    EXPECT_EQ(calls_.seeks, 0);
+    expectFrames(copy(window, 100000, 30000), 100000);
+    expectFrames(copy(window, 101000, 29000), 101000);
+    window.seek(50000); // in the room that was given back
+    EXPECT_EQ(calls_.seeks, 1);
+    expectFrames(copy(window, 50000, 100), 50000);
+}
+
 TEST_F(Window, BehindTheEndIsSilence) {
     auto window = make(5000);
     const auto out = copy(window, 4990, 20);

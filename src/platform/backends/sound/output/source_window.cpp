@@ -20,14 +20,18 @@ SourceWindow::SourceWindow(std::unique_ptr<Reader> reader, int capacityMs)
     : reader_(std::move(reader)), mix_(reader_->channels()),
       capacity_(capacityFor(std::int64_t{reader_->rate()} * capacityMs / 1000)) {}
 
+// Rooms that differ by little are not worth the copying.
 void SourceWindow::keep(std::int64_t frames) {
     const std::int64_t capacity = capacityFor(frames);
-    if (capacity <= capacity_)
+    if (capacity <= capacity_ && capacity_ - capacity <= capacity_ / 16)
         return;
-    std::vector<float> old = std::move(ring_);
-    ring_.assign(static_cast<std::size_t>(capacity) * 2, 0.0F);
+    std::vector<float> ring;
+    if (!ring_.empty())
+        ring.resize(static_cast<std::size_t>(capacity) * 2);
+    begin_ = std::max(begin_, end_ - capacity);
     for (std::int64_t frame = begin_; frame < end_; ++frame)
-        std::copy_n(old.begin() + frame % capacity_ * 2, 2, ring_.begin() + frame % capacity * 2);
+        std::copy_n(ring_.begin() + frame % capacity_ * 2, 2, ring.begin() + frame % capacity * 2);
+    ring_ = std::move(ring);
     capacity_ = capacity;
 }
 

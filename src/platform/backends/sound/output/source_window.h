@@ -23,7 +23,7 @@ public:
     // Where the sound ends: the reader's length, or earlier where decoding turned out to stop.
     std::int64_t length() const { return std::min(reader_->frames(), stop_); }
 
-    // Keeps so many frames from now on, if that is more than before.
+    // Keeps about so many frames from now on, the latest; room for more is given back.
     void keep(std::int64_t frames);
 
     // Makes `frame` the next one to be copied. What is there already is not decoded again.

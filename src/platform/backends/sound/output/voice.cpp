@@ -162,10 +162,11 @@ TimePoint Voice::fill(TimePoint now) {
     catchUp(now);
     const std::int64_t taken = framesOfMs(stream_->takenAheadMs());
     const std::int64_t ahead = std::min(taken + framesOfMs(aheadMs), stream_->mostAhead());
-    window_.keep(ahead + framesOfMs(keptMs));
     // Half way between what is taken at once and what there can be.
     const std::int64_t refill = ahead - std::max<std::int64_t>(ahead - taken, 2) / 2;
     const std::int64_t heard = stream_->heard(now);
+    // What was written while the other side seemed to take more stays there to be rendered again.
+    window_.keep(std::max(ahead, head_ - heard) + framesOfMs(keptMs));
     if (rewriteStale(now, heard))
         return now;
     // Silence follows the end, at least over all that was ever written there.
