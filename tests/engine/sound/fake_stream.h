@@ -2,6 +2,7 @@
 
 #include "platform/backends/sound/output/output_stream.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <map>
@@ -24,6 +25,8 @@ public:
     bool advances = true;
     int writes = 0;
     std::int64_t framesWritten = 0;
+    std::int64_t framesAtOnce = 0; // since time went on
+    std::int64_t mostAtOnce = 0;
     int stops = 0;
     std::int64_t lead = 4; // frames that are too late to be written
     int takenAheadMs = 0;
@@ -38,6 +41,8 @@ public:
 
     void move(std::int64_t frames) {
         now += platform::sound::timeOfFrames(frames, rate);
+        if (frames > 0)
+            framesAtOnce = 0;
         if (state != State::Running || !advances)
             return;
         for (; frames > 0; --frames, ++heard) {
@@ -79,6 +84,8 @@ public:
                 server_.queue[first + static_cast<std::int64_t>(i)] = samples[i * 2];
         ++server_.writes;
         server_.framesWritten += end - first;
+        server_.framesAtOnce += end - first;
+        server_.mostAtOnce = std::max(server_.mostAtOnce, server_.framesAtOnce);
         server_.move(server_.heardInAWrite);
     }
     platform::sound::TimePoint refresh(platform::sound::TimePoint) override {

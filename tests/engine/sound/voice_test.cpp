@@ -253,6 +253,21 @@ TEST_F(VoiceTest, AFadeOfManyChangesWritesLittleForEach) {
         ASSERT_GE(server_.out[i] + 1e-5F, server_.out[i - 1]) << i - at;
 }
 
+// All at once it would stand in the server's memory beside what it replaces.
+TEST_F(VoiceTest, WhatIsFarAheadTakesANewVolumePieceByPiece) {
+    server_.takenAheadMs = 2000;
+    transport(true, 0);
+    play(1000);
+    server_.mostAtOnce = 0;
+    volume(500);
+    play(20);
+    const std::size_t at = server_.out.size();
+    play(3500);
+    EXPECT_LE(server_.mostAtOnce, 2 * 8160);
+    for (std::size_t i = at; i < server_.out.size(); ++i)
+        ASSERT_FLOAT_EQ(server_.out[i], FakeReader::valueAt(static_cast<std::int64_t>(i)) / 2) << i;
+}
+
 TEST_F(VoiceTest, AChannelIsHeardOnBothSides) {
     transport(true, 50000);
     play(300);

@@ -22,6 +22,9 @@ constexpr int staleNearMs = 50;
 constexpr auto mixPause = 4ms;
 constexpr auto exactPause = 1ms;
 constexpr auto mixSettled = 40ms;
+// Between pieces that are rendered anew. The server tells when it needs the old ones no more, and
+// the memory they lie in serves for the next; all at once they would stand there twice.
+constexpr auto anewPause = 10ms;
 constexpr int silenceMs = 100;           // behind what was cut off
 constexpr std::int64_t smallStep = 2048; // frames
 // What one block of the server's shared memory holds, 64 KB less its own head: a step of more would
@@ -151,6 +154,7 @@ TimePoint Voice::changeMix(TimePoint now) {
     staleFrom_.reset();
     if (end < head_)
         staleFrom_ = std::max(from, end);
+    anewFrom_ = now + mixSettled;
     return never;
 }
 
@@ -190,18 +194,19 @@ TimePoint Voice::fill(TimePoint now) {
     if (head_ < end)
         due = std::min(due, whenHeard(head_ - refill + 1, now));
     if (staleFrom_)
-        due = std::min(due, lastMix_ + mixSettled);
+        due = std::min(due, anewFrom_);
     return due;
 }
 
-// The part that still has an older gain, step by step. True while there is more to do at once.
+// The part that still has an older gain, step by step. True when one was done.
 bool Voice::rewriteStale(TimePoint now, std::int64_t heard) {
     if (!staleFrom_)
         return false;
-    if (now < (lastMix_ + mixSettled) && (*staleFrom_ - heard) > framesOfMs(staleNearMs))
+    if (now < anewFrom_ && (*staleFrom_ - heard) > framesOfMs(staleNearMs))
         return false;
     const std::int64_t end = std::min(head_, *staleFrom_ + largeStep);
     write(*staleFrom_, end);
+    anewFrom_ = now + anewPause;
     staleFrom_ = end;
     if (end >= head_)
         staleFrom_.reset();

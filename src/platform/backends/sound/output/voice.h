@@ -73,6 +73,7 @@ private:
     std::int64_t written_ = 0; // the end of everything ever written
     // Frames from here to head_ still hold an older gain.
     std::optional<std::int64_t> staleFrom_;
+    TimePoint anewFrom_; // before that it waits, unless it is near
     TimePoint lastMix_;
     bool filling_ = false;
     // Silent from here on: the stream is stopped when this has been heard.
