@@ -20,6 +20,8 @@ constexpr int keptMs = 400;   // decoded and kept beyond that
 constexpr int rewriteMs = 100;
 constexpr int staleNearMs = 50;
 constexpr auto mixPause = 4ms;
+// In a row of changes each waits as long as its ramp takes: the one before has been heard whole.
+constexpr auto mixPauseInARow = std::chrono::milliseconds(rampMs);
 constexpr auto exactPause = 1ms;
 constexpr auto mixSettled = 40ms;
 // Between pieces that are rendered anew. The server tells when it needs the old ones no more, and
@@ -140,11 +142,12 @@ TimePoint Voice::changeMix(TimePoint now) {
         doneMix_ = wish_.mix; // a start takes the gain that holds then
         return never;
     }
-    if (now < lastMix_ + mixPause)
-        return lastMix_ + mixPause;
+    if (now < mixFrom_)
+        return mixFrom_;
     if (!stream_->exact(now))
         return now + exactPause;
     doneMix_ = wish_.mix;
+    mixFrom_ = now + (now < lastMix_ + mixSettled ? mixPauseInARow : mixPause);
     lastMix_ = now;
     const std::int64_t from = std::max(stream_->earliest(now), pieceOut_);
     ramp_.rampTo(wish_.gain, from, framesOfMs(rampMs));

@@ -75,6 +75,7 @@ private:
     std::optional<std::int64_t> staleFrom_;
     TimePoint anewFrom_; // before that it waits, unless it is near
     TimePoint lastMix_;
+    TimePoint mixFrom_; // a further change waits until then
     bool filling_ = false;
     // Silent from here on: the stream is stopped when this has been heard.
     std::optional<std::int64_t> stopAt_;
