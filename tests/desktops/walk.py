@@ -28,6 +28,7 @@ from tables import table  # noqa: E402
 SKIPPED = 77
 SCREEN = (1280, 800)
 PATIENCE, BRIEF = 30, 4  # seconds: with what is expected, and with what a known limit holds back
+FILM_PATIENCE = 90  # until the next film shows, or the keys mean another thing, on a busy machine
 FADE = 10  # seconds, that of the sound included
 GROUND = (0, 60, SCREEN[0], 640)  # where the main window comes: below the strip, above every task bar
 TASK_BAR = (640, 780)
@@ -171,7 +172,7 @@ class Walk:
 
     def is_back(self, window):
         return wait_for(lambda: window in self.player.windows() and "Iconic" not in quiet(
-            "xprop", "-id", window, "WM_STATE", env=self.desk.env), 10)
+            "xprop", "-id", window, "WM_STATE", env=self.desk.env), self.patience)
 
     def in_sight(self, area, without):
         """What the window system calls shown, or gone, may not be so on the screen yet, and then clicks go astray."""
@@ -243,19 +244,19 @@ class Walk:
         try:
             entry = need(rest(self.listed, 10, still=1), "no list of windows has it")
             quiet("xdotool", "windowactivate", entry, env=self.desk.env)
-            need(self.player.gone(self.strip, 10), "the strip stays")
+            need(self.player.gone(self.strip, self.patience), "the strip stays")
         finally:
             if self.strip in self.player.windows():
                 self.strip_comes()
                 self.leave_mini()
-            self.main = need(self.player.window(10), "the main window does not come")
+            self.main = need(self.player.window(), "the main window does not come")
         self.in_sight(GROUND, without)
 
     def leave_mini(self):
         left, top, width, height = MINI["mini_Button"]
         without = rest(lambda: self.seen(*GROUND), 10)
         self.click_strip(left + width / 2, top + height / 2)
-        self.main = need(self.player.window(10), "the main window does not come back")
+        self.main = need(self.player.window(), "the main window does not come back")
         self.in_sight(GROUND, without)
 
     def minimise(self):
@@ -343,7 +344,7 @@ class Walk:
 
     def video(self, size=(WIDTH, HEIGHT), other=None):
         return wait_for(lambda: next((each for each in self.player.windows()
-                                      if each != other and self.player.size(each) == size), None), 15)
+                                      if each != other and self.player.size(each) == size), None), FILM_PATIENCE)
 
     def film_shows(self):
         self.player.click(self.main, "nextButton")
@@ -368,7 +369,7 @@ class Walk:
             let_pass(FADE)
         else:
             need(wait_for(lambda: "ABOVE" in quiet("xprop", "-id", whole, "_NET_WM_STATE",
-                                                   env=self.desk.env), 15), "it is not on top")
+                                                   env=self.desk.env), FILM_PATIENCE), "it is not on top")
         self.key_to_film("Return", whole)
         self.film = need(self.video(), "no way back")
         need(wait_for(lambda: self.player.place(self.film) == home, self.patience),
