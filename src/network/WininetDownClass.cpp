@@ -45,7 +45,10 @@ bool folderExists(platform::FileSystem &files, std::u16string_view folder, char1
 
 std::u16string formatByteSize(platform::Profiles &profiles, double size) {
     std::u16string text;
-    passOver([&] { text = untilNul(profiles.StrFormatByteSizeA(roundToInt32(size))); });
+    passOver([&] {
+        text = profiles.StrFormatByteSizeA(roundToInt32(size));
+        text.resize(untilNul(text).size());
+    });
     return text;
 }
 

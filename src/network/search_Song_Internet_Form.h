@@ -83,6 +83,7 @@ private:
     std::u16string songFormat_;
     std::u16string songSize_;
     std::u16string songRate_;
+    std::u16string transferText_; // being made: a transfer tells of itself at every kilobyte
 };
 
 } // namespace velmora

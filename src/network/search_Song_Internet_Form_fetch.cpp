@@ -272,10 +272,11 @@ void search_Song_Internet_Form::wd_Progress(double total, double received, doubl
     const double percent = std::clamp(received / (total / 100), 0.0, 100.0);
     zkProgress1.setValue(percent);
     platform::Profiles &profiles = app_.platform().profiles;
-    downInfo_3.setCaption(
-        joined({u"下载进度：", formatByteSize(profiles, received), u" of ",
-                formatByteSize(profiles, total), u" (", percentText(percent), u"%)"}));
-    downInfo_4.setCaption(joined({u"下载速度：", formatByteSize(profiles, speed), u" /s"}));
+    join(transferText_, {u"下载进度：", formatByteSize(profiles, received), u" of ",
+                         formatByteSize(profiles, total), u" (", percentText(percent), u"%)"});
+    downInfo_3.setCaption(transferText_);
+    join(transferText_, {u"下载速度：", formatByteSize(profiles, speed), u" /s"});
+    downInfo_4.setCaption(transferText_);
 }
 
 void search_Song_Internet_Form::wd_DownloadEnd(bool /*success*/) {
