@@ -1,5 +1,5 @@
 // An engine that lets go of its medium, as at some faults in a file: the next command opens it
-// anew.
+// anew. One that stands without having been told to.
 
 #include "picture_testing.h"
 
@@ -13,9 +13,9 @@
 namespace velmora::tests {
 namespace {
 
-class LetGo : public testing::Test {
+class EngineFault : public testing::Test {
 protected:
-    LetGo()
+    EngineFault()
         : opener_([] {
               platform::PictureOptions options;
               options.audioOutput = "null";
@@ -28,7 +28,19 @@ protected:
         core_ = medium->core.get();
         device_ = std::make_unique<platform::picture::PictureDevice>(std::move(*medium));
         ASSERT_TRUE(playUpTo(*device_, 300));
-        letGo();
+    }
+
+    platform::picture::PictureOpener opener_;
+    platform::picture::MpvCore *core_ = nullptr;
+    std::unique_ptr<platform::picture::PictureDevice> device_;
+};
+
+class LetGo : public EngineFault {
+protected:
+    void SetUp() override {
+        EngineFault::SetUp();
+        if (!HasFatalFailure())
+            letGo();
     }
     void letGo() {
         ASSERT_NE(core_->command({"stop"}), 0U);
@@ -55,10 +67,6 @@ protected:
         EXPECT_GE(engineMs(), ms - 50);
         EXPECT_EQ(device_->mode(), Mode::Playing);
     }
-
-    platform::picture::PictureOpener opener_;
-    platform::picture::MpvCore *core_ = nullptr;
-    std::unique_ptr<platform::picture::PictureDevice> device_;
 };
 
 TEST_F(LetGo, PlayBeginsAnew) {
@@ -106,6 +114,34 @@ TEST_F(LetGo, PlayAfterASeekAndASecondFaultBeginsAnew) {
     letGo();
     ASSERT_TRUE(device_->play());
     expectPlaysFrom(0);
+}
+
+// The engine pauses by itself: it stands, and nothing tells of an end.
+class Hang : public EngineFault {
+protected:
+    void hangAt(int ms) {
+        ASSERT_TRUE(device_->seek(ms));
+        ASSERT_TRUE(device_->play());
+        ASSERT_TRUE(waitUntil([&] { return engineMs() >= ms + 100; }));
+        ASSERT_NE(core_->set("pause", true), 0U);
+        ASSERT_TRUE(waitUntil([&] { return core_->flag("core-idle").value_or(false); }));
+        ASSERT_FALSE(core_->flag("eof-reached").value_or(true));
+    }
+    int engineMs() { return static_cast<int>(core_->number("time-pos").value_or(0.0) * 1000); }
+};
+
+TEST_F(Hang, WhereTheMediumEndsIsItsEnd) {
+    hangAt(device_->lengthMs() - 400);
+    EXPECT_EQ(device_->mode(), Mode::Playing);
+    EXPECT_TRUE(waitUntil([&] { return device_->mode() == Mode::Stopped; }));
+    EXPECT_EQ(device_->positionMs(), device_->lengthMs());
+}
+
+TEST_F(Hang, AnywhereElseIsNone) {
+    hangAt(device_->lengthMs() - 2000);
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_FALSE(waitUntil([&] { return device_->mode() != Mode::Playing; }, 5000));
+    EXPECT_GE(std::chrono::steady_clock::now() - begun, std::chrono::seconds(5));
 }
 
 } // namespace

@@ -66,6 +66,19 @@ TEST(PlaybackClock, StandsWhenTheEngineFallsSilent) {
     EXPECT_DOUBLE_EQ(clock.at(start + milliseconds(9000)), 5.5);
 }
 
+TEST(PlaybackClock, TellsForHowLongTheReadingsStand) {
+    PlaybackClock clock;
+    clock.run();
+    EXPECT_EQ(clock.standsFor(start), milliseconds(0)) << "before the first";
+    clock.correct(5.0, start);
+    clock.correct(5.0, start + milliseconds(700));
+    EXPECT_EQ(clock.standsFor(start + milliseconds(900)), milliseconds(900));
+    clock.correct(5.1, start + milliseconds(1000));
+    EXPECT_EQ(clock.standsFor(start + milliseconds(1000)), milliseconds(0));
+    clock.stopAt(5.1);
+    EXPECT_EQ(clock.standsFor(start + milliseconds(9000)), milliseconds(0)) << "stopped";
+}
+
 TEST(PlaybackClock, ReadingsWhileItStandsAreIgnored) {
     PlaybackClock clock;
     clock.stopAt(3.0);

@@ -147,6 +147,15 @@ void PictureDevice::readEngine() {
         position = core_.number("time-pos");
     if (position && seeks_.isSettled() && Clock::now() - when < closeInterval)
         clock_.correct(*position, when);
+    if (hangsAtEnd(Clock::now()))
+        endReached();
+}
+
+// The engine takes the sound for heard when the server tells that it has run out. Where that comes
+// while the output is just begun anew, as on a busy machine, it is missed: behind the last piece
+// the engine then waits for it for ever.
+bool PictureDevice::hangsAtEnd(Clock::time_point now) const {
+    return clock_.standsFor(now) >= hangsAfter && clock_.at(now) >= seconds();
 }
 
 void PictureDevice::endReached() {

@@ -58,6 +58,8 @@ private:
     void readEngine();
     // What was started, moved or changed takes a while to run evenly.
     void watchClosely() { settling_ = Clock::now() + settlingTime; }
+    // The engine stands where the medium ends, but does not say so.
+    bool hangsAtEnd(Clock::time_point now) const;
     void endReached();
     void watchWindow();
     // Has the screen show what the engine has drawn.
@@ -77,6 +79,7 @@ private:
     static constexpr std::chrono::milliseconds closeInterval{10};
     static constexpr std::chrono::milliseconds steadyInterval{250};
     static constexpr std::chrono::milliseconds serverInterval{3000};
+    static constexpr std::chrono::milliseconds hangsAfter{3000};
 
     OpenMedium medium_;
     MpvCore &core_;

@@ -32,6 +32,10 @@ double PlaybackClock::at(Time when) const {
     return std::max(floor_, base_ + std::clamp(passed.count(), 0.0, freeRunSeconds));
 }
 
+std::chrono::duration<double> PlaybackClock::standsFor(Time when) const {
+    return since_ ? when - *since_ : std::chrono::duration<double>{};
+}
+
 void SeekTracker::sent(std::uint64_t id) {
     last_ = id;
     stage_ = Stage::Sent;

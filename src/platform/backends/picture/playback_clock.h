@@ -22,6 +22,8 @@ public:
     // A reading of the engine's position made at `when`. Nothing while it stands.
     void correct(double seconds, Time when);
     double at(Time when) const;
+    // For how long the readings have told the same place; nothing before the first.
+    std::chrono::duration<double> standsFor(Time when) const;
     bool isRunning() const { return isRunning_; }
 
 private:
