@@ -128,7 +128,7 @@ int play() {
     Velmora program({*ansi, *clock, dialogs, *files, *folders, desktop.inhibitor(), *internet,
                      media, *processes, *profiles, registry, desktop.remote(), *shell, *versions,
                      *waitableTimers, *waveOut, *windows});
-    running = &program;
+    running = &program; // NOLINT(clang-analyzer-deadcode.DeadStores): what was handed it reads it
     // The session's end is the close button.
     windows->onSessionEnd = [&program] { program.Main().closeButton_Click(); };
     const auto watched = windows->watch(

@@ -44,7 +44,7 @@ public:
     void openFile_Button_Click();
     // What follows once a file was picked: selects it when the list has it, else appends and plays
     // it. An empty path changes nothing. Gives both windows back in the end.
-    void take_Chosen_File(std::u16string path);
+    void take_Chosen_File(const std::u16string &path);
     // The stopped look of all windows; sends no command to the engine.
     void stop_Sub();
 

@@ -71,7 +71,7 @@ void Main::openFile_Button_Click() {
                                                        app_.Language().msg_Media_Filter, u"", u""));
 }
 
-void Main::take_Chosen_File(std::u16string path) {
+void Main::take_Chosen_File(const std::u16string &path) {
     chosen_File = path;
     std::optional<RunTimeError> failure;
     if (!path.empty()) {

@@ -135,7 +135,7 @@ public:
 private:
     struct Bar;
 
-    void openFile(std::u16string path, std::int16_t &result);
+    void openFile(const std::u16string &path, std::int16_t &result);
     void embedVideo(std::u16string_view device, std::u16string &command);
     void hookVideoWindow();
     void readTitle();

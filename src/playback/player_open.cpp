@@ -88,11 +88,11 @@ std::u16string player::get_DeviceType(std::u16string_view shortPath) const {
 
 std::int16_t player::open_File(std::u16string path) {
     std::int16_t result = 0;
-    passOver([&] { openFile(std::move(path), result); });
+    passOver([&] { openFile(path, result); });
     return result;
 }
 
-void player::openFile(std::u16string path, std::int16_t &result) {
+void player::openFile(const std::u16string &path, std::int16_t &result) {
     // The engine takes names as they are: it gets the one that the search found.
     const std::u16string onDisk = app_.saveOrOpenFile().fileOnDisk(path);
     if (onDisk.empty())

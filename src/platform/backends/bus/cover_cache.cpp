@@ -92,7 +92,7 @@ void makeRoom(const std::string &folder, std::uint64_t bytes) {
 std::string keepCover(const std::string &folder, const std::string &bytes) {
     if (folder.empty() || *endingOfPicture(bytes) == '\0' || !makeFolders(folder, ownFolder))
         return {};
-    const std::string path = folder + "/" + nameOf(bytes);
+    std::string path = folder + "/" + nameOf(bytes);
     struct ::stat info {};
     if (lstat(path.c_str(), &info) == 0) {
         // It counts as used now.

@@ -103,6 +103,7 @@ MpvCore::~MpvCore() {
 
 std::uint64_t MpvCore::command(const std::vector<std::string> &words) {
     std::vector<const char *> arguments;
+    arguments.reserve(words.size() + 1);
     for (const std::string &word : words)
         arguments.push_back(word.c_str());
     arguments.push_back(nullptr);

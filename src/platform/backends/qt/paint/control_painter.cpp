@@ -157,7 +157,7 @@ void ControlPainter::paintBox(const Job &job, const forms::PictureBox &box, cons
 
 void ControlPainter::paintFrame(const Job &job, const forms::Frame &frame, const QRectF &place) {
     const double thick = hairline(job.density);
-    const auto caption = frame.caption();
+    const auto &caption = frame.caption();
     QRectF outline = place;
     QRectF captionBox;
     if (!caption.empty()) {

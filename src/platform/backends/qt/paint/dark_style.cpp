@@ -265,13 +265,10 @@ int DarkStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidg
     case SH_Menu_SloppySubMenus:
         return hint == SH_Menu_SloppySubMenus;
     case SH_UnderlineShortcut:
-        return 0;
     case SH_DialogButtonBox_ButtonsHaveIcons:
-        return 0;
     case SH_BlinkCursorWhenTextSelected:
+    case SH_Widget_Animation_Duration: // nothing moves by itself
         return 0;
-    case SH_Widget_Animation_Duration:
-        return 0; // nothing moves by itself
     default:
         return QProxyStyle::styleHint(hint, option, widget, returned);
     }

@@ -442,7 +442,7 @@ bool X11::nativeEventFilter(const QByteArray & /*type*/, void *message, qintptr 
         return false;
     }
     if (fixesEvent_ != 0 && type == fixesEvent_) {
-        SelectionNotice notice;
+        SelectionNotice notice{};
         std::memcpy(&notice, event, sizeof notice);
         if (notice.selection == atoms_[CompositorSelection]) {
             const bool now = notice.owner != XCB_WINDOW_NONE;

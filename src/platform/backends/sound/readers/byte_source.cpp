@@ -19,7 +19,7 @@ std::size_t MemorySource::read(std::int64_t offset, std::span<std::uint8_t> out)
 }
 
 std::unique_ptr<FileSource> FileSource::open(const std::string &path) {
-    struct stat info;
+    struct stat info {};
     if (path.find('\0') != std::string::npos || stat(path.c_str(), &info) != 0 ||
         !S_ISREG(info.st_mode))
         return nullptr;

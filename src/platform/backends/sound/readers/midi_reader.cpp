@@ -105,7 +105,7 @@ private:
         constexpr int blockFrames = 64; // that the synthesizer renders at a time
         for (int channel = 0; channel < 16; ++channel)
             library_->fluid_synth_cc(synth_, channel, allSoundOff, 0);
-        std::array<float, 2 * blockFrames> dropped;
+        std::array<float, 2 * blockFrames> dropped{};
         library_->fluid_synth_write_float(synth_, blockFrames, dropped.data(), 0, 2, dropped.data(),
                                           1, 2);
         library_->fluid_synth_system_reset(synth_);

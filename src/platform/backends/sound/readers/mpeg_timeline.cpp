@@ -21,7 +21,7 @@ constexpr int decoderDelay = 529;
 
 // A header stands in a frame of its own, which holds no sound.
 std::int64_t headerFrameSize(const ByteSource &source) {
-    std::array<std::uint8_t, 8192> bytes;
+    std::array<std::uint8_t, 8192> bytes{};
     const std::size_t got = source.read(0, bytes);
     const MpegChain chain = followMpegChain(std::span(bytes).first(got), false, 1);
     return chain.headers == 1 ? chain.sizeOf(chain.first) : 0;

@@ -54,12 +54,13 @@ void Resampler::flush(std::vector<float> &out) {
 
 void Resampler::pull(std::vector<float> &out) {
     const auto end = heldFrom_ + static_cast<std::int64_t>(held_.size() / channels_);
-    std::int64_t first = heldFrom_;
-    for (;; ++given_) {
-        const double middle = static_cast<double>(given_) * step_;
-        first = static_cast<std::int64_t>(std::floor(middle)) - reach_ + 1;
-        if (first + 2 * reach_ > end)
-            break;
+    const auto next = [this] { return static_cast<double>(given_) * step_; };
+    const auto firstNeeded = [&] {
+        return static_cast<std::int64_t>(std::floor(next())) - reach_ + 1;
+    };
+    for (; firstNeeded() + 2 * reach_ <= end; ++given_) {
+        const double middle = next();
+        const std::int64_t first = firstNeeded();
         const std::size_t place = out.size();
         out.resize(place + channels_);
         const float *in = held_.data() + static_cast<std::size_t>(first - heldFrom_) * channels_;
@@ -69,7 +70,8 @@ void Resampler::pull(std::vector<float> &out) {
                 out[place + channel] += *in++ * part;
         }
     }
-    const std::int64_t done = std::clamp<std::int64_t>(first - heldFrom_, 0, end - heldFrom_);
+    const std::int64_t done =
+        std::clamp<std::int64_t>(firstNeeded() - heldFrom_, 0, end - heldFrom_);
     held_.erase(held_.begin(), held_.begin() + done * static_cast<std::ptrdiff_t>(channels_));
     heldFrom_ += done;
 }
