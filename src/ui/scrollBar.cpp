@@ -27,7 +27,7 @@ void dragThumb(const ScrollBarParts &parts, std::int32_t pressedAt, Twips y,
 } // namespace
 
 void attachScrollBar(const ScrollBarParts &parts, formSet &drag,
-                     std::function<std::int16_t()> visibleRows) {
+                     const std::function<std::int16_t()> &visibleRows) {
     parts.P1.on().Click = [parts] {
         if (parts.list.topIndex() > 0)
             parts.list.setTopIndex(parts.list.topIndex() - 1);

@@ -25,6 +25,6 @@ struct ScrollBarParts {
 // the thumb sets its Tag to "1" and the release clears it: meanwhile the tick leaves the thumb
 // alone. The arrows move the list; the thumb follows by the tick.
 void attachScrollBar(const ScrollBarParts &parts, formSet &drag,
-                     std::function<std::int16_t()> visibleRows);
+                     const std::function<std::int16_t()> &visibleRows);
 
 } // namespace velmora

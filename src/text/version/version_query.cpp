@@ -57,7 +57,7 @@ std::optional<Block> blockAt(std::string_view record, std::size_t at, std::size_
 std::optional<Block> childNamed(std::string_view record, const Block &parent,
                                 std::u16string_view name) {
     std::size_t at = aligned(parent.valueEnd);
-    while (const auto child = blockAt(record, at, parent.end)) {
+    while (auto child = blockAt(record, at, parent.end)) {
         if (equalsIgnoringCase(child->key, name))
             return child;
         at = aligned(child->end);

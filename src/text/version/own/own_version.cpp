@@ -49,6 +49,6 @@ extern const std::array<unsigned char, draft.size> ownVersionRecord;
 // `retain` keeps the linker from dropping a section that nothing refers to.
 [[gnu::section(".velmora.version"), gnu::used,
   gnu::retain]] constinit const std::array<unsigned char, draft.size>
-    ownVersionRecord = exact();
+    ownVersionRecord = exact(); // NOLINT(cert-err58-cpp): made by the compiler
 
 } // namespace velmora::platform
