@@ -31,7 +31,7 @@ LibraryKeeper::~LibraryKeeper() {
 
 bool LibraryKeeper::hasRead(std::chrono::milliseconds within) {
     std::unique_lock lock(mutex_);
-    return changed_.wait_for(lock, within, [this] { return read_; });
+    return changed_.wait_for(lock, within, [this] { return read_.load(); });
 }
 
 void LibraryKeeper::read() {
@@ -44,7 +44,7 @@ void LibraryKeeper::read() {
     if (ends_)
         return;
     catalogue_.show(library);
-    const bool first = !std::exchange(read_, true);
+    const bool first = !read_.exchange(true);
     const bool cut = reader_.cut() && !std::exchange(cutTold_, true);
     if (first || cut)
         words_.read(*library, reader_.cut());

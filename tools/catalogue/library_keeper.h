@@ -50,7 +50,7 @@ private:
     bool cutTold_ = false;
     std::mutex mutex_;
     std::condition_variable changed_;
-    bool read_ = false;
+    std::atomic<bool> read_ = false;
     std::thread thread_;
 };
 

@@ -127,7 +127,7 @@ bool LibraryReader::isBeingWritten(const FileEntry &file) const {
     return ago >= 0 && ago < second;
 }
 
-LibraryReader::ItemPointer LibraryReader::itemFor(FileEntry file) {
+LibraryReader::ItemPointer LibraryReader::itemFor(const FileEntry &file) {
     KnownFile *kept = knownBefore(file.path);
     const ItemPointer *old = itemBefore(file.path);
     if (!isServed(file))
@@ -219,14 +219,15 @@ std::shared_ptr<const Library> LibraryReader::read(const ReadingWatch &watch) {
     Library::Items items;
     std::size_t done = 0;
     constexpr std::size_t told = 1000;
-    for (FileEntry &file : listing_.files) {
+    for (FileEntry &listed : listing_.files) {
+        const FileEntry file = std::move(listed);
         if (!watch.goesOn()) {
             store(false);
             return library_;
         }
         if (++done % told == 0)
             watch.progress(done, listing_.files.size());
-        if (ItemPointer item = itemFor(std::move(file)))
+        if (ItemPointer item = itemFor(file))
             items.push_back(std::move(item));
         if (come_.size() >= storedTogether)
             store(false);

@@ -48,7 +48,7 @@ private:
     const ItemPointer *itemBefore(const std::string &path);
     void passOverTheRest();
     KnownFile opened(const FileEntry &file, bool &keep);
-    ItemPointer itemFor(FileEntry file);
+    ItemPointer itemFor(const FileEntry &file);
     ItemPointer itemOf(KnownFile known) const;
     bool isBeingWritten(const FileEntry &file) const;
     std::shared_ptr<const Library> libraryOf(const Library::Items &items) const;

@@ -115,11 +115,10 @@ private:
             return call + pointer(setting.word);
         case Shape::Control:
             return call + setting.word + ")";
-        case Shape::Point:
+        case Shape::Point: // with the extent, by `place`
         case Shape::Extent:
-            break; // placed together by `place`
-        case Shape::Answer:
-            break; // wired by `wire`
+        case Shape::Answer: // by `wire`
+            break;
         }
         return {};
     }
