@@ -14,15 +14,15 @@ namespace velmora::platform {
 namespace {
 
 struct PageRow {
+    int number;
     const char *readName;
     const char *writeName;
-    int number;
     bool twoByte;
 };
 
 constexpr PageRow pageRows[] = {
-    {"GB18030", "CP936", 936, true}, {"CP932", "CP932", 932, true},     {"UHC", "UHC", 949, true},
-    {"CP950", "CP950", 950, true},   {"CP1252", "CP1252", 1252, false},
+    {936, "GB18030", "CP936", true}, {932, "CP932", "CP932", true},     {949, "UHC", "UHC", true},
+    {950, "CP950", "CP950", true},   {1252, "CP1252", "CP1252", false},
 };
 
 const PageRow *rowOf(int number) noexcept {
