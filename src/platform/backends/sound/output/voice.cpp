@@ -14,7 +14,7 @@ constexpr TimePoint never = TimePoint::max();
 constexpr int fadeMs = 5;     // of what is cut off and of what begins in the middle
 constexpr int rampMs = 8;     // of a change of gain
 constexpr int aheadMs = 1400; // written in steady play
-constexpr int keptMs = 400;   // decoded and kept beyond that
+constexpr int keptMs = 200;   // decoded and kept beyond that
 // While changes follow each other, as in a fade, only so much is rendered anew for each; the rest
 // waits until they stop or it comes near.
 constexpr int rewriteMs = 100;
