@@ -77,6 +77,17 @@ class Hand(HouseholdTest):
         with open(self.log, encoding="utf-8") as file:
             return [urllib.parse.unquote(line) for line in file.read().splitlines() if line]
 
+    def situation(self):
+        """What else is worth knowing where an act has failed: what played last, where the pointer and the keyboard are."""
+        said = [f"played: {path}" for path in self.played()[-4:]]
+        for words in (("xdotool", "getmouselocation"), ("xdotool", "getwindowfocus"), ("xdotool", "getactivewindow"),
+                      ("xprop", "-root", "_NET_CLIENT_LIST_STACKING"), (OPEN, "--status")):
+            try:
+                said.append(" ".join(words[:2]) + ": " + self.ask(*words).stdout.strip())
+            except (OSError, subprocess.TimeoutExpired) as error:
+                said.append(f"{words[0]}: {error}")
+        return "\n".join(said)
+
     # --- what it tells ---------------------------------------------------------------------------
 
     def ask(self, *words):

@@ -79,6 +79,7 @@ class Run:
             what = f"{type(error).__name__}: {error}"
             self.faults.append(f"act {number}, {name}, at {self.hours():.2f} h: {what}")
             self.say(traceback.format_exc())
+            self.say(self.hand.situation())
             self.keep_screen(number)
         spent = time.monotonic() - begun
         place = None if self.ended() else self.hand.player.place(self.hand.main)
