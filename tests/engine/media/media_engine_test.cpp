@@ -104,6 +104,9 @@ protected:
 
     // Where the next sound to be heard lies in the source.
     SourceSound::Match seekAndHear(int target, int side) {
+        return hearUntorn([&] { return seekAndHearOnce(target, side); });
+    }
+    SourceSound::Match seekAndHearOnce(int target, int side) {
         const std::string text = std::to_string(target);
         EXPECT_TRUE(does(u"seek NOWMUSIC to " + std::u16string(text.begin(), text.end())));
         EXPECT_EQ(mode(), u"paused");

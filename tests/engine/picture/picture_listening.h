@@ -84,8 +84,20 @@ protected:
         return begun.correlation > match.correlation ? begun : match;
     }
 
+    // What `hear` heard: a piece that a busy machine tore is from nowhere, and is heard anew. The
+    // last of four counts whatever it is.
+    template <typename Hear> static SourceSound::Match hearUntorn(Hear &&hear) {
+        SourceSound::Match match = hear();
+        for (int more = 0; more < 3 && match.correlation <= isPart; ++more)
+            match = hear();
+        return match;
+    }
+
     // Seeks, plays, and finds the first quarter of a second heard in the source.
     static SourceSound::Match hearSeek(Device &device, int target) {
+        return hearUntorn([&] { return hearOneSeek(device, target); });
+    }
+    static SourceSound::Match hearOneSeek(Device &device, int target) {
         EXPECT_TRUE(device.seek(target));
         const std::size_t from = recorder_->frames() + recorder_->framesOf(60);
         EXPECT_TRUE(recorder_->waitForFrames(from, 30000));
