@@ -45,28 +45,18 @@ UNLISTED = "what stands in no list of windows is not minimised there"
 TAKES = "whatever comes up gets the keyboard there, also where it does not ask for it"
 EDGES = {"left": (-700, 0), "right": (700, 0), "upper": (0, -420), "lower": (0, 420)}
 LIMITS = {
-    ("sway", "the list opens beside the main window"): PLACED,
-    **{("sway", f"both dragged beyond the {edge} edge and back"): PLACED for edge in EDGES},
-    ("sway", "the list, minimised by another program, comes back by its button"): UNMINIMISED,
-    ("sway", "minimise and back"): UNMINIMISED,
-    ("sway", "after that, mini mode and back"): UNMINIMISED,
+    **{(name, row): reason for name, reason in (("sway", PLACED), ("weston", STAYS)) for row in (
+        "the list opens beside the main window", *(f"both dragged beyond the {edge} edge and back" for edge in EDGES))},
     ("sway", "clicks pass between its letters, and not through them"): PLACED,
-    ("sway", "the next one while another program has the keyboard"): TAKES,
-    ("icewm", "the next one while another program has the keyboard"): TAKES,
-    ("weston", "the next one while another program has the keyboard"): TAKES,
+    **{(name, "the next one while another program has the keyboard"): TAKES for name in ("sway", "icewm", "weston")},
+    **{(name, row): UNMINIMISED for name in ("sway", "i3", "weston") for row in (
+        "the list, minimised by another program, comes back by its button", "minimise and back",
+        "after that, mini mode and back")},
     ("mutter", "the list, minimised by another program, comes back by its button"): UNLISTED,
     **{(f"gnome-shell on {server}", "the list, minimised by another program, comes back by its button"): UNLISTED
        for server in ("Xorg", "Wayland")},
-    ("i3", "the list, minimised by another program, comes back by its button"): UNMINIMISED,
-    ("i3", "minimise and back"): UNMINIMISED,
-    ("i3", "after that, mini mode and back"): UNMINIMISED,
     **{(name, "called up from the list of windows, the strip gives way to the main window"): NO_ENTRY
        for name in ("i3", "sway", "weston")},
-    ("weston", "the list opens beside the main window"): STAYS,
-    **{("weston", f"both dragged beyond the {edge} edge and back"): STAYS for edge in EDGES},
-    ("weston", "the list, minimised by another program, comes back by its button"): UNMINIMISED,
-    ("weston", "minimise and back"): UNMINIMISED,
-    ("weston", "after that, mini mode and back"): UNMINIMISED,
     ("weston", "clicks pass between its letters, and not through them"): FOREMOST,
     ("weston", "over the whole screen and back"): SHIFTED,
 }
