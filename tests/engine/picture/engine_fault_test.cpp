@@ -29,6 +29,11 @@ protected:
         device_ = std::make_unique<platform::picture::PictureDevice>(std::move(*medium));
         ASSERT_TRUE(playUpTo(*device_, 300));
     }
+    // Where the engine itself is, in ms; -1: nowhere.
+    int engineMs() {
+        const auto seconds = core_->number("time-pos");
+        return seconds ? static_cast<int>(*seconds * 1000) : -1;
+    }
 
     platform::picture::PictureOpener opener_;
     platform::picture::MpvCore *core_ = nullptr;
@@ -46,11 +51,6 @@ protected:
         ASSERT_NE(core_->command({"stop"}), 0U);
         ASSERT_TRUE(waitUntil([&] { return device_->mode() == Mode::Stopped; }));
         EXPECT_EQ(device_->positionMs(), device_->lengthMs());
-    }
-    // Where the engine itself is, in ms; -1: nowhere.
-    int engineMs() {
-        const auto seconds = core_->number("time-pos");
-        return seconds ? static_cast<int>(*seconds * 1000) : -1;
     }
     // Plays on for half a second from a place and nowhere else.
     void expectPlaysFrom(int ms) {
@@ -127,7 +127,6 @@ protected:
         ASSERT_TRUE(waitUntil([&] { return core_->flag("core-idle").value_or(false); }));
         ASSERT_FALSE(core_->flag("eof-reached").value_or(true));
     }
-    int engineMs() { return static_cast<int>(core_->number("time-pos").value_or(0.0) * 1000); }
 };
 
 TEST_F(Hang, WhereTheMediumEndsIsItsEnd) {
@@ -139,9 +138,7 @@ TEST_F(Hang, WhereTheMediumEndsIsItsEnd) {
 
 TEST_F(Hang, AnywhereElseIsNone) {
     hangAt(device_->lengthMs() - 2000);
-    const auto begun = std::chrono::steady_clock::now();
     EXPECT_FALSE(waitUntil([&] { return device_->mode() != Mode::Playing; }, 5000));
-    EXPECT_GE(std::chrono::steady_clock::now() - begun, std::chrono::seconds(5));
 }
 
 } // namespace

@@ -84,13 +84,21 @@ protected:
         return begun.correlation > match.correlation ? begun : match;
     }
 
-    // What `hear` heard: a piece that a busy machine tore is from nowhere, and is heard anew. The
-    // last of four counts whatever it is.
-    template <typename Hear> static SourceSound::Match hearUntorn(Hear &&hear) {
-        SourceSound::Match match = hear();
-        for (int more = 0; more < 3 && match.correlation <= isPart; ++more)
-            match = hear();
-        return match;
+    struct HeardPosition {
+        double told = 0.0; // seconds
+        std::size_t frame = 0;
+        SourceSound::Match match;
+    };
+    static const SourceSound::Match &matchOf(const SourceSound::Match &match) { return match; }
+    static const SourceSound::Match &matchOf(const HeardPosition &heard) { return heard.match; }
+
+    // What `hear` heard, a match or what has one: a piece that a busy machine tore is from nowhere,
+    // and is heard anew. The last of four counts whatever it is.
+    template <typename Hear> static auto hearUntorn(Hear &&hear) {
+        auto result = hear();
+        for (int more = 0; more < 3 && matchOf(result).correlation <= isPart; ++more)
+            result = hear();
+        return result;
     }
 
     // Seeks, plays, and finds the first quarter of a second heard in the source.
@@ -108,24 +116,19 @@ protected:
         return findFrom(first, 0, 0, target / 1000.0, 0.3);
     }
 
-    struct HeardPosition {
-        double told = 0.0; // seconds
-        std::size_t frame = 0;
-        SourceSound::Match match;
-    };
-    // Half a second from now: what the device tells, and what is heard at that moment. A piece that
-    // a busy machine tore, or in which a change of the channels is just heard, is from nowhere: the
-    // next one tells, and the last of four is told whatever it is.
+    // Half a second from now: what the device tells, and what is heard at that moment. A change of
+    // the channels that is just heard is from nowhere, too.
     static HeardPosition hearPosition(Device &device, int speaker, int side) {
+        return hearUntorn([&] { return hearOnePosition(device, speaker, side); });
+    }
+    static HeardPosition hearOnePosition(Device &device, int speaker, int side) {
         HeardPosition result;
-        for (int pieces = 0; pieces < 4 && result.match.correlation <= isPart; ++pieces) {
-            const int begun = device.positionMs();
-            EXPECT_TRUE(waitUntil([&] { return device.positionMs() >= begun + 500; }, 3000));
-            const auto when = Clock::now();
-            result.told = device.positionMs() / 1000.0;
-            result.frame = frameAt(when);
-            result.match = findIn(heard(speaker, result.frame, 250), side, result.told, 0.4);
-        }
+        const int begun = device.positionMs();
+        EXPECT_TRUE(waitUntil([&] { return device.positionMs() >= begun + 500; }, 3000));
+        const auto when = Clock::now();
+        result.told = device.positionMs() / 1000.0;
+        result.frame = frameAt(when);
+        result.match = findIn(heard(speaker, result.frame, 250), side, result.told, 0.4);
         return result;
     }
 
