@@ -173,6 +173,16 @@ class MainWindow(Sound):
         self.assert_silent()
 
 
+    def test_a_press_within_the_fade_that_is_held_beyond_it_counts(self):
+        left, top, width, height = MAIN["nextButton"]
+        self.player.tool("mousemove", *self.player.point(self.main, left + width / 2, top + height / 2))
+        self.player.tool("click", 1, "mousedown", 1)
+        self.assert_title(self.player, self.main, "one")
+        self.assert_faded_in()
+        self.player.tool("mouseup", 1)
+        self.assert_title(self.player, self.main, "two")
+
+
 class MiniWindow(Sound):
     reads = True
 
