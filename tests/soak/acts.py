@@ -28,14 +28,19 @@ def act(weight=1):
 
 # --- what plays ------------------------------------------------------------------------------------
 
+def another_track(hand, chance, key, button, what):
+    """A row that came above the current one makes that one its own next: it begins anew, and nobody is told of another."""
+    before, place = len(hand.played()), hand.status()[2]
+    if chance.random() < 0.5:
+        hand.key(key)
+    else:
+        hand.press(button)
+    need(wait_for(lambda: len(hand.played()) > before or hand.status()[2] < place, SEEN_S), what)
+
+
 @act(4)
 def next_track(hand, chance):
-    before = len(hand.played())
-    if chance.random() < 0.5:
-        hand.key("F6")
-    else:
-        hand.press("nextButton")
-    need(wait_for(lambda: len(hand.played()) > before, SEEN_S), "no next track")
+    another_track(hand, chance, "F6", "nextButton", "no next track")
 
 
 @act(2)
@@ -44,12 +49,7 @@ def previous_track(hand, chance):
         next_track(hand, chance)
     if hand.played()[-1].endswith(hand.list_lines()[0]):  # behind the last comes the first
         next_track(hand, chance)
-    before = len(hand.played())
-    if chance.random() < 0.5:
-        hand.key("F5")
-    else:
-        hand.press("upButton")
-    need(wait_for(lambda: len(hand.played()) > before, SEEN_S), "no track before")
+    another_track(hand, chance, "F5", "upButton", "no track before")
 
 
 @act(6)

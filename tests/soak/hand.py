@@ -147,9 +147,12 @@ class Hand(HouseholdTest):
         name = os.path.basename(path)
         self.open_tool(path)  # which gives up sooner than this does
         if before and before[-1].endswith("/" + name):
-            return self.comes("Playing")  # nothing new is told of the one that was the last
-        return need(wait_for(lambda: any(each.endswith("/" + name) for each in self.played()[len(before):]), SEEN_S),
-                    f"{name} is not played")
+            self.comes("Playing")  # nothing new is told of the one that was the last
+            return
+        need(wait_for(lambda: any(each.endswith("/" + name) for each in self.played()[len(before):]), SEEN_S),
+             f"{name} is not played")
+        # What is new begins as if it had been chosen in the dialog: until it is saved no click is taken.
+        need(wait_for(lambda: path in self.list_lines(), SEEN_S), f"{name} is not listed")
 
     def play_long(self, chance, film=False):
         """Something that does not end meanwhile; a film shows its window, and hides nothing that is asked for."""
