@@ -76,12 +76,13 @@ class Reader:
 
     def at(self, number, form, control):
         """The number and node of a form's own control: whatever the language, it stands there."""
-        left, top = self.player.place(number)
         x, y, width, height = form[control]
-        wanted = [round(left + x), round(top + y), round(width), round(height)]
 
         def look():
-            return next(((which, node) for which, node in self.nodes(self.place(number))
+            """The window may still be on its way to its place."""
+            window = self.place(number)
+            wanted = [round(window[0] + x), round(window[1] + y), round(width), round(height)]
+            return next(((which, node) for which, node in self.nodes(window)
                          if node["place"] and all(abs(a - b) <= 1 for a, b in
                                                   zip(node["place"], wanted)) and
                          "showing" in node["states"]), None)
