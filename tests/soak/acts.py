@@ -457,6 +457,7 @@ def a_song_from_the_catalogue(hand, chance):
     path = hand.app("Cache", f"SERVED TONE {number}.WAV")
     if os.path.exists(path):
         os.remove(path)
+    before = len(hand.played())
     window = hand.opened_by("search_Song_Internet", SONGS)
     fill(hand, window, SONGS, f"served tone {number}")
     need(found_rows(hand, window, SONGS, "search_Song_List"), "no song is found")
@@ -465,6 +466,7 @@ def a_song_from_the_catalogue(hand, chance):
     size = os.path.getsize(f"{hand.served}/served tone {number}.wav")
     need(wait_for(lambda: os.path.exists(path) and os.path.getsize(path) == size, SEEN_S), "the song does not come")
     need(wait_for(lambda: path in hand.list_lines(), SEEN_S), "the song is not listed")
+    need(wait_for(lambda: any(each.endswith(path) for each in hand.played()[before:]), SEEN_S), "the song is not played")
     hand.close_by(window, SONGS)
 
 

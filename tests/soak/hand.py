@@ -189,6 +189,7 @@ class Hand(HouseholdTest):
                 if self.film_window():  # over the whole screen it hides every button
                     self.stop()
                 self.press(control)
+                self.player.done(self.main)  # a second press would close what the first one opens
             return self.player.form(form, 5)
         return need(wait_for(look, SEEN_S), f"{control} opens nothing")
 
