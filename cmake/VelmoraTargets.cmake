@@ -24,6 +24,11 @@ function(velmora_built_small name)
     target_compile_options(${name} PRIVATE "$<$<CONFIG:Release>:-Os>")
 endfunction()
 
+# Of a library that is built small, the sources that a transfer goes through at each of a million packets.
+function(velmora_built_fast)
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS "$<$<CONFIG:Release>:-O2>")
+endfunction()
+
 # Subsystems call one another through the one Velmora object, so they are object libraries that
 # src/CMakeLists.txt joins into velmora_program.
 function(velmora_program_library name)

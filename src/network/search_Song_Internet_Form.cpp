@@ -2,7 +2,6 @@
 
 #include "network/search_Song_Internet_Form.h"
 
-#include "base/joined.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "network/check_Network.h"
@@ -23,7 +22,6 @@ namespace velmora {
 
 namespace {
 
-constexpr std::u16string_view windowName = u"曲目网络搜索";
 constexpr std::u16string_view introduction =
     u"搜索中，请填写完整，以保证搜索的准确性，本搜索由搜搜搜索引擎搜索提供！";
 constexpr std::u16string_view nothingToSearch = u"无法搜索到匹配的曲目，请将搜索词输入完整！";
@@ -76,19 +74,6 @@ void search_Song_Internet_Form::startLoad() {
     show_Label.setCaption(introduction);
     sayReady();
 }
-
-void search_Song_Internet_Form::say(std::u16string_view text) {
-    constexpr std::u16string_view between = u" - ";
-    // A transfer says the same at every kilobyte.
-    const std::u16string_view shown = title.caption();
-    if (shown.size() == windowName.size() + between.size() + text.size() &&
-        shown.starts_with(windowName) && shown.ends_with(text) &&
-        shown.substr(windowName.size(), between.size()) == between)
-        return;
-    title.setCaption(joined({windowName, between, text}));
-}
-
-void search_Song_Internet_Form::sayReady() { title.setCaption(windowName); }
 
 void search_Song_Internet_Form::setControlsEnabled(bool flag) {
     search_Song_List.setEnabled(flag);

@@ -1,10 +1,7 @@
-// Fetching a song, and the events of the transfer.
+// Fetching a song.
 
-#include "base/joined.h"
-#include "base/numbers.h"
 #include "base/run_time_error.h"
 #include "base/text.h"
-#include "network/WininetDownClass.h"
 #include "network/searchWindow.h"
 #include "network/search_Song_Internet_Form.h"
 #include "platform/contracts/files.h"
@@ -22,7 +19,6 @@
 #include "ui/myCommondialog.h"
 #include "velmora.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <optional>
 
@@ -42,32 +38,6 @@ constexpr std::u16string_view fetched = u"下载成功！";
 constexpr std::u16string_view notFetched = u"无法下载改曲目，请选择其他链接！";
 constexpr std::u16string_view saveTitle = u"选择要保存曲目的地址 - ";
 constexpr std::u16string_view saveFilter = u"所有文件（*.*）\0*.*\0"sv;
-
-// By their codes, from 1.
-constexpr std::u16string_view statusTexts[] = {u"开始会话...", u"连接服务器...",   u"发送请求...",
-                                               u"请求成功...", u"开始接收数据...", u"下载结束..."};
-constexpr std::u16string_view unknownStatus = u"未知状态...";
-constexpr std::u16string_view errorTexts[] = {
-    u"会话失败...",     u"连接服务器失败...",        u"发送请求失败...",   u"下载被中止...",
-    u"文件已经存在...", u"创建目录出错...",          u"打开文件时出错...", u"文件大小为0，无效...",
-    u"类型不匹配...",   u"文件正在使用，无法删除..."};
-constexpr std::u16string_view unknownError = u"未知出错...";
-
-template <std::size_t size> std::u16string_view
-textOf(const std::u16string_view (&texts)[size], std::int32_t code, std::u16string_view otherwise) {
-    return code >= 1 && code <= static_cast<std::int32_t>(size) ? texts[code - 1] : otherwise;
-}
-
-// At most two decimals, none that are zeros at the end.
-std::u16string percentText(double percent) {
-    const auto hundredths = static_cast<std::int64_t>(roundHalfEven(percent * 100));
-    std::u16string text = decimal(hundredths / 100);
-    if (hundredths % 100 != 0)
-        text.append({u'.', static_cast<char16_t>(u'0' + hundredths / 10 % 10)});
-    if (hundredths % 10 != 0)
-        text += static_cast<char16_t>(u'0' + hundredths % 10);
-    return text;
-}
 
 // CR and LF by the units that stand for them inside a file name: as they are they would end a line
 // of the play list within a path.
@@ -256,32 +226,6 @@ void search_Song_Internet_Form::play_Downloaded(const std::u16string &path) {
     if (player.get_Length() == 0)
         app_.Main().stop_Sub();
     app_.saveOrOpenFile().savePlayList();
-}
-
-// --- events of the transfer ----------------------------------------------------------------------
-
-void search_Song_Internet_Form::wd_Status(std::int32_t code) {
-    say(textOf(statusTexts, code, unknownStatus));
-}
-
-void search_Song_Internet_Form::wd_Error(std::int32_t code) {
-    say(textOf(errorTexts, code, unknownError));
-}
-
-void search_Song_Internet_Form::wd_Progress(double total, double received, double speed) {
-    const double percent = std::clamp(received / (total / 100), 0.0, 100.0);
-    zkProgress1.setValue(percent);
-    platform::Profiles &profiles = app_.platform().profiles;
-    join(transferText_, {u"下载进度：", formatByteSize(profiles, received), u" of ",
-                         formatByteSize(profiles, total), u" (", percentText(percent), u"%)"});
-    downInfo_3.setCaption(transferText_);
-    join(transferText_, {u"下载速度：", formatByteSize(profiles, speed), u" /s"});
-    downInfo_4.setCaption(transferText_);
-}
-
-void search_Song_Internet_Form::wd_DownloadEnd(bool /*success*/) {
-    for (forms::Label *label : {&downInfo_0, &downInfo_1, &downInfo_2, &downInfo_3, &downInfo_4})
-        label->setCaption(u"");
 }
 
 } // namespace velmora
