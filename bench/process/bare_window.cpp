@@ -3,7 +3,7 @@
 // second as soon as the first is up; then a timer of 70 ms, as the player's clock, that does
 // nothing.
 //
-//   bare_window
+//   bare_window [LINE]
 
 #include <QApplication>
 #include <QImage>
@@ -18,7 +18,8 @@ namespace {
 
 class Bare : public QWidget {
 public:
-    Bare(QSize size, std::function<void()> painted) : painted_(std::move(painted)) {
+    Bare(QSize size, QString line, std::function<void()> painted)
+        : line_(std::move(line)), painted_(std::move(painted)) {
         setFixedSize(size);
         setWindowFlags(Qt::FramelessWindowHint);
         setWindowTitle(QStringLiteral("bare"));
@@ -30,12 +31,13 @@ protected:
         picture.fill(Qt::darkCyan);
         QPainter painter(this);
         painter.drawImage(0, 0, picture);
-        painter.drawText(20, 40, QStringLiteral("A window and nothing else"));
+        painter.drawText(20, 40, line_);
         if (auto next = std::exchange(painted_, nullptr))
             QTimer::singleShot(0, this, next);
     }
 
 private:
+    QString line_;
     std::function<void()> painted_;
 };
 
@@ -43,8 +45,10 @@ private:
 
 int main(int count, char **words) {
     QApplication application(count, words);
-    Bare main({480, 216}, nullptr);
-    Bare splash({420, 200}, [&main] { main.show(); });
+    const QString line =
+        application.arguments().value(1, QStringLiteral("A window and nothing else"));
+    Bare main({480, 216}, line, nullptr);
+    Bare splash({420, 200}, line, [&main] { main.show(); });
     QTimer clock;
     clock.setTimerType(Qt::PreciseTimer);
     clock.start(70);
