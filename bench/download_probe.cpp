@@ -90,8 +90,6 @@ public:
             windows_.DoEvents();
     }
 
-    double longestMs = 0;
-
     bool fetch(const std::u16string &url, Cost &cost) {
         form_.search_Song_List.clear();
         form_.List1.clear();
@@ -100,6 +98,12 @@ public:
         form_.List1.addItem(url);
         form_.List2.addItem(u"0@@SONG@@ALBUM@@SINGER@@1@@MP3");
         form_.search_Song_List.setListIndex(0);
+        cost = costOf(RUSAGE_THREAD, [this] { form_.save_Click(); });
+        return form_.title.caption() == u"曲目网络搜索 - 下载成功！";
+    }
+
+    // Fetches it in a round of its own, since a clock that is read at each packet has its cost.
+    bool watch(const std::u16string &url, double &longestMs) {
         const auto progress = form_.wd.Progress;
         auto last = std::chrono::steady_clock::now();
         std::chrono::duration<double, std::milli> longest{};
@@ -109,10 +113,11 @@ public:
             longest = std::max<std::chrono::duration<double, std::milli>>(longest, now - last);
             last = now;
         };
-        cost = costOf(RUSAGE_THREAD, [this] { form_.save_Click(); });
+        Cost passed;
+        const bool good = fetch(url, passed);
         form_.wd.Progress = progress;
-        longestMs = std::max(longestMs, longest.count());
-        return form_.title.caption() == u"曲目网络搜索 - 下载成功！";
+        longestMs = longest.count();
+        return good;
     }
 
 private:
@@ -159,6 +164,7 @@ int main(int count, char **arguments) {
             std::filesystem::remove_all(entry);
     };
     bool good = true;
+    double longestMs = 0;
     const auto measure = [&] {
         // The first round counts for nothing: who first fills the disk's cache pays for memory that
         // the machine never used before.
@@ -175,6 +181,8 @@ int main(int count, char **arguments) {
                 costOf(RUSAGE_CHILDREN, [&] { good &= std::system(command.c_str()) == 0; }));
             makeRoom();
         }
+        good &= probe.watch(server.url(u"/song.mp3"), longestMs);
+        makeRoom();
         windows->quit(0);
     };
     // From inside the loop, as a click has it: ahead of the loop, in the start sequence, each pump
@@ -184,7 +192,7 @@ int main(int count, char **arguments) {
     for (std::vector<Cost> *costs : {&window, &floor, &curl})
         costs->erase(costs->begin());
     print("window", window);
-    std::printf("longest %.1f\n", probe.longestMs);
+    std::printf("longest %.1f\n", longestMs);
     print("floor", floor);
     print("curl", curl);
     std::error_code ignored;
