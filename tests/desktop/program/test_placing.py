@@ -327,8 +327,10 @@ class Monitors(Placing):
         before = player.place(main)
         self.session.parts("right")
         self.assertTrue(self.until(lambda: self.opens_the_list(player, main)))
+        # The list shows before the main window has come to its side.
+        self.assertTrue(player.done(main) and rest(lambda: player.place(main)))
         player.click(main, "playListButton")
-        self.assertTrue(wait_for(lambda: not player.form(LIST, 0.1)))
+        self.assertTrue(wait_for(lambda: not player.form(LIST, 0.1)), "the list stays")
         before = player.place(main)
         player.tool("mousemove", *player.point(main, 150, 12))
         player.tool("mousedown", 1)
