@@ -106,6 +106,21 @@ TEST(SeekTracker, ASeekIsDoneAfterItWasTakenAndBegun) {
     EXPECT_TRUE(seeks.isSettled());
 }
 
+TEST(SeekTracker, IsToBeginFromSentToBegun) {
+    SeekTracker seeks;
+    EXPECT_FALSE(seeks.isToBegin());
+    seeks.sent(7);
+    EXPECT_TRUE(seeks.isToBegin());
+    seeks.taken(7, false);
+    EXPECT_TRUE(seeks.isToBegin());
+    seeks.begun();
+    EXPECT_FALSE(seeks.isToBegin());
+    seeks.sent(8);
+    EXPECT_TRUE(seeks.isToBegin());
+    seeks.forget();
+    EXPECT_FALSE(seeks.isToBegin());
+}
+
 TEST(SeekTracker, TheEndOfAnEarlierSeekDoesNotCount) {
     SeekTracker seeks;
     seeks.sent(7);

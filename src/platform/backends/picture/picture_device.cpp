@@ -216,6 +216,14 @@ void PictureDevice::beginLoaded() {
     core_.set("start", std::to_string(begun_.value_or(0.0)));
 }
 
+// A seek drops what was buffered only when the engine gets to it: an output that goes on before
+// would put that out first.
+void PictureDevice::awaitSeek() {
+    const auto end = Clock::now() + seekLimit;
+    for (auto now = Clock::now(); seeks_.isToBegin() && now < end; now = Clock::now())
+        core_.pump(std::chrono::ceil<milliseconds>(end - now));
+}
+
 bool PictureDevice::play() {
     refresh();
     if (isShut_)
@@ -228,6 +236,7 @@ bool PictureDevice::play() {
         seekEngine(0.0);
     isAtEnd_ = false;
     wasPlayed_ = true;
+    awaitSeek();
     mode_ = Mode::Playing;
     clock_.run();
     watchClosely();

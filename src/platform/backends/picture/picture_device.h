@@ -72,6 +72,8 @@ private:
     // Tells the engine where to begin with the medium whose tracks it knows.
     void beginLoaded();
     void dropBufferedSound();
+    // Until the engine has begun with the last seek, for a bounded time.
+    void awaitSeek();
     // The engine puts sound out into nothing where it found no server, and never looks again.
     void lookForServer(Clock::time_point now);
 
@@ -80,6 +82,7 @@ private:
     static constexpr std::chrono::milliseconds steadyInterval{250};
     static constexpr std::chrono::milliseconds serverInterval{3000};
     static constexpr std::chrono::milliseconds hangsAfter{3000};
+    static constexpr std::chrono::milliseconds seekLimit{200};
 
     OpenMedium medium_;
     MpvCore &core_;

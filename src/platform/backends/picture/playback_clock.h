@@ -53,6 +53,8 @@ public:
     void forget() { stage_ = Stage::Settled; }
 
     bool isSettled() const { return stage_ == Stage::Settled; }
+    // The engine still has what it had before.
+    bool isToBegin() const { return stage_ == Stage::Sent || stage_ == Stage::Taken; }
 
 private:
     enum class Stage { Settled, Sent, Taken, Begun };
