@@ -162,6 +162,8 @@ class Hand(HouseholdTest):
             self.stop()
             self.play(path)
         self.comes("Playing")
+        # Until its sound has faded in, what asks for another place of it may still mean the one before.
+        need(wait_for(lambda: self.status()[2] >= 1, SEEN_S), "the track stands still")
 
     def stop(self):
         """Within the fade a stop leaves the player in use, so that it is asked for until it is done."""
