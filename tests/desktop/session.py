@@ -4,6 +4,7 @@ Everything is started by this module and ended by `Session.close`; nothing of th
 """
 
 import atexit
+import ctypes
 import glob
 import os
 import shutil
@@ -57,6 +58,21 @@ USERS_OWN = {"DBUS_SESSION_BUS_ADDRESS", "LANG", "LANGUAGE", "SESSION_MANAGER", 
 def let_pass(seconds):
     """Where the time itself is the condition, and nothing that could be looked at tells of it."""
     time.sleep(seconds)
+
+
+def click_in_one_breath(times, button, env):
+    """That many clicks where the pointer is, sent as one piece: what is sent one by one is no double
+    click any more where a busy machine stops the sender in between."""
+    if SLOW:
+        Session.live[env["DISPLAY"]].stand_still()
+    x11, test = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXtst.so.6")
+    x11.XOpenDisplay.restype = ctypes.c_void_p
+    display = ctypes.c_void_p(x11.XOpenDisplay(env["DISPLAY"].encode()))
+    for _ in range(times):
+        test.XTestFakeButtonEvent(display, button, True, 0)
+        test.XTestFakeButtonEvent(display, button, False, 0)
+    x11.XCloseDisplay(display)  # sends them
+    taken(env=env)
 
 
 def quiet(*command, **options):

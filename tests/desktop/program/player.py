@@ -228,8 +228,8 @@ class Player:
         self.tool("mousemove", *self.point(number, x, y))
         if times == 1:
             self.tool("click", button)
-        else:  # at once: on a busy machine a pause may last so long that two clicks are no double one
-            self.tool(*["mousedown", button, "mouseup", button] * times)
+        else:
+            session.click_in_one_breath(times, button, self.session.env)
 
     def click(self, number, control, share=0.5, button=1, form=None):
         left, top, width, height = (form or MAIN)[control]
@@ -433,7 +433,8 @@ class PlayerTest(unittest.TestCase):
     def start(self, program=PROGRAM):
         player = Player(self.session, program)
         window = player.window()
-        self.assertTrue(window, f"the main window does not come up: {window or player.situation()}")
+        if not window:
+            self.fail(f"the main window does not come up: {player.situation()}")
         return player, window
 
     def start_with_list(self, program=PROGRAM):

@@ -172,7 +172,6 @@ class MainWindow(Sound):
         self.press("pauseButton")
         self.assert_silent()
 
-
     def test_a_press_within_the_fade_that_is_held_beyond_it_counts(self):
         left, top, width, height = MAIN["nextButton"]
         self.player.tool("mousemove", *self.player.point(self.main, left + width / 2, top + height / 2))

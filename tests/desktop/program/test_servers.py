@@ -126,8 +126,9 @@ class ServersTest(test_trouble.TroubleTest):
     def expect(self, name, text, seconds=LIMIT):
         # One that waits for a limit answers nobody meanwhile, not even who asks what it says.
         self.assertTrue(wait_for(lambda: self.player.took(self.lyrics), seconds), name)
-        self.assertTrue(self.player.says(self.lyrics, text, seconds),
-                        f"{name}: {self.player.words(self.lyrics, 1)}")
+        if not self.player.says(self.lyrics, text, seconds):
+            self.fail(f"{name}: {self.player.words(self.lyrics, 1)}, asked for {self.net.asked[-3:]}, "
+                      f"{self.player.situation()}")
         self.assertIsNone(self.player.child.poll(), name)
 
     def try_pages(self, rows):
