@@ -3,6 +3,7 @@
 #include "text/version/version_query.h"
 
 #include <algorithm>
+#include <limits>
 #include <string_view>
 
 namespace velmora::platform {
@@ -40,7 +41,9 @@ std::optional<std::string> readAll(const ReadAt &readAt, std::uint64_t offset, s
 std::optional<VersionPlace> checked(const ReadAt &readAt, std::uint64_t offset,
                                     std::uint64_t size) {
     size = std::min(size, mostRecordBytes);
-    if (size == 0 || readAt(offset + size - 1, 1).empty())
+    // One so far back that its end comes round to the beginning of the file is damage.
+    if (size == 0 || offset > std::numeric_limits<std::uint64_t>::max() - size ||
+        readAt(offset + size - 1, 1).empty())
         return std::nullopt;
     return VersionPlace{offset, static_cast<std::uint32_t>(size)};
 }

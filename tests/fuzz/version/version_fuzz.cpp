@@ -40,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
                    : std::string();
     });
     if (place) {
-        if (place->offset + place->size > file.size())
+        if (place->offset > file.size() || place->size > file.size() - place->offset)
             std::abort();
         ask(file.substr(static_cast<std::size_t>(place->offset), place->size));
     }

@@ -197,6 +197,15 @@ TEST(ElfVersion, isAbsentWhenTheFileIsCutOrOfAnotherOrder) {
     }
 }
 
+TEST(ElfVersion, isAbsentWhenItsPlaceRunsOverTheLastOfAllOffsets) {
+    PeFile file;
+    file.bytes = makeElf(soundRecord(), true, ".velmora.version");
+    const std::size_t place = file.bytes.size() - 64 + 0x18; // in the last row
+    file.put(place, std::size_t{0} - 65500, 8);
+    file.put(place + 8, 65535, 8);
+    EXPECT_EQ(recordIn(file.bytes), std::nullopt);
+}
+
 TEST(ElfVersion, survivesEveryByteBeingWrong) {
     for (const bool wide : {false, true}) {
         const std::string sound = makeElf(soundRecord(), wide, ".velmora.version");
