@@ -36,6 +36,8 @@ def another_track(hand, chance, key, button, what):
     else:
         hand.press(button)
     need(wait_for(lambda: len(hand.played()) > before or hand.status()[2] < place, SEEN_S), what)
+    # What plays is told ahead of its place: by that of the track before the next press would seem to have worked.
+    need(wait_for(lambda: hand.status()[2] < 2, SEEN_S), what + ": it does not begin")
 
 
 @act(4)
