@@ -131,20 +131,6 @@ TEST_F(WindowTest, StaysOutOfTheTaskBarUnlessDesignedForIt) {
     EXPECT_FALSE(hasState(entry, "_NET_WM_STATE_SKIP_TASKBAR"));
 }
 
-TEST_F(WindowTest, ShowsItsCaptionToTheWindowManager) {
-    TestForm form;
-    form.setCaption(u"灯火 【one】");
-    form.appear();
-    EXPECT_EQ(desk().screen->text(nativeOf(form), "_NET_WM_NAME"), "灯火 【one】");
-    form.setCaption(u"two");
-    EXPECT_TRUE(
-        desk().pump([&] { return desk().screen->text(nativeOf(form), "_NET_WM_NAME") == "two"; }));
-    EXPECT_EQ(desk().screen->text(nativeOf(form), "WM_NAME"), "two") << "to older managers, too";
-    form.setCaption(u"三");
-    EXPECT_TRUE(
-        desk().pump([&] { return desk().screen->text(nativeOf(form), "WM_NAME") == "三"; }));
-}
-
 TEST_F(WindowTest, HasTheIconOfItsFormInTheTaskBar) {
     TestForm form;
     form.setShowInTaskbar(true);

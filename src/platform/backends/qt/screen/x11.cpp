@@ -91,6 +91,7 @@ void X11::internAtoms() {
                                           "_NET_SUPPORTED",
                                           "_NET_WM_ACTION_MINIMIZE",
                                           "_NET_WM_NAME",
+                                          "_NET_WM_ICON_NAME",
                                           "UTF8_STRING"};
     xcb_intern_atom_cookie_t asked[AtomCount];
     for (int i = 0; i < AtomCount; ++i)
@@ -241,10 +242,12 @@ bool X11::hasState(xcb_window_t window, Atom state) {
     return std::find(all.begin(), all.end(), atoms_[state]) != all.end();
 }
 
-bool X11::managerMinimises() {
+bool X11::managerKnows(Atom what) {
     const std::vector<xcb_atom_t> all = readAtoms(root(), Supported, maxSupported);
-    return std::find(all.begin(), all.end(), atoms_[ActionMinimize]) != all.end();
+    return std::find(all.begin(), all.end(), atoms_[what]) != all.end();
 }
+
+bool X11::managerMinimises() { return managerKnows(ActionMinimize); }
 
 void X11::setName(xcb_window_t window, const QByteArray &utf8) {
     const bool isAscii = std::all_of(
@@ -254,7 +257,20 @@ void X11::setName(xcb_window_t window, const QByteArray &utf8) {
                             static_cast<std::uint32_t>(utf8.size()), utf8.constData());
     };
     set(atoms_[NetWmName], atoms_[Utf8String]);
-    set(XCB_ATOM_WM_NAME, isAscii ? xcb_atom_t{XCB_ATOM_STRING} : atoms_[Utf8String]);
+    if (!knowsNames_)
+        knowsNames_ = managerKnows(NetWmName);
+    if (!*knowsNames_)
+        set(XCB_ATOM_WM_NAME, isAscii ? xcb_atom_t{XCB_ATOM_STRING} : atoms_[Utf8String]);
+}
+
+void X11::setIconName(xcb_window_t window, const QByteArray &utf8) {
+    xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atoms_[NetWmIconName],
+                        atoms_[Utf8String], 8, static_cast<std::uint32_t>(utf8.size()),
+                        utf8.constData());
+}
+
+void X11::clearIconName(xcb_window_t window) {
+    xcb_delete_property(connection_, window, atoms_[NetWmIconName]);
 }
 
 void X11::setShape(xcb_window_t window, std::span<const xcb_rectangle_t> rows) {
@@ -417,6 +433,8 @@ void X11::propertyChanged(const xcb_property_notify_event_t &change) {
     } else if (change.window == root() && onWorkArea &&
                (change.atom == atoms_[WorkArea] || change.atom == atoms_[GtkWorkAreas])) {
         onWorkArea();
+    } else if (change.window == root() && change.atom == atoms_[Supported]) {
+        knowsNames_.reset(); // another manager
     }
 }
 

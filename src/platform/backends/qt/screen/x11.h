@@ -47,6 +47,7 @@ public:
         Supported,
         ActionMinimize,
         NetWmName,
+        NetWmIconName,
         Utf8String,
         AtomCount
     };
@@ -83,7 +84,13 @@ public:
 
     // What the window manager calls the window. It goes to the server with whatever is sent next:
     // the toolkit writes each name by itself, and reads of each on its own that it has changed.
+    // Each write of a property wakes the manager, every panel and this program's own reader, four
+    // times a second while a track plays: the name of old is written only where the manager does
+    // not know the one of today.
     void setName(xcb_window_t window, const QByteArray &utf8);
+    // What panels call its entry, where that is not its name.
+    void setIconName(xcb_window_t window, const QByteArray &utf8);
+    void clearIconName(xcb_window_t window);
 
     // The windows that a property of the screen names; absent where nobody has set it.
     std::optional<std::vector<xcb_window_t>> windowsOfRoot(Atom property);
@@ -147,6 +154,7 @@ private:
     void internAtoms();
     static bool isGuestScreen();
     bool readComposited();
+    bool managerKnows(Atom what);
     void tellManager(const xcb_client_message_event_t &event);
     std::vector<xcb_atom_t> readAtoms(xcb_window_t window, Atom property, std::uint32_t most);
     xcb_visualid_t clearVisual() const;
@@ -164,6 +172,7 @@ private:
     std::chrono::steady_clock::time_point lastAct_{};
     std::uint8_t fixesEvent_ = 0;
     bool composited_ = false;
+    std::optional<bool> knowsNames_; // the manager, as far as it was asked
     bool guest_ = false;
 };
 

@@ -61,11 +61,13 @@ struct QtWindowSystem::Parts {
     // A shown window that stands by itself in the upper half of the screen; the line across the
     // desktop never leaves the lower edge.
     bool stripIsUp() const {
-        const Twips middle = qt::toTwips(qt::screens::primary().height()) / 2;
-        for (const auto &[number, entry] : hub.forms)
-            if (entry.form->unmanaged() && entry.form->visible() && entry.form->top() < middle)
-                return true;
-        return false;
+        return std::any_of(
+            hub.forms.begin(), hub.forms.end(),
+            [](const auto &each) {
+                const forms::Form &form = *each.second.form;
+                return form.unmanaged() && form.visible() &&
+                       form.top() < qt::toTwips(qt::screens::primary().height()) / 2;
+            });
     }
 
     // The window manager sees to its own windows when a screen shrinks or goes; the others, shown
@@ -364,7 +366,8 @@ std::vector<RectPixels> QtWindowSystem::monitors() { return qt::screens::all(); 
 Twips QtWindowSystem::screenHeight() { return qt::toTwips(qt::screens::primary().height()); }
 
 // The pointer is asked for at every tick of a strip that may be hidden, and each question is a
-// round trip to the screen: with no button down and no strip up the answer may be a second old.
+// round trip to the screen: with no button down and no strip up nobody sees what comes of the
+// answer, and it may be old.
 bool QtWindowSystem::GetCursorPos(PointPixels &position) {
     if (const auto event = parts_->hub.pointerOfEvent()) {
         // The hand may have gone on since: what was taken hold of is where it was then.
@@ -372,7 +375,7 @@ bool QtWindowSystem::GetCursorPos(PointPixels &position) {
         position = {qRound(at.x()), qRound(at.y())};
         return true;
     }
-    constexpr std::chrono::seconds oldest{1};
+    constexpr std::chrono::seconds oldest{10};
     const auto now = std::chrono::steady_clock::now();
     const bool isLive = QGuiApplication::mouseButtons() != Qt::NoButton || parts_->stripIsUp();
     if (isLive || now - parts_->pointerAsked > oldest) {

@@ -421,9 +421,16 @@ void QtFormWindow::blocked() {
     form_.pointerLost();
 }
 
+// Panels show the window's name where its entry has none.
 void QtFormWindow::setTaskTitle(const QString &title) {
-    if (top_ != nullptr)
-        top_->setWindowIconText(title);
+    if (top_ == nullptr)
+        return;
+    const bool isName = title == toShown(form_.caption());
+    if (!isName)
+        hub_.x11.setIconName(nativeWindow(), title.toUtf8());
+    else if (hasTaskTitle_)
+        hub_.x11.clearIconName(nativeWindow());
+    hasTaskTitle_ = !isName;
 }
 
 void QtFormWindow::closed() {
