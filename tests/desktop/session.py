@@ -160,11 +160,13 @@ class Session:
                 not TAKEN or not self.answers or taken(env=self.env))
 
     def start_sound(self):
+        # Without a bus it would begin one for the screen, which outlasts both.
+        without_bus = dict(self.env, DBUS_SESSION_BUS_ADDRESS="disabled:")
         self.pulse = subprocess.Popen(
             [*BOUND, "pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--log-level=error",
              "-L", f"module-null-sink sink_name=null1 rate={RATE} channels=2",
              "-L", f"module-native-protocol-unix socket={self.runtime}/native"],
-            env=self.env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            env=without_bus, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         if not wait_for(lambda: "null1" in quiet("pactl", "list", "short", "sinks", env=self.env)):
             raise RuntimeError("no sound server")
 

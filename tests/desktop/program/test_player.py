@@ -4,6 +4,7 @@
     test_player.py VELMORA DEMO_PIECE SOURCE_FOLDER DRAG_TOOL [unittest options]
 """
 
+import glob
 import os
 import signal
 import sqlite3
@@ -191,6 +192,27 @@ class WithoutSound(PlayerTest):
         self.assertEqual(player.title(box), TITLE)
         self.session.reply("Return", box)
         self.assertTrue(player.window(), "the player does not come up without a sound device")
+
+
+class WithoutBus(PlayerTest):
+    def beside(self):
+        """What runs for the screen."""
+        found = []
+        for process in glob.glob("/proc/[0-9]*"):
+            try:
+                with open(process + "/environ", "rb") as file:
+                    here = f"DISPLAY={self.session.env['DISPLAY']}".encode() in file.read().split(b"\0")
+                with open(process + "/comm", encoding="utf-8") as file:
+                    found += [file.read().strip()] if here else []
+            except OSError:
+                pass
+        return found
+
+    def test_none_is_begun_for_the_player(self):
+        player, main = self.start()
+        self.assertTrue(player.took(main))
+        self.assertFalse([name for name in self.beside() if name == "dbus-launch"])
+        self.assertIn("velmora", self.beside())
 
 
 class WithoutDisplay(unittest.TestCase):

@@ -103,18 +103,19 @@ struct DesktopBus::Parts final : Remote, Inhibitor {
 bool sessionBusAnswers(std::chrono::milliseconds limit) {
     const auto library = bus::BusLibrary::load();
     sd_bus *bus = nullptr;
-    if (library == nullptr || library->openUser(&bus) < 0)
+    if (library == nullptr)
         return true;
+    if (library->openUser(&bus) < 0)
+        return false;
     const auto end = std::chrono::steady_clock::now() + limit;
-    bool answers = true;
     while (library->isReady(bus) == 0 && library->process(bus, nullptr) >= 0) {
         const auto left = std::chrono::duration_cast<std::chrono::microseconds>(
             end - std::chrono::steady_clock::now());
-        answers = left.count() > 0;
-        if (!answers || library->isReady(bus) != 0)
+        if (left.count() <= 0 || library->isReady(bus) != 0)
             break;
         library->wait(bus, static_cast<std::uint64_t>(left.count()));
     }
+    const bool answers = library->isReady(bus) > 0;
     library->closeUnref(bus);
     return answers;
 }

@@ -23,7 +23,7 @@ class Dialogs;
 using WatchDescriptor =
     std::function<std::function<void(bool writing)>(int descriptor, std::function<void()> ready)>;
 
-// False where there is a bus that does not take a connection within this time.
+// False where there is no bus, or one that does not take a connection within this time.
 bool sessionBusAnswers(std::chrono::milliseconds limit);
 
 class DesktopBus {

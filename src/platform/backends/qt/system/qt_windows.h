@@ -25,7 +25,8 @@ struct QtOptions {
     std::function<void(std::string_view line)> note;
     // As on a server that sees the pointer over our windows only; found out when absent.
     bool pointerUnknownOutside = false;
-    // The session bus hangs: the toolkit must not wait for it.
+    // There is no session bus, or it hangs: the toolkit must neither begin one of its own, which
+    // would outlast the program, nor wait for it.
     bool withoutBus = false;
 };
 
