@@ -120,6 +120,21 @@ class BareWindow:
         return self.command
 
 
+class ShownPlaying(BareWindow):
+    """What is seen of a player at work, without any sound."""
+
+    is_heard = False
+
+    def __init__(self, watch):
+        super().__init__(watch, ", what is seen of playing")
+
+    def play(self, session, paths):
+        return [*self.command, "--plays"]
+
+    def start_playing(self, session, window):
+        pass
+
+
 class SkinnedAudacious(Peer):
     """With the window that its skins draw. It keeps which one that is only when it is left."""
 
@@ -214,7 +229,8 @@ def look(player, state, paths):
         time.sleep(2)
         if state == "playing":
             player.start_playing(session, window)
-            wait_for(lambda: quiet("pactl", "list", "short", "sink-inputs", env=session.env))
+            if getattr(player, "is_heard", True):
+                wait_for(lambda: quiet("pactl", "list", "short", "sink-inputs", env=session.env))
             time.sleep(3)
         figures = {name: kilobytes / 1024 for name, kilobytes in memory(child.pid).items()}
         figures["groups"] = by_group(child.pid)
@@ -284,7 +300,8 @@ def whole_process(players, watch, paths):
           "medians and half of what the middle half spans. Playing is a 192 kbit/s mp3 on a null sink. "
           "Memory in MB: of its own (no file behind it), and the proportional share of all; CPU in percent of one "
           "core. The bare windows are two empty ones of this player's sizes and a timer of its pace; the second ones show "
-          "what the toolkit takes for the first line of Chinese alone.\n")
+          "what the toolkit takes for the first line of Chinese alone; the third ones do what is seen of playing (the name "
+          "rolls, the time and the bar go on) without any sound.\n")
     print("| player | first window, ms | main window, ms | own idle | own playing | PSS idle | PSS playing | "
           "CPU idle | CPU playing | X playing | wake-ups/s idle | wake-ups/s playing |")
     print("|---" * 12 + "|", flush=True)
@@ -337,7 +354,7 @@ def main():
     chinese = BareWindow(watch, ", a line of Chinese", "一个窗口而已")
     others = peers()
 
-    states = whole_process([*speaking, bare, chinese, *others], watch, [mp3])
+    states = whole_process([*speaking, bare, chinese, ShownPlaying(watch), *others], watch, [mp3])
     where_it_lies(states, [("bare windows", bare, "idle"), ("the same, a line of Chinese", chinese, "idle"),
                            *((f"idle, {one.language[1]}", one, "idle") for one in speaking[:2]),
                            *((f"playing, {one.language[1]}", one, "playing") for one in speaking)])
