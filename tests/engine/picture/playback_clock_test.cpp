@@ -115,9 +115,29 @@ TEST(SeekTracker, IsToBeginFromSentToBegun) {
     EXPECT_TRUE(seeks.isToBegin());
     seeks.begun();
     EXPECT_FALSE(seeks.isToBegin());
+    seeks.done();
     seeks.sent(8);
     EXPECT_TRUE(seeks.isToBegin());
     seeks.forget();
+    EXPECT_FALSE(seeks.isToBegin());
+}
+
+TEST(SeekTracker, BehindASeekThatHasBegunNothingOfOldIsLeftUntilThatOneIsDone) {
+    SeekTracker seeks;
+    seeks.sent(7);
+    seeks.taken(7, false);
+    seeks.sent(8);
+    EXPECT_TRUE(seeks.isToBegin()) << "neither has begun";
+    seeks.begun(); // the first
+    EXPECT_FALSE(seeks.isToBegin());
+    seeks.taken(8, false);
+    EXPECT_FALSE(seeks.isToBegin());
+    seeks.done(); // the first
+    EXPECT_TRUE(seeks.isToBegin()) << "what was read at the first one's place is there";
+    seeks.begun();
+    EXPECT_FALSE(seeks.isToBegin());
+    seeks.done();
+    EXPECT_TRUE(seeks.isSettled());
     EXPECT_FALSE(seeks.isToBegin());
 }
 

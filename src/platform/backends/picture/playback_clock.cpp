@@ -37,6 +37,7 @@ std::chrono::duration<double> PlaybackClock::standsFor(Time when) const {
 }
 
 void SeekTracker::sent(std::uint64_t id) {
+    hasOld_ = hasOld_ || isSettled();
     last_ = id;
     stage_ = Stage::Sent;
 }
@@ -47,6 +48,7 @@ void SeekTracker::taken(std::uint64_t id, bool failed) {
 }
 
 void SeekTracker::begun() {
+    hasOld_ = false;
     if (stage_ == Stage::Taken)
         stage_ = Stage::Begun;
 }
@@ -54,6 +56,8 @@ void SeekTracker::begun() {
 void SeekTracker::done() {
     if (stage_ == Stage::Begun)
         stage_ = Stage::Settled;
+    else
+        hasOld_ = !isSettled();
 }
 
 } // namespace velmora::platform::picture

@@ -50,15 +50,21 @@ public:
     void begun();
     void done();
     // Whatever was under way has no end to wait for any more.
-    void forget() { stage_ = Stage::Settled; }
+    void forget() {
+        stage_ = Stage::Settled;
+        hasOld_ = false;
+    }
 
     bool isSettled() const { return stage_ == Stage::Settled; }
-    // The engine still has what it had before.
-    bool isToBegin() const { return stage_ == Stage::Sent || stage_ == Stage::Taken; }
+    // The engine still has what it read ahead at another place, and would put that out. It has not
+    // where an earlier seek has begun and shows nothing yet: how long that takes is the film's to
+    // say.
+    bool isToBegin() const { return hasOld_ && (stage_ == Stage::Sent || stage_ == Stage::Taken); }
 
 private:
     enum class Stage { Settled, Sent, Taken, Begun };
     Stage stage_ = Stage::Settled;
+    bool hasOld_ = false;
     std::uint64_t last_ = 0;
 };
 
