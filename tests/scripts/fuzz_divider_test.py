@@ -56,6 +56,14 @@ class Divider(unittest.TestCase):
         rich.take(said(80, 85, 1000), 10)
         self.assertEqual((rich.runs, rich.new, rich.seconds), (2234, 35, 20))
 
+    def test_what_it_found_before_is_nothing_new_however_long_it_takes_to_read(self):
+        rich = self.everyone[0]
+        reading = "#1024\tpulse  cov: 9 ft: 10 exec/s: 20\n#2048\tpulse  cov: 9 ft: 70 exec/s: 20\n"
+        rich.take(reading + said(80, 85, 1000), 10)
+        self.assertEqual(rich.new, 5)
+        rich.take(reading, 10)
+        self.assertEqual(rich.new, 5)
+
     def test_what_says_nothing_found_nothing(self):
         rich = self.everyone[0]
         rich.take("", 10)
