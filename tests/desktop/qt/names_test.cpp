@@ -49,6 +49,7 @@ TEST_F(NamesTest, ShowsItsCaptionToTheWindowManager) {
     form.setCaption(u"two");
     EXPECT_TRUE(
         desk().pump([&] { return desk().screen->text(nativeOf(form), "_NET_WM_NAME") == "two"; }));
+    ASSERT_TRUE(desk().settle());
     EXPECT_NE(desk().screen->text(nativeOf(form), "WM_NAME"), "two")
         << "the name of old wakes everybody once more, and nobody needs it";
 }
@@ -71,6 +72,7 @@ TEST_F(NamesTest, ShowsItsCaptionToAManagerThatKnowsNoNameButTheOneOfOld) {
     form.setCaption(u"four");
     EXPECT_TRUE(
         desk().pump([&] { return desk().screen->text(nativeOf(form), "_NET_WM_NAME") == "four"; }));
+    ASSERT_TRUE(desk().settle());
     EXPECT_EQ(desk().screen->text(nativeOf(form), "WM_NAME"), "三") << "another manager has come";
 }
 

@@ -141,6 +141,21 @@ TEST(SeekTracker, BehindASeekThatHasBegunNothingOfOldIsLeftUntilThatOneIsDone) {
     EXPECT_FALSE(seeks.isToBegin());
 }
 
+TEST(SeekTracker, SentBehindOneThatHasBegunItFindsNothingOfOld) {
+    SeekTracker seeks;
+    seeks.sent(7);
+    seeks.taken(7, false);
+    seeks.begun();
+    seeks.sent(8);
+    EXPECT_FALSE(seeks.isToBegin()) << "the engine shows nothing yet";
+    seeks.taken(8, false);
+    EXPECT_FALSE(seeks.isToBegin());
+    seeks.begun();
+    seeks.done();
+    seeks.sent(9);
+    EXPECT_TRUE(seeks.isToBegin());
+}
+
 TEST(SeekTracker, TheEndOfAnEarlierSeekDoesNotCount) {
     SeekTracker seeks;
     seeks.sent(7);

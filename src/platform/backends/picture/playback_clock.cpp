@@ -57,7 +57,7 @@ void SeekTracker::done() {
     if (stage_ == Stage::Begun)
         stage_ = Stage::Settled;
     else
-        hasOld_ = !isSettled();
+        hasOld_ = true;
 }
 
 } // namespace velmora::platform::picture

@@ -256,9 +256,9 @@ void X11::setName(xcb_window_t window, const QByteArray &utf8) {
         xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, property, type, 8,
                             static_cast<std::uint32_t>(utf8.size()), utf8.constData());
     };
-    set(atoms_[NetWmName], atoms_[Utf8String]);
     if (!knowsNames_)
         knowsNames_ = managerKnows(NetWmName);
+    set(atoms_[NetWmName], atoms_[Utf8String]);
     if (!*knowsNames_)
         set(XCB_ATOM_WM_NAME, isAscii ? xcb_atom_t{XCB_ATOM_STRING} : atoms_[Utf8String]);
 }

@@ -139,7 +139,6 @@ private:
     bool hasHoleMakers_ = false;
     bool raisePosted_ = false;
     bool attentionAsked_ = false; // since it was last active
-    bool hasTaskTitle_ = true;    // of its own; the toolkit begins with an empty one
     bool placing_ = false;
     bool fullScreen_ = false;
     bool isCutAbove_ = false;

@@ -421,16 +421,15 @@ void QtFormWindow::blocked() {
     form_.pointerLost();
 }
 
-// Panels show the window's name where its entry has none.
+// Panels show the window's name where its entry has none; the toolkit begins with an empty one. To
+// take away what is not there wakes nobody.
 void QtFormWindow::setTaskTitle(const QString &title) {
     if (top_ == nullptr)
         return;
-    const bool isName = title == toShown(form_.caption());
-    if (!isName)
-        hub_.x11.setIconName(nativeWindow(), title.toUtf8());
-    else if (hasTaskTitle_)
+    if (title == toShown(form_.caption()))
         hub_.x11.clearIconName(nativeWindow());
-    hasTaskTitle_ = !isName;
+    else
+        hub_.x11.setIconName(nativeWindow(), title.toUtf8());
 }
 
 void QtFormWindow::closed() {
