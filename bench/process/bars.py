@@ -95,6 +95,7 @@ class Page:
 
 
 BARE = "without"
+SEEN = "bare windows, what is seen of playing"
 BARS = [
     ("idle, percent of a core", 0.10, lambda page: page.most(CPU_IDLE)),
     ("idle, wake-ups a second", 15, lambda page: page.most(WAKES_IDLE)),
@@ -121,7 +122,6 @@ BARS = [
     ("a film, times the bare engine", 1.10, lambda page: page.figure("Films", ("median",), 8)),
 ]
 # What no program with this toolkit or library goes below, beside the figure that has it as its floor.
-SEEN = "bare windows, what is seen of playing"
 FLOORS = {
     "idle, percent of a core": lambda page: page.whole("bare windows", CPU_IDLE),
     "idle, wake-ups a second": lambda page: page.whole("bare windows", WAKES_IDLE),

@@ -83,10 +83,12 @@ class Velmora:
         session.key("F6", window)
 
     windows = 2  # the splash, then the main window
+    is_heard = True
 
 
 class Peer:
     windows = 1
+    is_heard = True
 
     def __init__(self, name, command, key_class, keys=None, write_list=None):
         self.name = name
@@ -229,7 +231,7 @@ def look(player, state, paths):
         time.sleep(2)
         if state == "playing":
             player.start_playing(session, window)
-            if getattr(player, "is_heard", True):
+            if player.is_heard:
                 wait_for(lambda: quiet("pactl", "list", "short", "sink-inputs", env=session.env))
             time.sleep(3)
         figures = {name: kilobytes / 1024 for name, kilobytes in memory(child.pid).items()}

@@ -55,8 +55,8 @@ class Target:
     def take(self, said, spent):
         """What a slice says of itself: features once it has read the corpus and at its last line, and its inputs. What
         it says ahead of that is of what was found before: a corpus that takes long to read would be the best of all."""
-        features = [int(each) for each in re.findall(r"(?:INITED|NEW|REDUCE|pulse|DONE).* ft: (\d+)",
-                                                     said[said.find("INITED"):] if "INITED" in said else "")]
+        behind = "".join(said.partition("INITED")[1:])
+        features = [int(each) for each in re.findall(r"(?:INITED|NEW|REDUCE|pulse|DONE).* ft: (\d+)", behind)]
         new = features[-1] - features[0] if features else 0
         runs = re.search(r"number_of_executed_units: (\d+)", said)
         self.runs += int(runs[1]) if runs else 0

@@ -23,7 +23,8 @@ class Dialogs;
 using WatchDescriptor =
     std::function<std::function<void(bool writing)>(int descriptor, std::function<void()> ready)>;
 
-// False where there is no bus, or one that does not take a connection within this time.
+// False where there is no bus, or one that does not take a connection within this time. True where
+// the library that would tell is missing.
 bool sessionBusAnswers(std::chrono::milliseconds limit);
 
 class DesktopBus {

@@ -53,8 +53,9 @@ void passOn(QtMsgType type, const QMessageLogContext &context, const QString &me
         std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, message)));
 }
 
-// The toolkit connects once, for assistive technology, and waits for ever. Where it finds nothing
-// it does without.
+// The toolkit connects once, for assistive technology: where it is told of no bus its library
+// begins one for the screen, and a bus that hangs is waited for for ever. Where it is told of a
+// place at which there is nothing it does without.
 void keepFromBus() {
     const Setting nowhere("DBUS_SESSION_BUS_ADDRESS", "unix:path=/dev/null");
     QAccessible::isActive();
