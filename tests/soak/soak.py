@@ -9,13 +9,14 @@ rest, and it is measured there: what a film or a search takes for the moment say
 order and all that they choose follow from the seed; when a server answers and where a track stands do not. With
 --sanitized nothing is judged but the acts and what a sanitizer has to say.
 
-Leaves table.md, picture.svg, samples.csv and acts.log in the output folder. The catalogue's program is named by the
-environment: VELMORA_CATALOGUE.
+Leaves table.md, picture.svg, samples.csv and acts.log in the output folder, and the screen after each act that failed.
+The catalogue's program is named by the environment: VELMORA_CATALOGUE.
 """
 
 import argparse
 import csv
 import os
+import pathlib
 import random
 import subprocess
 import sys
@@ -161,6 +162,13 @@ def write(run, head, folder):
     return text, [name for name, verdict in verdicts.items() if verdict.grows]
 
 
+def clear(folder):
+    """Takes away what an earlier run has left: its pictures of faults would be taken for those of this one."""
+    for pattern in ("table.md", "picture.svg", "samples.csv", "acts.log", "fault-*.png"):
+        for old in pathlib.Path(folder).glob(pattern):
+            old.unlink()
+
+
 def main():
     parser = argparse.ArgumentParser(prog="soak.py")
     parser.add_argument("--minutes", type=float, default=120)
@@ -175,6 +183,7 @@ def main():
     made = os.path.abspath(arguments.made or out + "/media")
     os.makedirs(out, exist_ok=True)
     os.makedirs(made, exist_ok=True)
+    clear(out)
     head = f"{arguments.minutes:g} minutes with the seed {arguments.seed}"
     print(head, flush=True)
     media.make(made, sys.argv[3])
