@@ -256,11 +256,11 @@ class Sway(Desk):
             subprocess.run(["chown", "-R", "nobody", self.nest], check=True)
             os.chmod(self.nest, 0o755)
             user = ["setpriv", "--reuid", "nobody", "--regid", "nogroup", "--clear-groups", "--"]
-        child = subprocess.Popen(
-            [*user, *BOUND, "sway", "-c", self.nest + "/config"],
-            env=dict(self.hands, HOME=self.nest, XDG_RUNTIME_DIR=runtime, WLR_BACKENDS="x11",
-                     WLR_RENDERER="pixman"), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-            start_new_session=True)
+        with open(self.nest + "/said", "w", encoding="utf-8") as said:
+            child = subprocess.Popen(
+                [*user, *BOUND, "sway", "-c", self.nest + "/config"],
+                env=dict(self.hands, HOME=self.nest, XDG_RUNTIME_DIR=runtime, WLR_BACKENDS="x11",
+                         WLR_RENDERER="pixman"), stdout=said, stderr=said, start_new_session=True)
         self.children.append(child)
 
         def display():
@@ -271,7 +271,8 @@ class Sway(Desk):
                 return None
         self.env["DISPLAY"] = wait_for(display, 30) or ""
         if not self.env["DISPLAY"]:
-            raise RuntimeError("no guest server")
+            with open(said.name, encoding="utf-8", errors="replace") as file:
+                raise RuntimeError(f"no guest server; sway has status {child.poll()} and said:\n{file.read()}")
         Session.live[self.env["DISPLAY"]] = self
         self.wait_for_manager()
 
