@@ -14,6 +14,7 @@ from settings_window import FRAME, LANGUAGE_ROWS, PAGES
 ACTS = {}
 WEIGHTS = {}
 LONGEST_LIST, SHORTEST_LIST = 140, 60
+TAKEN_S = 10  # what a press does is seen by then
 TRAY = ["trayer", "--edge", "top", "--align", "left", "--widthtype", "pixel", "--width", "60", "--heighttype", "pixel",
         "--height", "30"]
 
@@ -31,11 +32,17 @@ def act(weight=1):
 def another_track(hand, chance, key, button, what):
     """What is told of is whole, at the end of its fade-in: its place would be seen before its name and length."""
     before = len(hand.played())
+
+    def is_played():
+        return len(hand.played()) > before
     if chance.random() < 0.5:
         hand.key(key)
     else:
         hand.press(button)
-    need(wait_for(lambda: len(hand.played()) > before, SEEN_S), what)
+        # A film that was begun just before comes up over the whole screen, and may have taken the press.
+        if not wait_for(is_played, TAKEN_S) and hand.film_window():
+            hand.key(key)
+    need(wait_for(is_played, SEEN_S), what)
 
 
 @act(4)
