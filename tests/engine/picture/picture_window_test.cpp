@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
 
 namespace velmora::tests {
 namespace {
@@ -251,31 +250,6 @@ TEST_F(PictureWindowTest, AFilmWhosePictureChangesItsSizeFillsTheWindowThroughou
     EXPECT_GT(looks, 10);
     EXPECT_EQ(x_.geometry(windowOf(*device)).width, 320);
 }
-
-#ifndef VELMORA_SANITIZED // a sanitizer keeps freed memory for itself
-// What belongs to this process alone and no file, in megabytes.
-long ownMegabytes() {
-    std::ifstream kept("/proc/self/smaps_rollup");
-    std::string line;
-    while (std::getline(kept, line) && line.rfind("Anonymous:", 0) != 0) {
-    }
-    return std::stol(line.substr(10)) / 1024;
-}
-
-TEST_F(PictureWindowTest, AClosedFilmGivesItsMemoryBackHoweverOftenItIsShown) {
-    const long before = ownMegabytes();
-    for (int time = 0; time < 2; ++time) {
-        const auto device = openInside("huge_picture.mp4");
-        ASSERT_TRUE(device && device->putWindow(0, 0, 320, 180));
-        ASSERT_TRUE(waitUntil([&] {
-            const WindowPixels seen = x_.look(windowOf(*device));
-            return !seen.empty() && isLike(seen.at(160, 90), red);
-        }));
-    }
-    // Its pictures take 50 MB each.
-    EXPECT_LT(ownMegabytes(), before + 60);
-}
-#endif
 
 TEST_F(PictureWindowTest, AnEnormousPictureIsShownInASmallWindow) {
     const auto device = openInside("huge_picture.mp4");
