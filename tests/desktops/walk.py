@@ -212,8 +212,11 @@ class Walk:
         self.player.tool("click", button)
 
     def strips_menu(self):
+        inside = (*self.player.point(self.strip, 6, 25), 40, 40)
+        without = rest(lambda: self.seen(*inside), 10)
         self.click_strip(4, 23, button=3)
         need(self.player.menus(), "no menu")
+        self.in_sight(inside, without)
         self.player.tool("mousemove", 640, 600)
         self.player.tool("click", 1)
         closed = wait_for(lambda: not self.player.menus(1, 0.1))
@@ -271,8 +274,11 @@ class Walk:
         self.leave_mini()
 
     def menu(self):
+        inside = (*self.player.point(self.main, 7, 152), 40, 40)
+        without = rest(lambda: self.seen(*inside), 10)
         self.player.click_at(self.main, 5, 150, button=3)
         need(self.player.menus(), "no menu")
+        self.in_sight(inside, without)
         self.player.tool("key", "Escape")
         need(wait_for(lambda: not self.player.menus(1, 0.1)), "the menu stays")
 
