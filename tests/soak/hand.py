@@ -129,7 +129,20 @@ class Hand(HouseholdTest):
     # --- ways to a state -------------------------------------------------------------------------
 
     def front(self, window=None):
+        if window is None:
+            self.uncover()
         self.player.tool("windowactivate", "--sync", window or self.main)
+
+    def uncover(self):
+        """A film over the whole screen stays on top of all: it goes back into its window. The key means that once the
+        sound has faded in."""
+        def is_free():
+            film = self.film_window()
+            if film is None or self.player.size(film) != self.screen():
+                return True
+            self.key("Return", film)
+            return False
+        need(wait_for(is_free, SEEN_S, 1), "the film stays over the whole screen")
 
     def press(self, control):
         self.front()
@@ -151,6 +164,7 @@ class Hand(HouseholdTest):
              f"{name} is not played")
         # What is new begins as if it had been chosen in the dialog: until it is saved no click is taken.
         need(wait_for(lambda: path in self.list_lines(), SEEN_S), f"{name} is not listed")
+        self.answers()  # it is told of ahead of its window, if it is a film
 
     def play_long(self, chance, film=False):
         """Something that does not end meanwhile; a film shows its window, and hides nothing that is asked for."""
