@@ -9,7 +9,7 @@ import sys
 
 from cases import run
 from player import LIST, MINI, PlayerTest, Stranger, stairs
-from session import quiet, wait_for
+from session import quiet, rest, wait_for
 
 # At the bottom: the mini window lies over whatever is at the top.
 TRAY = ["trayer", "--edge", "bottom", "--align", "left", "--widthtype", "pixel", "--width", "60",
@@ -28,7 +28,7 @@ class Tray(PlayerTest):
         self.tray = self.session.spawn(TRAY)
 
     def icon(self, player, seconds=30):
-        """The program's window inside the tray."""
+        """The program's window inside the tray, once a click there would meet it: the tray shows it after taking it in."""
         def look():
             tray = quiet("xdotool", "search", "--onlyvisible", "--class", "trayer",
                          env=self.session.env).split()
@@ -36,15 +36,21 @@ class Tray(PlayerTest):
                 tree = quiet("xwininfo", "-tree", "-id", number, env=self.session.env)
                 for line in tree.splitlines():
                     found = re.match(r"\s+(0x[0-9a-f]+) .*\"velmora\"", line)
-                    if found:
+                    if found and "IsViewable" in quiet("xwininfo", "-id", found[1], env=self.session.env):
                         return str(int(found[1], 16))
             return None
         return wait_for(look, seconds)
 
+    def open_menu(self, player):
+        self.click_icon(player, 3)
+        if not player.menus():
+            tree = quiet("xwininfo", "-root", "-tree", env=self.session.env)
+            self.fail(f"no menu comes up: {player.tool('getmouselocation')}\n{tree}")
+
     def click_icon(self, player, button=1):
         icon = self.icon(player)
         self.assertTrue(icon, "no icon in the tray")
-        shape = player.geometry(icon)
+        shape = rest(lambda: player.geometry(icon))
         player.tool("mousemove", shape["X"] + shape["WIDTH"] // 2,
                     shape["Y"] + shape["HEIGHT"] // 2)
         player.tool("click", button)
@@ -101,17 +107,14 @@ class Tray(PlayerTest):
     def test_the_right_button_opens_the_menu_and_it_works(self):
         self.start_tray()
         player, main = self.start()
-        self.click_icon(player, 3)
-        menus = player.menus()
-        self.assertTrue(menus, "no menu comes up")
+        self.open_menu(player)
         for key in ("Down", "Right"):
             self.session.key(key)
         self.assertTrue(player.menus(2))
         for key in ("Down", "Down", "Down", "Return"):  # play, pause, stop, next
             self.session.key(key)
         self.assert_title(player, main, "track")
-        self.click_icon(player, 3)
-        self.assertTrue(player.menus())
+        self.open_menu(player)
         self.session.key("Up")
         self.session.key("Return")  # the last entry ends the program
         self.assertTrue(player.ended())
@@ -121,8 +124,7 @@ class Tray(PlayerTest):
     def test_a_right_click_soon_after_another_opens_the_menu_again(self):
         self.start_tray()
         player, main = self.start()
-        self.click_icon(player, 3)
-        self.assertTrue(player.menus())
+        self.open_menu(player)
         for _ in range(2):  # near enough in time and place to count as double clicks
             self.session.key("Escape")
             self.assertIsNotNone(player.menus(0))
@@ -133,8 +135,7 @@ class Tray(PlayerTest):
         player, main = self.start()
         self.start_tray()
         self.assertTrue(self.icon(player), "no icon in the tray")
-        self.click_icon(player, 3)
-        self.assertTrue(player.menus())
+        self.open_menu(player)
         self.session.key("Escape")
         self.assertIsNotNone(player.menus(0))
         self.assertIsNone(player.child.poll())
@@ -148,8 +149,7 @@ class Tray(PlayerTest):
         self.assert_title(player, main, "track")  # it goes on without
         self.start_tray()
         self.assertTrue(self.icon(player), "no icon in the new tray")
-        self.click_icon(player, 3)
-        self.assertTrue(player.menus())
+        self.open_menu(player)
 
 
 if __name__ == "__main__":
