@@ -1,9 +1,8 @@
 // What films leave in the memory of the process that has shown them, which is one of its own for
 // that: others would have left something, too.
 
+#include "picture_screen.h"
 #include "picture_testing.h"
-
-#include "xvfb_server.h"
 
 #include <gtest/gtest.h>
 
@@ -23,21 +22,8 @@ long ownMegabytes() {
     return std::stol(line.substr(10)) / 1024;
 }
 
-class PictureMemoryTest : public testing::Test {
+class PictureMemoryTest : public PictureScreenTest {
 protected:
-    static void SetUpTestSuite() {
-        server_ = new XvfbServer;
-        server_->exportToEnvironment();
-    }
-    // It ends with this process: an engine that ended late would lose it, and end us all for that.
-
-    void SetUp() override {
-        ASSERT_TRUE(server_->running());
-        ASSERT_TRUE(x_.connected());
-        parent_ = x_.makeWindow(100, 50, 730, 525);
-    }
-    void TearDown() override { x_.destroyWindow(parent_); }
-
     // Until its picture is seen, which has colours there.
     void show(const std::string &file) {
         const auto device = silentOpener()->open({mediaFile(file), "MPEGVideo", true, parent_});
@@ -48,10 +34,6 @@ protected:
             return !seen.empty() && (seen.at(80, 45) & 0xFFFFFFU) != 0;
         })) << file;
     }
-
-    inline static XvfbServer *server_ = nullptr;
-    XClient x_;
-    xcb_window_t parent_ = 0;
 };
 
 TEST_F(PictureMemoryTest, AClosedFilmGivesItsMemoryBackHoweverOftenItIsShown) {

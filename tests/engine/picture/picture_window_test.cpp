@@ -1,8 +1,7 @@
 // Films in windows of a private X server: what is seen, where, and when it is gone.
 
+#include "picture_screen.h"
 #include "picture_testing.h"
-
-#include "xvfb_server.h"
 
 #include <gtest/gtest.h>
 
@@ -51,21 +50,8 @@ int greyOf(const WindowPixels &seen) {
 // Luma 16 and 18 more each second, in full range.
 int greyAt(int second) { return second * 18 * 255 / 219; }
 
-class PictureWindowTest : public testing::Test {
+class PictureWindowTest : public PictureScreenTest {
 protected:
-    static void SetUpTestSuite() {
-        server_ = new XvfbServer;
-        server_->exportToEnvironment();
-    }
-    // It ends with this process: an engine that ended late would lose it, and end us all for that.
-
-    void SetUp() override {
-        ASSERT_TRUE(server_->running());
-        ASSERT_TRUE(x_.connected());
-        parent_ = x_.makeWindow(100, 50, 730, 525);
-    }
-    void TearDown() override { x_.destroyWindow(parent_); }
-
     std::unique_ptr<Device> openInside(const std::string &file, xcb_window_t parent) {
         return silentOpener()->open({mediaFile(file), "MPEGVideo", true, parent});
     }
@@ -96,10 +82,6 @@ protected:
             return std::abs(greyOf(x_.look(windowOf(device))) - greyAt(second)) <= 8;
         });
     }
-
-    inline static XvfbServer *server_ = nullptr;
-    XClient x_;
-    xcb_window_t parent_ = 0;
 };
 
 TEST_F(PictureWindowTest, ThePictureIsAHiddenChildOfTheParentUntilItIsPut) {

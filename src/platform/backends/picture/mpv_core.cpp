@@ -33,8 +33,8 @@ void keepLargeBlocksOutOfTheHeap() {
     mallopt(M_TRIM_THRESHOLD, large);
 }
 
-// Smaller ones stay in those heaps, between what is kept: 30 MB after an hour of films. No film is
-// held up by it: what the next one needs of them comes back within milliseconds.
+// Smaller ones stay in those heaps, between what is kept: 30 MB after 75 media. To give them back
+// takes a millisecond or two.
 void giveBackWhatIsFree() { malloc_trim(0); }
 
 // Starts a thread that nobody waits for. False: the system has none to give.
