@@ -75,9 +75,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     app.setControl().Path_List = u"/l//";
     saveOrOpenFile &store = app.saveOrOpenFile();
     require(!store.loadPlayList());
-    store.savePlayList(); // no file yet
-    require(fake.files.contents(path).empty());
-    fake.files.remove(path);
+    store.savePlayList(); // no file yet, and nothing that would need one
+    require(!fake.files.hasFile(path));
     fake.files.addFile(path, bytes);
     require(store.loadPlayList());
     const playList_Form &form = app.playList_Form();
