@@ -121,15 +121,27 @@ TEST_F(MessageBoxTest, TellsItsSourceInTheTipOverTheText) {
     EXPECT_TRUE(said.startsWith("http://host/<b>new</b>?a&b"));
 }
 
+// Ends a box that is still there then; one that has its answer takes the key with it, and no box of
+// a later case meets it.
+void refuseAfter(int milliseconds, QObject &box) {
+    QTimer::singleShot(
+        milliseconds, &box,
+        [] {
+            if (QApplication::activeModalWidget() != nullptr)
+                typed(Qt::Key_N);
+        });
+}
+
 // No key or click of the last second asked for it.
 TEST_F(MessageBoxTest, ThatComesUpByItselfIsDeafToItsAnswersForHalfASecond) {
     MsgBoxResult result = MsgBoxResult::Ok;
     QTimer::singleShot(1200, [&] {
+        QObject box;
         QTimer::singleShot(0, [] {
             for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space, Qt::Key_Y})
                 typed(key);
         });
-        QTimer::singleShot(600, [] { typed(Qt::Key_N); });
+        refuseAfter(600, box);
         result = desk().windows->MsgBox(u"Really?", MsgBoxButtons::YesNo, MsgBoxIcon::Question,
                                         u"Velmora");
         desk().windows->quit(0);
@@ -143,12 +155,9 @@ TEST_F(MessageBoxTest, ThatComesUpInTheStartIsDeafAsWell) {
     QEventLoop loop;
     QTimer::singleShot(1200, &loop, &QEventLoop::quit);
     loop.exec();
-    QTimer::singleShot(
-        0, [] { typed(Qt::Key_Return); });
-    QTimer::singleShot(600, [] {
-        if (QApplication::activeModalWidget() != nullptr)
-            typed(Qt::Key_N);
-    });
+    QObject box;
+    QTimer::singleShot(0, [] { typed(Qt::Key_Return); });
+    refuseAfter(600, box);
     EXPECT_EQ(desk().windows->MsgBox(u"Really?", MsgBoxButtons::YesNo, MsgBoxIcon::Question, u"V"),
               MsgBoxResult::No);
 }
@@ -157,11 +166,9 @@ TEST_F(MessageBoxTest, ThatWasAskedForAnswersAtOnce) {
     MsgBoxResult result = MsgBoxResult::Ok;
     QTimer::singleShot(1200, [&] {
         desk().windows->personAsked();
+        QObject box;
         QTimer::singleShot(0, [] { typed(Qt::Key_Return); });
-        QTimer::singleShot(600, [] {
-            if (QApplication::activeModalWidget() != nullptr)
-                typed(Qt::Key_N);
-        });
+        refuseAfter(600, box);
         result = desk().windows->MsgBox(u"Really?", MsgBoxButtons::YesNo, MsgBoxIcon::Question,
                                         u"Velmora");
         desk().windows->quit(0);
