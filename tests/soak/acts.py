@@ -135,6 +135,7 @@ def stop_and_start(hand, chance):
 
 @act(2)
 def volume(hand, chance):
+    hand.undisturbed(chance)
     share = chance.uniform(0.1, 0.9)
     hand.front()
     hand.player.click(hand.main, "Volume_Set_BG", share)
@@ -143,6 +144,7 @@ def volume(hand, chance):
 
 @act(1)
 def mute_and_back(hand, chance):
+    hand.undisturbed(chance)
     hand.press("Volume_ICO")
     need(wait_for(lambda: hand.volume() < 0.02, SEEN_S), f"it is not muted: {hand.volume()}")
     share = chance.uniform(0.3, 0.8)
@@ -231,6 +233,7 @@ def mini_mode(hand, chance):
 
 @act(2)
 def a_language(hand, chance):
+    hand.undisturbed(chance)
     name = chance.choice(list(LANGUAGE_ROWS))
     number = str(list(LANGUAGE_ROWS).index(name))
     hand.front()
@@ -247,6 +250,7 @@ def a_language(hand, chance):
 
 @act(1)
 def the_pages_of_the_settings(hand, chance):
+    hand.undisturbed(chance)
     hand.front()
     hand.key("ctrl+s")
     settings = need(hand.player.form(SETTINGS, SEEN_S), "no settings")
@@ -260,6 +264,8 @@ def window_act(name, control, form, weight=1, playing=True):
     def routine(hand, chance):
         if playing:
             hand.play_long(chance)
+        else:
+            hand.undisturbed(chance)
         window = hand.opened_by(control, form)
         need(hand.player.took(window), "the window does not answer")
         hand.close_by(window, form)
@@ -283,6 +289,7 @@ def what_is_known_of_the_track(hand, chance):
 
 @act(2)
 def a_menu(hand, chance):
+    hand.undisturbed(chance)
     hand.front()
     hand.player.click(hand.main, "title", button=3)
     need(hand.player.menus(1, SEEN_S), "no menu")
@@ -306,6 +313,7 @@ def tips(hand, chance):
 
 @act(1)
 def minimise_and_back(hand, chance):
+    hand.undisturbed(chance)
     hand.press("minimizeButton")
     need(wait_for(lambda: hand.main not in hand.player.windows(), SEEN_S), "it is not minimised")
     hand.open_tool("--raise")
@@ -459,6 +467,7 @@ def found_rows(hand, window, form, box):
 
 @act(2)
 def a_song_from_the_catalogue(hand, chance):
+    hand.undisturbed(chance)
     number = chance.randrange(3)
     path = hand.app("Cache", f"SERVED TONE {number}.WAV")
     if os.path.exists(path):
@@ -473,6 +482,7 @@ def a_song_from_the_catalogue(hand, chance):
     need(wait_for(lambda: os.path.exists(path) and os.path.getsize(path) == size, SEEN_S), "the song does not come")
     need(wait_for(lambda: path in hand.list_lines(), SEEN_S), "the song is not listed")
     need(wait_for(lambda: any(each.endswith(path) for each in hand.played()[before:]), SEEN_S), "the song is not played")
+    hand.stop()  # it is short
     hand.close_by(window, SONGS)
 
 

@@ -172,6 +172,13 @@ class Hand(HouseholdTest):
         # Until its sound has faded in, what asks for another place of it may still mean the one before.
         need(wait_for(lambda: self.status()[2] >= 1, SEEN_S), "the track stands still")
 
+    def undisturbed(self, chance):
+        """Nothing that plays ends meanwhile: the next might be a film, whose window takes the click."""
+        if chance.random() < 0.5:
+            self.play_long(chance)
+        else:
+            self.stop()
+
     def stop(self):
         """Within the fade a stop leaves the player in use, so that it is asked for until it is done."""
         def stopped():
@@ -208,8 +215,7 @@ class Hand(HouseholdTest):
         need(self.player.gone(window, SEEN_S), "the window stays")
 
     def list_window(self):
-        """Over a track that lasts: the next one might be a film, whose window takes the click. What is played from
-        outside is a row at once but saved only behind its fade."""
+        """Over a track that lasts. What is played from outside is a row at once but saved only behind its fade."""
         self.play_long(None)
         begun = self.status()[2]
         need(wait_for(lambda: self.status()[2] >= begun + 3, SEEN_S), "the track stands still")
