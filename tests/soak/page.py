@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Makes docs/endurance.md from what the long runs have left.
+"""Makes docs/endurance.md, and the picture beside it, from what the long runs have left.
 
-    page.py SOAK_FOLDER [--sanitized SOAK_FOLDER] [--threads CTEST_LOG] [--fuzz SUMMARY] [--coverage TABLE] > docs/endurance.md
+    page.py SOAK_FOLDER [--sanitized SOAK_FOLDER] [--threads CTEST_LOG] [--fuzz SUMMARY] [--coverage TABLE]
 
-A soak's folder is that of its table.md and acts.log; the summary is what ./test --fuzz prints at its end, the table what
+A soak's folder is that of its table.md, picture.svg and acts.log; the summary is what ./test --fuzz prints at its end, the table what
 ./test --fuzz --coverage prints, the log what ./test --threads prints.
 """
 
@@ -11,8 +11,10 @@ import argparse
 import os
 import platform
 import re
+import shutil
 import time
 
+DOCS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../docs")
 SHOWN = ("private memory", "proportional memory", "descriptors", "threads", "timers", "mappings", "X windows", "X pixmaps",
          "X pixmap bytes", "X contexts", "X others", "X connections", "bus matches", "bus names", "sound clients",
          "sound streams", "wake-ups", "processor", "catalogue memory", "catalogue descriptors", "catalogue threads")
@@ -53,7 +55,8 @@ def the_long_run(folder):
         if len(cells) == 11 and cells[0] in SHOWN:
             lines.append("| " + " | ".join(cells[:7] + [cells[10]]) + " |")
     lines += ["", "Growth is the slope behind the first quarter, by Theil and Sen; \"stands\" is what `tests/soak/judge.py` says "
-              "of it.", ""]
+              "of it.", "",
+              "![Each of them over the hours: at rest dark, in use light, the warm-up grey](endurance.svg)", ""]
     return lines
 
 
@@ -96,7 +99,9 @@ def main():
     for part, made in ((given.sanitized, the_sanitized_run), (given.threads, the_threads), (given.fuzz, the_fuzzing),
                        (given.coverage, the_coverage)):
         lines += made(part) if part else []
-    print("\n".join(lines).rstrip())
+    with open(f"{DOCS}/endurance.md", "w", encoding="utf-8") as page:
+        page.write("\n".join(lines).rstrip() + "\n")
+    shutil.copyfile(given.soak + "/picture.svg", f"{DOCS}/endurance.svg")
 
 
 if __name__ == "__main__":
