@@ -133,6 +133,16 @@ TEST_F(HttpResponse, LiesTenRedirectsAwayAtMost) {
     EXPECT_FALSE(send(server.port(), u"/11").answered);
 }
 
+// The close comes when the next request is already on its way.
+TEST_F(HttpResponse, LiesTenRedirectsAwayOfAServerThatClosesBehindEach) {
+    const LoopbackServer::Script redirecting = countdown();
+    LoopbackServer server([&](Talk &talk, const std::string &request) {
+        redirecting(talk, request);
+        talk.receive();
+    });
+    EXPECT_EQ(bodyOf(send(server.port(), u"/10")).bytes, "arrived");
+}
+
 TEST_F(HttpResponse, OfARedirectWithoutAPlaceIsTheResponse) {
     LoopbackServer server(always("HTTP/1.1 304 Not Modified\r\nETag: x\r\n\r\n"));
     EXPECT_EQ(headerOf(send(server.port())), withNuls("HTTP/1.1 304 Not Modified|ETag: x|"));

@@ -14,6 +14,9 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 constexpr long mostRedirects = 10;
+// A server may close a connection behind any response, and the next request then dies under way;
+// the library sends it anew, but only five times in all.
+constexpr int redirectsThatReuse = 5;
 // What lies ready at most, beyond what a read asks for.
 constexpr std::size_t readAhead = std::size_t{128} << 10;
 
@@ -137,8 +140,11 @@ std::size_t Exchange::onHeader(char *bytes, std::size_t size, std::size_t count,
     const std::string_view line(bytes, size * count);
     if (!exchange.header_.take(line))
         return 0; // ends the transfer
-    if (exchange.header_.leadsElsewhere())
+    if (exchange.header_.leadsElsewhere()) {
         exchange.stageUntil_ = steady_clock::now() + exchange.limits_.connect;
+        if (++exchange.redirects_ == redirectsThatReuse)
+            exchange.curl_.curl_easy_setopt(exchange.easy_, CURLOPT_FORBID_REUSE, 1L);
+    }
     return line.size();
 }
 

@@ -103,6 +103,7 @@ private:
     std::size_t taken_ = 0;  // of the buffer
     std::size_t wanted_ = 0; // by the present read
     std::size_t received_ = 0;
+    int redirects_ = 0;
     Time lastRead_{};      // as far as `takeAhead` knows
     bool wasRead_ = false; // since it looked
     bool paused_ = false;
