@@ -17,9 +17,11 @@ public:
 };
 
 // Owned by gtest, as listeners are.
-[[maybe_unused]] const bool isListening = [] {
+bool listen() noexcept {
     testing::UnitTest::GetInstance()->listeners().Append(new EndsTheProgram);
     return true;
-}();
+}
+
+[[maybe_unused]] const bool isListening = listen();
 
 } // namespace
