@@ -40,18 +40,29 @@ def wait_for(look, seconds=PATIENCE):
     return None
 
 
+def started_driver(home):
+    """The driver, and its port: any that is free for ::1, which something else may have at 127.0.0.1."""
+    said = "port not available"
+    while "port not available" in said:
+        driver = subprocess.Popen(["chromedriver", "--port=0"], stdout=subprocess.PIPE,
+                                  text=True, env=dict(os.environ, HOME=home))
+        said = ""
+        for line in driver.stdout:
+            said += line
+            port = re.search(r"successfully on port (\d+)", line)
+            if port:
+                return driver, port[1]
+        driver.stdout.close()
+        driver.wait()
+    raise AssertionError("the browser's driver does not start: " + said)
+
+
 class Browser:
     """One window, by the driver's protocol."""
 
     def __init__(self, home, script=True, language="en"):
-        self.driver = subprocess.Popen(["chromedriver", "--port=0"], stdout=subprocess.PIPE,
-                                       text=True, env=dict(os.environ, HOME=home))
-        port = None
-        for line in self.driver.stdout:
-            port = re.search(r"successfully on port (\d+)", line)
-            if port:
-                break
-        self.base = f"http://127.0.0.1:{port[1]}"
+        self.driver, port = started_driver(home)
+        self.base = f"http://127.0.0.1:{port}"
         prefs = {"intl.accept_languages": language}
         if not script:
             prefs["profile.managed_default_content_settings.javascript"] = 2
