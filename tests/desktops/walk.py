@@ -98,7 +98,7 @@ class Walk:
             for second in range(300):
                 file.write(f"[{second // 60:02}:{second % 60:02}.00]Words to be seen\n")
         make_film(tracks[1], seconds=8)
-        make_film(tracks[2], seconds=60)
+        make_film(tracks[2], seconds=240, rate=10)  # outlasts all that is waited for
         PlayerTest.write_list(self, tracks)
         self.player = self.main = self.list = self.film = None
 
