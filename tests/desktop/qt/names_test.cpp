@@ -3,6 +3,10 @@
 #include "tests/desktop/qt/desk.h"
 #include "tests/desktop/x_reply.h"
 
+#include <QAbstractNativeEventFilter>
+#include <QCoreApplication>
+
+#include <string>
 #include <vector>
 
 namespace velmora::tests {
@@ -40,6 +44,67 @@ private:
             ->atom;
     std::vector<xcb_atom_t> known_;
 };
+
+// How often this program is told that a property of a window has changed.
+class Told : public QAbstractNativeEventFilter {
+public:
+    Told(xcb_window_t window, const std::string &property)
+        : window_(window),
+          property_(
+              owned(xcb_intern_atom_reply(
+                        connection_,
+                        xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(property.size()),
+                                        property.data()),
+                        nullptr))
+                  ->atom) {
+        QCoreApplication::instance()->installNativeEventFilter(this);
+    }
+    ~Told() override { QCoreApplication::instance()->removeNativeEventFilter(this); }
+    Told(const Told &) = delete;
+    Told &operator=(const Told &) = delete;
+
+    // By a program that is not this one.
+    void changeByAnother() {
+        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, property_, XCB_ATOM_STRING,
+                            8, 1, "x");
+        xcb_flush(connection_);
+    }
+
+    bool nativeEventFilter(const QByteArray & /*type*/, void *message,
+                           qintptr * /*result*/) override {
+        const auto *event = static_cast<const xcb_generic_event_t *>(message);
+        if ((event->response_type & 0x7f) != XCB_PROPERTY_NOTIFY)
+            return false;
+        const auto *change = static_cast<const xcb_property_notify_event_t *>(message);
+        if (change->window == window_ && change->atom == property_)
+            ++times;
+        return false;
+    }
+
+    int times = 0;
+
+private:
+    xcb_connection_t *connection_ = desk().screen->connection();
+    xcb_window_t window_;
+    xcb_atom_t property_;
+};
+
+TEST_F(NamesTest, IsNotToldOfTheCaptionsThatItWroteButOfWhatOthersWrite) {
+    TestForm form;
+    form.appear();
+    Told names(nativeOf(form), "_NET_WM_NAME");
+    Told others(nativeOf(form), "_VELMORA_OF_OTHERS");
+    for (int roll = 0; roll < 3; ++roll) {
+        form.setCaption(u"one");
+        form.setCaption(u"two");
+        ASSERT_TRUE(desk().settle());
+        others.changeByAnother();
+        EXPECT_TRUE(desk().pump([&] { return others.times == roll + 1; }));
+    }
+    EXPECT_EQ(names.times, 0) << "its own writes wake it";
+    names.changeByAnother();
+    EXPECT_TRUE(desk().pump([&] { return names.times == 1; }));
+}
 
 TEST_F(NamesTest, ShowsItsCaptionToTheWindowManager) {
     TestForm form;

@@ -1,18 +1,13 @@
 #include "platform/backends/qt/screen/stacking.h"
 
+#include "platform/backends/qt/screen/x_reply.h"
+
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <vector>
 
 namespace velmora::platform::qt {
 
 namespace {
-
-struct Free {
-    void operator()(void *reply) const noexcept { std::free(reply); }
-};
-template <typename Reply> using Owned = std::unique_ptr<Reply, Free>;
 
 // The window around it that lies on the screen itself.
 xcb_window_t topLevel(X11 &x11, xcb_window_t window) {

@@ -1,5 +1,7 @@
 #include "platform/backends/qt/screen/x11.h"
 
+#include "platform/backends/qt/screen/x_reply.h"
+
 #include <QGuiApplication>
 #include <QScreen>
 #include <QSysInfo>
@@ -7,19 +9,12 @@
 #include <xcb/shape.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
 
 namespace velmora::platform::qt {
 
 namespace {
-
-struct Free {
-    void operator()(void *reply) const noexcept { std::free(reply); }
-};
-template <typename Reply> using Owned = std::unique_ptr<Reply, Free>;
 
 constexpr std::uint32_t stateRemove = 0;
 constexpr std::uint32_t stateAdd = 1;
@@ -248,30 +243,6 @@ bool X11::managerKnows(Atom what) {
 }
 
 bool X11::managerMinimises() { return managerKnows(ActionMinimize); }
-
-void X11::setName(xcb_window_t window, const QByteArray &utf8) {
-    const bool isAscii = std::all_of(
-        utf8.begin(), utf8.end(), [](char byte) { return byte > 0 && byte < 127; });
-    const auto set = [&](xcb_atom_t property, xcb_atom_t type) {
-        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, property, type, 8,
-                            static_cast<std::uint32_t>(utf8.size()), utf8.constData());
-    };
-    if (!knowsNames_)
-        knowsNames_ = managerKnows(NetWmName);
-    set(atoms_[NetWmName], atoms_[Utf8String]);
-    if (!*knowsNames_)
-        set(XCB_ATOM_WM_NAME, isAscii ? xcb_atom_t{XCB_ATOM_STRING} : atoms_[Utf8String]);
-}
-
-void X11::setIconName(xcb_window_t window, const QByteArray &utf8) {
-    xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atoms_[NetWmIconName],
-                        atoms_[Utf8String], 8, static_cast<std::uint32_t>(utf8.size()),
-                        utf8.constData());
-}
-
-void X11::clearIconName(xcb_window_t window) {
-    xcb_delete_property(connection_, window, atoms_[NetWmIconName]);
-}
 
 void X11::setShape(xcb_window_t window, std::span<const xcb_rectangle_t> rows) {
     // An empty input shape makes some window managers keep the clicks for their own frame: one

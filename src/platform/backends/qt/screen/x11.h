@@ -86,7 +86,10 @@ public:
     // the toolkit writes each name by itself, and reads of each on its own that it has changed.
     // Each write of a property wakes the manager, every panel and this program's own reader, four
     // times a second while a track plays: the name of old is written only where the manager does
-    // not know the one of today.
+    // not know the one of today, and the server is asked not to tell this program of it. The
+    // requests of a write reach the server in one piece, so there is no moment for a change by
+    // others to go unheard. Which events the toolkit wants of a window is asked once: it chooses
+    // them as it makes the window.
     void setName(xcb_window_t window, const QByteArray &utf8);
     // What panels call its entry, where that is not its name.
     void setIconName(xcb_window_t window, const QByteArray &utf8);
@@ -158,6 +161,8 @@ private:
     void tellManager(const xcb_client_message_event_t &event);
     std::vector<xcb_atom_t> readAtoms(xcb_window_t window, Atom property, std::uint32_t most);
     xcb_visualid_t clearVisual() const;
+    std::uint32_t eventsOf(xcb_window_t window);
+    void chooseEvents(xcb_window_t window, std::uint32_t events);
     void propertyChanged(const xcb_property_notify_event_t &change);
     bool hasExtension(const char *name, std::uint8_t &firstEvent);
 
@@ -173,6 +178,8 @@ private:
     std::uint8_t fixesEvent_ = 0;
     bool composited_ = false;
     std::optional<bool> knowsNames_; // the manager, as far as it was asked
+    xcb_window_t named_ = XCB_NONE;  // the last window that `setName` was for
+    std::uint32_t eventsOfNamed_ = 0;
     bool guest_ = false;
 };
 
